@@ -1,0 +1,132 @@
+#include "base/Text.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace korvo {
+
+namespace {
+
+constexpr char lowered(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// The length of the well-formed UTF-8 sequence at the start of the text, 0 when there is none.
+/// Unicode 15, table 3-7.
+std::size_t sequenceLength(std::string_view text)
+{
+    const auto byte
+        = [&](std::size_t i) { return i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0U; };
+    const auto within
+        = [](unsigned value, unsigned low, unsigned high) { return value >= low && value <= high; };
+    const unsigned first = byte(0);
+    if (first < 0x80)
+        return text.empty() ? 0 : 1;
+    if (within(first, 0xC2, 0xDF))
+        return within(byte(1), 0x80, 0xBF) ? 2 : 0;
+    if (within(first, 0xE0, 0xEF)) {
+        const unsigned low = first == 0xE0 ? 0xA0 : 0x80;
+        const unsigned high = first == 0xED ? 0x9F : 0xBF;
+        return within(byte(1), low, high) && within(byte(2), 0x80, 0xBF) ? 3 : 0;
+    }
+    if (within(first, 0xF0, 0xF4)) {
+        const unsigned low = first == 0xF0 ? 0x90 : 0x80;
+        const unsigned high = first == 0xF4 ? 0x8F : 0xBF;
+        return within(byte(1), low, high) && within(byte(2), 0x80, 0xBF) && within(byte(3), 0x80, 0xBF) ? 4
+                                                                                                        : 0;
+    }
+    return 0;
+}
+
+} // namespace
+
+std::string plural(std::size_t count, std::string_view noun)
+{
+    return std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::string counted(std::size_t count, std::string_view noun)
+{
+    return std::to_string(count) + " " + plural(count, noun);
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view space = " \t\r\n\f\v";
+    const auto first = text.find_first_not_of(space);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(space) - first + 1);
+}
+
+std::vector<std::string_view> split(std::string_view text, char separator)
+{
+    std::vector<std::string_view> pieces;
+    for (;;) {
+        const auto at = text.find(separator);
+        pieces.push_back(text.substr(0, at));
+        if (at == std::string_view::npos)
+            return pieces;
+        text.remove_prefix(at + 1);
+    }
+}
+
+std::vector<std::string> splitKeywords(std::string_view text)
+{
+    std::vector<std::string> keywords;
+    for (const auto piece : split(text, ','))
+        if (const auto keyword = trimmed(piece); !keyword.empty())
+            keywords.emplace_back(keyword);
+    return keywords;
+}
+
+std::string joinKeywords(const std::vector<std::string>& keywords)
+{
+    std::string joined;
+    for (const auto& keyword : keywords)
+        joined += (joined.empty() ? "" : ", ") + keyword;
+    return joined;
+}
+
+std::string asciiLower(std::string_view text)
+{
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), lowered);
+    return lower;
+}
+
+int compareNoCase(std::string_view a, std::string_view b)
+{
+    const auto common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i)
+        if (const int difference
+            = static_cast<std::uint8_t>(lowered(a[i])) - static_cast<std::uint8_t>(lowered(b[i])))
+            return difference;
+    return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+}
+
+bool isUtf8(std::string_view text)
+{
+    while (!text.empty()) {
+        const auto length = sequenceLength(text);
+        if (length == 0)
+            return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+std::string repairedUtf8(std::string_view text)
+{
+    std::string repaired;
+    repaired.reserve(text.size());
+    while (!text.empty()) {
+        const auto length = sequenceLength(text);
+        repaired += length > 0 ? text.substr(0, length) : std::string_view("\uFFFD");
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return repaired;
+}
+
+} // namespace korvo

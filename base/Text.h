@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvo {
+
+/// `count` and the noun in the right number: "1 photo", "0 photos", "3 photos".
+std::string counted(std::size_t count, std::string_view noun);
+
+/// `noun`, with an "s" unless `count` is 1.
+std::string plural(std::size_t count, std::string_view noun);
+
+/// Without white space (blank, tab, line breaks, form feed, vertical tab) at both ends.
+std::string_view trimmed(std::string_view text);
+
+/// The pieces between separators, empty ones included; one piece for text without a separator.
+std::vector<std::string_view> split(std::string_view text, char separator);
+
+/// The entries of a keyword list: the text cut at commas, each entry trimmed, empty ones dropped.
+std::vector<std::string> splitKeywords(std::string_view text);
+
+/// Keywords as the catalog holds them: joined with ", ".
+std::string joinKeywords(const std::vector<std::string>& keywords);
+
+/// The text with the letters A to Z in lower case and all else as it is, as SQLite's NOCASE folds.
+std::string asciiLower(std::string_view text);
+
+/// Less than, equal to or greater than 0 in the order of SQLite's NOCASE collation.
+int compareNoCase(std::string_view a, std::string_view b);
+
+/// Whether the text is well-formed UTF-8.
+bool isUtf8(std::string_view text);
+
+/// The text itself when it is well-formed UTF-8, else with each offending byte replaced by U+FFFD.
+std::string repairedUtf8(std::string_view text);
+
+} // namespace korvo

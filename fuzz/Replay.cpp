@@ -1,0 +1,23 @@
+// Feeds every file of the given folders to a fuzz target once: the stand-in for libFuzzer's own main.
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+int main(int argc, char** argv)
+{
+    int replayed = 0;
+    for (int i = 1; i < argc; ++i)
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(argv[i])) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            std::vector<char> bytes((std::istreambuf_iterator<char>(file)), {});
+            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+            ++replayed;
+        }
+    std::printf("%d inputs replayed\n", replayed);
+    return replayed > 0 ? 0 : 1; // a corpus that went missing is a failure
+}

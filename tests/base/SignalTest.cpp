@@ -1,0 +1,49 @@
+#include "base/Signal.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+TEST(Signal, callsObserversInOrderUntilTheyDisconnect)
+{
+    Signal<int> signal;
+    std::vector<int> seen;
+    const auto first = signal.connect([&](int value) { seen.push_back(value); });
+    {
+        const auto second = signal.connect([&](int value) { seen.push_back(-value); });
+        signal.emit(1);
+    }
+    signal.emit(2);
+    EXPECT_EQ(seen, (std::vector{1, -1, 2}));
+}
+
+TEST(Signal, observersMayConnectAndDisconnectFromInsideACall)
+{
+    Signal<> signal;
+    int late = 0;
+    Connection added;
+    Connection dropped;
+    const auto changing = signal.connect([&] {
+        added = signal.connect([&] { ++late; });
+        dropped = {};
+    });
+    int droppedCalls = 0;
+    dropped = signal.connect([&] { ++droppedCalls; });
+    signal.emit();
+    EXPECT_EQ(late, 0);
+    EXPECT_EQ(droppedCalls, 0);
+    signal.emit();
+    EXPECT_EQ(late, 0) << "the second call replaced the observer before it was reached";
+}
+
+TEST(Signal, aConnectionMayOutliveItsSignal)
+{
+    Connection connection;
+    {
+        Signal<> signal;
+        connection = signal.connect([] {});
+    }
+    SUCCEED(); // the fault would be a crash, which the sanitizers report
+}
+
+} // namespace korvo

@@ -1,0 +1,58 @@
+#include "base/Task.h"
+#include "tests/support/ManualMainThread.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+namespace korvo {
+
+TEST(Task, deliversItsResultOnTheMainThread)
+{
+    ManualMainThread main;
+    bool onMain = false;
+    bool offMain = false;
+    const Task task = runInBackground(main, [&](const Task::Context& context) {
+        offMain = !main.isCurrent();
+        context.deliver([&] { onMain = main.isCurrent(); });
+    });
+    EXPECT_TRUE(main.runUntil([&] { return onMain; }));
+    EXPECT_TRUE(offMain);
+}
+
+TEST(Task, cancellingStopsTheWorkAndWithholdsWhatItPosted)
+{
+    ManualMainThread main;
+    int delivered = 0;
+    std::atomic<bool> posted = false;
+    std::atomic<bool> stopped = false;
+    Task task = runInBackground(main, [&](const Task::Context& context) {
+        context.deliver([&] { ++delivered; });
+        posted = true;
+        while (!context.stopRequested())
+            std::this_thread::yield();
+        stopped = true;
+    });
+    while (!posted)
+        std::this_thread::yield();
+    task.cancel();
+    EXPECT_TRUE(stopped);
+    main.runPending();
+    EXPECT_EQ(delivered, 0);
+}
+
+TEST(ManualMainThread, timersRunInOrderUnlessTheyAreDropped)
+{
+    ManualMainThread main;
+    std::string order;
+    const auto late = main.postAfter(std::chrono::milliseconds(2500), [&] { order += "late "; });
+    const auto early = main.postAfter(std::chrono::milliseconds(100), [&] { order += "early "; });
+    auto dropped = main.postAfter(std::chrono::milliseconds(200), [&] { order += "dropped "; });
+    dropped.reset();
+    main.advance(std::chrono::milliseconds(2499));
+    EXPECT_EQ(order, "early ");
+    main.advance(std::chrono::milliseconds(1));
+    EXPECT_EQ(order, "early late ");
+}
+
+} // namespace korvo

@@ -1,0 +1,43 @@
+#include "base/Text.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+TEST(Text, keywordsAreCutAtCommasTrimmedAndNeverEmpty)
+{
+    EXPECT_EQ(splitKeywords(" a,b ,, c d ,"), (std::vector<std::string>{"a", "b", "c d"}));
+    EXPECT_EQ(splitKeywords(""), std::vector<std::string>{});
+    EXPECT_EQ(joinKeywords({"a", "c d"}), "a, c d");
+}
+
+TEST(Text, repairsOnlyWhatIsNotUtf8)
+{
+    struct Case {
+        std::string_view text, repaired;
+    };
+    for (const auto& [text, repaired] : {
+             Case{"Jürgen 桜 🌸", "Jürgen 桜 🌸"},
+             {"a\xFF"
+              "b",
+                 "a\uFFFDb"},
+             {"\xC0\xAF", "\uFFFD\uFFFD"}, // an overlong slash
+             {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"}, // a surrogate
+             {"\xE6\xA1", "\uFFFD\uFFFD"}, // cut off
+             {"\xF4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"}, // beyond U+10FFFF
+         }) {
+        EXPECT_EQ(repairedUtf8(text), repaired);
+        EXPECT_EQ(isUtf8(text), text == repaired);
+    }
+}
+
+TEST(Text, comparesAsTheCatalogOrders)
+{
+    EXPECT_EQ(compareNoCase("IMG_1.jpg", "img_1.JPG"), 0);
+    EXPECT_LT(compareNoCase("a", "B"), 0);
+    EXPECT_LT(compareNoCase("a", "aa"), 0);
+    EXPECT_LT(compareNoCase("z", "Ä"), 0) << "bytes beyond ASCII come last";
+    EXPECT_NE(compareNoCase("ä", "Ä"), 0);
+}
+
+} // namespace korvo
