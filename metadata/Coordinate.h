@@ -1,0 +1,12 @@
+#pragma once
+
+namespace korvo {
+
+/// A position on the Earth in degrees: latitude from -90 (south) to 90, longitude from -180 (west) to 180.
+struct Coordinate {
+    double latitude = 0, longitude = 0;
+
+    friend bool operator==(const Coordinate&, const Coordinate&) = default;
+};
+
+} // namespace korvo

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "metadata/FileWindow.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+namespace korvo {
+
+/// A TIFF structure (TIFF 6.0, section 2) in either byte order: the EXIF block of a photo, or a whole TIFF or
+/// raw file. Offsets that loop and counts that lie cost bounded work; entries whose values lie outside are
+/// left out.
+class ExifBlock {
+public:
+    /// One entry of a directory.
+    struct Entry {
+        std::uint16_t tag = 0;
+        std::uint16_t type = 0;
+        std::uint32_t count = 0;
+        ByteRange value; ///< where in the file its values lie
+    };
+
+    /// Nothing when no TIFF header stands at the beginning of the range.
+    static std::optional<ExifBlock> open(FileWindow& file, ByteRange block);
+
+    /// Offset in the block of the first directory.
+    std::uint32_t firstDirectory() const { return firstDirectory_; }
+
+    /// Calls `visit` with each entry of the directory at an offset in the block.
+    template <class Visit>
+    void forEachEntry(std::uint32_t directory, Visit visit) const
+    {
+        const auto entries = directoryBytes(directory);
+        for (std::size_t at = 0; at < entries.size(); at += entrySize)
+            if (const auto entry = entryAt(entries, at, directory))
+                visit(*entry);
+    }
+
+    /// The offset of the directory that follows, 0 for none.
+    std::uint32_t nextDirectory(std::uint32_t directory) const;
+
+    /// A value of any numeric type; nothing for other types and for a denominator of 0.
+    std::optional<double> number(const Entry& entry, std::uint32_t index = 0) const;
+
+    /// An unsigned integer of 8, 16 or 32 bits.
+    std::optional<std::uint32_t> integer(const Entry& entry, std::uint32_t index = 0) const;
+
+    /// The bytes of text, NULs included; at most 64 KiB of it.
+    std::string_view rawText(const Entry& entry) const;
+
+    /// Text up to its first NUL, without white space at its end.
+    std::string_view text(const Entry& entry) const;
+
+private:
+    static constexpr std::size_t entrySize = 12;
+
+    ExifBlock(FileWindow& file, ByteRange block, bool isBigEndian);
+    Bytes directoryBytes(std::uint32_t directory) const;
+    std::optional<Entry> entryAt(Bytes entries, std::size_t at, std::uint32_t directory) const;
+    std::optional<Bytes> valueAt(const Entry& entry, std::uint32_t index) const;
+    std::optional<double> real(Bytes bytes) const;
+    std::optional<Bytes> view(std::uint64_t offset, std::uint64_t length) const;
+    std::uint32_t unsignedAt(Bytes bytes, std::uint64_t offset, unsigned width) const;
+
+    FileWindow* file_;
+    ByteRange block_;
+    bool isBigEndian_;
+    std::uint32_t firstDirectory_ = 0;
+};
+
+} // namespace korvo

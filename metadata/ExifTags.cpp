@@ -1,0 +1,162 @@
+#include "metadata/ExifTags.h"
+
+#include "metadata/ExifBlock.h"
+
+#include <array>
+#include <cmath>
+#include <span>
+
+namespace korvo {
+
+namespace {
+
+using Entry = ExifBlock::Entry;
+
+/// What the entries of the directories are put into; positions are put together at the end.
+struct Reading {
+    ExifTags tags;
+    std::uint32_t exifDirectory = 0, gpsDirectory = 0;
+    std::string_view latitudeReference, longitudeReference;
+    std::optional<double> latitude, longitude;
+};
+
+struct Rule {
+    std::uint16_t tag;
+    void (*read)(Reading&, const ExifBlock&, const Entry&);
+};
+
+/// The first entry with a value counts, as damaged files repeat entries.
+template <auto Field>
+void readText(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    if (auto& field = reading.tags.*Field; field.empty())
+        field = block.text(entry);
+}
+
+template <auto Field>
+void readNumber(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    if (auto& field = reading.tags.*Field; !field)
+        field = block.number(entry);
+}
+
+void readIso(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    if (!reading.tags.iso)
+        reading.tags.iso = block.integer(entry);
+}
+
+void readCopyright(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    if (reading.tags.copyright.empty())
+        reading.tags.copyright = block.rawText(entry);
+}
+
+template <auto Field>
+void readOffset(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    reading.*Field = block.integer(entry).value_or(0);
+}
+
+template <auto Field>
+void readReference(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    reading.*Field = block.text(entry);
+}
+
+/// Degrees, minutes and seconds; missing minutes or seconds count as 0.
+template <auto Field>
+void readDegrees(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    if (const auto degrees = block.number(entry, 0))
+        reading.*Field
+            = *degrees + block.number(entry, 1).value_or(0) / 60 + block.number(entry, 2).value_or(0) / 3600;
+}
+
+constexpr std::array mainRules{
+    Rule{0x010f, readText<&ExifTags::make>},
+    Rule{0x0110, readText<&ExifTags::model>},
+    Rule{0x013b, readText<&ExifTags::artist>},
+    Rule{0x8298, readCopyright},
+    Rule{0x8769, readOffset<&Reading::exifDirectory>},
+    Rule{0x8825, readOffset<&Reading::gpsDirectory>},
+};
+
+constexpr std::array exifRules{
+    Rule{0x829a, readNumber<&ExifTags::exposureTime>},
+    Rule{0x829d, readNumber<&ExifTags::fNumber>},
+    Rule{0x8827, readIso},
+    Rule{0x9003, readText<&ExifTags::dateTimeOriginal>},
+    Rule{0x9011, readText<&ExifTags::offsetTimeOriginal>},
+    Rule{0x920a, readNumber<&ExifTags::focalLength>},
+    Rule{0xa434, readText<&ExifTags::lens>},
+};
+
+constexpr std::array gpsRules{
+    Rule{1, readReference<&Reading::latitudeReference>},
+    Rule{2, readDegrees<&Reading::latitude>},
+    Rule{3, readReference<&Reading::longitudeReference>},
+    Rule{4, readDegrees<&Reading::longitude>},
+};
+
+void readDirectory(
+    Reading& reading, const ExifBlock& block, std::uint32_t directory, std::span<const Rule> rules)
+{
+    block.forEachEntry(directory, [&](const Entry& entry) {
+        for (const auto& rule : rules)
+            if (rule.tag == entry.tag)
+                return rule.read(reading, block, entry);
+    });
+}
+
+void readFirstDirectory(Reading& reading, FileWindow& file, ByteRange range, std::span<const Rule> rules)
+{
+    if (const auto block = ExifBlock::open(file, range))
+        readDirectory(reading, *block, block->firstDirectory(), rules);
+}
+
+void readWhole(Reading& reading, FileWindow& file, ByteRange range)
+{
+    const auto block = ExifBlock::open(file, range);
+    if (!block)
+        return;
+    readDirectory(reading, *block, block->firstDirectory(), mainRules);
+    if (reading.exifDirectory != 0)
+        readDirectory(reading, *block, reading.exifDirectory, exifRules);
+    // Raw files keep some or all of the same tags in their first directory (TIFF/EP, ISO 12234-2).
+    readDirectory(reading, *block, block->firstDirectory(), exifRules);
+    if (reading.gpsDirectory != 0)
+        readDirectory(reading, *block, reading.gpsDirectory, gpsRules);
+}
+
+double signedDegrees(double degrees, std::string_view reference, char negative)
+{
+    return reference.starts_with(negative) ? -degrees : degrees;
+}
+
+std::optional<Coordinate> coordinate(const Reading& reading)
+{
+    if (!reading.latitude || !reading.longitude)
+        return std::nullopt;
+    if (std::abs(*reading.latitude) > 90 || std::abs(*reading.longitude) > 180)
+        return std::nullopt;
+    return Coordinate{signedDegrees(*reading.latitude, reading.latitudeReference, 'S'),
+        signedDegrees(*reading.longitude, reading.longitudeReference, 'W')};
+}
+
+} // namespace
+
+ExifTags readExifTags(FileWindow& file, const MetadataBlocks& blocks)
+{
+    Reading reading;
+    if (blocks.exif)
+        readWhole(reading, file, *blocks.exif);
+    if (blocks.exifDirectory)
+        readFirstDirectory(reading, file, *blocks.exifDirectory, exifRules);
+    if (blocks.gpsDirectory)
+        readFirstDirectory(reading, file, *blocks.gpsDirectory, gpsRules);
+    reading.tags.coordinate = coordinate(reading);
+    return reading.tags;
+}
+
+} // namespace korvo

@@ -1,0 +1,119 @@
+#include "metadata/FileWindow.h"
+
+#include "metadata/MetadataError.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <ranges>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::uint64_t mostRead = 4 * 1024 * 1024;
+constexpr std::uint64_t readAhead = 4096;
+constexpr std::uint64_t firstAppended = std::uint64_t(1) << 62; // far beyond the end of any file
+
+} // namespace
+
+FileWindow::FileWindow(const std::filesystem::path& file)
+    : path_(file),
+      file_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) // a pipe must not keep us waiting
+      ,
+      headBytes_(std::make_unique_for_overwrite<std::uint8_t[]>(headSize)), nextAppended_(firstAppended)
+{
+    if (file_ < 0)
+        throw MetadataError(MetadataError::Case::open, path_, errno);
+    try {
+        head_ = Bytes(headBytes_.get(), readAt(0, headBytes_.get(), headSize));
+        size_ = head_.size();
+        if (struct stat status; size_ == headSize && ::fstat(file_, &status) == 0)
+            size_ = std::max(size_, static_cast<std::uint64_t>(status.st_size));
+    } catch (...) {
+        ::close(file_);
+        throw;
+    }
+    budget_ = std::min(mostRead, 2 * size_);
+}
+
+FileWindow::~FileWindow()
+{
+    ::close(file_);
+}
+
+std::optional<Bytes> FileWindow::viewBeyondHead(std::uint64_t offset, std::uint64_t length)
+{
+    for (const auto& piece : std::views::reverse(pieces_))
+        if (offset >= piece.offset)
+            if (const auto bytes
+                = Bytes(piece.bytes.data(), piece.bytes.size()).slice(offset - piece.offset, length))
+                return bytes;
+    if (offset > size_ || length > size_ - offset || !readPiece(offset, length))
+        return std::nullopt;
+    return Bytes(pieces_.back().bytes.data(), static_cast<std::size_t>(length));
+}
+
+bool FileWindow::readPiece(std::uint64_t offset, std::uint64_t length)
+{
+    const auto wanted = std::min(std::max(length, readAhead), size_ - offset);
+    if (!spend(wanted))
+        return false;
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(wanted));
+    const auto read = readAt(offset, bytes.data(), bytes.size());
+    if (read < length) // the file has become shorter since it was opened
+        return false;
+    bytes.resize(read);
+    pieces_.push_back({offset, std::move(bytes)});
+    return true;
+}
+
+std::size_t FileWindow::readAt(std::uint64_t offset, std::uint8_t* buffer, std::size_t length) const
+{
+    std::size_t done = 0;
+    while (done < length) {
+        const auto count = ::pread(file_, buffer + done, length - done, static_cast<off_t>(offset + done));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw MetadataError(MetadataError::Case::read, path_, errno);
+        if (count == 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+bool FileWindow::spend(std::uint64_t bytes)
+{
+    if (bytes > budget_)
+        return false;
+    budget_ -= bytes;
+    return true;
+}
+
+ByteRange FileWindow::append(std::vector<std::uint8_t> bytes)
+{
+    const ByteRange range{nextAppended_, bytes.size()};
+    nextAppended_ += bytes.size();
+    pieces_.push_back({range.offset, std::move(bytes)});
+    return range;
+}
+
+std::optional<ByteRange> FileWindow::joined(const std::vector<ByteRange>& ranges)
+{
+    if (ranges.size() == 1)
+        return ranges.front();
+    std::vector<std::uint8_t> all;
+    for (const auto& range : ranges) {
+        const auto bytes = spend(range.length) ? view(range) : std::nullopt;
+        if (!bytes)
+            return std::nullopt;
+        all.insert(all.end(), bytes->data(), bytes->data() + bytes->size());
+    }
+    return append(std::move(all));
+}
+
+} // namespace korvo

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "base/Bytes.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace korvo {
+
+/// A range of bytes of a file.
+struct ByteRange {
+    std::uint64_t offset = 0, length = 0;
+};
+
+/// The few bytes of one file that its metadata are read from. The first 64 KiB are read at once, which is all
+/// that most photos need; ranges beyond are read when asked for, in total at most twice the file's size and 4
+/// MiB. Bytes given out stay valid as long as the window.
+class FileWindow {
+public:
+    static constexpr std::size_t headSize = 64 * 1024;
+
+    /// Opens the file and reads its head. The path must outlive the window. Throws MetadataError.
+    explicit FileWindow(const std::filesystem::path& file);
+    ~FileWindow();
+    FileWindow(const FileWindow&) = delete;
+    FileWindow& operator=(const FileWindow&) = delete;
+
+    /// The bytes at the beginning of the file, `headSize` of them or the whole file.
+    Bytes head() const { return head_; }
+    std::uint64_t size() const { return size_; }
+    ByteRange all() const { return {0, size_}; }
+
+    /// The bytes of a range; nothing when they do not all lie in the file or too much has been read of it
+    /// already. Throws MetadataError when reading fails.
+    std::optional<Bytes> view(std::uint64_t offset, std::uint64_t length)
+    {
+        const auto inHead = head_.slice(offset, length);
+        return inHead ? inHead : viewBeyondHead(offset, length);
+    }
+    std::optional<Bytes> view(ByteRange range) { return view(range.offset, range.length); }
+
+    /// Adds bytes that were unpacked from the file, so that they have a range as well.
+    ByteRange append(std::vector<std::uint8_t> bytes);
+
+    /// The ranges one after the other as one; nothing when one of them cannot be viewed.
+    std::optional<ByteRange> joined(const std::vector<ByteRange>& ranges);
+
+private:
+    struct Piece {
+        std::uint64_t offset;
+        std::vector<std::uint8_t> bytes;
+    };
+
+    std::optional<Bytes> viewBeyondHead(std::uint64_t offset, std::uint64_t length);
+    bool readPiece(std::uint64_t offset, std::uint64_t length);
+    std::size_t readAt(std::uint64_t offset, std::uint8_t* buffer, std::size_t length) const;
+    bool spend(std::uint64_t bytes);
+
+    const std::filesystem::path& path_;
+    int file_;
+    std::unique_ptr<std::uint8_t[]> headBytes_;
+    Bytes head_;
+    std::uint64_t size_ = 0;
+    std::uint64_t budget_ = 0;
+    std::uint64_t nextAppended_;
+    std::vector<Piece> pieces_;
+};
+
+} // namespace korvo

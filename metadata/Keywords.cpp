@@ -1,0 +1,18 @@
+#include "metadata/Keywords.h"
+
+#include "base/Text.h"
+
+namespace korvo {
+
+std::vector<std::string> tidyKeywords(std::vector<std::string> entries)
+{
+    if (entries.size() == 1)
+        return splitKeywords(entries.front());
+    std::vector<std::string> keywords;
+    for (const auto& entry : entries)
+        if (const auto keyword = trimmed(entry); !keyword.empty())
+            keywords.emplace_back(keyword);
+    return keywords;
+}
+
+} // namespace korvo

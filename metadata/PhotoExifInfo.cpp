@@ -1,0 +1,67 @@
+#include "metadata/PhotoExifInfo.h"
+
+#include "base/Text.h"
+#include "metadata/CaptureDate.h"
+#include "metadata/ForeignText.h"
+
+#include <cmath>
+#include <fmt/format.h>
+
+namespace korvo {
+
+namespace {
+
+std::optional<std::string> nonEmptyText(std::string_view text)
+{
+    return text.empty() ? std::nullopt : std::optional(fromUnknownEncoding(text));
+}
+
+std::optional<std::string> cameraName(std::string_view make, std::string_view model)
+{
+    if (make.empty() || model.empty() || asciiLower(model).find(asciiLower(make)) != std::string::npos)
+        return nonEmptyText(model.empty() ? make : model);
+    return fromUnknownEncoding(make) + " " + fromUnknownEncoding(model);
+}
+
+std::string exposureText(double seconds)
+{
+    return seconds >= 1 ? fmt::format("{:.1f} s", seconds)
+                        : fmt::format("1/{:.0f} s", std::round(1 / seconds));
+}
+
+void describeExposure(PhotoExifInfo& info, const ExifTags& tags)
+{
+    if (tags.exposureTime && *tags.exposureTime > 0) {
+        info.shutterSeconds = tags.exposureTime;
+        info.exposure = exposureText(*tags.exposureTime);
+    }
+    if (tags.fNumber) {
+        info.apertureValue = tags.fNumber;
+        info.aperture = fmt::format("ƒ/{:.1f}", *tags.fNumber);
+    }
+    if (tags.focalLength) {
+        info.focalValue = tags.focalLength;
+        info.focalLength = fmt::format("{:.0f} mm", *tags.focalLength);
+    }
+    if (tags.iso)
+        info.isoValue = static_cast<int>(std::min<std::uint32_t>(*tags.iso, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+PhotoExifInfo exifInfo(const ExifTags& tags, PixelSize size)
+{
+    PhotoExifInfo info;
+    info.camera = cameraName(trimmed(tags.make), trimmed(tags.model));
+    info.lens = nonEmptyText(trimmed(tags.lens));
+    describeExposure(info, tags);
+    info.captureTimestamp = parseCaptureDate(tags.dateTimeOriginal, tags.offsetTimeOriginal);
+    if (info.captureTimestamp)
+        info.captureDate = localDateTime(*info.captureTimestamp);
+    if (!size.empty())
+        info.pixelSize = fmt::format("{} × {}", size.width, size.height);
+    info.coordinate = tags.coordinate;
+    return info;
+}
+
+} // namespace korvo

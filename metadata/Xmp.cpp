@@ -1,0 +1,211 @@
+#include "metadata/Xmp.h"
+
+#include "metadata/ForeignText.h"
+#include "metadata/Keywords.h"
+
+#include <algorithm>
+#include <array>
+#include <pugixml.hpp>
+#include <string_view>
+#include <vector>
+
+namespace korvo {
+
+namespace {
+
+enum class Namespace { other, rdf, dublinCore, iptcCore };
+
+struct Name {
+    Namespace space = Namespace::other;
+    std::string_view local;
+
+    friend bool operator==(const Name&, const Name&) = default;
+};
+
+Namespace namespaceOf(std::string_view uri)
+{
+    if (uri == "http://www.w3.org/1999/02/22-rdf-syntax-ns#")
+        return Namespace::rdf;
+    if (uri == "http://purl.org/dc/elements/1.1/")
+        return Namespace::dublinCore;
+    if (uri == "http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/")
+        return Namespace::iptcCore;
+    return Namespace::other;
+}
+
+/// The namespace prefixes in force at a place of the document, innermost last.
+class Prefixes {
+public:
+    /// Adds those that an element declares.
+    void enter(pugi::xml_node element)
+    {
+        constexpr std::string_view declaration = "xmlns:";
+        for (const auto attribute : element.attributes())
+            if (const std::string_view name = attribute.name(); name.starts_with(declaration))
+                if (prefixes_.size() < most)
+                    prefixes_.push_back({name.substr(declaration.size()), namespaceOf(attribute.value())});
+    }
+
+    std::size_t count() const { return prefixes_.size(); }
+    void leaveTo(std::size_t count) { prefixes_.resize(count); }
+
+    Name resolved(std::string_view name) const
+    {
+        const auto colon = name.find(':');
+        if (colon == std::string_view::npos)
+            return {Namespace::other, name};
+        const auto prefix = name.substr(0, colon);
+        const auto found = std::find_if(
+            prefixes_.rbegin(), prefixes_.rend(), [&](const Prefix& each) { return each.prefix == prefix; });
+        return {found == prefixes_.rend() ? Namespace::other : found->space, name.substr(colon + 1)};
+    }
+
+private:
+    struct Prefix {
+        std::string_view prefix;
+        Namespace space = Namespace::other;
+    };
+
+    static constexpr std::size_t most = 100;
+    std::vector<Prefix> prefixes_;
+};
+
+/// Text and CDATA directly in an element, comments left out.
+std::string textOf(pugi::xml_node element)
+{
+    std::string text;
+    for (const auto child : element.children())
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
+            text += child.value();
+    return fromUnknownEncoding(text);
+}
+
+struct ListEntry {
+    std::string text;
+    std::string_view language;
+};
+
+bool isDefault(const ListEntry& entry)
+{
+    return entry.language == "x-default";
+}
+
+/// The entry in the default language, else the first that holds anything.
+std::string chosenText(std::vector<ListEntry>& entries)
+{
+    auto chosen = std::ranges::find_if(entries, isDefault);
+    if (chosen == entries.end() || chosen->text.empty())
+        chosen = std::ranges::find_if(entries, [](const ListEntry& entry) { return !entry.text.empty(); });
+    return chosen == entries.end() ? std::string() : std::move(chosen->text);
+}
+
+class XmpReader {
+public:
+    DescriptiveFields read(const pugi::xml_document& document)
+    {
+        visit(document, 0);
+        return std::move(fields_);
+    }
+
+private:
+    // How deep the descriptions may lie: document, x:xmpmeta, rdf:RDF, rdf:Description, and one for good
+    // measure.
+    static constexpr int deepest = 5;
+
+    void visit(pugi::xml_node parent, int depth)
+    {
+        for (const auto element : parent.children()) {
+            if (element.type() != pugi::node_element)
+                continue;
+            const auto outer = prefixes_.count();
+            prefixes_.enter(element);
+            if (prefixes_.resolved(element.name()) == Name{Namespace::rdf, "Description"})
+                takeDescription(element);
+            else if (depth < deepest)
+                visit(element, depth + 1);
+            prefixes_.leaveTo(outer);
+        }
+    }
+
+    void takeDescription(pugi::xml_node description)
+    {
+        for (const auto attribute : description.attributes())
+            if (const auto name = prefixes_.resolved(attribute.name()); isWanted(name))
+                takeProperty(name, {{fromUnknownEncoding(attribute.value()), {}}});
+        for (const auto property : description.children()) {
+            const auto outer = prefixes_.count();
+            prefixes_.enter(property);
+            if (const auto name = prefixes_.resolved(property.name()); isWanted(name))
+                takeProperty(name, entriesOf(property));
+            prefixes_.leaveTo(outer);
+        }
+    }
+
+    static bool isWanted(const Name& name)
+    {
+        return name.space == Namespace::dublinCore || name.space == Namespace::iptcCore;
+    }
+
+    void takeProperty(const Name& name, std::vector<ListEntry> entries)
+    {
+        if (name == Name{Namespace::dublinCore, "subject"} && fields_.keywords.empty())
+            fields_.keywords = keywordsOf(std::move(entries));
+        for (const auto& [property, field] : textProperties)
+            if (name == property && (fields_.*field).empty())
+                fields_.*field = chosenText(entries);
+    }
+
+    static std::vector<std::string> keywordsOf(std::vector<ListEntry> entries)
+    {
+        std::vector<std::string> keywords;
+        for (auto& entry : entries)
+            keywords.push_back(std::move(entry.text));
+        return tidyKeywords(std::move(keywords));
+    }
+
+    /// The entries of a Bag, Seq or Alt, or the plain text of a property as the only one.
+    std::vector<ListEntry> entriesOf(pugi::xml_node property)
+    {
+        std::vector<ListEntry> entries;
+        for (const auto container : property.children()) {
+            const auto outer = prefixes_.count();
+            prefixes_.enter(container);
+            if (prefixes_.resolved(container.name()).space == Namespace::rdf)
+                for (const auto item : container.children())
+                    if (item.type() == pugi::node_element)
+                        entries.push_back({textOf(item), item.attribute("xml:lang").value()});
+            prefixes_.leaveTo(outer);
+        }
+        if (entries.empty())
+            entries.push_back({textOf(property), {}});
+        return entries;
+    }
+
+    struct TextProperty {
+        Name name;
+        std::string DescriptiveFields::*field;
+    };
+
+    static constexpr std::array textProperties{
+        TextProperty{{Namespace::iptcCore, "AltTextAccessibility"}, &DescriptiveFields::altText},
+        TextProperty{{Namespace::dublinCore, "title"}, &DescriptiveFields::title},
+        TextProperty{{Namespace::dublinCore, "description"}, &DescriptiveFields::caption},
+        TextProperty{{Namespace::dublinCore, "creator"}, &DescriptiveFields::creator},
+        TextProperty{{Namespace::dublinCore, "rights"}, &DescriptiveFields::copyright},
+    };
+
+    Prefixes prefixes_;
+    DescriptiveFields fields_;
+};
+
+} // namespace
+
+DescriptiveFields readXmp(Bytes packet)
+{
+    pugi::xml_document document;
+    // A damaged packet leaves in the document what was read of it until then.
+    (void)document.load_buffer(packet.data(), packet.size());
+    return XmpReader().read(document);
+}
+
+} // namespace korvo

@@ -1,0 +1,228 @@
+// Reads files with our readers and with exiftool, and expects the same answers field by field.
+#include "base/Text.h"
+#include "metadata/DescriptiveReader.h"
+#include "metadata/ExifReader.h"
+#include "tests/metadata/ExifTool.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace korvo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A difference that is meant, by file name and field.
+struct Known {
+    std::string_view file, field, reason;
+};
+
+constexpr std::array known{
+    Known{"languages.jpg", "caption",
+        "a caption in one language only: better than none, exiftool asks for the default"},
+};
+
+bool isKnown(const fs::path& file, std::string_view field)
+{
+    return std::ranges::any_of(known,
+        [&](const Known& each) { return each.file == file.filename().string() && each.field == field; });
+}
+
+/// The first of the tags that exiftool answers, as the descriptive fields are chosen.
+std::vector<std::string> firstOf(const ExifToolAnswer& answer, std::initializer_list<const char*> tags)
+{
+    for (const auto* tag : tags)
+        if (const auto found = answer.find(tag); found != answer.end() && !found->second.front().empty())
+            return found->second;
+    return {};
+}
+
+std::string textOf(const ExifToolAnswer& answer, std::initializer_list<const char*> tags)
+{
+    const auto values = firstOf(answer, tags);
+    return values.empty() ? "" : values.front();
+}
+
+std::vector<std::string> keywordsOf(const ExifToolAnswer& answer)
+{
+    for (const auto* tag : {"XMP-dc:Subject", "IPTC:Keywords"}) {
+        const auto values = firstOf(answer, {tag});
+        if (values.size() == 1)
+            return splitKeywords(values.front());
+        std::vector<std::string> keywords;
+        for (const auto& value : values)
+            if (const auto keyword = trimmed(value); !keyword.empty())
+                keywords.emplace_back(keyword);
+        if (!keywords.empty())
+            return keywords;
+    }
+    return {};
+}
+
+DescriptiveFields descriptiveOf(const ExifToolAnswer& answer)
+{
+    return {textOf(answer, {"XMP-iptcCore:AltTextAccessibility"}),
+        textOf(answer, {"XMP-dc:Title", "IPTC:ObjectName"}),
+        textOf(answer, {"XMP-dc:Description", "IPTC:Caption-Abstract"}), keywordsOf(answer),
+        textOf(answer, {"XMP-dc:Creator", "IPTC:By-line", "IFD0:Artist"}),
+        textOf(answer, {"XMP-dc:Rights", "IPTC:CopyrightNotice", "IFD0:Copyright"})};
+}
+
+const std::vector<std::string> descriptiveTags{"XMP-iptcCore:AltTextAccessibility", "XMP-dc:Title",
+    "IPTC:ObjectName", "XMP-dc:Description", "IPTC:Caption-Abstract", "XMP-dc:Subject", "IPTC:Keywords",
+    "XMP-dc:Creator", "IPTC:By-line", "IFD0:Artist", "XMP-dc:Rights", "IPTC:CopyrightNotice",
+    "IFD0:Copyright"};
+
+const std::vector<std::string> cameraTags{"EXIF:Make", "EXIF:Model", "EXIF:LensModel", "EXIF:ExposureTime",
+    "EXIF:FNumber", "EXIF:ISO", "EXIF:FocalLength", "EXIF:DateTimeOriginal", "EXIF:OffsetTimeOriginal",
+    "EXIF:GPSLatitude", "EXIF:GPSLatitudeRef", "EXIF:GPSLongitude", "EXIF:GPSLongitudeRef",
+    "Composite:ImageSize"};
+
+std::string show(const std::optional<std::string>& text)
+{
+    return text.value_or("");
+}
+
+/// Numbers as exiftool prints them, rounded to what both can agree on.
+std::string show(std::optional<double> number)
+{
+    return number ? fmt::format("{:.7g}", *number) : "";
+}
+
+std::optional<double> numberOf(const ExifToolAnswer& answer, const char* tag)
+{
+    const auto text = textOf(answer, {tag});
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    return text.empty() || end == text.c_str() || !std::isfinite(value) ? std::nullopt : std::optional(value);
+}
+
+std::string cameraOf(const ExifToolAnswer& answer)
+{
+    const std::string make(trimmed(textOf(answer, {"EXIF:Make"}))),
+        model(trimmed(textOf(answer, {"EXIF:Model"})));
+    const bool repeats = asciiLower(model).find(asciiLower(make)) != std::string::npos;
+    return make.empty() || model.empty() || repeats ? (model.empty() ? make : model) : make + " " + model;
+}
+
+std::optional<double> instantOf(const ExifToolAnswer& answer)
+{
+    std::tm date{};
+    const auto text = textOf(answer, {"EXIF:DateTimeOriginal"}),
+               offset = textOf(answer, {"EXIF:OffsetTimeOriginal"});
+    if (!strptime(text.c_str(), "%Y:%m:%d %H:%M:%S", &date) || date.tm_mday == 0)
+        return std::nullopt;
+    date.tm_isdst = -1;
+    std::tm zone{};
+    const bool hasOffset = offset.size() == 6 && strptime(offset.c_str() + 1, "%H:%M", &zone);
+    const int seconds = (zone.tm_hour * 60 + zone.tm_min) * 60 * (offset.starts_with('-') ? -1 : 1);
+    return static_cast<double>(hasOffset ? timegm(&date) - seconds : mktime(&date));
+}
+
+std::string positionOf(const ExifToolAnswer& answer)
+{
+    const auto latitude = numberOf(answer, "EXIF:GPSLatitude"),
+               longitude = numberOf(answer, "EXIF:GPSLongitude");
+    if (!latitude || !longitude)
+        return "";
+    const bool south = textOf(answer, {"EXIF:GPSLatitudeRef"}) == "S",
+               west = textOf(answer, {"EXIF:GPSLongitudeRef"}) == "W";
+    return fmt::format("{:.6f} {:.6f}", south ? -*latitude : *latitude, west ? -*longitude : *longitude);
+}
+
+using Fields = std::vector<std::pair<std::string, std::string>>;
+
+Fields ours(const fs::path& file)
+{
+    const auto info = readExif(file).value_or(PhotoExifInfo());
+    const auto position = readGPS(file);
+    EXPECT_EQ(position, info.coordinate) << file;
+    const auto all = readFileMetadata(file);
+    EXPECT_EQ(all.exif, info) << file;
+    const auto& fields = all.descriptive;
+    return {{"camera", show(info.camera)}, {"lens", show(info.lens)}, {"shutter", show(info.shutterSeconds)},
+        {"aperture", show(info.apertureValue)}, {"iso", info.isoValue ? std::to_string(*info.isoValue) : ""},
+        {"focalLength", show(info.focalValue)},
+        {"captured", info.captureTimestamp ? fmt::format("{:.0f}", *info.captureTimestamp) : ""},
+        {"position", position ? fmt::format("{:.6f} {:.6f}", position->latitude, position->longitude) : ""},
+        {"size", show(info.pixelSize)}, {"altText", fields.altText}, {"title", fields.title},
+        {"caption", fields.caption}, {"keywords", fmt::format("{}", fmt::join(fields.keywords, " | "))},
+        {"creator", fields.creator}, {"copyright", fields.copyright}};
+}
+
+std::string sizeOf(const ExifToolAnswer& answer)
+{
+    const auto size = textOf(answer, {"Composite:ImageSize"});
+    const auto blank = size.find(' ');
+    return blank == std::string::npos ? "" : size.substr(0, blank) + " × " + size.substr(blank + 1);
+}
+
+Fields theirs(const ExifToolAnswer& camera, const ExifToolAnswer& words)
+{
+    const auto shutter = numberOf(camera, "EXIF:ExposureTime");
+    const auto instant = instantOf(camera);
+    const auto fields = descriptiveOf(words);
+    return {{"camera", cameraOf(camera)}, {"lens", std::string(trimmed(textOf(camera, {"EXIF:LensModel"})))},
+        {"shutter", show(shutter && *shutter > 0 ? shutter : std::nullopt)},
+        {"aperture", show(numberOf(camera, "EXIF:FNumber"))}, {"iso", textOf(camera, {"EXIF:ISO"})},
+        {"focalLength", show(numberOf(camera, "EXIF:FocalLength"))},
+        {"captured", instant ? fmt::format("{:.0f}", *instant) : ""}, {"position", positionOf(camera)},
+        {"size", sizeOf(camera)}, {"altText", fields.altText}, {"title", fields.title},
+        {"caption", fields.caption}, {"keywords", fmt::format("{}", fmt::join(fields.keywords, " | "))},
+        {"creator", fields.creator}, {"copyright", fields.copyright}};
+}
+
+const std::set<std::string> endings{".jpg", ".jpeg", ".png", ".webp", ".tif", ".tiff", ".heic", ".heif",
+    ".avif", ".gif", ".bmp", ".cr2", ".cr3", ".crw", ".nef", ".nrw", ".arw", ".srf", ".sr2", ".raf", ".orf",
+    ".rw2", ".pef", ".srw", ".erf", ".dng", ".3fr", ".fff", ".iiq", ".mos", ".mrw", ".dcr", ".kdc", ".x3f",
+    ".mov", ".mp4", ".m4v", ".avi", ".mpg", ".mpeg"};
+
+std::vector<fs::path> photosIn(const fs::path& folder)
+{
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder))
+        if (entry.is_regular_file() && endings.contains(asciiLower(entry.path().extension().string())))
+            files.push_back(entry.path());
+    std::ranges::sort(files);
+    return files;
+}
+
+void expectSameAnswers(const fs::path& folder)
+{
+    const auto files = photosIn(folder);
+    ASSERT_FALSE(files.empty()) << folder;
+    const auto camera = askExifTool(files, "-G0", cameraTags),
+               words = askExifTool(files, "-G1", descriptiveTags);
+    for (const auto& file : files) {
+        ASSERT_TRUE(camera.contains(file) && words.contains(file)) << file;
+        const auto mine = ours(file), tools = theirs(camera.at(file), words.at(file));
+        for (std::size_t i = 0; i < mine.size(); ++i)
+            if (!isKnown(file, mine[i].first)) {
+                EXPECT_EQ(mine[i].second, tools[i].second) << mine[i].first << " of " << file;
+            }
+    }
+}
+
+} // namespace
+
+TEST(ExifToolComparison, givesTheSameAnswersForTheFixtures)
+{
+    if (!hasExifTool())
+        GTEST_SKIP() << "exiftool is not installed";
+    expectSameAnswers(fs::path(KORVO_TEST_DATA) / "metadata");
+}
+
+TEST(ExifToolComparison, givesTheSameAnswersForOtherPhotos)
+{
+    const char* folder = std::getenv("KORVO_PHOTOS");
+    if (!folder || !hasExifTool())
+        GTEST_SKIP() << "KORVO_PHOTOS names no folder of photos, or exiftool is not installed";
+    expectSameAnswers(folder);
+}
+
+} // namespace korvo
