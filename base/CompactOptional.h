@@ -8,14 +8,15 @@
 namespace korvo {
 
 /// An optional number in eight bytes, for records that are held by the million. "Not set" is not a number for
-/// doubles, which SQLite stores as NULL too, and the least integer for integers, which no id or count reaches.
+/// doubles, which SQLite stores as NULL too, and the least integer for integers, which no id or count
+/// reaches.
 template <typename T>
 class CompactOptional {
 public:
     CompactOptional() = default;
-    CompactOptional(T value) : value_(value) {}
-    CompactOptional(std::nullopt_t) {}
-    CompactOptional(const std::optional<T>& value) : value_(value.value_or(notSet)) {}
+    CompactOptional(T value) : value_(value) { }
+    CompactOptional(std::nullopt_t) { }
+    CompactOptional(const std::optional<T>& value) : value_(value.value_or(notSet)) { }
 
     bool has_value() const
     {

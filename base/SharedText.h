@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <functional>
 #include <ostream>
@@ -9,16 +10,16 @@
 
 namespace korvo {
 
-/// Immutable text in one pointer: copies share their characters, and empty text costs nothing but the pointer.
-/// For records that are held by the million. Copies may be used on different threads.
+/// Immutable text in one pointer: copies share their characters, and empty text costs nothing but the
+/// pointer. For records that are held by the million. Copies may be used on different threads.
 class SharedText {
 public:
     SharedText() = default;
-    SharedText(std::string_view text) : block_(text.empty() ? nullptr : allocate(text)) {}
-    SharedText(const std::string& text) : SharedText(std::string_view(text)) {}
-    SharedText(const char* text) : SharedText(std::string_view(text)) {}
+    SharedText(std::string_view text) : block_(text.empty() ? nullptr : allocate(text)) { }
+    SharedText(const std::string& text) : SharedText(std::string_view(text)) { }
+    SharedText(const char* text) : SharedText(std::string_view(text)) { }
     SharedText(const SharedText& other) : block_(other.block_) { retain(); }
-    SharedText(SharedText&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+    SharedText(SharedText&& other) noexcept : block_(std::exchange(other.block_, nullptr)) { }
     SharedText& operator=(SharedText other) noexcept
     {
         std::swap(block_, other.block_);
@@ -35,9 +36,21 @@ public:
     /// Whether both are the same characters in memory; equal texts may still be different ones.
     bool sharesWith(const SharedText& other) const { return block_ == other.block_; }
 
-    friend bool operator==(const SharedText& a, const SharedText& b) { return a.sharesWith(b) || a.view() == b.view(); }
-    friend bool operator==(const SharedText& a, std::string_view b) { return a.view() == b; }
-    friend std::ostream& operator<<(std::ostream& stream, const SharedText& text) { return stream << text.view(); }
+    friend bool operator==(const SharedText& a, const SharedText& b)
+    {
+        return a.sharesWith(b) || a.view() == b.view();
+    }
+    template <typename Text>
+    requires(
+        std::convertible_to<const Text&, std::string_view> && !std::same_as<Text, SharedText>) friend bool
+    operator==(const SharedText& a, const Text& b)
+    {
+        return a.view() == std::string_view(b);
+    }
+    friend std::ostream& operator<<(std::ostream& stream, const SharedText& text)
+    {
+        return stream << text.view();
+    }
 
 private:
     struct Block;
@@ -53,5 +66,8 @@ private:
 
 template <>
 struct std::hash<korvo::SharedText> {
-    std::size_t operator()(const korvo::SharedText& text) const { return std::hash<std::string_view>()(text.view()); }
+    std::size_t operator()(const korvo::SharedText& text) const
+    {
+        return std::hash<std::string_view>()(text.view());
+    }
 };

@@ -8,6 +8,8 @@ target_include_directories(korvo_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_features(korvo_options INTERFACE cxx_std_20)
 target_compile_options(korvo_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # GCC 12 warns of std::string itself (its bug 105329)
+  -Wno-missing-field-initializers # designated initialisers leave the rest to its default on purpose
   $<$<BOOL:${KORVO_WERROR}>:-Werror>)
 
 # korvo_library(catalog SOURCES Catalog.cpp ... DEPENDS base edits LIBRARIES PkgConfig::SQLITE)
@@ -52,5 +54,5 @@ function(korvo_bench name)
   cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;LIBRARIES" ${ARGN})
   add_executable(bench_${name} ${arg_SOURCES})
   list(TRANSFORM arg_DEPENDS PREPEND korvo_)
-  target_link_libraries(bench_${name} PRIVATE ${arg_DEPENDS} ${arg_LIBRARIES} benchmark::benchmark)
+  target_link_libraries(bench_${name} PRIVATE ${arg_DEPENDS} ${arg_LIBRARIES} korvo_bench_support benchmark::benchmark)
 endfunction()

@@ -1,0 +1,184 @@
+#include "app/AddFiles.h"
+
+#include "base/Text.h"
+#include "catalog/FolderScan.h"
+#include "metadata/DescriptiveReader.h"
+#include "metadata/MetadataError.h"
+
+#include <tbb/parallel_pipeline.h>
+
+#include <map>
+#include <memory>
+#include <thread>
+
+namespace korvo {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t batchSize = 256;
+
+/// One file on its way into the catalog.
+struct Candidate {
+    ScannedFile file;
+    NewPhoto photo;
+    CameraData camera;
+    std::optional<Coordinate> position;
+    std::string failure; // a sentence; empty when nothing went wrong
+};
+
+std::string sentence(const fs::path& path, const std::string& reason)
+{
+    return path.string() + ": " + reason;
+}
+
+using Batch = std::vector<Candidate>;
+
+PhotoMetadata photoMetadata(const DescriptiveFields& fields)
+{
+    return {fields.altText, fields.title, fields.caption, joinKeywords(fields.keywords), fields.creator,
+        fields.copyright};
+}
+
+CameraData cameraData(const PhotoExifInfo& exif)
+{
+    return {exif.camera.value_or(""), exif.lens.value_or(""), exif.isoValue, exif.focalValue,
+        exif.apertureValue, exif.shutterSeconds, exif.captureTimestamp};
+}
+
+/// The steps of one run. Scanning and storing each go through the batches one after the other, in the order
+/// of the scan; reading happens to several batches at once.
+class AddRun {
+public:
+    AddRun(Catalog& catalog, std::span<const fs::path> paths, const Clock& clock, ReadCameraData mode,
+        const std::stop_token& stop, const AddProgress& progress)
+        : catalog_(catalog), scan_(paths), clock_(clock), mode_(mode), stop_(stop), progress_(progress)
+    { }
+
+    AddResult run()
+    {
+        const auto workers = std::max(1U, std::thread::hardware_concurrency());
+        tbb::parallel_pipeline(2 * workers,
+            tbb::make_filter<void, std::shared_ptr<Batch>>(tbb::filter_mode::serial_in_order,
+                [this](tbb::flow_control& flow) {
+                    auto batch = scanBatch();
+                    if (batch->empty())
+                        flow.stop();
+                    return batch;
+                })
+                & tbb::make_filter<std::shared_ptr<Batch>, std::shared_ptr<Batch>>(tbb::filter_mode::parallel,
+                    [this](std::shared_ptr<Batch> batch) {
+                        for (Candidate& candidate : *batch)
+                            read(candidate);
+                        return batch;
+                    })
+                & tbb::make_filter<std::shared_ptr<Batch>, void>(tbb::filter_mode::serial_in_order,
+                    [this](const std::shared_ptr<Batch>& batch) { store(*batch); }));
+        result_.ignored = scan_.ignored();
+        result_.cancelled = stop_.stop_requested();
+        return std::move(result_);
+    }
+
+private:
+    std::shared_ptr<Batch> scanBatch()
+    {
+        auto batch = std::make_shared<Batch>();
+        while (batch->size() < batchSize && !stop_.stop_requested())
+            if (auto file = scan_.next())
+                batch->push_back({.file = std::move(*file)});
+            else
+                break;
+        return batch;
+    }
+
+    void read(Candidate& candidate) const
+    {
+        if (!candidate.file.failure.empty()) {
+            candidate.failure = sentence(candidate.file.path, candidate.file.failure);
+            return;
+        }
+        candidate.photo.path = candidate.file.path.native();
+        try {
+            candidate.photo.fileSize = static_cast<std::int64_t>(fs::file_size(candidate.file.path));
+            candidate.photo.fileDate = modificationTime(candidate.file.path);
+            if (catalog_.hasMaster(candidate.photo.path))
+                return;
+            if (candidate.photo.fileSize == 0)
+                candidate.failure = sentence(candidate.file.path, "the file is empty");
+            const auto metadata = readFileMetadata(candidate.file.path);
+            candidate.photo.metadata = photoMetadata(metadata.descriptive);
+            candidate.camera = cameraData(metadata.exif);
+            candidate.position = metadata.exif.coordinate;
+        } catch (const fs::filesystem_error& error) { // it has gone since it was scanned
+            candidate.failure = sentence(candidate.file.path, error.code().message());
+            candidate.photo.path.clear();
+        } catch (const MetadataError& error) { // it is there, and is taken in unread
+            candidate.failure = error.what();
+        }
+    }
+
+    void store(Batch& batch)
+    {
+        std::vector<NewPhoto> photos;
+        std::vector<const Candidate*> sources;
+        Transaction transaction(catalog_.database());
+        for (Candidate& candidate : batch) {
+            if (!candidate.failure.empty())
+                result_.failures.push_back({candidate.file.path, candidate.failure});
+            if (candidate.photo.path.empty())
+                continue;
+            candidate.photo.addedAt = clock_.now();
+            candidate.photo.folderID = folderOf(candidate.file);
+            photos.push_back(std::move(candidate.photo));
+            sources.push_back(&candidate);
+        }
+        const auto added = catalog_.addPhotos(photos);
+        for (std::size_t i = 0; i < added.size(); ++i) {
+            ++(added[i].isNew ? result_.added : result_.known);
+            if (added[i].isNew && mode_ == ReadCameraData::now)
+                storeCameraFacts(added[i].id, *sources[i]);
+        }
+        transaction.commit();
+        done_ += batch.size();
+        progress_(done_);
+    }
+
+    void storeCameraFacts(PhotoID id, const Candidate& candidate)
+    {
+        catalog_.storeCameraData(id, candidate.camera);
+        const auto& position = candidate.position;
+        catalog_.storeReadPosition(id, position ? std::optional(position->latitude) : std::nullopt,
+            position ? std::optional(position->longitude) : std::nullopt);
+    }
+
+    std::optional<std::int64_t> folderOf(const ScannedFile& file)
+    {
+        if (file.added.empty())
+            return catalog_.folderContaining(file.path.native());
+        const auto [entry, isNew] = folders_.try_emplace(file.added.native(), 0);
+        if (isNew)
+            entry->second = catalog_.addFolder(file.added.native(), clock_.now());
+        return entry->second;
+    }
+
+    Catalog& catalog_;
+    FolderScan scan_;
+    const Clock& clock_;
+    ReadCameraData mode_;
+    const std::stop_token& stop_;
+    const AddProgress& progress_;
+    std::map<std::string, std::int64_t> folders_;
+    AddResult result_;
+    std::size_t done_ = 0;
+};
+
+} // namespace
+
+AddResult addFiles(Catalog& catalog, std::span<const fs::path> paths, const Clock& clock,
+    ReadCameraData cameraData, const std::stop_token& stop, const AddProgress& progress)
+{
+    return AddRun(catalog, paths, clock, cameraData, stop, progress).run();
+}
+
+} // namespace korvo

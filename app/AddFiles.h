@@ -1,0 +1,42 @@
+#pragma once
+
+#include "catalog/Catalog.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace korvo {
+
+/// Something that could not be taken in, or could be only without being read.
+struct AddFailure {
+    std::filesystem::path path;
+    std::string message; // a sentence that names the file
+};
+
+/// What became of the files. A file that is added but cannot be read counts as added and is listed as a
+/// failure.
+struct AddResult {
+    std::size_t added = 0;
+    std::size_t known = 0; // had a master already
+    std::size_t ignored = 0; // of a kind that a library does not hold
+    std::vector<AddFailure> failures;
+    bool cancelled = false;
+};
+
+enum class ReadCameraData { now, later };
+
+/// Called with the number of files dealt with so far; on any thread, one call at a time.
+using AddProgress = std::function<void(std::size_t done)>;
+
+/// Takes folders, with all that lies in them, and files into the library, with the metadata the files hold.
+/// Works in batches, each of which is kept whole: after a stop, a crash or an error everything batched so far
+/// stands. Throws DatabaseError.
+AddResult addFiles(Catalog& catalog, std::span<const std::filesystem::path> paths, const Clock& clock,
+    ReadCameraData cameraData, const std::stop_token& stop, const AddProgress& progress);
+
+} // namespace korvo

@@ -1,0 +1,65 @@
+#include "app/Libraries.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+
+namespace korvo {
+
+namespace {
+
+constexpr auto lastKey = "korvo_last_library_path";
+constexpr auto recentKey = "korvo_recent_libraries";
+constexpr std::size_t recentKept = 10;
+constexpr char separator = '\0'; // the one byte that no path holds
+
+bool holdsCatalog(const std::filesystem::path& folder)
+{
+    std::error_code ignored; // a folder that cannot be looked into holds none for us
+    return !folder.empty() && std::filesystem::exists(folder / "catalog.sqlite", ignored);
+}
+
+void remember(const std::filesystem::path& folder, Defaults& defaults)
+{
+    auto recent = recentLibraries(defaults);
+    std::erase(recent, folder);
+    recent.insert(recent.begin(), folder);
+    recent.resize(std::min(recent.size(), recentKept));
+    std::string list;
+    for (const auto& path : recent)
+        list += path.native() + separator;
+    defaults.set(recentKey, list);
+    defaults.set(lastKey, folder.native());
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> lastLibrary(const Defaults& defaults)
+{
+    const auto stored = defaults.get(lastKey);
+    return stored && holdsCatalog(*stored) ? std::optional<std::filesystem::path>(*stored) : std::nullopt;
+}
+
+std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults)
+{
+    std::vector<std::filesystem::path> libraries;
+    const auto stored = defaults.get(recentKey).value_or("");
+    for (const auto path : split(stored, separator))
+        if (holdsCatalog(path))
+            libraries.emplace_back(path);
+    return libraries;
+}
+
+std::unique_ptr<Catalog> openLibrary(
+    const std::filesystem::path& folder, const Clock& clock, Defaults& defaults)
+{
+    auto catalog = std::make_unique<Catalog>(folder, clock);
+    try {
+        remember(catalog->libraryURL(), defaults);
+    } catch (const std::filesystem::filesystem_error&) {
+        // Without a place for preferences the library is only not found by itself at the next start.
+    }
+    return catalog;
+}
+
+} // namespace korvo

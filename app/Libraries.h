@@ -1,0 +1,24 @@
+#pragma once
+
+#include "catalog/Catalog.h"
+#include "platform/Defaults.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace korvo {
+
+/// The library opened last, if its catalog is still there.
+std::optional<std::filesystem::path> lastLibrary(const Defaults& defaults);
+
+/// The libraries opened lately, the last one first; those whose catalog is gone are left out.
+std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults);
+
+/// Opens a library and remembers it as the last one. Throws DatabaseError; a preference that cannot be stored
+/// does not keep a library from opening.
+std::unique_ptr<Catalog> openLibrary(
+    const std::filesystem::path& folder, const Clock& clock, Defaults& defaults);
+
+} // namespace korvo

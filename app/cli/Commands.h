@@ -1,0 +1,58 @@
+#pragma once
+
+#include "app/cli/Context.h"
+#include "catalog/GridOrder.h"
+
+#include <string>
+#include <vector>
+
+namespace korvo {
+
+/// The commands, each over its parsed arguments. They throw std::exception for what ends them with nothing
+/// done.
+
+// The library as a whole (LibraryCommands.cpp)
+ExitCode createCommand(Context& context, const std::filesystem::path& folder);
+ExitCode libraryCommand(Context& context);
+ExitCode addCommand(Context& context, const std::vector<std::string>& paths, bool readCamera);
+ExitCode checkCommand(Context& context);
+
+// Photos (PhotoCommands.cpp)
+struct ListArguments {
+    std::string source = "all";
+    std::optional<SortKey> sort;
+    std::optional<GridFilter> filter;
+};
+struct EditsArguments {
+    PhotoID photo = 0;
+    std::string set; // JSON, or "@" and the name of a file that holds it
+    bool clear = false;
+};
+ExitCode listCommand(Context& context, const ListArguments& arguments);
+ExitCode showCommand(Context& context, PhotoID photo);
+ExitCode rateCommand(Context& context, int rating, const PhotoArguments& photos);
+ExitCode flagCommand(Context& context, bool flagged, const PhotoArguments& photos);
+ExitCode labelCommand(Context& context, const std::string& label, const PhotoArguments& photos);
+ExitCode setCommand(Context& context, const MetadataChange& change, const PhotoArguments& photos);
+ExitCode editsCommand(Context& context, const EditsArguments& arguments);
+ExitCode removeCommand(Context& context, const PhotoArguments& photos);
+
+// The tree (TreeCommands.cpp)
+using ParentID = std::optional<std::int64_t>;
+ExitCode treeCommand(Context& context);
+ExitCode createProjectCommand(
+    Context& context, const std::string& name, const std::string& kind, ParentID parent);
+ExitCode renameProjectCommand(Context& context, std::int64_t project, const std::string& name);
+ExitCode deleteProjectCommand(Context& context, std::int64_t project);
+/// "none" takes the photos out of their project.
+ExitCode assignCommand(Context& context, const std::string& project, const PhotoArguments& photos);
+ExitCode gatherCommand(Context& context, const std::string& name);
+ExitCode createAlbumCommand(Context& context, const std::string& name, ParentID parent);
+ExitCode deleteAlbumCommand(Context& context, std::int64_t album);
+ExitCode moveAlbumCommand(Context& context, std::int64_t album, ParentID parent);
+ExitCode addToAlbumCommand(Context& context, std::int64_t album, const PhotoArguments& photos);
+ExitCode takeFromAlbumCommand(Context& context, std::int64_t album, const PhotoArguments& photos);
+ExitCode createKeywordCommand(Context& context, const std::string& name, ParentID parent);
+ExitCode deleteKeywordCommand(Context& context, std::int64_t keyword);
+
+} // namespace korvo

@@ -1,0 +1,114 @@
+#include "app/cli/Context.h"
+
+#include "app/Libraries.h"
+#include "base/Text.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+#include <unordered_set>
+
+namespace korvo {
+
+namespace {
+
+PhotoID photoID(std::string_view text)
+{
+    PhotoID id = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
+    if (error != std::errc() || end != text.data() + text.size())
+        throw std::invalid_argument("\"" + std::string(text) + "\" is no photo id");
+    return id;
+}
+
+std::vector<PhotoID> listedIDs(const std::vector<std::string>& texts)
+{
+    std::vector<PhotoID> ids;
+    for (const auto& text : texts) {
+        if (text != "-") {
+            ids.push_back(photoID(text));
+            continue;
+        }
+        for (std::string line; std::getline(std::cin, line);)
+            if (const auto id = trimmed(line); !id.empty())
+                ids.push_back(photoID(id));
+    }
+    return ids;
+}
+
+} // namespace
+
+Context::Context(GlobalOptions options, Defaults& defaults, const Clock& clock, std::stop_token stop)
+    : options_(std::move(options)), defaults_(defaults), clock_(clock), stop_(std::move(stop))
+{ }
+
+std::filesystem::path Context::libraryFolder() const
+{
+    if (options_.library)
+        return *options_.library;
+    if (const char* const named = std::getenv("KORVO_LIBRARY"); named && *named)
+        return named;
+    if (const auto last = lastLibrary(defaults_))
+        return *last;
+    throw std::runtime_error(
+        "no library yet: make one with \"korvo create DIR\", or name one with --library DIR");
+}
+
+Catalog& Context::library()
+{
+    if (!library_) {
+        const auto folder = libraryFolder();
+        if (!std::filesystem::exists(folder / "catalog.sqlite"))
+            throw std::runtime_error(
+                "no library in " + folder.string() + ": make one with \"korvo create DIR\"");
+        library_ = openLibrary(folder, clock_, defaults_);
+    }
+    return *library_;
+}
+
+std::vector<PhotoID> Context::photos(const PhotoArguments& arguments)
+{
+    auto ids = listedIDs(arguments.ids);
+    if (!arguments.source.empty())
+        library().forEachPhoto(
+            parseSource(arguments.source), [&](PhotoItem&& item) { ids.push_back(item.id); });
+    std::unordered_set<PhotoID> seen;
+    std::vector<PhotoID> known;
+    for (const PhotoID id : ids) {
+        if (!seen.insert(id).second)
+            continue;
+        if (library().contains(id))
+            known.push_back(id);
+        else
+            fail("no photo with the id " + std::to_string(id));
+    }
+    return known;
+}
+
+void Context::print(const std::string& line) const
+{
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
+void Context::printMade(std::int64_t id) const
+{
+    print(options_.json ? "{\"id\":" + std::to_string(id) + "}" : std::to_string(id));
+}
+
+ExitCode Context::finish(std::size_t worked)
+{
+    for (const auto& failure : failures_)
+        std::fprintf(stderr, "%s%s\n", worked ? "" : "korvo: ", failure.c_str());
+    if (failures_.size() > 1 || (worked && !failures_.empty()))
+        std::fprintf(stderr, "%s failed\n", std::to_string(failures_.size()).c_str());
+    if (stop_.stop_requested())
+        return ExitCode::interrupted;
+    if (failures_.empty())
+        return ExitCode::done;
+    return worked ? ExitCode::part : ExitCode::nothing;
+}
+
+} // namespace korvo

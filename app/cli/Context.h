@@ -1,0 +1,72 @@
+#pragma once
+
+#include "base/Json.h"
+#include "catalog/Catalog.h"
+#include "platform/Defaults.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace korvo {
+
+/// How a command ended, as scripts see it.
+enum class ExitCode { done = 0, nothing = 1, usage = 2, part = 3, interrupted = 130 };
+
+/// What stands before the command.
+struct GlobalOptions {
+    std::optional<std::filesystem::path> library;
+    bool json = false;
+    bool quiet = false;
+};
+
+/// The photos a command takes: ids, "-" for ids from standard input, or a source.
+struct PhotoArguments {
+    std::vector<std::string> ids;
+    std::string source;
+};
+
+/// What a command works with: the library, where its output goes, and what failed on the way.
+class Context {
+public:
+    /// `defaults`, `clock` and `stop` must outlive the context.
+    Context(GlobalOptions options, Defaults& defaults, const Clock& clock, std::stop_token stop);
+
+    const GlobalOptions& options() const { return options_; }
+    Defaults& defaults() const { return defaults_; }
+    const Clock& clock() const { return clock_; }
+    const std::stop_token& stop() const { return stop_; }
+
+    /// The folder of the library in use: the option's, $KORVO_LIBRARY's or the last one. Throws
+    /// std::runtime_error when there is none.
+    std::filesystem::path libraryFolder() const;
+    /// The library in use, opened at the first call; never made. Throws also DatabaseError.
+    Catalog& library();
+
+    /// The photos of the arguments, each once, in their order. Ids that the library does not hold are
+    /// failures. Throws std::invalid_argument for what is no id and no source.
+    std::vector<PhotoID> photos(const PhotoArguments& arguments);
+
+    /// Writes a line to standard output.
+    void print(const std::string& line) const;
+    /// Prints the id of something made: by itself, or as an object.
+    void printMade(std::int64_t id) const;
+
+    /// Notes something that went wrong; the rest goes on.
+    void fail(std::string message) { failures_.push_back(std::move(message)); }
+    /// Lists the failures on standard error. `worked` tells whether anything was done.
+    ExitCode finish(std::size_t worked);
+
+private:
+    GlobalOptions options_;
+    Defaults& defaults_;
+    const Clock& clock_;
+    std::stop_token stop_;
+    std::unique_ptr<Catalog> library_;
+    std::vector<std::string> failures_;
+};
+
+} // namespace korvo

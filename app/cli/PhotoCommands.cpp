@@ -1,0 +1,131 @@
+#include "app/cli/Commands.h"
+#include "app/cli/PhotoOutput.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace korvo {
+
+namespace {
+
+void printPhoto(const Context& context, const PhotoItem& item)
+{
+    context.print(context.options().json ? photoJSON(item) : photoLine(item));
+}
+
+PhotoItem existingPhoto(Context& context, PhotoID id)
+{
+    auto item = context.library().photo(id);
+    if (!item)
+        throw std::runtime_error("no photo with the id " + std::to_string(id));
+    return *std::move(item);
+}
+
+PhotoLabel labelNamed(const std::string& text)
+{
+    for (std::int64_t number = 0; const auto label = photoLabel(number); ++number)
+        if (text == std::to_string(number) || compareNoCase(text, name(*label)) == 0
+            || (label == PhotoLabel::none && compareNoCase(text, "none") == 0))
+            return *label;
+    throw std::invalid_argument(
+        "\"" + text + "\" is no label: use none, red, orange, yellow, green, blue, purple, gray or 0 to 7");
+}
+
+/// The text itself, or the contents of the file that "@" and its name stand for.
+std::string textOrFile(const std::string& text)
+{
+    if (!text.starts_with('@'))
+        return text;
+    std::ifstream file(text.substr(1), std::ios::binary);
+    std::string contents(std::istreambuf_iterator<char>(file), {});
+    if (!file)
+        throw std::runtime_error("cannot read " + text.substr(1));
+    return contents;
+}
+
+/// Applies a change to the photos of the arguments that exist.
+template <typename Change>
+ExitCode change(Context& context, const PhotoArguments& arguments, Change apply)
+{
+    const auto ids = context.photos(arguments);
+    if (!ids.empty())
+        apply(context.library(), ids);
+    return context.finish(ids.size());
+}
+
+} // namespace
+
+ExitCode listCommand(Context& context, const ListArguments& arguments)
+{
+    const auto source = parseSource(arguments.source);
+    const auto shows
+        = [&](const PhotoItem& item) { return !arguments.filter || passes(item, *arguments.filter); };
+    if (!arguments.sort) { // in the source's own order nothing has to be held
+        context.library().forEachPhoto(source, [&](PhotoItem&& item) {
+            if (shows(item) && !context.stop().stop_requested())
+                printPhoto(context, item);
+        });
+        return context.finish(1);
+    }
+    const auto items = context.library().photos(source);
+    for (const auto position : gridOrder(items, arguments.sort, arguments.filter))
+        if (!context.stop().stop_requested())
+            printPhoto(context, items[position]);
+    return context.finish(1);
+}
+
+ExitCode showCommand(Context& context, PhotoID photo)
+{
+    const auto item = existingPhoto(context, photo);
+    context.print(context.options().json ? photoJSON(item) : photoText(item));
+    return ExitCode::done;
+}
+
+ExitCode rateCommand(Context& context, int rating, const PhotoArguments& photos)
+{
+    if (rating < rejectedRating || rating > highestRating)
+        throw std::invalid_argument("a rating is -1 (rejected), 0 (unrated) or 1 to 5 stars");
+    return change(
+        context, photos, [&](Catalog& catalog, const auto& ids) { catalog.setRating(ids, rating); });
+}
+
+ExitCode flagCommand(Context& context, bool flagged, const PhotoArguments& photos)
+{
+    return change(
+        context, photos, [&](Catalog& catalog, const auto& ids) { catalog.setFlagged(ids, flagged); });
+}
+
+ExitCode labelCommand(Context& context, const std::string& label, const PhotoArguments& photos)
+{
+    const auto value = labelNamed(label);
+    return change(context, photos, [&](Catalog& catalog, const auto& ids) { catalog.setLabel(ids, value); });
+}
+
+ExitCode setCommand(Context& context, const MetadataChange& metadata, const PhotoArguments& photos)
+{
+    return change(context, photos, [&](Catalog& catalog, const auto& ids) {
+        catalog.changeMetadata(ids, metadata, WriteBack::pending);
+    });
+}
+
+ExitCode editsCommand(Context& context, const EditsArguments& arguments)
+{
+    const auto item = existingPhoto(context, arguments.photo);
+    if (arguments.clear || !arguments.set.empty()) {
+        const auto edits = arguments.clear ? PhotoEdits() : fromJson<PhotoEdits>(textOrFile(arguments.set));
+        context.library().saveEdits(std::vector{item.id}, edits);
+        return ExitCode::done;
+    }
+    context.print(toJson(item.edits()));
+    return ExitCode::done;
+}
+
+ExitCode removeCommand(Context& context, const PhotoArguments& photos)
+{
+    return change(context, photos, [](Catalog& catalog, const auto& ids) { catalog.deletePhotos(ids); });
+}
+
+} // namespace korvo

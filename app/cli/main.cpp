@@ -1,0 +1,26 @@
+#include "app/cli/CommandLine.h"
+#include "app/cli/Interrupt.h"
+#include "platform/AppFolders.h"
+#include "platform/FileDefaults.h"
+
+#include <clocale>
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    using namespace korvo;
+    std::setlocale(LC_CTYPE, "");
+    const auto parsed = parseCommandLine(argc, argv);
+    if (!parsed.command)
+        return static_cast<int>(parsed.exitCode);
+    const Interrupt interrupt;
+    FileDefaults defaults(userDefaultsFolder());
+    const SystemClock clock;
+    Context context(parsed.command->options, defaults, clock, interrupt.token());
+    try {
+        return static_cast<int>(parsed.command->run(context));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "korvo: %s\n", error.what());
+        return static_cast<int>(ExitCode::nothing);
+    }
+}

@@ -1,0 +1,84 @@
+#include "bench/support/Compare.h"
+
+#include <fmt/format.h>
+
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+
+namespace korvo::bench {
+
+namespace {
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+double residentBytes()
+{
+    std::ifstream statm("/proc/self/statm");
+    double total = 0;
+    double resident = 0;
+    statm >> total >> resident;
+    return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+} // namespace
+
+double secondsOf(const std::function<void()>& work)
+{
+    const auto begun = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+}
+
+std::vector<double> compare(const std::string& title, const std::vector<Contender>& contenders, int rounds)
+{
+    std::vector<std::vector<double>> seconds(contenders.size());
+    for (int round = 0; round < rounds; ++round)
+        for (std::size_t i = 0; i < contenders.size(); ++i) {
+            contenders[i].prepare();
+            seconds[i].push_back(secondsOf(contenders[i].run));
+        }
+    std::vector<double> medians;
+    for (const auto& runs : seconds)
+        medians.push_back(median(runs));
+    fmt::print("{}\n", title);
+    for (std::size_t i = 0; i < contenders.size(); ++i)
+        fmt::print(
+            "  {:<44}{:>9.4f} s  x {:.2f}\n", contenders[i].name, medians[i], medians[i] / medians.back());
+    std::fflush(stdout);
+    return medians;
+}
+
+double memoryTakenBy(const std::function<void()>& work)
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        return -1;
+    std::fflush(stdout);
+    if (const auto child = fork(); child == 0) {
+        const double before = residentBytes();
+        work();
+        malloc_trim(0);
+        const double taken = residentBytes() - before;
+        [[maybe_unused]] const auto written = write(ends[1], &taken, sizeof taken);
+        _exit(0);
+    } else {
+        double taken = -1;
+        [[maybe_unused]] const auto got = read(ends[0], &taken, sizeof taken);
+        waitpid(child, nullptr, 0);
+        close(ends[0]);
+        close(ends[1]);
+        return taken;
+    }
+}
+
+} // namespace korvo::bench

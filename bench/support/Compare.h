@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace korvo::bench {
+
+/// One way of doing the work that is compared.
+struct Contender {
+    std::string name;
+    std::function<void()> run;
+    std::function<void()> prepare = [] {}; // before each run, not timed
+};
+
+/// Runs the contenders in turn, `rounds` times each, so that whatever else the machine does meets all of
+/// them, and prints the median seconds of each and its ratio to the last one, the yardstick. Returns the
+/// medians.
+std::vector<double> compare(
+    const std::string& title, const std::vector<Contender>& contenders, int rounds = 5);
+
+/// The memory that `work` leaves in use, in bytes: measured in a process of its own.
+double memoryTakenBy(const std::function<void()>& work);
+
+/// The seconds a call takes.
+double secondsOf(const std::function<void()>& work);
+
+} // namespace korvo::bench

@@ -1,0 +1,49 @@
+#include "catalog/Catalog.h"
+
+#include "catalog/Backup.h"
+#include "catalog/Migration.h"
+#include "catalog/MovedLibrary.h"
+
+namespace korvo {
+
+namespace {
+
+/// Refuses what this program must not touch, before anything is made or changed. A catalog with a log beside
+/// it is looked at again once it is open, since the log may hold its last state.
+void refuseForeignFile(const std::filesystem::path& file)
+{
+    auto log = file;
+    log += "-wal";
+    if (!std::filesystem::exists(file) || std::filesystem::exists(log))
+        return;
+    try {
+        auto database = Database::openReadOnly(file);
+        refuseNewerSchema(database);
+    } catch (const DatabaseError& error) {
+        throw error.which() == DatabaseError::Case::open ? error : DatabaseError::open(error.message());
+    }
+}
+
+std::filesystem::path prepareFolder(const std::filesystem::path& folder)
+{
+    try {
+        refuseForeignFile(folder / "catalog.sqlite");
+        std::filesystem::create_directories(folder / "Previews");
+        return std::filesystem::canonical(folder);
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw DatabaseError::open(error.code().message() + " (" + error.path1().string() + ")");
+    }
+}
+
+} // namespace
+
+Catalog::Catalog(const std::filesystem::path& folder, const Clock& clock)
+    : folder_(prepareFolder(folder)), database_(folder_ / "catalog.sqlite")
+{
+    refuseNewerSchema(database_);
+    backUpDaily(database_, backupsFolder(), clock.now());
+    migrate(database_);
+    repairMovedPaths(database_, folder_);
+}
+
+} // namespace korvo

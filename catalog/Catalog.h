@@ -1,0 +1,156 @@
+#pragma once
+
+#include "base/Dates.h"
+#include "catalog/Database.h"
+#include "catalog/LibrarySource.h"
+#include "catalog/MetadataChange.h"
+#include "catalog/PhotoItem.h"
+#include "catalog/Tree.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace korvo {
+
+/// A file to be taken into the library.
+struct NewPhoto {
+    std::optional<std::int64_t> folderID; // the added folder it lies in
+    std::string path; // absolute
+    UnixTime addedAt = 0;
+    std::optional<UnixTime> fileDate;
+    std::optional<std::int64_t> fileSize;
+    PhotoMetadata metadata; // as read from the file
+};
+
+struct AddedPhoto {
+    PhotoID id;
+    bool isNew; // false: the file had a master already
+};
+
+/// What the files themselves say about how a photo was taken.
+struct CameraData {
+    std::string camera;
+    std::string lens;
+    std::optional<std::int64_t> iso;
+    std::optional<double> focalLength;
+    std::optional<double> aperture;
+    std::optional<double> shutter;
+    std::optional<UnixTime> captureDate;
+};
+
+/// Whether a change of metadata still has to be written into the file.
+enum class WriteBack { done, pending };
+
+/// An operation on a project, album, folder, keyword or smart album that the library does not hold.
+class NotFoundError : public std::runtime_error {
+public:
+    NotFoundError(std::string_view noun, std::int64_t id)
+        : std::runtime_error("no " + std::string(noun) + " with the id " + std::to_string(id))
+    { }
+};
+
+/// The open library: its folder, its database, and every statement over them. Calls may come from any thread.
+/// Each throws DatabaseError, and those that change or delete a part of the tree NotFoundError. Changes of
+/// several statements happen as a whole or not at all.
+class Catalog {
+public:
+    /// Opens the library in `folder`, making what is missing, backing the catalog up once a day, bringing it
+    /// to the current schema and following a move of the folder. A catalog that cannot be opened is left as
+    /// it was.
+    Catalog(const std::filesystem::path& folder, const Clock& clock);
+
+    /// The library folder: absolute, with links resolved.
+    const std::filesystem::path& libraryURL() const { return folder_; }
+    std::filesystem::path previewsFolder() const { return folder_ / "Previews"; }
+    std::filesystem::path backupsFolder() const { return folder_ / "Backups"; }
+    Database& database() { return database_; }
+
+    // Photos (CatalogPhotos.cpp)
+    std::vector<AddedPhoto> addPhotos(std::span<const NewPhoto> photos);
+    void setRating(std::span<const PhotoID> ids, int rating);
+    void setFlagged(std::span<const PhotoID> ids, bool flagged);
+    void setLabel(std::span<const PhotoID> ids, PhotoLabel label);
+    void saveEdits(std::span<const PhotoID> ids, const PhotoEdits& edits);
+    void saveComposition(PhotoID id, std::string_view json);
+    void setReferencePath(PhotoID id, std::string_view path);
+    /// Changes the whole set of the photo's master and of all its versions.
+    void setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack writeBack);
+    /// Changes the named fields of each photo's set.
+    void changeMetadata(std::span<const PhotoID> ids, const MetadataChange& change, WriteBack writeBack);
+    void clearDirty(PhotoID id);
+    /// Marks those of the photos that are masters as not yet written into their files.
+    void markDirty(std::span<const PhotoID> ids);
+    void storeCameraData(PhotoID id, const CameraData& data);
+    /// The position the file holds, if any; one that the catalog has already stays.
+    void storeReadPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude);
+    void shiftCaptureDate(PhotoID id, double seconds);
+    void fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize);
+    void deletePhotos(std::span<const PhotoID> ids);
+    std::vector<PhotoItem> dirtyPhotos();
+    /// Id and path of up to `limit` masters whose camera data has not been read yet.
+    std::vector<std::pair<PhotoID, std::string>> photosToRead(std::int64_t limit);
+    bool contains(PhotoID id);
+    bool hasMaster(std::string_view path);
+    /// File name and size of every master.
+    std::vector<std::pair<std::string, std::int64_t>> knownFiles();
+
+    // Lists (CatalogSources.cpp)
+    /// The photos of a source in its order. A smart album lists nothing here: its rules are not a statement.
+    std::vector<PhotoItem> photos(const std::optional<LibrarySource>& source);
+    /// The same one by one, while the catalog is held: for output that need not be in memory at once.
+    void forEachPhoto(
+        const std::optional<LibrarySource>& source, const std::function<void(PhotoItem&&)>& use);
+    /// The rows of these ids, in the order of the ids; unknown ids are left out.
+    std::vector<PhotoItem> photosByID(std::span<const PhotoID> ids);
+    std::optional<PhotoItem> photo(PhotoID id);
+    /// Those of the photos that the source lists. For an album and the recently added, whose members are not
+    /// decided by a photo's own values, all of them.
+    std::vector<PhotoItem> photosOfSource(
+        const std::optional<LibrarySource>& source, std::span<const PhotoID> ids);
+
+    // The tree (CatalogTree.cpp)
+    LibraryTree tree();
+    /// Adding a known folder again yields its id.
+    std::int64_t addFolder(std::string_view path, UnixTime addedAt);
+    /// The added folder that a file lies in, the innermost if there are several.
+    std::optional<std::int64_t> folderContaining(std::string_view path);
+    void removeFolder(std::int64_t id);
+    void folderMoved(std::int64_t id, std::string_view oldPath, std::string_view newPath);
+    void fileRenamed(PhotoID id, const std::filesystem::path& path);
+    std::int64_t createProject(
+        std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
+    /// Puts every project and album that has no parent under a new project at the root.
+    std::int64_t gatherUnderProject(std::string_view name);
+    void renameProject(std::int64_t id, std::string_view name);
+    void deleteProject(std::int64_t id);
+    /// No project takes the photos out of theirs. Versions follow their master.
+    void assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project);
+    std::int64_t createAlbum(std::string_view name, std::optional<std::int64_t> parentProject);
+    void moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject);
+    void deleteAlbum(std::int64_t id);
+    void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);
+    void removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos);
+    std::int64_t createKeyword(std::string_view name, std::optional<std::int64_t> parent);
+    void deleteKeyword(std::int64_t id);
+    std::int64_t createSmartAlbum(std::string_view name, std::string_view rules);
+    void changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules);
+    void deleteSmartAlbum(std::int64_t id);
+    /// The keyword texts of all masters that have any.
+    std::vector<std::string> keywordsInUse();
+
+private:
+    std::vector<std::int64_t> withDescendants(std::int64_t project);
+    std::string sourceCondition(const LibrarySource& source);
+
+    std::filesystem::path folder_;
+    Database database_;
+};
+
+} // namespace korvo

@@ -1,0 +1,202 @@
+#include "catalog/Catalog.h"
+
+#include "catalog/PhotoRows.h"
+
+namespace korvo {
+
+namespace {
+
+/// Runs one statement for each photo, all of them in one transaction. `bind` is given the statement and an
+/// id.
+template <typename Bind>
+void forEachID(Database& database, std::string_view sql, std::span<const PhotoID> ids, Bind bind)
+{
+    Transaction transaction(database);
+    {
+        auto statement = database.kept(sql);
+        for (const PhotoID id : ids) {
+            bind(statement, id);
+            statement.run();
+        }
+    }
+    transaction.commit();
+}
+
+} // namespace
+
+std::vector<AddedPhoto> Catalog::addPhotos(std::span<const NewPhoto> photos)
+{
+    std::vector<AddedPhoto> added;
+    added.reserve(photos.size());
+    Transaction transaction(database_);
+    {
+        auto insert = database_.kept(R"(INSERT OR IGNORE INTO photos
+    (folder_id, path, filename, added_at, mtime, file_size,
+     alt_text, title, caption, keywords, creator, copyright)
+VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))");
+        for (const NewPhoto& photo : photos) {
+            const std::string_view path = photo.path;
+            const PhotoMetadata& metadata = photo.metadata;
+            insert.bind(photo.folderID, path, path.substr(path.rfind('/') + 1), photo.addedAt, photo.fileDate,
+                photo.fileSize, metadata.altText.view(), metadata.title.view(), metadata.caption.view(),
+                metadata.keywords.view(), metadata.creator.view(), metadata.copyright.view());
+            insert.run();
+            if (database_.changes() > 0)
+                added.push_back({sqlite3_last_insert_rowid(database_.handle()), true});
+            else
+                added.push_back(
+                    {database_.scalar("SELECT id FROM photos WHERE path = ? AND version_of IS NULL", path),
+                        false});
+        }
+    }
+    transaction.commit();
+    return added;
+}
+
+void Catalog::setRating(std::span<const PhotoID> ids, int rating)
+{
+    forEachID(database_, "UPDATE photos SET rating = ? WHERE id = ?", ids,
+        [&](Statement& statement, PhotoID id) { statement.bind(rating, id); });
+}
+
+void Catalog::setFlagged(std::span<const PhotoID> ids, bool flagged)
+{
+    forEachID(database_, "UPDATE photos SET flagged = ? WHERE id = ?", ids,
+        [&](Statement& statement, PhotoID id) { statement.bind(flagged, id); });
+}
+
+void Catalog::setLabel(std::span<const PhotoID> ids, PhotoLabel label)
+{
+    forEachID(database_, "UPDATE photos SET label = ? WHERE id = ?", ids,
+        [&](Statement& statement, PhotoID id) { statement.bind(static_cast<int>(label), id); });
+}
+
+void Catalog::saveEdits(std::span<const PhotoID> ids, const PhotoEdits& edits)
+{
+    const auto json = storedEdits(edits);
+    forEachID(database_, "UPDATE photos SET edits = ? WHERE id = ?", ids,
+        [&](Statement& statement, PhotoID id) { statement.bind(json, id); });
+}
+
+void Catalog::saveComposition(PhotoID id, std::string_view json)
+{
+    database_.run("UPDATE photos SET meme = ? WHERE id = ?", json, id);
+}
+
+void Catalog::setReferencePath(PhotoID id, std::string_view path)
+{
+    database_.run("UPDATE photos SET reference_path = ? WHERE id = ?", path, id);
+}
+
+void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack writeBack)
+{
+    Transaction transaction(database_);
+    const auto master = database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", id);
+    database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
+    creator = ?, copyright = ?,
+    dirty = CASE WHEN version_of IS NULL THEN ? ELSE 0 END
+WHERE id = ? OR version_of = ?)",
+        metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
+        metadata.creator.view(), metadata.copyright.view(), writeBack == WriteBack::pending, master, master);
+    transaction.commit();
+}
+
+void Catalog::changeMetadata(std::span<const PhotoID> ids, const MetadataChange& change, WriteBack writeBack)
+{
+    Transaction transaction(database_);
+    for (const PhotoID id : ids)
+        if (const auto item = photo(id))
+            setMetadata(id, change.appliedTo(item->metadata), writeBack);
+    transaction.commit();
+}
+
+void Catalog::clearDirty(PhotoID id)
+{
+    database_.run("UPDATE photos SET dirty = 0 WHERE id = ?", id);
+}
+
+void Catalog::markDirty(std::span<const PhotoID> ids)
+{
+    forEachID(database_, "UPDATE photos SET dirty = 1 WHERE id = ? AND version_of IS NULL", ids,
+        [](Statement& statement, PhotoID id) { statement.bind(id); });
+}
+
+void Catalog::storeCameraData(PhotoID id, const CameraData& data)
+{
+    database_.run(
+        R"(UPDATE photos SET camera = ?, lens = ?, iso = ?, focal_length = ?, aperture = ?, shutter = ?, exif_read = 1,
+    capture_date = CASE WHEN capture_read = 1 THEN capture_date ELSE COALESCE(?, capture_date) END,
+    capture_read = 1
+WHERE id = ? OR version_of = ?)",
+        data.camera, data.lens, data.iso, data.focalLength, data.aperture, data.shutter, data.captureDate, id,
+        id);
+}
+
+void Catalog::storeReadPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude)
+{
+    database_.run(R"(UPDATE photos SET latitude = CASE WHEN latitude IS NULL THEN ? ELSE latitude END,
+    longitude = CASE WHEN latitude IS NULL THEN ? ELSE longitude END, gps_read = 1
+WHERE id = ? OR version_of = ?)",
+        latitude, longitude, id, id);
+}
+
+void Catalog::shiftCaptureDate(PhotoID id, double seconds)
+{
+    database_.run(R"(UPDATE photos SET capture_date = COALESCE(capture_date, mtime, 0) + ?, capture_read = 1
+WHERE id = ? OR version_of = ?)",
+        seconds, id, id);
+}
+
+void Catalog::fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize)
+{
+    database_.run("UPDATE photos SET mtime = ?, file_size = ? WHERE id = ? OR version_of = ?", fileDate,
+        fileSize, id, id);
+}
+
+void Catalog::deletePhotos(std::span<const PhotoID> ids)
+{
+    forEachID(database_, "DELETE FROM photos WHERE id = ?", ids,
+        [](Statement& statement, PhotoID id) { statement.bind(id); });
+}
+
+std::vector<PhotoItem> Catalog::dirtyPhotos()
+{
+    std::vector<PhotoItem> items;
+    auto statement = database_.kept("SELECT * FROM photos WHERE dirty = 1");
+    PhotoRows rows(statement);
+    while (statement.step())
+        items.push_back(rows.item());
+    return items;
+}
+
+std::vector<std::pair<PhotoID, std::string>> Catalog::photosToRead(std::int64_t limit)
+{
+    std::vector<std::pair<PhotoID, std::string>> photos;
+    auto statement = database_.kept("SELECT id, path FROM photos WHERE version_of IS NULL AND (exif_read = 0 "
+                                    "OR capture_read = 0) LIMIT ?");
+    statement.bind(limit);
+    while (statement.step())
+        photos.emplace_back(statement.integer(0), statement.text(1));
+    return photos;
+}
+
+bool Catalog::contains(PhotoID id)
+{
+    return database_.scalar("SELECT COUNT(*) FROM photos WHERE id = ?", id) > 0;
+}
+
+bool Catalog::hasMaster(std::string_view path)
+{
+    return database_.scalar("SELECT COUNT(*) FROM photos WHERE path = ? AND version_of IS NULL", path) > 0;
+}
+
+std::vector<std::pair<std::string, std::int64_t>> Catalog::knownFiles()
+{
+    std::vector<std::pair<std::string, std::int64_t>> files;
+    auto statement = database_.kept("SELECT filename, file_size FROM photos WHERE version_of IS NULL");
+    while (statement.step())
+        files.emplace_back(statement.text(0), statement.integer(1));
+    return files;
+}
+
+} // namespace korvo

@@ -1,0 +1,156 @@
+#include "catalog/Catalog.h"
+
+#include "catalog/FileTypes.h"
+#include "catalog/PhotoRows.h"
+
+namespace korvo {
+
+namespace {
+
+using Kind = LibrarySource::Kind;
+
+/// Masters that also meet a condition, by file name.
+std::string masters(const std::string& condition = {})
+{
+    return "SELECT p.* FROM photos p WHERE p.version_of IS NULL" + condition
+        + " ORDER BY p.filename COLLATE NOCASE";
+}
+
+constexpr auto albumMembers = "SELECT p.* FROM photos p JOIN album_items ai ON ai.photo_id = p.id "
+                              "WHERE ai.album_id = ?1 ORDER BY ai.position, p.filename COLLATE NOCASE";
+
+constexpr auto recentlyAdded
+    = "SELECT p.* FROM photos p WHERE p.version_of IS NULL ORDER BY p.added_at DESC LIMIT 200";
+
+std::string joinedIDs(std::span<const std::int64_t> ids)
+{
+    std::string list;
+    for (const auto id : ids)
+        list += (list.empty() ? "" : ",") + std::to_string(id);
+    return list;
+}
+
+std::string isVideo()
+{
+    std::string tests;
+    for (const auto extension : videoExtensions)
+        tests
+            += (tests.empty() ? "" : " OR ") + ("lower(p.filename) LIKE '%." + std::string(extension)) + "'";
+    return " AND (" + tests + ")";
+}
+
+/// The condition of a source that is one; "?1" is the source's id.
+std::string conditionOf(Kind kind)
+{
+    switch (kind) {
+    case Kind::folder:
+        return " AND p.folder_id = ?1";
+    case Kind::person:
+        return " AND p.id IN (SELECT photo_id FROM faces WHERE person_id = ?1)";
+    case Kind::noAltText:
+        return " AND p.alt_text = ''";
+    case Kind::flagged:
+        return " AND p.flagged = 1";
+    case Kind::videos:
+        return isVideo();
+    case Kind::faces:
+        return " AND p.id IN (SELECT photo_id FROM faces)";
+    case Kind::places:
+        return " AND p.latitude IS NOT NULL AND p.longitude IS NOT NULL";
+    default:
+        return " AND 0"; // a smart album is decided by its rules, and no extension contributes a source yet
+    }
+}
+
+} // namespace
+
+std::vector<std::int64_t> Catalog::withDescendants(std::int64_t project)
+{
+    std::vector<std::int64_t> all{project};
+    for (std::vector<std::int64_t> level{project}; !level.empty();) {
+        auto statement
+            = database_.prepare("SELECT id FROM projects WHERE parent_id IN (" + joinedIDs(level) + ")");
+        level.clear();
+        while (statement.step())
+            level.push_back(statement.integer(0));
+        all.insert(all.end(), level.begin(), level.end());
+    }
+    return all;
+}
+
+std::string Catalog::sourceCondition(const LibrarySource& source)
+{
+    if (source.kind == Kind::project)
+        return " AND p.project_id IN (" + joinedIDs(withDescendants(source.id)) + ")";
+    return conditionOf(source.kind);
+}
+
+void Catalog::forEachPhoto(
+    const std::optional<LibrarySource>& source, const std::function<void(PhotoItem&&)>& use)
+{
+    std::string sql;
+    if (!source)
+        sql = masters();
+    else if (source->kind == Kind::album)
+        sql = albumMembers;
+    else if (source->kind == Kind::recentlyAdded)
+        sql = recentlyAdded;
+    else
+        sql = masters(sourceCondition(*source));
+    auto statement = database_.prepare(sql);
+    if (sql.find("?1") != sql.npos)
+        statement.bind(source->id);
+    PhotoRows rows(statement);
+    while (statement.step())
+        use(rows.item());
+}
+
+std::vector<PhotoItem> Catalog::photos(const std::optional<LibrarySource>& source)
+{
+    std::vector<PhotoItem> items;
+    if (!source) // the one list that is long enough for its growth to be felt
+        items.reserve(static_cast<std::size_t>(
+            database_.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL")));
+    forEachPhoto(source, [&](PhotoItem&& item) { items.push_back(std::move(item)); });
+    return items;
+}
+
+std::vector<PhotoItem> Catalog::photosByID(std::span<const PhotoID> ids)
+{
+    std::vector<PhotoItem> items;
+    items.reserve(ids.size());
+    auto statement = database_.kept("SELECT * FROM photos WHERE id = ?");
+    PhotoRows rows(statement);
+    for (const PhotoID id : ids) {
+        statement.bind(id);
+        if (statement.step())
+            items.push_back(rows.item());
+    }
+    return items;
+}
+
+std::vector<PhotoItem> Catalog::photosOfSource(
+    const std::optional<LibrarySource>& source, std::span<const PhotoID> ids)
+{
+    if (source && (source->kind == Kind::album || source->kind == Kind::recentlyAdded))
+        return photosByID(ids);
+    const auto condition = source ? sourceCondition(*source) : std::string();
+    auto statement
+        = database_.prepare("SELECT p.* FROM photos p WHERE p.version_of IS NULL AND p.id = ?2" + condition);
+    PhotoRows rows(statement);
+    std::vector<PhotoItem> items;
+    for (const PhotoID id : ids) {
+        statement.bind(source ? source->id : 0, id);
+        if (statement.step())
+            items.push_back(rows.item());
+    }
+    return items;
+}
+
+std::optional<PhotoItem> Catalog::photo(PhotoID id)
+{
+    auto items = photosByID(std::span(&id, 1));
+    return items.empty() ? std::nullopt : std::optional(std::move(items.front()));
+}
+
+} // namespace korvo

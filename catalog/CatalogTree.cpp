@@ -1,0 +1,271 @@
+#include "catalog/Catalog.h"
+
+namespace korvo {
+
+namespace {
+
+/// All rows of a statement, each made by `make`.
+template <typename Make>
+auto rowsOf(Database& database, std::string_view sql, Make make)
+{
+    std::vector<decltype(make(std::declval<Statement&>()))> rows;
+    auto statement = database.kept(sql);
+    while (statement.step())
+        rows.push_back(make(statement));
+    return rows;
+}
+
+/// Runs a statement that is to change the row of an id. Throws NotFoundError when there is none.
+template <typename... Args>
+void changeOne(
+    Database& database, std::string_view noun, std::int64_t id, std::string_view sql, const Args&... args)
+{
+    const ConnectionLock lock(database.handle());
+    database.run(sql, args...);
+    if (database.changes() == 0)
+        throw NotFoundError(noun, id);
+}
+
+/// Throws NotFoundError when a row that another is about to refer to does not exist.
+void requireProject(Database& database, std::optional<std::int64_t> id)
+{
+    if (id && database.scalar("SELECT COUNT(*) FROM projects WHERE id = ?", *id) == 0)
+        throw NotFoundError("project", *id);
+}
+
+void requireKeyword(Database& database, std::optional<std::int64_t> id)
+{
+    if (id && database.scalar("SELECT COUNT(*) FROM keywords WHERE id = ?", *id) == 0)
+        throw NotFoundError("keyword", *id);
+}
+
+void requireAlbum(Database& database, std::int64_t id)
+{
+    if (database.scalar("SELECT COUNT(*) FROM albums WHERE id = ?", id) == 0)
+        throw NotFoundError("album", id);
+}
+
+std::string text(const Statement& row, int column)
+{
+    return std::string(row.text(column));
+}
+
+std::vector<ProjectNode> projects(Database& database)
+{
+    const auto rows = rowsOf(database,
+        "SELECT id, name, kind, parent_id, position FROM projects ORDER BY position, name COLLATE NOCASE",
+        [](const Statement& row) {
+            return ProjectRow{
+                row.integer(0), text(row, 1), text(row, 2), row.optionalInteger(3), row.integer(4)};
+        });
+    const auto counts = rowsOf(database,
+        "SELECT project_id, COUNT(*) AS n FROM photos WHERE version_of IS NULL AND project_id IS NOT NULL "
+        "GROUP BY project_id",
+        [](const Statement& row) { return std::pair(row.integer(0), row.integer(1)); });
+    return projectTree(rows, counts);
+}
+
+std::vector<AlbumRow> albums(Database& database)
+{
+    return rowsOf(database,
+        "SELECT a.id, a.name, a.parent_id, (SELECT COUNT(*) FROM album_items ai WHERE ai.album_id = a.id) AS "
+        "n "
+        "FROM albums a ORDER BY a.position, a.name COLLATE NOCASE",
+        [](const Statement& row) {
+            return AlbumRow{row.integer(0), text(row, 1), row.optionalInteger(2), row.integer(3)};
+        });
+}
+
+LibraryTotals totals(Database& database)
+{
+    return {database.scalar("SELECT COUNT(*) FROM photos"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE alt_text = ''"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE dirty = 1"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND project_id IS NULL")};
+}
+
+} // namespace
+
+LibraryTree Catalog::tree()
+{
+    LibraryTree tree;
+    tree.folders = rowsOf(database_, "SELECT id, path FROM folders ORDER BY path", [](const Statement& row) {
+        return FolderRow{row.integer(0), text(row, 1)};
+    });
+    tree.projects = projects(database_);
+    tree.albums = albums(database_);
+    tree.smartAlbums
+        = rowsOf(database_, "SELECT id, name, rules FROM smart_albums ORDER BY position, name COLLATE NOCASE",
+            [](const Statement& row) {
+                return SmartAlbumRow{row.integer(0), text(row, 1), text(row, 2)};
+            });
+    tree.keywords = rowsOf(database_, "SELECT id, name, parent_id FROM keywords ORDER BY name COLLATE NOCASE",
+        [](const Statement& row) {
+            return KeywordRow{row.integer(0), text(row, 1), row.optionalInteger(2)};
+        });
+    tree.people = rowsOf(database_,
+        "SELECT pe.id, pe.name, (SELECT COUNT(DISTINCT f.photo_id) FROM faces f WHERE f.person_id = pe.id) "
+        "FROM people pe ORDER BY pe.position, pe.name COLLATE NOCASE",
+        [](const Statement& row) {
+            return PersonRow{row.integer(0), text(row, 1), row.integer(2)};
+        });
+    tree.totals = totals(database_);
+    return tree;
+}
+
+std::vector<std::string> Catalog::keywordsInUse()
+{
+    return rowsOf(database_, "SELECT keywords FROM photos WHERE version_of IS NULL AND keywords != ''",
+        [](const Statement& row) { return text(row, 0); });
+}
+
+std::int64_t Catalog::addFolder(std::string_view path, UnixTime addedAt)
+{
+    database_.run("INSERT OR IGNORE INTO folders (path, added_at) VALUES (?, ?)", path, addedAt);
+    return database_.scalar("SELECT id FROM folders WHERE path = ?", path);
+}
+
+std::optional<std::int64_t> Catalog::folderContaining(std::string_view path)
+{
+    auto statement = database_.kept("SELECT id FROM folders WHERE substr(?1, 1, length(path) + 1) = path || "
+                                    "'/' ORDER BY length(path) DESC LIMIT 1");
+    statement.bind(path);
+    return statement.step() ? std::optional(statement.integer(0)) : std::nullopt;
+}
+
+void Catalog::removeFolder(std::int64_t id)
+{
+    changeOne(database_, "folder", id, "DELETE FROM folders WHERE id = ?", id);
+}
+
+void Catalog::folderMoved(std::int64_t id, std::string_view oldPath, std::string_view newPath)
+{
+    Transaction transaction(database_);
+    database_.run("UPDATE folders SET path = ? WHERE id = ?", newPath, id);
+    // Only the start of a path is the folder; the same text may stand again further on.
+    database_.run("UPDATE photos SET path = ?1 || substr(path, length(?2) + 1) "
+                  "WHERE folder_id = ?3 AND substr(path, 1, length(?2) + 1) = ?2 || '/'",
+        newPath, oldPath, id);
+    transaction.commit();
+}
+
+void Catalog::fileRenamed(PhotoID id, const std::filesystem::path& path)
+{
+    database_.run(
+        "UPDATE photos SET path = ?, filename = ? WHERE id = ?", path.string(), path.filename().string(), id);
+}
+
+std::int64_t Catalog::createProject(
+    std::string_view name, std::string_view kind, std::optional<std::int64_t> parent)
+{
+    Transaction transaction(database_);
+    requireProject(database_, parent);
+    const auto position = database_.scalar(
+        "SELECT COALESCE(MAX(position), 0) + 1 FROM projects WHERE parent_id IS ?", parent);
+    const auto id
+        = database_.insert("INSERT INTO projects (name, kind, parent_id, position) VALUES (?, ?, ?, ?)", name,
+            kind, parent, position);
+    transaction.commit();
+    return id;
+}
+
+std::int64_t Catalog::gatherUnderProject(std::string_view name)
+{
+    Transaction transaction(database_);
+    const auto id = createProject(name, "folder", std::nullopt);
+    database_.run("UPDATE projects SET parent_id = ? WHERE parent_id IS NULL AND id != ?", id, id);
+    database_.run("UPDATE albums SET parent_id = ? WHERE parent_id IS NULL", id);
+    transaction.commit();
+    return id;
+}
+
+void Catalog::renameProject(std::int64_t id, std::string_view name)
+{
+    changeOne(database_, "project", id, "UPDATE projects SET name = ? WHERE id = ?", name, id);
+}
+
+void Catalog::deleteProject(std::int64_t id)
+{
+    changeOne(database_, "project", id, "DELETE FROM projects WHERE id = ?", id);
+}
+
+void Catalog::assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project)
+{
+    Transaction transaction(database_);
+    requireProject(database_, project);
+    for (const PhotoID id : ids)
+        database_.run("UPDATE photos SET project_id = ? WHERE id = ? OR version_of = ?", project, id, id);
+    transaction.commit();
+}
+
+std::int64_t Catalog::createAlbum(std::string_view name, std::optional<std::int64_t> parentProject)
+{
+    Transaction transaction(database_);
+    requireProject(database_, parentProject);
+    const auto position = database_.scalar("SELECT COALESCE(MAX(position), 0) + 1 FROM albums");
+    const auto id = database_.insert(
+        "INSERT INTO albums (name, position, parent_id) VALUES (?, ?, ?)", name, position, parentProject);
+    transaction.commit();
+    return id;
+}
+
+void Catalog::moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject)
+{
+    requireProject(database_, parentProject);
+    changeOne(database_, "album", id, "UPDATE albums SET parent_id = ? WHERE id = ?", parentProject, id);
+}
+
+void Catalog::deleteAlbum(std::int64_t id)
+{
+    changeOne(database_, "album", id, "DELETE FROM albums WHERE id = ?", id);
+}
+
+void Catalog::addToAlbum(std::int64_t album, std::span<const PhotoID> photos)
+{
+    Transaction transaction(database_);
+    requireAlbum(database_, album);
+    auto position
+        = database_.scalar("SELECT COALESCE(MAX(position), 0) FROM album_items WHERE album_id = ?", album);
+    for (const PhotoID photo : photos)
+        database_.run("INSERT OR IGNORE INTO album_items (album_id, photo_id, position) VALUES (?, ?, ?)",
+            album, photo, ++position);
+    transaction.commit();
+}
+
+void Catalog::removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos)
+{
+    Transaction transaction(database_);
+    requireAlbum(database_, album);
+    for (const PhotoID photo : photos)
+        database_.run("DELETE FROM album_items WHERE album_id = ? AND photo_id = ?", album, photo);
+    transaction.commit();
+}
+
+std::int64_t Catalog::createKeyword(std::string_view name, std::optional<std::int64_t> parent)
+{
+    requireKeyword(database_, parent);
+    return database_.insert("INSERT INTO keywords (name, parent_id) VALUES (?, ?)", name, parent);
+}
+
+void Catalog::deleteKeyword(std::int64_t id)
+{
+    changeOne(database_, "keyword", id, "DELETE FROM keywords WHERE id = ?", id);
+}
+
+std::int64_t Catalog::createSmartAlbum(std::string_view name, std::string_view rules)
+{
+    return database_.insert("INSERT INTO smart_albums (name, rules) VALUES (?, ?)", name, rules);
+}
+
+void Catalog::changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules)
+{
+    changeOne(database_, "smart album", id, "UPDATE smart_albums SET name = ?, rules = ? WHERE id = ?", name,
+        rules, id);
+}
+
+void Catalog::deleteSmartAlbum(std::int64_t id)
+{
+    changeOne(database_, "smart album", id, "DELETE FROM smart_albums WHERE id = ?", id);
+}
+
+} // namespace korvo

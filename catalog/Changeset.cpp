@@ -1,0 +1,97 @@
+#include "catalog/ChangeIterator.h"
+
+namespace korvo {
+
+namespace {
+
+constexpr const char* recordedTables[] = {"folders", "photos", "albums", "album_items", "stacks",
+    "smart_albums", "projects", "keywords", "people", "faces", "face_rejections"};
+
+struct FreeMemory {
+    void operator()(void* memory) const { sqlite3_free(memory); }
+};
+
+void check(int code, const char* what)
+{
+    if (code != SQLITE_OK)
+        throw DatabaseError::step(sqlite3_errstr(code), what);
+}
+
+Changeset takeOver(void* bytes, int size)
+{
+    const std::unique_ptr<void, FreeMemory> owner(bytes);
+    const auto* first = static_cast<const std::uint8_t*>(bytes);
+    return Changeset(std::vector<std::uint8_t>(first, first + size));
+}
+
+std::vector<std::string> photoColumnNames(Database& database)
+{
+    std::vector<std::string> names;
+    auto statement = database.kept("SELECT name FROM pragma_table_info('photos')");
+    while (statement.step())
+        names.emplace_back(statement.text(0));
+    return names;
+}
+
+void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std::string>& photoColumns)
+{
+    using Operation = ChangeIterator::Operation;
+    const auto id = sqlite3_value_int64(change.key(0));
+    if (change.table() == "album_items") {
+        rows.albums.insert(id); // the first part of its key
+        rows.tree = true; // the album's count
+    } else if (change.table() != "photos") {
+        rows.tree = true;
+    } else if (change.operation() == Operation::update) {
+        rows.updated.push_back(id);
+        for (int column = 0; column < change.columnCount(); ++column)
+            if (change.after(column))
+                rows.photoColumns.insert(photoColumns[static_cast<std::size_t>(column)]);
+    } else {
+        (change.operation() == Operation::insert ? rows.inserted : rows.deleted).push_back(id);
+    }
+}
+
+} // namespace
+
+void ChangeRecorder::Delete::operator()(sqlite3_session* session) const
+{
+    sqlite3session_delete(session);
+}
+
+ChangeRecorder::ChangeRecorder(Database& database)
+{
+    sqlite3_session* session = nullptr;
+    check(sqlite3session_create(database.handle(), "main", &session), "record changes");
+    session_.reset(session);
+    for (const char* table : recordedTables)
+        check(sqlite3session_attach(session, table), "record changes");
+}
+
+Changeset ChangeRecorder::changes() const
+{
+    int size = 0;
+    void* bytes = nullptr;
+    check(sqlite3session_changeset(session_.get(), &size, &bytes), "collect changes");
+    return takeOver(bytes, size);
+}
+
+Changeset Changeset::inverted() const
+{
+    int size = 0;
+    void* bytes = nullptr;
+    check(sqlite3changeset_invert(static_cast<int>(bytes_.size()), bytes_.data(), &size, &bytes),
+        "invert changes");
+    return takeOver(bytes, size);
+}
+
+ChangedRows changedRows(Database& database, const Changeset& changes)
+{
+    const auto columns = photoColumnNames(database);
+    ChangedRows rows;
+    for (ChangeIterator change(changes); change.next();)
+        note(rows, change, columns);
+    return rows;
+}
+
+} // namespace korvo

@@ -1,0 +1,112 @@
+#include "catalog/Database.h"
+
+#include <cctype>
+
+namespace korvo {
+
+namespace {
+
+constexpr int busyMilliseconds = 5000;
+
+std::string messageOf(sqlite3* handle)
+{
+    return handle ? sqlite3_errmsg(handle) : "unknown";
+}
+
+/// The path as it stands in a URI: all but plain characters are escaped, so that "?", "#", "%" and bytes that
+/// are not UTF-8 reach the file system as they are.
+std::string uriPath(const std::filesystem::path& path)
+{
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string escaped;
+    for (const char c : path.native()) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80
+            && (std::isalnum(byte) || std::string_view("/-._~").find(c) != std::string_view::npos))
+            escaped += c;
+        else
+            (escaped += '%') += {digits[byte >> 4], digits[byte & 15]};
+    }
+    return escaped;
+}
+
+StatementHandle compile(sqlite3* connection, std::string_view sql)
+{
+    const ConnectionLock lock(connection);
+    sqlite3_stmt* compiled = nullptr;
+    if (sqlite3_prepare_v2(connection, sql.data(), static_cast<int>(sql.size()), &compiled, nullptr)
+        != SQLITE_OK)
+        throw DatabaseError::prepare(messageOf(connection), std::string(sql));
+    return StatementHandle(compiled);
+}
+
+} // namespace
+
+Database::Database(const std::string& name, int flags)
+{
+    sqlite3* opened = nullptr;
+    const int code = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
+    handle_.reset(opened);
+    if (code != SQLITE_OK)
+        throw DatabaseError::open(messageOf(opened));
+    sqlite3_busy_timeout(opened, busyMilliseconds);
+}
+
+Database::Database(const std::filesystem::path& file)
+    : Database(std::filesystem::absolute(file).native(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)
+{
+    exec("PRAGMA journal_mode = WAL");
+    exec("PRAGMA foreign_keys = ON");
+}
+
+Database Database::openReadOnly(const std::filesystem::path& file)
+{
+    const auto uri = "file:" + uriPath(std::filesystem::absolute(file)) + "?mode=ro&immutable=1";
+    Database database(uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    database.exec("PRAGMA foreign_keys = ON");
+    return database;
+}
+
+void Database::exec(const std::string& sql)
+{
+    const ConnectionLock lock(handle());
+    if (sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw DatabaseError::step(messageOf(handle()), sql);
+}
+
+Statement Database::prepare(std::string_view sql)
+{
+    return {handle(), compile(handle(), sql), nullptr};
+}
+
+Statement Database::kept(std::string_view sql)
+{
+    const ConnectionLock lock(handle());
+    auto waiting = kept_.extract(std::string(sql));
+    return {handle(), waiting.empty() ? compile(handle(), sql) : std::move(waiting.mapped()), &kept_};
+}
+
+Transaction::Transaction(Database& database)
+    : database_(database), lock_(database.handle()), nested_(!sqlite3_get_autocommit(database.handle()))
+{
+    database_.exec(nested_ ? "SAVEPOINT nested" : "BEGIN IMMEDIATE");
+}
+
+Transaction::~Transaction()
+{
+    if (!open_)
+        return;
+    try {
+        database_.exec(nested_ ? "ROLLBACK TO nested; RELEASE nested" : "ROLLBACK");
+    } catch (const DatabaseError&) {
+        // SQLite has rolled back by itself already, as it does when the disk is full.
+    }
+}
+
+void Transaction::commit()
+{
+    database_.exec(nested_ ? "RELEASE nested" : "COMMIT");
+    open_ = false;
+}
+
+} // namespace korvo

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "catalog/PhotoItem.h"
+
+#include <array>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace korvo {
+
+/// What the grid is sorted by. Without one the source's own order stands: an album's, or that of the file
+/// names.
+enum class SortKey : std::uint8_t {
+    name, // file name without regard to case
+    imported, // when the photo was added, newest last
+    fileDate, // the file's modification, newest last
+    rating // most stars first
+};
+
+/// What the grid shows of the source. Each case is one test and no more: "Starred" says nothing about flags.
+enum class GridFilter : std::uint8_t {
+    unratedOrBetter, // hides rejected photos
+    starred,
+    flagged,
+    rejected,
+    videos,
+    hasGPS,
+    noGPS,
+    hasAlt,
+    missingAlt,
+    adjusted,
+    playground // has an animated composition
+};
+
+struct SortKeyName {
+    SortKey key;
+    std::string_view rawValue;
+};
+
+struct GridFilterName {
+    GridFilter filter;
+    std::string_view rawValue;
+    std::string_view title; // in the menu
+};
+
+inline constexpr std::array<SortKeyName, 4> sortKeyNames{{{SortKey::name, "name"},
+    {SortKey::imported, "imported"}, {SortKey::fileDate, "fileDate"}, {SortKey::rating, "rating"}}};
+
+inline constexpr std::array<GridFilterName, 11> gridFilterNames{{
+    {GridFilter::unratedOrBetter, "unratedOrBetter", "Unrated or Better"},
+    {GridFilter::starred, "starred", "Starred"},
+    {GridFilter::flagged, "flagged", "Flagged"},
+    {GridFilter::rejected, "rejected", "Rejected"},
+    {GridFilter::videos, "videos", "Videos"},
+    {GridFilter::hasGPS, "hasGPS", "Has Location"},
+    {GridFilter::noGPS, "noGPS", "No Location"},
+    {GridFilter::hasAlt, "hasAlt", "Has ALT Text"},
+    {GridFilter::missingAlt, "missingAlt", "Missing ALT Text"},
+    {GridFilter::adjusted, "adjusted", "Adjusted"},
+    {GridFilter::playground, "playground", "Playground"},
+}};
+
+std::optional<SortKey> parseSortKey(std::string_view rawValue);
+std::optional<GridFilter> parseGridFilter(std::string_view rawValue);
+
+/// Whether a filter shows the photo.
+bool passes(const PhotoItem& item, GridFilter filter);
+
+/// Whether `a` stands before `b`; ties go by file name, then by id. The order is total.
+bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key);
+
+/// The positions in `items` of the photos shown, in the order shown.
+std::vector<std::uint32_t> gridOrder(
+    const std::vector<PhotoItem>& items, std::optional<SortKey> key, std::optional<GridFilter> filter);
+
+/// Brings `order` up to date after the items at `changed` (ascending positions) took new values in place.
+void updateGridOrder(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items,
+    const std::vector<std::uint32_t>& changed, std::optional<SortKey> key, std::optional<GridFilter> filter);
+
+} // namespace korvo

@@ -1,0 +1,117 @@
+// The user's actions, each the catalog's statement under the title it has in the Edit menu.
+
+#include "catalog/LibraryStore.h"
+
+namespace korvo {
+
+void LibraryStore::setRating(std::span<const PhotoID> ids, int rating)
+{
+    perform(rating < 0 ? "Reject" : "Set Rating", [&](Catalog& catalog) { catalog.setRating(ids, rating); });
+}
+
+void LibraryStore::setFlagged(std::span<const PhotoID> ids, bool flagged)
+{
+    perform(flagged ? "Flag" : "Remove Flag", [&](Catalog& catalog) { catalog.setFlagged(ids, flagged); });
+}
+
+void LibraryStore::setLabel(std::span<const PhotoID> ids, PhotoLabel label)
+{
+    perform("Set Label", [&](Catalog& catalog) { catalog.setLabel(ids, label); });
+}
+
+void LibraryStore::setMetadata(std::span<const PhotoID> ids, const MetadataChange& change)
+{
+    perform("Change Metadata",
+        [&](Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); });
+}
+
+void LibraryStore::setEdits(std::span<const PhotoID> ids, const PhotoEdits& edits)
+{
+    perform("Adjust", [&](Catalog& catalog) { catalog.saveEdits(ids, edits); });
+}
+
+void LibraryStore::saveComposition(PhotoID id, std::string_view json)
+{
+    perform("Change Composition", [&](Catalog& catalog) { catalog.saveComposition(id, json); });
+}
+
+void LibraryStore::removePhotos(std::span<const PhotoID> ids)
+{
+    perform("Remove from Library", [&](Catalog& catalog) { catalog.deletePhotos(ids); });
+}
+
+void LibraryStore::removeFolder(std::int64_t id)
+{
+    perform("Remove Folder from Library", [&](Catalog& catalog) { catalog.removeFolder(id); });
+}
+
+std::int64_t LibraryStore::createProject(
+    std::string_view name, std::string_view kind, std::optional<std::int64_t> parent)
+{
+    std::int64_t id = 0;
+    perform("New Project", [&](Catalog& catalog) { id = catalog.createProject(name, kind, parent); });
+    return id;
+}
+
+std::int64_t LibraryStore::gatherUnderProject(std::string_view name)
+{
+    std::int64_t id = 0;
+    perform("Gather under New Project", [&](Catalog& catalog) { id = catalog.gatherUnderProject(name); });
+    return id;
+}
+
+void LibraryStore::renameProject(std::int64_t id, std::string_view name)
+{
+    perform("Rename Project", [&](Catalog& catalog) { catalog.renameProject(id, name); });
+}
+
+void LibraryStore::deleteProject(std::int64_t id)
+{
+    perform("Delete Project", [&](Catalog& catalog) { catalog.deleteProject(id); });
+}
+
+void LibraryStore::assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project)
+{
+    perform("Move to Project", [&](Catalog& catalog) { catalog.assignToProject(ids, project); });
+}
+
+std::int64_t LibraryStore::createAlbum(std::string_view name, std::optional<std::int64_t> parentProject)
+{
+    std::int64_t id = 0;
+    perform("New Album", [&](Catalog& catalog) { id = catalog.createAlbum(name, parentProject); });
+    return id;
+}
+
+void LibraryStore::moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject)
+{
+    perform("Move Album", [&](Catalog& catalog) { catalog.moveAlbum(id, parentProject); });
+}
+
+void LibraryStore::deleteAlbum(std::int64_t id)
+{
+    perform("Delete Album", [&](Catalog& catalog) { catalog.deleteAlbum(id); });
+}
+
+void LibraryStore::addToAlbum(std::int64_t album, std::span<const PhotoID> photos)
+{
+    perform("Add to Album", [&](Catalog& catalog) { catalog.addToAlbum(album, photos); });
+}
+
+void LibraryStore::removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos)
+{
+    perform("Remove from Album", [&](Catalog& catalog) { catalog.removeFromAlbum(album, photos); });
+}
+
+std::int64_t LibraryStore::createKeyword(std::string_view name, std::optional<std::int64_t> parent)
+{
+    std::int64_t id = 0;
+    perform("New Keyword", [&](Catalog& catalog) { id = catalog.createKeyword(name, parent); });
+    return id;
+}
+
+void LibraryStore::deleteKeyword(std::int64_t id)
+{
+    perform("Delete Keyword", [&](Catalog& catalog) { catalog.deleteKeyword(id); });
+}
+
+} // namespace korvo

@@ -1,0 +1,51 @@
+#include "catalog/LibrarySource.h"
+
+#include <charconv>
+#include <iterator>
+#include <stdexcept>
+
+namespace korvo {
+
+namespace {
+
+using Kind = LibrarySource::Kind;
+
+struct Name {
+    std::string_view text;
+    Kind kind;
+};
+
+constexpr Name fixed[]
+    = {{"flagged", Kind::flagged}, {"no-alt", Kind::noAltText}, {"recent", Kind::recentlyAdded},
+        {"videos", Kind::videos}, {"faces", Kind::faces}, {"places", Kind::places}};
+constexpr Name numbered[] = {{"folder:", Kind::folder}, {"album:", Kind::album}, {"smart:", Kind::smartAlbum},
+    {"project:", Kind::project}, {"person:", Kind::person}};
+
+std::optional<std::int64_t> wholeNumber(std::string_view text)
+{
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return number;
+}
+
+} // namespace
+
+std::optional<LibrarySource> parseSource(std::string_view text)
+{
+    if (text == "all")
+        return std::nullopt;
+    for (const auto& [name, kind] : fixed)
+        if (text == name)
+            return LibrarySource{kind, 0, {}};
+    for (const auto& [prefix, kind] : numbered)
+        if (text.starts_with(prefix))
+            if (const auto id = wholeNumber(text.substr(prefix.size())))
+                return LibrarySource{kind, *id, {}};
+    throw std::invalid_argument("no source \"" + std::string(text)
+        + "\": use all, flagged, no-alt, recent, videos, or folder:, album:, smart:, project:, person: with "
+          "an id");
+}
+
+} // namespace korvo

@@ -1,0 +1,241 @@
+#include "catalog/LibraryStore.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_set>
+
+namespace korvo {
+
+namespace {
+
+using Kind = LibrarySource::Kind;
+
+constexpr std::array<std::string_view, 6> metadataColumns
+    = {"alt_text", "title", "caption", "keywords", "creator", "copyright"};
+/// Those that the sidebar counts.
+constexpr std::array<std::string_view, 3> countedColumns = {"alt_text", "dirty", "project_id"};
+
+template <std::size_t N>
+bool touches(const ChangedRows& rows, const std::array<std::string_view, N>& columns)
+{
+    return std::any_of(columns.begin(), columns.end(),
+        [&](std::string_view column) { return rows.photoColumns.contains(column); });
+}
+
+/// Each change another connection commits gives a new number.
+std::int64_t dataVersion(Catalog& catalog)
+{
+    return catalog.database().scalar("PRAGMA data_version");
+}
+
+} // namespace
+
+LibraryStore::LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog)
+    : main_(main), catalog_(std::move(catalog)), dataVersion_(dataVersion(*catalog_))
+{
+    list_.assign(catalog_->photos(source_));
+}
+
+const LibraryTree& LibraryStore::tree()
+{
+    if (!tree_)
+        tree_ = catalog_->tree();
+    return *tree_;
+}
+
+void LibraryStore::chooseSource(std::optional<LibrarySource> source)
+{
+    main_.assertCurrent();
+    list_.assign(catalog_->photos(source));
+    source_ = std::move(source);
+    const bool selected = !selection_.empty();
+    selection_.clear();
+    changed.emit({.photos = {}, .list = true, .selection = selected});
+}
+
+void LibraryStore::arrange(std::optional<SortKey> key, std::optional<GridFilter> filter)
+{
+    main_.assertCurrent();
+    const auto first = firstSelectedPosition();
+    list_.arrange(key, filter);
+    changed.emit({.photos = {}, .list = true, .selection = repairSelection(first)});
+}
+
+void LibraryStore::select(std::vector<PhotoID> ids)
+{
+    main_.assertCurrent();
+    if (ids == selection_)
+        return;
+    selection_ = std::move(ids);
+    changed.emit({.photos = {}, .selection = true});
+}
+
+void LibraryStore::perform(std::string title, const std::function<void(Catalog&)>& change)
+{
+    main_.assertCurrent();
+    Changeset changes;
+    {
+        Transaction transaction(catalog_->database());
+        const ChangeRecorder recorder(catalog_->database());
+        change(*catalog_);
+        changes = recorder.changes();
+        transaction.commit();
+    }
+    if (changes.empty())
+        return;
+    const auto rows = changedRows(catalog_->database(), changes);
+    history_.add({std::move(title), std::move(changes)});
+    publish(rows);
+}
+
+std::optional<std::string> LibraryStore::undoTitle() const
+{
+    const UndoStep* const step = history_.toUndo();
+    return step ? std::optional(step->title) : std::nullopt;
+}
+
+std::optional<std::string> LibraryStore::redoTitle() const
+{
+    const UndoStep* const step = history_.toRedo();
+    return step ? std::optional(step->title) : std::nullopt;
+}
+
+void LibraryStore::undo()
+{
+    main_.assertCurrent();
+    const UndoStep* const step = history_.toUndo();
+    if (!step)
+        return;
+    const auto inverse = step->changes.inverted();
+    replay(inverse);
+    history_.undone();
+    const auto rows = changedRows(catalog_->database(), inverse);
+    publish(rows, rows.inserted.empty() ? rows.updated : rows.inserted);
+}
+
+void LibraryStore::redo()
+{
+    main_.assertCurrent();
+    const UndoStep* const step = history_.toRedo();
+    if (!step)
+        return;
+    replay(step->changes);
+    history_.redone();
+    const auto rows = changedRows(catalog_->database(), step->changes);
+    publish(rows, rows.updated);
+}
+
+void LibraryStore::replay(const Changeset& changes)
+{
+    const auto rows = changedRows(catalog_->database(), changes);
+    Transaction transaction(catalog_->database());
+    apply(catalog_->database(), changes);
+    // The file may have been written meanwhile; only a further write makes sure that it holds these values.
+    if (touches(rows, metadataColumns))
+        catalog_->markDirty(rows.updated);
+    transaction.commit();
+}
+
+void LibraryStore::photosChanged(std::span<const PhotoID> ids)
+{
+    main_.assertCurrent();
+    ChangedRows rows;
+    rows.updated.assign(ids.begin(), ids.end());
+    publish(rows);
+}
+
+void LibraryStore::reload()
+{
+    main_.assertCurrent();
+    const auto first = firstSelectedPosition();
+    list_.assign(catalog_->photos(source_));
+    tree_.reset();
+    changed.emit({.photos = {}, .list = true, .tree = true, .selection = repairSelection(first)});
+}
+
+void LibraryStore::reloadIfChangedElsewhere()
+{
+    if (const auto version = dataVersion(*catalog_); version != dataVersion_) {
+        reload();
+        dataVersion_ = version;
+    }
+}
+
+void LibraryStore::publish(const ChangedRows& rows, std::span<const PhotoID> select)
+{
+    LibraryChange change;
+    change.photos = rows.updated;
+    change.tree
+        = rows.tree || !rows.inserted.empty() || !rows.deleted.empty() || touches(rows, countedColumns);
+    if (change.tree)
+        tree_.reset();
+    const auto first = firstSelectedPosition();
+    change.list = updateList(rows);
+    const auto before = selection_;
+    if (!select.empty())
+        selection_.assign(select.begin(), select.end());
+    repairSelection(first);
+    change.selection = selection_ != before;
+    changed.emit(change);
+}
+
+bool LibraryStore::mustReload(const ChangedRows& rows) const
+{
+    if (!source_)
+        return false;
+    switch (source_->kind) {
+    case Kind::album:
+        return rows.albums.contains(source_->id);
+    case Kind::recentlyAdded:
+        return !rows.inserted.empty() || !rows.deleted.empty();
+    case Kind::project:
+    case Kind::person:
+    case Kind::faces:
+        return rows.tree;
+    default:
+        return false;
+    }
+}
+
+bool LibraryStore::updateList(const ChangedRows& rows)
+{
+    if (mustReload(rows)) {
+        list_.assign(catalog_->photos(source_));
+        return true;
+    }
+    auto ids = rows.updated;
+    ids.insert(ids.end(), rows.inserted.begin(), rows.inserted.end());
+    auto current = catalog_->photosOfSource(source_, ids);
+    // The members of these are not decided by the photos' own values.
+    if (source_ && (source_->kind == Kind::album || source_->kind == Kind::recentlyAdded))
+        std::erase_if(current, [this](const PhotoItem& item) { return !list_.find(item.id); });
+    std::unordered_set<PhotoID> gone;
+    for (const auto& touched : {rows.updated, rows.deleted})
+        for (const PhotoID id : touched)
+            if (list_.find(id))
+                gone.insert(id);
+    for (const auto& item : current)
+        gone.erase(item.id);
+    return list_.update(std::move(current), gone);
+}
+
+std::optional<std::size_t> LibraryStore::firstSelectedPosition() const
+{
+    return selection_.empty() ? std::nullopt : list_.shownPosition(selection_.front());
+}
+
+bool LibraryStore::repairSelection(std::optional<std::size_t> firstPosition)
+{
+    const auto before = selection_;
+    const auto& filter = list_.filter();
+    std::erase_if(selection_, [&](PhotoID id) {
+        const PhotoItem* const item = list_.find(id);
+        return !item || (filter && !passes(*item, *filter));
+    });
+    const auto& shown = list_.shown();
+    if (selection_.empty() && firstPosition && !shown.empty())
+        selection_ = {list_.items()[shown[std::min(*firstPosition, shown.size() - 1)]].id};
+    return selection_ != before;
+}
+
+} // namespace korvo

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "base/MainThread.h"
+#include "base/Signal.h"
+#include "catalog/Catalog.h"
+#include "catalog/MetadataChange.h"
+#include "catalog/PhotoList.h"
+#include "catalog/UndoHistory.h"
+
+#include <memory>
+
+namespace korvo {
+
+/// What a change of the store's state touched.
+struct LibraryChange {
+    std::vector<PhotoID> photos; // with new values
+    bool list = false; // which photos are shown, or in which order
+    bool tree = false; // the sidebar: folders, projects, albums, counts
+    bool selection = false;
+};
+
+/// The open library as the views see it: the current source, its photos, the selection, and everything the
+/// user does to them. Each action is one transaction, one step of undo, and one published change; one that
+/// fails throws DatabaseError and leaves everything as it was. Used on the main thread.
+class LibraryStore {
+public:
+    /// Loads the whole library. `main` must outlive the store.
+    LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog);
+
+    Catalog& catalog() { return *catalog_; }
+    Signal<const LibraryChange&> changed;
+
+    // What is shown
+    const PhotoList& list() const { return list_; }
+    const std::optional<LibrarySource>& source() const { return source_; }
+    const std::vector<PhotoID>& selection() const { return selection_; }
+    /// The sidebar, read again after it has changed.
+    const LibraryTree& tree();
+
+    void chooseSource(std::optional<LibrarySource> source);
+    void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
+    void select(std::vector<PhotoID> ids);
+
+    // What the user does
+    void setRating(std::span<const PhotoID> ids, int rating);
+    void setFlagged(std::span<const PhotoID> ids, bool flagged);
+    void setLabel(std::span<const PhotoID> ids, PhotoLabel label);
+    void setMetadata(std::span<const PhotoID> ids, const MetadataChange& change);
+    void setEdits(std::span<const PhotoID> ids, const PhotoEdits& edits);
+    void saveComposition(PhotoID id, std::string_view json);
+    void removePhotos(std::span<const PhotoID> ids);
+    void removeFolder(std::int64_t id);
+    std::int64_t createProject(
+        std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
+    std::int64_t gatherUnderProject(std::string_view name);
+    void renameProject(std::int64_t id, std::string_view name);
+    void deleteProject(std::int64_t id);
+    void assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project);
+    std::int64_t createAlbum(std::string_view name, std::optional<std::int64_t> parentProject);
+    void moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject);
+    void deleteAlbum(std::int64_t id);
+    void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);
+    void removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos);
+    std::int64_t createKeyword(std::string_view name, std::optional<std::int64_t> parent);
+    void deleteKeyword(std::int64_t id);
+
+    /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
+    /// likes.
+    void perform(std::string title, const std::function<void(Catalog&)>& change);
+
+    /// The title of the action that would be undone or redone, for the menu.
+    std::optional<std::string> undoTitle() const;
+    std::optional<std::string> redoTitle() const;
+    /// Takes the last action back, or does it again, and selects the photos it touched. Nothing happens when
+    /// there is none. Metadata that comes back waits to be written into the files again.
+    void undo();
+    void redo();
+
+    /// Publishes changes that were made to these photos beside the store, by background work.
+    void photosChanged(std::span<const PhotoID> ids);
+    /// Reads the current source again after photos were added, or when another process may have changed the
+    /// library.
+    void reload();
+    /// Reads the current source again if another process has changed the library since the last call.
+    void reloadIfChangedElsewhere();
+
+private:
+    void replay(const Changeset& changes);
+    /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
+    void publish(const ChangedRows& rows, std::span<const PhotoID> select = {});
+    bool mustReload(const ChangedRows& rows) const;
+    bool updateList(const ChangedRows& rows);
+    /// Drops from the selection what is no longer shown; when nothing is left of it, the photo that took the
+    /// place of the first one is selected. Returns whether the selection changed.
+    bool repairSelection(std::optional<std::size_t> firstPosition);
+    std::optional<std::size_t> firstSelectedPosition() const;
+
+    MainThread& main_;
+    std::unique_ptr<Catalog> catalog_;
+    std::optional<LibrarySource> source_;
+    PhotoList list_;
+    std::vector<PhotoID> selection_;
+    std::optional<LibraryTree> tree_;
+    UndoHistory history_;
+    std::int64_t dataVersion_;
+};
+
+} // namespace korvo

@@ -1,0 +1,102 @@
+#include "catalog/PhotoList.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+
+namespace korvo {
+
+std::optional<std::uint32_t> PhotoList::position(PhotoID id) const
+{
+    const auto found = std::lower_bound(byID_.begin(), byID_.end(), id,
+        [this](std::uint32_t position, PhotoID wanted) { return items_[position].id < wanted; });
+    return found != byID_.end() && items_[*found].id == id ? std::optional(*found) : std::nullopt;
+}
+
+const PhotoItem* PhotoList::find(PhotoID id) const
+{
+    const auto at = position(id);
+    return at ? &items_[*at] : nullptr;
+}
+
+std::optional<std::size_t> PhotoList::shownPosition(PhotoID id) const
+{
+    const auto at = position(id);
+    if (!at)
+        return std::nullopt;
+    const auto found = std::find(shown_.begin(), shown_.end(), *at);
+    return found == shown_.end() ? std::nullopt : std::optional<std::size_t>(found - shown_.begin());
+}
+
+void PhotoList::index()
+{
+    byID_.resize(items_.size());
+    std::iota(byID_.begin(), byID_.end(), 0U);
+    std::sort(byID_.begin(), byID_.end(),
+        [this](std::uint32_t a, std::uint32_t b) { return items_[a].id < items_[b].id; });
+}
+
+void PhotoList::assign(std::vector<PhotoItem> items)
+{
+    items_ = std::move(items);
+    index();
+    arrange(sortKey_, filter_);
+}
+
+void PhotoList::arrange(std::optional<SortKey> key, std::optional<GridFilter> filter)
+{
+    sortKey_ = key;
+    filter_ = filter;
+    shown_ = gridOrder(items_, sortKey_, filter_);
+}
+
+bool PhotoList::update(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone)
+{
+    const bool inPlace
+        = gone.empty() && std::all_of(changed.begin(), changed.end(), [this](const PhotoItem& item) {
+              const PhotoItem* const listed = find(item.id);
+              return listed && listed->filename == item.filename;
+          });
+    if (inPlace)
+        return updateInPlace(std::move(changed));
+    rearrange(std::move(changed), gone);
+    return true;
+}
+
+bool PhotoList::updateInPlace(std::vector<PhotoItem> changed)
+{
+    const auto standsElsewhere = [this](const PhotoItem& before, const PhotoItem& after) {
+        if (filter_ && passes(before, *filter_) != passes(after, *filter_))
+            return true;
+        return sortKey_ && (standsBefore(before, after, *sortKey_) || standsBefore(after, before, *sortKey_));
+    };
+    std::vector<std::uint32_t> moved;
+    for (PhotoItem& item : changed) {
+        const auto at = *position(item.id);
+        if (standsElsewhere(items_[at], item))
+            moved.push_back(at);
+        item.status = items_[at].status;
+        items_[at] = std::move(item);
+    }
+    std::sort(moved.begin(), moved.end());
+    if (!moved.empty())
+        updateGridOrder(shown_, items_, moved, sortKey_, filter_);
+    return !moved.empty();
+}
+
+void PhotoList::rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone)
+{
+    std::unordered_set<PhotoID> replaced = gone;
+    for (const auto& item : changed)
+        replaced.insert(item.id);
+    std::erase_if(items_, [&](const PhotoItem& item) { return replaced.contains(item.id); });
+    const auto byName
+        = [](const PhotoItem& a, const PhotoItem& b) { return standsBefore(a, b, SortKey::name); };
+    std::sort(changed.begin(), changed.end(), byName);
+    const auto kept = static_cast<std::ptrdiff_t>(items_.size());
+    items_.insert(items_.end(), std::move_iterator(changed.begin()), std::move_iterator(changed.end()));
+    std::inplace_merge(items_.begin(), items_.begin() + kept, items_.end(), byName);
+    assign(std::move(items_));
+}
+
+} // namespace korvo

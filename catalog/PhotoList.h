@@ -1,0 +1,49 @@
+#pragma once
+
+#include "catalog/GridOrder.h"
+#include "catalog/PhotoItem.h"
+
+#include <optional>
+#include <span>
+#include <unordered_set>
+#include <vector>
+
+namespace korvo {
+
+/// The loaded photos of a source, and which of them the grid shows in which order.
+class PhotoList {
+public:
+    /// All photos, in the source's order.
+    const std::vector<PhotoItem>& items() const { return items_; }
+    /// Positions in items() of the photos shown, in the order shown.
+    const std::vector<std::uint32_t>& shown() const { return shown_; }
+    std::optional<SortKey> sortKey() const { return sortKey_; }
+    std::optional<GridFilter> filter() const { return filter_; }
+
+    /// The photo of an id; null when it is not in the list.
+    const PhotoItem* find(PhotoID id) const;
+    /// Where the photo stands among the shown ones.
+    std::optional<std::size_t> shownPosition(PhotoID id) const;
+
+    void assign(std::vector<PhotoItem> items);
+    void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
+
+    /// Takes new values for listed photos, adds others, and drops `gone`. A photo that was not listed goes
+    /// where its file name stands, as in every source whose membership can change photo by photo. Returns
+    /// whether the photos shown or their order may have changed.
+    bool update(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone);
+
+private:
+    std::optional<std::uint32_t> position(PhotoID id) const;
+    bool updateInPlace(std::vector<PhotoItem> changed);
+    void rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone);
+    void index();
+
+    std::vector<PhotoItem> items_;
+    std::vector<std::uint32_t> byID_; // positions in items_, ascending by id
+    std::vector<std::uint32_t> shown_;
+    std::optional<SortKey> sortKey_;
+    std::optional<GridFilter> filter_ = GridFilter::unratedOrBetter;
+};
+
+} // namespace korvo

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Defaults.h"
+
+#include <filesystem>
+
+namespace korvo {
+
+/// Preferences as one small file a key, so that programs that run at the same time change different keys
+/// without undoing each other.
+class FileDefaults : public Defaults {
+public:
+    explicit FileDefaults(std::filesystem::path folder) : folder_(std::move(folder)) { }
+
+    std::optional<std::string> get(std::string_view key) const override;
+    void set(std::string_view key, std::string_view value) override;
+
+private:
+    std::filesystem::path folder_;
+};
+
+} // namespace korvo

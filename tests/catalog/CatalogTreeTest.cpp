@@ -1,0 +1,102 @@
+#include "tests/support/TestLibrary.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+TEST(Catalog, treeNestsProjectsInTheirOrderWithCounts)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    const auto first = catalog.createProject("b first", "folder", std::nullopt);
+    const auto second = catalog.createProject("a second", "project", std::nullopt);
+    const auto inner = catalog.createProject("inner", "project", first);
+    catalog.assignToProject(std::vector{library.photo("a.jpg"), library.photo("b.jpg")}, inner);
+    library.version(1);
+    library.photo("outside.jpg", {.altText = "alt"});
+    const auto album = catalog.createAlbum("album", second);
+    catalog.addToAlbum(album, std::vector<PhotoID>{1, 2});
+    const auto keyword = catalog.createKeyword("animals", std::nullopt);
+    catalog.createKeyword("Zebra", keyword);
+    catalog.createKeyword("ape", keyword);
+
+    const auto tree = catalog.tree();
+    const ProjectNode innerNode{inner, "inner", "project", first, 2, {}};
+    EXPECT_EQ(tree.projects,
+        (std::vector<ProjectNode>{{first, "b first", "folder", std::nullopt, 0, {innerNode}},
+            {second, "a second", "project", std::nullopt, 0, {}}}));
+    EXPECT_EQ(tree.albums, (std::vector<AlbumRow>{{album, "album", second, 2}}));
+    ASSERT_EQ(tree.keywords.size(), 3U);
+    EXPECT_EQ(tree.keywords[1].name, "ape") << "by name without regard to case";
+    EXPECT_EQ(tree.totals, (LibraryTotals{4, 3, 0, 1}));
+}
+
+TEST(Catalog, deletingPartsOfTheTreeNeverDeletesPhotos)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    const auto photo = library.photo("a.jpg");
+    const auto outer = catalog.createProject("outer", "folder", std::nullopt);
+    const auto inner = catalog.createProject("inner", "project", outer);
+    const auto album = catalog.createAlbum("album", inner);
+    catalog.assignToProject(only(photo), inner);
+    catalog.addToAlbum(album, only(photo));
+    catalog.deleteProject(outer);
+    EXPECT_TRUE(catalog.tree().projects.empty());
+    EXPECT_FALSE(library.item(photo).projectID);
+    ASSERT_EQ(catalog.tree().albums.size(), 1U);
+    EXPECT_FALSE(catalog.tree().albums[0].parentID);
+    catalog.deleteAlbum(album);
+    EXPECT_EQ(library.names().size(), 1U);
+}
+
+TEST(Catalog, removingAFolderTakesItsRowsAndAllThatHangsOnThem)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    const auto folder = catalog.addFolder("/photos", 1);
+    const auto inside = library.photo("a.jpg");
+    library.photo("b.jpg");
+    catalog.database().run("UPDATE photos SET folder_id = ? WHERE id = ?", folder, inside);
+    library.version(inside);
+    const auto album = catalog.createAlbum("album", std::nullopt);
+    catalog.addToAlbum(album, only(inside));
+    catalog.removeFolder(folder);
+    EXPECT_EQ(library.names(), std::vector<std::string>{"b.jpg"});
+    EXPECT_EQ(catalog.tree().totals.photos, 1);
+    EXPECT_EQ(catalog.tree().albums[0].count, 0);
+}
+
+TEST(Catalog, gatheringPutsEveryRootUnderTheNewProject)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    const auto root = catalog.createProject("root", "project", std::nullopt);
+    catalog.createProject("child", "project", root);
+    catalog.createAlbum("loose", std::nullopt);
+    const auto album = catalog.createAlbum("held", root);
+    const auto all = catalog.gatherUnderProject("Everything");
+    const auto tree = catalog.tree();
+    ASSERT_EQ(tree.projects.size(), 1U);
+    EXPECT_EQ(tree.projects[0].id, all);
+    EXPECT_EQ(tree.projects[0].children[0].children.size(), 1U);
+    for (const auto& row : tree.albums)
+        EXPECT_EQ(row.parentID, row.id == album ? root : all);
+}
+
+TEST(Catalog, aFolderMovedOnDiskTakesOnlyThePathsInsideIt)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    const auto folder = catalog.addFolder("/a", 1);
+    std::vector<NewPhoto> photos;
+    for (const std::string path : {"/a/x.jpg", "/a/a/y.jpg", "/ab/z.jpg"})
+        photos.push_back({.folderID = folder, .path = path});
+    catalog.addPhotos(photos);
+    catalog.folderMoved(folder, "/a", "/new");
+    EXPECT_EQ(library.item(1).path(), "/new/x.jpg");
+    EXPECT_EQ(library.item(2).path(), "/new/a/y.jpg");
+    EXPECT_EQ(library.item(3).path(), "/ab/z.jpg");
+}
+
+} // namespace korvo

@@ -1,0 +1,126 @@
+#include "catalog/Database.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+namespace {
+
+template <typename Call>
+DatabaseError errorOf(Call call)
+{
+    try {
+        call();
+    } catch (const DatabaseError& error) {
+        return error;
+    }
+    throw std::logic_error("nothing was thrown");
+}
+
+} // namespace
+
+TEST(Database, errorsCarrySQLitesMessageAndTheStatement)
+{
+    const TemporaryFolder folder;
+    Database db(folder / "a.sqlite");
+    db.exec("CREATE TABLE t (x INTEGER NOT NULL)");
+
+    const auto compiling = errorOf([&] { db.prepare("SELECT y FROM t"); });
+    EXPECT_EQ(compiling.which(), DatabaseError::Case::prepare);
+    EXPECT_STREQ(compiling.what(), "Catalog error: no such column: y [SELECT y FROM t]");
+
+    const auto running = errorOf([&] { db.run("INSERT INTO t VALUES (?)", std::nullopt); });
+    EXPECT_EQ(running.which(), DatabaseError::Case::step);
+    EXPECT_STREQ(running.what(), "Catalog error: NOT NULL constraint failed: t.x [INSERT INTO t VALUES (?)]");
+
+    const auto opening = errorOf([&] { Database(folder / "none" / "a.sqlite"); });
+    EXPECT_EQ(opening.which(), DatabaseError::Case::open);
+    EXPECT_STREQ(opening.what(), "Couldn't open library: unable to open database file");
+}
+
+TEST(Database, queryKeepsStorageClassesAndLeavesNullsOut)
+{
+    const TemporaryFolder folder;
+    Database db(folder / "a.sqlite");
+    const auto rows
+        = db.query("SELECT 9007199254740993 AS i, 0.5 AS d, 'Jürgen' AS t, x'00ff' AS b, NULL AS n");
+    ASSERT_EQ(rows.size(), 1U);
+    const Row expected{{"i", std::int64_t{9007199254740993}}, {"d", 0.5}, {"t", std::string("Jürgen")},
+        {"b", std::vector<std::uint8_t>{0, 255}}};
+    EXPECT_EQ(rows.front(), expected);
+    EXPECT_EQ(db.scalar("SELECT 1 WHERE 0"), 0);
+}
+
+TEST(Database, keptStatementsMayBeUsedInsideEachOther)
+{
+    const TemporaryFolder folder;
+    Database db(folder / "a.sqlite");
+    constexpr auto sql = "SELECT ? + 1";
+    auto outer = db.kept(sql);
+    outer.bind(1);
+    ASSERT_TRUE(outer.step());
+    EXPECT_EQ(db.scalar(sql, 10), 11);
+    EXPECT_EQ(outer.integer(0), 2);
+}
+
+TEST(Database, textWithZeroBytesAndInvalidUtf8SurvivesAndEmptyTextIsNotNull)
+{
+    const TemporaryFolder folder;
+    Database db(folder / "a.sqlite");
+    db.exec("CREATE TABLE t (x TEXT NOT NULL)");
+    const std::string odd("a\0b\xFF", 4);
+    db.run("INSERT INTO t VALUES (?)", odd);
+    db.run("INSERT INTO t VALUES (?)", std::string_view());
+    const auto rows = db.query("SELECT x FROM t ORDER BY rowid");
+    EXPECT_EQ(std::get<std::string>(rows[0].at("x")), odd);
+    EXPECT_EQ(std::get<std::string>(rows[1].at("x")), "");
+}
+
+TEST(Transaction, rollsBackWhatIsNotCommittedAndNests)
+{
+    const TemporaryFolder folder;
+    Database db(folder / "a.sqlite");
+    db.exec("CREATE TABLE t (x)");
+    {
+        Transaction outer(db);
+        db.exec("INSERT INTO t VALUES (1)");
+        {
+            const Transaction inner(db);
+            db.exec("INSERT INTO t VALUES (2)");
+        }
+        {
+            Transaction inner(db);
+            db.exec("INSERT INTO t VALUES (3)");
+            inner.commit();
+        }
+        outer.commit();
+    }
+    {
+        const Transaction abandoned(db);
+        db.exec("INSERT INTO t VALUES (4)");
+    }
+    EXPECT_EQ(db.scalar("SELECT group_concat(x, '') FROM t"), 13);
+}
+
+TEST(Database, opensReadOnlyWithoutATraceWhateverThePathHolds)
+{
+    const TemporaryFolder folder;
+    for (const std::string name : {"plain", "a?b=c#d%20e", "it's \"odd\"", "latin\xE9", "桜"}) {
+        SCOPED_TRACE(name);
+        const auto file = folder / name / "a.sqlite";
+        std::filesystem::create_directories(file.parent_path());
+        {
+            Database db(file);
+            db.exec("CREATE TABLE t (x); INSERT INTO t VALUES (7)");
+        }
+        const auto before = readFile(file);
+        auto db = Database::openReadOnly(file);
+        EXPECT_EQ(db.scalar("SELECT x FROM t"), 7);
+        EXPECT_THROW(db.exec("DELETE FROM t"), DatabaseError);
+        EXPECT_EQ(readFile(file), before);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(file.parent_path()), {}), 1);
+    }
+}
+
+} // namespace korvo

@@ -1,0 +1,164 @@
+#include "catalog/Meta.h"
+#include "catalog/Migration.h"
+#include "tests/support/TestLibrary.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace korvo {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<std::string> namesIn(const fs::path& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string openingError(const fs::path& library)
+{
+    try {
+        Catalog(library, SystemClock());
+    } catch (const DatabaseError& error) {
+        return error.what();
+    }
+    return "opened";
+}
+
+constexpr double day = 86400;
+
+} // namespace
+
+TEST(Catalog, makesTheLibraryFolderWithWhatBelongsInIt)
+{
+    TestLibrary library;
+    EXPECT_EQ(namesIn(library.catalog->backupsFolder()).size(), 1U);
+    EXPECT_TRUE(fs::is_directory(library.catalog->previewsFolder()));
+    EXPECT_EQ(library.catalog->database().scalar("SELECT version FROM schema_info"), currentSchemaVersion);
+}
+
+TEST(Catalog, backsUpOnceADayAndKeepsTheSevenNewest)
+{
+    TestLibrary library;
+    const auto path = library.catalog->libraryURL();
+    const auto backups = library.catalog->backupsFolder();
+    library.photo("a.jpg");
+    const auto first = localDay(library.clock.time);
+    for (int days = 0; days < 8; ++days) {
+        library.catalog = std::make_unique<Catalog>(path, library.clock);
+        library.catalog = std::make_unique<Catalog>(path, library.clock);
+        library.clock.time += day;
+    }
+    const auto names = namesIn(backups);
+    ASSERT_EQ(names.size(), 7U) << "and nothing unfinished beside them";
+    EXPECT_GT(names.front(), "catalog-" + first + ".sqlite");
+    Database copy(backups / names.front());
+    EXPECT_EQ(copy.scalar("SELECT COUNT(*) FROM photos"), 1)
+        << "what was committed to the log only is in the copy";
+}
+
+TEST(Catalog, anInterruptedBackupDoesNotCountAsTheDays)
+{
+    const TemporaryFolder folder;
+    const ManualClock clock;
+    const auto name = "catalog-" + localDay(clock.time) + ".sqlite";
+    folder.write("Library/Backups/" + name + ".part", "half a copy");
+    const Catalog catalog(folder / "Library", clock);
+    EXPECT_EQ(namesIn(catalog.backupsFolder()), std::vector{name});
+}
+
+TEST(Catalog, followsAMoveOfTheLibraryAndOfNothingElse)
+{
+    TestLibrary library;
+    const auto old = library.catalog->libraryURL();
+    struct Case {
+        std::string path, moved;
+    };
+    const auto now = (library.folder / "Moved 100% 'new'").string();
+    const std::vector<Case> cases = {{old.string() + "/Originals/a.jpg", now + "/Originals/a.jpg"},
+        {old.string() + "2/b.jpg", old.string() + "2/b.jpg"},
+        {"/elsewhere/Library/c.jpg", "/elsewhere/Library/c.jpg"},
+        {old.string() + "/latin\xE9.jpg", now + "/latin\xE9.jpg"}};
+    std::vector<NewPhoto> photos;
+    for (const auto& [path, moved] : cases)
+        photos.push_back({.path = path});
+    library.catalog->addPhotos(photos);
+    library.catalog->addFolder(old.string(), 1);
+    library.catalog->addFolder(old.string() + "2", 1);
+    library.catalog.reset();
+    fs::rename(old, now);
+    Catalog moved(now, library.clock);
+    for (const auto& item : moved.photos(std::nullopt))
+        EXPECT_EQ(item.path(), cases[static_cast<std::size_t>(item.id - 1)].moved);
+    EXPECT_EQ(moved.tree().folders, (std::vector<FolderRow>{{2, old.string() + "2"}, {1, now}}));
+    EXPECT_EQ(readMeta(moved.database(), "library_path"), now);
+}
+
+TEST(Catalog, whatCannotBeOpenedStaysAsItWas)
+{
+    const TemporaryFolder folder;
+    const auto text = folder.write("text/catalog.sqlite", std::string(5000, 'x'));
+    EXPECT_EQ(openingError(text.parent_path()), "Couldn't open library: file is not a database");
+    EXPECT_EQ(namesIn(text.parent_path()), std::vector<std::string>{"catalog.sqlite"});
+
+    const auto later = folder / "later" / "catalog.sqlite";
+    fs::create_directories(later.parent_path());
+    {
+        Database db(later);
+        db.exec("CREATE TABLE schema_info (version INTEGER NOT NULL); INSERT INTO schema_info VALUES (15)");
+    }
+    const auto before = readFile(later);
+    EXPECT_NE(openingError(later.parent_path()).find("later version of Korvo (catalog version 15"),
+        std::string::npos);
+    EXPECT_EQ(readFile(later), before);
+    EXPECT_EQ(namesIn(later.parent_path()), std::vector<std::string>{"catalog.sqlite"});
+    {
+        const Database holdsALog(later);
+        EXPECT_NE(openingError(later.parent_path()).find("catalog version 15"), std::string::npos);
+    }
+
+    const auto file = folder.write("file", "");
+    EXPECT_EQ(openingError(file / "Library"),
+        "Couldn't open library: Not a directory (" + (file / "Library/Previews").string() + ")");
+}
+
+TEST(Catalog, opensInFoldersOfAnyName)
+{
+    const TemporaryFolder folder;
+    const ManualClock clock;
+    for (const std::string name : {"what?", "a#b%20c", "it's", "latin\xE9", "桜 🌸"}) {
+        SCOPED_TRACE(name);
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(openingError(folder / name), "opened");
+        EXPECT_TRUE(fs::exists(folder / name / "catalog.sqlite"));
+    }
+}
+
+TEST(Catalog, aLockedLibraryIsWaitedForAndThenReported)
+{
+    TestLibrary library;
+    Database other(library.catalog->libraryURL() / "catalog.sqlite");
+    const auto photo = library.photo("a.jpg");
+    {
+        const Transaction brief(other);
+        std::thread writer([&] { library.catalog->setRating(only(photo), 3); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        other.exec("ROLLBACK; BEGIN"); // lets the writer through
+        writer.join();
+    }
+    EXPECT_EQ(library.item(photo).rating, 3);
+
+    sqlite3_busy_timeout(library.catalog->database().handle(), 10);
+    const Transaction held(other);
+    EXPECT_THROW(library.catalog->setRating(only(photo), 5), DatabaseError);
+    EXPECT_EQ(library.item(photo).rating, 3) << "reading goes on beside a writer";
+}
+
+} // namespace korvo

@@ -1,0 +1,136 @@
+#include "catalog/PhotoList.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace korvo {
+
+namespace {
+
+PhotoItem photo(PhotoID id, const std::string& name)
+{
+    PhotoItem item;
+    item.id = id;
+    item.folder = "/p";
+    item.filename = name;
+    return item;
+}
+
+std::vector<PhotoID> shownIDs(const PhotoList& list)
+{
+    std::vector<PhotoID> ids;
+    for (const auto position : list.shown())
+        ids.push_back(list.items()[position].id);
+    return ids;
+}
+
+using IDs = std::vector<PhotoID>;
+
+} // namespace
+
+TEST(GridFilter, eachCaseIsOneTest)
+{
+    auto plain = photo(1, "a.jpg");
+    auto rejected = photo(2, "b.jpg");
+    rejected.rating = rejectedRating;
+    auto rich = photo(3, "c.mov");
+    rich.rating = 3;
+    rich.flagged = true;
+    rich.latitude = 0.0;
+    rich.longitude = 0.0;
+    rich.metadata.altText = "alt";
+    rich.editsJSON = "{}";
+    rich.memeJSON = "{}";
+    PhotoList list;
+    list.assign({plain, rejected, rich});
+    EXPECT_EQ(shownIDs(list), (IDs{1, 3})) << "rejected photos are hidden at first";
+    struct Case {
+        GridFilter filter;
+        IDs shown;
+    };
+    for (const auto& [filter, shown] : {
+             Case{GridFilter::unratedOrBetter, {1, 3}},
+             {GridFilter::starred, {3}},
+             {GridFilter::flagged, {3}},
+             {GridFilter::rejected, {2}},
+             {GridFilter::videos, {3}},
+             {GridFilter::hasGPS, {3}},
+             {GridFilter::noGPS, {1, 2}},
+             {GridFilter::hasAlt, {3}},
+             {GridFilter::missingAlt, {1, 2}},
+             {GridFilter::adjusted, {3}},
+             {GridFilter::playground, {3}},
+         }) {
+        list.arrange(std::nullopt, filter);
+        EXPECT_EQ(shownIDs(list), shown) << static_cast<int>(filter);
+    }
+}
+
+TEST(SortKey, datesRunForwardStarsDownAndTiesGoByName)
+{
+    auto a = photo(1, "B.jpg");
+    auto b = photo(2, "a.jpg");
+    auto c = photo(3, "c.jpg");
+    a.addedAt = 3;
+    b.addedAt = c.addedAt = 1;
+    a.rating = 2;
+    c.rating = 5;
+    b.fileDate = 9;
+    c.fileDate = 4;
+    PhotoList list;
+    list.assign({a, b, c});
+    struct Case {
+        std::optional<SortKey> key;
+        IDs shown;
+    };
+    for (const auto& [key, shown] : {Case{std::nullopt, {1, 2, 3}}, {SortKey::name, {2, 1, 3}},
+             {SortKey::imported, {2, 3, 1}}, {SortKey::fileDate, {1, 3, 2}}, {SortKey::rating, {3, 1, 2}}}) {
+        list.arrange(key, std::nullopt);
+        EXPECT_EQ(shownIDs(list), shown);
+    }
+}
+
+TEST(PhotoList, updatingEqualsLoadingAnew)
+{
+    std::mt19937 random(7);
+    const auto upTo = [&](unsigned n) { return random() % n; };
+    const auto name = [&] { return "img" + std::to_string(upTo(40)) + ".jpg"; };
+    PhotoID nextID = 1;
+    std::vector<PhotoItem> model;
+    PhotoList list;
+    for (int round = 0; round < 400; ++round) {
+        std::vector<PhotoItem> changed;
+        std::unordered_set<PhotoID> gone;
+        for (auto& item : model)
+            if (upTo(6) == 0) {
+                item.rating = static_cast<int>(upTo(7)) - 1;
+                if (upTo(8) == 0)
+                    item.filename = name();
+                changed.push_back(item);
+            } else if (upTo(30) == 0) {
+                gone.insert(item.id);
+            }
+        std::erase_if(model, [&](const PhotoItem& item) { return gone.contains(item.id); });
+        if (upTo(3) == 0) {
+            model.push_back(photo(nextID++, name()));
+            changed.push_back(model.back());
+        }
+        std::sort(model.begin(), model.end(),
+            [](const PhotoItem& a, const PhotoItem& b) { return standsBefore(a, b, SortKey::name); });
+        const auto before = shownIDs(list);
+        const bool moved = list.update(changed, gone);
+        PhotoList fresh;
+        fresh.arrange(list.sortKey(), list.filter());
+        fresh.assign(model);
+        ASSERT_EQ(list.items(), fresh.items());
+        ASSERT_EQ(shownIDs(list), shownIDs(fresh));
+        ASSERT_TRUE(moved || before == shownIDs(list)) << "a change of what is shown went unsaid";
+        if (upTo(20) == 0)
+            list.arrange(upTo(2) ? std::optional(SortKey::rating) : std::nullopt,
+                upTo(2) ? std::optional(GridFilter::starred) : GridFilter::unratedOrBetter);
+    }
+}
+
+} // namespace korvo
