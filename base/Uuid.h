@@ -15,7 +15,7 @@ namespace korvo {
 struct Uuid {
     std::array<std::uint8_t, 16> bytes{};
 
-    /// A fresh one of version 4, from the system's randomness.
+    /// A fresh one of version 4, from the system's randomness. Throws std::system_error.
     static Uuid random();
 
     /// Reads 32 hexadecimal digits of either case, hyphenated 8-4-4-4-12.
