@@ -28,7 +28,7 @@ std::string_view title(AdjustmentBrick brick)
         enumCase(polarize, "Polarize"),
         enumCase(intensifyContrast, "Intensify Contrast"),
     };
-    static_assert(titles.size() == casesOf<AdjustmentBrick>().size());
+    static_assert(titles.size() == casesOf<AdjustmentBrick>.size());
     return std::find_if(titles.begin(), titles.end(), [=](const auto& entry) {
         return entry.value == brick;
     })->name;

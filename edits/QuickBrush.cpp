@@ -57,7 +57,7 @@ constexpr std::array entries{
     Entry{Q::contrast, "Contrast", {"Amount", 0, 1, plain<&E::contrast>, 1}},
 };
 
-static_assert(entries.size() == casesOf<QuickBrush>().size());
+static_assert(entries.size() == casesOf<QuickBrush>.size());
 
 const Entry& entryOf(QuickBrush brush)
 {

@@ -144,7 +144,7 @@ TEST(BrushLayer, newOnesHaveAnIdOfTheirOwnAndKeepIt)
 TEST(AdjustmentBrick, titlesAreAllDifferent)
 {
     std::set<std::string_view> titles;
-    for (const auto& [brick, name] : casesOf<AdjustmentBrick>())
+    for (const auto& [brick, name] : casesOf<AdjustmentBrick>)
         titles.insert(title(brick));
     EXPECT_EQ(titles.size(), 18U);
     EXPECT_EQ(title(AdjustmentBrick::highlightsShadows), "Highlights & Shadows");

@@ -32,7 +32,7 @@ TEST(QuickBrush, slidersWriteTheirFieldAndReadItBack)
         {QuickBrush::vibrancy, "Vibrancy", "Amount", 0, 1, [](E& e, double v) { e.vibrance = v; }},
         {QuickBrush::contrast, "Contrast", "Amount", 0, 1, [](E& e, double v) { e.contrast = 1 + v; }},
     };
-    ASSERT_EQ(rows.size(), casesOf<QuickBrush>().size());
+    ASSERT_EQ(rows.size(), casesOf<QuickBrush>.size());
     for (const auto& row : rows) {
         SCOPED_TRACE(row.title);
         const auto& spec = slider(row.brush);
