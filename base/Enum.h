@@ -30,16 +30,13 @@ concept NamedEnum = requires(const E* value)
 
 /// All cases in declaration order, an array of EnumCase.
 template <NamedEnum E>
-constexpr auto casesOf()
-{
-    return enumCases(static_cast<const E*>(nullptr));
-}
+inline constexpr auto casesOf = enumCases(static_cast<const E*>(nullptr));
 
 /// The name of a case.
 template <NamedEnum E>
 constexpr std::string_view nameOf(E value)
 {
-    for (const auto& entry : casesOf<E>())
+    for (const auto& entry : casesOf<E>)
         if (entry.value == value)
             return entry.name;
     return {};
@@ -49,7 +46,7 @@ constexpr std::string_view nameOf(E value)
 template <NamedEnum E>
 constexpr std::optional<E> caseNamed(std::string_view name)
 {
-    for (const auto& entry : casesOf<E>())
+    for (const auto& entry : casesOf<E>)
         if (entry.name == name)
             return entry.value;
     return std::nullopt;

@@ -240,7 +240,7 @@ JsonDocument& JsonDocument::operator=(JsonDocument&&) noexcept = default;
 
 JsonDocument::~JsonDocument()
 {
-    constexpr std::size_t keptCapacity = 256 * 1024; // a parser holds some 15 times its capacity
+    constexpr std::size_t keptCapacity = std::size_t(1) << 18; // a parser holds some 15 times its capacity
     if (parser_ && parser_->dom.capacity() <= keptCapacity)
         Parser::spare() = std::move(parser_);
 }

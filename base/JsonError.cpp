@@ -13,7 +13,7 @@ void JsonError::within(std::string_view key)
 
 void JsonError::within(std::size_t index)
 {
-    place("[" + std::to_string(index) + "]");
+    place(std::string("[").append(std::to_string(index)).append("]"));
 }
 
 void JsonError::place(std::string step)

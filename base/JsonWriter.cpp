@@ -132,7 +132,8 @@ void JsonWriter::raw(std::string_view token)
 /// A comma goes before all but what comes first or follows its key, as the last character tells.
 void JsonWriter::separate()
 {
-    if (!text_.empty() && std::string_view("{[:").find(text_.back()) == std::string_view::npos)
+    const char last = text_.empty() ? '[' : text_.back();
+    if (last != '[' && last != '{' && last != ':')
         text_ += ',';
 }
 

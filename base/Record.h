@@ -32,16 +32,13 @@ concept Record = requires(const T* record)
 
 /// The fields of a record in declaration order, a tuple of RecordField.
 template <Record T>
-constexpr auto fieldsOf()
-{
-    return recordFields(static_cast<const T*>(nullptr));
-}
+inline constexpr auto fieldsOf = recordFields(static_cast<const T*>(nullptr));
 
 /// Calls `visit(field)` with each RecordField in declaration order.
 template <Record T, typename Visit>
 constexpr void forEachField(Visit&& visit)
 {
-    std::apply([&](const auto&... field) { (visit(field), ...); }, fieldsOf<T>());
+    std::apply([&](const auto&... field) { (visit(field), ...); }, fieldsOf<T>);
 }
 
 /// Whether all fields of two records are equal.
@@ -49,7 +46,7 @@ template <Record T>
 bool equalFields(const T& a, const T& b)
 {
     return std::apply(
-        [&](const auto&... field) { return ((a.*field.member == b.*field.member) && ...); }, fieldsOf<T>());
+        [&](const auto&... field) { return ((a.*field.member == b.*field.member) && ...); }, fieldsOf<T>);
 }
 
 } // namespace korvo

@@ -47,7 +47,7 @@ TEST(Record, equalityAndHashGoThroughAllFieldsAndTheirRecords)
 
 TEST(Enum, casesAreFoundByTheirNames)
 {
-    EXPECT_EQ(casesOf<Fruit>().size(), 3U);
+    EXPECT_EQ(casesOf<Fruit>.size(), 3U);
     EXPECT_EQ(nameOf(Fruit::plum), "plum");
     EXPECT_EQ(caseNamed<Fruit>("pear"), Fruit::pear);
     EXPECT_EQ(caseNamed<Fruit>("Pear"), std::nullopt);
