@@ -31,7 +31,7 @@ struct ByteRange {
 /// MiB. Bytes given out stay valid as long as the window.
 class FileWindow {
 public:
-    static constexpr std::size_t headSize = 64 * 1024;
+    static constexpr std::size_t headSize = 16 * 1024;
 
     /// Opens the file and reads its head. The path must outlive the window. Throws MetadataError.
     explicit FileWindow(const std::filesystem::path& file);
