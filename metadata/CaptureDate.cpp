@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
+#include <fmt/format.h>
 
 namespace korvo {
 
@@ -107,6 +108,21 @@ std::optional<UnixTime> parseCaptureDate(
         return std::nullopt;
     const auto offset = offsetFromUtc(offsetTimeOriginal);
     return static_cast<UnixTime>(offset ? *clock - *offset : localInstant(*clock));
+}
+
+std::string exifDate(std::int64_t seconds)
+{
+    using namespace std::chrono;
+    const sys_time<std::chrono::seconds> instant{std::chrono::seconds(seconds)};
+    const auto midnight = floor<days>(instant);
+    const year_month_day date(midnight);
+    const hh_mm_ss time(instant - midnight);
+    const int year = static_cast<int>(date.year());
+    if (year < 1 || year > 9999)
+        return {};
+    return fmt::format("{:04}:{:02}:{:02} {:02}:{:02}:{:02}", year, static_cast<unsigned>(date.month()),
+        static_cast<unsigned>(date.day()), time.hours().count(), time.minutes().count(),
+        time.seconds().count());
 }
 
 } // namespace korvo

@@ -2,7 +2,9 @@
 
 #include "base/Dates.h"
 
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace korvo {
@@ -14,5 +16,9 @@ namespace korvo {
 /// from the last moment before the change.
 std::optional<UnixTime> parseCaptureDate(
     std::string_view dateTimeOriginal, std::string_view offsetTimeOriginal = {});
+
+/// The date "yyyy:MM:dd HH:mm:ss" that a clock shows `seconds` after it showed the beginning of 1970; empty
+/// outside the years 1 to 9999.
+std::string exifDate(std::int64_t seconds);
 
 } // namespace korvo

@@ -18,6 +18,37 @@ struct Container {
 
 constexpr std::array containers{
     Container{"\xFF\xD8\xFF"sv, 0, findInJpeg},
+    Container{"II*\0"sv, 0, findInTiff},
+    Container{"MM\0*"sv, 0, findInTiff},
+    Container{"IIRO"sv, 0, findInTiff}, // Olympus
+    Container{"IIRS"sv, 0, findInTiff},
+    Container{"MMOR"sv, 0, findInTiff},
+    Container{"IIU\0"sv, 0, findInRw2},
+    Container{"\x89PNG\r\n\x1A\n"sv, 0, findInPng},
+    Container{"WEBP"sv, 8, findInWebp},
+    Container{"AVI "sv, 8, findInAvi},
+    Container{"GIF8"sv, 0, findInGif},
+    Container{"BM"sv, 0, findInBmp},
+    Container{"FUJIFILM"sv, 0, findInRaf},
+    Container{"\0MRM"sv, 0, findInMrw},
+    Container{"HEAPCCDR"sv, 6, findInCrw},
+    Container{"FOVb"sv, 0, findInX3f},
+    Container{"ftypheic"sv, 4, findInHeif},
+    Container{"ftypheix"sv, 4, findInHeif},
+    Container{"ftypheim"sv, 4, findInHeif},
+    Container{"ftypheis"sv, 4, findInHeif},
+    Container{"ftyphevc"sv, 4, findInHeif},
+    Container{"ftypmif1"sv, 4, findInHeif},
+    Container{"ftypmsf1"sv, 4, findInHeif},
+    Container{"ftypavif"sv, 4, findInHeif},
+    Container{"ftypavis"sv, 4, findInHeif},
+    Container{"ftyp"sv, 4, findInMovie}, // whatever other brand
+    Container{"moov"sv, 4, findInMovie}, // QuickTime before it had brands
+    Container{"mdat"sv, 4, findInMovie},
+    Container{"wide"sv, 4, findInMovie},
+    Container{"free"sv, 4, findInMovie},
+    Container{"skip"sv, 4, findInMovie},
+    Container{"pnot"sv, 4, findInMovie},
 };
 
 } // namespace

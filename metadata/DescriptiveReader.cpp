@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "metadata/Containers.h"
+#include "metadata/ExifTagReader.h"
 #include "metadata/ForeignText.h"
 #include "metadata/Iptc.h"
 #include "metadata/Xmp.h"

@@ -94,16 +94,6 @@ Bytes ExifBlock::directoryBytes(std::uint32_t directory) const
     return view(begin, entries * entrySize).value_or(Bytes());
 }
 
-std::uint32_t ExifBlock::nextDirectory(std::uint32_t directory) const
-{
-    const auto count = view(directory, 2);
-    if (!count)
-        return 0;
-    const auto next
-        = view(std::uint64_t(directory) + 2 + std::uint64_t(unsignedAt(*count, 0, 2)) * entrySize, 4);
-    return next ? unsignedAt(*next, 0, 4) : 0;
-}
-
 std::optional<ExifBlock::Entry> ExifBlock::entryAt(
     Bytes entries, std::size_t at, std::uint32_t directory) const
 {
@@ -190,12 +180,6 @@ std::optional<Bytes> ExifBlock::view(std::uint64_t offset, std::uint64_t length)
     if (offset > block_.length || length > block_.length - offset)
         return std::nullopt;
     return file_->view(block_.offset + offset, length);
-}
-
-std::uint32_t ExifBlock::unsignedAt(Bytes bytes, std::uint64_t offset, unsigned width) const
-{
-    const auto value = isBigEndian_ ? bytes.bigEndian(offset, width) : bytes.littleEndian(offset, width);
-    return static_cast<std::uint32_t>(value.value_or(0));
 }
 
 } // namespace korvo

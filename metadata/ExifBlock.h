@@ -37,9 +37,6 @@ public:
                 visit(*entry);
     }
 
-    /// The offset of the directory that follows, 0 for none.
-    std::uint32_t nextDirectory(std::uint32_t directory) const;
-
     /// A value of any numeric type; nothing for other types and for a denominator of 0.
     std::optional<double> number(const Entry& entry, std::uint32_t index = 0) const;
 
@@ -61,7 +58,15 @@ private:
     std::optional<Bytes> valueAt(const Entry& entry, std::uint32_t index) const;
     std::optional<double> real(Bytes bytes) const;
     std::optional<Bytes> view(std::uint64_t offset, std::uint64_t length) const;
-    std::uint32_t unsignedAt(Bytes bytes, std::uint64_t offset, unsigned width) const;
+
+    /// An integer of `width` bytes, at most 4, which the caller knows to be inside.
+    std::uint32_t unsignedAt(Bytes bytes, std::size_t offset, unsigned width) const
+    {
+        std::uint32_t value = 0;
+        for (unsigned i = 0; i < width; ++i)
+            value = value << 8 | bytes[offset + (isBigEndian_ ? i : width - 1 - i)];
+        return value;
+    }
 
     FileWindow* file_;
     ByteRange block_;

@@ -1,6 +1,7 @@
 #include "metadata/ExifReader.h"
 
 #include "metadata/Containers.h"
+#include "metadata/ExifTagReader.h"
 #include "metadata/MetadataError.h"
 
 namespace korvo {

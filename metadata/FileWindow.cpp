@@ -14,7 +14,8 @@ namespace korvo {
 namespace {
 
 constexpr std::uint64_t mostRead = 4 * 1024 * 1024;
-constexpr std::uint64_t readAhead = 4096;
+constexpr std::uint64_t readAhead = 256; // for walks over many small headers with much between them
+constexpr std::size_t piecesLookedAt = 16;
 constexpr std::uint64_t firstAppended = std::uint64_t(1) << 62; // far beyond the end of any file
 
 } // namespace
@@ -23,7 +24,7 @@ FileWindow::FileWindow(const std::filesystem::path& file)
     : path_(file),
       file_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) // a pipe must not keep us waiting
       ,
-      headBytes_(std::make_unique_for_overwrite<std::uint8_t[]>(headSize)), nextAppended_(firstAppended)
+      headBytes_(std::make_unique_for_overwrite<std::uint8_t[]>(headSize))
 {
     if (file_ < 0)
         throw MetadataError(MetadataError::Case::open, path_, errno);
@@ -44,13 +45,19 @@ FileWindow::~FileWindow()
     ::close(file_);
 }
 
+std::optional<Bytes> FileWindow::viewInPiece(const Piece& piece, std::uint64_t offset, std::uint64_t length)
+{
+    const Bytes bytes(piece.bytes.data(), piece.bytes.size());
+    return offset < piece.offset ? std::nullopt : bytes.slice(offset - piece.offset, length);
+}
+
 std::optional<Bytes> FileWindow::viewBeyondHead(std::uint64_t offset, std::uint64_t length)
 {
-    for (const auto& piece : std::views::reverse(pieces_))
-        if (offset >= piece.offset)
-            if (const auto bytes
-                = Bytes(piece.bytes.data(), piece.bytes.size()).slice(offset - piece.offset, length))
-                return bytes;
+    const auto& pieces = offset >= firstAppended ? appended_ : pieces_;
+    const auto latest = offset >= firstAppended ? appended_.size() : piecesLookedAt;
+    for (const auto& piece : pieces | std::views::reverse | std::views::take(latest))
+        if (const auto bytes = viewInPiece(piece, offset, length))
+            return bytes;
     if (offset > size_ || length > size_ - offset || !readPiece(offset, length))
         return std::nullopt;
     return Bytes(pieces_.back().bytes.data(), static_cast<std::size_t>(length));
@@ -96,10 +103,16 @@ bool FileWindow::spend(std::uint64_t bytes)
 
 ByteRange FileWindow::append(std::vector<std::uint8_t> bytes)
 {
-    const ByteRange range{nextAppended_, bytes.size()};
-    nextAppended_ += bytes.size();
-    pieces_.push_back({range.offset, std::move(bytes)});
-    return range;
+    const auto offset
+        = appended_.empty() ? firstAppended : appended_.back().offset + appended_.back().bytes.size();
+    appended_.push_back({offset, std::move(bytes)});
+    return {offset, appended_.back().bytes.size()};
+}
+
+std::string_view FileWindow::keep(std::string_view text)
+{
+    append({text.begin(), text.end()});
+    return {reinterpret_cast<const char*>(appended_.back().bytes.data()), text.size()};
 }
 
 std::optional<ByteRange> FileWindow::joined(const std::vector<ByteRange>& ranges)

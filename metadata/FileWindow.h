@@ -2,6 +2,7 @@
 
 #include "base/Bytes.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -13,6 +14,16 @@ namespace korvo {
 /// A range of bytes of a file.
 struct ByteRange {
     std::uint64_t offset = 0, length = 0;
+
+    /// Without its first `count` bytes; empty when it has no more.
+    ByteRange from(std::uint64_t count) const
+    {
+        const auto dropped = std::min(count, length);
+        return {offset + dropped, length - dropped};
+    }
+
+    /// Its first `count` bytes, or all when it has no more.
+    ByteRange first(std::uint64_t count) const { return {offset, std::min(count, length)}; }
 };
 
 /// The few bytes of one file that its metadata are read from. The first 64 KiB are read at once, which is all
@@ -20,7 +31,7 @@ struct ByteRange {
 /// MiB. Bytes given out stay valid as long as the window.
 class FileWindow {
 public:
-    static constexpr std::size_t headSize = 64 * 1024;
+    static constexpr std::size_t headSize = 16 * 1024;
 
     /// Opens the file and reads its head. The path must outlive the window. Throws MetadataError.
     explicit FileWindow(const std::filesystem::path& file);
@@ -42,8 +53,17 @@ public:
     }
     std::optional<Bytes> view(ByteRange range) { return view(range.offset, range.length); }
 
+    /// The first `count` bytes of a range; nothing when it has fewer.
+    std::optional<Bytes> start(ByteRange range, std::uint64_t count)
+    {
+        return count > range.length ? std::nullopt : view(range.offset, count);
+    }
+
     /// Adds bytes that were unpacked from the file, so that they have a range as well.
     ByteRange append(std::vector<std::uint8_t> bytes);
+
+    /// Adds text that was put together from the file.
+    std::string_view keep(std::string_view text);
 
     /// The ranges one after the other as one; nothing when one of them cannot be viewed.
     std::optional<ByteRange> joined(const std::vector<ByteRange>& ranges);
@@ -55,6 +75,7 @@ private:
     };
 
     std::optional<Bytes> viewBeyondHead(std::uint64_t offset, std::uint64_t length);
+    static std::optional<Bytes> viewInPiece(const Piece& piece, std::uint64_t offset, std::uint64_t length);
     bool readPiece(std::uint64_t offset, std::uint64_t length);
     std::size_t readAt(std::uint64_t offset, std::uint8_t* buffer, std::size_t length) const;
     bool spend(std::uint64_t bytes);
@@ -65,8 +86,8 @@ private:
     Bytes head_;
     std::uint64_t size_ = 0;
     std::uint64_t budget_ = 0;
-    std::uint64_t nextAppended_;
-    std::vector<Piece> pieces_;
+    std::vector<Piece> pieces_; ///< read beyond the head
+    std::vector<Piece> appended_;
 };
 
 } // namespace korvo

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -45,7 +46,9 @@ std::string fromWindowsLatin(std::string_view text)
 
 std::string fromUnknownEncoding(std::string_view text)
 {
-    return isUtf8(text) ? std::string(text) : fromWindowsLatin(text);
+    const bool isAscii
+        = std::ranges::all_of(text, [](char c) { return static_cast<std::uint8_t>(c) < 0x80; });
+    return isAscii || isUtf8(text) ? std::string(text) : fromWindowsLatin(text);
 }
 
 } // namespace korvo

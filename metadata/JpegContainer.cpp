@@ -25,18 +25,16 @@ struct Segment {
 /// Walks the segments up to the picture's data (ITU-T T.81, annex B), over any rubbish between them.
 class Segments {
 public:
-    Segments(FileWindow& file, ByteRange area)
-        : file_(file), at_(area.offset), end_(area.offset + area.length)
-    { }
+    Segments(FileWindow& file, ByteRange area) : file_(file), rest_(area) { }
 
     std::optional<Segment> next()
     {
         auto marker = nextMarker();
         while (marker && standsAlone(*marker))
             marker = nextMarker();
-        if (!marker || *marker == startOfScan || *marker == endOfImage || end_ - at_ < 2)
+        if (!marker || *marker == startOfScan || *marker == endOfImage)
             return std::nullopt;
-        const auto length = file_.view(at_, 2);
+        const auto length = file_.start(rest_, 2);
         if (!length)
             return std::nullopt;
         return Segment{*marker, takePayload(length->bigEndian(0, 2).value_or(0))};
@@ -50,13 +48,10 @@ private:
 
     std::optional<std::uint8_t> nextMarker()
     {
-        while (end_ - at_ >= 2) {
-            const auto bytes = file_.view(at_, 2);
-            if (!bytes)
-                return std::nullopt;
+        while (const auto bytes = file_.start(rest_, 2)) {
             const auto marker = (*bytes)[1];
             const bool found = (*bytes)[0] == 0xFF && marker != 0xFF && marker != 0;
-            at_ += found ? 2 : 1;
+            rest_ = rest_.from(found ? 2 : 1);
             if (found)
                 return marker;
         }
@@ -67,19 +62,14 @@ private:
     /// goes.
     ByteRange takePayload(std::uint64_t length)
     {
-        const auto begin = at_ + 2;
-        at_ += std::min(std::max<std::uint64_t>(length, 2), end_ - at_);
-        return {begin, at_ - begin};
+        const auto segment = rest_.first(std::max<std::uint64_t>(length, 2));
+        rest_ = rest_.from(segment.length);
+        return segment.from(2);
     }
 
     FileWindow& file_;
-    std::uint64_t at_, end_;
+    ByteRange rest_;
 };
-
-ByteRange after(ByteRange range, std::uint64_t length)
-{
-    return {range.offset + length, range.length - length};
-}
 
 /// One part of an extended XMP packet (XMP specification, part 3, 1.1.3.1).
 struct ExtendedXmpPart {
@@ -113,7 +103,7 @@ private:
         if (segment.marker == app1)
             takeApp1(segment.payload);
         else if (segment.marker == app13 && startsWith(segment.payload, photoshopMark))
-            photoshop_.push_back(after(segment.payload, photoshopMark.size()));
+            photoshop_.push_back(segment.payload.from(photoshopMark.size()));
         else if (isFrame(segment.marker) && blocks_.size.empty())
             takeFrame(segment.payload);
     }
@@ -121,11 +111,11 @@ private:
     void takeApp1(ByteRange payload)
     {
         if (!blocks_.exif && startsWith(payload, exifMark))
-            blocks_.exif = after(payload, exifMark.size());
+            blocks_.exif = payload.from(exifMark.size());
         else if (!blocks_.xmp && startsWith(payload, xmpMark))
-            blocks_.xmp = after(payload, xmpMark.size());
+            blocks_.xmp = payload.from(xmpMark.size());
         else if (startsWith(payload, extendedXmpMark))
-            takeExtendedXmp(after(payload, extendedXmpMark.size()));
+            takeExtendedXmp(payload.from(extendedXmpMark.size()));
     }
 
     void takeExtendedXmp(ByteRange payload)
@@ -135,7 +125,7 @@ private:
             = payload.length < Part::headerSize ? std::nullopt : file_.view(payload.offset, Part::headerSize);
         if (header)
             extendedXmp_.push_back({header->text().substr(0, Part::guidSize),
-                header->bigEndian(Part::guidSize + 4, 4).value_or(0), after(payload, Part::headerSize)});
+                header->bigEndian(Part::guidSize + 4, 4).value_or(0), payload.from(Part::headerSize)});
     }
 
     /// Start of frame, of any coding; C4, C8 and CC of the same row mean other things.
@@ -146,7 +136,7 @@ private:
 
     void takeFrame(ByteRange payload)
     {
-        if (const auto frame = payload.length < 5 ? std::nullopt : file_.view(payload.offset, 5))
+        if (const auto frame = file_.start(payload, 5))
             blocks_.size = {frame->bigEndian(3, 2).value_or(0), frame->bigEndian(1, 2).value_or(0)};
     }
 

@@ -4,8 +4,10 @@
 #include "metadata/CaptureDate.h"
 #include "metadata/ForeignText.h"
 
+#include <algorithm>
 #include <cmath>
-#include <fmt/format.h>
+#include <fmt/compile.h>
+#include <limits>
 
 namespace korvo {
 
@@ -16,17 +18,23 @@ std::optional<std::string> nonEmptyText(std::string_view text)
     return text.empty() ? std::nullopt : std::optional(fromUnknownEncoding(text));
 }
 
+bool containsNoCase(std::string_view text, std::string_view part)
+{
+    const auto same = [](char a, char b) { return compareNoCase({&a, 1}, {&b, 1}) == 0; };
+    return std::ranges::search(text, part, same).begin() != text.end();
+}
+
 std::optional<std::string> cameraName(std::string_view make, std::string_view model)
 {
-    if (make.empty() || model.empty() || asciiLower(model).find(asciiLower(make)) != std::string::npos)
+    if (make.empty() || model.empty() || containsNoCase(model, make))
         return nonEmptyText(model.empty() ? make : model);
     return fromUnknownEncoding(make) + " " + fromUnknownEncoding(model);
 }
 
 std::string exposureText(double seconds)
 {
-    return seconds >= 1 ? fmt::format("{:.1f} s", seconds)
-                        : fmt::format("1/{:.0f} s", std::round(1 / seconds));
+    return seconds >= 1 ? fmt::format(FMT_COMPILE("{:.1f} s"), seconds)
+                        : fmt::format(FMT_COMPILE("1/{:.0f} s"), std::round(1 / seconds));
 }
 
 void describeExposure(PhotoExifInfo& info, const ExifTags& tags)
@@ -37,11 +45,11 @@ void describeExposure(PhotoExifInfo& info, const ExifTags& tags)
     }
     if (tags.fNumber) {
         info.apertureValue = tags.fNumber;
-        info.aperture = fmt::format("ƒ/{:.1f}", *tags.fNumber);
+        info.aperture = fmt::format(FMT_COMPILE("ƒ/{:.1f}"), *tags.fNumber);
     }
     if (tags.focalLength) {
         info.focalValue = tags.focalLength;
-        info.focalLength = fmt::format("{:.0f} mm", *tags.focalLength);
+        info.focalLength = fmt::format(FMT_COMPILE("{:.0f} mm"), *tags.focalLength);
     }
     if (tags.iso)
         info.isoValue = static_cast<int>(std::min<std::uint32_t>(*tags.iso, std::numeric_limits<int>::max()));
@@ -59,7 +67,7 @@ PhotoExifInfo exifInfo(const ExifTags& tags, PixelSize size)
     if (info.captureTimestamp)
         info.captureDate = localDateTime(*info.captureTimestamp);
     if (!size.empty())
-        info.pixelSize = fmt::format("{} × {}", size.width, size.height);
+        info.pixelSize = fmt::format(FMT_COMPILE("{} × {}"), size.width, size.height);
     info.coordinate = tags.coordinate;
     return info;
 }

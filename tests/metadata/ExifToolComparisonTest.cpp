@@ -24,7 +24,8 @@ struct Known {
 
 constexpr std::array known{
     Known{"languages.jpg", "caption",
-        "a caption in one language only: better than none, exiftool asks for the default"},
+        "in one language only: better than none, though exiftool asks for the default"},
+    Known{"Pentax.avi", "captured", "exiftool drops the seconds of a date with slashes"},
 };
 
 bool isKnown(const fs::path& file, std::string_view field)
@@ -78,10 +79,33 @@ const std::vector<std::string> descriptiveTags{"XMP-iptcCore:AltTextAccessibilit
     "XMP-dc:Creator", "IPTC:By-line", "IFD0:Artist", "XMP-dc:Rights", "IPTC:CopyrightNotice",
     "IFD0:Copyright"};
 
-const std::vector<std::string> cameraTags{"EXIF:Make", "EXIF:Model", "EXIF:LensModel", "EXIF:ExposureTime",
-    "EXIF:FNumber", "EXIF:ISO", "EXIF:FocalLength", "EXIF:DateTimeOriginal", "EXIF:OffsetTimeOriginal",
-    "EXIF:GPSLatitude", "EXIF:GPSLatitudeRef", "EXIF:GPSLongitude", "EXIF:GPSLongitudeRef",
-    "Composite:ImageSize"};
+/// The group in which exiftool has the camera facts of a file.
+std::string groupOf(const fs::path& file)
+{
+    const std::map<std::string, std::string> groups{{".crw", "MakerNotes"}, {".x3f", "SigmaRaw"},
+        {".mov", "QuickTime"}, {".mp4", "QuickTime"}, {".m4v", "QuickTime"}, {".avi", "RIFF"}};
+    const auto group = groups.find(asciiLower(file.extension().string()));
+    return group == groups.end() ? "EXIF" : group->second;
+}
+
+std::vector<std::string> cameraTags()
+{
+    std::vector<std::string> tags{"Composite:ImageSize", "Composite:ISO", "QuickTime:CreationDate",
+        "QuickTime:CreateDate", "QuickTime:GPSCoordinates", "EXIF:GPSLatitudeRef", "EXIF:GPSLongitudeRef"};
+    for (const std::string group : {"EXIF", "MakerNotes", "SigmaRaw", "QuickTime", "RIFF"})
+        for (const auto* tag : {"Make", "Model", "LensModel", "ExposureTime", "FNumber", "ISO", "FocalLength",
+                 "DateTimeOriginal", "OffsetTimeOriginal", "GPSLatitude", "GPSLongitude"})
+            tags.push_back(group + ":" + tag);
+    return tags;
+}
+
+/// What exiftool says about the camera facts of one file.
+struct CameraAnswer {
+    const ExifToolAnswer& answer;
+    std::string group;
+
+    std::string text(const std::string& tag) const { return textOf(answer, {(group + ":" + tag).c_str()}); }
+};
 
 std::string show(const std::optional<std::string>& text)
 {
@@ -94,45 +118,57 @@ std::string show(std::optional<double> number)
     return number ? fmt::format("{:.7g}", *number) : "";
 }
 
-std::optional<double> numberOf(const ExifToolAnswer& answer, const char* tag)
+std::optional<double> number(const std::string& text)
 {
-    const auto text = textOf(answer, {tag});
     char* end = nullptr;
     const double value = std::strtod(text.c_str(), &end);
-    return text.empty() || end == text.c_str() || !std::isfinite(value) ? std::nullopt : std::optional(value);
+    return end == text.c_str() || !std::isfinite(value) ? std::nullopt : std::optional(value);
 }
 
-std::string cameraOf(const ExifToolAnswer& answer)
+std::string cameraOf(const CameraAnswer& camera)
 {
-    const std::string make(trimmed(textOf(answer, {"EXIF:Make"}))),
-        model(trimmed(textOf(answer, {"EXIF:Model"})));
+    const std::string make(trimmed(camera.text("Make"))), model(trimmed(camera.text("Model")));
     const bool repeats = asciiLower(model).find(asciiLower(make)) != std::string::npos;
     return make.empty() || model.empty() || repeats ? (model.empty() ? make : model) : make + " " + model;
 }
 
-std::optional<double> instantOf(const ExifToolAnswer& answer)
+std::string instantOf(const CameraAnswer& camera)
 {
+    auto text = camera.text("DateTimeOriginal"), offset = camera.text("OffsetTimeOriginal");
+    if (camera.group == "QuickTime") {
+        const auto creation = textOf(camera.answer, {"QuickTime:CreationDate"});
+        text = creation.empty() ? textOf(camera.answer, {"QuickTime:CreateDate"}) : creation.substr(0, 19);
+        offset = creation.empty() ? "+00:00" : creation.substr(19);
+    }
     std::tm date{};
-    const auto text = textOf(answer, {"EXIF:DateTimeOriginal"}),
-               offset = textOf(answer, {"EXIF:OffsetTimeOriginal"});
     if (!strptime(text.c_str(), "%Y:%m:%d %H:%M:%S", &date) || date.tm_mday == 0)
-        return std::nullopt;
+        return "";
     date.tm_isdst = -1;
     std::tm zone{};
     const bool hasOffset = offset.size() == 6 && strptime(offset.c_str() + 1, "%H:%M", &zone);
     const int seconds = (zone.tm_hour * 60 + zone.tm_min) * 60 * (offset.starts_with('-') ? -1 : 1);
-    return static_cast<double>(hasOffset ? timegm(&date) - seconds : mktime(&date));
+    return std::to_string(hasOffset ? timegm(&date) - seconds : mktime(&date));
 }
 
-std::string positionOf(const ExifToolAnswer& answer)
+std::string show(const std::optional<Coordinate>& position)
 {
-    const auto latitude = numberOf(answer, "EXIF:GPSLatitude"),
-               longitude = numberOf(answer, "EXIF:GPSLongitude");
+    return position ? fmt::format("{:.6f} {:.6f}", position->latitude, position->longitude) : "";
+}
+
+std::string positionOf(const CameraAnswer& camera)
+{
+    if (camera.group == "QuickTime") {
+        const auto words = textOf(camera.answer, {"QuickTime:GPSCoordinates"});
+        const auto parts = split(words, ' ');
+        return parts.size() < 2
+            ? ""
+            : show(Coordinate{std::stod(std::string(parts[0])), std::stod(std::string(parts[1]))});
+    }
+    const auto latitude = number(camera.text("GPSLatitude")), longitude = number(camera.text("GPSLongitude"));
     if (!latitude || !longitude)
         return "";
-    const bool south = textOf(answer, {"EXIF:GPSLatitudeRef"}) == "S",
-               west = textOf(answer, {"EXIF:GPSLongitudeRef"}) == "W";
-    return fmt::format("{:.6f} {:.6f}", south ? -*latitude : *latitude, west ? -*longitude : *longitude);
+    return show(Coordinate{camera.text("GPSLatitudeRef") == "S" ? -*latitude : *latitude,
+        camera.text("GPSLongitudeRef") == "W" ? -*longitude : *longitude});
 }
 
 using Fields = std::vector<std::pair<std::string, std::string>>;
@@ -149,10 +185,10 @@ Fields ours(const fs::path& file)
         {"aperture", show(info.apertureValue)}, {"iso", info.isoValue ? std::to_string(*info.isoValue) : ""},
         {"focalLength", show(info.focalValue)},
         {"captured", info.captureTimestamp ? fmt::format("{:.0f}", *info.captureTimestamp) : ""},
-        {"position", position ? fmt::format("{:.6f} {:.6f}", position->latitude, position->longitude) : ""},
-        {"size", show(info.pixelSize)}, {"altText", fields.altText}, {"title", fields.title},
-        {"caption", fields.caption}, {"keywords", fmt::format("{}", fmt::join(fields.keywords, " | "))},
-        {"creator", fields.creator}, {"copyright", fields.copyright}};
+        {"position", show(position)}, {"size", show(info.pixelSize)}, {"altText", fields.altText},
+        {"title", fields.title}, {"caption", fields.caption},
+        {"keywords", fmt::format("{}", fmt::join(fields.keywords, " | "))}, {"creator", fields.creator},
+        {"copyright", fields.copyright}};
 }
 
 std::string sizeOf(const ExifToolAnswer& answer)
@@ -162,19 +198,20 @@ std::string sizeOf(const ExifToolAnswer& answer)
     return blank == std::string::npos ? "" : size.substr(0, blank) + " × " + size.substr(blank + 1);
 }
 
-Fields theirs(const ExifToolAnswer& camera, const ExifToolAnswer& words)
+Fields theirs(const CameraAnswer& camera, const ExifToolAnswer& words)
 {
-    const auto shutter = numberOf(camera, "EXIF:ExposureTime");
-    const auto instant = instantOf(camera);
+    const auto shutter = number(camera.text("ExposureTime"));
+    const auto iso
+        = camera.group == "MakerNotes" ? textOf(camera.answer, {"Composite:ISO"}) : camera.text("ISO");
     const auto fields = descriptiveOf(words);
-    return {{"camera", cameraOf(camera)}, {"lens", std::string(trimmed(textOf(camera, {"EXIF:LensModel"})))},
+    return {{"camera", cameraOf(camera)}, {"lens", std::string(trimmed(camera.text("LensModel")))},
         {"shutter", show(shutter && *shutter > 0 ? shutter : std::nullopt)},
-        {"aperture", show(numberOf(camera, "EXIF:FNumber"))}, {"iso", textOf(camera, {"EXIF:ISO"})},
-        {"focalLength", show(numberOf(camera, "EXIF:FocalLength"))},
-        {"captured", instant ? fmt::format("{:.0f}", *instant) : ""}, {"position", positionOf(camera)},
-        {"size", sizeOf(camera)}, {"altText", fields.altText}, {"title", fields.title},
-        {"caption", fields.caption}, {"keywords", fmt::format("{}", fmt::join(fields.keywords, " | "))},
-        {"creator", fields.creator}, {"copyright", fields.copyright}};
+        {"aperture", show(number(camera.text("FNumber")))}, {"iso", iso},
+        {"focalLength", show(number(camera.text("FocalLength")))}, {"captured", instantOf(camera)},
+        {"position", positionOf(camera)}, {"size", sizeOf(camera.answer)}, {"altText", fields.altText},
+        {"title", fields.title}, {"caption", fields.caption},
+        {"keywords", fmt::format("{}", fmt::join(fields.keywords, " | "))}, {"creator", fields.creator},
+        {"copyright", fields.copyright}};
 }
 
 const std::set<std::string> endings{".jpg", ".jpeg", ".png", ".webp", ".tif", ".tiff", ".heic", ".heif",
@@ -196,11 +233,11 @@ void expectSameAnswers(const fs::path& folder)
 {
     const auto files = photosIn(folder);
     ASSERT_FALSE(files.empty()) << folder;
-    const auto camera = askExifTool(files, "-G0", cameraTags),
+    const auto camera = askExifTool(files, "-G0", cameraTags()),
                words = askExifTool(files, "-G1", descriptiveTags);
     for (const auto& file : files) {
         ASSERT_TRUE(camera.contains(file) && words.contains(file)) << file;
-        const auto mine = ours(file), tools = theirs(camera.at(file), words.at(file));
+        const auto mine = ours(file), tools = theirs({camera.at(file), groupOf(file)}, words.at(file));
         for (std::size_t i = 0; i < mine.size(); ++i)
             if (!isKnown(file, mine[i].first)) {
                 EXPECT_EQ(mine[i].second, tools[i].second) << mine[i].first << " of " << file;

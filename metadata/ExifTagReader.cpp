@@ -1,4 +1,4 @@
-#include "metadata/ExifTags.h"
+#include "metadata/ExifTagReader.h"
 
 #include "metadata/ExifBlock.h"
 
@@ -52,6 +52,13 @@ void readCopyright(Reading& reading, const ExifBlock& block, const Entry& entry)
         reading.tags.copyright = block.rawText(entry);
 }
 
+template <auto Side>
+void readSize(Reading& reading, const ExifBlock& block, const Entry& entry)
+{
+    if (auto& side = reading.tags.size.*Side; side == 0)
+        side = block.integer(entry).value_or(0);
+}
+
 template <auto Field>
 void readOffset(Reading& reading, const ExifBlock& block, const Entry& entry)
 {
@@ -89,6 +96,8 @@ constexpr std::array exifRules{
     Rule{0x9003, readText<&ExifTags::dateTimeOriginal>},
     Rule{0x9011, readText<&ExifTags::offsetTimeOriginal>},
     Rule{0x920a, readNumber<&ExifTags::focalLength>},
+    Rule{0xa002, readSize<&PixelSize::width>},
+    Rule{0xa003, readSize<&PixelSize::height>},
     Rule{0xa434, readText<&ExifTags::lens>},
 };
 
@@ -120,6 +129,7 @@ void readWhole(Reading& reading, FileWindow& file, ByteRange range)
     const auto block = ExifBlock::open(file, range);
     if (!block)
         return;
+    reading.exifDirectory = reading.gpsDirectory = 0;
     readDirectory(reading, *block, block->firstDirectory(), mainRules);
     if (reading.exifDirectory != 0)
         readDirectory(reading, *block, reading.exifDirectory, exifRules);
@@ -149,14 +159,25 @@ std::optional<Coordinate> coordinate(const Reading& reading)
 ExifTags readExifTags(FileWindow& file, const MetadataBlocks& blocks)
 {
     Reading reading;
+    reading.tags = blocks.own;
     if (blocks.exif)
         readWhole(reading, file, *blocks.exif);
     if (blocks.exifDirectory)
         readFirstDirectory(reading, file, *blocks.exifDirectory, exifRules);
     if (blocks.gpsDirectory)
         readFirstDirectory(reading, file, *blocks.gpsDirectory, gpsRules);
-    reading.tags.coordinate = coordinate(reading);
+    if (blocks.previewExif)
+        readWhole(reading, file, *blocks.previewExif);
+    if (!reading.tags.coordinate)
+        reading.tags.coordinate = coordinate(reading);
     return reading.tags;
+}
+
+ExifTags readExifTags(FileWindow& file, ByteRange exif)
+{
+    MetadataBlocks blocks;
+    blocks.exif = exif;
+    return readExifTags(file, blocks);
 }
 
 } // namespace korvo

@@ -1,0 +1,150 @@
+// Camera facts of many files: our reader beside libexiv2 and beside a bare open, read of 64 KiB and close,
+// which is the least that any reader does. The contestants take turns; medians of five rounds.
+//
+//     bench_metadata [LIST]      LIST, or $KORVO_CORPUS, names a file that lists the photos, one a line
+#include "metadata/DescriptiveReader.h"
+#include "metadata/ExifReader.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <exiv2/exiv2.hpp>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Reads one file and returns how much it found, so that nothing is optimised away.
+using Read = std::size_t (*)(const fs::path& file);
+
+std::size_t readBare(const fs::path& file)
+{
+    thread_local std::vector<char> buffer(64 * 1024);
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    const auto count = ::pread(descriptor, buffer.data(), buffer.size(), 0);
+    ::close(descriptor);
+    return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+std::size_t readFacts(const fs::path& file)
+{
+    const auto info = korvo::readExif(file);
+    return info && info->camera ? info->camera->size() : 0;
+}
+
+std::size_t readAll(const fs::path& file)
+{
+    return korvo::readFileMetadata(file).descriptive.title.size();
+}
+
+std::size_t readWithExiv2(const fs::path& file)
+{
+    static constexpr std::array keys{"Exif.Image.Make", "Exif.Image.Model", "Exif.Photo.LensModel",
+        "Exif.Photo.ExposureTime", "Exif.Photo.FNumber", "Exif.Photo.ISOSpeedRatings",
+        "Exif.Photo.FocalLength", "Exif.Photo.DateTimeOriginal", "Exif.Photo.OffsetTimeOriginal",
+        "Exif.GPSInfo.GPSLatitude", "Exif.GPSInfo.GPSLatitudeRef", "Exif.GPSInfo.GPSLongitude",
+        "Exif.GPSInfo.GPSLongitudeRef"};
+    const auto image = Exiv2::ImageFactory::open(file.string());
+    image->readMetadata();
+    const auto& data = image->exifData();
+    std::size_t found = 0;
+    for (const auto* key : keys)
+        if (const auto entry = data.findKey(Exiv2::ExifKey(key)); entry != data.end())
+            found += entry->toString().size();
+    return found;
+}
+
+struct Contestant {
+    const char* name;
+    Read read;
+    std::size_t share; ///< every how many-th file it gets; libexiv2 would take a minute for all
+};
+
+constexpr std::array contestants{Contestant{"bare open + pread 64 KiB + close", readBare, 1},
+    Contestant{"readExif", readFacts, 1}, Contestant{"readFileMetadata", readAll, 1},
+    Contestant{"libexiv2", readWithExiv2, 10}};
+
+std::vector<fs::path> linesOf(const char* list)
+{
+    std::vector<fs::path> lines;
+    std::ifstream stream(list);
+    for (std::string line; std::getline(stream, line);)
+        lines.emplace_back(line);
+    return lines;
+}
+
+/// Microseconds a file takes with all threads working.
+double timePerFile(const std::vector<fs::path>& files, const Contestant& contestant, unsigned threads)
+{
+    std::atomic<std::size_t> next = 0, found = 0, done = 0;
+    const auto work = [&] {
+        std::size_t sum = 0, count = 0;
+        for (auto i = contestant.share * next++; i < files.size(); i = contestant.share * next++, ++count)
+            sum += contestant.read(files[i]);
+        found += sum;
+        done += count;
+    };
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::thread> others;
+    for (unsigned i = 1; i < threads; ++i)
+        others.emplace_back(work);
+    work();
+    for (auto& thread : others)
+        thread.join();
+    const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
+    if (found == 0)
+        std::fprintf(stderr, "%s found nothing\n", contestant.name);
+    return time.count() / static_cast<double>(done);
+}
+
+void compare(const std::vector<fs::path>& files, unsigned threads)
+{
+    constexpr std::size_t rounds = 5;
+    std::array<std::array<double, rounds>, contestants.size()> times{};
+    for (std::size_t round = 0; round < rounds; ++round)
+        for (std::size_t i = 0; i < contestants.size(); ++i)
+            times[i][round] = timePerFile(files, contestants[i], threads);
+    for (auto& each : times)
+        std::nth_element(each.begin(), each.begin() + rounds / 2, each.end());
+    std::printf("%u thread%s, %zu files\n", threads, threads == 1 ? "" : "s", files.size());
+    for (std::size_t i = 0; i < contestants.size(); ++i) {
+        const double median = times[i][rounds / 2];
+        std::printf("  %-34s %9.2f us a file %10.0f files/s %8.2f x bare\n", contestants[i].name, median,
+            1e6 / median, median / times[0][rounds / 2]);
+    }
+}
+
+std::mutex xmpMutex;
+
+void lockXmp(void*, bool lock)
+{
+    lock ? xmpMutex.lock() : xmpMutex.unlock();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const char* list = argc > 1 ? argv[1] : std::getenv("KORVO_CORPUS");
+    const auto files = list ? linesOf(list) : std::vector<fs::path>();
+    if (files.empty()) {
+        std::fprintf(stderr, "usage: bench_metadata LIST, a file that names one photo a line\n");
+        return 2;
+    }
+    Exiv2::XmpParser::initialize(lockXmp, nullptr);
+    Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+    for (const unsigned threads : {1U, 2U})
+        compare(files, threads);
+    return 0;
+}

@@ -1,0 +1,164 @@
+#include "metadata/Containers.h"
+#include "metadata/ExifBlock.h"
+#include "metadata/ExifTagReader.h"
+#include "metadata/Photoshop.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace korvo {
+
+namespace {
+
+using Entry = ExifBlock::Entry;
+
+constexpr std::size_t mostPictures = 16;
+constexpr std::uint32_t fullPicture = 0, reducedPicture = 1;
+
+/// One of the pictures of a TIFF or raw file: the photo, its thumbnail, a preview.
+struct Picture {
+    PixelSize size;
+    std::optional<std::uint32_t> kind;
+};
+
+/// Finds in TIFF files and in the raw files that are built like them.
+class TiffFinder {
+public:
+    TiffFinder(FileWindow& file, ByteRange area, ExifBlock block)
+        : file_(file), area_(area), block_(block) { }
+
+    MetadataBlocks find()
+    {
+        blocks_.exif = area_;
+        takeFirstDirectory();
+        if (!blocks_.iptc && photoshop_)
+            blocks_.iptc = findIptcInPhotoshop(file_, *photoshop_);
+        for (const auto directory : subdirectories_)
+            takePicture(directory);
+        blocks_.size = pictureSize();
+        return blocks_;
+    }
+
+private:
+    void takeFirstDirectory()
+    {
+        takePicture(block_.firstDirectory());
+        block_.forEachEntry(block_.firstDirectory(), [&](const Entry& entry) {
+            switch (entry.tag) {
+            case 0x014a:
+                return takeSubdirectories(entry);
+            case 0x02bc:
+                blocks_.xmp = entry.value;
+                break;
+            case 0x83bb:
+                blocks_.iptc = entry.value;
+                break;
+            case 0x8649:
+                photoshop_ = entry.value;
+                break;
+            default:
+                break;
+            }
+        });
+    }
+
+    void takeSubdirectories(const Entry& entry)
+    {
+        for (std::uint32_t i = 0; i < entry.count && subdirectories_.size() < mostPictures; ++i)
+            if (const auto directory = block_.integer(entry, i))
+                subdirectories_.push_back(*directory);
+    }
+
+    void takePicture(std::uint32_t directory)
+    {
+        Picture picture;
+        block_.forEachEntry(directory, [&](const Entry& entry) {
+            if (entry.tag == 0x00fe)
+                picture.kind = block_.integer(entry);
+            else if (entry.tag == 0x0100)
+                picture.size.width = block_.integer(entry).value_or(0);
+            else if (entry.tag == 0x0101)
+                picture.size.height = block_.integer(entry).value_or(0);
+        });
+        if (!picture.size.empty())
+            pictures_.push_back(picture);
+    }
+
+    /// The size of the photo: of the first picture that is said to be the full one, or that is not said to be
+    /// less. Some raw files have only previews in such directories and tell the size among the camera's
+    /// facts.
+    PixelSize pictureSize() const
+    {
+        const auto told = readExifTags(file_, area_).size;
+        if (!told.empty() && tellsSizeInExif())
+            return told;
+        for (const std::optional<std::uint32_t> kind :
+            {std::optional(fullPicture), std::optional<std::uint32_t>()})
+            for (const auto& picture : pictures_)
+                if (picture.kind == kind)
+                    return picture.size;
+        return told;
+    }
+
+    /// Canon's CR2 and Phase One's IIQ.
+    bool tellsSizeInExif() const
+    {
+        const auto mark = file_.view(area_.offset + 8, 4);
+        return mark && (mark->startsWith("CR") || mark->startsWith("IIII") || mark->startsWith("MMMM"));
+    }
+
+    FileWindow& file_;
+    ByteRange area_;
+    ExifBlock block_;
+    MetadataBlocks blocks_;
+    std::optional<ByteRange> photoshop_;
+    std::vector<std::uint32_t> subdirectories_;
+    std::vector<Picture> pictures_;
+};
+
+} // namespace
+
+MetadataBlocks findInTiff(FileWindow& file, ByteRange area)
+{
+    const auto block = ExifBlock::open(file, area);
+    return block ? TiffFinder(file, area, *block).find() : MetadataBlocks();
+}
+
+/// Panasonic's and Leica's raw files: the borders of the picture on the sensor, and a preview with facts of
+/// its own.
+MetadataBlocks findInRw2(FileWindow& file, ByteRange area)
+{
+    auto blocks = findInTiff(file, area);
+    const auto block = ExifBlock::open(file, area);
+    std::uint32_t top = 0, left = 0, bottom = 0, right = 0;
+    std::optional<ByteRange> preview;
+    if (block)
+        block->forEachEntry(block->firstDirectory(), [&](const Entry& entry) {
+            switch (entry.tag) {
+            case 0x0004:
+                top = block->integer(entry).value_or(0);
+                break;
+            case 0x0005:
+                left = block->integer(entry).value_or(0);
+                break;
+            case 0x0006:
+                bottom = block->integer(entry).value_or(0);
+                break;
+            case 0x0007:
+                right = block->integer(entry).value_or(0);
+                break;
+            case 0x002e:
+                preview = entry.value;
+                break;
+            default:
+                break;
+            }
+        });
+    if (right > left && bottom > top)
+        blocks.size = {right - left, bottom - top};
+    if (preview)
+        blocks.previewExif = findInJpeg(file, *preview).exif;
+    return blocks;
+}
+
+} // namespace korvo
