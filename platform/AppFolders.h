@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+
+namespace korvo {
+
+/// Where the program keeps what it fetched or made for itself, such as models: $KORVO_DATA when it is set,
+/// else the system's place for application data. It need not exist yet. Throws std::runtime_error without a
+/// home folder.
+std::filesystem::path applicationDataFolder();
+
+/// Where the user's defaults are kept: $KORVO_CONFIG when it is set, else the system's place for settings. It
+/// need not exist yet. Throws std::runtime_error without a home folder.
+std::filesystem::path userDefaultsFolder();
+
+} // namespace korvo

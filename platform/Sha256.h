@@ -1,0 +1,34 @@
+#pragma once
+
+#include "base/Bytes.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+
+namespace korvo {
+
+/// SHA-256 (FIPS 180-4) of bytes that come piece by piece.
+class Sha256 {
+public:
+    Sha256();
+
+    void add(Bytes bytes);
+
+    /// The digest of all that was added, 64 lower-case hexadecimal digits. Ends the calculation.
+    std::string finish();
+
+private:
+    struct Free {
+        void operator()(void* context) const;
+    };
+    std::unique_ptr<void, Free> context_;
+};
+
+/// The SHA-256 of a file, read 4 MiB at a time; nothing when `stop` was asked for before the end. Throws
+/// std::system_error when the file cannot be read.
+std::optional<std::string> sha256OfFile(const std::filesystem::path& file, const std::stop_token& stop);
+
+} // namespace korvo
