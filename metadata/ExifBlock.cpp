@@ -94,21 +94,14 @@ Bytes ExifBlock::directoryBytes(std::uint32_t directory) const
     return view(begin, entries * entrySize).value_or(Bytes());
 }
 
-std::optional<ExifBlock::Entry> ExifBlock::entryAt(
-    Bytes entries, std::size_t at, std::uint32_t directory) const
+std::optional<ByteRange> ExifBlock::range(const Entry& entry) const
 {
     constexpr std::uint64_t inlineSize = 4;
-    Entry entry;
-    entry.tag = static_cast<std::uint16_t>(unsignedAt(entries, at, 2));
-    entry.type = static_cast<std::uint16_t>(unsignedAt(entries, at + 2, 2));
-    entry.count = unsignedAt(entries, at + 4, 4);
     const auto length = std::uint64_t(typeOf(entry).size) * entry.count;
-    const auto offset
-        = length > inlineSize ? unsignedAt(entries, at + 8, 4) : std::uint64_t(directory) + 2 + at + 8;
+    const auto offset = length > inlineSize ? entry.offset : entry.inlineOffset;
     if (length == 0 || offset > block_.length || length > block_.length - offset)
         return std::nullopt;
-    entry.value = {block_.offset + offset, length};
-    return entry;
+    return ByteRange{block_.offset + offset, length};
 }
 
 std::optional<double> ExifBlock::number(const Entry& entry, std::uint32_t index) const
@@ -144,9 +137,8 @@ std::optional<std::uint32_t> ExifBlock::integer(const Entry& entry, std::uint32_
 
 std::string_view ExifBlock::rawText(const Entry& entry) const
 {
-    if (typeOf(entry).size != 1)
-        return {};
-    const auto bytes = file_->view(entry.value.offset, std::min(entry.value.length, longestText));
+    const auto values = typeOf(entry).size == 1 ? range(entry) : std::nullopt;
+    const auto bytes = values ? file_->view(values->first(longestText)) : std::nullopt;
     return bytes ? bytes->text() : std::string_view();
 }
 
@@ -159,10 +151,9 @@ std::string_view ExifBlock::text(const Entry& entry) const
 
 std::optional<Bytes> ExifBlock::valueAt(const Entry& entry, std::uint32_t index) const
 {
-    if (index >= entry.count)
-        return std::nullopt;
+    const auto values = range(entry);
     const std::uint64_t size = typeOf(entry).size;
-    return file_->view(entry.value.offset + size * index, size);
+    return values ? file_->start(values->from(size * index), size) : std::nullopt;
 }
 
 std::optional<double> ExifBlock::real(Bytes bytes) const

@@ -18,7 +18,8 @@ public:
         std::uint16_t tag = 0;
         std::uint16_t type = 0;
         std::uint32_t count = 0;
-        ByteRange value; ///< where in the file its values lie
+        std::uint32_t offset = 0; ///< in the block, of the values, unless they fit into the entry itself
+        std::uint64_t inlineOffset = 0; ///< of the values if they do
     };
 
     /// Nothing when no TIFF header stands at the beginning of the range.
@@ -33,9 +34,13 @@ public:
     {
         const auto entries = directoryBytes(directory);
         for (std::size_t at = 0; at < entries.size(); at += entrySize)
-            if (const auto entry = entryAt(entries, at, directory))
-                visit(*entry);
+            visit(Entry{static_cast<std::uint16_t>(unsignedAt(entries, at, 2)),
+                static_cast<std::uint16_t>(unsignedAt(entries, at + 2, 2)), unsignedAt(entries, at + 4, 4),
+                unsignedAt(entries, at + 8, 4), std::uint64_t(directory) + 2 + at + 8});
     }
+
+    /// Where in the file the values lie; nothing when that is not inside the block.
+    std::optional<ByteRange> range(const Entry& entry) const;
 
     /// A value of any numeric type; nothing for other types and for a denominator of 0.
     std::optional<double> number(const Entry& entry, std::uint32_t index = 0) const;
@@ -54,7 +59,6 @@ private:
 
     ExifBlock(FileWindow& file, ByteRange block, bool isBigEndian);
     Bytes directoryBytes(std::uint32_t directory) const;
-    std::optional<Entry> entryAt(Bytes entries, std::size_t at, std::uint32_t directory) const;
     std::optional<Bytes> valueAt(const Entry& entry, std::uint32_t index) const;
     std::optional<double> real(Bytes bytes) const;
     std::optional<Bytes> view(std::uint64_t offset, std::uint64_t length) const;

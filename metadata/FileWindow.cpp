@@ -20,29 +20,26 @@ constexpr std::uint64_t firstAppended = std::uint64_t(1) << 62; // far beyond th
 
 } // namespace
 
-FileWindow::FileWindow(const std::filesystem::path& file)
-    : path_(file),
-      file_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) // a pipe must not keep us waiting
-      ,
-      headBytes_(std::make_unique_for_overwrite<std::uint8_t[]>(headSize))
+// Opened without blocking, so that a pipe does not keep us waiting.
+FileWindow::Descriptor::Descriptor(const std::filesystem::path& file)
+    : number(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
 {
-    if (file_ < 0)
-        throw MetadataError(MetadataError::Case::open, path_, errno);
-    try {
-        head_ = Bytes(headBytes_.get(), readAt(0, headBytes_.get(), headSize));
-        size_ = head_.size();
-        if (struct stat status; size_ == headSize && ::fstat(file_, &status) == 0)
-            size_ = std::max(size_, static_cast<std::uint64_t>(status.st_size));
-    } catch (...) {
-        ::close(file_);
-        throw;
-    }
-    budget_ = std::min(mostRead, 2 * size_);
+    if (number < 0)
+        throw MetadataError(MetadataError::Case::open, file, errno);
 }
 
-FileWindow::~FileWindow()
+FileWindow::Descriptor::~Descriptor()
 {
-    ::close(file_);
+    ::close(number);
+}
+
+FileWindow::FileWindow(const std::filesystem::path& file) : path_(file), file_(file)
+{
+    head_ = Bytes(headBytes_.data(), readAt(0, headBytes_.data(), headSize));
+    size_ = head_.size();
+    if (struct stat status; size_ == headSize && ::fstat(file_.number, &status) == 0)
+        size_ = std::max(size_, static_cast<std::uint64_t>(status.st_size));
+    budget_ = std::min(mostRead, 2 * size_);
 }
 
 std::optional<Bytes> FileWindow::viewInPiece(const Piece& piece, std::uint64_t offset, std::uint64_t length)
@@ -81,7 +78,8 @@ std::size_t FileWindow::readAt(std::uint64_t offset, std::uint8_t* buffer, std::
 {
     std::size_t done = 0;
     while (done < length) {
-        const auto count = ::pread(file_, buffer + done, length - done, static_cast<off_t>(offset + done));
+        const auto count
+            = ::pread(file_.number, buffer + done, length - done, static_cast<off_t>(offset + done));
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)

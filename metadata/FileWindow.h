@@ -3,9 +3,9 @@
 #include "base/Bytes.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -35,7 +35,6 @@ public:
 
     /// Opens the file and reads its head. The path must outlive the window. Throws MetadataError.
     explicit FileWindow(const std::filesystem::path& file);
-    ~FileWindow();
     FileWindow(const FileWindow&) = delete;
     FileWindow& operator=(const FileWindow&) = delete;
 
@@ -69,6 +68,15 @@ public:
     std::optional<ByteRange> joined(const std::vector<ByteRange>& ranges);
 
 private:
+    struct Descriptor {
+        explicit Descriptor(const std::filesystem::path& file);
+        ~Descriptor();
+        Descriptor(const Descriptor&) = delete;
+        Descriptor& operator=(const Descriptor&) = delete;
+
+        int number;
+    };
+
     struct Piece {
         std::uint64_t offset;
         std::vector<std::uint8_t> bytes;
@@ -81,8 +89,8 @@ private:
     bool spend(std::uint64_t bytes);
 
     const std::filesystem::path& path_;
-    int file_;
-    std::unique_ptr<std::uint8_t[]> headBytes_;
+    Descriptor file_;
+    std::array<std::uint8_t, headSize> headBytes_;
     Bytes head_;
     std::uint64_t size_ = 0;
     std::uint64_t budget_ = 0;

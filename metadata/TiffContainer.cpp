@@ -48,13 +48,13 @@ private:
             case 0x014a:
                 return takeSubdirectories(entry);
             case 0x02bc:
-                blocks_.xmp = entry.value;
+                blocks_.xmp = block_.range(entry);
                 break;
             case 0x83bb:
-                blocks_.iptc = entry.value;
+                blocks_.iptc = block_.range(entry);
                 break;
             case 0x8649:
-                photoshop_ = entry.value;
+                photoshop_ = block_.range(entry);
                 break;
             default:
                 break;
@@ -148,7 +148,7 @@ MetadataBlocks findInRw2(FileWindow& file, ByteRange area)
                 right = block->integer(entry).value_or(0);
                 break;
             case 0x002e:
-                preview = entry.value;
+                preview = block->range(entry);
                 break;
             default:
                 break;
