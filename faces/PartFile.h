@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/Bytes.h"
+#include "platform/PosixFile.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace korvo {
+
+/// The unfinished form of a file: it stands beside its target, and so on the same file system, with ".part"
+/// behind the name. It goes with this object unless it was installed. It is locked while it is written, by
+/// which the one that a killed process left behind can be told from the one that a living process is writing.
+class PartFile {
+public:
+    /// Begins an empty part file, making the folders above it; nothing when another process is writing it.
+    /// Throws std::system_error.
+    static std::optional<PartFile> begin(const std::filesystem::path& target);
+
+    /// Removes the part file of `target` if no process is writing it.
+    static void removeLeftOver(const std::filesystem::path& target);
+
+    PartFile(PartFile&&) noexcept = default;
+    PartFile& operator=(PartFile&&) = delete;
+    ~PartFile();
+
+    const std::filesystem::path& path() const { return path_; }
+
+    /// Adds to the end. Throws std::system_error.
+    void write(Bytes bytes) const;
+
+    /// Moves the file, safe on the disk, to the target in one step, replacing a file that is there. Throws
+    /// std::system_error; then the target is as it was.
+    void install();
+
+private:
+    PartFile(std::filesystem::path target, std::filesystem::path path, PosixFile file);
+
+    std::filesystem::path target_;
+    std::filesystem::path path_;
+    PosixFile file_; // without one once installed, or moved from
+};
+
+} // namespace korvo
