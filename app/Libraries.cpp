@@ -3,6 +3,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace korvo {
 
@@ -56,7 +57,7 @@ std::unique_ptr<Catalog> openLibrary(
     auto catalog = std::make_unique<Catalog>(folder, clock);
     try {
         remember(catalog->libraryURL(), defaults);
-    } catch (const std::filesystem::filesystem_error&) {
+    } catch (const std::system_error&) {
         // Without a place for preferences the library is only not found by itself at the next start.
     }
     return catalog;

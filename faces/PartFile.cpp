@@ -1,7 +1,8 @@
 #include "faces/PartFile.h"
 
+#include "platform/FileSync.h"
+
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -85,22 +86,12 @@ PartFile::~PartFile()
 
 void PartFile::write(Bytes bytes) const
 {
-    while (!bytes.empty()) {
-        const auto count = ::write(file_.descriptor(), bytes.data(), bytes.size());
-        if (count > 0)
-            bytes = bytes.from(static_cast<std::uint64_t>(count));
-        else if (errno != EINTR)
-            throwFileError("write", path_);
-    }
+    writeAll(file_, path_, bytes);
 }
 
 void PartFile::install()
 {
-    // Without this, a power cut soon after could leave an empty file that counts as installed.
-    if (fsync(file_.descriptor()) != 0)
-        throwFileError("write", path_);
-    if (std::rename(path_.c_str(), target_.c_str()) != 0)
-        throwFileError("replace", target_);
+    moveIntoPlace(path_, target_);
     file_ = {};
 }
 

@@ -15,8 +15,7 @@ public:
     /// The value of a key; nothing when it was never set or cannot be read.
     virtual std::optional<std::string> get(std::string_view key) const = 0;
 
-    /// Replaces the value; after a crash the old or the new one stands. Throws
-    /// std::filesystem::filesystem_error.
+    /// Replaces the value; after a crash the old or the new one stands. Throws std::system_error.
     virtual void set(std::string_view key, std::string_view value) = 0;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Bytes.h"
+
 #include <cerrno>
 #include <filesystem>
 #include <string_view>
@@ -30,6 +32,9 @@ private:
 /// Opens a file with the flags of open(2), closed in the processes we start; without one on failure (see
 /// errno).
 PosixFile openFile(const std::filesystem::path& path, int flags);
+
+/// Writes all the bytes at the file's position; `path` is for the text of the std::system_error it throws.
+void writeAll(const PosixFile& file, const std::filesystem::path& path, Bytes bytes);
 
 /// Throws the std::system_error that tells the user what could not be done to which file, and why:
 /// "Could not write “…/x.part”: No space left on device".

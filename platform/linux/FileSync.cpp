@@ -1,61 +1,38 @@
 #include "platform/FileSync.h"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include "platform/PosixFile.h"
 
-#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
 
 namespace korvo {
 
 namespace {
 
-class Descriptor {
-public:
-    Descriptor(const std::filesystem::path& path, int flags)
-        : path_(path), fd_(::open(path.c_str(), flags | O_CLOEXEC, 0666))
-    {
-        if (fd_ < 0)
-            fail("cannot open");
-    }
-    ~Descriptor() { ::close(fd_); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+PosixFile opened(const std::filesystem::path& path, int flags)
+{
+    auto file = openFile(path, flags);
+    if (!file)
+        throwFileError("open", path);
+    return file;
+}
 
-    void write(std::string_view contents)
-    {
-        while (!contents.empty()) {
-            const auto written = ::write(fd_, contents.data(), contents.size());
-            if (written < 0 && errno == EINTR)
-                continue;
-            if (written < 0)
-                fail("cannot write");
-            contents.remove_prefix(static_cast<std::size_t>(written));
-        }
-    }
-
-    void sync()
-    {
-        if (::fsync(fd_) != 0)
-            fail("cannot flush");
-    }
-
-private:
-    [[noreturn]] void fail(const char* what) const
-    {
-        throw std::filesystem::filesystem_error(what, path_, {errno, std::generic_category()});
-    }
-
-    const std::filesystem::path& path_;
-    int fd_;
-};
+void sync(const std::filesystem::path& path, int flags)
+{
+    if (::fsync(opened(path, flags).descriptor()) != 0)
+        throwFileError("write", path);
+}
 
 } // namespace
 
 void moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to)
 {
-    Descriptor(from, O_RDONLY).sync();
-    std::filesystem::rename(from, to);
-    Descriptor(to.parent_path(), O_RDONLY | O_DIRECTORY).sync();
+    sync(from, O_RDONLY);
+    if (::rename(from.c_str(), to.c_str()) != 0)
+        throwFileError("write", to);
+    sync(to.parent_path(), O_RDONLY | O_DIRECTORY);
 }
 
 void replaceFile(const std::filesystem::path& file, std::string_view contents)
@@ -64,7 +41,7 @@ void replaceFile(const std::filesystem::path& file, std::string_view contents)
     auto unfinished = file;
     unfinished += "." + std::to_string(::getpid()) + ".part";
     try {
-        Descriptor(unfinished, O_WRONLY | O_CREAT | O_TRUNC).write(contents);
+        writeAll(opened(unfinished, O_WRONLY | O_CREAT | O_TRUNC), unfinished, Bytes(contents));
         moveIntoPlace(unfinished, file);
     } catch (...) {
         std::error_code ignored; // the first error is the one to report

@@ -73,7 +73,7 @@ TEST(ModelStore, saysWhatTheFileSystemRefuses)
             "write “{}/models/test.onnx.part”", std::errc::is_a_directory},
         {"a folder where the model belongs",
             [](const auto& root) { std::filesystem::create_directories(root / "models/test.onnx"); },
-            "replace “{}/models/test.onnx”", std::errc::is_a_directory},
+            "write “{}/models/test.onnx”", std::errc::is_a_directory},
     };
     for (const auto& [name, put, action, reason] : cases) {
         SCOPED_TRACE(name);
