@@ -2,6 +2,7 @@
 
 #include "metadata/ExifBlock.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <span>
@@ -71,13 +72,24 @@ void readReference(Reading& reading, const ExifBlock& block, const Entry& entry)
     reading.*Field = block.text(entry);
 }
 
-/// Degrees, minutes and seconds; missing minutes or seconds count as 0.
+/// Degrees, minutes and seconds, of which the last ones may be missing but none undefined. The sign is told
+/// apart.
+std::optional<double> degrees(const ExifBlock& block, const Entry& entry)
+{
+    double sum = 0, unit = 1;
+    for (std::uint32_t i = 0; i < std::min(entry.count, 3U); ++i, unit *= 60) {
+        const auto part = block.number(entry, i);
+        if (!part)
+            return std::nullopt;
+        sum += std::abs(*part) / unit;
+    }
+    return sum;
+}
+
 template <auto Field>
 void readDegrees(Reading& reading, const ExifBlock& block, const Entry& entry)
 {
-    if (const auto degrees = block.number(entry, 0))
-        reading.*Field
-            = *degrees + block.number(entry, 1).value_or(0) / 60 + block.number(entry, 2).value_or(0) / 3600;
+    reading.*Field = degrees(block, entry);
 }
 
 constexpr std::array mainRules{

@@ -14,6 +14,7 @@ namespace korvo {
 namespace {
 
 constexpr std::uint64_t mostRead = 4 * 1024 * 1024;
+constexpr std::uint64_t mostAppended = 4 * 1024 * 1024, leastAppended = 64 * 1024;
 constexpr std::uint64_t readAhead = 256; // for walks over many small headers with much between them
 constexpr std::size_t piecesLookedAt = 16;
 constexpr std::uint64_t firstAppended = std::uint64_t(1) << 62; // far beyond the end of any file
@@ -39,7 +40,8 @@ FileWindow::FileWindow(const std::filesystem::path& file) : path_(file), file_(f
     size_ = head_.size();
     if (struct stat status; size_ == headSize && ::fstat(file_.number, &status) == 0)
         size_ = std::max(size_, static_cast<std::uint64_t>(status.st_size));
-    budget_ = std::min(mostRead, 2 * size_);
+    roomToRead_ = std::min(mostRead, 2 * size_);
+    roomToAppend_ = std::min(mostAppended, leastAppended + 8 * size_);
 }
 
 std::optional<Bytes> FileWindow::viewInPiece(const Piece& piece, std::uint64_t offset, std::uint64_t length)
@@ -63,8 +65,9 @@ std::optional<Bytes> FileWindow::viewBeyondHead(std::uint64_t offset, std::uint6
 bool FileWindow::readPiece(std::uint64_t offset, std::uint64_t length)
 {
     const auto wanted = std::min(std::max(length, readAhead), size_ - offset);
-    if (!spend(wanted))
+    if (wanted > roomToRead_)
         return false;
+    roomToRead_ -= wanted;
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(wanted));
     const auto read = readAt(offset, bytes.data(), bytes.size());
     if (read < length) // the file has become shorter since it was opened
@@ -91,26 +94,22 @@ std::size_t FileWindow::readAt(std::uint64_t offset, std::uint8_t* buffer, std::
     return done;
 }
 
-bool FileWindow::spend(std::uint64_t bytes)
+std::optional<ByteRange> FileWindow::append(std::vector<std::uint8_t> bytes)
 {
-    if (bytes > budget_)
-        return false;
-    budget_ -= bytes;
-    return true;
-}
-
-ByteRange FileWindow::append(std::vector<std::uint8_t> bytes)
-{
+    if (bytes.size() > roomToAppend_)
+        return std::nullopt;
+    roomToAppend_ -= bytes.size();
     const auto offset
         = appended_.empty() ? firstAppended : appended_.back().offset + appended_.back().bytes.size();
     appended_.push_back({offset, std::move(bytes)});
-    return {offset, appended_.back().bytes.size()};
+    return ByteRange{offset, appended_.back().bytes.size()};
 }
 
 std::string_view FileWindow::keep(std::string_view text)
 {
-    append({text.begin(), text.end()});
-    return {reinterpret_cast<const char*>(appended_.back().bytes.data()), text.size()};
+    const auto kept = append({text.begin(), text.end()});
+    const auto bytes = kept ? view(*kept) : std::nullopt;
+    return bytes ? bytes->text() : std::string_view();
 }
 
 std::optional<ByteRange> FileWindow::joined(const std::vector<ByteRange>& ranges)
@@ -119,7 +118,7 @@ std::optional<ByteRange> FileWindow::joined(const std::vector<ByteRange>& ranges
         return ranges.front();
     std::vector<std::uint8_t> all;
     for (const auto& range : ranges) {
-        const auto bytes = spend(range.length) ? view(range) : std::nullopt;
+        const auto bytes = range.length <= roomToAppend_ - all.size() ? view(range) : std::nullopt;
         if (!bytes)
             return std::nullopt;
         all.insert(all.end(), bytes->data(), bytes->data() + bytes->size());

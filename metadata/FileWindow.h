@@ -58,13 +58,17 @@ public:
         return count > range.length ? std::nullopt : view(range.offset, count);
     }
 
-    /// Adds bytes that were unpacked from the file, so that they have a range as well.
-    ByteRange append(std::vector<std::uint8_t> bytes);
+    /// How many bytes may still be appended: a small multiple of what the file has.
+    std::uint64_t roomToAppend() const { return roomToAppend_; }
 
-    /// Adds text that was put together from the file.
+    /// Adds bytes that were unpacked from the file, so that they have a range as well; nothing without room
+    /// for them.
+    std::optional<ByteRange> append(std::vector<std::uint8_t> bytes);
+
+    /// Adds text that was put together from the file; empty without room for it.
     std::string_view keep(std::string_view text);
 
-    /// The ranges one after the other as one; nothing when one of them cannot be viewed.
+    /// The ranges one after the other as one; nothing when one of them cannot be viewed or there is no room.
     std::optional<ByteRange> joined(const std::vector<ByteRange>& ranges);
 
 private:
@@ -86,14 +90,13 @@ private:
     static std::optional<Bytes> viewInPiece(const Piece& piece, std::uint64_t offset, std::uint64_t length);
     bool readPiece(std::uint64_t offset, std::uint64_t length);
     std::size_t readAt(std::uint64_t offset, std::uint8_t* buffer, std::size_t length) const;
-    bool spend(std::uint64_t bytes);
 
     const std::filesystem::path& path_;
     Descriptor file_;
     std::array<std::uint8_t, headSize> headBytes_;
     Bytes head_;
     std::uint64_t size_ = 0;
-    std::uint64_t budget_ = 0;
+    std::uint64_t roomToRead_ = 0, roomToAppend_ = 0;
     std::vector<Piece> pieces_; ///< read beyond the head
     std::vector<Piece> appended_;
 };

@@ -71,8 +71,8 @@ public:
             return takeText(fields_.title, item);
         case captionAbstract:
             return takeText(fields_.caption, item);
-        case byLine:
-            return takeText(fields_.creator, item);
+        case byLine: // of several the first counts, of what should stand once the last
+            return fields_.creator.empty() ? takeText(fields_.creator, item) : void();
         case copyrightNotice:
             return takeText(fields_.copyright, item);
         case keywords:
@@ -97,8 +97,8 @@ private:
 
     void takeText(std::string& field, const Item& item) const
     {
-        if (field.empty())
-            field = decoded(item);
+        if (auto text = decoded(item); !text.empty())
+            field = std::move(text);
     }
 
     bool isUtf8_ = false;

@@ -14,6 +14,7 @@ constexpr std::uint64_t signatureSize = 8, chunkHeaderSize = 8, checksumSize = 4
 constexpr std::uint64_t longestChunkLookedAt
     = 1024 * 1024; // of text; pictures are passed over whatever their size
 constexpr std::uint64_t longestKeyword = 79;
+constexpr int mostTexts = 16; // with metadata in them; unpacking them is work
 
 /// Finds in PNG files (W3C, third edition; ImageMagick's "Raw profile" texts besides).
 class PngFinder {
@@ -59,10 +60,14 @@ private:
             return;
         const auto keyword = start->text().substr(0, start->text().find('\0'));
         const auto rest = data.from(keyword.size() + 1);
-        if (keyword == "XML:com.adobe.xmp" && type == "iTXt")
+        constexpr auto profileMark = "Raw profile type "sv;
+        const bool isXmp = keyword == "XML:com.adobe.xmp" && type == "iTXt";
+        if ((!isXmp && !keyword.starts_with(profileMark)) || ++texts_ > mostTexts)
+            return;
+        if (isXmp)
             blocks_.xmp = internationalText(rest);
-        else if (constexpr auto mark = "Raw profile type "sv; keyword.starts_with(mark))
-            takeProfile(keyword.substr(mark.size()), type, rest);
+        else
+            takeProfile(keyword.substr(profileMark.size()), type, rest);
     }
 
     /// After the keyword: whether and how it is packed, language, translated keyword, text.
@@ -115,11 +120,12 @@ private:
             text.remove_prefix(std::min(text.find_first_not_of(" \n"), text.size()));
             text.remove_prefix(std::min(text.find('\n'), text.size()));
         }
-        return text.empty() ? std::nullopt : std::optional(file_.append(fromHexadecimal(text)));
+        return text.empty() ? std::nullopt : file_.append(fromHexadecimal(text));
     }
 
     FileWindow& file_;
     MetadataBlocks blocks_;
+    int texts_ = 0;
 };
 
 } // namespace

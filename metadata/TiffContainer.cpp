@@ -12,7 +12,7 @@ namespace {
 
 using Entry = ExifBlock::Entry;
 
-constexpr std::size_t mostPictures = 16;
+constexpr std::uint32_t mostPictures = 16;
 constexpr std::uint32_t fullPicture = 0, reducedPicture = 1;
 
 /// One of the pictures of a TIFF or raw file: the photo, its thumbnail, a preview.
@@ -64,7 +64,8 @@ private:
 
     void takeSubdirectories(const Entry& entry)
     {
-        for (std::uint32_t i = 0; i < entry.count && subdirectories_.size() < mostPictures; ++i)
+        for (std::uint32_t i = 0;
+             i < entry.count && i < mostPictures && subdirectories_.size() < mostPictures; ++i)
             if (const auto directory = block_.integer(entry, i))
                 subdirectories_.push_back(*directory);
     }
@@ -122,43 +123,6 @@ MetadataBlocks findInTiff(FileWindow& file, ByteRange area)
 {
     const auto block = ExifBlock::open(file, area);
     return block ? TiffFinder(file, area, *block).find() : MetadataBlocks();
-}
-
-/// Panasonic's and Leica's raw files: the borders of the picture on the sensor, and a preview with facts of
-/// its own.
-MetadataBlocks findInRw2(FileWindow& file, ByteRange area)
-{
-    auto blocks = findInTiff(file, area);
-    const auto block = ExifBlock::open(file, area);
-    std::uint32_t top = 0, left = 0, bottom = 0, right = 0;
-    std::optional<ByteRange> preview;
-    if (block)
-        block->forEachEntry(block->firstDirectory(), [&](const Entry& entry) {
-            switch (entry.tag) {
-            case 0x0004:
-                top = block->integer(entry).value_or(0);
-                break;
-            case 0x0005:
-                left = block->integer(entry).value_or(0);
-                break;
-            case 0x0006:
-                bottom = block->integer(entry).value_or(0);
-                break;
-            case 0x0007:
-                right = block->integer(entry).value_or(0);
-                break;
-            case 0x002e:
-                preview = block->range(entry);
-                break;
-            default:
-                break;
-            }
-        });
-    if (right > left && bottom > top)
-        blocks.size = {right - left, bottom - top};
-    if (preview)
-        blocks.previewExif = findInJpeg(file, *preview).exif;
-    return blocks;
 }
 
 } // namespace korvo

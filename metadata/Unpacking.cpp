@@ -6,8 +6,6 @@ namespace korvo {
 
 namespace {
 
-constexpr std::size_t mostInflated = 1024 * 1024;
-
 int hexadecimalDigit(char c)
 {
     if (c >= '0' && c <= '9')
@@ -17,12 +15,12 @@ int hexadecimalDigit(char c)
 }
 
 /// Inflates into a buffer that grows with what comes out; whether all came out.
-bool inflateInto(std::vector<std::uint8_t>& out, z_stream& stream)
+bool inflateInto(std::vector<std::uint8_t>& out, z_stream& stream, std::size_t most)
 {
     int result = Z_OK;
-    while (result == Z_OK && out.size() < mostInflated) {
+    while (result == Z_OK && out.size() < most) {
         const auto done = out.size();
-        const auto room = std::min(std::max<std::size_t>(4096, done), mostInflated - done);
+        const auto room = std::min(std::max<std::size_t>(4096, done), most - done);
         out.resize(done + room);
         stream.next_out = out.data() + done;
         stream.avail_out = static_cast<uInt>(room);
@@ -43,9 +41,9 @@ std::optional<ByteRange> inflated(FileWindow& file, ByteRange packed)
     stream.next_in = const_cast<Bytef*>(bytes->data());
     stream.avail_in = static_cast<uInt>(bytes->size());
     std::vector<std::uint8_t> out;
-    const bool whole = inflateInto(out, stream);
+    const bool whole = inflateInto(out, stream, file.roomToAppend());
     ::inflateEnd(&stream);
-    return whole ? std::optional(file.append(std::move(out))) : std::nullopt;
+    return whole ? file.append(std::move(out)) : std::nullopt;
 }
 
 std::vector<std::uint8_t> fromHexadecimal(std::string_view text)

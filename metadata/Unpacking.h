@@ -7,7 +7,7 @@
 
 namespace korvo {
 
-/// What zlib packed, at most 1 MiB of it; nothing when it is damaged or longer.
+/// What zlib packed; nothing when it is damaged or too long for the window.
 std::optional<ByteRange> inflated(FileWindow& file, ByteRange packed);
 
 /// The bytes that pairs of hexadecimal digits stand for; anything between the digits is passed over.

@@ -1,5 +1,6 @@
 #include "metadata/Xmp.h"
 
+#include "base/Text.h"
 #include "metadata/ForeignText.h"
 #include "metadata/Keywords.h"
 
@@ -35,19 +36,33 @@ Namespace namespaceOf(std::string_view uri)
 
 /// The namespace prefixes in force at a place of the document, innermost last.
 class Prefixes {
-public:
-    /// Adds those that an element declares.
-    void enter(pugi::xml_node element)
-    {
-        constexpr std::string_view declaration = "xmlns:";
-        for (const auto attribute : element.attributes())
-            if (const std::string_view name = attribute.name(); name.starts_with(declaration))
-                if (prefixes_.size() < most)
-                    prefixes_.push_back({name.substr(declaration.size()), namespaceOf(attribute.value())});
-    }
+    struct Prefix {
+        std::string_view prefix;
+        Namespace space = Namespace::other;
+    };
 
-    std::size_t count() const { return prefixes_.size(); }
-    void leaveTo(std::size_t count) { prefixes_.resize(count); }
+public:
+    /// Those that an element declares, in force as long as this lives.
+    class Scope {
+    public:
+        Scope(Prefixes& prefixes, pugi::xml_node element)
+            : prefixes_(prefixes.prefixes_), outerCount_(prefixes_.size())
+        {
+            constexpr std::string_view declaration = "xmlns:";
+            for (const auto attribute : element.attributes())
+                if (const std::string_view name = attribute.name(); name.starts_with(declaration))
+                    if (prefixes_.size() < most)
+                        prefixes_.push_back(
+                            {name.substr(declaration.size()), namespaceOf(attribute.value())});
+        }
+        ~Scope() { prefixes_.resize(outerCount_); }
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+
+    private:
+        std::vector<Prefix>& prefixes_;
+        std::size_t outerCount_;
+    };
 
     Name resolved(std::string_view name) const
     {
@@ -61,11 +76,6 @@ public:
     }
 
 private:
-    struct Prefix {
-        std::string_view prefix;
-        Namespace space = Namespace::other;
-    };
-
     static constexpr std::size_t most = 100;
     std::vector<Prefix> prefixes_;
 };
@@ -87,7 +97,7 @@ struct ListEntry {
 
 bool isDefault(const ListEntry& entry)
 {
-    return entry.language == "x-default";
+    return compareNoCase(entry.language, "x-default") == 0;
 }
 
 /// The entry in the default language, else the first that holds anything.
@@ -117,13 +127,11 @@ private:
         for (const auto element : parent.children()) {
             if (element.type() != pugi::node_element)
                 continue;
-            const auto outer = prefixes_.count();
-            prefixes_.enter(element);
+            const Prefixes::Scope scope(prefixes_, element);
             if (prefixes_.resolved(element.name()) == Name{Namespace::rdf, "Description"})
                 takeDescription(element);
             else if (depth < deepest)
                 visit(element, depth + 1);
-            prefixes_.leaveTo(outer);
         }
     }
 
@@ -133,11 +141,9 @@ private:
             if (const auto name = prefixes_.resolved(attribute.name()); isWanted(name))
                 takeProperty(name, {{fromUnknownEncoding(attribute.value()), {}}});
         for (const auto property : description.children()) {
-            const auto outer = prefixes_.count();
-            prefixes_.enter(property);
+            const Prefixes::Scope scope(prefixes_, property);
             if (const auto name = prefixes_.resolved(property.name()); isWanted(name))
                 takeProperty(name, entriesOf(property));
-            prefixes_.leaveTo(outer);
         }
     }
 
@@ -151,8 +157,9 @@ private:
         if (name == Name{Namespace::dublinCore, "subject"} && fields_.keywords.empty())
             fields_.keywords = keywordsOf(std::move(entries));
         for (const auto& [property, field] : textProperties)
-            if (name == property && (fields_.*field).empty())
-                fields_.*field = chosenText(entries);
+            if (name == property)
+                if (auto text = chosenText(entries); !text.empty())
+                    fields_.*field = std::move(text);
     }
 
     static std::vector<std::string> keywordsOf(std::vector<ListEntry> entries)
@@ -168,17 +175,24 @@ private:
     {
         std::vector<ListEntry> entries;
         for (const auto container : property.children()) {
-            const auto outer = prefixes_.count();
-            prefixes_.enter(container);
+            const Prefixes::Scope scope(prefixes_, container);
             if (prefixes_.resolved(container.name()).space == Namespace::rdf)
                 for (const auto item : container.children())
                     if (item.type() == pugi::node_element)
-                        entries.push_back({textOf(item), item.attribute("xml:lang").value()});
-            prefixes_.leaveTo(outer);
+                        entries.push_back({valueOf(item), item.attribute("xml:lang").value()});
         }
         if (entries.empty())
-            entries.push_back({textOf(property), {}});
+            entries.push_back({valueOf(property), {}});
         return entries;
+    }
+
+    /// The text of an element, which stands one level lower when something is said about it.
+    std::string valueOf(pugi::xml_node element)
+    {
+        for (const auto child : element.children())
+            if (prefixes_.resolved(child.name()) == Name{Namespace::rdf, "value"})
+                return textOf(child);
+        return textOf(element);
     }
 
     struct TextProperty {
