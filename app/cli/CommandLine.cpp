@@ -316,11 +316,13 @@ void addGlobalOptions(Parser& parser)
     app.get_formatter()->column_width(36);
 }
 
-/// The innermost command that the arguments named.
-const CLI::App* named(const CLI::App* app)
+/// What is wrong with the call, in a sentence.
+std::string reason(const CLI::App& app, const CLI::ParseError& error)
 {
-    const auto chosen = app->get_subcommands();
-    return chosen.empty() ? app : named(chosen.front());
+    const auto unknown = app.remaining();
+    if (app.get_subcommands().empty() && !unknown.empty() && !unknown.front().starts_with('-'))
+        return "no command \"" + unknown.front() + "\"";
+    return error.what();
 }
 
 } // namespace
@@ -341,7 +343,7 @@ ParseResult parseCommandLine(int argc, char** argv)
         parser->app.exit(asked);
         return {};
     } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "korvo: %s\n%s", error.what(), named(&parser->app)->help().c_str());
+        std::fprintf(stderr, "korvo: %s\n%s", reason(parser->app, error).c_str(), parser->app.help().c_str());
         return {std::nullopt, ExitCode::usage};
     }
     return {ParsedCommand{parser->options, parser->chosen}, ExitCode::done};

@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <cstdio>
+#include <stdexcept>
 
 int main(int argc, char** argv)
 {
@@ -18,7 +19,10 @@ int main(int argc, char** argv)
     const SystemClock clock;
     Context context(parsed.command->options, defaults, clock, interrupt.token());
     try {
-        return static_cast<int>(parsed.command->run(context));
+        const auto code = parsed.command->run(context);
+        if (std::fflush(stdout) != 0 || std::ferror(stdout))
+            throw std::runtime_error("the output could not be written");
+        return static_cast<int>(code);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "korvo: %s\n", error.what());
         return static_cast<int>(ExitCode::nothing);

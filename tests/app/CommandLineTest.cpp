@@ -1,0 +1,185 @@
+#include "base/Json.h"
+#include "catalog/PhotoItem.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace korvo {
+
+namespace {
+
+struct Outcome {
+    int exitCode;
+    std::string out;
+    std::string err;
+};
+
+/// The program with preferences of its own, and the library in which the test's photos are.
+class CommandLine : public ::testing::Test {
+protected:
+    CommandLine()
+    {
+        for (const char* name : {"a.jpg", "b.jpg", "c.mov"})
+            folder.write(std::string("photos/") + name, "x");
+        run("create " + (folder / "Library").string());
+        run("--quiet add " + (folder / "photos").string());
+    }
+
+    /// Runs "korvo" with arguments as a shell would split them.
+    Outcome run(const std::string& arguments, const std::string& input = {}) const
+    {
+        folder.write("in", input);
+        const auto at = [&](const char* name) { return "'" + (folder / name).string() + "'"; };
+        const int status = std::system(("env -u KORVO_LIBRARY KORVO_CONFIG=" + at("config") + " "
+            + KORVO_PROGRAM + " " + arguments + " <" + at("in") + " >" + at("out") + " 2>" + at("err"))
+                                           .c_str());
+        return {WEXITSTATUS(status), readFile(folder / "out"), readFile(folder / "err")};
+    }
+
+    std::string json(const std::string& arguments) const { return run("--json " + arguments).out; }
+
+    TemporaryFolder folder;
+};
+
+} // namespace
+
+TEST_F(CommandLine, exitCodesAndMessagesSayHowItWent)
+{
+    struct Case {
+        std::string arguments;
+        int exitCode;
+        std::string out, err; // beginnings
+    };
+    for (const auto& [arguments, exitCode, out, err] : {
+             Case{"--version", 0, "korvo ", ""},
+             {"--help", 0, "Korvo keeps", ""},
+             {"rate --help", 0, "give stars", ""},
+             {"", 2, "", "korvo: "},
+             {"develop", 2, "", "korvo: no command \"develop\""},
+             {"rate", 2, "", "korvo: "},
+             {"list --nonsense", 2, "", "korvo: "},
+             {"list --sort colour", 2, "", "korvo: "},
+             {"rate 6 1", 1, "", "korvo: a rating is"},
+             {"rate -1 1", 0, "", ""},
+             {"rate -- -1 1", 0, "", ""},
+             {"rate 3 99", 1, "", "korvo: no photo with the id 99"},
+             {"rate 3 1 99", 3, "", "no photo with the id 99\n1 failed"},
+             {"rate 3 one", 1, "", "korvo: \"one\" is no photo id"},
+             {"label pink 1", 1, "", "korvo: \"pink\" is no label"},
+             {"show 99", 1, "", "korvo: no photo"},
+             {"list --source moon", 1, "", "korvo: no source"},
+             {"edits 1 --set '{\"exposure\":1}'", 1, "", "korvo: "},
+             {"album add 5 1", 1, "", "korvo: no album with the id 5"},
+             {"project create x --parent 5", 1, "", "korvo: no project with the id 5"},
+             {"project delete 5", 1, "", "korvo: no project with the id 5"},
+             {"--library /nowhere list", 1, "", "korvo: no library in /nowhere"},
+             {"add /nowhere", 1, "", "korvo: /nowhere: No such file"},
+         }) {
+        SCOPED_TRACE(arguments);
+        const auto outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, exitCode) << outcome.err;
+        EXPECT_TRUE(outcome.out.starts_with(out)) << outcome.out;
+        EXPECT_TRUE(outcome.err.starts_with(err)) << outcome.err;
+        EXPECT_EQ(outcome.err.empty(), err.empty());
+    }
+    std::filesystem::remove_all(folder / "config");
+    EXPECT_TRUE(run("list").err.starts_with("korvo: no library"));
+}
+
+TEST_F(CommandLine, marksAndDescribesByIdsSourcesAndStandardInput)
+{
+    run("rate 4 1 2");
+    run("flag --source videos");
+    EXPECT_EQ(run("label purple -", "1\n\n 3 \n").exitCode, 0);
+    run("set --title 'A \"title\"' --keywords ' b,a ,,b c' 1");
+    run("set --caption C 1");
+    run(R"(edits 1 --set '{"exposure":0.5,"contrast":1,"saturation":1,"vibrance":0,"temperature":0,"tint":0,"sharpness":0}')");
+    const auto shown = json("show 1");
+    const JsonDocument document(shown);
+    const auto photo = document.root();
+    EXPECT_EQ(photo.member("rating").integer(), 4);
+    EXPECT_EQ(photo.member("label").integer(), 6);
+    EXPECT_EQ(photo.member("path").text(), (folder / "photos/a.jpg").native());
+    EXPECT_EQ(photo.member("metadata").member("title").text(), "A \"title\"");
+    EXPECT_EQ(photo.member("metadata").member("keywords").text(), "b, a, b c");
+    EXPECT_EQ(photo.member("metadata").member("caption").text(), "C");
+    EXPECT_FALSE(photo.member("metadata").member("creator")) << "what is not set is left out";
+    EXPECT_EQ(photo.member("edits").member("exposure").number(), 0.5);
+    EXPECT_TRUE(photo.member("dirty").boolean());
+    EXPECT_FALSE(photo.member("versionOf"));
+    EXPECT_EQ(JsonDocument(json("list --source flagged")).root().member("id").integer(), 3);
+    run("edits 1 --clear");
+    EXPECT_EQ(json("show 1").find("\"edits\""), std::string::npos);
+    run("flag --off 3");
+    EXPECT_EQ(json("list --source flagged"), "");
+}
+
+TEST_F(CommandLine, listsStreamOneObjectALineSortedAndFiltered)
+{
+    run("rate -1 1");
+    run("rate 5 3");
+    const auto ids = [&](const std::string& arguments) {
+        std::string text;
+        const auto lines = json("list " + arguments);
+        for (std::size_t at = 0; at < lines.size(); at = lines.find('\n', at) + 1)
+            text += lines.substr(at + 6, lines.find(',', at) - at - 6);
+        return text;
+    };
+    EXPECT_EQ(ids(""), "123") << "rejected ones too";
+    EXPECT_EQ(ids("--sort rating"), "321");
+    EXPECT_EQ(ids("--filter unratedOrBetter"), "23");
+    EXPECT_EQ(ids("--filter rejected --sort name"), "1");
+    EXPECT_EQ(ids("--source videos"), "3");
+}
+
+TEST_F(CommandLine, buildsTheTree)
+{
+    EXPECT_EQ(json("project create Outer --kind folder"), "{\"id\":1}\n");
+    EXPECT_EQ(run("project create Inner --parent 1").out, "2\n");
+    run("album create Album --parent 2");
+    run("album add 1 3 1");
+    run("album take 1 3");
+    run("project assign 2 1 2");
+    run("project assign none 2");
+    run("keyword create animals");
+    run("keyword create apes --parent 1");
+    run("project rename 2 Renamed");
+    EXPECT_EQ(json("tree"),
+        "{\"folders\":[{\"id\":1,\"path\":\"" + (folder / "photos").string()
+            + "\"}],\"projects\":[{\"id\":1,\"name\":\"Outer\",\"kind\":\"folder\",\"count\":0,\"children\":["
+              "{\"id\":2,"
+              "\"name\":\"Renamed\",\"kind\":\"project\",\"parentID\":1,\"count\":1,\"children\":[]}]}],"
+              "\"albums\":[{\"id\":"
+              "1,\"name\":\"Album\",\"parentID\":2,\"count\":1}],\"smartAlbums\":[],\"keywords\":[{\"id\":1,"
+              "\"name\":"
+              "\"animals\"},{\"id\":2,\"name\":\"apes\",\"parentID\":1}],\"people\":[],\"totals\":{"
+              "\"photos\":3,"
+              "\"withoutAltText\":3,\"dirty\":0,\"outsideProjects\":2}}\n");
+    EXPECT_EQ(run("project gather All").out, "3\n");
+    run("album move 1");
+    run("album delete 1");
+    run("keyword delete 1");
+    run("project delete 3");
+    run("remove 1 2");
+    EXPECT_EQ(run("tree").out.find("project"), std::string::npos);
+    EXPECT_EQ(json("list").find("\"id\":1,"), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(folder / "photos/a.jpg")) << "files stay";
+}
+
+TEST_F(CommandLine, checkFindsWhatIsWrong)
+{
+    EXPECT_EQ(run("check").exitCode, 0);
+    std::filesystem::remove(folder / "photos/a.jpg");
+    const auto found = run("--json check");
+    EXPECT_EQ(found.exitCode, 3);
+    EXPECT_NE(found.out.find("a.jpg: missing"), std::string::npos) << found.out;
+    EXPECT_EQ(json("add " + (folder / "photos").string()),
+        "{\"added\":0,\"known\":2,\"ignored\":0,\"failed\":0}\n");
+}
+
+} // namespace korvo

@@ -1,0 +1,38 @@
+#include "app/Libraries.h"
+#include "platform/FileDefaults.h"
+#include "tests/support/TestLibrary.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+TEST(Libraries, theLastOnesComeFirstAndThoseThatAreGoneAreLeftOut)
+{
+    const TemporaryFolder folder;
+    const ManualClock clock;
+    FileDefaults defaults(folder / "config" / "korvo");
+    EXPECT_FALSE(lastLibrary(defaults));
+    EXPECT_TRUE(recentLibraries(defaults).empty());
+    const std::vector<std::filesystem::path> paths
+        = {folder / "a", folder / "latin\xE9", folder / "new\nline"};
+    for (const auto& path : paths)
+        openLibrary(path, clock, defaults);
+    openLibrary(paths[0], clock, defaults);
+    EXPECT_EQ(recentLibraries(defaults), (std::vector<std::filesystem::path>{paths[0], paths[2], paths[1]}));
+    EXPECT_EQ(lastLibrary(defaults), paths[0]);
+    std::filesystem::remove_all(paths[0]);
+    EXPECT_EQ(recentLibraries(defaults).size(), 2U);
+    EXPECT_FALSE(lastLibrary(defaults));
+    for (int i = 0; i < 12; ++i)
+        openLibrary(folder / std::to_string(i), clock, defaults);
+    EXPECT_EQ(recentLibraries(defaults).size(), 10U);
+}
+
+TEST(Libraries, aLibraryOpensWhereNothingCanBeRemembered)
+{
+    const TemporaryFolder folder;
+    FileDefaults defaults(folder.write("file", "in the way") / "korvo");
+    EXPECT_TRUE(openLibrary(folder / "Library", SystemClock(), defaults));
+}
+
+} // namespace korvo
