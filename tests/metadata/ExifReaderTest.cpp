@@ -6,9 +6,14 @@ namespace korvo {
 
 namespace {
 
+std::filesystem::path fixture(const std::string& name)
+{
+    return std::filesystem::path(KORVO_TEST_DATA) / "metadata" / name;
+}
+
 PhotoExifInfo read(const std::string& name)
 {
-    return readExif(std::filesystem::path(KORVO_TEST_DATA) / "metadata" / name).value_or(PhotoExifInfo());
+    return readExif(fixture(name)).value_or(PhotoExifInfo());
 }
 
 } // namespace
@@ -36,6 +41,48 @@ TEST(ExifReader, showsTheFactsAsPhotographersReadThem)
     EXPECT_NEAR(big.coordinate->longitude, -70.4241, 1e-9);
 }
 
+TEST(ExifReader, readsEveryContainer)
+{
+    struct Case {
+        const char *file, *camera, *size;
+        UnixTime captured;
+        bool hasPosition;
+    };
+    constexpr UnixTime noon = 1714564800; // 2024-05-01 12:00 UTC, the user's zone in this test
+    for (const auto& [file, camera, size, captured, hasPosition] : {
+             Case{"camera.png", "Canon EOS R5", "16 × 12", noon - 7200, true},
+             {"camera.tif", "Canon EOS R5", "16 × 12", noon - 7200, true},
+             {"camera.webp", "Canon EOS R5", "16 × 12", noon - 7200, true},
+             {"camera.heic", "Canon EOS R5", "16 × 12", noon - 7200, true},
+             {"camera.avif", "Canon EOS R5", "16 × 12", noon - 7200, true},
+             {"profiles.png", "Canon EOS R5", "16 × 12", noon, true},
+             {"subdirectory.nef", "NIKON CORPORATION NIKON D850", "6000 × 4000", noon, true},
+             {"olympus.orf", "OLYMPUS IMAGING CORP. E-M1MarkIII", "5184 × 3888", noon, true},
+             {"canon.cr2", "Canon EOS 5D Mark IV", "6720 × 4480", noon, true},
+             {"canon.cr3", "Canon EOS R5", "8192 × 5464", noon, true},
+             {"canon.crw", "Canon EOS 10D", "3072 × 2048", noon, false},
+             {"panasonic.rw2", "Panasonic DC-GH6", "4000 × 3000", noon, true},
+             {"fuji.raf", "FUJIFILM X-T5", "7728 × 5152", noon, true},
+             {"minolta.mrw", "Minolta Co., Ltd. DiMAGE 7Hi", "2560 × 1920", noon, true},
+             {"sigma.x3f", "SIGMA SD10", "2268 × 1512", noon, false},
+             {"tiff-ep.dcr", "Kodak DCS Pro 14n", "", noon, false},
+             {"phone.mov", "Apple iPhone 15", "1920 × 1080", noon, true},
+             {"place.mp4", "", "1920 × 1080", noon, true},
+             {"dated.avi", "", "640 × 480", 1047308683, false},
+             {"titled.gif", "", "16 × 12", 0, false},
+             {"rows-down.bmp", "", "1 × 12", 0, false},
+             {"lossless.webp", "", "16 × 12", 0, false},
+         }) {
+        const auto info = read(file);
+        EXPECT_EQ(info.camera.value_or(""), camera) << file;
+        EXPECT_EQ(info.pixelSize.value_or(""), size) << file;
+        EXPECT_EQ(info.captureTimestamp.value_or(0), captured) << file;
+        EXPECT_EQ(info.coordinate.has_value(), hasPosition) << file;
+        EXPECT_EQ(info.coordinate, readGPS(fixture(file))) << file;
+    }
+    EXPECT_EQ(readExif(fixture("make-fixtures")), std::nullopt);
+}
+
 TEST(ExifReader, leavesOutWhatIsNoValue)
 {
     PhotoExifInfo expected;
@@ -43,6 +90,20 @@ TEST(ExifReader, leavesOutWhatIsNoValue)
     expected.pixelSize = "16 × 12";
     EXPECT_EQ(read("undefined.jpg"), expected);
     EXPECT_EQ(read("no-references.jpg").coordinate, (Coordinate{10.5, 20.25}));
+}
+
+TEST(ExifReader, showsWholeSecondsThirdsAndNoneOfWhatIsNotAboveZero)
+{
+    EXPECT_EQ(read("odd-types.jpg").exposure, "1/3 s");
+    EXPECT_EQ(read("odd-types.jpg").aperture, "ƒ/5.6");
+    EXPECT_EQ(read("odd-types.jpg").isoValue, 25600);
+    EXPECT_EQ(read("odd-types.jpg").focalLength, "36 mm");
+    EXPECT_EQ(read("odd-zeros.jpg").exposure, std::nullopt);
+    EXPECT_EQ(read("odd-zeros.jpg").aperture, "ƒ/0.0");
+    EXPECT_EQ(read("odd-zeros.jpg").focalLength, std::nullopt);
+    EXPECT_EQ(read("odd-zeros.jpg").captureDate, std::nullopt);
+    EXPECT_EQ(read("odd-padded.jpg").camera, "Sony ILCE");
+    EXPECT_EQ(read("odd-padded.jpg").lens, "50mm");
 }
 
 } // namespace korvo
