@@ -43,14 +43,14 @@ TEST(FileWindow, readsNoMoreThanTwiceTheFile)
     const TemporaryFolder folder;
     const auto path = folder.write("photo", numbered(100'000));
     FileWindow file(path);
-    std::uint64_t read = 0;
-    for (std::uint64_t offset = 20'000; offset < 20'100; ++offset)
-        read += file.view(offset, 79'900 - (offset - 20'000) * 700) ? 79'900 - (offset - 20'000) * 700 : 0;
-    EXPECT_GT(read, 0U);
+    int readable = 0;
+    for (std::uint64_t offset = 30'000; offset > 20'000; offset -= 1000)
+        readable += file.view(offset, 60'000) ? 1 : 0;
+    EXPECT_EQ(readable, 3);
     std::vector<std::uint8_t> large(500'000);
     EXPECT_TRUE(file.append(large));
     EXPECT_FALSE(file.append(large));
-    EXPECT_TRUE(file.view(10, 100)) << "what was read stays";
+    EXPECT_TRUE(file.view(30'000, 60'000)) << "what was read stays";
 }
 
 TEST(FileWindow, joinsRangesAndKeepsThem)
