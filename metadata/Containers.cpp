@@ -33,16 +33,7 @@ constexpr std::array containers{
     Container{"\0MRM"sv, 0, findInMrw},
     Container{"HEAPCCDR"sv, 6, findInCrw},
     Container{"FOVb"sv, 0, findInX3f},
-    Container{"ftypheic"sv, 4, findInHeif},
-    Container{"ftypheix"sv, 4, findInHeif},
-    Container{"ftypheim"sv, 4, findInHeif},
-    Container{"ftypheis"sv, 4, findInHeif},
-    Container{"ftyphevc"sv, 4, findInHeif},
-    Container{"ftypmif1"sv, 4, findInHeif},
-    Container{"ftypmsf1"sv, 4, findInHeif},
-    Container{"ftypavif"sv, 4, findInHeif},
-    Container{"ftypavis"sv, 4, findInHeif},
-    Container{"ftyp"sv, 4, findInMovie}, // whatever other brand
+    Container{"ftyp"sv, 4, findInIsoFile},
     Container{"moov"sv, 4, findInMovie}, // QuickTime before it had brands
     Container{"mdat"sv, 4, findInMovie},
     Container{"wide"sv, 4, findInMovie},

@@ -16,6 +16,7 @@ MetadataBlocks findInBmp(FileWindow& file, ByteRange area);
 MetadataBlocks findInCrw(FileWindow& file, ByteRange area);
 MetadataBlocks findInGif(FileWindow& file, ByteRange area);
 MetadataBlocks findInHeif(FileWindow& file, ByteRange area);
+MetadataBlocks findInIsoFile(FileWindow& file, ByteRange area);
 MetadataBlocks findInJpeg(FileWindow& file, ByteRange area);
 MetadataBlocks findInMovie(FileWindow& file, ByteRange area);
 MetadataBlocks findInMrw(FileWindow& file, ByteRange area);

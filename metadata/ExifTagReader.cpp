@@ -72,8 +72,7 @@ void readReference(Reading& reading, const ExifBlock& block, const Entry& entry)
     reading.*Field = block.text(entry);
 }
 
-/// Degrees, minutes and seconds, of which the last ones may be missing but none undefined. The sign is told
-/// apart.
+/// Degrees, minutes and seconds, of which the last ones may be missing but none undefined.
 std::optional<double> degrees(const ExifBlock& block, const Entry& entry)
 {
     double sum = 0, unit = 1;

@@ -58,8 +58,7 @@ private:
         return std::nullopt;
     }
 
-    /// `length` counts its own two bytes. A payload cut off by the end of the file is taken as far as it
-    /// goes.
+    /// `length` counts its own two bytes. What the end of the file cuts off is taken as far as it goes.
     ByteRange takePayload(std::uint64_t length)
     {
         const auto segment = rest_.first(std::max<std::uint64_t>(length, 2));
@@ -71,7 +70,7 @@ private:
     ByteRange rest_;
 };
 
-/// One part of an extended XMP packet (XMP specification, part 3, 1.1.3.1).
+/// One part of an XMP packet that is too long for a segment (Adobe, XMP: Storage in Files, 1.1.3.1).
 struct ExtendedXmpPart {
     static constexpr std::uint64_t guidSize = 32, headerSize = guidSize + 4 + 4;
 
@@ -121,9 +120,7 @@ private:
     void takeExtendedXmp(ByteRange payload)
     {
         using Part = ExtendedXmpPart;
-        const auto header
-            = payload.length < Part::headerSize ? std::nullopt : file_.view(payload.offset, Part::headerSize);
-        if (header)
+        if (const auto header = file_.start(payload, Part::headerSize))
             extendedXmp_.push_back({header->text().substr(0, Part::guidSize),
                 header->bigEndian(Part::guidSize + 4, 4).value_or(0), payload.from(Part::headerSize)});
     }
@@ -157,8 +154,7 @@ private:
 
     bool startsWith(ByteRange payload, std::string_view mark)
     {
-        const auto bytes
-            = payload.length < mark.size() ? std::nullopt : file_.view(payload.offset, mark.size());
+        const auto bytes = file_.start(payload, mark.size());
         return bytes && bytes->text() == mark;
     }
 

@@ -4,7 +4,7 @@
 
 namespace korvo {
 
-/// The IPTC data among Photoshop's image resources (Adobe Photoshop File Formats Specification, "8BIM").
+/// The IPTC data among Photoshop's image resources (Adobe Photoshop File Formats, "8BIM").
 std::optional<ByteRange> findIptcInPhotoshop(FileWindow& file, ByteRange resources);
 
 } // namespace korvo

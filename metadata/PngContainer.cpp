@@ -11,8 +11,7 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::uint64_t signatureSize = 8, chunkHeaderSize = 8, checksumSize = 4;
-constexpr std::uint64_t longestChunkLookedAt
-    = 1024 * 1024; // of text; pictures are passed over whatever their size
+constexpr std::uint64_t longestText = 1024 * 1024;
 constexpr std::uint64_t longestKeyword = 79;
 constexpr int mostTexts = 16; // with metadata in them; unpacking them is work
 
@@ -56,7 +55,7 @@ private:
     void takeText(std::string_view type, ByteRange data)
     {
         const auto start = file_.view(data.first(longestKeyword + 1));
-        if (!start || data.length > longestChunkLookedAt)
+        if (!start || data.length > longestText)
             return;
         const auto keyword = start->text().substr(0, start->text().find('\0'));
         const auto rest = data.from(keyword.size() + 1);
@@ -110,8 +109,7 @@ private:
             block = found;
     }
 
-    /// A profile is written as its name, its length and its bytes in hexadecimal digits, on lines of their
-    /// own.
+    /// A profile stands there as lines with its name, its length and its bytes in hexadecimal digits.
     std::optional<ByteRange> profileBytes(ByteRange range)
     {
         const auto bytes = file_.view(range);

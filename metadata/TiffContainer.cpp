@@ -13,7 +13,7 @@ namespace {
 using Entry = ExifBlock::Entry;
 
 constexpr std::uint32_t mostPictures = 16;
-constexpr std::uint32_t fullPicture = 0, reducedPicture = 1;
+constexpr std::uint32_t fullPicture = 0; // against 1 for a reduced one
 
 /// One of the pictures of a TIFF or raw file: the photo, its thumbnail, a preview.
 struct Picture {
@@ -85,20 +85,19 @@ private:
             pictures_.push_back(picture);
     }
 
-    /// The size of the photo: of the first picture that is said to be the full one, or that is not said to be
-    /// less. Some raw files have only previews in such directories and tell the size among the camera's
+    /// The size of the photo: of the first picture that is said to be the full one, else of the first that is
+    /// not said to be less. Some raw files have only previews here and tell the size among the camera's
     /// facts.
     PixelSize pictureSize() const
     {
-        const auto told = readExifTags(file_, area_).size;
-        if (!told.empty() && tellsSizeInExif())
+        const auto told = tellsSizeInExif() ? readExifTags(file_, area_).size : PixelSize();
+        if (!told.empty())
             return told;
-        for (const std::optional<std::uint32_t> kind :
-            {std::optional(fullPicture), std::optional<std::uint32_t>()})
-            for (const auto& picture : pictures_)
-                if (picture.kind == kind)
-                    return picture.size;
-        return told;
+        for (const auto kind : {std::optional(fullPicture), std::optional<std::uint32_t>()})
+            if (const auto found = std::ranges::find(pictures_, kind, &Picture::kind);
+                found != pictures_.end())
+                return found->size;
+        return readExifTags(file_, area_).size;
     }
 
     /// Canon's CR2 and Phase One's IIQ.
