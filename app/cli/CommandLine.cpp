@@ -302,6 +302,22 @@ void addKeywordCommands(Parser& parser)
         [](Context& context, const TreeArguments& tree) { return deleteKeywordCommand(context, tree.id); });
 }
 
+void addModelCommands(Parser& parser)
+{
+    CLI::App* const model
+        = parser.app.add_subcommand("model", "the face-recognition model")->require_subcommand(1);
+    command<None>(parser, model, "status", "whether it is installed, and where", noArguments,
+        [](Context& context, const None&) { return modelStatusCommand(context); });
+    command<std::string>(
+        parser, model, "fetch", "download, verify and install it",
+        [](CLI::App& sub, std::string& host) {
+            sub.add_option("--host", host, "a mirror, as https://example.org");
+        },
+        [](Context& context, const std::string& host) { return fetchModelCommand(context, host); });
+    command<None>(parser, model, "remove", "remove it", noArguments,
+        [](Context& context, const None&) { return removeModelCommand(context); });
+}
+
 void addGlobalOptions(Parser& parser)
 {
     CLI::App& app = parser.app;
@@ -337,6 +353,7 @@ ParseResult parseCommandLine(int argc, char** argv)
     addProjectCommands(*parser);
     addAlbumCommands(*parser);
     addKeywordCommands(*parser);
+    addModelCommands(*parser);
     try {
         parser->app.parse(argc, argv);
     } catch (const CLI::Success& asked) { // help or version

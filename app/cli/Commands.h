@@ -55,4 +55,9 @@ ExitCode takeFromAlbumCommand(Context& context, std::int64_t album, const PhotoA
 ExitCode createKeywordCommand(Context& context, const std::string& name, ParentID parent);
 ExitCode deleteKeywordCommand(Context& context, std::int64_t keyword);
 
+// Models (ModelCommands.cpp)
+ExitCode modelStatusCommand(Context& context);
+ExitCode fetchModelCommand(Context& context, const std::string& host);
+ExitCode removeModelCommand(Context& context);
+
 } // namespace korvo

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace korvo {
 
 namespace {
@@ -85,15 +87,18 @@ std::string photoJSON(const PhotoItem& item)
 
 std::string photoLine(const PhotoItem& item)
 {
-    std::string marks
-        = item.isRejected() ? "rejected" : std::string(static_cast<std::size_t>(item.rating), '*');
-    if (item.flagged)
-        marks += " flagged";
-    if (item.label != PhotoLabel::none)
-        marks += fmt::format(" {}", name(item.label));
-    if (item.hasEdits())
-        marks += " edited";
-    return fmt::format("{:>8}  {}  {}  {}", item.id, item.path().native(), marks, item.metadata.title.view());
+    std::string line = fmt::format("{:>8}  {}", item.id, item.path().native());
+    const auto add = [&](std::string_view mark) {
+        if (!mark.empty())
+            (line += "  ") += mark;
+    };
+    add(item.isRejected() ? "rejected"
+                          : std::string(static_cast<std::size_t>(std::max(item.rating, 0)), '*'));
+    add(item.flagged ? "flagged" : "");
+    add(item.label == PhotoLabel::none ? std::string_view() : name(item.label));
+    add(item.hasEdits() ? "edited" : "");
+    add(item.metadata.title.view());
+    return line;
 }
 
 std::string photoText(const PhotoItem& item)
