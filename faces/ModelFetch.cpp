@@ -70,8 +70,9 @@ PartFile fetchFile(const ModelFetch& fetch, const ModelFile& file, Downloader& d
     downloader.download({fetch.host + file.source, file.mostBytes, write,
                             [&](const DownloadProgress& at) { progress.at(file, at); }},
         stop);
+    part->sync(); // so that a cancel meanwhile is still in time, and installing is a matter of a moment
     const auto digest = sha256OfFile(part->path(), stop);
-    if (!digest)
+    if (!digest || stop.stop_requested())
         throw DownloadError(DownloadError::Case::cancelled);
     if (*digest != file.sha256)
         throw ModelError(ModelError::Case::checksum, fetch.models.name);

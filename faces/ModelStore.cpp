@@ -53,6 +53,7 @@ void ModelStore::fetch()
     main_.assertCurrent();
     if (state_.which == Case::downloading)
         return;
+    task_.cancel(); // one that was cancelled may still be clearing up
     if (fetch_.isInstalled())
         return set({Case::ready});
     task_ = runInBackground(main_, [this](const Task::Context& context) { runFetch(context); });
@@ -85,7 +86,7 @@ void ModelStore::cancel()
     main_.assertCurrent();
     if (state_.which != Case::downloading)
         return;
-    task_.cancel();
+    task_.requestStop(); // without waiting: to remove a large part file takes its time
     set(found());
 }
 

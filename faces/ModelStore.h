@@ -48,7 +48,8 @@ public:
     /// Starts a download unless one is running or the model is installed.
     void fetch();
 
-    /// Stops a running download; nothing of it stays behind, and it is no failure.
+    /// Stops a running download, which is no failure. Returns at once; what was downloaded is removed in the
+    /// background.
     void cancel();
 
     /// Stops a running download and removes what is installed. Throws std::system_error.

@@ -89,6 +89,12 @@ void PartFile::write(Bytes bytes) const
     writeAll(file_, path_, bytes);
 }
 
+void PartFile::sync() const
+{
+    if (fsync(file_.descriptor()) != 0)
+        throwFileError("write", path_);
+}
+
 void PartFile::install()
 {
     moveIntoPlace(path_, target_);

@@ -29,6 +29,10 @@ public:
     /// Adds to the end. Throws std::system_error.
     void write(Bytes bytes) const;
 
+    /// Waits until all that was written is safe on the disk, which may take seconds. Throws
+    /// std::system_error.
+    void sync() const;
+
     /// Moves the file, safe on the disk, to the target in one step, replacing a file that is there. Throws
     /// std::system_error; then the target is as it was.
     void install();

@@ -71,6 +71,14 @@ void StoreUnderTest::waitForBytes()
     EXPECT_TRUE(main.runUntil([this] { return store->state().progress.received > 0; }));
 }
 
+void StoreUnderTest::waitUntilGone(const std::filesystem::path& file)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::filesystem::exists(file) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
 std::vector<std::string> StoreUnderTest::files() const
 {
     std::vector<std::string> found;

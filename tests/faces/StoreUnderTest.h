@@ -40,6 +40,9 @@ public:
     /// Lets the store work until bytes of a running download have been reported.
     void waitForBytes();
 
+    /// Waits for the background to remove a file.
+    static void waitUntilGone(const std::filesystem::path& file);
+
     /// The files below the root, with the folders.
     std::vector<std::string> files() const;
 

@@ -151,15 +151,15 @@ TEST(CurlDownloader, givesUpOnAConnectionThatDoesNotComeAbout)
 TEST(CurlDownloader, bearsASlowLine)
 {
     Client client;
-    client.settings.silenceTimeout = 400ms;
+    client.settings.silenceTimeout = 1s;
     const HttpServer server([](const std::string&, HttpConnection& connection) {
-        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 24000\r\n\r\n");
-        for (int i = 0; i < 8; ++i)
+        connection.send("HTTP/1.1 200 OK\r\nContent-Length: 36000\r\n\r\n");
+        for (int i = 0; i < 12; ++i)
             connection.pause(100ms) && connection.send(std::string(3000, 'x'));
     });
     const auto outcome = client.download(server.url());
     EXPECT_EQ(outcome.error, std::nullopt) << outcome.text;
-    EXPECT_EQ(outcome.body.size(), 24000U);
+    EXPECT_EQ(outcome.body.size(), 36000U);
 }
 
 TEST(CurlDownloader, tellsItsProgressWithAndWithoutATotal)
