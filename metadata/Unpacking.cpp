@@ -25,7 +25,7 @@ bool inflateInto(std::vector<std::uint8_t>& out, z_stream& stream, std::size_t m
         stream.next_out = out.data() + done;
         stream.avail_out = static_cast<uInt>(room);
         result = ::inflate(&stream, Z_NO_FLUSH);
-        out.resize(out.size() - stream.avail_out);
+        out.resize(done + (room - stream.avail_out));
     }
     return result == Z_STREAM_END;
 }
