@@ -5,15 +5,18 @@
 #include "catalog/LibrarySource.h"
 #include "catalog/MetadataChange.h"
 #include "catalog/PhotoItem.h"
+#include "catalog/Stack.h"
 #include "catalog/Tree.h"
 
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -115,6 +118,33 @@ public:
     std::vector<PhotoItem> photosOfSource(
         const std::optional<LibrarySource>& source, std::span<const PhotoID> ids);
 
+    // Versions (CatalogVersions.cpp)
+    /// Makes a further rendering of the photo's file, with all that the catalog knows of the photo it is made
+    /// from, and its edits unless others are given. Without a name it is "Version " and a number that counts
+    /// the master as the first; after a deletion a number may come again.
+    PhotoID createVersion(PhotoID photo, const std::optional<std::string>& name,
+        const std::optional<PhotoEdits>& edits, UnixTime addedAt);
+    /// The versions of a master, or of the master of a version, oldest first.
+    std::vector<PhotoItem> versions(PhotoID photo);
+    /// How many versions each master has that has any.
+    std::unordered_map<PhotoID, std::int64_t> versionCounts();
+
+    // Stacks (CatalogStacks.cpp). Where an id is a version's, its master is meant. A stack always has two
+    // members or more, and its pick is one of them: one left with a single member is dissolved, and one that
+    // loses its pick takes the member shown next.
+    std::vector<Stack> stacks();
+    /// Gathers photos, in this order, under the pick, which without one is the first. Members leave the
+    /// stacks they were in. Throws std::invalid_argument for fewer than two and for a pick that is none of
+    /// them.
+    std::int64_t createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick);
+    void unstack(std::int64_t id);
+    /// Throws std::invalid_argument when the photo is not in the stack. The members keep their order.
+    void setPick(std::int64_t stack, PhotoID photo);
+    void setStackState(std::int64_t id, StackState state);
+    /// Moves a member before the one at `position`, from 0, or to the end; the others close up. Throws
+    /// std::invalid_argument when the photo is not in the stack.
+    void moveInStack(std::int64_t stack, PhotoID photo, std::size_t position);
+
     // The tree (CatalogTree.cpp)
     LibraryTree tree();
     /// Adding a known folder again yields its id.
@@ -148,6 +178,10 @@ public:
 private:
     std::vector<std::int64_t> withDescendants(std::int64_t project);
     std::string sourceCondition(const LibrarySource& source);
+    std::set<std::int64_t> stacksOf(std::string_view selectStack, std::span<const std::int64_t> ids);
+    void repairStacks(const std::set<std::int64_t>& ids);
+    std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
+    PhotoID memberOf(std::int64_t stack, PhotoID photo);
 
     std::filesystem::path folder_;
     Database database_;

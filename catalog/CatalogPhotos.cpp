@@ -155,8 +155,12 @@ void Catalog::fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize)
 
 void Catalog::deletePhotos(std::span<const PhotoID> ids)
 {
+    Transaction transaction(database_);
+    const auto touched = stacksOf("SELECT stack_id FROM photos WHERE id = ?", ids);
     forEachID(database_, "DELETE FROM photos WHERE id = ?", ids,
         [](Statement& statement, PhotoID id) { statement.bind(id); });
+    repairStacks(touched);
+    transaction.commit();
 }
 
 std::vector<PhotoItem> Catalog::dirtyPhotos()

@@ -1,4 +1,4 @@
-#include "catalog/Catalog.h"
+#include "catalog/ChangeRow.h"
 
 namespace korvo {
 
@@ -13,17 +13,6 @@ auto rowsOf(Database& database, std::string_view sql, Make make)
     while (statement.step())
         rows.push_back(make(statement));
     return rows;
-}
-
-/// Runs a statement that is to change the row of an id. Throws NotFoundError when there is none.
-template <typename... Args>
-void changeOne(
-    Database& database, std::string_view noun, std::int64_t id, std::string_view sql, const Args&... args)
-{
-    const ConnectionLock lock(database.handle());
-    database.run(sql, args...);
-    if (database.changes() == 0)
-        throw NotFoundError(noun, id);
 }
 
 /// Throws NotFoundError when a row that another is about to refer to does not exist.
@@ -135,7 +124,12 @@ std::optional<std::int64_t> Catalog::folderContaining(std::string_view path)
 
 void Catalog::removeFolder(std::int64_t id)
 {
-    changeOne(database_, "folder", id, "DELETE FROM folders WHERE id = ?", id);
+    Transaction transaction(database_);
+    const auto touched
+        = stacksOf("SELECT DISTINCT stack_id FROM photos WHERE folder_id = ?", std::span(&id, 1));
+    changeRow(database_, "folder", id, "DELETE FROM folders WHERE id = ?", id);
+    repairStacks(touched);
+    transaction.commit();
 }
 
 void Catalog::folderMoved(std::int64_t id, std::string_view oldPath, std::string_view newPath)
@@ -181,12 +175,12 @@ std::int64_t Catalog::gatherUnderProject(std::string_view name)
 
 void Catalog::renameProject(std::int64_t id, std::string_view name)
 {
-    changeOne(database_, "project", id, "UPDATE projects SET name = ? WHERE id = ?", name, id);
+    changeRow(database_, "project", id, "UPDATE projects SET name = ? WHERE id = ?", name, id);
 }
 
 void Catalog::deleteProject(std::int64_t id)
 {
-    changeOne(database_, "project", id, "DELETE FROM projects WHERE id = ?", id);
+    changeRow(database_, "project", id, "DELETE FROM projects WHERE id = ?", id);
 }
 
 void Catalog::assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project)
@@ -212,12 +206,12 @@ std::int64_t Catalog::createAlbum(std::string_view name, std::optional<std::int6
 void Catalog::moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject)
 {
     requireProject(database_, parentProject);
-    changeOne(database_, "album", id, "UPDATE albums SET parent_id = ? WHERE id = ?", parentProject, id);
+    changeRow(database_, "album", id, "UPDATE albums SET parent_id = ? WHERE id = ?", parentProject, id);
 }
 
 void Catalog::deleteAlbum(std::int64_t id)
 {
-    changeOne(database_, "album", id, "DELETE FROM albums WHERE id = ?", id);
+    changeRow(database_, "album", id, "DELETE FROM albums WHERE id = ?", id);
 }
 
 void Catalog::addToAlbum(std::int64_t album, std::span<const PhotoID> photos)
@@ -249,7 +243,7 @@ std::int64_t Catalog::createKeyword(std::string_view name, std::optional<std::in
 
 void Catalog::deleteKeyword(std::int64_t id)
 {
-    changeOne(database_, "keyword", id, "DELETE FROM keywords WHERE id = ?", id);
+    changeRow(database_, "keyword", id, "DELETE FROM keywords WHERE id = ?", id);
 }
 
 std::int64_t Catalog::createSmartAlbum(std::string_view name, std::string_view rules)
@@ -259,13 +253,13 @@ std::int64_t Catalog::createSmartAlbum(std::string_view name, std::string_view r
 
 void Catalog::changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules)
 {
-    changeOne(database_, "smart album", id, "UPDATE smart_albums SET name = ?, rules = ? WHERE id = ?", name,
+    changeRow(database_, "smart album", id, "UPDATE smart_albums SET name = ?, rules = ? WHERE id = ?", name,
         rules, id);
 }
 
 void Catalog::deleteSmartAlbum(std::int64_t id)
 {
-    changeOne(database_, "smart album", id, "DELETE FROM smart_albums WHERE id = ?", id);
+    changeRow(database_, "smart album", id, "DELETE FROM smart_albums WHERE id = ?", id);
 }
 
 } // namespace korvo

@@ -40,6 +40,8 @@ void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std
     if (change.table() == "album_items") {
         rows.albums.insert(id); // the first part of its key
         rows.tree = true; // the album's count
+    } else if (change.table() == "stacks") {
+        rows.stacks = true;
     } else if (change.table() != "photos") {
         rows.tree = true;
     } else if (change.operation() == Operation::update) {
@@ -91,6 +93,8 @@ ChangedRows changedRows(Database& database, const Changeset& changes)
     ChangedRows rows;
     for (ChangeIterator change(changes); change.next();)
         note(rows, change, columns);
+    rows.stacks = rows.stacks || rows.photoColumns.contains("stack_id")
+        || rows.photoColumns.contains("stack_position");
     return rows;
 }
 

@@ -36,7 +36,8 @@ struct ChangedRows {
     std::vector<std::int64_t> deleted;
     std::set<std::string, std::less<>> photoColumns; // whose values an update of `photos` changed
     std::set<std::int64_t> albums; // whose members changed
-    bool tree = false; // a folder, project, album, keyword, stack or person changed
+    bool stacks = false; // a stack, its members or their order changed
+    bool tree = false; // a folder, project, album, keyword or person changed
 };
 
 /// Reads what a changeset touches. Throws DatabaseError.

@@ -22,6 +22,14 @@ bool touches(const ChangedRows& rows, const std::array<std::string_view, N>& col
         [&](std::string_view column) { return rows.photoColumns.contains(column); });
 }
 
+/// The ids without repetitions: several members of a collapsed stack are all shown as its pick.
+std::vector<PhotoID> onceEach(std::vector<PhotoID> ids)
+{
+    std::unordered_set<PhotoID> seen;
+    std::erase_if(ids, [&](PhotoID id) { return !seen.insert(id).second; });
+    return ids;
+}
+
 /// Each change another connection commits gives a new number.
 std::int64_t dataVersion(Catalog& catalog)
 {
@@ -33,6 +41,7 @@ std::int64_t dataVersion(Catalog& catalog)
 LibraryStore::LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog)
     : main_(main), catalog_(std::move(catalog)), dataVersion_(dataVersion(*catalog_))
 {
+    list_.setStacks(catalog_->stacks());
     list_.assign(catalog_->photos(source_));
 }
 
@@ -148,6 +157,7 @@ void LibraryStore::reload()
 {
     main_.assertCurrent();
     const auto first = firstSelectedPosition();
+    list_.setStacks(catalog_->stacks());
     list_.assign(catalog_->photos(source_));
     tree_.reset();
     changed.emit({.photos = {}, .list = true, .tree = true, .selection = repairSelection(first)});
@@ -171,6 +181,10 @@ void LibraryStore::publish(const ChangedRows& rows, std::span<const PhotoID> sel
         tree_.reset();
     const auto first = firstSelectedPosition();
     change.list = updateList(rows);
+    if (rows.stacks) {
+        list_.setStacks(catalog_->stacks());
+        change.list = true;
+    }
     const auto before = selection_;
     if (!select.empty())
         selection_.assign(select.begin(), select.end());
@@ -227,11 +241,11 @@ std::optional<std::size_t> LibraryStore::firstSelectedPosition() const
 bool LibraryStore::repairSelection(std::optional<std::size_t> firstPosition)
 {
     const auto before = selection_;
-    const auto& filter = list_.filter();
-    std::erase_if(selection_, [&](PhotoID id) {
-        const PhotoItem* const item = list_.find(id);
-        return !item || (filter && !passes(*item, *filter));
-    });
+    std::vector<PhotoID> kept;
+    for (const PhotoID id : selection_)
+        if (const auto shownID = list_.shownFor(id))
+            kept.push_back(*shownID);
+    selection_ = onceEach(std::move(kept));
     const auto& shown = list_.shown();
     if (selection_.empty() && firstPosition && !shown.empty())
         selection_ = {list_.items()[shown[std::min(*firstPosition, shown.size() - 1)]].id};

@@ -64,6 +64,15 @@ public:
     std::int64_t createKeyword(std::string_view name, std::optional<std::int64_t> parent);
     void deleteKeyword(std::int64_t id);
 
+    // Groups (GroupActions.cpp)
+    PhotoID createVersion(PhotoID photo, const std::optional<std::string>& name,
+        const std::optional<PhotoEdits>& edits, UnixTime addedAt);
+    std::int64_t createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick);
+    void unstack(std::int64_t id);
+    void setPick(std::int64_t stack, PhotoID photo);
+    void setStackState(std::int64_t id, StackState state);
+    void moveInStack(std::int64_t stack, PhotoID photo, std::size_t position);
+
     /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
     /// likes.
     void perform(std::string title, const std::function<void(Catalog&)>& change);
@@ -90,8 +99,9 @@ private:
     void publish(const ChangedRows& rows, std::span<const PhotoID> select = {});
     bool mustReload(const ChangedRows& rows) const;
     bool updateList(const ChangedRows& rows);
-    /// Drops from the selection what is no longer shown; when nothing is left of it, the photo that took the
-    /// place of the first one is selected. Returns whether the selection changed.
+    /// Drops from the selection what is no longer shown, taking the pick for what a collapsed stack hides;
+    /// when nothing is left of it, the photo that took the place of the first one is selected. Returns
+    /// whether the selection changed.
     bool repairSelection(std::optional<std::size_t> firstPosition);
     std::optional<std::size_t> firstSelectedPosition() const;
 

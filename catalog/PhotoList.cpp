@@ -47,7 +47,30 @@ void PhotoList::arrange(std::optional<SortKey> key, std::optional<GridFilter> fi
 {
     sortKey_ = key;
     filter_ = filter;
-    shown_ = gridOrder(items_, sortKey_, filter_);
+    order_ = gridOrder(items_, sortKey_, filter_);
+    arrangeStacks();
+}
+
+void PhotoList::arrangeStacks()
+{
+    auto arrangement = stacks_.arranged(order_, items_);
+    shown_ = std::move(arrangement.shown);
+    hidden_ = std::move(arrangement.hidden);
+}
+
+void PhotoList::setStacks(const std::vector<Stack>& stacks)
+{
+    stacks_ = StackPlaces(stacks);
+    arrangeStacks();
+}
+
+std::optional<PhotoID> PhotoList::shownFor(PhotoID id) const
+{
+    const PhotoItem* const item = find(id);
+    if (!item || (filter_ && !passes(*item, *filter_)))
+        return std::nullopt;
+    const auto hidden = hidden_.find(id);
+    return hidden == hidden_.end() ? id : hidden->second;
 }
 
 bool PhotoList::update(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone)
@@ -79,9 +102,11 @@ bool PhotoList::updateInPlace(std::vector<PhotoItem> changed)
         items_[at] = std::move(item);
     }
     std::sort(moved.begin(), moved.end());
-    if (!moved.empty())
-        updateGridOrder(shown_, items_, moved, sortKey_, filter_);
-    return !moved.empty();
+    if (moved.empty())
+        return false;
+    updateGridOrder(order_, items_, moved, sortKey_, filter_);
+    arrangeStacks();
+    return true;
 }
 
 void PhotoList::rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone)

@@ -2,6 +2,7 @@
 
 #include "catalog/GridOrder.h"
 #include "catalog/PhotoItem.h"
+#include "catalog/StackPlaces.h"
 
 #include <optional>
 #include <span>
@@ -25,7 +26,13 @@ public:
     /// Where the photo stands among the shown ones.
     std::optional<std::size_t> shownPosition(PhotoID id) const;
 
+    /// The photo that the grid shows for this one: itself, or the pick of its collapsed stack; nothing when
+    /// it is not in the list or the filter hides it.
+    std::optional<PhotoID> shownFor(PhotoID id) const;
+
     void assign(std::vector<PhotoItem> items);
+    /// All stacks of the library, whose members stand together or behind their pick.
+    void setStacks(const std::vector<Stack>& stacks);
     void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
 
     /// Takes new values for listed photos, adds others, and drops `gone`. A photo that was not listed goes
@@ -38,10 +45,14 @@ private:
     bool updateInPlace(std::vector<PhotoItem> changed);
     void rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone);
     void index();
+    void arrangeStacks();
 
     std::vector<PhotoItem> items_;
     std::vector<std::uint32_t> byID_; // positions in items_, ascending by id
-    std::vector<std::uint32_t> shown_;
+    std::vector<std::uint32_t> order_; // by sort key and filter alone
+    std::vector<std::uint32_t> shown_; // the same with the stacks in their places
+    std::unordered_map<PhotoID, PhotoID> hidden_; // in collapsed stacks, and who is shown for them
+    StackPlaces stacks_;
     std::optional<SortKey> sortKey_;
     std::optional<GridFilter> filter_ = GridFilter::unratedOrBetter;
 };

@@ -1,56 +1,26 @@
 #include "app/cli/CommandLine.h"
 
 #include "app/cli/Commands.h"
+#include "app/cli/Parser.h"
 #include "base/Text.h"
-
-#include <CLI/CLI.hpp>
 
 #include <cstdio>
 
 namespace korvo {
 
-namespace {
-
-using Run = std::function<ExitCode(Context&)>;
-
-/// The parser, and the command that it comes upon. Arguments live as long as the parser: each command keeps
-/// its own in a shared block that its call reads.
-struct Parser {
-    CLI::App app{
-        "Korvo keeps a library of photos where they lie, and edits them without touching the originals.",
-        "korvo"};
-    GlobalOptions options;
-    Run chosen;
-};
-
-/// A command below `parent`, with its arguments in a block of type T: `define` adds them, `run` is called
-/// with them.
-template <typename T, typename Define>
-void command(Parser& parser, CLI::App* parent, const char* name, const char* description, Define define,
-    ExitCode (*run)(Context&, const T&))
-{
-    auto arguments = std::make_shared<T>();
-    CLI::App* const sub = parent->add_subcommand(name, description);
-    define(*sub, *arguments);
-    sub->callback([&parser, arguments, run] {
-        parser.chosen = [arguments, run](Context& context) { return run(context, *arguments); };
-    });
-}
-
-struct None { };
-constexpr auto noArguments = [](CLI::App&, None&) {};
-
 void addPhotos(CLI::App& sub, PhotoArguments& photos)
 {
     sub.add_option("ID", photos.ids, "photo ids, or - for ids from standard input");
     sub.add_option("--source", photos.source,
-        "all photos of a source: all, folder:ID, album:ID, project:ID, flagged, …");
+        "all photos of a source: all, folder:ID, album:ID, smart:ID, project:ID, flagged, …");
     sub.preparse_callback([&sub](std::size_t) { sub.require_option(0); });
     sub.final_callback([&photos] {
         if (photos.ids.empty() && photos.source.empty())
             throw CLI::RequiredError("ID or --source");
     });
 }
+
+namespace {
 
 void addLibraryCommands(Parser& parser)
 {
@@ -95,7 +65,7 @@ void addReadingCommands(Parser& parser)
         parser, app, "list", "the photos of a source",
         [](CLI::App& sub, ListArguments& list) {
             sub.add_option("--source", list.source,
-                "all, folder:ID, album:ID, project:ID, person:ID, flagged, no-alt, recent, videos");
+                "all, folder:ID, album:ID, smart:ID, project:ID, person:ID, flagged, no-alt, recent, videos");
             sub.add_option("--sort", list.sort, "name, imported, fileDate or rating")
                 ->transform(CLI::Transformer(choices(sortKeyNames, &SortKeyName::key)));
             sub.add_option(
@@ -354,6 +324,7 @@ ParseResult parseCommandLine(int argc, char** argv)
     addAlbumCommands(*parser);
     addKeywordCommands(*parser);
     addModelCommands(*parser);
+    addGroupCommands(*parser);
     try {
         parser->app.parse(argc, argv);
     } catch (const CLI::Success& asked) { // help or version

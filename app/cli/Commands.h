@@ -60,4 +60,14 @@ ExitCode modelStatusCommand(Context& context);
 ExitCode fetchModelCommand(Context& context, const std::string& host);
 ExitCode removeModelCommand(Context& context);
 
+// Versions, stacks and smart albums (GroupCommands.cpp)
+ExitCode createVersionCommand(Context& context, PhotoID photo, const std::optional<std::string>& name);
+ExitCode listVersionsCommand(Context& context, PhotoID photo);
+ExitCode createStackCommand(Context& context, const PhotoArguments& photos, std::optional<PhotoID> pick);
+ExitCode unstackCommand(Context& context, std::int64_t stack);
+ExitCode pickCommand(Context& context, std::int64_t stack, PhotoID photo);
+ExitCode stackStateCommand(Context& context, std::int64_t stack, StackState state);
+ExitCode moveInStackCommand(Context& context, std::int64_t stack, PhotoID photo, std::size_t position);
+ExitCode listStacksCommand(Context& context);
+
 } // namespace korvo

@@ -1,0 +1,101 @@
+#include "app/cli/Commands.h"
+#include "app/cli/Parser.h"
+
+namespace korvo {
+
+namespace {
+
+struct VersionArguments {
+    PhotoID photo = 0;
+    std::optional<std::string> name;
+};
+
+void addVersionCommands(Parser& parser)
+{
+    CLI::App* const version
+        = parser.app.add_subcommand("version", "versions: further renderings of a photo's file")
+              ->require_subcommand(1);
+    command<VersionArguments>(
+        parser, version, "create", "make a version of a photo",
+        [](CLI::App& sub, VersionArguments& arguments) {
+            sub.add_option("ID", arguments.photo, "the photo")->required();
+            sub.add_option("--name", arguments.name, "its name; \"Version 2\" and so on without one");
+        },
+        [](Context& context, const VersionArguments& arguments) {
+            return createVersionCommand(context, arguments.photo, arguments.name);
+        });
+    command<PhotoID>(
+        parser, version, "list", "the versions of a photo, oldest first",
+        [](CLI::App& sub, PhotoID& photo) { sub.add_option("ID", photo, "the photo")->required(); },
+        [](Context& context, const PhotoID& photo) { return listVersionsCommand(context, photo); });
+}
+
+struct StackArguments {
+    std::int64_t stack = 0;
+    PhotoID photo = 0;
+    std::size_t position = 0;
+    std::optional<PhotoID> pick;
+    PhotoArguments photos;
+};
+
+void addStack(CLI::App& sub, StackArguments& arguments)
+{
+    sub.add_option("STACK", arguments.stack, "the stack's id")->required();
+}
+
+void addStackAndPhoto(CLI::App& sub, StackArguments& arguments)
+{
+    addStack(sub, arguments);
+    sub.add_option("ID", arguments.photo, "one of its photos")->required();
+}
+
+void addStackCommands(Parser& parser, CLI::App* stack)
+{
+    command<StackArguments>(
+        parser, stack, "create", "gather photos, in this order, under a pick",
+        [](CLI::App& sub, StackArguments& arguments) {
+            addPhotos(sub, arguments.photos);
+            sub.add_option("--pick", arguments.pick, "the pick; the first photo without one");
+        },
+        [](Context& context, const StackArguments& arguments) {
+            return createStackCommand(context, arguments.photos, arguments.pick);
+        });
+    command<StackArguments>(parser, stack, "unstack", "dissolve a stack; its photos stay", addStack,
+        [](Context& context, const StackArguments& arguments) {
+            return unstackCommand(context, arguments.stack);
+        });
+    command<StackArguments>(parser, stack, "pick", "choose the photo that stands for the stack",
+        addStackAndPhoto, [](Context& context, const StackArguments& arguments) {
+            return pickCommand(context, arguments.stack, arguments.photo);
+        });
+    command<StackArguments>(parser, stack, "collapse", "show the stack's pick only", addStack,
+        [](Context& context, const StackArguments& arguments) {
+            return stackStateCommand(context, arguments.stack, StackState::collapsed);
+        });
+    command<StackArguments>(parser, stack, "expand", "show all photos of the stack", addStack,
+        [](Context& context, const StackArguments& arguments) {
+            return stackStateCommand(context, arguments.stack, StackState::expanded);
+        });
+    command<StackArguments>(
+        parser, stack, "move", "move a photo within its stack",
+        [](CLI::App& sub, StackArguments& arguments) {
+            addStackAndPhoto(sub, arguments);
+            sub.add_option("POSITION", arguments.position, "its new place, from 0; the pick is shown first")
+                ->required();
+        },
+        [](Context& context, const StackArguments& arguments) {
+            return moveInStackCommand(context, arguments.stack, arguments.photo, arguments.position);
+        });
+    command<None>(parser, stack, "list", "all stacks with their photos as shown", noArguments,
+        [](Context& context, const None&) { return listStacksCommand(context); });
+}
+
+} // namespace
+
+void addGroupCommands(Parser& parser)
+{
+    addVersionCommands(parser);
+    addStackCommands(parser, parser.app.add_subcommand("stack", "stacks of photos")->require_subcommand(1));
+}
+
+} // namespace korvo

@@ -1,0 +1,152 @@
+#include "catalog/ChangeRow.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <unordered_set>
+
+namespace korvo {
+
+namespace {
+
+constexpr auto setPlace = "UPDATE photos SET stack_id = ?, stack_position = ? WHERE id = ? OR version_of = ?";
+constexpr auto setPosition = "UPDATE photos SET stack_position = ? WHERE id = ? OR version_of = ?";
+constexpr auto setPickOf = "UPDATE stacks SET pick_photo_id = ? WHERE id = ?";
+
+constexpr auto membersAsShown = R"(SELECT p.id FROM photos p JOIN stacks s ON s.id = p.stack_id
+WHERE p.stack_id = ? AND p.version_of IS NULL
+ORDER BY (p.id = s.pick_photo_id) DESC, p.stack_position, p.filename COLLATE NOCASE, p.id)";
+
+constexpr auto membersInOrder = "SELECT p.id FROM photos p WHERE p.stack_id = ? AND p.version_of IS NULL "
+                                "ORDER BY p.stack_position, p.filename COLLATE NOCASE, p.id";
+
+std::vector<PhotoID> membersOf(Database& database, std::string_view select, std::int64_t stack)
+{
+    std::vector<PhotoID> members;
+    auto statement = database.kept(select);
+    statement.bind(stack);
+    while (statement.step())
+        members.push_back(statement.integer(0));
+    return members;
+}
+
+} // namespace
+
+std::vector<Stack> Catalog::stacks()
+{
+    std::vector<Stack> stacks;
+    auto statement = database_.kept(R"(SELECT s.id, s.pick_photo_id, s.collapsed, p.id
+FROM stacks s JOIN photos p ON p.stack_id = s.id AND p.version_of IS NULL
+ORDER BY s.id, (p.id = s.pick_photo_id) DESC, p.stack_position, p.filename COLLATE NOCASE, p.id)");
+    while (statement.step()) {
+        const auto id = statement.integer(0);
+        if (stacks.empty() || stacks.back().id != id)
+            stacks.push_back({id, statement.integer(1), statement.integer(2) != 0, {}});
+        stacks.back().members.push_back(statement.integer(3));
+    }
+    return stacks;
+}
+
+std::vector<PhotoID> Catalog::mastersOf(std::span<const PhotoID> photos)
+{
+    std::vector<PhotoID> masters;
+    std::unordered_set<PhotoID> seen;
+    for (const PhotoID photo : photos) {
+        const auto master
+            = database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", photo);
+        if (master == 0)
+            throw NotFoundError("photo", photo);
+        if (seen.insert(master).second)
+            masters.push_back(master);
+    }
+    return masters;
+}
+
+std::int64_t Catalog::createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick)
+{
+    Transaction transaction(database_);
+    const auto members = mastersOf(photos);
+    if (members.size() < 2)
+        throw std::invalid_argument("a stack takes two photos or more, each with a file of its own");
+    const auto top = pick ? mastersOf(std::span(&*pick, 1)).front() : members.front();
+    if (std::find(members.begin(), members.end(), top) == members.end())
+        throw std::invalid_argument("the pick of a stack is one of its photos");
+    const auto before = stacksOf("SELECT stack_id FROM photos WHERE id = ?", members);
+    const auto id = database_.insert("INSERT INTO stacks (pick_photo_id, collapsed) VALUES (?, 1)", top);
+    for (std::int64_t position = 0; const PhotoID member : members)
+        database_.run(setPlace, id, position++, member, member);
+    repairStacks(before);
+    transaction.commit();
+    return id;
+}
+
+void Catalog::unstack(std::int64_t id)
+{
+    Transaction transaction(database_);
+    database_.run("UPDATE photos SET stack_id = NULL WHERE stack_id = ?", id);
+    changeRow(database_, "stack", id, "DELETE FROM stacks WHERE id = ?", id);
+    transaction.commit();
+}
+
+PhotoID Catalog::memberOf(std::int64_t stack, PhotoID photo)
+{
+    if (database_.scalar("SELECT COUNT(*) FROM stacks WHERE id = ?", stack) == 0)
+        throw NotFoundError("stack", stack);
+    const auto master = mastersOf(std::span(&photo, 1)).front();
+    if (database_.scalar("SELECT stack_id FROM photos WHERE id = ?", master) != stack)
+        throw std::invalid_argument(
+            "photo " + std::to_string(photo) + " is not in the stack " + std::to_string(stack));
+    return master;
+}
+
+void Catalog::setPick(std::int64_t stack, PhotoID photo)
+{
+    Transaction transaction(database_);
+    const auto pick = memberOf(stack, photo);
+    database_.run(setPickOf, pick, stack);
+    transaction.commit();
+}
+
+void Catalog::setStackState(std::int64_t id, StackState state)
+{
+    changeRow(database_, "stack", id, "UPDATE stacks SET collapsed = ? WHERE id = ?",
+        state == StackState::collapsed, id);
+}
+
+void Catalog::moveInStack(std::int64_t stack, PhotoID photo, std::size_t position)
+{
+    Transaction transaction(database_);
+    const auto member = memberOf(stack, photo);
+    auto members = membersOf(database_, membersInOrder, stack);
+    std::erase(members, member);
+    const auto at = static_cast<std::ptrdiff_t>(std::min(position, members.size()));
+    members.insert(members.begin() + at, member);
+    for (std::int64_t index = 0; const PhotoID id : members)
+        database_.run(setPosition, index++, id, id);
+    transaction.commit();
+}
+
+std::set<std::int64_t> Catalog::stacksOf(std::string_view selectStack, std::span<const std::int64_t> ids)
+{
+    std::set<std::int64_t> stacks;
+    auto statement = database_.kept(selectStack);
+    for (const auto id : ids) {
+        statement.bind(id);
+        while (statement.step())
+            if (const auto stack = statement.optionalInteger(0))
+                stacks.insert(*stack);
+    }
+    return stacks;
+}
+
+void Catalog::repairStacks(const std::set<std::int64_t>& ids)
+{
+    for (const auto id : ids) {
+        const auto members = membersOf(database_, membersAsShown, id);
+        if (members.size() < 2)
+            unstack(id);
+        else
+            database_.run(setPickOf, members.front(), id); // the pick itself, if it is still there
+    }
+}
+
+} // namespace korvo

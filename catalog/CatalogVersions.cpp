@@ -1,0 +1,56 @@
+#include "catalog/Catalog.h"
+
+#include "catalog/PhotoRows.h"
+
+namespace korvo {
+
+PhotoID Catalog::createVersion(PhotoID photo, const std::optional<std::string>& name,
+    const std::optional<PhotoEdits>& edits, UnixTime addedAt)
+{
+    Transaction transaction(database_);
+    const auto master = database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", photo);
+    if (master == 0)
+        throw NotFoundError("photo", photo);
+    const auto count = database_.scalar("SELECT COUNT(*) FROM photos WHERE version_of = ?", master);
+    const auto json = edits ? std::optional(storedEdits(*edits)) : std::nullopt;
+    // What was read from the file comes along too: only masters are read.
+    const auto id = database_.insert(R"(INSERT INTO photos
+    (folder_id, path, filename, added_at, mtime, file_size, rating, flagged,
+     alt_text, title, caption, keywords, creator, copyright, edits, label,
+     version_of, version_name, stack_id, stack_position, project_id,
+     camera, lens, iso, focal_length, aperture, shutter, exif_read, capture_date, capture_read,
+     people, latitude, longitude, gps_read, place)
+SELECT folder_id, path, filename, ?, mtime, file_size, rating, flagged,
+     alt_text, title, caption, keywords, creator, copyright,
+     COALESCE(?, edits), label, ?, ?, stack_id, stack_position, project_id,
+     camera, lens, iso, focal_length, aperture, shutter, exif_read, capture_date, capture_read,
+     people, latitude, longitude, gps_read, place
+FROM photos WHERE id = ?)",
+        addedAt, json, master, name.value_or("Version " + std::to_string(count + 2)), photo);
+    transaction.commit();
+    return id;
+}
+
+std::vector<PhotoItem> Catalog::versions(PhotoID photo)
+{
+    std::vector<PhotoItem> items;
+    auto statement = database_.kept("SELECT * FROM photos WHERE version_of = "
+                                    "(SELECT COALESCE(version_of, id) FROM photos WHERE id = ?) ORDER BY id");
+    statement.bind(photo);
+    PhotoRows rows(statement);
+    while (statement.step())
+        items.push_back(rows.item());
+    return items;
+}
+
+std::unordered_map<PhotoID, std::int64_t> Catalog::versionCounts()
+{
+    std::unordered_map<PhotoID, std::int64_t> counts;
+    auto statement = database_.kept("SELECT version_of AS m, COUNT(*) AS n FROM photos "
+                                    "WHERE version_of IS NOT NULL GROUP BY version_of");
+    while (statement.step())
+        counts.emplace(statement.integer(0), statement.integer(1));
+    return counts;
+}
+
+} // namespace korvo

@@ -1,0 +1,44 @@
+// What the user does to versions, stacks and smart albums, under the titles of the Edit menu.
+
+#include "catalog/LibraryStore.h"
+
+namespace korvo {
+
+PhotoID LibraryStore::createVersion(PhotoID photo, const std::optional<std::string>& name,
+    const std::optional<PhotoEdits>& edits, UnixTime addedAt)
+{
+    PhotoID id = 0;
+    perform(
+        "New Version", [&](Catalog& catalog) { id = catalog.createVersion(photo, name, edits, addedAt); });
+    return id;
+}
+
+std::int64_t LibraryStore::createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick)
+{
+    std::int64_t id = 0;
+    perform("Stack", [&](Catalog& catalog) { id = catalog.createStack(photos, pick); });
+    return id;
+}
+
+void LibraryStore::unstack(std::int64_t id)
+{
+    perform("Unstack", [&](Catalog& catalog) { catalog.unstack(id); });
+}
+
+void LibraryStore::setPick(std::int64_t stack, PhotoID photo)
+{
+    perform("Set Pick", [&](Catalog& catalog) { catalog.setPick(stack, photo); });
+}
+
+void LibraryStore::setStackState(std::int64_t id, StackState state)
+{
+    perform(state == StackState::collapsed ? "Collapse Stack" : "Expand Stack",
+        [&](Catalog& catalog) { catalog.setStackState(id, state); });
+}
+
+void LibraryStore::moveInStack(std::int64_t stack, PhotoID photo, std::size_t position)
+{
+    perform("Move in Stack", [&](Catalog& catalog) { catalog.moveInStack(stack, photo, position); });
+}
+
+} // namespace korvo

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "catalog/Stack.h"
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace korvo {
+
+/// Where the members of the stacks stand in the grid: together, in their stack's order, where the first of
+/// them that is shown would stand by itself. Of a collapsed stack that first one is shown alone: its pick, or
+/// where the source or the filter leaves the pick out, the next member, so that no photo is out of reach.
+/// Versions, which only albums list, are shown as they are.
+class StackPlaces {
+public:
+    StackPlaces() = default;
+    explicit StackPlaces(const std::vector<Stack>& stacks);
+
+    struct Arrangement {
+        std::vector<std::uint32_t> shown; // positions in the items
+        std::unordered_map<PhotoID, PhotoID> hidden; // members of collapsed stacks, and who stands for them
+    };
+
+    /// Brings the stacks into an order of positions in `items`.
+    Arrangement arranged(const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const;
+
+private:
+    struct Place {
+        std::int64_t stack;
+        std::size_t rank; // 0 is the pick
+        bool collapsed;
+    };
+    struct ShownMember {
+        Place place;
+        std::uint32_t position; // in the items
+    };
+
+    std::vector<ShownMember> membersIn(
+        const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const;
+
+    std::unordered_map<PhotoID, Place> places_;
+};
+
+} // namespace korvo

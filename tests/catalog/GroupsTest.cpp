@@ -1,0 +1,188 @@
+#include "catalog/LibraryStore.h"
+#include "tests/support/ManualMainThread.h"
+#include "tests/support/TestLibrary.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace korvo {
+
+namespace {
+
+using IDs = std::vector<PhotoID>;
+
+struct Photos : TestLibrary {
+    explicit Photos(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            photo(std::string(1, static_cast<char>('a' + i)) + ".jpg");
+    }
+
+    PhotoID newVersion(PhotoID of) { return catalog->createVersion(of, std::nullopt, std::nullopt, 5); }
+    IDs members(std::size_t stack = 0) const { return catalog->stacks().at(stack).members; }
+};
+
+struct Grid : Photos {
+    explicit Grid(int count) : Photos(count), store(main, std::move(catalog)) { }
+
+    IDs shown() const
+    {
+        IDs ids;
+        for (const auto position : store.list().shown())
+            ids.push_back(store.list().items()[position].id);
+        return ids;
+    }
+
+    ManualMainThread main;
+    LibraryStore store;
+};
+
+} // namespace
+
+TEST(Versions, areNumberedByTheirCountAndBelongToTheMaster)
+{
+    Photos t(1);
+    EXPECT_EQ(t.item(t.newVersion(1)).versionName, "Version 2");
+    const auto third = t.newVersion(2);
+    EXPECT_EQ(t.item(third).versionName, "Version 3");
+    EXPECT_EQ(*t.item(third).versionOf, 1);
+    EXPECT_EQ(t.item(t.newVersion(1)).versionName, "Version 4");
+    t.catalog->deletePhotos(only(2));
+    EXPECT_EQ(t.item(t.newVersion(1)).versionName, "Version 4") << "by the count alone";
+    const auto named = t.catalog->createVersion(1, "Print", std::nullopt, 5);
+    EXPECT_EQ(t.item(named).versionName, "Print");
+    EXPECT_EQ(t.catalog->versions(third).back().id, named);
+    EXPECT_EQ(t.catalog->versionCounts(), (std::unordered_map<PhotoID, std::int64_t>{{1, 4}}));
+    EXPECT_THROW(t.newVersion(99), NotFoundError);
+    t.catalog->deletePhotos(only(1));
+    EXPECT_TRUE(t.catalog->versions(1).empty());
+    EXPECT_FALSE(t.catalog->contains(named));
+}
+
+TEST(Versions, startAsTheirPhotoStandsAndThenGoTheirOwnWay)
+{
+    Photos t(1);
+    PhotoEdits edits;
+    edits.exposure = 0.5;
+    t.catalog->setRating(only(1), 4);
+    t.catalog->saveEdits(only(1), edits);
+    t.catalog->storeCameraData(1, {.camera = "Cam", .lens = "Lens", .iso = 100, .captureDate = 7.0});
+    t.catalog->assignToProject(only(1), t.catalog->createProject("p", "project", std::nullopt));
+    const auto version = t.newVersion(1);
+    auto expected = t.item(1);
+    expected.id = version;
+    expected.versionOf = 1;
+    expected.versionName = "Version 2";
+    expected.addedAt = 5;
+    EXPECT_EQ(t.item(version), expected);
+
+    const auto plain = t.catalog->createVersion(version, std::nullopt, PhotoEdits(), 5);
+    EXPECT_FALSE(t.item(plain).hasEdits());
+    t.catalog->setRating(only(version), 1);
+    EXPECT_EQ(t.item(1).rating, 4);
+    t.catalog->storeCameraData(1, {.camera = "Other", .lens = {}});
+    EXPECT_EQ(t.item(plain).camera, "Other");
+}
+
+TEST(Stacks, standInTheOrderOfPickPositionAndName)
+{
+    Photos t(4);
+    const auto version = t.newVersion(3);
+    const auto stack = t.catalog->createStack(IDs{4, version, 1}, 1);
+    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{stack, 1, true, {1, 4, 3}}}));
+    EXPECT_EQ(*t.item(version).stackID, stack) << "versions go with their master";
+    t.catalog->setPick(stack, version);
+    EXPECT_EQ(t.members(), (IDs{3, 4, 1}));
+    t.catalog->setPick(stack, 4);
+    t.catalog->moveInStack(stack, 1, 0);
+    EXPECT_EQ(t.members(), (IDs{4, 1, 3}));
+    t.catalog->moveInStack(stack, 1, 99);
+    EXPECT_EQ(t.members(), (IDs{4, 3, 1}));
+    t.catalog->setStackState(stack, StackState::expanded);
+    EXPECT_FALSE(t.catalog->stacks().front().collapsed);
+    t.catalog->unstack(stack);
+    EXPECT_TRUE(t.catalog->stacks().empty());
+    for (const auto id : {PhotoID(1), PhotoID(3), PhotoID(4), version})
+        EXPECT_FALSE(t.item(id).stackID);
+}
+
+TEST(Stacks, refuseWhatIsNoStack)
+{
+    Photos t(3);
+    const auto version = t.newVersion(1);
+    EXPECT_THROW(t.catalog->createStack(IDs{1, version, 1}, std::nullopt), std::invalid_argument);
+    EXPECT_THROW(t.catalog->createStack(IDs{1, 2}, 3), std::invalid_argument);
+    EXPECT_THROW(t.catalog->createStack(IDs{1, 99}, std::nullopt), NotFoundError);
+    const auto stack = t.catalog->createStack(IDs{1, 2}, std::nullopt);
+    EXPECT_THROW(t.catalog->setPick(stack, 3), std::invalid_argument);
+    EXPECT_THROW(t.catalog->moveInStack(stack, 3, 0), std::invalid_argument);
+    for (const auto& change : std::vector<std::function<void()>>{[&] { t.catalog->unstack(99); },
+             [&] { t.catalog->setPick(99, 1); }, [&] { t.catalog->setStackState(99, StackState::expanded); }})
+        EXPECT_THROW(change(), NotFoundError);
+    EXPECT_EQ(t.members(), (IDs{1, 2})) << "as it was";
+}
+
+TEST(Stacks, staySoundWhenMembersGo)
+{
+    Photos t(7);
+    const auto first = t.catalog->createStack(IDs{1, 2, 3}, 2);
+    t.catalog->deletePhotos(only(2));
+    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{first, 1, true, {1, 3}}})) << "the next is the pick";
+    t.catalog->deletePhotos(only(3));
+    EXPECT_TRUE(t.catalog->stacks().empty());
+    EXPECT_FALSE(t.item(1).stackID);
+
+    t.catalog->createStack(IDs{4, 5, 6}, std::nullopt);
+    const auto taken = t.catalog->createStack(IDs{1, 4, 5}, std::nullopt);
+    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{taken, 1, true, {1, 4, 5}}}));
+    EXPECT_FALSE(t.item(6).stackID);
+
+    const auto folder = t.catalog->addFolder("/photos", 1);
+    t.catalog->database().run("UPDATE photos SET folder_id = ? WHERE id IN (1, 4)", folder);
+    t.catalog->removeFolder(folder);
+    EXPECT_TRUE(t.catalog->stacks().empty());
+}
+
+TEST(LibraryStore, aCollapsedStackShowsItsPickAndAnExpandedOneAllTogether)
+{
+    Grid t(6);
+    const auto stack = t.store.createStack(IDs{5, 2, 4}, 4);
+    EXPECT_EQ(t.shown(), (IDs{1, 3, 4, 6}));
+    t.store.setStackState(stack, StackState::expanded);
+    EXPECT_EQ(t.shown(), (IDs{1, 3, 4, 5, 2, 6}));
+    t.store.select({1, 2, 5});
+    t.store.setStackState(stack, StackState::collapsed);
+    EXPECT_EQ(t.store.selection(), (IDs{1, 4})) << "the pick stands for what it hides";
+    t.store.setPick(stack, 2);
+    EXPECT_EQ(t.shown(), (IDs{1, 2, 3, 6}));
+    t.store.setRating(only(2), rejectedRating);
+    EXPECT_EQ(t.shown(), (IDs{1, 3, 5, 6})) << "the filter hides the pick: the next is shown";
+    t.store.removePhotos(IDs{2, 4});
+    EXPECT_EQ(t.shown(), (IDs{1, 3, 5, 6}));
+    EXPECT_TRUE(t.store.catalog().stacks().empty());
+    while (t.store.undoTitle())
+        t.store.undo();
+    EXPECT_EQ(t.shown(), (IDs{1, 2, 3, 4, 5, 6}));
+    while (t.store.redoTitle())
+        t.store.redo();
+    EXPECT_EQ(t.shown(), (IDs{1, 3, 5, 6}));
+}
+
+TEST(LibraryStore, versionsAreMadeAndTakenBack)
+{
+    Grid t(2);
+    const auto version = t.store.createVersion(1, std::nullopt, std::nullopt, 5);
+    EXPECT_EQ(t.shown(), (IDs{1, 2})) << "only albums show versions";
+    const auto album = t.store.createAlbum("album", std::nullopt);
+    t.store.addToAlbum(album, IDs{version, 1});
+    t.store.createStack(IDs{1, 2}, 2);
+    t.store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    EXPECT_EQ(t.shown(), (IDs{version, 1})) << "the stack's next stands in for a pick that is elsewhere";
+    t.store.removePhotos(only(1));
+    EXPECT_TRUE(t.shown().empty()) << "versions go with their master";
+    t.store.undo();
+    EXPECT_EQ(t.shown(), (IDs{version, 1}));
+}
+
+} // namespace korvo
