@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace korvo {
 
@@ -16,6 +18,15 @@ std::string localDay(UnixTime time);
 
 /// The local date and time as "yyyy-MM-dd HH:mm:ss".
 std::string localDateTime(UnixTime time);
+
+/// A local calendar day: from its first moment to before its end, whatever the clocks do on it.
+struct DaySpan {
+    UnixTime start;
+    UnixTime end;
+};
+
+/// The local day of a text "yyyy-MM-dd"; nothing for any other text and for days that no calendar has.
+std::optional<DaySpan> localDaySpan(std::string_view text);
 
 /// Where code asks what time it is; tests bring their own.
 class Clock {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "base/Dates.h"
+#include "catalog/AutoStack.h"
 #include "catalog/Database.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/MetadataChange.h"
 #include "catalog/PhotoItem.h"
+#include "catalog/SmartAlbumMatcher.h"
 #include "catalog/Stack.h"
 #include "catalog/Tree.h"
 
@@ -59,6 +61,15 @@ public:
     { }
 };
 
+/// A smart album whose stored rules this program cannot read. They stay as they are.
+class SmartAlbumError : public std::runtime_error {
+public:
+    SmartAlbumError(std::string_view name, std::string_view reason)
+        : std::runtime_error(
+            "the rules of the smart album “" + std::string(name) + "” cannot be read: " + std::string(reason))
+    { }
+};
+
 /// The open library: its folder, its database, and every statement over them. Calls may come from any thread.
 /// Each throws DatabaseError, and those that change or delete a part of the tree NotFoundError. Changes of
 /// several statements happen as a whole or not at all.
@@ -105,7 +116,8 @@ public:
     std::vector<std::pair<std::string, std::int64_t>> knownFiles();
 
     // Lists (CatalogSources.cpp)
-    /// The photos of a source in its order. A smart album lists nothing here: its rules are not a statement.
+    /// The photos of a source in its order. For a smart album throws NotFoundError when there is none and
+    /// SmartAlbumError when its rules cannot be read, here and in what follows.
     std::vector<PhotoItem> photos(const std::optional<LibrarySource>& source);
     /// The same one by one, while the catalog is held: for output that need not be in memory at once.
     void forEachPhoto(
@@ -137,6 +149,7 @@ public:
     /// stacks they were in. Throws std::invalid_argument for fewer than two and for a pick that is none of
     /// them.
     std::int64_t createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick);
+    void createStacks(const AutoStackPlan& plan);
     void unstack(std::int64_t id);
     /// Throws std::invalid_argument when the photo is not in the stack. The members keep their order.
     void setPick(std::int64_t stack, PhotoID photo);
@@ -172,12 +185,18 @@ public:
     std::int64_t createSmartAlbum(std::string_view name, std::string_view rules);
     void changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules);
     void deleteSmartAlbum(std::int64_t id);
+
+    // Smart albums (CatalogSmartAlbums.cpp)
+    SmartAlbumRow smartAlbum(std::int64_t id);
+    /// How many masters the rules match.
+    std::size_t countMatching(const SmartAlbumRules& rules);
     /// The keyword texts of all masters that have any.
     std::vector<std::string> keywordsInUse();
 
 private:
     std::vector<std::int64_t> withDescendants(std::int64_t project);
     std::string sourceCondition(const LibrarySource& source);
+    SmartAlbumMatcher smartAlbumMatcher(std::int64_t id);
     std::set<std::int64_t> stacksOf(std::string_view selectStack, std::span<const std::int64_t> ids);
     void repairStacks(const std::set<std::int64_t>& ids);
     std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);

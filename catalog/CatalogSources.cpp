@@ -58,7 +58,7 @@ std::string conditionOf(Kind kind)
     case Kind::places:
         return " AND p.latitude IS NOT NULL AND p.longitude IS NOT NULL";
     default:
-        return " AND 0"; // a smart album is decided by its rules, and no extension contributes a source yet
+        return " AND 0"; // no extension contributes a source yet
     }
 }
 
@@ -88,6 +88,13 @@ std::string Catalog::sourceCondition(const LibrarySource& source)
 void Catalog::forEachPhoto(
     const std::optional<LibrarySource>& source, const std::function<void(PhotoItem&&)>& use)
 {
+    if (source && source->kind == Kind::smartAlbum) {
+        auto matcher = smartAlbumMatcher(source->id);
+        return forEachPhoto(std::nullopt, [&](PhotoItem&& item) {
+            if (matcher.matches(item))
+                use(std::move(item));
+        });
+    }
     std::string sql;
     if (!source)
         sql = masters();
@@ -134,6 +141,12 @@ std::vector<PhotoItem> Catalog::photosOfSource(
 {
     if (source && (source->kind == Kind::album || source->kind == Kind::recentlyAdded))
         return photosByID(ids);
+    if (source && source->kind == Kind::smartAlbum) {
+        auto matcher = smartAlbumMatcher(source->id);
+        auto items = photosOfSource(std::nullopt, ids);
+        std::erase_if(items, [&](const PhotoItem& item) { return !matcher.matches(item); });
+        return items;
+    }
     const auto condition = source ? sourceCondition(*source) : std::string();
     auto statement
         = database_.prepare("SELECT p.* FROM photos p WHERE p.version_of IS NULL AND p.id = ?2" + condition);

@@ -79,6 +79,14 @@ std::int64_t Catalog::createStack(std::span<const PhotoID> photos, std::optional
     return id;
 }
 
+void Catalog::createStacks(const AutoStackPlan& plan)
+{
+    Transaction transaction(database_);
+    for (const auto& group : plan.groups())
+        createStack(plan.photos(group), group.pick);
+    transaction.commit();
+}
+
 void Catalog::unstack(std::int64_t id)
 {
     Transaction transaction(database_);

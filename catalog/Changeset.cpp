@@ -40,6 +40,9 @@ void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std
     if (change.table() == "album_items") {
         rows.albums.insert(id); // the first part of its key
         rows.tree = true; // the album's count
+    } else if (change.table() == "smart_albums") {
+        rows.smartAlbums.insert(id);
+        rows.tree = true;
     } else if (change.table() == "stacks") {
         rows.stacks = true;
     } else if (change.table() != "photos") {

@@ -36,6 +36,7 @@ struct ChangedRows {
     std::vector<std::int64_t> deleted;
     std::set<std::string, std::less<>> photoColumns; // whose values an update of `photos` changed
     std::set<std::int64_t> albums; // whose members changed
+    std::set<std::int64_t> smartAlbums; // that were made, changed or deleted
     bool stacks = false; // a stack, its members or their order changed
     bool tree = false; // a folder, project, album, keyword or person changed
 };

@@ -33,12 +33,17 @@ std::unordered_map<std::string_view, FileKind> kindsByExtension()
 
 } // namespace
 
-std::string lowerExtension(std::string_view filename)
+std::string_view extensionOf(std::string_view filename)
 {
     const auto dot = filename.rfind('.');
     if (dot == filename.npos || dot == 0)
         return {};
-    return asciiLower(filename.substr(dot + 1));
+    return filename.substr(dot + 1);
+}
+
+std::string lowerExtension(std::string_view filename)
+{
+    return asciiLower(extensionOf(filename));
 }
 
 std::optional<FileKind> fileKind(std::string_view filename)

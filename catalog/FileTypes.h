@@ -20,6 +20,9 @@ std::optional<FileKind> fileKind(std::string_view filename);
 /// Whether a library takes the file in: images, raw files and videos.
 bool isLibraryFile(std::string_view filename);
 
+/// The extension as it is written, without its dot; empty when there is none. A leading dot starts none.
+std::string_view extensionOf(std::string_view filename);
+
 /// The extension in lower case, without its dot; empty when there is none. A leading dot starts no extension.
 std::string lowerExtension(std::string_view filename);
 

@@ -1,5 +1,6 @@
 // What the user does to versions, stacks and smart albums, under the titles of the Edit menu.
 
+#include "base/Json.h"
 #include "catalog/LibraryStore.h"
 
 namespace korvo {
@@ -39,6 +40,29 @@ void LibraryStore::setStackState(std::int64_t id, StackState state)
 void LibraryStore::moveInStack(std::int64_t stack, PhotoID photo, std::size_t position)
 {
     perform("Move in Stack", [&](Catalog& catalog) { catalog.moveInStack(stack, photo, position); });
+}
+
+void LibraryStore::autoStack(double interval)
+{
+    const AutoStackPlan plan(list_.items(), list_.shown(), interval);
+    perform("Auto-Stack", [&](Catalog& catalog) { catalog.createStacks(plan); });
+}
+
+std::int64_t LibraryStore::createSmartAlbum(std::string_view name, const SmartAlbumRules& rules)
+{
+    std::int64_t id = 0;
+    perform("New Smart Album", [&](Catalog& catalog) { id = catalog.createSmartAlbum(name, toJson(rules)); });
+    return id;
+}
+
+void LibraryStore::changeSmartAlbum(std::int64_t id, std::string_view name, const SmartAlbumRules& rules)
+{
+    perform("Edit Smart Album", [&](Catalog& catalog) { catalog.changeSmartAlbum(id, name, toJson(rules)); });
+}
+
+void LibraryStore::deleteSmartAlbum(std::int64_t id)
+{
+    perform("Delete Smart Album", [&](Catalog& catalog) { catalog.deleteSmartAlbum(id); });
 }
 
 } // namespace korvo

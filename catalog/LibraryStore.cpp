@@ -42,7 +42,23 @@ LibraryStore::LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog)
     : main_(main), catalog_(std::move(catalog)), dataVersion_(dataVersion(*catalog_))
 {
     list_.setStacks(catalog_->stacks());
-    list_.assign(catalog_->photos(source_));
+    load(source_);
+}
+
+void LibraryStore::load(std::optional<LibrarySource> source)
+{
+    std::vector<PhotoItem> items;
+    std::optional<std::string> fault;
+    try {
+        items = catalog_->photos(source);
+    } catch (const SmartAlbumError& error) {
+        fault = error.what(); // the album stays to be mended in the editor, and lists nothing till then
+    } catch (const NotFoundError& error) {
+        fault = error.what(); // it was deleted while it was shown; undo may bring it back
+    }
+    list_.assign(std::move(items));
+    source_ = std::move(source);
+    sourceFault_ = std::move(fault);
 }
 
 const LibraryTree& LibraryStore::tree()
@@ -55,8 +71,7 @@ const LibraryTree& LibraryStore::tree()
 void LibraryStore::chooseSource(std::optional<LibrarySource> source)
 {
     main_.assertCurrent();
-    list_.assign(catalog_->photos(source));
-    source_ = std::move(source);
+    load(std::move(source));
     const bool selected = !selection_.empty();
     selection_.clear();
     changed.emit({.photos = {}, .list = true, .selection = selected});
@@ -158,7 +173,7 @@ void LibraryStore::reload()
     main_.assertCurrent();
     const auto first = firstSelectedPosition();
     list_.setStacks(catalog_->stacks());
-    list_.assign(catalog_->photos(source_));
+    load(source_);
     tree_.reset();
     changed.emit({.photos = {}, .list = true, .tree = true, .selection = repairSelection(first)});
 }
@@ -200,6 +215,8 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
     switch (source_->kind) {
     case Kind::album:
         return rows.albums.contains(source_->id);
+    case Kind::smartAlbum:
+        return rows.smartAlbums.contains(source_->id);
     case Kind::recentlyAdded:
         return !rows.inserted.empty() || !rows.deleted.empty();
     case Kind::project:
@@ -214,9 +231,11 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
 bool LibraryStore::updateList(const ChangedRows& rows)
 {
     if (mustReload(rows)) {
-        list_.assign(catalog_->photos(source_));
+        load(source_);
         return true;
     }
+    if (sourceFault_)
+        return false;
     auto ids = rows.updated;
     ids.insert(ids.end(), rows.inserted.begin(), rows.inserted.end());
     auto current = catalog_->photosOfSource(source_, ids);

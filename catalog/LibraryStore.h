@@ -33,6 +33,9 @@ public:
     // What is shown
     const PhotoList& list() const { return list_; }
     const std::optional<LibrarySource>& source() const { return source_; }
+    /// Why a source that cannot be listed shows nothing: a smart album whose rules cannot be read, or that is
+    /// gone.
+    const std::optional<std::string>& sourceFault() const { return sourceFault_; }
     const std::vector<PhotoID>& selection() const { return selection_; }
     /// The sidebar, read again after it has changed.
     const LibraryTree& tree();
@@ -72,6 +75,11 @@ public:
     void setPick(std::int64_t stack, PhotoID photo);
     void setStackState(std::int64_t id, StackState state);
     void moveInStack(std::int64_t stack, PhotoID photo, std::size_t position);
+    /// Stacks what is shown, as AutoStackPlan does. Nothing happens when no stack comes of it.
+    void autoStack(double interval);
+    std::int64_t createSmartAlbum(std::string_view name, const SmartAlbumRules& rules);
+    void changeSmartAlbum(std::int64_t id, std::string_view name, const SmartAlbumRules& rules);
+    void deleteSmartAlbum(std::int64_t id);
 
     /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
     /// likes.
@@ -94,6 +102,8 @@ public:
     void reloadIfChangedElsewhere();
 
 private:
+    /// Reads all photos of a source and makes it the current one.
+    void load(std::optional<LibrarySource> source);
     void replay(const Changeset& changes);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
     void publish(const ChangedRows& rows, std::span<const PhotoID> select = {});
@@ -108,6 +118,7 @@ private:
     MainThread& main_;
     std::unique_ptr<Catalog> catalog_;
     std::optional<LibrarySource> source_;
+    std::optional<std::string> sourceFault_;
     PhotoList list_;
     std::vector<PhotoID> selection_;
     std::optional<LibraryTree> tree_;

@@ -69,5 +69,21 @@ ExitCode pickCommand(Context& context, std::int64_t stack, PhotoID photo);
 ExitCode stackStateCommand(Context& context, std::int64_t stack, StackState state);
 ExitCode moveInStackCommand(Context& context, std::int64_t stack, PhotoID photo, std::size_t position);
 ExitCode listStacksCommand(Context& context);
+struct AutoStackArguments {
+    std::string source = "all";
+    int interval = autoStackSheet::startInterval; // seconds
+    bool dryRun = false; // only say what would be stacked
+};
+ExitCode autoStackCommand(Context& context, const AutoStackArguments& arguments);
+struct SmartAlbumArguments {
+    std::int64_t id = 0;
+    std::optional<std::string> name;
+    std::optional<std::string> rules; // JSON
+};
+ExitCode createSmartAlbumCommand(Context& context, const SmartAlbumArguments& album);
+/// What is not named stays as it is.
+ExitCode updateSmartAlbumCommand(Context& context, const SmartAlbumArguments& album);
+ExitCode deleteSmartAlbumCommand(Context& context, const SmartAlbumArguments& album);
+ExitCode countSmartAlbumCommand(Context& context, const SmartAlbumArguments& album);
 
 } // namespace korvo

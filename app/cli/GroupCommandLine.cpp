@@ -88,6 +88,51 @@ void addStackCommands(Parser& parser, CLI::App* stack)
         });
     command<None>(parser, stack, "list", "all stacks with their photos as shown", noArguments,
         [](Context& context, const None&) { return listStacksCommand(context); });
+    command<AutoStackArguments>(
+        parser, stack, "auto", std::string(autoStackSheet::explanation).c_str(),
+        [](CLI::App& sub, AutoStackArguments& arguments) {
+            sub.add_option("--source", arguments.source, "the photos to look at; all without one");
+            sub.add_option("--interval", arguments.interval, std::string(autoStackSheet::interval))
+                ->check(CLI::PositiveNumber);
+            sub.add_flag("--dry-run", arguments.dryRun, "only say what would be stacked");
+        },
+        autoStackCommand);
+}
+
+void addSmartAlbumID(CLI::App& sub, SmartAlbumArguments& album)
+{
+    sub.add_option("ID", album.id, "the smart album's id")->required();
+}
+
+CLI::Option* addRules(CLI::App& sub, SmartAlbumArguments& album)
+{
+    return sub.add_option("--rules", album.rules,
+        R"(as {"rules":[{"field":"rating","op":"atLeast","value":"3"}],"matchAll":true})");
+}
+
+void addSmartAlbumCommands(Parser& parser, CLI::App* smart)
+{
+    command<SmartAlbumArguments>(
+        parser, smart, "create", "make a smart album",
+        [](CLI::App& sub, SmartAlbumArguments& album) {
+            sub.add_option("NAME", album.name, "the name")->required();
+            addRules(sub, album)->required();
+        },
+        createSmartAlbumCommand);
+    command<SmartAlbumArguments>(
+        parser, smart, "update", "change a smart album's name, its rules, or both",
+        [](CLI::App& sub, SmartAlbumArguments& album) {
+            addSmartAlbumID(sub, album);
+            sub.add_option("--name", album.name, "the new name");
+            addRules(sub, album);
+        },
+        updateSmartAlbumCommand);
+    command<SmartAlbumArguments>(parser, smart, "delete", "delete a smart album; its photos stay",
+        addSmartAlbumID, deleteSmartAlbumCommand);
+    command<SmartAlbumArguments>(
+        parser, smart, "count", "how many photos rules match",
+        [](CLI::App& sub, SmartAlbumArguments& album) { addRules(sub, album)->required(); },
+        countSmartAlbumCommand);
 }
 
 } // namespace
@@ -96,6 +141,7 @@ void addGroupCommands(Parser& parser)
 {
     addVersionCommands(parser);
     addStackCommands(parser, parser.app.add_subcommand("stack", "stacks of photos")->require_subcommand(1));
+    addSmartAlbumCommands(parser, parser.app.add_subcommand("smart", "smart albums")->require_subcommand(1));
 }
 
 } // namespace korvo

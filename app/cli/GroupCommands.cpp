@@ -1,11 +1,26 @@
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOutput.h"
 #include "base/Text.h"
+#include "catalog/SmartAlbumEditor.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 namespace korvo {
+
+namespace {
+
+/// The rules of an argument. Those that can match nothing are kept, as the editor keeps them, and said.
+SmartAlbumRules readRules(const std::string& json)
+{
+    auto rules = smartAlbumRules(json);
+    for (const auto& rule : rules.rules)
+        if (const auto reason = fault(rule))
+            fmt::print(stderr, "this rule matches nothing: {}\n", *reason);
+    return rules;
+}
+
+} // namespace
 
 ExitCode createVersionCommand(Context& context, PhotoID photo, const std::optional<std::string>& name)
 {
@@ -62,6 +77,71 @@ ExitCode listStacksCommand(Context& context)
                 ? toJson(stack)
                 : fmt::format("stack {:>6}  {}, {}: {}", stack.id, counted(stack.members.size(), "photo"),
                     stack.collapsed ? "collapsed" : "expanded", fmt::join(stack.members, " ")));
+    return ExitCode::done;
+}
+
+namespace {
+
+std::string planJSON(const AutoStackPlan& plan, int interval)
+{
+    JsonWriter json;
+    json.beginObject();
+    json.member("interval", interval);
+    json.member("stacks", plan.groups().size());
+    json.member("photos", plan.photoCount());
+    json.key("groups");
+    json.beginArray();
+    for (const auto& group : plan.groups()) {
+        const auto members = plan.photos(group);
+        json.beginObject();
+        json.member("pick", group.pick);
+        json.member("members", std::vector<PhotoID>(members.begin(), members.end()));
+        json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+    return json.take();
+}
+
+} // namespace
+
+ExitCode autoStackCommand(Context& context, const AutoStackArguments& arguments)
+{
+    const auto items = context.library().photos(parseSource(arguments.source));
+    const auto shown = gridOrder(items, std::nullopt, std::nullopt);
+    const AutoStackPlan plan(items, shown, arguments.interval);
+    if (!arguments.dryRun)
+        context.library().createStacks(plan);
+    context.print(context.options().json ? planJSON(plan, arguments.interval)
+                                         : autoStackText(plan, arguments.interval));
+    return ExitCode::done;
+}
+
+ExitCode createSmartAlbumCommand(Context& context, const SmartAlbumArguments& album)
+{
+    const auto rules = toJson(readRules(album.rules.value()));
+    context.printMade(context.library().createSmartAlbum(album.name.value(), rules));
+    return ExitCode::done;
+}
+
+ExitCode updateSmartAlbumCommand(Context& context, const SmartAlbumArguments& album)
+{
+    const auto before = context.library().smartAlbum(album.id);
+    const auto rules = album.rules ? toJson(readRules(*album.rules)) : before.rules;
+    context.library().changeSmartAlbum(album.id, album.name.value_or(before.name), rules);
+    return ExitCode::done;
+}
+
+ExitCode deleteSmartAlbumCommand(Context& context, const SmartAlbumArguments& album)
+{
+    context.library().deleteSmartAlbum(album.id);
+    return ExitCode::done;
+}
+
+ExitCode countSmartAlbumCommand(Context& context, const SmartAlbumArguments& album)
+{
+    const auto count = context.library().countMatching(readRules(album.rules.value()));
+    context.print(context.options().json ? fmt::format(R"({{"count":{}}})", count) : matchCountText(count));
     return ExitCode::done;
 }
 

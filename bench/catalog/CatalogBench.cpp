@@ -2,6 +2,7 @@
 // inserting and rating, each beside the loop that a program would write that used SQLite directly.
 
 #include "bench/catalog/BareLoops.h"
+#include "bench/catalog/GroupBench.h"
 #include "bench/support/Compare.h"
 #include "catalog/LibraryStore.h"
 #include "catalog/PhotoRows.h"
@@ -157,6 +158,8 @@ int main(int argc, char** argv)
         compareMemory(libraryOf(folder, size), size);
     for (const auto size : sizes)
         compareLoading(libraryOf(folder, size), size);
+    for (const auto size : sizes)
+        compareGroups(libraryOf(folder, size));
     compareInserting(folder);
     compareRating(libraryOf(folder, 100'000));
     fs::remove_all(folder);

@@ -1,0 +1,70 @@
+#include "catalog/AutoStack.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+
+namespace korvo {
+
+namespace {
+
+/// Times are seconds since 1970 with fractions, which a double holds to a quarter of a microsecond: those
+/// exactly one interval apart may come out a little more.
+constexpr double rounding = 1e-6;
+
+struct Shot {
+    double time;
+    std::uint32_t position;
+};
+
+std::vector<Shot> shotsInOrder(const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions)
+{
+    std::vector<Shot> shots;
+    shots.reserve(positions.size());
+    for (const auto position : positions) {
+        const PhotoItem& item = items[position];
+        const double time = item.captureDate ? *item.captureDate : item.fileDate.value_or(0);
+        if (item.isMaster() && !item.stackID && time > 0)
+            shots.push_back({time, position});
+    }
+    std::sort(shots.begin(), shots.end(), [](const Shot& a, const Shot& b) {
+        return a.time < b.time || (a.time == b.time && a.position < b.position);
+    });
+    return shots;
+}
+
+PhotoID pickOf(const std::vector<PhotoItem>& items, std::span<const Shot> group)
+{
+    const auto best = std::max_element(group.begin(), group.end(),
+        [&](const Shot& a, const Shot& b) { return items[a.position].rating < items[b.position].rating; });
+    return items[best->position].id;
+}
+
+} // namespace
+
+AutoStackPlan::AutoStackPlan(
+    const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions, double interval)
+{
+    const auto shots = shotsInOrder(items, positions);
+    for (std::size_t first = 0, end = 0; first < shots.size(); first = end) {
+        for (end = first + 1; end < shots.size(); ++end)
+            if (shots[end].time - shots[end - 1].time > interval + rounding)
+                break;
+        if (end - first < 2)
+            continue;
+        const auto group = std::span(shots).subspan(first, end - first);
+        groups_.push_back({photos_.size(), group.size(), pickOf(items, group)});
+        for (const Shot& shot : group)
+            photos_.push_back(items[shot.position].id);
+    }
+}
+
+std::string autoStackText(const AutoStackPlan& plan, int interval)
+{
+    const auto result = plan.groups().empty()
+        ? std::string("No stack")
+        : counted(plan.groups().size(), "stack") + " from " + counted(plan.photoCount(), "photo");
+    return "Within " + counted(static_cast<std::size_t>(interval), "second") + ": " + result;
+}
+
+} // namespace korvo

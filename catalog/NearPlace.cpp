@@ -1,0 +1,141 @@
+#include "catalog/NearPlace.h"
+
+#include "base/JsonDocument.h"
+#include "base/JsonError.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+namespace korvo {
+
+namespace {
+
+constexpr double earthDiameter = 12742; // kilometres
+constexpr double toRadians = std::numbers::pi / 180;
+/// Rounding must not put into the far what is just near enough.
+constexpr double millimetre = 1e-6; // in kilometres
+constexpr double margin = 1e-9; // degrees, a tenth of a millimetre
+
+std::optional<NearPlace> ifInRange(const NearPlace& place)
+{
+    const bool inRange = std::isfinite(place.kilometres) && place.kilometres >= 0
+        && std::abs(place.latitude) <= 90 && std::abs(place.longitude) <= 180;
+    return inRange ? std::optional(place) : std::nullopt;
+}
+
+bool isWord(std::string_view token)
+{
+    constexpr std::array<std::string_view, 6> words{"km", "of", "within", "near", "kilometres", "kilometers"};
+    return std::find(words.begin(), words.end(), token) != words.end();
+}
+
+/// The three numbers of a text in words; nothing for any other number of them and for unknown words.
+std::optional<NearPlace> fromWords(std::string_view text)
+{
+    std::vector<double> numbers;
+    while (!text.empty()) {
+        const auto end = std::min(text.find_first_of(" \t,;|/"), text.size());
+        auto token = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (token.empty() || isWord(token))
+            continue;
+        if (token.ends_with("km"))
+            token.remove_suffix(2);
+        double number = 0;
+        const auto [stop, error] = std::from_chars(token.data(), token.data() + token.size(), number);
+        if (error != std::errc() || stop != token.data() + token.size())
+            return std::nullopt;
+        numbers.push_back(number);
+    }
+    if (numbers.size() != 3)
+        return std::nullopt;
+    return NearPlace{numbers[0], numbers[1], numbers[2]};
+}
+
+/// The member of the first name that is there.
+double numberNamed(JsonValue object, std::initializer_list<std::string_view> names)
+{
+    for (const auto name : names)
+        if (const auto value = object.member(name))
+            return value.number();
+    return std::nan("");
+}
+
+std::optional<NearPlace> fromJSON(std::string_view text)
+{
+    try {
+        const JsonDocument document(text);
+        const auto root = document.root();
+        return NearPlace{numberNamed(root, {"kilometres", "kilometers", "km", "radius"}),
+            numberNamed(root, {"latitude", "lat"}), numberNamed(root, {"longitude", "lon", "lng"})};
+    } catch (const JsonError&) {
+        return std::nullopt; // what somebody typed is no place, which the editor shows
+    }
+}
+
+std::string shortest(double number)
+{
+    char digits[32];
+    return {digits, std::to_chars(digits, std::end(digits), number).ptr};
+}
+
+/// How far the longitude of a point within `angle` (radians) may be, in degrees: asin(sin d / cos φ), the
+/// tangent meridians, unless the circle holds a pole.
+double reachOfLongitude(double angle, double latitude)
+{
+    if (std::abs(latitude) * toRadians + angle >= std::numbers::pi / 2)
+        return 180;
+    return std::asin(std::min(1.0, std::sin(angle) / std::cos(latitude * toRadians))) / toRadians;
+}
+
+} // namespace
+
+std::string text(const NearPlace& place)
+{
+    return shortest(place.kilometres) + " km of " + shortest(place.latitude) + ", "
+        + shortest(place.longitude);
+}
+
+std::optional<NearPlace> parseNearPlace(std::string_view text)
+{
+    const auto value = trimmed(text);
+    const auto place = value.starts_with('{') ? fromJSON(value) : fromWords(value);
+    return place ? ifInRange(*place) : std::nullopt;
+}
+
+double distanceInKilometres(double latitude1, double longitude1, double latitude2, double longitude2)
+{
+    const auto squaredSine = [](double degrees) {
+        const double sine = std::sin(degrees * toRadians / 2);
+        return sine * sine;
+    };
+    const double a = squaredSine(latitude2 - latitude1)
+        + std::cos(latitude1 * toRadians) * std::cos(latitude2 * toRadians)
+            * squaredSine(longitude2 - longitude1);
+    return earthDiameter * std::asin(std::min(1.0, std::sqrt(a)));
+}
+
+NearTest::NearTest(const NearPlace& place) : place_(place)
+{
+    place_.kilometres += millimetre;
+    const double angle = std::min(place_.kilometres / (earthDiameter / 2), std::numbers::pi);
+    latitudeReach_ = angle / toRadians + margin;
+    longitudeReach_ = reachOfLongitude(angle, place.latitude) + margin;
+}
+
+bool NearTest::holds(double latitude, double longitude) const
+{
+    if (std::abs(latitude - place_.latitude) > latitudeReach_)
+        return false;
+    const double apart = std::abs(longitude - place_.longitude);
+    if (std::min(apart, 360 - apart) > longitudeReach_)
+        return false;
+    return distanceInKilometres(place_.latitude, place_.longitude, latitude, longitude) <= place_.kilometres;
+}
+
+} // namespace korvo

@@ -1,0 +1,263 @@
+#include "catalog/RuleTest.h"
+
+#include "base/Text.h"
+#include "catalog/FileTypes.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace korvo {
+
+namespace {
+
+using Field = SmartAlbumRule::Field;
+using Op = SmartAlbumRule::Op;
+
+constexpr double forever = std::numeric_limits<double>::infinity();
+
+std::optional<double> number(std::string_view value)
+{
+    auto text = trimmed(value);
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
+    double parsed = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
+    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(parsed))
+        return std::nullopt;
+    return parsed;
+}
+
+std::optional<double> labelNumber(std::string_view value)
+{
+    const auto text = trimmed(value);
+    for (std::size_t label = 0; label < photoLabelNames.size(); ++label)
+        if (compareNoCase(text, photoLabelNames[label]) == 0)
+            return static_cast<double>(label);
+    return compareNoCase(text, "none") == 0 ? 0.0 : number(text);
+}
+
+/// An empty value is a yes: "Flagged is".
+std::optional<bool> yesNo(std::string_view value)
+{
+    const auto text = asciiLower(trimmed(value));
+    if (text.empty() || text == "yes" || text == "true" || text == "1")
+        return true;
+    return text == "no" || text == "false" || text == "0" ? std::optional(false) : std::nullopt;
+}
+
+/// The spelling that two of one type share.
+std::string_view oneSpelling(std::string_view extension)
+{
+    if (compareNoCase(extension, "jpg") == 0)
+        return "jpeg";
+    return compareNoCase(extension, "tif") == 0 ? "tiff" : extension;
+}
+
+std::optional<FileTypeTest> fileTypeTest(std::string_view value)
+{
+    auto text = trimmed(value);
+    if (text.starts_with('.'))
+        text.remove_prefix(1);
+    return text.empty() ? std::nullopt : std::optional(FileTypeTest{asciiLower(oneSpelling(text))});
+}
+
+std::optional<VideoTest> kindTest(std::string_view value)
+{
+    const auto text = trimmed(value);
+    if (compareNoCase(text, "video") == 0)
+        return VideoTest{true};
+    return compareNoCase(text, "photo") == 0 ? std::optional(VideoTest{false}) : std::nullopt;
+}
+
+std::optional<DateTest> dateTest(Op op, std::string_view value)
+{
+    const auto day = localDaySpan(trimmed(value));
+    if (!day)
+        return std::nullopt;
+    return DateTest{op == Op::atMost ? -forever : day->start, op == Op::atLeast ? forever : day->end};
+}
+
+template <typename Test>
+std::optional<RuleTest> ready(std::optional<Test> test)
+{
+    return test ? std::optional(RuleTest{*std::move(test)}) : std::nullopt;
+}
+
+std::optional<RuleTest> positiveTest(const SmartAlbumRule& rule)
+{
+    const auto numberTest = [&](double wanted) { return NumberTest{rule.field, rule.op, wanted}; };
+    const auto mapped
+        = [](const auto& value, auto make) { return value ? std::optional(make(*value)) : std::nullopt; };
+    switch (fieldOf(rule).value) {
+    case RuleValue::text:
+        return RuleTest{TextTest(rule)};
+    case RuleValue::number:
+        return ready(mapped(number(rule.value), numberTest));
+    case RuleValue::label:
+        return ready(mapped(labelNumber(rule.value), numberTest));
+    case RuleValue::day:
+        return ready(dateTest(rule.op, rule.value));
+    case RuleValue::kind:
+        return ready(kindTest(rule.value));
+    case RuleValue::fileType:
+        return ready(fileTypeTest(rule.value));
+    case RuleValue::yesNo:
+        return ready(mapped(yesNo(rule.value), [&](bool wanted) { return YesNoTest{rule.field, wanted}; }));
+    case RuleValue::place:
+        return ready(mapped(parseNearPlace(rule.value),
+            [](const NearPlace& place) { return LocationTest{NearTest(place)}; }));
+    }
+    return std::nullopt;
+}
+
+CompactOptional<double> numberOf(const PhotoItem& item, Field field)
+{
+    switch (field) {
+    case Field::rating:
+        return static_cast<double>(item.rating);
+    case Field::label:
+        return static_cast<double>(item.label);
+    default:
+        return item.focalLength;
+    }
+}
+
+bool isList(Field field)
+{
+    return field == Field::keyword || field == Field::person;
+}
+
+} // namespace
+
+bool YesNoTest::holds(const PhotoItem& item) const
+{
+    switch (field) {
+    case Field::flagged:
+        return item.flagged == wanted;
+    case Field::hasAlt:
+        return !item.metadata.altText.empty() == wanted;
+    default:
+        return item.hasEdits() == wanted;
+    }
+}
+
+bool NumberTest::holds(const PhotoItem& item) const
+{
+    const auto value = numberOf(item, field);
+    if (!value)
+        return false;
+    switch (op) {
+    case Op::atLeast:
+        return *value >= number;
+    case Op::atMost:
+        return *value <= number;
+    default:
+        return *value == number;
+    }
+}
+
+bool DateTest::holds(const PhotoItem& item) const
+{
+    const auto date = item.captureDate ? item.captureDate : item.fileDate;
+    return date && *date >= from && *date < to;
+}
+
+bool VideoTest::holds(const PhotoItem& item) const
+{
+    const auto extension = extensionOf(item.filename);
+    const bool isVideo = std::any_of(videoExtensions.begin(), videoExtensions.end(),
+        [&](std::string_view video) { return compareNoCase(extension, video) == 0; });
+    return isVideo == wanted;
+}
+
+bool FileTypeTest::holds(const PhotoItem& item) const
+{
+    return compareNoCase(oneSpelling(extensionOf(item.filename)), extension) == 0;
+}
+
+TextTest::TextTest(const SmartAlbumRule& rule)
+    : field_(rule.field), whole_(rule.op == Op::is || rule.op == Op::isNot),
+      wanted_(folded(isList(rule.field) ? trimmed(rule.value) : std::string_view(rule.value)))
+{ }
+
+bool TextTest::holdsFor(std::string_view folded) const
+{
+    const auto fits = [this](std::string_view text) {
+        return whole_ ? text == wanted_ : text.find(wanted_) != text.npos;
+    };
+    if (!isList(field_))
+        return fits(folded);
+    for (;;) {
+        const auto comma = folded.find(',');
+        if (fits(trimmed(folded.substr(0, comma))))
+            return true;
+        if (comma == folded.npos)
+            return false;
+        folded.remove_prefix(comma + 1);
+    }
+}
+
+bool TextTest::holdsFor(const SharedText& text, std::size_t place, TextFolder& folder)
+{
+    auto& known = known_[place];
+    if (!known.text.empty() && known.text.sharesWith(text))
+        return known.holds;
+    const bool holds = holdsFor(folder.fold(text));
+    if (!folder.lastWasAscii())
+        known = {text, holds};
+    return holds;
+}
+
+bool TextTest::holds(const PhotoItem& item, TextFolder& folder)
+{
+    const auto holdsForOne = [&](const SharedText& text) { return holdsFor(text, 0, folder); };
+    switch (field_) {
+    case Field::keyword:
+        return holdsForOne(item.metadata.keywords);
+    case Field::filename:
+        return holdsForOne(item.filename);
+    case Field::camera:
+        return holdsForOne(item.camera);
+    case Field::lens:
+        return holdsForOne(item.lens);
+    case Field::person:
+        return holdsForOne(item.people);
+    default:
+        break;
+    }
+    std::size_t place = 0;
+    bool found = false;
+    forEachField<PhotoMetadata>([&](const auto& field) {
+        found = found || holdsFor(item.metadata.*field.member, place, folder);
+        ++place;
+    });
+    return found;
+}
+
+bool RuleTest::holds(const PhotoItem& item, TextFolder& folder)
+{
+    const bool positive = std::visit(
+        [&](auto& kind) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(kind)>, TextTest>)
+                return kind.holds(item, folder);
+            else
+                return kind.holds(item);
+        },
+        test);
+    return positive != negated;
+}
+
+std::optional<RuleTest> ruleTest(const SmartAlbumRule& rule)
+{
+    const auto ops = fieldOf(rule).ops;
+    if (std::find(ops.begin(), ops.end(), rule.op) == ops.end())
+        return std::nullopt;
+    auto test = positiveTest(rule);
+    if (test)
+        test->negated = rule.op == Op::isNot || rule.op == Op::notContains;
+    return test;
+}
+
+} // namespace korvo
