@@ -93,7 +93,7 @@ void addStackCommands(Parser& parser, CLI::App* stack)
         [](CLI::App& sub, AutoStackArguments& arguments) {
             sub.add_option("--source", arguments.source, "the photos to look at; all without one");
             sub.add_option("--interval", arguments.interval, std::string(autoStackSheet::interval))
-                ->check(CLI::PositiveNumber);
+                ->check(CLI::Range(1, 86400));
             sub.add_flag("--dry-run", arguments.dryRun, "only say what would be stacked");
         },
         autoStackCommand);

@@ -1,5 +1,6 @@
-// bench_catalog [PHOTOS...]: loading libraries of so many photos (100000 and 1000000 without arguments),
-// inserting and rating, each beside the loop that a program would write that used SQLite directly.
+// bench_catalog [groups] [PHOTOS...]: loading libraries of so many photos (100000 and 1000000 without
+// arguments), smart albums and stacking ("groups": these alone), inserting and rating, each beside what a
+// program would do that used SQLite directly, or beside the least that has to be done.
 
 #include "bench/catalog/BareLoops.h"
 #include "bench/catalog/GroupBench.h"
@@ -11,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <cstdlib>
+#include <string_view>
 
 namespace korvo::bench {
 
@@ -149,11 +151,18 @@ int main(int argc, char** argv)
 {
     using namespace korvo::bench;
     std::vector<std::size_t> sizes{100'000, 1'000'000};
-    if (argc > 1)
+    const int firstSize = argc > 1 && std::string_view(argv[1]) == "groups" ? 2 : 1;
+    if (argc > firstSize)
         sizes.clear();
-    for (int i = 1; i < argc; ++i)
+    for (int i = firstSize; i < argc; ++i)
         sizes.push_back(std::strtoull(argv[i], nullptr, 10));
     const auto folder = fs::temp_directory_path() / "korvo-bench";
+    if (firstSize == 2) {
+        for (const auto size : sizes)
+            compareGroups(libraryOf(folder, size));
+        fs::remove_all(folder);
+        return 0;
+    }
     for (const auto size : sizes)
         compareMemory(libraryOf(folder, size), size);
     for (const auto size : sizes)

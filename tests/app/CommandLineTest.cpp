@@ -182,4 +182,27 @@ TEST_F(CommandLine, checkFindsWhatIsWrong)
         "{\"added\":0,\"known\":2,\"ignored\":0,\"failed\":0}\n");
 }
 
+TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
+{
+    EXPECT_EQ(json("version create 1"), "{\"id\":4}\n");
+    run("version create 4 --name Print");
+    EXPECT_NE(json("version list 1").find(R"("versionOf":1,"versionName":"Print")"), std::string::npos);
+
+    EXPECT_EQ(run("stack auto --dry-run").out, "Within 10 seconds: 1 stack from 3 photos\n");
+    EXPECT_EQ(json("stack list"), "");
+    EXPECT_EQ(json("stack create 1 2 --pick 2"), "{\"id\":1}\n");
+    EXPECT_EQ(run("stack create 1 --pick 3").exitCode, 1);
+    run("stack expand 1");
+    EXPECT_EQ(json("stack list"), "{\"id\":1,\"pick\":2,\"collapsed\":false,\"members\":[2,1]}\n");
+
+    const std::string videos = R"(--rules '{"rules":[{"field":"kind","op":"is","value":"video"}]}')";
+    EXPECT_EQ(json("smart count " + videos), "{\"count\":1}\n");
+    EXPECT_EQ(json("smart create Films " + videos), "{\"id\":1}\n");
+    EXPECT_EQ(run("rate 5 --source smart:1").exitCode, 0);
+    EXPECT_NE(run("list --source smart:1").out.find("c.mov  *****"), std::string::npos);
+    EXPECT_EQ(run("smart update 1 --rules '[]'").exitCode, 1);
+    EXPECT_EQ(run("smart delete 1").exitCode, 0);
+    EXPECT_EQ(run("list --source smart:1").exitCode, 1);
+}
+
 } // namespace korvo

@@ -235,17 +235,61 @@ TEST(LibraryStore, randomActionsAreUndoneAndRedoneStepByStep)
             store.addToAlbum(anyOf("albums").value_or(store.createAlbum("first", std::nullopt)), photos());
         },
         [&] { store.createKeyword("k", anyOf("keywords")); },
+        [&] {
+            if (const auto photo = anyOf("photos"))
+                store.createVersion(*photo, std::nullopt, std::nullopt, 1);
+        },
+        [&] {
+            if (const auto ids = photos(); ids.size() > 1)
+                store.createStack(ids, ids.back());
+        },
+        [&] {
+            if (const auto stack = anyOf("stacks"))
+                upTo(4) ? store.setStackState(*stack, static_cast<StackState>(upTo(2)))
+                        : store.unstack(*stack);
+        },
+        [&] {
+            if (const auto all = store.catalog().stacks(); !all.empty())
+                store.moveInStack(all.front().id, all.front().members.back(), 0);
+        },
+        [&] {
+            if (const auto all = store.catalog().stacks(); !all.empty())
+                store.setPick(all.back().id, all.back().members.back());
+        },
         [&] { store.gatherUnderProject("all"); },
-        [&] { upTo(8) ? void() : store.removePhotos(only(store.list().items().front().id)); },
-        [&] { upTo(4) ? void() : store.deleteProject(anyOf("projects").value_or(0)); },
-        [&] { upTo(4) ? void() : store.deleteAlbum(anyOf("albums").value_or(0)); },
-        [&] { upTo(4) ? void() : store.deleteKeyword(anyOf("keywords").value_or(0)); },
+        [&] {
+            if (const auto& items = store.list().items(); !items.empty() && upTo(8) == 0)
+                store.removePhotos(only(items[static_cast<std::size_t>(upTo(items.size()))].id));
+        },
+        [&] {
+            if (const auto id = anyOf("projects"); id && upTo(4) == 0)
+                store.deleteProject(*id);
+        },
+        [&] {
+            if (const auto id = anyOf("albums"); id && upTo(4) == 0)
+                store.deleteAlbum(*id);
+        },
+        [&] {
+            if (const auto id = anyOf("keywords"); id && upTo(4) == 0)
+                store.deleteKeyword(*id);
+        },
     };
-    const auto listIsTrue = [&] { return store.list().items() == store.catalog().photos(store.source()); };
+    const auto listIsTrue = [&] {
+        PhotoList fresh;
+        fresh.setStacks(store.catalog().stacks());
+        fresh.assign(store.catalog().photos(store.source()));
+        return store.list().items() == fresh.items() && store.list().shown() == fresh.shown();
+    };
+    const auto stacksAreSound = [&] {
+        for (const auto& stack : store.catalog().stacks())
+            if (stack.members.size() < 2 || stack.members.front() != stack.pick)
+                return false;
+        return true;
+    };
     std::vector<std::string> states{contentOf(store.catalog())};
     while (states.size() <= 250) {
         actions[static_cast<std::size_t>(upTo(actions.size()))]();
-        ASSERT_TRUE(listIsTrue());
+        ASSERT_TRUE(listIsTrue() && stacksAreSound());
         if (auto state = contentOf(store.catalog()); state != states.back())
             states.push_back(std::move(state));
     }
