@@ -115,6 +115,7 @@ private:
             candidate.photo.path.clear();
         } catch (const MetadataError& error) { // it is there, and is taken in unread
             candidate.failure = error.what();
+            candidate.photo.fileSize.reset();
         }
     }
 

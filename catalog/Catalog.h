@@ -3,6 +3,7 @@
 #include "base/Dates.h"
 #include "catalog/AutoStack.h"
 #include "catalog/Database.h"
+#include "catalog/FileRecord.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/MetadataChange.h"
 #include "catalog/PhotoItem.h"
@@ -30,7 +31,7 @@ struct NewPhoto {
     std::string path; // absolute
     UnixTime addedAt = 0;
     std::optional<UnixTime> fileDate;
-    std::optional<std::int64_t> fileSize;
+    std::optional<std::int64_t> fileSize; // not set when the file could not be read
     PhotoMetadata metadata; // as read from the file
 };
 
@@ -114,6 +115,19 @@ public:
     bool hasMaster(std::string_view path);
     /// File name and size of every master.
     std::vector<std::pair<std::string, std::int64_t>> knownFiles();
+
+    // Files and the metadata in them (CatalogMetadata.cpp)
+    std::int64_t dirtyCount();
+    bool anyDirty(std::span<const PhotoID> ids);
+    /// The photo's master, itself for a master; 0 for an unknown id.
+    PhotoID masterOf(PhotoID id);
+    /// Nothing for an unknown id and for a version.
+    std::optional<FileRecord> fileRecord(PhotoID id);
+    /// Keeps what a file held when it was found. What is kept already stays.
+    void storeMetadataBackup(PhotoID id, std::string_view backup);
+    /// The file now holds these values and has this date and size. The photo waits no longer to be written,
+    /// unless its metadata has changed meanwhile.
+    void metadataWritten(PhotoID id, const PhotoMetadata& written, UnixTime fileDate, std::int64_t fileSize);
 
     // Lists (CatalogSources.cpp)
     /// The photos of a source in its order. For a smart album throws NotFoundError when there is none and

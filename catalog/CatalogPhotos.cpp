@@ -94,7 +94,7 @@ void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack w
     const auto master = database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", id);
     database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
     creator = ?, copyright = ?,
-    dirty = CASE WHEN version_of IS NULL THEN ? ELSE 0 END
+    dirty = CASE WHEN version_of IS NULL AND path NOT LIKE '%.aplibrary/%' THEN ? ELSE 0 END
 WHERE id = ? OR version_of = ?)",
         metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
         metadata.creator.view(), metadata.copyright.view(), writeBack == WriteBack::pending, master, master);
@@ -117,8 +117,9 @@ void Catalog::clearDirty(PhotoID id)
 
 void Catalog::markDirty(std::span<const PhotoID> ids)
 {
-    forEachID(database_, "UPDATE photos SET dirty = 1 WHERE id = ? AND version_of IS NULL", ids,
-        [](Statement& statement, PhotoID id) { statement.bind(id); });
+    forEachID(database_,
+        "UPDATE photos SET dirty = 1 WHERE id = ? AND version_of IS NULL AND path NOT LIKE '%.aplibrary/%'",
+        ids, [](Statement& statement, PhotoID id) { statement.bind(id); });
 }
 
 void Catalog::storeCameraData(PhotoID id, const CameraData& data)

@@ -13,4 +13,7 @@ std::filesystem::path applicationDataFolder();
 /// need not exist yet. Throws std::runtime_error without a home folder.
 std::filesystem::path userDefaultsFolder();
 
+/// Where the files lie that are installed with the program. It need not exist.
+std::filesystem::path resourceFolder();
+
 } // namespace korvo

@@ -162,6 +162,15 @@ void addMarkingCommands(Parser& parser)
         parser, app, "remove", "take photos out of the library; their files stay", addPhotos, removeCommand);
 }
 
+void addMetadataCommands(Parser& parser)
+{
+    CLI::App* const app = &parser.app;
+    command<None>(parser, app, "save", "write changed metadata into the files", noArguments,
+        [](Context& context, const None&) { return saveCommand(context); });
+    command<PhotoArguments>(
+        parser, app, "revert", "metadata back to what the files held when found", addPhotos, revertCommand);
+}
+
 /// What the commands on projects, albums and keywords take.
 struct TreeArguments {
     std::int64_t id = 0;
@@ -320,6 +329,7 @@ ParseResult parseCommandLine(int argc, char** argv)
     addLibraryCommands(*parser);
     addReadingCommands(*parser);
     addMarkingCommands(*parser);
+    addMetadataCommands(*parser);
     addProjectCommands(*parser);
     addAlbumCommands(*parser);
     addKeywordCommands(*parser);

@@ -37,6 +37,10 @@ ExitCode setCommand(Context& context, const MetadataChange& change, const PhotoA
 ExitCode editsCommand(Context& context, const EditsArguments& arguments);
 ExitCode removeCommand(Context& context, const PhotoArguments& photos);
 
+// What files say and hold (MetadataCommands.cpp)
+ExitCode saveCommand(Context& context);
+ExitCode revertCommand(Context& context, const PhotoArguments& photos);
+
 // The tree (TreeCommands.cpp)
 using ParentID = std::optional<std::int64_t>;
 ExitCode treeCommand(Context& context);

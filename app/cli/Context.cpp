@@ -87,6 +87,11 @@ std::vector<PhotoID> Context::photos(const PhotoArguments& arguments)
     return known;
 }
 
+Progress::Mode Context::progressMode() const
+{
+    return options_.quiet ? Progress::Mode::quiet : Progress::Mode::shown;
+}
+
 void Context::print(const std::string& line) const
 {
     std::fwrite(line.data(), 1, line.size(), stdout);

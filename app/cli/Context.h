@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/cli/Progress.h"
 #include "base/Json.h"
 #include "catalog/Catalog.h"
 #include "platform/Defaults.h"
@@ -49,6 +50,8 @@ public:
     /// The photos of the arguments, each once, in their order. Ids that the library does not hold are
     /// failures. Throws std::invalid_argument for what is no id and no source.
     std::vector<PhotoID> photos(const PhotoArguments& arguments);
+
+    Progress::Mode progressMode() const;
 
     /// Writes a line to standard output.
     void print(const std::string& line) const;

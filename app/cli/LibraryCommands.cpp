@@ -14,11 +14,6 @@ namespace korvo {
 
 namespace {
 
-Progress::Mode progressMode(const Context& context)
-{
-    return context.options().quiet ? Progress::Mode::quiet : Progress::Mode::shown;
-}
-
 /// Walks the names once, for the total of the progress bar.
 std::size_t countFiles(const std::vector<std::filesystem::path>& paths, const std::stop_token& stop)
 {
@@ -84,7 +79,7 @@ ExitCode addCommand(Context& context, const std::vector<std::string>& names, boo
     const std::vector<std::filesystem::path> paths(names.begin(), names.end());
     AddResult result;
     {
-        Progress progress("Adding", progressMode(context));
+        Progress progress("Adding", context.progressMode());
         std::jthread counter;
         if (progress.isShown())
             counter = std::jthread(
@@ -103,7 +98,7 @@ ExitCode checkCommand(Context& context)
 {
     HealthReport report;
     {
-        Progress progress("Checking", progressMode(context));
+        Progress progress("Checking", context.progressMode());
         report = checkHealth(context.library(), [&](std::size_t done) { progress.setDone(done); });
     }
     if (context.options().json) {

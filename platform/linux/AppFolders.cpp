@@ -52,4 +52,11 @@ std::filesystem::path userDefaultsFolder()
     return appFolder("KORVO_CONFIG", "XDG_CONFIG_HOME", ".config");
 }
 
+std::filesystem::path resourceFolder()
+{
+    std::error_code unknown; // without /proc there is no such folder
+    const auto program = fs::read_symlink("/proc/self/exe", unknown);
+    return program.parent_path().parent_path() / "share/korvo";
+}
+
 } // namespace korvo

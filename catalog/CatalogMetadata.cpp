@@ -1,0 +1,58 @@
+// What the files hold and what the catalog holds, kept in step.
+
+#include "catalog/Catalog.h"
+#include "catalog/PhotoRows.h"
+
+namespace korvo {
+
+std::int64_t Catalog::dirtyCount()
+{
+    return database_.scalar("SELECT COUNT(*) FROM photos WHERE dirty = 1");
+}
+
+bool Catalog::anyDirty(std::span<const PhotoID> ids)
+{
+    auto statement = database_.kept("SELECT 1 FROM photos WHERE id = ? AND dirty = 1");
+    for (const PhotoID id : ids) {
+        statement.bind(id);
+        if (statement.step())
+            return true;
+    }
+    return false;
+}
+
+PhotoID Catalog::masterOf(PhotoID id)
+{
+    return database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", id);
+}
+
+std::optional<FileRecord> Catalog::fileRecord(PhotoID id)
+{
+    auto statement = database_.kept("SELECT * FROM photos WHERE id = ? AND version_of IS NULL");
+    statement.bind(id);
+    if (!statement.step())
+        return std::nullopt;
+    auto item = PhotoRows(statement).item();
+    return FileRecord{item.id, item.path(), item.fileDate,
+        statement.optionalInteger(statement.column("file_size")), item.dirty,
+        std::string(statement.text(statement.column("metadata_backup"))), std::move(item.metadata)};
+}
+
+void Catalog::storeMetadataBackup(PhotoID id, std::string_view backup)
+{
+    database_.run("UPDATE photos SET metadata_backup = ? WHERE id = ? AND metadata_backup = ''", backup, id);
+}
+
+void Catalog::metadataWritten(
+    PhotoID id, const PhotoMetadata& written, UnixTime fileDate, std::int64_t fileSize)
+{
+    Transaction transaction(database_);
+    fileChanged(id, fileDate, fileSize);
+    database_.run(R"(UPDATE photos SET dirty = 0 WHERE id = ? AND alt_text = ? AND title = ? AND caption = ?
+    AND keywords = ? AND creator = ? AND copyright = ?)",
+        id, written.altText.view(), written.title.view(), written.caption.view(), written.keywords.view(),
+        written.creator.view(), written.copyright.view());
+    transaction.commit();
+}
+
+} // namespace korvo

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "catalog/PhotoMetadata.h"
+#include "metadata/Coordinate.h"
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace korvo {
+
+/// What exiftool is called with, without the program itself.
+using ExifToolArguments = std::vector<std::string>;
+
+enum class Position { keep, strip };
+
+/// Asks for the descriptive fields of files, as JSON.
+ExifToolArguments readArguments(std::span<const std::filesystem::path> files);
+/// Makes a file hold exactly these fields; an empty one deletes its tags.
+ExifToolArguments writeArguments(const PhotoMetadata& metadata, const std::filesystem::path& file);
+/// Moves a file's dates by `seconds`, rounded to whole ones.
+ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::path& file);
+ExifToolArguments writeGPSArguments(const Coordinate& position, const std::filesystem::path& file);
+ExifToolArguments stripGPSArguments(const std::filesystem::path& file);
+ExifToolArguments copyCameraExifArguments(
+    const std::filesystem::path& source, const std::filesystem::path& destination, Position position);
+
+/// The arguments as lines for the tool's option -@. Nothing when they cannot be given that way: where an
+/// argument has to be escaped, the tool leaves a backslash before each "$" and "@".
+std::optional<std::string> argumentLines(const ExifToolArguments& arguments);
+
+} // namespace korvo

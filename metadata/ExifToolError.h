@@ -1,0 +1,24 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace korvo {
+
+/// What keeps exiftool from doing its work; what() is what the tool itself says, where it says anything.
+class ExifToolError : public std::runtime_error {
+public:
+    enum class Case { notFound, failed };
+
+    static ExifToolError notFound();
+    static ExifToolError failed(const std::string& message);
+
+    Case which() const { return which_; }
+
+private:
+    ExifToolError(Case which, const std::string& text) : std::runtime_error(text), which_(which) { }
+
+    Case which_;
+};
+
+} // namespace korvo

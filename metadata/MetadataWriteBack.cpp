@@ -1,0 +1,163 @@
+#include "metadata/MetadataWriteBack.h"
+
+#include "base/Text.h"
+#include "catalog/DatabaseError.h"
+
+#include <fmt/format.h>
+
+namespace korvo {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto autosaveKey = "korvo_autosave_to_files";
+constexpr auto autosaveDelay = 2500ms;
+
+std::string refusal(RevertRefused::Case which)
+{
+    return which == RevertRefused::Case::busy
+        ? "A save or generation is running — try again when it finishes."
+        : "These are in an Aperture library. Korvo never writes into those originals, so there's nothing to "
+          "revert in the files.";
+}
+
+std::string partly(const char* verb, const FilesWritten& result)
+{
+    return fmt::format("{} {}, failed {} — see marked photos.", verb, result.done, result.failures.size());
+}
+
+} // namespace
+
+RevertRefused::RevertRefused(Case which) : std::runtime_error(refusal(which)), which_(which) { }
+
+std::string saveSummary(const FilesWritten& result)
+{
+    return result.failures.empty() ? "Saved metadata into " + counted(result.done, "file") + "."
+                                   : partly("Saved", result);
+}
+
+std::string revertSummary(const FilesWritten& result)
+{
+    return result.failures.empty() ? "Reverted metadata on " + counted(result.done, "photo") + "."
+                                   : partly("Reverted", result);
+}
+
+std::string revertQuestion(std::size_t photos)
+{
+    return "Restores ALT text, title, caption, keywords, creator, and copyright on "
+        + counted(photos, "photo")
+        + " to what the file held when Korvo found it. Unsaved edits are discarded too. Adjustments are not "
+          "affected.";
+}
+
+MetadataWriteBack::MetadataWriteBack(
+    MainThread& main, LibraryStore& store, const ExifTool& tool, Defaults& defaults)
+    : main_(main), store_(store), tool_(tool), defaults_(defaults),
+      autosave_(defaults.get(autosaveKey) == "1" ? Autosave::on : Autosave::off),
+      dirtyCount_(store.catalog().dirtyCount()),
+      storeChanged_(store.changed.connect([this](const LibraryChange& change) { libraryChanged(change); }))
+{ }
+
+void MetadataWriteBack::setAutosaveToFiles(Autosave autosave)
+{
+    main_.assertCurrent();
+    defaults_.set(autosaveKey, autosave == Autosave::on ? "1" : "0");
+    autosave_ = autosave;
+    if (autosave == Autosave::off)
+        autosaveTask_ = nullptr;
+    else if (dirtyCount_ > 0)
+        scheduleAutosave();
+    changed.emit();
+}
+
+void MetadataWriteBack::libraryChanged(const LibraryChange& change)
+{
+    if (const auto count = store_.catalog().dirtyCount(); count != dirtyCount_) {
+        dirtyCount_ = count;
+        changed.emit();
+    }
+    if (autosave_ == Autosave::on && !publishing_ && store_.catalog().anyDirty(change.photos))
+        scheduleAutosave();
+}
+
+void MetadataWriteBack::scheduleAutosave()
+{
+    main_.assertCurrent();
+    autosaveTask_ = main_.postAfter(autosaveDelay, [this] {
+        if (saving_) // what changed during a save waits for its turn
+            scheduleAutosave();
+        else
+            saveMetadataToFiles();
+    });
+}
+
+void MetadataWriteBack::saveMetadataToFiles()
+{
+    main_.assertCurrent();
+    if (saving_ || store_.catalog().dirtyCount() == 0)
+        return;
+    begin("Saving", saveSummary,
+        [&tool = tool_](Catalog& catalog, const std::stop_token& stop, const FileProgress& progress) {
+            return saveMetadata(catalog, tool, stop, progress);
+        });
+}
+
+void MetadataWriteBack::revertMetadataToAsFound(std::span<const PhotoID> photos)
+{
+    main_.assertCurrent();
+    if (saving_)
+        throw RevertRefused(RevertRefused::Case::busy);
+    auto masters = writableMasters(store_.catalog(), photos);
+    if (masters.empty() && !photos.empty())
+        throw RevertRefused(RevertRefused::Case::apertureOriginals);
+    begin("Reverting", revertSummary,
+        [&tool = tool_, ids = std::move(masters)](Catalog& catalog, const std::stop_token& stop,
+            const FileProgress& progress) { return revertMetadata(catalog, ids, tool, stop, progress); });
+}
+
+void MetadataWriteBack::begin(std::string verb, std::string (*summary)(const FilesWritten&), Work work)
+{
+    saving_ = true;
+    task_ = runInBackground(main_,
+        [this, &catalog = store_.catalog(), doing = std::move(verb), summary, job = std::move(work)](
+            const Task::Context& context) {
+            const auto deliver = [&](FilesWritten result, std::string message, bool missing) {
+                context.deliver([=, this] {
+                    exiftoolMissing_ = missing;
+                    finish(result, message);
+                });
+            };
+            try {
+                auto result = job(catalog, context.stopToken(), [&](std::size_t number, std::size_t total) {
+                    context.deliver([=, this] { say(fmt::format("{} {} of {}…", doing, number, total)); });
+                });
+                const auto message = summary(result);
+                deliver(std::move(result), message, false);
+            } catch (const ExifToolError& error) {
+                deliver({}, error.what(), error.which() == ExifToolError::Case::notFound);
+            } catch (const std::exception& error) { // of the catalog: what was not written waits on
+                deliver({}, error.what(), false);
+            }
+        });
+    changed.emit();
+}
+
+void MetadataWriteBack::say(std::string message)
+{
+    statusMessage_ = std::move(message);
+    changed.emit();
+}
+
+void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
+{
+    saving_ = false;
+    statusMessage_ = std::move(message);
+    publishing_ = true;
+    store_.photosChanged(result.touched);
+    publishing_ = false;
+    dirtyCount_ = store_.catalog().dirtyCount();
+    changed.emit();
+}
+
+} // namespace korvo

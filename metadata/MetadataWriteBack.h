@@ -1,0 +1,84 @@
+#pragma once
+
+#include "base/Task.h"
+#include "catalog/LibraryStore.h"
+#include "metadata/MetadataSave.h"
+#include "platform/Defaults.h"
+
+#include <string>
+
+namespace korvo {
+
+/// Why a revert is not begun; what() is for the user.
+class RevertRefused : public std::runtime_error {
+public:
+    enum class Case { busy, apertureOriginals };
+
+    explicit RevertRefused(Case which);
+
+    Case which() const { return which_; }
+
+private:
+    Case which_;
+};
+
+/// What a save or a revert has to say at its end.
+std::string saveSummary(const FilesWritten& result);
+std::string revertSummary(const FilesWritten& result);
+
+/// What the user is asked before a revert, under the title "Revert metadata?".
+std::string revertQuestion(std::size_t photos);
+
+/// Keeps files in step with the descriptive metadata of the open library: saving on command or by itself, and
+/// going back to what the files held. The files are written in the background. Used on the main thread.
+class MetadataWriteBack {
+public:
+    enum class Autosave { off, on };
+
+    /// All of these must outlive this.
+    MetadataWriteBack(MainThread& main, LibraryStore& store, const ExifTool& tool, Defaults& defaults);
+
+    Signal<> changed; // something below has a new value
+
+    /// How many photos hold metadata that is not yet in their files.
+    std::int64_t dirtyCount() const { return dirtyCount_; }
+    /// Whether a save or a revert is running.
+    bool isSaving() const { return saving_; }
+    /// What is being done, or what came of it.
+    const std::string& statusMessage() const { return statusMessage_; }
+    bool exiftoolMissing() const { return exiftoolMissing_; }
+    Autosave autosaveToFiles() const { return autosave_; }
+    /// Throws std::system_error when the preference cannot be kept.
+    void setAutosaveToFiles(Autosave autosave);
+
+    /// Writes what waits; nothing while a save runs or when nothing waits.
+    void saveMetadataToFiles();
+    /// Saves a moment after the last call.
+    void scheduleAutosave();
+    /// Throws RevertRefused.
+    void revertMetadataToAsFound(std::span<const PhotoID> photos);
+
+private:
+    using Work = std::function<FilesWritten(Catalog&, const std::stop_token&, const FileProgress&)>;
+
+    void libraryChanged(const LibraryChange& change);
+    void begin(std::string verb, std::string (*summary)(const FilesWritten&), Work work);
+    void say(std::string message);
+    void finish(const FilesWritten& result, std::string message);
+
+    MainThread& main_;
+    LibraryStore& store_;
+    const ExifTool& tool_;
+    Defaults& defaults_;
+    Autosave autosave_;
+    std::int64_t dirtyCount_;
+    bool saving_ = false;
+    bool publishing_ = false; // what we change ourselves asks for no further save
+    bool exiftoolMissing_ = false;
+    std::string statusMessage_;
+    Connection storeChanged_;
+    MainThread::Timer autosaveTask_;
+    Task task_; // last, so that it ends first
+};
+
+} // namespace korvo
