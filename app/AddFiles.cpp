@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "catalog/FolderScan.h"
+#include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/MetadataError.h"
 
@@ -39,12 +40,6 @@ PhotoMetadata photoMetadata(const DescriptiveFields& fields)
 {
     return {fields.altText, fields.title, fields.caption, joinKeywords(fields.keywords), fields.creator,
         fields.copyright};
-}
-
-CameraData cameraData(const PhotoExifInfo& exif)
-{
-    return {exif.camera.value_or(""), exif.lens.value_or(""), exif.isoValue, exif.focalValue,
-        exif.apertureValue, exif.shutterSeconds, exif.captureTimestamp};
 }
 
 /// The steps of one run. Scanning and storing each go through the batches one after the other, in the order

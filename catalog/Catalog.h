@@ -109,14 +109,22 @@ public:
     void fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize);
     void deletePhotos(std::span<const PhotoID> ids);
     std::vector<PhotoItem> dirtyPhotos();
-    /// Id and path of up to `limit` masters whose camera data has not been read yet.
-    std::vector<std::pair<PhotoID, std::string>> photosToRead(std::int64_t limit);
     bool contains(PhotoID id);
     bool hasMaster(std::string_view path);
     /// File name and size of every master.
     std::vector<std::pair<std::string, std::int64_t>> knownFiles();
 
     // Files and the metadata in them (CatalogMetadata.cpp)
+    /// Id and path of up to `limit` masters behind the id `after` whose camera data has not been read yet.
+    std::vector<std::pair<PhotoID, std::string>> photosToRead(std::int64_t limit, PhotoID after = 0);
+    /// The same of those whose position has not been read.
+    std::vector<std::pair<PhotoID, std::string>> photosToLocate(std::int64_t limit, PhotoID after = 0);
+    /// The masters and all their versions.
+    std::vector<PhotoID> withVersions(std::span<const PhotoID> masters);
+    bool isCaptureDateRead(PhotoID id);
+    /// The position that the user gives a photo, for its versions too; none takes it away. The file's own
+    /// does not come back.
+    void setUserPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude);
     std::int64_t dirtyCount();
     bool anyDirty(std::span<const PhotoID> ids);
     /// The photo's master, itself for a master; 0 for an unknown id.

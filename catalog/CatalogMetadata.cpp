@@ -5,6 +5,62 @@
 
 namespace korvo {
 
+namespace {
+
+std::vector<std::pair<PhotoID, std::string>> idsAndPaths(
+    Database& database, std::string_view sql, PhotoID after, std::int64_t limit)
+{
+    std::vector<std::pair<PhotoID, std::string>> photos;
+    auto statement = database.kept(sql);
+    statement.bind(after, limit);
+    while (statement.step())
+        photos.emplace_back(statement.integer(0), statement.text(1));
+    return photos;
+}
+
+} // namespace
+
+std::vector<std::pair<PhotoID, std::string>> Catalog::photosToRead(std::int64_t limit, PhotoID after)
+{
+    return idsAndPaths(database_,
+        "SELECT id, path FROM photos WHERE id > ? AND version_of IS NULL AND (exif_read = 0 OR capture_read "
+        "= 0) "
+        "ORDER BY id LIMIT ?",
+        after, limit);
+}
+
+std::vector<std::pair<PhotoID, std::string>> Catalog::photosToLocate(std::int64_t limit, PhotoID after)
+{
+    return idsAndPaths(database_,
+        "SELECT id, path FROM photos WHERE id > ? AND version_of IS NULL AND gps_read = 0 ORDER BY id LIMIT "
+        "?",
+        after, limit);
+}
+
+std::vector<PhotoID> Catalog::withVersions(std::span<const PhotoID> masters)
+{
+    std::vector<PhotoID> all(masters.begin(), masters.end());
+    auto statement = database_.kept("SELECT id FROM photos WHERE version_of = ?");
+    for (const PhotoID master : masters) {
+        statement.bind(master);
+        while (statement.step())
+            all.push_back(statement.integer(0));
+    }
+    return all;
+}
+
+bool Catalog::isCaptureDateRead(PhotoID id)
+{
+    return database_.scalar("SELECT capture_read FROM photos WHERE id = ?", id) != 0;
+}
+
+void Catalog::setUserPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude)
+{
+    database_.run(
+        "UPDATE photos SET latitude = ?, longitude = ?, gps_read = 1 WHERE id = ? OR version_of = ?",
+        latitude, longitude, id, id);
+}
+
 std::int64_t Catalog::dirtyCount()
 {
     return database_.scalar("SELECT COUNT(*) FROM photos WHERE dirty = 1");

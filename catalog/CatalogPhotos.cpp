@@ -174,17 +174,6 @@ std::vector<PhotoItem> Catalog::dirtyPhotos()
     return items;
 }
 
-std::vector<std::pair<PhotoID, std::string>> Catalog::photosToRead(std::int64_t limit)
-{
-    std::vector<std::pair<PhotoID, std::string>> photos;
-    auto statement = database_.kept("SELECT id, path FROM photos WHERE version_of IS NULL AND (exif_read = 0 "
-                                    "OR capture_read = 0) LIMIT ?");
-    statement.bind(limit);
-    while (statement.step())
-        photos.emplace_back(statement.integer(0), statement.text(1));
-    return photos;
-}
-
 bool Catalog::contains(PhotoID id)
 {
     return database_.scalar("SELECT COUNT(*) FROM photos WHERE id = ?", id) > 0;

@@ -162,13 +162,63 @@ void addMarkingCommands(Parser& parser)
         parser, app, "remove", "take photos out of the library; their files stay", addPhotos, removeCommand);
 }
 
+/// Takes latitude and longitude from the front of the ids.
+Coordinate takePosition(PhotoArguments& photos)
+{
+    double numbers[2]{};
+    for (double& number : numbers) {
+        if (photos.ids.empty() || !CLI::detail::lexical_cast(photos.ids.front(), number))
+            throw std::invalid_argument("a position is a latitude and a longitude in degrees");
+        photos.ids.erase(photos.ids.begin());
+    }
+    if (photos.ids.empty() && photos.source.empty())
+        throw std::invalid_argument("no photos to locate");
+    return {numbers[0], numbers[1]};
+}
+
 void addMetadataCommands(Parser& parser)
 {
     CLI::App* const app = &parser.app;
+    command<std::string>(
+        parser, app, "info", "what a file itself says of how it was taken",
+        [](CLI::App& sub, std::string& file) { sub.add_option("FILE", file, "the file")->required(); },
+        [](Context& context, const std::string& file) { return infoCommand(context, file); });
+    command<None>(parser, app, "read", "read camera data and positions of files not read yet", noArguments,
+        [](Context& context, const None&) { return readCommand(context); });
     command<None>(parser, app, "save", "write changed metadata into the files", noArguments,
         [](Context& context, const None&) { return saveCommand(context); });
     command<PhotoArguments>(
         parser, app, "revert", "metadata back to what the files held when found", addPhotos, revertCommand);
+    struct Shift {
+        double seconds = 0;
+        PhotoArguments photos;
+    };
+    command<Shift>(
+        parser, app, "shift-dates", "move capture dates, in the library and in the files",
+        [](CLI::App& sub, Shift& shift) {
+            sub.add_option("SECONDS", shift.seconds, "how far; negative is earlier")->required();
+            addPhotos(sub, shift.photos);
+        },
+        [](Context& context, const Shift& shift) {
+            return shiftDatesCommand(context, shift.seconds, shift.photos);
+        });
+    struct Locate {
+        bool clear = false;
+        PhotoArguments photos; // latitude and longitude stand before the ids unless it is cleared
+    };
+    command<Locate>(
+        parser, app, "locate", "say where photos were taken: LAT LON ID..., or --clear ID...",
+        [](CLI::App& sub, Locate& locate) {
+            sub.add_flag("--clear", locate.clear, "take the position away");
+            addPhotos(sub, locate.photos);
+        },
+        [](Context& context, const Locate& locate) {
+            if (locate.clear)
+                return locateCommand(context, std::nullopt, locate.photos);
+            auto photos = locate.photos;
+            const auto position = takePosition(photos);
+            return locateCommand(context, position, photos);
+        });
 }
 
 /// What the commands on projects, albums and keywords take.

@@ -2,6 +2,7 @@
 
 #include "app/cli/Context.h"
 #include "catalog/GridOrder.h"
+#include "metadata/Coordinate.h"
 
 #include <string>
 #include <vector>
@@ -38,7 +39,13 @@ ExitCode editsCommand(Context& context, const EditsArguments& arguments);
 ExitCode removeCommand(Context& context, const PhotoArguments& photos);
 
 // What files say and hold (MetadataCommands.cpp)
+ExitCode infoCommand(Context& context, const std::filesystem::path& file);
+ExitCode readCommand(Context& context);
 ExitCode saveCommand(Context& context);
+ExitCode shiftDatesCommand(Context& context, double seconds, const PhotoArguments& photos);
+/// No position takes the photos' away.
+ExitCode locateCommand(
+    Context& context, const std::optional<Coordinate>& position, const PhotoArguments& photos);
 ExitCode revertCommand(Context& context, const PhotoArguments& photos);
 
 // The tree (TreeCommands.cpp)

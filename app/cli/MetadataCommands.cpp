@@ -1,11 +1,15 @@
 #include "app/cli/Commands.h"
 #include "base/Text.h"
+#include "metadata/Backfill.h"
+#include "metadata/DescriptiveReader.h"
+#include "metadata/FileAdjustments.h"
 #include "metadata/MetadataSave.h"
 #include "metadata/MetadataWriteBack.h"
 #include "platform/AppFolders.h"
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -56,7 +60,115 @@ ExitCode report(Context& context, const FilesWritten& result, const char* key, c
     return context.finish(result.done);
 }
 
+std::string infoJSON(const PhotoExifInfo& info)
+{
+    JsonWriter json;
+    json.beginObject();
+    json.member("camera", info.camera);
+    json.member("lens", info.lens);
+    json.member("exposure", info.exposure);
+    json.member("aperture", info.aperture);
+    json.member("focalLength", info.focalLength);
+    json.member("captureDate", info.captureDate);
+    json.member("captureTimestamp", info.captureTimestamp);
+    json.member("pixelSize", info.pixelSize);
+    if (info.coordinate) {
+        json.key("coordinate");
+        json.beginObject();
+        json.member("latitude", info.coordinate->latitude);
+        json.member("longitude", info.coordinate->longitude);
+        json.endObject();
+    }
+    json.member("isoValue", info.isoValue);
+    json.member("focalValue", info.focalValue);
+    json.member("apertureValue", info.apertureValue);
+    json.member("shutterSeconds", info.shutterSeconds);
+    json.endObject();
+    return json.take();
+}
+
+std::string infoText(const PhotoExifInfo& info)
+{
+    std::string text;
+    const auto line = [&](std::string_view label, const std::optional<std::string>& value) {
+        if (value)
+            text += fmt::format("{}{:<14}{}", text.empty() ? "" : "\n", label, *value);
+    };
+    line("camera", info.camera);
+    line("lens", info.lens);
+    line("exposure", info.exposure);
+    line("aperture", info.aperture);
+    if (info.isoValue)
+        line("sensitivity", fmt::format("ISO {}", *info.isoValue));
+    line("focal length", info.focalLength);
+    line("captured", info.captureDate);
+    line("size", info.pixelSize);
+    if (info.coordinate)
+        line("position", fmt::format("{} {}", info.coordinate->latitude, info.coordinate->longitude));
+    return text;
+}
+
+/// Reads all that is not read yet, and returns how many files that were.
+std::size_t readAll(Context& context, Backfill kind)
+{
+    Progress progress(kind == Backfill::camera ? "Reading" : "Locating", context.progressMode());
+    std::size_t read = 0;
+    BackfillBatch batch;
+    for (PhotoID last = 0; !batch.isLast && !context.stop().stop_requested();) {
+        batch = readBatch(context.library(), kind, last, context.stop());
+        if (batch.photos.empty())
+            break;
+        last = batch.photos.back();
+        read += batch.photos.size();
+        progress.setDone(read);
+    }
+    return read;
+}
+
 } // namespace
+
+ExitCode infoCommand(Context& context, const std::filesystem::path& file)
+{
+    const auto info = readFileMetadata(file).exif;
+    context.print(context.options().json ? infoJSON(info) : infoText(info));
+    return ExitCode::done;
+}
+
+ExitCode readCommand(Context& context)
+{
+    const auto camera = readAll(context, Backfill::camera), positions = readAll(context, Backfill::positions);
+    context.print(context.options().json ? fmt::format(R"({{"camera":{},"positions":{}}})", camera, positions)
+                                         : fmt::format("Camera data of {} and positions of {} read.",
+                                             counted(camera, "photo"), counted(positions, "photo")));
+    return context.finish(1);
+}
+
+ExitCode shiftDatesCommand(Context& context, double seconds, const PhotoArguments& arguments)
+{
+    constexpr double longest = 1e11; // more years than a date can have
+    if (!(std::abs(seconds) < longest))
+        throw std::invalid_argument("dates cannot be moved that far");
+    const auto ids = context.photos(arguments);
+    const auto result
+        = withProgress(context, "Shifting", [&](const ExifTool& tool, const FileProgress& progress) {
+              return shiftDates(context.library(), ids, seconds, tool, context.stop(), progress);
+          });
+    return report(context, result, "shifted", "Moved the dates of " + counted(result.done, "photo") + ".");
+}
+
+ExitCode locateCommand(
+    Context& context, const std::optional<Coordinate>& position, const PhotoArguments& arguments)
+{
+    if (position && !(std::abs(position->latitude) <= 90 && std::abs(position->longitude) <= 180))
+        throw std::invalid_argument("a latitude is from -90 to 90, a longitude from -180 to 180 degrees");
+    const auto ids = context.photos(arguments);
+    const auto result
+        = withProgress(context, "Locating", [&](const ExifTool& tool, const FileProgress& progress) {
+              return setLocation(context.library(), ids, position, tool, context.stop(), progress);
+          });
+    return report(context, result, "located",
+        (position ? "Located " : "Took the position from ") + counted(result.done, "photo") + ".");
+}
 
 ExitCode saveCommand(Context& context)
 {
