@@ -109,8 +109,9 @@ private:
             candidate.failure = sentence(candidate.file.path, error.code().message());
             candidate.photo.path.clear();
         } catch (const MetadataError& error) { // it is there, and is taken in unread
-            candidate.failure = error.what();
             candidate.photo.fileSize.reset();
+            candidate.failure
+                = (candidate.file.path.parent_path() / error.what()).string(); // it begins with the name
         }
     }
 

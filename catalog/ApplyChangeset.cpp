@@ -71,6 +71,24 @@ Replay replayOf(const ChangeIterator& change, const ColumnNames& columns)
     return replay;
 }
 
+/// Gives the photos and folders that get another path, or go, a path that nothing else has, so that two of
+/// them may change places and one may come back where another goes.
+void freePaths(Database& database, const Changeset& changes)
+{
+    constexpr int folderPath = 1;
+    constexpr int photoPath = 2;
+    for (ChangeIterator change(changes); change.next();) {
+        const bool isPhoto = change.table() == "photos";
+        if (change.operation() == Operation::insert || (!isPhoto && change.table() != "folders"))
+            continue;
+        if (change.operation() == Operation::update && !change.after(isPhoto ? photoPath : folderPath))
+            continue;
+        database.run(isPhoto ? "UPDATE photos SET path = 'moving ' || id WHERE id = ?"
+                             : "UPDATE folders SET path = 'moving ' || id WHERE id = ?",
+            sqlite3_value_int64(change.key(0)));
+    }
+}
+
 } // namespace
 
 void apply(Database& database, const Changeset& changes)
@@ -78,6 +96,7 @@ void apply(Database& database, const Changeset& changes)
     Transaction transaction(database);
     database.exec("PRAGMA defer_foreign_keys = ON"); // until the end of the transaction
     std::map<std::string, ColumnNames, std::less<>> columns;
+    freePaths(database, changes);
     // Rows are removed last: what was moved out of them, or comes back, must not go by cascade.
     for (const auto operation : {Operation::insert, Operation::update, Operation::remove})
         for (ChangeIterator change(changes); change.next();) {

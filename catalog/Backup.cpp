@@ -2,7 +2,10 @@
 
 #include "platform/FileSync.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -35,6 +38,30 @@ void copyDatabase(Database& source, const std::filesystem::path& file)
         throw DatabaseError::step(sqlite3_errmsg(opened), "backup");
 }
 
+/// Copies that were never finished, by a process that is long gone.
+void removeAbandoned(const std::filesystem::path& folder)
+{
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().extension() == ".part" && entry.last_write_time() < longAgo)
+            std::filesystem::remove(entry.path());
+}
+
+/// A reader in another process must not hold up the opening of the library.
+class WithoutWaiting {
+public:
+    explicit WithoutWaiting(Database& database) : database_(database)
+    {
+        sqlite3_busy_timeout(database_.handle(), 0);
+    }
+    ~WithoutWaiting() { sqlite3_busy_timeout(database_.handle(), Database::busyMilliseconds); }
+    WithoutWaiting(const WithoutWaiting&) = delete;
+    WithoutWaiting& operator=(const WithoutWaiting&) = delete;
+
+private:
+    Database& database_;
+};
+
 void prune(const std::filesystem::path& folder)
 {
     std::vector<std::string> names;
@@ -54,13 +81,16 @@ try {
     const auto file = folder / ("catalog-" + localDay(now) + ".sqlite");
     if (std::filesystem::exists(file))
         return;
+    removeAbandoned(folder);
     try {
+        const WithoutWaiting impatient(database);
         database.exec("PRAGMA wal_checkpoint(TRUNCATE)");
     } catch (const DatabaseError&) {
         // Another process reads the log just now; the copy is made through the log and misses nothing.
     }
     auto unfinished = file;
-    unfinished += ".part";
+    unfinished
+        += "." + std::to_string(::getpid()) + ".part"; // two processes may open the day's first library
     copyDatabase(database, unfinished);
     moveIntoPlace(unfinished, file);
     prune(folder);

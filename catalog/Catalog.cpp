@@ -8,16 +8,17 @@ namespace korvo {
 
 namespace {
 
-/// Refuses what this program must not touch, before anything is made or changed. A catalog with a log beside
-/// it is looked at again once it is open, since the log may hold its last state.
+/// Refuses what this program must not touch, before anything is made or changed. A log beside the catalog may
+/// hold its last state, and is looked through.
 void refuseForeignFile(const std::filesystem::path& file)
 {
+    if (!std::filesystem::exists(file))
+        return;
     auto log = file;
     log += "-wal";
-    if (!std::filesystem::exists(file) || std::filesystem::exists(log))
-        return;
     try {
-        auto database = Database::openReadOnly(file);
+        auto database
+            = std::filesystem::exists(log) ? Database::openForALook(file) : Database::openReadOnly(file);
         refuseNewerSchema(database);
     } catch (const DatabaseError& error) {
         throw error.which() == DatabaseError::Case::open ? error : DatabaseError::open(error.message());
@@ -40,7 +41,6 @@ std::filesystem::path prepareFolder(const std::filesystem::path& folder)
 Catalog::Catalog(const std::filesystem::path& folder, const Clock& clock)
     : folder_(prepareFolder(folder)), database_(folder_ / "catalog.sqlite")
 {
-    refuseNewerSchema(database_);
     backUpDaily(database_, backupsFolder(), clock.now());
     migrate(database_);
     repairMovedPaths(database_, folder_);

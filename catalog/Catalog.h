@@ -144,6 +144,9 @@ public:
     /// The same one by one, while the catalog is held: for output that need not be in memory at once.
     void forEachPhoto(
         const std::optional<LibrarySource>& source, const std::function<void(PhotoItem&&)>& use);
+    /// Throws NotFoundError when the source is one of a folder, album, smart album, project or person that
+    /// the library does not hold.
+    void requireSource(const LibrarySource& source);
     /// The rows of these ids, in the order of the ids; unknown ids are left out.
     std::vector<PhotoItem> photosByID(std::span<const PhotoID> ids);
     std::optional<PhotoItem> photo(PhotoID id);

@@ -22,6 +22,16 @@ void forEachID(Database& database, std::string_view sql, std::span<const PhotoID
     transaction.commit();
 }
 
+std::optional<PhotoMetadata> metadataOf(Database& database, PhotoID id)
+{
+    auto row = database.kept(
+        "SELECT alt_text, title, caption, keywords, creator, copyright FROM photos WHERE id = ?");
+    row.bind(id);
+    if (!row.step())
+        return std::nullopt;
+    return PhotoMetadata{row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5)};
+}
+
 } // namespace
 
 std::vector<AddedPhoto> Catalog::addPhotos(std::span<const NewPhoto> photos)
@@ -104,9 +114,14 @@ WHERE id = ? OR version_of = ?)",
 void Catalog::changeMetadata(std::span<const PhotoID> ids, const MetadataChange& change, WriteBack writeBack)
 {
     Transaction transaction(database_);
-    for (const PhotoID id : ids)
-        if (const auto item = photo(id))
-            setMetadata(id, change.appliedTo(item->metadata), writeBack);
+    for (const PhotoID id : ids) {
+        const auto old = metadataOf(database_, id);
+        if (!old)
+            continue;
+        // What is the same already must not be written into the file.
+        if (const auto changed = change.appliedTo(*old); !(changed == *old))
+            setMetadata(id, changed, writeBack);
+    }
     transaction.commit();
 }
 

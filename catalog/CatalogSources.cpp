@@ -78,6 +78,23 @@ std::vector<std::int64_t> Catalog::withDescendants(std::int64_t project)
     return all;
 }
 
+void Catalog::requireSource(const LibrarySource& source)
+{
+    struct Table {
+        Kind kind;
+        const char* noun;
+        const char* count;
+    };
+    constexpr Table tables[] = {{Kind::folder, "folder", "SELECT COUNT(*) FROM folders WHERE id = ?"},
+        {Kind::album, "album", "SELECT COUNT(*) FROM albums WHERE id = ?"},
+        {Kind::smartAlbum, "smart album", "SELECT COUNT(*) FROM smart_albums WHERE id = ?"},
+        {Kind::project, "project", "SELECT COUNT(*) FROM projects WHERE id = ?"},
+        {Kind::person, "person", "SELECT COUNT(*) FROM people WHERE id = ?"}};
+    for (const auto& [kind, noun, count] : tables)
+        if (kind == source.kind && database_.scalar(count, source.id) == 0)
+            throw NotFoundError(noun, source.id);
+}
+
 std::string Catalog::sourceCondition(const LibrarySource& source)
 {
     if (source.kind == Kind::project)

@@ -6,8 +6,6 @@ namespace korvo {
 
 namespace {
 
-constexpr int busyMilliseconds = 5000;
-
 std::string messageOf(sqlite3* handle)
 {
     return handle ? sqlite3_errmsg(handle) : "unknown";
@@ -64,6 +62,15 @@ Database Database::openReadOnly(const std::filesystem::path& file)
     const auto uri = "file:" + uriPath(std::filesystem::absolute(file)) + "?mode=ro&immutable=1";
     Database database(uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     database.exec("PRAGMA foreign_keys = ON");
+    return database;
+}
+
+Database Database::openForALook(const std::filesystem::path& file)
+{
+    Database database(std::filesystem::absolute(file).native(), SQLITE_OPEN_READWRITE);
+    int keep = 1;
+    sqlite3_db_config(database.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    sqlite3_file_control(database.handle(), "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
     return database;
 }
 

@@ -17,6 +17,9 @@ namespace korvo {
 /// Transaction).
 class Database {
 public:
+    /// How long a locked database is waited for.
+    static constexpr int busyMilliseconds = 5000;
+
     /// Opens or creates the file read-write, with a write-ahead log and foreign keys on. A locked database is
     /// waited for, 5 s at most, here and in every later call. Throws DatabaseError (open, step).
     explicit Database(const std::filesystem::path& file);
@@ -25,6 +28,10 @@ public:
     /// Changes that others make meanwhile, and those in a write-ahead log, are not seen. Throws
     /// DatabaseError.
     static Database openReadOnly(const std::filesystem::path& file);
+
+    /// Opens a file for a look through its write-ahead log, which is neither written back nor removed when
+    /// the connection closes. Throws DatabaseError (open).
+    static Database openForALook(const std::filesystem::path& file);
 
     /// Runs one or more statements. Throws DatabaseError (step).
     void exec(const std::string& sql);

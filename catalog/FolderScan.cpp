@@ -15,6 +15,15 @@ bool isHidden(const fs::path& path)
     return path.filename().native().starts_with('.');
 }
 
+/// Whether the entry is what a library keeps for itself: previews and backups are no photos.
+bool isLibraryOwn(const fs::path& path)
+{
+    const auto name = path.filename();
+    std::error_code ignored; // what cannot be looked at is no library
+    return (name == "Previews" || name == "Backups")
+        && fs::exists(path.parent_path() / "catalog.sqlite", ignored);
+}
+
 /// The path without links in its folders. A link that is the file itself stays: its name is the photo's.
 fs::path resolved(const fs::path& path)
 {
@@ -77,7 +86,7 @@ std::optional<ScannedFile> FolderScan::enter(const fs::path& folder)
     Level level;
     for (fs::directory_iterator entries(folder, error), end; !error && entries != end;
          entries.increment(error))
-        if (!isHidden(entries->path()))
+        if (!isHidden(entries->path()) && !isLibraryOwn(entries->path()))
             level.entries.push_back(*entries);
     if (error)
         return ScannedFile{folder, root_, reason(error)};

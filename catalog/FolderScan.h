@@ -17,8 +17,8 @@ struct ScannedFile {
 };
 
 /// Walks the given folders, and takes the given files, one photo at a time in an order that depends on the
-/// names alone. Hidden files and folders are passed over, except those named by the user; links to folders
-/// are not followed, so that no circle can form. Nothing is opened.
+/// names alone. Hidden files and folders, and what libraries keep for themselves, are passed over, except
+/// those named by the user; links to folders are not followed, so that no circle can form. Nothing is opened.
 class FolderScan {
 public:
     explicit FolderScan(std::span<const std::filesystem::path> paths);

@@ -131,7 +131,12 @@ void LibraryStore::undo()
     if (!step)
         return;
     const auto inverse = step->changes.inverted();
-    replay(inverse);
+    try {
+        replay(inverse);
+    } catch (const DatabaseError&) { // it can never be undone; the steps before it still may
+        history_.forgetUndo();
+        throw;
+    }
     history_.undone();
     const auto rows = changedRows(catalog_->database(), inverse);
     publish(rows, rows.inserted.empty() ? rows.updated : rows.inserted);
@@ -143,9 +148,14 @@ void LibraryStore::redo()
     const UndoStep* const step = history_.toRedo();
     if (!step)
         return;
-    replay(step->changes);
-    history_.redone();
     const auto rows = changedRows(catalog_->database(), step->changes);
+    try {
+        replay(step->changes);
+    } catch (const DatabaseError&) {
+        history_.forgetRedo();
+        throw;
+    }
+    history_.redone();
     publish(rows, rows.updated);
 }
 
@@ -212,13 +222,14 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
 {
     if (!source_)
         return false;
+    const bool renamed = rows.photoColumns.contains("filename");
     switch (source_->kind) {
     case Kind::album:
-        return rows.albums.contains(source_->id);
+        return renamed || rows.albums.contains(source_->id);
     case Kind::smartAlbum:
         return rows.smartAlbums.contains(source_->id);
     case Kind::recentlyAdded:
-        return !rows.inserted.empty() || !rows.deleted.empty();
+        return renamed || !rows.inserted.empty() || !rows.deleted.empty();
     case Kind::project:
     case Kind::person:
     case Kind::faces:

@@ -89,7 +89,8 @@ public:
     std::optional<std::string> undoTitle() const;
     std::optional<std::string> redoTitle() const;
     /// Takes the last action back, or does it again, and selects the photos it touched. Nothing happens when
-    /// there is none. Metadata that comes back waits to be written into the files again.
+    /// there is none; a step that can no longer be taken is forgotten, and DatabaseError thrown. Metadata
+    /// that comes back waits to be written into the files again.
     void undo();
     void redo();
 

@@ -33,11 +33,12 @@ void repairMovedPaths(Database& database, const std::filesystem::path& libraryFo
     if (stored == current)
         return;
     Transaction transaction(database);
+    // A path that has a row already keeps it: a duplicate must not make the library impossible to open.
     if (stored) {
-        moveInside(database, "SELECT id, path FROM folders", "UPDATE folders SET path = ? WHERE id = ?",
-            *stored, current);
-        moveInside(database, "SELECT id, path FROM photos", "UPDATE photos SET path = ? WHERE id = ?",
-            *stored, current);
+        moveInside(database, "SELECT id, path FROM folders",
+            "UPDATE OR IGNORE folders SET path = ? WHERE id = ?", *stored, current);
+        moveInside(database, "SELECT id, path FROM photos",
+            "UPDATE OR IGNORE photos SET path = ? WHERE id = ?", *stored, current);
     }
     writeMeta(database, "library_path", current);
     transaction.commit();

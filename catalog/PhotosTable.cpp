@@ -102,8 +102,14 @@ void rebuildPhotos(Database& database)
         names += (names.empty() ? "" : ", ") + column.name;
     }
     database.exec("INSERT INTO photos_rebuild (" + names + ") SELECT " + names + " FROM photos");
+    const auto lastID = database.scalar("SELECT seq FROM sqlite_sequence WHERE name = 'photos'");
     database.exec("DROP TABLE photos");
     database.exec("ALTER TABLE photos_rebuild RENAME TO photos");
+    // The ids of deleted photos are never given again: other rows and caches may still know them.
+    database.exec("DELETE FROM sqlite_sequence WHERE name = 'photos'");
+    database.run(
+        "INSERT INTO sqlite_sequence (name, seq) SELECT 'photos', MAX(?, COALESCE(MAX(id), 0)) FROM photos",
+        lastID);
     database.exec(rebuiltIndexes);
     if (contains(held, "project_id"))
         database.exec("CREATE INDEX IF NOT EXISTS idx_photos_project ON photos(project_id)");

@@ -33,6 +33,10 @@ public:
     const UndoStep* toUndo() const { return done_ > 0 ? &steps_[done_ - 1] : nullptr; }
     const UndoStep* toRedo() const { return done_ < steps_.size() ? &steps_[done_] : nullptr; }
 
+    /// Forgets a step that cannot be undone, or redone, any more.
+    void forgetUndo() { steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(--done_)); }
+    void forgetRedo() { steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(done_)); }
+
     void undone() { --done_; }
     void redone() { ++done_; }
 

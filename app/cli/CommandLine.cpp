@@ -13,7 +13,6 @@ void addPhotos(CLI::App& sub, PhotoArguments& photos)
     sub.add_option("ID", photos.ids, "photo ids, or - for ids from standard input");
     sub.add_option("--source", photos.source,
         "all photos of a source: all, folder:ID, album:ID, smart:ID, project:ID, flagged, …");
-    sub.preparse_callback([&sub](std::size_t) { sub.require_option(0); });
     sub.final_callback([&photos] {
         if (photos.ids.empty() && photos.source.empty())
             throw CLI::RequiredError("ID or --source");
@@ -67,10 +66,13 @@ void addReadingCommands(Parser& parser)
             sub.add_option("--source", list.source,
                 "all, folder:ID, album:ID, smart:ID, project:ID, person:ID, flagged, no-alt, recent, videos");
             sub.add_option("--sort", list.sort, "name, imported, fileDate or rating")
-                ->transform(CLI::Transformer(choices(sortKeyNames, &SortKeyName::key)));
+                ->transform(CLI::CheckedTransformer(choices(sortKeyNames, &SortKeyName::key)).description(""))
+                ->type_name("KEY");
             sub.add_option(
                    "--filter", list.filter, "unratedOrBetter, starred, flagged, rejected, videos, hasGPS, …")
-                ->transform(CLI::Transformer(choices(gridFilterNames, &GridFilterName::filter)));
+                ->transform(CLI::CheckedTransformer(choices(gridFilterNames, &GridFilterName::filter))
+                                .description(""))
+                ->type_name("FILTER");
         },
         listCommand);
     command<PhotoID>(
@@ -389,12 +391,12 @@ ParseResult parseCommandLine(int argc, char** argv)
         parser->app.parse(argc, argv);
     } catch (const CLI::Success& asked) { // help or version
         parser->app.exit(asked);
-        return {};
+        return {std::nullopt, {}, ExitCode::done};
     } catch (const CLI::ParseError& error) {
         std::fprintf(stderr, "korvo: %s\n%s", reason(parser->app, error).c_str(), parser->app.help().c_str());
-        return {std::nullopt, ExitCode::usage};
+        return {std::nullopt, {}, ExitCode::usage};
     }
-    return {ParsedCommand{parser->options, parser->chosen}, ExitCode::done};
+    return {ParsedCommand{parser->options, parser->chosen}, parser->app.help(), ExitCode::done};
 }
 
 } // namespace korvo

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace korvo {
 
@@ -17,6 +18,7 @@ struct ParsedCommand {
 /// --version what was asked for, and the exit code is given instead of a command.
 struct ParseResult {
     std::optional<ParsedCommand> command;
+    std::string usage; // of the command
     ExitCode exitCode = ExitCode::done;
 };
 

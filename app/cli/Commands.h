@@ -26,7 +26,7 @@ struct ListArguments {
 };
 struct EditsArguments {
     PhotoID photo = 0;
-    std::string set; // JSON, or "@" and the name of a file that holds it
+    std::optional<std::string> set; // JSON, or "@" and the name of a file that holds it
     bool clear = false;
 };
 ExitCode listCommand(Context& context, const ListArguments& arguments);

@@ -68,12 +68,20 @@ Catalog& Context::library()
     return *library_;
 }
 
+std::optional<LibrarySource> Context::existingSource(const std::string& text)
+{
+    auto source = parseSource(text);
+    if (source)
+        library().requireSource(*source);
+    return source;
+}
+
 std::vector<PhotoID> Context::photos(const PhotoArguments& arguments)
 {
     auto ids = listedIDs(arguments.ids);
     if (!arguments.source.empty())
         library().forEachPhoto(
-            parseSource(arguments.source), [&](PhotoItem&& item) { ids.push_back(item.id); });
+            existingSource(arguments.source), [&](PhotoItem&& item) { ids.push_back(item.id); });
     std::unordered_set<PhotoID> seen;
     std::vector<PhotoID> known;
     for (const PhotoID id : ids) {
@@ -105,10 +113,16 @@ void Context::printMade(std::int64_t id) const
 
 ExitCode Context::finish(std::size_t worked)
 {
-    for (const auto& failure : failures_)
-        std::fprintf(stderr, "%s%s\n", worked ? "" : "korvo: ", failure.c_str());
-    if (failures_.size() > 1 || (worked && !failures_.empty()))
-        std::fprintf(stderr, "%s failed\n", std::to_string(failures_.size()).c_str());
+    if (worked == 0 && !failures_.empty()) {
+        const auto others = failures_.size() == 1
+            ? std::string()
+            : " (and " + std::to_string(failures_.size() - 1) + " more)";
+        std::fprintf(stderr, "korvo: %s%s\n", failures_.front().c_str(), others.c_str());
+    } else if (!failures_.empty()) {
+        for (const auto& failure : failures_)
+            std::fprintf(stderr, "%s\n", failure.c_str());
+        std::fprintf(stderr, "%zu failed\n", failures_.size());
+    }
     if (stop_.stop_requested())
         return ExitCode::interrupted;
     if (failures_.empty())

@@ -52,6 +52,9 @@ public:
     std::vector<PhotoID> photos(const PhotoArguments& arguments);
 
     Progress::Mode progressMode() const;
+    /// The source that a text names. Throws std::invalid_argument, and NotFoundError for one that does not
+    /// exist.
+    std::optional<LibrarySource> existingSource(const std::string& text);
 
     /// Writes a line to standard output.
     void print(const std::string& line) const;
@@ -71,5 +74,15 @@ private:
     std::unique_ptr<Catalog> library_;
     std::vector<std::string> failures_;
 };
+
+/// Applies a change to the photos of the arguments that exist.
+template <typename Change>
+ExitCode changePhotos(Context& context, const PhotoArguments& arguments, Change apply)
+{
+    const auto ids = context.photos(arguments);
+    if (!ids.empty())
+        apply(ids);
+    return context.finish(ids.size());
+}
 
 } // namespace korvo

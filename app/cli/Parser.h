@@ -28,7 +28,7 @@ void command(Parser& parser, CLI::App* parent, const char* name, const char* des
     auto arguments = std::make_shared<T>();
     CLI::App* const sub = parent->add_subcommand(name, description);
     define(*sub, *arguments);
-    sub->callback([&parser, arguments, run] {
+    sub->parse_complete_callback([&parser, arguments, run] {
         parser.chosen = [arguments, run](Context& context) { return run(context, *arguments); };
     });
 }

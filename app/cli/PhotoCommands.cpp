@@ -46,21 +46,11 @@ std::string textOrFile(const std::string& text)
     return contents;
 }
 
-/// Applies a change to the photos of the arguments that exist.
-template <typename Change>
-ExitCode change(Context& context, const PhotoArguments& arguments, Change apply)
-{
-    const auto ids = context.photos(arguments);
-    if (!ids.empty())
-        apply(context.library(), ids);
-    return context.finish(ids.size());
-}
-
 } // namespace
 
 ExitCode listCommand(Context& context, const ListArguments& arguments)
 {
-    const auto source = parseSource(arguments.source);
+    const auto source = context.existingSource(arguments.source);
     const auto shows
         = [&](const PhotoItem& item) { return !arguments.filter || passes(item, *arguments.filter); };
     if (!arguments.sort) { // in the source's own order nothing has to be held
@@ -88,34 +78,35 @@ ExitCode rateCommand(Context& context, int rating, const PhotoArguments& photos)
 {
     if (rating < rejectedRating || rating > highestRating)
         throw std::invalid_argument("a rating is -1 (rejected), 0 (unrated) or 1 to 5 stars");
-    return change(
-        context, photos, [&](Catalog& catalog, const auto& ids) { catalog.setRating(ids, rating); });
+    return changePhotos(context, photos, [&](const auto& ids) { context.library().setRating(ids, rating); });
 }
 
 ExitCode flagCommand(Context& context, bool flagged, const PhotoArguments& photos)
 {
-    return change(
-        context, photos, [&](Catalog& catalog, const auto& ids) { catalog.setFlagged(ids, flagged); });
+    return changePhotos(
+        context, photos, [&](const auto& ids) { context.library().setFlagged(ids, flagged); });
 }
 
 ExitCode labelCommand(Context& context, const std::string& label, const PhotoArguments& photos)
 {
     const auto value = labelNamed(label);
-    return change(context, photos, [&](Catalog& catalog, const auto& ids) { catalog.setLabel(ids, value); });
+    return changePhotos(context, photos, [&](const auto& ids) { context.library().setLabel(ids, value); });
 }
 
 ExitCode setCommand(Context& context, const MetadataChange& metadata, const PhotoArguments& photos)
 {
-    return change(context, photos, [&](Catalog& catalog, const auto& ids) {
-        catalog.changeMetadata(ids, metadata, WriteBack::pending);
-    });
+    if (!metadata.altText && !metadata.title && !metadata.caption && !metadata.keywords && !metadata.creator
+        && !metadata.copyright)
+        throw std::invalid_argument("name at least one field, such as --title");
+    return changePhotos(context, photos,
+        [&](const auto& ids) { context.library().changeMetadata(ids, metadata, WriteBack::pending); });
 }
 
 ExitCode editsCommand(Context& context, const EditsArguments& arguments)
 {
     const auto item = existingPhoto(context, arguments.photo);
-    if (arguments.clear || !arguments.set.empty()) {
-        const auto edits = arguments.clear ? PhotoEdits() : fromJson<PhotoEdits>(textOrFile(arguments.set));
+    if (arguments.clear || arguments.set) {
+        const auto edits = arguments.clear ? PhotoEdits() : fromJson<PhotoEdits>(textOrFile(*arguments.set));
         context.library().saveEdits(std::vector{item.id}, edits);
         return ExitCode::done;
     }
@@ -125,7 +116,7 @@ ExitCode editsCommand(Context& context, const EditsArguments& arguments)
 
 ExitCode removeCommand(Context& context, const PhotoArguments& photos)
 {
-    return change(context, photos, [](Catalog& catalog, const auto& ids) { catalog.deletePhotos(ids); });
+    return changePhotos(context, photos, [&](const auto& ids) { context.library().deletePhotos(ids); });
 }
 
 } // namespace korvo

@@ -41,15 +41,6 @@ void printKeywords(
         }
 }
 
-template <typename Change>
-ExitCode changeAlbum(Context& context, const PhotoArguments& arguments, Change apply)
-{
-    const auto ids = context.photos(arguments);
-    if (!ids.empty())
-        apply(ids);
-    return context.finish(ids.size());
-}
-
 template <typename Create>
 ExitCode create(const Context& context, Create make)
 {
@@ -114,7 +105,8 @@ ExitCode assignCommand(Context& context, const std::string& project, const Photo
             throw std::invalid_argument("\"" + project + "\" is no project id");
         id = number;
     }
-    return changeAlbum(context, photos, [&](const auto& ids) { context.library().assignToProject(ids, id); });
+    return changePhotos(
+        context, photos, [&](const auto& ids) { context.library().assignToProject(ids, id); });
 }
 
 ExitCode gatherCommand(Context& context, const std::string& name)
@@ -141,12 +133,12 @@ ExitCode moveAlbumCommand(Context& context, std::int64_t album, ParentID parent)
 
 ExitCode addToAlbumCommand(Context& context, std::int64_t album, const PhotoArguments& photos)
 {
-    return changeAlbum(context, photos, [&](const auto& ids) { context.library().addToAlbum(album, ids); });
+    return changePhotos(context, photos, [&](const auto& ids) { context.library().addToAlbum(album, ids); });
 }
 
 ExitCode takeFromAlbumCommand(Context& context, std::int64_t album, const PhotoArguments& photos)
 {
-    return changeAlbum(
+    return changePhotos(
         context, photos, [&](const auto& ids) { context.library().removeFromAlbum(album, ids); });
 }
 

@@ -33,15 +33,16 @@ Scanned scan(const TemporaryFolder& folder, const std::vector<fs::path>& paths)
 TEST(FolderScan, takesImagesRawAndVideoInTheOrderOfTheirNames)
 {
     const TemporaryFolder folder;
-    for (const std::string name :
-        {"b/IMG_2.JPG", "b/IMG_1.CR3", "a.HeIc", "b/clip.MOV", "b.library/inside/x.tif", "latin\xE9.jpg",
-            "桜.png", "song.mp3", "notes.txt", "b/noextension", ".hidden.jpg", ".hidden/y.jpg", "b/.jpg"})
+    for (const std::string name : {"b/IMG_2.JPG", "b/IMG_1.CR3", "a.HeIc", "b/clip.MOV",
+             "b.library/inside/x.tif", "latin\xE9.jpg", "桜.png", "song.mp3", "notes.txt", "b/noextension",
+             ".hidden.jpg", ".hidden/y.jpg", "b/.jpg", "Library/catalog.sqlite", "Library/Previews/p.jpg",
+             "b/Previews/q.jpg", "Library/catalog.sqlite", "Library/Previews/p.jpg"})
         folder.write(name, "x");
     const auto found = scan(folder, {folder.path()});
     EXPECT_EQ(found.photos,
-        (std::vector<std::string>{"a.HeIc", "b/IMG_1.CR3", "b/IMG_2.JPG", "b/clip.MOV",
+        (std::vector<std::string>{"a.HeIc", "b/IMG_1.CR3", "b/IMG_2.JPG", "b/Previews/q.jpg", "b/clip.MOV",
             "b.library/inside/x.tif", "latin\xE9.jpg", "桜.png"}));
-    EXPECT_EQ(found.ignored, 3U);
+    EXPECT_EQ(found.ignored, 4U);
     EXPECT_TRUE(found.failures.empty());
 }
 

@@ -69,9 +69,22 @@ TEST(Catalog, anInterruptedBackupDoesNotCountAsTheDays)
     const TemporaryFolder folder;
     const ManualClock clock;
     const auto name = "catalog-" + localDay(clock.time) + ".sqlite";
-    folder.write("Library/Backups/" + name + ".part", "half a copy");
+    const auto abandoned = folder.write("Library/Backups/" + name + ".1.part", "half a copy");
+    fs::last_write_time(abandoned, fs::file_time_type::clock::now() - std::chrono::hours(2));
     const Catalog catalog(folder / "Library", clock);
     EXPECT_EQ(namesIn(catalog.backupsFolder()), std::vector{name});
+}
+
+TEST(Catalog, aMovedLibraryOpensThoughItsNewPlaceIsInTheCatalogAlready)
+{
+    TestLibrary library;
+    const auto old = library.catalog->libraryURL();
+    const auto now = library.folder / "New";
+    library.catalog->addFolder(old.native(), 1);
+    library.catalog->addFolder(now.native(), 1);
+    library.catalog.reset();
+    fs::rename(old, now);
+    EXPECT_EQ(openingError(now), "opened");
 }
 
 TEST(Catalog, followsAMoveOfTheLibraryAndOfNothingElse)
@@ -120,8 +133,19 @@ TEST(Catalog, whatCannotBeOpenedStaysAsItWas)
     EXPECT_EQ(readFile(later), before);
     EXPECT_EQ(namesIn(later.parent_path()), std::vector<std::string>{"catalog.sqlite"});
     {
+        Database holdsALog(later);
+        holdsALog.exec("UPDATE schema_info SET version = 16; INSERT INTO schema_info VALUES (17)");
+        fs::copy(later.parent_path(), folder / "crashed");
+    }
+    const auto crashed = folder / "crashed" / "catalog.sqlite";
+    const auto log = readFile(crashed.native() + "-wal");
+    EXPECT_NE(openingError(crashed.parent_path()).find("catalog version 16"), std::string::npos);
+    EXPECT_EQ(readFile(crashed), before);
+    EXPECT_EQ(readFile(crashed.native() + "-wal"), log);
+    EXPECT_FALSE(fs::exists(crashed.parent_path() / "Previews"));
+    {
         const Database holdsALog(later);
-        EXPECT_NE(openingError(later.parent_path()).find("catalog version 15"), std::string::npos);
+        EXPECT_NE(openingError(later.parent_path()).find("catalog version 16"), std::string::npos);
     }
 
     const auto file = folder.write("file", "");
