@@ -195,7 +195,7 @@ TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
     EXPECT_EQ(run("stack auto --dry-run").out, "Within 10 seconds: 1 stack from 3 photos\n");
     EXPECT_EQ(json("stack list"), "");
     EXPECT_EQ(json("stack create 1 2 --pick 2"), "{\"id\":1}\n");
-    EXPECT_EQ(run("stack create 1 --pick 3").exitCode, 1);
+    EXPECT_EQ(run("stack create 1 --pick 3").exitCode, 2);
     run("stack expand 1");
     EXPECT_EQ(json("stack list"), "{\"id\":1,\"pick\":2,\"collapsed\":false,\"members\":[2,1]}\n");
 
