@@ -35,20 +35,20 @@ TEST(QuickBrush, slidersWriteTheirFieldAndReadItBack)
     ASSERT_EQ(rows.size(), casesOf<QuickBrush>.size());
     for (const auto& row : rows) {
         SCOPED_TRACE(row.title);
-        const auto& spec = slider(row.brush);
+        const auto& control = slider(row.brush);
         EXPECT_EQ(title(row.brush), row.title);
-        EXPECT_EQ(spec.label, row.label);
-        EXPECT_EQ(spec.lower, row.lower);
-        EXPECT_EQ(spec.upper, row.upper);
-        EXPECT_EQ(spec.neutral(), row.lower);
+        EXPECT_EQ(control.label, row.label);
+        EXPECT_EQ(control.lower, row.lower);
+        EXPECT_EQ(control.upper, row.upper);
+        EXPECT_EQ(control.neutral(), row.lower);
         for (const double v : {row.lower, row.lower + 0.75, row.upper}) {
             PhotoEdits edits, expected;
-            spec.setValue(edits, v);
+            control.setValue(edits, v);
             row.expected(expected, v);
             EXPECT_EQ(edits, expected);
-            EXPECT_EQ(spec.value(edits), v);
+            EXPECT_EQ(control.value(edits), v);
         }
-        const double untouched = spec.value(PhotoEdits());
+        const double untouched = control.value(PhotoEdits());
         EXPECT_EQ(untouched, row.brush == QuickBrush::saturate ? 1 : 0) << "no effect yet";
         EXPECT_FALSE(std::signbit(untouched)) << "shown as -0";
     }
