@@ -38,7 +38,7 @@ std::string photoProblem(const fs::path& path, std::string_view filename)
 }
 
 std::size_t checkFiles(
-    Database& database, std::vector<std::string>& problems, const std::function<void(std::size_t)>& progress)
+    Database& database, std::vector<std::string>& problems, const std::function<bool(std::size_t)>& progress)
 {
     std::size_t looked = 0;
     auto statement
@@ -47,7 +47,8 @@ std::size_t checkFiles(
         const fs::path path(statement.text(1));
         if (const auto problem = photoProblem(path, statement.text(2)); !problem.empty())
             problems.push_back(std::to_string(statement.integer(0)) + "  " + path.string() + ": " + problem);
-        progress(++looked);
+        if (!progress(++looked))
+            break;
     }
     return looked;
 }
@@ -73,7 +74,7 @@ void checkBackups(const fs::path& folder, std::vector<std::string>& problems)
 
 } // namespace
 
-HealthReport checkHealth(Catalog& catalog, const std::function<void(std::size_t)>& progress)
+HealthReport checkHealth(Catalog& catalog, const std::function<bool(std::size_t)>& progress)
 {
     HealthReport report;
     checkIntegrity(catalog.database(), report.problems);

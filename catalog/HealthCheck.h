@@ -16,7 +16,8 @@ struct HealthReport {
 
 /// Looks at the library as a whole: SQLite's own integrity check, references between rows, files that are
 /// missing, paths that are not what they should be, and backups. Changes nothing. `progress` is called with
-/// the number of masters looked at. Throws DatabaseError when the catalog cannot be read at all.
-HealthReport checkHealth(Catalog& catalog, const std::function<void(std::size_t)>& progress);
+/// the number of masters looked at, and returns whether to go on. Throws DatabaseError when the catalog
+/// cannot be read at all.
+HealthReport checkHealth(Catalog& catalog, const std::function<bool(std::size_t)>& progress);
 
 } // namespace korvo

@@ -118,7 +118,10 @@ ExitCode checkCommand(Context& context)
     HealthReport report;
     {
         Progress progress("Checking", context.progressMode());
-        report = checkHealth(context.library(), [&](std::size_t done) { progress.setDone(done); });
+        report = checkHealth(context.library(), [&](std::size_t done) {
+            progress.setDone(done);
+            return !context.stop().stop_requested();
+        });
     }
     if (context.options().json) {
         JsonWriter json;
@@ -133,6 +136,8 @@ ExitCode checkCommand(Context& context)
         context.print(fmt::format("{} checked, {} found", counted(report.photos, "photo"),
             counted(report.problems.size(), "problem")));
     }
+    if (context.stop().stop_requested())
+        return ExitCode::interrupted;
     return report.problems.empty() ? ExitCode::done : ExitCode::part;
 }
 
