@@ -78,13 +78,9 @@ std::optional<LibrarySource> Context::existingSource(const std::string& text)
 
 std::vector<PhotoID> Context::photos(const PhotoArguments& arguments)
 {
-    auto ids = listedIDs(arguments.ids);
-    if (!arguments.source.empty())
-        library().forEachPhoto(
-            existingSource(arguments.source), [&](PhotoItem&& item) { ids.push_back(item.id); });
     std::unordered_set<PhotoID> seen;
     std::vector<PhotoID> known;
-    for (const PhotoID id : ids) {
+    for (const PhotoID id : listedIDs(arguments.ids)) {
         if (!seen.insert(id).second)
             continue;
         if (library().contains(id))
@@ -92,6 +88,11 @@ std::vector<PhotoID> Context::photos(const PhotoArguments& arguments)
         else
             fail("no photo with the id " + std::to_string(id));
     }
+    if (!arguments.source.empty())
+        library().forEachPhoto(existingSource(arguments.source), [&](PhotoItem&& item) {
+            if (seen.insert(item.id).second)
+                known.push_back(item.id);
+        });
     return known;
 }
 
