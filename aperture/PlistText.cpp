@@ -1,0 +1,52 @@
+#include "aperture/PlistText.h"
+
+#include "base/Text.h"
+
+#include <string>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
+namespace korvo {
+
+namespace {
+
+void append(std::string& text, UChar32 character)
+{
+    char encoded[U8_MAX_LENGTH];
+    std::size_t length = 0;
+    U8_APPEND_UNSAFE(encoded, length, character);
+    text.append(encoded, length);
+}
+
+} // namespace
+
+SharedText textFromUtf8(Bytes bytes)
+{
+    if (isUtf8(bytes.text()))
+        return bytes.text();
+    std::string text;
+    const auto size = static_cast<std::int64_t>(bytes.size());
+    for (std::int64_t at = 0; at < size;) {
+        UChar32 character = 0;
+        U8_NEXT_OR_FFFD(bytes.data(), at, size, character);
+        append(text, character);
+    }
+    return text;
+}
+
+SharedText textFromUtf16(Bytes bytes)
+{
+    const auto unit
+        = [&](std::size_t i) { return static_cast<char16_t>(bytes[2 * i] << 8 | bytes[2 * i + 1]); };
+    const auto units = bytes.size() / 2;
+    std::string text;
+    for (std::size_t i = 0; i < units; ++i) {
+        UChar32 character = unit(i);
+        if (U16_IS_LEAD(character) && i + 1 < units && U16_IS_TRAIL(unit(i + 1)))
+            character = U16_GET_SUPPLEMENTARY(character, unit(++i));
+        append(text, U_IS_SURROGATE(character) ? 0xFFFD : character);
+    }
+    return text;
+}
+
+} // namespace korvo
