@@ -387,6 +387,7 @@ ParseResult parseCommandLine(int argc, char** argv)
     addKeywordCommands(*parser);
     addModelCommands(*parser);
     addGroupCommands(*parser);
+    addNamingCommands(*parser);
     try {
         parser->app.parse(argc, argv);
     } catch (const CLI::Success& asked) { // help or version

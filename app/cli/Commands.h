@@ -66,6 +66,12 @@ ExitCode takeFromAlbumCommand(Context& context, std::int64_t album, const PhotoA
 ExitCode createKeywordCommand(Context& context, const std::string& name, ParentID parent);
 ExitCode deleteKeywordCommand(Context& context, std::int64_t keyword);
 
+// Patterns for file names (NamingCommands.cpp)
+ExitCode listNamingCommand(Context& context);
+ExitCode expandNamingCommand(Context& context, const std::string& pattern, const PhotoArguments& photos);
+ExitCode setNamingCommand(Context& context, const std::filesystem::path& file);
+ExitCode restoreNamingCommand(Context& context);
+
 // Models (ModelCommands.cpp)
 ExitCode modelStatusCommand(Context& context);
 ExitCode fetchModelCommand(Context& context, const std::string& host);

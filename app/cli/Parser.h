@@ -42,4 +42,7 @@ void addPhotos(CLI::App& sub, PhotoArguments& photos);
 /// The commands on versions, stacks and smart albums (GroupCommandLine.cpp).
 void addGroupCommands(Parser& parser);
 
+/// The commands on naming patterns (ImportCommandLine.cpp).
+void addNamingCommands(Parser& parser);
+
 } // namespace korvo

@@ -209,4 +209,19 @@ TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
     EXPECT_EQ(run("list --source smart:1").exitCode, 1);
 }
 
+TEST_F(CommandLine, namesPhotosByPatternsAndKeepsPresets)
+{
+    run("set --title 'A/B' 2");
+    EXPECT_EQ(run("naming expand '{seq} {title}' 2 1").out, "001 A-B\n002 a\n");
+    EXPECT_EQ(json("naming expand '{name}' 3"), "{\"id\":3,\"name\":\"c\"}\n");
+    EXPECT_TRUE(
+        json("naming list").find(R"("name":"Date + Name","pattern":"{date} {name}"})") != std::string::npos);
+    const auto file = folder.write("presets.json", R"([{"name":"Mine","pattern":"m"}])");
+    EXPECT_EQ(run("naming set " + file.string()).exitCode, 0);
+    EXPECT_EQ(run("naming list").out, "Mine            m\n");
+    EXPECT_EQ(run("naming set /nowhere").exitCode, 1);
+    run("naming restore");
+    EXPECT_NE(run("naming list").out.find("Original Name   {name}\n"), std::string::npos);
+}
+
 } // namespace korvo
