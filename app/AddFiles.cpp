@@ -71,7 +71,6 @@ public:
                 & tbb::make_filter<std::shared_ptr<Batch>, void>(tbb::filter_mode::serial_in_order,
                     [this](const std::shared_ptr<Batch>& batch) { store(*batch); }));
         result_.ignored = scan_.ignored();
-        result_.cancelled = stop_.stop_requested();
         return std::move(result_);
     }
 
@@ -79,11 +78,15 @@ private:
     std::shared_ptr<Batch> scanBatch()
     {
         auto batch = std::make_shared<Batch>();
-        while (batch->size() < batchSize && !stop_.stop_requested())
-            if (auto file = scan_.next())
-                batch->push_back({.file = std::move(*file)});
-            else
+        while (batch->size() < batchSize && !result_.cancelled) {
+            auto file = scan_.next();
+            if (!file)
                 break;
+            if (stop_.stop_requested())
+                result_.cancelled = true;
+            else
+                batch->push_back({.file = std::move(*file)});
+        }
         return batch;
     }
 

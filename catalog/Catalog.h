@@ -141,9 +141,10 @@ public:
     /// The photos of a source in its order. For a smart album throws NotFoundError when there is none and
     /// SmartAlbumError when its rules cannot be read, here and in what follows.
     std::vector<PhotoItem> photos(const std::optional<LibrarySource>& source);
-    /// The same one by one, while the catalog is held: for output that need not be in memory at once.
+    /// The same one by one, while the catalog is held: for output that need not be in memory at once. `use`
+    /// returns whether to go on.
     void forEachPhoto(
-        const std::optional<LibrarySource>& source, const std::function<void(PhotoItem&&)>& use);
+        const std::optional<LibrarySource>& source, const std::function<bool(PhotoItem&&)>& use);
     /// Throws NotFoundError when the source is one of a folder, album, smart album, project or person that
     /// the library does not hold.
     void requireSource(const LibrarySource& source);

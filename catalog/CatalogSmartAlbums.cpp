@@ -27,7 +27,10 @@ std::size_t Catalog::countMatching(const SmartAlbumRules& rules)
 {
     SmartAlbumMatcher matcher(rules);
     std::size_t count = 0;
-    forEachPhoto(std::nullopt, [&](PhotoItem&& item) { count += matcher.matches(item) ? 1 : 0; });
+    forEachPhoto(std::nullopt, [&](PhotoItem&& item) {
+        count += matcher.matches(item) ? 1 : 0;
+        return true;
+    });
     return count;
 }
 

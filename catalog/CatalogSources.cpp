@@ -103,14 +103,12 @@ std::string Catalog::sourceCondition(const LibrarySource& source)
 }
 
 void Catalog::forEachPhoto(
-    const std::optional<LibrarySource>& source, const std::function<void(PhotoItem&&)>& use)
+    const std::optional<LibrarySource>& source, const std::function<bool(PhotoItem&&)>& use)
 {
     if (source && source->kind == Kind::smartAlbum) {
         auto matcher = smartAlbumMatcher(source->id);
-        return forEachPhoto(std::nullopt, [&](PhotoItem&& item) {
-            if (matcher.matches(item))
-                use(std::move(item));
-        });
+        return forEachPhoto(
+            std::nullopt, [&](PhotoItem&& item) { return !matcher.matches(item) || use(std::move(item)); });
     }
     std::string sql;
     if (!source)
@@ -125,8 +123,7 @@ void Catalog::forEachPhoto(
     if (sql.find("?1") != sql.npos)
         statement.bind(source->id);
     PhotoRows rows(statement);
-    while (statement.step())
-        use(rows.item());
+    while (statement.step() && use(rows.item())) { }
 }
 
 std::vector<PhotoItem> Catalog::photos(const std::optional<LibrarySource>& source)
@@ -135,7 +132,10 @@ std::vector<PhotoItem> Catalog::photos(const std::optional<LibrarySource>& sourc
     if (!source) // the one list that is long enough for its growth to be felt
         items.reserve(static_cast<std::size_t>(
             database_.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL")));
-    forEachPhoto(source, [&](PhotoItem&& item) { items.push_back(std::move(item)); });
+    forEachPhoto(source, [&](PhotoItem&& item) {
+        items.push_back(std::move(item));
+        return true;
+    });
     return items;
 }
 

@@ -37,20 +37,36 @@ std::string photoProblem(const fs::path& path, std::string_view filename)
     return {};
 }
 
-std::size_t checkFiles(
-    Database& database, std::vector<std::string>& problems, const std::function<bool(std::size_t)>& progress)
+struct FileToCheck {
+    PhotoID id;
+    fs::path path;
+    std::string filename;
+};
+
+/// The next masters behind an id. They come in pages: a disk that answers slowly must not keep the catalog
+/// from others.
+std::vector<FileToCheck> filesToCheck(Database& database, PhotoID after)
 {
-    std::size_t looked = 0;
+    std::vector<FileToCheck> files;
     auto statement
-        = database.prepare("SELECT id, path, filename FROM photos WHERE version_of IS NULL ORDER BY id");
-    while (statement.step()) {
-        const fs::path path(statement.text(1));
-        if (const auto problem = photoProblem(path, statement.text(2)); !problem.empty())
-            problems.push_back(std::to_string(statement.integer(0)) + "  " + path.string() + ": " + problem);
-        if (!progress(++looked))
-            break;
-    }
-    return looked;
+        = database.kept("SELECT id, path, filename FROM photos WHERE version_of IS NULL AND id > ? "
+                        "ORDER BY id LIMIT 1000");
+    statement.bind(after);
+    while (statement.step())
+        files.push_back({statement.integer(0), statement.text(1), std::string(statement.text(2))});
+    return files;
+}
+
+void checkFiles(Database& database, HealthReport& report, const std::function<bool(std::size_t)>& progress)
+{
+    auto files = filesToCheck(database, 0);
+    for (; !files.empty(); files = filesToCheck(database, files.back().id))
+        for (const auto& [id, path, filename] : files) {
+            if (const auto problem = photoProblem(path, filename); !problem.empty())
+                report.problems.push_back(std::to_string(id) + "  " + path.string() + ": " + problem);
+            if (report.stopped = !progress(++report.photos); report.stopped)
+                return;
+        }
 }
 
 void checkBackups(const fs::path& folder, std::vector<std::string>& problems)
@@ -79,7 +95,7 @@ HealthReport checkHealth(Catalog& catalog, const std::function<bool(std::size_t)
     HealthReport report;
     checkIntegrity(catalog.database(), report.problems);
     checkReferences(catalog.database(), report.problems);
-    report.photos = checkFiles(catalog.database(), report.problems, progress);
+    checkFiles(catalog.database(), report, progress);
     checkBackups(catalog.backupsFolder(), report.problems);
     return report;
 }

@@ -11,6 +11,7 @@ namespace korvo {
 /// What a health check found: nothing is wrong when there is no problem.
 struct HealthReport {
     std::size_t photos = 0; // masters looked at
+    bool stopped = false; // before all were
     std::vector<std::string> problems;
 };
 

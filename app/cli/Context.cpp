@@ -1,12 +1,12 @@
 #include "app/cli/Context.h"
 
 #include "app/Libraries.h"
+#include "app/cli/StandardInput.h"
 #include "base/Text.h"
 
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <stdexcept>
 #include <unordered_set>
 
@@ -23,7 +23,7 @@ PhotoID photoID(std::string_view text)
     return id;
 }
 
-std::vector<PhotoID> listedIDs(const std::vector<std::string>& texts)
+std::vector<PhotoID> listedIDs(const std::vector<std::string>& texts, const std::stop_token& stop)
 {
     std::vector<PhotoID> ids;
     for (const auto& text : texts) {
@@ -31,7 +31,8 @@ std::vector<PhotoID> listedIDs(const std::vector<std::string>& texts)
             ids.push_back(photoID(text));
             continue;
         }
-        for (std::string line; std::getline(std::cin, line);)
+        const auto input = readStandardInput(stop);
+        for (const auto line : split(input, '\n'))
             if (const auto id = trimmed(line); !id.empty())
                 ids.push_back(photoID(id));
     }
@@ -80,7 +81,7 @@ std::vector<PhotoID> Context::photos(const PhotoArguments& arguments)
 {
     std::unordered_set<PhotoID> seen;
     std::vector<PhotoID> known;
-    for (const PhotoID id : listedIDs(arguments.ids)) {
+    for (const PhotoID id : listedIDs(arguments.ids, stop_)) {
         if (!seen.insert(id).second)
             continue;
         if (library().contains(id))
@@ -92,7 +93,10 @@ std::vector<PhotoID> Context::photos(const PhotoArguments& arguments)
         library().forEachPhoto(existingSource(arguments.source), [&](PhotoItem&& item) {
             if (seen.insert(item.id).second)
                 known.push_back(item.id);
+            return !isStopped();
         });
+    if (isStopped())
+        throw Interrupted();
     return known;
 }
 
@@ -112,7 +116,7 @@ void Context::printMade(std::int64_t id) const
     print(options_.json ? "{\"id\":" + std::to_string(id) + "}" : std::to_string(id));
 }
 
-ExitCode Context::finish(std::size_t worked)
+ExitCode Context::finish(std::size_t worked, Ended ended)
 {
     if (worked == 0 && !failures_.empty()) {
         const auto others = failures_.size() == 1
@@ -124,7 +128,7 @@ ExitCode Context::finish(std::size_t worked)
             std::fprintf(stderr, "%s\n", failure.c_str());
         std::fprintf(stderr, "%zu failed\n", failures_.size());
     }
-    if (stop_.stop_requested())
+    if (ended == Ended::early)
         return ExitCode::interrupted;
     if (failures_.empty())
         return ExitCode::done;

@@ -5,6 +5,7 @@
 #include "catalog/Catalog.h"
 #include "platform/Defaults.h"
 
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -14,8 +15,17 @@
 
 namespace korvo {
 
+/// Ends a command that was asked to stop before it had done anything.
+class Interrupted : public std::exception {
+public:
+    const char* what() const noexcept override { return "interrupted"; }
+};
+
 /// How a command ended, as scripts see it.
 enum class ExitCode { done = 0, nothing = 1, usage = 2, part = 3, interrupted = 130 };
+
+/// Whether a command did all it was asked for, or was stopped on the way.
+enum class Ended { whole, early };
 
 /// What stands before the command.
 struct GlobalOptions {
@@ -40,6 +50,7 @@ public:
     Defaults& defaults() const { return defaults_; }
     const Clock& clock() const { return clock_; }
     const std::stop_token& stop() const { return stop_; }
+    bool isStopped() const { return stop_.stop_requested(); }
 
     /// The folder of the library in use: the option's, $KORVO_LIBRARY's or the last one. Throws
     /// std::runtime_error when there is none.
@@ -48,7 +59,7 @@ public:
     Catalog& library();
 
     /// The photos of the arguments, each once, in their order. Ids that the library does not hold are
-    /// failures. Throws std::invalid_argument for what is no id and no source.
+    /// failures. Throws std::invalid_argument for what is no id and no source, and Interrupted.
     std::vector<PhotoID> photos(const PhotoArguments& arguments);
 
     Progress::Mode progressMode() const;
@@ -63,8 +74,10 @@ public:
 
     /// Notes something that went wrong; the rest goes on.
     void fail(std::string message) { failures_.push_back(std::move(message)); }
-    /// Lists the failures on standard error. `worked` tells whether anything was done.
-    ExitCode finish(std::size_t worked);
+    /// Lists the failures on standard error. `worked` tells whether anything was done. Without `ended` a
+    /// command counts as cut short once it was asked to stop.
+    ExitCode finish(std::size_t worked) { return finish(worked, isStopped() ? Ended::early : Ended::whole); }
+    ExitCode finish(std::size_t worked, Ended ended);
 
 private:
     GlobalOptions options_;
@@ -75,14 +88,14 @@ private:
     std::vector<std::string> failures_;
 };
 
-/// Applies a change to the photos of the arguments that exist.
+/// Applies a change that cannot be stopped on its way to the photos of the arguments that exist.
 template <typename Change>
 ExitCode changePhotos(Context& context, const PhotoArguments& arguments, Change apply)
 {
     const auto ids = context.photos(arguments);
     if (!ids.empty())
         apply(ids);
-    return context.finish(ids.size());
+    return context.finish(ids.size(), Ended::whole);
 }
 
 } // namespace korvo

@@ -43,7 +43,7 @@ ExitCode createStackCommand(Context& context, const PhotoArguments& photos, std:
 {
     const auto ids = context.photos(photos);
     context.printMade(context.library().createStack(ids, pick));
-    return context.finish(ids.size());
+    return context.finish(ids.size(), Ended::whole);
 }
 
 ExitCode unstackCommand(Context& context, std::int64_t stack)

@@ -110,7 +110,7 @@ ExitCode addCommand(Context& context, const std::vector<std::string>& names, boo
     for (const auto& failure : result.failures)
         context.fail(failure.message);
     printResult(context, result);
-    return context.finish(result.added + result.known);
+    return context.finish(result.added + result.known, result.cancelled ? Ended::early : Ended::whole);
 }
 
 ExitCode checkCommand(Context& context)
@@ -120,7 +120,7 @@ ExitCode checkCommand(Context& context)
         Progress progress("Checking", context.progressMode());
         report = checkHealth(context.library(), [&](std::size_t done) {
             progress.setDone(done);
-            return !context.stop().stop_requested();
+            return !context.isStopped();
         });
     }
     if (context.options().json) {
@@ -136,7 +136,7 @@ ExitCode checkCommand(Context& context)
         context.print(fmt::format("{} checked, {} found", counted(report.photos, "photo"),
             counted(report.problems.size(), "problem")));
     }
-    if (context.stop().stop_requested())
+    if (report.stopped)
         return ExitCode::interrupted;
     return report.problems.empty() ? ExitCode::done : ExitCode::part;
 }

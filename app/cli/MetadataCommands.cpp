@@ -57,7 +57,7 @@ ExitCode report(Context& context, const FilesWritten& result, const char* key, c
         context.print(fmt::format(R"({{"{}":{},"failed":{}}})", key, result.done, result.failures.size()));
     else if (!result.stopped)
         context.print(summary);
-    return context.finish(result.done);
+    return context.finish(result.done, result.stopped ? Ended::early : Ended::whole);
 }
 
 std::string infoJSON(const PhotoExifInfo& info)
@@ -114,7 +114,7 @@ std::size_t readAll(Context& context, Backfill kind)
     Progress progress(kind == Backfill::camera ? "Reading" : "Locating", context.progressMode());
     std::size_t read = 0;
     BackfillBatch batch;
-    for (PhotoID last = 0; !batch.isLast && !context.stop().stop_requested();) {
+    for (PhotoID last = 0; !batch.isLast && !context.isStopped();) {
         batch = readBatch(context.library(), kind, last, context.stop());
         if (batch.photos.empty())
             break;

@@ -55,15 +55,18 @@ ExitCode listCommand(Context& context, const ListArguments& arguments)
         = [&](const PhotoItem& item) { return !arguments.filter || passes(item, *arguments.filter); };
     if (!arguments.sort) { // in the source's own order nothing has to be held
         context.library().forEachPhoto(source, [&](PhotoItem&& item) {
-            if (shows(item) && !context.stop().stop_requested())
+            if (shows(item))
                 printPhoto(context, item);
+            return !context.isStopped();
         });
         return context.finish(1);
     }
     const auto items = context.library().photos(source);
-    for (const auto position : gridOrder(items, arguments.sort, arguments.filter))
-        if (!context.stop().stop_requested())
-            printPhoto(context, items[position]);
+    for (const auto position : gridOrder(items, arguments.sort, arguments.filter)) {
+        if (context.isStopped())
+            break;
+        printPhoto(context, items[position]);
+    }
     return context.finish(1);
 }
 

@@ -23,6 +23,8 @@ int main(int argc, char** argv)
         if (std::fflush(stdout) != 0 || std::ferror(stdout))
             throw std::runtime_error("the output could not be written");
         return static_cast<int>(code);
+    } catch (const Interrupted&) {
+        return static_cast<int>(ExitCode::interrupted);
     } catch (const std::invalid_argument& error) { // a value that no command takes
         std::fprintf(stderr, "korvo: %s\n%s", error.what(), parsed.usage.c_str());
         return static_cast<int>(ExitCode::usage);

@@ -186,6 +186,18 @@ TEST_F(CommandLine, checkFindsWhatIsWrong)
         "{\"added\":0,\"known\":2,\"ignored\":0,\"failed\":0}\n");
 }
 
+TEST_F(CommandLine, anInterruptEndsTheWaitForInputWithNothingDone)
+{
+    const auto endless = (folder / "endless").string();
+    const auto config = (folder / "config").string();
+    const int status = std::system(("mkfifo " + endless + " && KORVO_CONFIG=" + config
+        + " timeout --preserve-status --kill-after=20 --signal=INT 1 " + KORVO_PROGRAM + " rate 5 - 1 <>"
+        + endless)
+                                       .c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 130);
+    EXPECT_NE(json("show 1").find("\"rating\":0"), std::string::npos);
+}
+
 TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
 {
     EXPECT_EQ(json("version create 1"), "{\"id\":4}\n");
