@@ -1,5 +1,8 @@
 #include "base/Text.h"
 
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
 #include <algorithm>
 #include <cstdint>
 
@@ -58,6 +61,13 @@ std::string_view trimmed(std::string_view text)
     if (first == std::string_view::npos)
         return {};
     return text.substr(first, text.find_last_not_of(space) - first + 1);
+}
+
+bool isBlank(std::string_view text)
+{
+    const auto units = icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+    const char16_t* const first = units.getBuffer();
+    return std::all_of(first, first + units.length(), [](char16_t unit) { return u_isUWhiteSpace(unit); });
 }
 
 std::vector<std::string_view> split(std::string_view text, char separator)

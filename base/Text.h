@@ -16,6 +16,9 @@ std::string plural(std::size_t count, std::string_view noun);
 /// Without white space (blank, tab, line breaks, form feed, vertical tab) at both ends.
 std::string_view trimmed(std::string_view text);
 
+/// Whether the text holds nothing but white space, in any script's sense.
+bool isBlank(std::string_view text);
+
 /// The pieces between separators, empty ones included; one piece for text without a separator.
 std::vector<std::string_view> split(std::string_view text, char separator);
 

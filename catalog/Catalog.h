@@ -72,8 +72,9 @@ public:
 };
 
 /// The open library: its folder, its database, and every statement over them. Calls may come from any thread.
-/// Each throws DatabaseError, and those that change or delete a part of the tree NotFoundError. Changes of
-/// several statements happen as a whole or not at all.
+/// Each throws DatabaseError, those that change one row of an id NotFoundError when there is none, and those
+/// that are given a name or a path std::invalid_argument for a blank name and a path that is not absolute.
+/// Changes of several statements happen as a whole or not at all.
 class Catalog {
 public:
     /// Opens the library in `folder`, making what is missing, backing the catalog up once a day, bringing it
@@ -227,6 +228,7 @@ private:
     void repairStacks(const std::set<std::int64_t>& ids);
     std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
     PhotoID memberOf(std::int64_t stack, PhotoID photo);
+    PhotoID existingMasterOf(PhotoID id);
 
     std::filesystem::path folder_;
     Database database_;

@@ -82,6 +82,14 @@ PhotoID Catalog::masterOf(PhotoID id)
     return database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", id);
 }
 
+PhotoID Catalog::existingMasterOf(PhotoID id)
+{
+    const auto master = masterOf(id);
+    if (master == 0)
+        throw NotFoundError("photo", id);
+    return master;
+}
+
 std::optional<FileRecord> Catalog::fileRecord(PhotoID id)
 {
     auto statement = database_.kept("SELECT * FROM photos WHERE id = ? AND version_of IS NULL");

@@ -1,5 +1,4 @@
-#include "catalog/Catalog.h"
-
+#include "catalog/ChangeRow.h"
 #include "catalog/PhotoRows.h"
 
 namespace korvo {
@@ -46,6 +45,7 @@ std::vector<AddedPhoto> Catalog::addPhotos(std::span<const NewPhoto> photos)
 VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))");
         for (const NewPhoto& photo : photos) {
             const std::string_view path = photo.path;
+            requireAbsolute(path);
             const PhotoMetadata& metadata = photo.metadata;
             insert.bind(photo.folderID, path, path.substr(path.rfind('/') + 1), photo.addedAt, photo.fileDate,
                 photo.fileSize, metadata.altText.view(), metadata.title.view(), metadata.caption.view(),
@@ -90,18 +90,18 @@ void Catalog::saveEdits(std::span<const PhotoID> ids, const PhotoEdits& edits)
 
 void Catalog::saveComposition(PhotoID id, std::string_view json)
 {
-    database_.run("UPDATE photos SET meme = ? WHERE id = ?", json, id);
+    changeRow(database_, "photo", id, "UPDATE photos SET meme = ? WHERE id = ?", json, id);
 }
 
 void Catalog::setReferencePath(PhotoID id, std::string_view path)
 {
-    database_.run("UPDATE photos SET reference_path = ? WHERE id = ?", path, id);
+    changeRow(database_, "photo", id, "UPDATE photos SET reference_path = ? WHERE id = ?", path, id);
 }
 
 void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack writeBack)
 {
     Transaction transaction(database_);
-    const auto master = database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", id);
+    const auto master = existingMasterOf(id);
     database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
     creator = ?, copyright = ?,
     dirty = CASE WHEN version_of IS NULL AND path NOT LIKE '%.aplibrary/%' THEN ? ELSE 0 END

@@ -51,10 +51,7 @@ std::vector<PhotoID> Catalog::mastersOf(std::span<const PhotoID> photos)
     std::vector<PhotoID> masters;
     std::unordered_set<PhotoID> seen;
     for (const PhotoID photo : photos) {
-        const auto master
-            = database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", photo);
-        if (master == 0)
-            throw NotFoundError("photo", photo);
+        const auto master = existingMasterOf(photo);
         if (seen.insert(master).second)
             masters.push_back(master);
     }

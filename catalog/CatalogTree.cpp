@@ -110,8 +110,12 @@ std::vector<std::string> Catalog::keywordsInUse()
 
 std::int64_t Catalog::addFolder(std::string_view path, UnixTime addedAt)
 {
+    requireAbsolute(path);
+    Transaction transaction(database_);
     database_.run("INSERT OR IGNORE INTO folders (path, added_at) VALUES (?, ?)", path, addedAt);
-    return database_.scalar("SELECT id FROM folders WHERE path = ?", path);
+    const auto id = database_.scalar("SELECT id FROM folders WHERE path = ?", path);
+    transaction.commit();
+    return id;
 }
 
 std::optional<std::int64_t> Catalog::folderContaining(std::string_view path)
@@ -134,8 +138,9 @@ void Catalog::removeFolder(std::int64_t id)
 
 void Catalog::folderMoved(std::int64_t id, std::string_view oldPath, std::string_view newPath)
 {
+    requireAbsolute(newPath);
     Transaction transaction(database_);
-    database_.run("UPDATE folders SET path = ? WHERE id = ?", newPath, id);
+    changeRow(database_, "folder", id, "UPDATE folders SET path = ? WHERE id = ?", newPath, id);
     // Only the start of a path is the folder; the same text may stand again further on.
     database_.run("UPDATE photos SET path = ?1 || substr(path, length(?2) + 1) "
                   "WHERE folder_id = ?3 AND substr(path, 1, length(?2) + 1) = ?2 || '/'",
@@ -145,13 +150,15 @@ void Catalog::folderMoved(std::int64_t id, std::string_view oldPath, std::string
 
 void Catalog::fileRenamed(PhotoID id, const std::filesystem::path& path)
 {
-    database_.run(
-        "UPDATE photos SET path = ?, filename = ? WHERE id = ?", path.string(), path.filename().string(), id);
+    requireAbsolute(path.native());
+    changeRow(database_, "photo", id, "UPDATE photos SET path = ?, filename = ? WHERE id = ?", path.native(),
+        path.filename().native(), id);
 }
 
 std::int64_t Catalog::createProject(
     std::string_view name, std::string_view kind, std::optional<std::int64_t> parent)
 {
+    requireName(name);
     Transaction transaction(database_);
     requireProject(database_, parent);
     const auto position = database_.scalar(
@@ -175,6 +182,7 @@ std::int64_t Catalog::gatherUnderProject(std::string_view name)
 
 void Catalog::renameProject(std::int64_t id, std::string_view name)
 {
+    requireName(name);
     changeRow(database_, "project", id, "UPDATE projects SET name = ? WHERE id = ?", name, id);
 }
 
@@ -194,6 +202,7 @@ void Catalog::assignToProject(std::span<const PhotoID> ids, std::optional<std::i
 
 std::int64_t Catalog::createAlbum(std::string_view name, std::optional<std::int64_t> parentProject)
 {
+    requireName(name);
     Transaction transaction(database_);
     requireProject(database_, parentProject);
     const auto position = database_.scalar("SELECT COALESCE(MAX(position), 0) + 1 FROM albums");
@@ -205,8 +214,10 @@ std::int64_t Catalog::createAlbum(std::string_view name, std::optional<std::int6
 
 void Catalog::moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject)
 {
+    Transaction transaction(database_);
     requireProject(database_, parentProject);
     changeRow(database_, "album", id, "UPDATE albums SET parent_id = ? WHERE id = ?", parentProject, id);
+    transaction.commit();
 }
 
 void Catalog::deleteAlbum(std::int64_t id)
@@ -237,8 +248,12 @@ void Catalog::removeFromAlbum(std::int64_t album, std::span<const PhotoID> photo
 
 std::int64_t Catalog::createKeyword(std::string_view name, std::optional<std::int64_t> parent)
 {
+    requireName(name);
+    Transaction transaction(database_);
     requireKeyword(database_, parent);
-    return database_.insert("INSERT INTO keywords (name, parent_id) VALUES (?, ?)", name, parent);
+    const auto id = database_.insert("INSERT INTO keywords (name, parent_id) VALUES (?, ?)", name, parent);
+    transaction.commit();
+    return id;
 }
 
 void Catalog::deleteKeyword(std::int64_t id)
@@ -248,11 +263,13 @@ void Catalog::deleteKeyword(std::int64_t id)
 
 std::int64_t Catalog::createSmartAlbum(std::string_view name, std::string_view rules)
 {
+    requireName(name);
     return database_.insert("INSERT INTO smart_albums (name, rules) VALUES (?, ?)", name, rules);
 }
 
 void Catalog::changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules)
 {
+    requireName(name);
     changeRow(database_, "smart album", id, "UPDATE smart_albums SET name = ?, rules = ? WHERE id = ?", name,
         rules, id);
 }

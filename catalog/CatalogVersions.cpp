@@ -1,5 +1,4 @@
-#include "catalog/Catalog.h"
-
+#include "catalog/ChangeRow.h"
 #include "catalog/PhotoRows.h"
 
 namespace korvo {
@@ -7,10 +6,10 @@ namespace korvo {
 PhotoID Catalog::createVersion(PhotoID photo, const std::optional<std::string>& name,
     const std::optional<PhotoEdits>& edits, UnixTime addedAt)
 {
+    if (name)
+        requireName(*name);
     Transaction transaction(database_);
-    const auto master = database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", photo);
-    if (master == 0)
-        throw NotFoundError("photo", photo);
+    const auto master = existingMasterOf(photo);
     const auto count = database_.scalar("SELECT COUNT(*) FROM photos WHERE version_of = ?", master);
     const auto json = edits ? std::optional(storedEdits(*edits)) : std::nullopt;
     // What was read from the file comes along too: only masters are read.

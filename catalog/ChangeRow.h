@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Text.h"
 #include "catalog/Catalog.h"
 
 namespace korvo {
@@ -13,6 +14,21 @@ void changeRow(
     database.run(sql, args...);
     if (database.changes() == 0)
         throw NotFoundError(noun, id);
+}
+
+/// What the user is to find again by its name needs one. Throws std::invalid_argument.
+inline void requireName(std::string_view name)
+{
+    if (isBlank(name))
+        throw std::invalid_argument("a name needs more than blanks");
+}
+
+/// The catalog knows files by absolute paths: others would mean another file in the next folder. Throws
+/// std::invalid_argument.
+inline void requireAbsolute(std::string_view path)
+{
+    if (!std::filesystem::path(path).is_absolute())
+        throw std::invalid_argument("\"" + std::string(path) + "\" is not an absolute path");
 }
 
 } // namespace korvo

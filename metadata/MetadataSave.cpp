@@ -82,6 +82,8 @@ private:
         } catch (const ExifToolError& error) {
             if (!stop_.stop_requested()) // else it is we who ended the tool
                 fail(*record, error.what());
+        } catch (const NotFoundError&) {
+            // It was removed meanwhile.
         } catch (const fs::filesystem_error& error) {
             fail(*record, error.code().message());
         } catch (const JsonError& error) {

@@ -11,6 +11,14 @@ TEST(Text, keywordsAreCutAtCommasTrimmedAndNeverEmpty)
     EXPECT_EQ(joinKeywords({"a", "c d"}), "a, c d");
 }
 
+TEST(Text, blankIsWhatShowsNothing)
+{
+    for (const char* blank : {"", " \t\n", "\u00A0", "\u3000 \u2003"})
+        EXPECT_TRUE(isBlank(blank)) << blank;
+    for (const char* text : {" a ", ".", "\u3042", "\xFF", "\xE3\x80"})
+        EXPECT_FALSE(isBlank(text)) << text;
+}
+
 TEST(Text, repairsOnlyWhatIsNotUtf8)
 {
     struct Case {

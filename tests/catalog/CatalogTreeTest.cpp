@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <stdexcept>
+
 namespace korvo {
 
 TEST(Catalog, treeNestsProjectsInTheirOrderWithCounts)
@@ -82,6 +85,42 @@ TEST(Catalog, gatheringPutsEveryRootUnderTheNewProject)
     EXPECT_EQ(tree.projects[0].children[0].children.size(), 1U);
     for (const auto& row : tree.albums)
         EXPECT_EQ(row.parentID, row.id == album ? root : all);
+}
+
+TEST(Catalog, refusesNamelessThingsRelativePathsAndWhatIsNotThere)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    const auto photo = library.photo("a.jpg");
+    const auto project = catalog.createProject("p", "project", std::nullopt);
+    const auto smart = catalog.createSmartAlbum("s", "{}");
+    const std::vector<std::function<void()>> invalid = {
+        [&] { catalog.createProject(" ", "project", std::nullopt); },
+        [&] { catalog.renameProject(project, "\t"); },
+        [&] { catalog.gatherUnderProject(""); },
+        [&] { catalog.createAlbum("\u00A0", std::nullopt); },
+        [&] { catalog.createKeyword("\n", std::nullopt); },
+        [&] { catalog.createSmartAlbum(" ", "{}"); },
+        [&] { catalog.changeSmartAlbum(smart, " ", "{}"); },
+        [&] { catalog.createVersion(photo, " ", std::nullopt, 1); },
+        [&] { catalog.addFolder("photos", 1); },
+        [&] { catalog.fileRenamed(photo, "b.jpg"); },
+        [&] { catalog.addPhotos(std::vector<NewPhoto>{{.path = "b.jpg"}}); },
+    };
+    for (std::size_t i = 0; i < invalid.size(); ++i)
+        EXPECT_THROW(invalid[i](), std::invalid_argument) << i;
+    const std::vector<std::function<void()>> unknown = {
+        [&] { catalog.folderMoved(9, "/a", "/b"); },
+        [&] { catalog.fileRenamed(9, "/b.jpg"); },
+        [&] { catalog.setMetadata(9, {}, WriteBack::done); },
+        [&] { catalog.saveComposition(9, "{}"); },
+        [&] { catalog.createKeyword("k", 9); },
+        [&] { catalog.moveAlbum(9, std::nullopt); },
+    };
+    for (std::size_t i = 0; i < unknown.size(); ++i)
+        EXPECT_THROW(unknown[i](), NotFoundError) << i;
+    EXPECT_EQ(catalog.tree().projects.size(), 1U);
+    EXPECT_EQ(library.item(photo).path(), "/photos/a.jpg");
 }
 
 TEST(Catalog, aFolderMovedOnDiskTakesOnlyThePathsInsideIt)
