@@ -388,6 +388,7 @@ ParseResult parseCommandLine(int argc, char** argv)
     addModelCommands(*parser);
     addGroupCommands(*parser);
     addNamingCommands(*parser);
+    addImportCommands(*parser);
     try {
         parser->app.parse(argc, argv);
     } catch (const CLI::Success& asked) { // help or version

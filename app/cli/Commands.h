@@ -72,6 +72,9 @@ ExitCode expandNamingCommand(Context& context, const std::string& pattern, const
 ExitCode setNamingCommand(Context& context, const std::filesystem::path& file);
 ExitCode restoreNamingCommand(Context& context);
 
+// Cards, drives and cameras (ImportCommands.cpp)
+ExitCode volumesCommand(Context& context);
+
 // Models (ModelCommands.cpp)
 ExitCode modelStatusCommand(Context& context);
 ExitCode fetchModelCommand(Context& context, const std::string& host);

@@ -33,4 +33,10 @@ void addNamingCommands(Parser& parser)
         [](Context& context, const None&) { return restoreNamingCommand(context); });
 }
 
+void addImportCommands(Parser& parser)
+{
+    command<None>(parser, &parser.app, "volumes", "the cards and drives that photos can be imported from",
+        noArguments, [](Context& context, const None&) { return volumesCommand(context); });
+}
+
 } // namespace korvo

@@ -42,7 +42,8 @@ void addPhotos(CLI::App& sub, PhotoArguments& photos);
 /// The commands on versions, stacks and smart albums (GroupCommandLine.cpp).
 void addGroupCommands(Parser& parser);
 
-/// The commands on naming patterns (ImportCommandLine.cpp).
+/// The commands on naming patterns, and on volumes and import (ImportCommandLine.cpp).
 void addNamingCommands(Parser& parser);
+void addImportCommands(Parser& parser);
 
 } // namespace korvo
