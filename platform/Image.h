@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/PixelMemory.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -13,11 +14,22 @@ namespace korvo {
 /// Leaves new numbers as the memory comes: 24 million pixels that are about to be written are not zeroed
 /// first.
 template <typename T>
-struct UninitializedAllocator : std::allocator<T> {
+struct PixelAllocator {
+    using value_type = T;
+
+    PixelAllocator() = default;
     template <typename U>
-    struct rebind {
-        using other = UninitializedAllocator<U>;
-    };
+    PixelAllocator(const PixelAllocator<U>&)
+    { }
+
+    T* allocate(std::size_t count)
+    {
+        if (count > static_cast<std::size_t>(-1) / sizeof(T))
+            throw std::bad_array_new_length();
+        return static_cast<T*>(allocatePixels(count * sizeof(T)));
+    }
+    void deallocate(T* memory, std::size_t) noexcept { releasePixels(memory); }
+
     template <typename U>
     void construct(U* place) noexcept
     {
@@ -28,10 +40,12 @@ struct UninitializedAllocator : std::allocator<T> {
     {
         ::new (static_cast<void*>(place)) U(std::forward<Arguments>(arguments)...);
     }
+
+    bool operator==(const PixelAllocator&) const = default;
 };
 
 template <typename T>
-using PixelBuffer = std::vector<T, UninitializedAllocator<T>>;
+using PixelBuffer = std::vector<T, PixelAllocator<T>>;
 
 /// 8 bits a channel, sRGB, for the screen, previews and files. A pixel is four bytes, R G B A, the colours
 /// premultiplied by alpha as encoded (never above it); opaque pixels have alpha 255. Rows from the top,

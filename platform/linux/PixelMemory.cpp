@@ -1,0 +1,33 @@
+#include "platform/PixelMemory.h"
+
+#include <cstdlib>
+#include <new>
+#include <sys/mman.h>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::size_t largePage = std::size_t{2} << 20;
+constexpr std::size_t cacheLine = 64;
+
+} // namespace
+
+void* allocatePixels(std::size_t bytes)
+{
+    const std::size_t alignment = bytes >= 4 * largePage ? largePage : cacheLine;
+    void* memory = nullptr;
+    if (::posix_memalign(&memory, alignment, bytes) != 0)
+        throw std::bad_alloc();
+    // Only advice: where it is not taken, small pages do.
+    if (alignment == largePage)
+        ::madvise(memory, bytes / largePage * largePage, MADV_HUGEPAGE);
+    return memory;
+}
+
+void releasePixels(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+} // namespace korvo
