@@ -1,0 +1,368 @@
+#include "platform/linux/images/ColourConversion.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+namespace korvo {
+
+namespace {
+
+using Model = RowFormat::Model;
+using Alpha = RowFormat::Alpha;
+using Depth = RowFormat::Depth;
+
+struct CloseProfile {
+    void operator()(void* profile) const { cmsCloseProfile(profile); }
+};
+using Profile = std::unique_ptr<void, CloseProfile>;
+
+struct FreeCurve {
+    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
+};
+
+/// sRGB's curve (IEC 61966-2-1), continued beyond 1.
+double decoded(double value)
+{
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double encoded(double light)
+{
+    return light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+}
+
+constexpr cmsCIExyY d65{0.3127, 0.3290, 1};
+constexpr cmsCIExyYTRIPLE srgbPrimaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
+constexpr cmsCIExyYTRIPLE adobePrimaries{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
+
+Profile profileOf(const cmsCIExyYTRIPLE& primaries, double gamma)
+{
+    const std::unique_ptr<cmsToneCurve, FreeCurve> curve(cmsBuildGamma(nullptr, gamma));
+    cmsToneCurve* const curves[] = {curve.get(), curve.get(), curve.get()};
+    return Profile(cmsCreateRGBProfile(&d65, &primaries, curves));
+}
+
+cmsColorSpaceSignature spaceOf(Model model)
+{
+    switch (model) {
+    case Model::grey:
+        return cmsSigGrayData;
+    case Model::rgb:
+        return cmsSigRgbData;
+    case Model::cmyk:
+        return cmsSigCmykData;
+    }
+    return {};
+}
+
+/// The picture's profile, if it has one that fits its colours.
+Profile profileOf(const PictureInfo& picture)
+{
+    if (picture.profile.empty() && picture.isAdobeRGB && picture.format.model == Model::rgb)
+        return profileOf(adobePrimaries, 563.0 / 256);
+    if (picture.profile.empty())
+        return {};
+    Profile profile(
+        cmsOpenProfileFromMem(picture.profile.data(), static_cast<cmsUInt32Number>(picture.profile.size())));
+    if (profile && cmsGetColorSpace(profile.get()) != spaceOf(picture.format.model))
+        profile.reset();
+    return profile;
+}
+
+using Matrix = std::array<double, 9>;
+
+/// The columns of a profile: what each of its colours is in XYZ under its white, D50.
+Matrix colorants(cmsHPROFILE profile)
+{
+    Matrix matrix{};
+    std::size_t column = 0;
+    for (const auto tag : {cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag}) {
+        const auto* const xyz = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile, tag));
+        matrix[column] = xyz ? xyz->X : 0;
+        matrix[column + 3] = xyz ? xyz->Y : 0;
+        matrix[column + 6] = xyz ? xyz->Z : 0;
+        ++column;
+    }
+    return matrix;
+}
+
+Matrix inverse(const Matrix& m)
+{
+    const auto minor = [&](std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
+        return m[a] * m[d] - m[b] * m[c];
+    };
+    Matrix r{minor(4, 5, 7, 8), minor(2, 1, 8, 7), minor(1, 2, 4, 5), minor(5, 3, 8, 6), minor(0, 2, 6, 8),
+        minor(2, 0, 5, 3), minor(3, 4, 6, 7), minor(1, 0, 7, 6), minor(0, 1, 3, 4)};
+    const double determinant = m[0] * r[0] + m[1] * r[3] + m[2] * r[6];
+    for (double& value : r)
+        value /= determinant;
+    return r;
+}
+
+/// Linear RGB of the profile to linear sRGB.
+Matrix toSrgb(cmsHPROFILE profile)
+{
+    static const Matrix fromXYZ = inverse(colorants(profileOf(srgbPrimaries, 1).get()));
+    const Matrix toXYZ = colorants(profile);
+    Matrix product{};
+    for (std::size_t row = 0; row < 3; ++row)
+        for (std::size_t column = 0; column < 3; ++column)
+            for (std::size_t i = 0; i < 3; ++i)
+                product[3 * row + column] += fromXYZ[3 * row + i] * toXYZ[3 * i + column];
+    return product;
+}
+
+const cmsToneCurve* curveOf(cmsHPROFILE profile, Model model, std::size_t channel)
+{
+    constexpr std::array tags{cmsSigRedTRCTag, cmsSigGreenTRCTag, cmsSigBlueTRCTag};
+    return static_cast<const cmsToneCurve*>(
+        cmsReadTag(profile, model == Model::grey ? cmsSigGrayTRCTag : tags[channel]));
+}
+
+/// Whether a profile is three curves and a matrix, or one curve of grey, and nothing more.
+bool isSimple(cmsHPROFILE profile, Model model)
+{
+    if (cmsIsTag(profile, cmsSigAToB0Tag) || cmsIsTag(profile, cmsSigAToB1Tag))
+        return false;
+    if (model == Model::grey)
+        return curveOf(profile, model, 0) != nullptr && cmsGetPCS(profile) == cmsSigXYZData;
+    return model == Model::rgb && cmsIsMatrixShaper(profile) && curveOf(profile, model, 0)
+        && curveOf(profile, model, 1) && curveOf(profile, model, 2);
+}
+
+/// Whether a profile is sRGB's to within what 8 bits show.
+bool isSrgb(cmsHPROFILE profile, Model model)
+{
+    if (!isSimple(profile, model))
+        return false;
+    for (std::size_t channel = 0; channel < (model == Model::rgb ? 3 : 1); ++channel)
+        for (int step = 0; step <= 32; ++step) {
+            const float value = static_cast<float>(step) / 32;
+            const double found = cmsEvalToneCurveFloat(curveOf(profile, model, channel), value);
+            if (std::abs(encoded(found) - value) > 0.003)
+                return false;
+        }
+    if (model == Model::grey)
+        return true;
+    const Matrix matrix = toSrgb(profile);
+    for (std::size_t i = 0; i < matrix.size(); ++i)
+        if (std::abs(matrix[i] - (i % 4 == 0 ? 1 : 0)) > 0.004)
+            return false;
+    return true;
+}
+
+cmsUInt32Number lcmsFormat(const RowFormat& format)
+{
+    const bool isReal = format.depth == Depth::real;
+    const auto space = format.model == Model::grey ? PT_GRAY : format.model == Model::rgb ? PT_RGB : PT_CMYK;
+    return static_cast<cmsUInt32Number>(FLOAT_SH(isReal) | COLORSPACE_SH(space)
+        | EXTRA_SH(format.alpha != Alpha::none) | CHANNELS_SH(format.colours())
+        | BYTES_SH(format.depth == Depth::bits8 ? 1
+                : format.depth == Depth::bits16 ? 2
+                                                : 4));
+}
+
+/// A stored number from 0 to 1.
+float fraction(std::uint8_t number)
+{
+    return static_cast<float>(number) / 255;
+}
+float fraction(std::uint16_t number)
+{
+    return static_cast<float>(number) / 65535;
+}
+float fraction(float number)
+{
+    return number;
+}
+
+std::uint8_t byteOf(std::uint8_t number)
+{
+    return number;
+}
+std::uint8_t byteOf(std::uint16_t number)
+{
+    return static_cast<std::uint8_t>((number * 255U + 32895U) >> 16);
+}
+std::uint8_t byteOf(float number)
+{
+    return static_cast<std::uint8_t>(std::lround(255 * std::clamp(number, 0.0F, 1.0F)));
+}
+
+/// Calls `visit` with the row as numbers of its depth.
+template <typename Visit>
+void withNumbers(Depth depth, std::uint8_t* row, Visit visit)
+{
+    if (depth == Depth::bits8)
+        visit(row);
+    else if (depth == Depth::bits16)
+        visit(reinterpret_cast<std::uint16_t*>(row));
+    else
+        visit(reinterpret_cast<float*>(row));
+}
+
+/// Paper seen through inks, where no profile tells more.
+template <typename Number>
+float inked(const Number* inks, int channel)
+{
+    return (1 - fraction(inks[channel])) * (1 - fraction(inks[3]));
+}
+
+template <typename Number>
+std::uint8_t byteAt(const Number* pixel, int channel, const RowFormat& format)
+{
+    if (format.model == Model::cmyk)
+        return byteOf(inked(pixel, channel));
+    const auto number = pixel[format.model == Model::grey ? 0 : channel];
+    return format.isLinear ? byteOf(static_cast<float>(encoded(fraction(number)))) : byteOf(number);
+}
+
+template <typename Number>
+void colourBytes(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format)
+{
+    for (int x = 0; x < width; ++x, row += format.channels(), rgba += 4)
+        for (int channel = 0; channel < 3; ++channel)
+            rgba[channel] = byteAt(row, channel, format);
+}
+
+bool isSeeThrough(const RowFormat& format)
+{
+    return format.alpha == Alpha::straight || format.alpha == Alpha::premultiplied;
+}
+
+/// Puts the row's alpha into a row of RGBA bytes, and multiplies the colours by it.
+template <typename Number>
+void takeAlpha(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format)
+{
+    row += format.colours();
+    for (int x = 0; x < width; ++x, row += format.channels(), rgba += 4) {
+        rgba[3] = isSeeThrough(format) ? byteOf(*row) : 255;
+        for (int channel = 0; rgba[3] < 255 && channel < 3; ++channel)
+            rgba[channel] = static_cast<std::uint8_t>((rgba[channel] * rgba[3] + 127) / 255);
+    }
+}
+
+template <typename Number>
+void divideByAlpha(Number* row, int width, const RowFormat& format)
+{
+    constexpr bool isReal = std::is_same_v<Number, float>;
+    constexpr float most = isReal ? 1 : static_cast<float>(std::numeric_limits<Number>::max());
+    for (int x = 0; x < width; ++x, row += format.channels())
+        for (int channel = 0; channel < format.colours(); ++channel) {
+            const float alpha = fraction(row[format.colours()]);
+            const float colour = alpha > 0 ? static_cast<float>(row[channel]) / alpha : 0;
+            row[channel] = static_cast<Number>(isReal ? colour : std::min(colour, most));
+        }
+}
+
+} // namespace
+
+bool ColourConversion::isBitmap(const PictureInfo& picture)
+{
+    return picture.format.alpha == Alpha::unused && picture.format.model == Model::rgb && fitsBitmap(picture);
+}
+
+bool ColourConversion::fitsBitmap(const PictureInfo& picture)
+{
+    if (picture.format.depth != Depth::bits8 || picture.format.isLinear
+        || picture.format.model == Model::cmyk)
+        return false;
+    const auto profile = profileOf(picture);
+    return !profile || isSrgb(profile.get(), picture.format.model);
+}
+
+ColourConversion::ColourConversion(const PictureInfo& picture, Target target) : format_(picture.format)
+{
+    const auto profile = profileOf(picture);
+    const bool isKnown = !profile || isSrgb(profile.get(), format_.model);
+    if (target == Target::linear && format_.depth != Depth::real && format_.model != Model::cmyk
+        && (isKnown || isSimple(profile.get(), format_.model)))
+        makeTables(isKnown ? nullptr : profile.get());
+    else if (!isKnown)
+        makeTransform(profile.get(), target);
+}
+
+void ColourConversion::makeTables(cmsHPROFILE profile)
+{
+    const std::size_t size = format_.depth == Depth::bits8 ? 256 : 65536;
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        const auto* const curve = profile ? curveOf(profile, format_.model, channel) : nullptr;
+        tables_[channel].resize(size);
+        for (std::size_t i = 0; i < size; ++i) {
+            const double value = double(i) / double(size - 1);
+            tables_[channel][i] = curve ? cmsEvalToneCurveFloat(curve, static_cast<float>(value))
+                                        : static_cast<float>(format_.isLinear ? value : decoded(value));
+        }
+    }
+    hasMatrix_ = profile && format_.model == Model::rgb;
+    if (hasMatrix_)
+        std::ranges::transform(
+            toSrgb(profile), matrix_.begin(), [](double value) { return static_cast<float>(value); });
+}
+
+void ColourConversion::makeTransform(cmsHPROFILE profile, Target target)
+{
+    const Profile srgb
+        = target == Target::linear ? profileOf(srgbPrimaries, 1) : Profile(cmsCreate_sRGBProfile());
+    transform_.reset(cmsCreateTransform(profile, lcmsFormat(format_), srgb.get(),
+        target == Target::linear ? TYPE_RGB_FLT : TYPE_RGBA_8, INTENT_RELATIVE_COLORIMETRIC,
+        cmsFLAGS_BLACKPOINTCOMPENSATION));
+}
+
+void ColourConversion::toBitmap(std::uint8_t* row, std::uint8_t* rgba, int width)
+{
+    if (transform_)
+        cmsDoTransform(transform_.get(), row, rgba, static_cast<cmsUInt32Number>(width));
+    withNumbers(format_.depth, row, [&](auto* numbers) {
+        if (format_.alpha == Alpha::premultiplied)
+            divideByAlpha(numbers, width, format_);
+        if (!transform_)
+            colourBytes(numbers, rgba, width, format_);
+        takeAlpha(numbers, rgba, width, format_);
+    });
+}
+
+void ColourConversion::toLinear(std::uint8_t* row, float* rgba, int width)
+{
+    if (format_.alpha == Alpha::premultiplied)
+        withNumbers(format_.depth, row, [&](auto* numbers) { divideByAlpha(numbers, width, format_); });
+    if (transform_) {
+        colours_.resize(3 * static_cast<std::size_t>(width));
+        cmsDoTransform(transform_.get(), row, colours_.data(), static_cast<cmsUInt32Number>(width));
+    }
+    withNumbers(format_.depth, row, [&](const auto* numbers) { numbersToLinear(numbers, rgba, width); });
+}
+
+template <typename Number>
+void ColourConversion::numbersToLinear(const Number* row, float* rgba, int width) const
+{
+    for (int x = 0; x < width; ++x, row += format_.channels(), rgba += 4) {
+        if (transform_)
+            std::copy_n(&colours_[3 * static_cast<std::size_t>(x)], 3, rgba);
+        else
+            for (int channel = 0; channel < 3; ++channel)
+                rgba[channel] = light(row, channel);
+        if (hasMatrix_) {
+            const float red = rgba[0], green = rgba[1], blue = rgba[2];
+            for (std::size_t i = 0; i < 3; ++i)
+                rgba[i] = matrix_[3 * i] * red + matrix_[3 * i + 1] * green + matrix_[3 * i + 2] * blue;
+        }
+        rgba[3] = isSeeThrough(format_) ? fraction(row[format_.colours()]) : 1;
+    }
+}
+
+template <typename Number>
+float ColourConversion::light(const Number* pixel, int channel) const
+{
+    if (format_.model == Model::cmyk)
+        return static_cast<float>(decoded(inked(pixel, channel)));
+    const auto number = pixel[format_.model == Model::grey ? 0 : channel];
+    if constexpr (std::is_same_v<Number, float>)
+        return format_.isLinear ? number : static_cast<float>(decoded(number));
+    else
+        return tables_[static_cast<std::size_t>(channel)][number];
+}
+
+} // namespace korvo

@@ -1,0 +1,93 @@
+#include "platform/linux/images/PictureWriters.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <lcms2.h>
+
+namespace korvo {
+
+namespace {
+
+struct Ending {
+    std::string_view text;
+    PictureFormat format;
+};
+
+constexpr std::array endings{Ending{".jpg", PictureFormat::jpeg}, Ending{".jpeg", PictureFormat::jpeg},
+    Ending{".png", PictureFormat::png}, Ending{".webp", PictureFormat::webp},
+    Ending{".tif", PictureFormat::tiff}, Ending{".tiff", PictureFormat::tiff}};
+
+std::vector<std::uint8_t> makeSrgbProfile()
+{
+    cmsHPROFILE profile = cmsCreate_sRGBProfile();
+    cmsUInt32Number length = 0;
+    cmsSaveProfileToMem(profile, nullptr, &length);
+    std::vector<std::uint8_t> bytes(length);
+    cmsSaveProfileToMem(profile, bytes.data(), &length);
+    cmsCloseProfile(profile);
+    return bytes;
+}
+
+} // namespace
+
+std::optional<PictureFormat> pictureFormat(const std::filesystem::path& file)
+{
+    const auto ending = asciiLower(file.extension().native());
+    const auto found = std::ranges::find(endings, ending, &Ending::text);
+    return found == endings.end() ? std::nullopt : std::optional(found->format);
+}
+
+std::unique_ptr<PictureWriter> pictureWriter(
+    PictureFormat format, const PictureShape& shape, int quality, const std::filesystem::path& file)
+{
+    switch (format) {
+    case PictureFormat::jpeg:
+        return jpegWriter(shape, quality, Profile::srgb, file);
+    case PictureFormat::png:
+        return pngWriter(shape, file);
+    case PictureFormat::webp:
+        return webpWriter(shape, quality, file);
+    case PictureFormat::tiff:
+        return tiffWriter(shape, file);
+    }
+    return nullptr;
+}
+
+std::vector<std::uint8_t> encodedPreview(const Bitmap& image, int quality)
+{
+    const auto writer = jpegWriter({image.width, image.height}, quality, Profile::none, "preview");
+    for (int y = 0; y < image.height; ++y)
+        writer->write(image.row(y));
+    return writer->finish();
+}
+
+bool isOpaque(const Bitmap& image)
+{
+    for (std::size_t i = 3; i < image.bytes.size(); i += 4)
+        if (image.bytes[i] != 255)
+            return false;
+    return true;
+}
+
+std::span<const std::uint8_t> srgbProfile()
+{
+    static const auto profile = makeSrgbProfile();
+    return profile;
+}
+
+void straighten(const std::uint8_t* row, std::uint8_t* to, const PictureShape& shape)
+{
+    for (int x = 0; x < shape.width; ++x, row += 4) {
+        const unsigned alpha = row[3];
+        for (int channel = 0; channel < 3; ++channel)
+            *to++ = alpha == 0 || alpha == 255
+                ? row[channel]
+                : static_cast<std::uint8_t>(std::min((row[channel] * 255U + alpha / 2) / alpha, 255U));
+        if (shape.alpha == AlphaPlane::present)
+            *to++ = row[3];
+    }
+}
+
+} // namespace korvo
