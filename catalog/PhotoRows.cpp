@@ -102,7 +102,7 @@ PhotoItem PhotoRows::item()
         = {text(altText), text(title), text(caption), shared(keywords), shared(creator), shared(copyright)};
     item.editsJSON = text(edits);
     item.rating = static_cast<std::int32_t>(integer(rating));
-    item.label = photoLabel(integer(label)).value_or(PhotoLabel::none);
+    item.label = photoLabel(integer(Column::label)).value_or(PhotoLabel::none);
     item.flagged = flag(flagged);
     item.gpsRead = flag(gpsRead);
     item.dirty = flag(dirty);

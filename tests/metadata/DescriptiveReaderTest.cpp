@@ -2,6 +2,7 @@
 
 #include "metadata/ExifReader.h"
 #include "metadata/MetadataError.h"
+#include "tests/metadata/Fixture.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -9,11 +10,6 @@
 namespace korvo {
 
 namespace {
-
-std::filesystem::path fixture(const std::string& name)
-{
-    return std::filesystem::path(KORVO_TEST_DATA) / "metadata" / name;
-}
 
 /// An APP1 segment of a JPEG file.
 std::string app1(const std::string& payload)

@@ -1,15 +1,12 @@
 #include "metadata/ExifReader.h"
 
+#include "tests/metadata/Fixture.h"
+
 #include <gtest/gtest.h>
 
 namespace korvo {
 
 namespace {
-
-std::filesystem::path fixture(const std::string& name)
-{
-    return std::filesystem::path(KORVO_TEST_DATA) / "metadata" / name;
-}
 
 PhotoExifInfo read(const std::string& name)
 {
