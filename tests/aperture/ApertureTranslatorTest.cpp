@@ -59,6 +59,15 @@ struct Step {
     bool isEnabled = true;
 
     Value values() const { return plist(JsonDocument(parameters).root()); }
+    /// The same parameters, each with that value.
+    Value filledWith(const Value& value) const
+    {
+        std::vector<std::pair<std::string, Value>> filled;
+        const auto own = values();
+        for (const auto& member : own.members())
+            filled.emplace_back(*member.key.text(), value);
+        return plistDict(std::move(filled));
+    }
     ApertureAdjustment with(const Value& values) const
     {
         return {name, isEnabled, mask, archived(name, values)};
@@ -393,18 +402,14 @@ TEST(ApertureTranslator, valuesOfTheWrongKindAreAsGoodAsNone)
 {
     const Value wrong[]{Value("wrong"), Value(Value::Date{1}),
         Value(std::numeric_limits<double>::quiet_NaN()), Value(-std::numeric_limits<double>::infinity()),
-        Value(Value::Array{Value("1"), Value()}), Value(plistDict({{"x", Value("1")}})),
-        Value(Value::Data{1, 2, 3}), Value(false)};
+        Value(Value::Array{Value("1"), Value()}), plistDict({{"x", Value("1")}}), Value(Value::Data{1, 2, 3}),
+        Value(false)};
     for (const auto* const cases : {&toneCases, &whiteBalanceCases, &colorCases, &detailCases, &brushCases})
         for (const auto& test : *cases)
             for (const auto& step : test.steps)
                 for (const auto& value : wrong) {
                     SCOPED_TRACE(step.name + std::to_string(static_cast<int>(value.kind())));
-                    const auto parameters = step.values();
-                    std::vector<std::pair<std::string, Value>> spoilt;
-                    for (const auto& member : parameters.members())
-                        spoilt.emplace_back(*member.key.text(), value);
-                    const auto result = translated({step.with(plistDict(spoilt))}, test.photo);
+                    const auto result = translated({step.with(step.filledWith(value))}, test.photo);
                     const auto without = translated({step.with(plistDict({}))}, test.photo);
                     EXPECT_EQ(changes(result.edits), changes(without.edits));
                     EXPECT_EQ(result.report, without.report);
@@ -419,20 +424,13 @@ TEST(ApertureTranslator, sumsAndProductsOfHugeNumbersStayFinite)
             std::vector<ApertureAdjustment> adjustments;
             for (const double huge : {1.7e308, -1.7e308, 1.7e308, 1.7e308, -1.7e308, -1.7e308, -1.7e308})
                 for (auto step : test.steps) {
-                    std::vector<std::pair<std::string, Value>> members;
-                    for (const auto& member : step.values().members())
-                        members.emplace_back(*member.key.text(), Value(huge));
-                    const auto stroke = plistDict({{"radius", Value(std::abs(huge))},
-                        {"xLocation", Value(huge)}, {"yLocation", Value(huge)},
-                        {"sourceOffset", Value(Value::Array(2, Value(huge)))}});
-                    members.emplace_back("inputStrokes", Value(Value::Array{stroke}));
-                    adjustments.push_back(step.with(plistDict(members)));
+                    adjustments.push_back(step.with(step.filledWith(Value(huge))));
                     step.mask = step.mask ? std::nullopt : std::optional<std::string>("a");
-                    adjustments.push_back(step.with(plistDict(members)));
+                    adjustments.push_back(step.with(step.filledWith(Value(huge))));
                 }
             SCOPED_TRACE(test.steps[0].name);
-            EXPECT_NO_THROW(
-                toJson(translated(adjustments, test.photo).edits)); // throws for what is not finite
+            const auto edits = translated(adjustments, test.photo).edits;
+            EXPECT_NO_THROW(toJson(edits)); // throws for what is not finite
         }
 }
 
