@@ -20,17 +20,34 @@ bool holdsCatalog(const std::filesystem::path& folder)
     return !folder.empty() && std::filesystem::exists(folder / "catalog.sqlite", ignored);
 }
 
+std::vector<std::filesystem::path> storedLibraries(const Defaults& defaults)
+{
+    const auto stored = defaults.get(recentKey).value_or("");
+    std::vector<std::filesystem::path> libraries;
+    for (const auto path : split(stored, separator))
+        if (!path.empty())
+            libraries.emplace_back(path);
+    return libraries;
+}
+
+void setIfOther(Defaults& defaults, const char* key, const std::string& value)
+{
+    if (defaults.get(key) != value)
+        defaults.set(key, value);
+}
+
+/// Those that cannot be seen now stay in the list: their disk may be away for a day.
 void remember(const std::filesystem::path& folder, Defaults& defaults)
 {
-    auto recent = recentLibraries(defaults);
+    auto recent = storedLibraries(defaults);
     std::erase(recent, folder);
     recent.insert(recent.begin(), folder);
     recent.resize(std::min(recent.size(), recentKept));
     std::string list;
     for (const auto& path : recent)
         list += path.native() + separator;
-    defaults.set(recentKey, list);
-    defaults.set(lastKey, folder.native());
+    setIfOther(defaults, recentKey, list);
+    setIfOther(defaults, lastKey, folder.native());
 }
 
 } // namespace
@@ -43,11 +60,8 @@ std::optional<std::filesystem::path> lastLibrary(const Defaults& defaults)
 
 std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults)
 {
-    std::vector<std::filesystem::path> libraries;
-    const auto stored = defaults.get(recentKey).value_or("");
-    for (const auto path : split(stored, separator))
-        if (holdsCatalog(path))
-            libraries.emplace_back(path);
+    auto libraries = storedLibraries(defaults);
+    std::erase_if(libraries, [](const auto& folder) { return !holdsCatalog(folder); });
     return libraries;
 }
 

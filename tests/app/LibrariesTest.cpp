@@ -20,9 +20,13 @@ TEST(Libraries, theLastOnesComeFirstAndThoseThatAreGoneAreLeftOut)
     openLibrary(paths[0], clock, defaults);
     EXPECT_EQ(recentLibraries(defaults), (std::vector<std::filesystem::path>{paths[0], paths[2], paths[1]}));
     EXPECT_EQ(lastLibrary(defaults), paths[0]);
-    std::filesystem::remove_all(paths[0]);
+    std::filesystem::rename(paths[0], folder / "unplugged");
     EXPECT_EQ(recentLibraries(defaults).size(), 2U);
     EXPECT_FALSE(lastLibrary(defaults));
+    openLibrary(paths[1], clock, defaults);
+    std::filesystem::rename(folder / "unplugged", paths[0]);
+    EXPECT_EQ(recentLibraries(defaults), (std::vector<std::filesystem::path>{paths[1], paths[0], paths[2]}))
+        << "its disk is back";
     for (int i = 0; i < 12; ++i)
         openLibrary(folder / std::to_string(i), clock, defaults);
     EXPECT_EQ(recentLibraries(defaults).size(), 10U);
