@@ -38,8 +38,16 @@ void PhotoList::index()
 
 void PhotoList::assign(std::vector<PhotoItem> items)
 {
+    // What is being done with a photo just now stands in no row, and goes on while its list is read again.
+    std::vector<std::pair<PhotoID, PhotoItem::Status>> busy;
+    for (const PhotoItem& item : items_)
+        if (item.status.kind != PhotoItem::Status::Kind::idle)
+            busy.emplace_back(item.id, item.status);
     items_ = std::move(items);
     index();
+    for (auto& [id, status] : busy)
+        if (const auto at = position(id))
+            items_[*at].status = std::move(status);
     arrange(sortKey_, filter_);
 }
 
@@ -102,6 +110,7 @@ bool PhotoList::updateInPlace(std::vector<PhotoItem> changed)
         items_[at] = std::move(item);
     }
     std::sort(moved.begin(), moved.end());
+    moved.erase(std::unique(moved.begin(), moved.end()), moved.end());
     if (moved.empty())
         return false;
     updateGridOrder(order_, items_, moved, sortKey_, filter_);
@@ -112,8 +121,11 @@ bool PhotoList::updateInPlace(std::vector<PhotoItem> changed)
 void PhotoList::rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone)
 {
     std::unordered_set<PhotoID> replaced = gone;
-    for (const auto& item : changed)
-        replaced.insert(item.id);
+    std::erase_if(changed, [&](PhotoItem& item) {
+        if (const PhotoItem* const listed = find(item.id))
+            item.status = listed->status;
+        return !replaced.insert(item.id).second; // given twice
+    });
     std::erase_if(items_, [&](const PhotoItem& item) { return replaced.contains(item.id); });
     const auto byName
         = [](const PhotoItem& a, const PhotoItem& b) { return standsBefore(a, b, SortKey::name); };
@@ -121,7 +133,8 @@ void PhotoList::rearrange(std::vector<PhotoItem> changed, const std::unordered_s
     const auto kept = static_cast<std::ptrdiff_t>(items_.size());
     items_.insert(items_.end(), std::move_iterator(changed.begin()), std::move_iterator(changed.end()));
     std::inplace_merge(items_.begin(), items_.begin() + kept, items_.end(), byName);
-    assign(std::move(items_));
+    index();
+    arrange(sortKey_, filter_);
 }
 
 } // namespace korvo

@@ -92,6 +92,21 @@ TEST(SortKey, datesRunForwardStarsDownAndTiesGoByName)
     }
 }
 
+TEST(PhotoList, whatIsBeingDoneWithAPhotoGoesOnWhileItIsReadAnew)
+{
+    PhotoList list;
+    auto busy = photo(1, "a.jpg");
+    busy.status.kind = PhotoItem::Status::Kind::saving;
+    list.assign({busy, photo(2, "b.jpg")});
+    const auto isSaving = [&] { return list.find(1)->status == busy.status; };
+    list.assign({photo(1, "a.jpg"), photo(3, "c.jpg")});
+    EXPECT_TRUE(isSaving());
+    auto renamed = photo(1, "z.jpg");
+    list.update({renamed, renamed}, {});
+    EXPECT_TRUE(isSaving());
+    EXPECT_EQ(shownIDs(list), (IDs{3, 1})) << "once, though it was given twice";
+}
+
 TEST(PhotoList, updatingEqualsLoadingAnew)
 {
     std::mt19937 random(7);
