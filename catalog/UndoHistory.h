@@ -2,9 +2,8 @@
 
 #include "catalog/Changeset.h"
 
-#include <optional>
+#include <deque>
 #include <string>
-#include <vector>
 
 namespace korvo {
 
@@ -14,18 +13,20 @@ struct UndoStep {
     Changeset changes;
 };
 
-/// The user's actions, done and undone. The oldest of more than `stepsKept` are forgotten.
+/// The user's actions, done and undone. The oldest are forgotten when there are more than `stepsKept`, or
+/// when all together pass `bytesKept`; `fewestSteps` stay whatever they take.
 class UndoHistory {
 public:
     static constexpr std::size_t stepsKept = 500;
+    static constexpr std::size_t fewestSteps = 200;
+    static constexpr std::size_t bytesKept = std::size_t{256} << 20;
 
     /// A new action; what was undone before it can no longer be redone.
     void add(UndoStep step)
     {
         steps_.resize(done_);
         steps_.push_back(std::move(step));
-        if (steps_.size() > stepsKept)
-            steps_.erase(steps_.begin());
+        forgetOldest();
         done_ = steps_.size();
     }
 
@@ -41,7 +42,18 @@ public:
     void redone() { ++done_; }
 
 private:
-    std::vector<UndoStep> steps_;
+    void forgetOldest()
+    {
+        std::size_t bytes = 0;
+        for (const auto& step : steps_)
+            bytes += step.changes.bytes().size();
+        while (steps_.size() > stepsKept || (bytes > bytesKept && steps_.size() > fewestSteps)) {
+            bytes -= steps_.front().changes.bytes().size();
+            steps_.pop_front();
+        }
+    }
+
+    std::deque<UndoStep> steps_;
     std::size_t done_ = 0;
 };
 

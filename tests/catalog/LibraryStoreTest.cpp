@@ -206,6 +206,22 @@ TEST(LibraryStore, photosMayChangePlacesAndComeBackWhereAnotherGoes)
     EXPECT_EQ(contentOf(t.store->catalog()), after);
 }
 
+TEST(UndoHistory, forgetsTheOldestByNumberAndByWeightButKeepsTwoHundred)
+{
+    const auto stepsOf = [](std::size_t count, std::size_t bytes) {
+        UndoHistory history;
+        for (std::size_t i = 0; i < count; ++i)
+            history.add({"", Changeset(std::vector<std::uint8_t>(bytes))});
+        std::size_t steps = 0;
+        for (; history.toUndo(); history.undone())
+            ++steps;
+        return steps;
+    };
+    EXPECT_EQ(stepsOf(510, 1), 500U);
+    EXPECT_EQ(stepsOf(310, 1 << 20), 256U);
+    EXPECT_EQ(stepsOf(210, 2 << 20), 200U);
+}
+
 TEST(LibraryStore, seesWhatOtherProcessesChange)
 {
     TestStore t(2);
