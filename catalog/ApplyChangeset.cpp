@@ -1,6 +1,9 @@
 #include "catalog/ChangeIterator.h"
 
+#include <algorithm>
 #include <map>
+#include <memory>
+#include <unordered_map>
 
 namespace korvo {
 
@@ -9,18 +12,33 @@ namespace {
 using Operation = ChangeIterator::Operation;
 using ColumnNames = std::vector<std::string>;
 
-const ColumnNames& columnsOf(
-    Database& database, std::map<std::string, ColumnNames, std::less<>>& known, std::string_view table)
-{
-    const auto [entry, isNew] = known.try_emplace(std::string(table));
-    if (isNew) {
-        auto statement = database.kept("SELECT name FROM pragma_table_info(?)");
-        statement.bind(table);
-        while (statement.step())
-            entry->second.emplace_back(statement.text(0));
+/// The statements and the tables' columns that one replay needs. The texts vary with the columns that
+/// changed, so that none of them is worth keeping for another.
+class Prepared {
+public:
+    explicit Prepared(Database& database) : database_(database) { }
+
+    Statement& statement(const std::string& sql)
+    {
+        auto& made = statements_[sql];
+        if (!made)
+            made.reset(new Statement(database_.prepare(sql))); // it cannot be moved
+        return *made;
     }
-    return entry->second;
-}
+
+    const ColumnNames& columnsOf(std::string_view table)
+    {
+        const auto [entry, isNew] = columns_.try_emplace(std::string(table));
+        if (isNew)
+            entry->second = database_.columnsOf(table);
+        return entry->second;
+    }
+
+private:
+    Database& database_;
+    std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
+    std::map<std::string, ColumnNames, std::less<>> columns_;
+};
 
 /// A statement's text and the values for its parameters, in order.
 struct Replay {
@@ -89,24 +107,55 @@ void freePaths(Database& database, const Changeset& changes)
     }
 }
 
+/// A reference of a row that its table can do without, and what takes it away when its target is gone.
+struct Reference {
+    std::string_view table, column, drop;
+};
+constexpr Reference looseReferences[] = {
+    {"photos", "stack_id",
+        "UPDATE photos SET stack_id = NULL WHERE id = ? AND stack_id NOT IN (SELECT id FROM stacks)"},
+    {"photos", "project_id",
+        "UPDATE photos SET project_id = NULL WHERE id = ? AND project_id NOT IN (SELECT id FROM projects)"},
+    {"photos", "folder_id",
+        "UPDATE photos SET folder_id = NULL WHERE id = ? AND folder_id NOT IN (SELECT id FROM folders)"},
+    {"albums", "parent_id",
+        "UPDATE albums SET parent_id = NULL WHERE id = ? AND parent_id NOT IN (SELECT id FROM projects)"},
+};
+
+/// Takes from rows that come back what they referred to and others have deleted meanwhile.
+void dropLostReferences(Database& database, Prepared& prepared, const Changeset& changes)
+{
+    for (ChangeIterator change(changes); change.next();)
+        for (const auto& [table, column, drop] : looseReferences) {
+            if (change.table() != table || change.operation() == Operation::remove)
+                continue;
+            const auto& columns = prepared.columnsOf(table);
+            const auto at = std::find(columns.begin(), columns.end(), column) - columns.begin();
+            sqlite3_value* const value = change.after(static_cast<int>(at));
+            if (value && sqlite3_value_type(value) != SQLITE_NULL)
+                database.run(drop, sqlite3_value_int64(change.key(0)));
+        }
+}
+
 } // namespace
 
 void apply(Database& database, const Changeset& changes)
 {
     Transaction transaction(database);
     database.exec("PRAGMA defer_foreign_keys = ON"); // until the end of the transaction
-    std::map<std::string, ColumnNames, std::less<>> columns;
+    Prepared prepared(database);
     freePaths(database, changes);
     // Rows are removed last: what was moved out of them, or comes back, must not go by cascade.
     for (const auto operation : {Operation::insert, Operation::update, Operation::remove})
         for (ChangeIterator change(changes); change.next();) {
             if (change.operation() != operation)
                 continue;
-            const auto replay = replayOf(change, columnsOf(database, columns, change.table()));
-            auto statement = database.kept(replay.sql);
+            const auto replay = replayOf(change, prepared.columnsOf(change.table()));
+            auto& statement = prepared.statement(replay.sql);
             statement.bindValues(replay.values);
             statement.run();
         }
+    dropLostReferences(database, prepared, changes);
     transaction.commit();
 }
 

@@ -44,6 +44,7 @@ Catalog::Catalog(const std::filesystem::path& folder, const Clock& clock)
     backUpDaily(database_, backupsFolder(), clock.now());
     migrate(database_);
     repairMovedPaths(database_, folder_);
+    repairOldStacks();
 }
 
 } // namespace korvo

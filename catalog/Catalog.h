@@ -130,6 +130,8 @@ public:
     bool anyDirty(std::span<const PhotoID> ids);
     /// The photo's master, itself for a master; 0 for an unknown id.
     PhotoID masterOf(PhotoID id);
+    /// The masters of the photos, each once; unknown ids are left out.
+    std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
     /// Nothing for an unknown id and for a version.
     std::optional<FileRecord> fileRecord(PhotoID id);
     /// Keeps what a file held when it was found. What is kept already stays.
@@ -176,13 +178,16 @@ public:
     /// stacks they were in. Throws std::invalid_argument for fewer than two and for a pick that is none of
     /// them.
     std::int64_t createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick);
+    /// Photos that have been stacked or removed since the plan was made are left out of it.
     void createStacks(const AutoStackPlan& plan);
+    /// Dissolves those of the stacks that have fewer than two members, and gives a pick to those without one.
+    void repairStacks(const std::set<std::int64_t>& ids);
     void unstack(std::int64_t id);
     /// Throws std::invalid_argument when the photo is not in the stack. The members keep their order.
     void setPick(std::int64_t stack, PhotoID photo);
     void setStackState(std::int64_t id, StackState state);
-    /// Moves a member before the one at `position`, from 0, or to the end; the others close up. Throws
-    /// std::invalid_argument when the photo is not in the stack.
+    /// Moves a member to a place among the members as shown, from 1, at most to the end; the others close up,
+    /// and the pick stays before them all. Throws std::invalid_argument when the photo is not in the stack.
     void moveInStack(std::int64_t stack, PhotoID photo, std::size_t position);
 
     // The tree (CatalogTree.cpp)
@@ -225,8 +230,9 @@ private:
     std::string sourceCondition(const LibrarySource& source);
     SmartAlbumMatcher smartAlbumMatcher(std::int64_t id);
     std::set<std::int64_t> stacksOf(std::string_view selectStack, std::span<const std::int64_t> ids);
-    void repairStacks(const std::set<std::int64_t>& ids);
-    std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
+    void dissolve(std::int64_t stack);
+    void requireStack(std::int64_t id);
+    void repairOldStacks();
     PhotoID memberOf(std::int64_t stack, PhotoID photo);
     PhotoID existingMasterOf(PhotoID id);
 

@@ -13,7 +13,7 @@ using Kind = LibrarySource::Kind;
 std::string masters(const std::string& condition = {})
 {
     return "SELECT p.* FROM photos p WHERE p.version_of IS NULL" + condition
-        + " ORDER BY p.filename COLLATE NOCASE";
+        + " ORDER BY p.filename COLLATE NOCASE, p.id";
 }
 
 constexpr auto albumMembers = "SELECT p.* FROM photos p JOIN album_items ai ON ai.photo_id = p.id "

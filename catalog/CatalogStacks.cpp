@@ -1,4 +1,5 @@
 #include "catalog/ChangeRow.h"
+#include "catalog/Meta.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -16,9 +17,6 @@ constexpr auto membersAsShown = R"(SELECT p.id FROM photos p JOIN stacks s ON s.
 WHERE p.stack_id = ? AND p.version_of IS NULL
 ORDER BY (p.id = s.pick_photo_id) DESC, p.stack_position, p.filename COLLATE NOCASE, p.id)";
 
-constexpr auto membersInOrder = "SELECT p.id FROM photos p WHERE p.stack_id = ? AND p.version_of IS NULL "
-                                "ORDER BY p.stack_position, p.filename COLLATE NOCASE, p.id";
-
 std::vector<PhotoID> membersOf(Database& database, std::string_view select, std::int64_t stack)
 {
     std::vector<PhotoID> members;
@@ -34,14 +32,14 @@ std::vector<PhotoID> membersOf(Database& database, std::string_view select, std:
 std::vector<Stack> Catalog::stacks()
 {
     std::vector<Stack> stacks;
-    auto statement = database_.kept(R"(SELECT s.id, s.pick_photo_id, s.collapsed, p.id
+    auto statement = database_.kept(R"(SELECT s.id, s.collapsed, p.id
 FROM stacks s JOIN photos p ON p.stack_id = s.id AND p.version_of IS NULL
 ORDER BY s.id, (p.id = s.pick_photo_id) DESC, p.stack_position, p.filename COLLATE NOCASE, p.id)");
     while (statement.step()) {
         const auto id = statement.integer(0);
         if (stacks.empty() || stacks.back().id != id)
-            stacks.push_back({id, statement.integer(1), statement.integer(2) != 0, {}});
-        stacks.back().members.push_back(statement.integer(3));
+            stacks.push_back({id, statement.integer(2), statement.integer(1) != 0, {}});
+        stacks.back().members.push_back(statement.integer(2));
     }
     return stacks;
 }
@@ -51,8 +49,8 @@ std::vector<PhotoID> Catalog::mastersOf(std::span<const PhotoID> photos)
     std::vector<PhotoID> masters;
     std::unordered_set<PhotoID> seen;
     for (const PhotoID photo : photos) {
-        const auto master = existingMasterOf(photo);
-        if (seen.insert(master).second)
+        const auto master = masterOf(photo);
+        if (master != 0 && seen.insert(master).second)
             masters.push_back(master);
     }
     return masters;
@@ -61,10 +59,12 @@ std::vector<PhotoID> Catalog::mastersOf(std::span<const PhotoID> photos)
 std::int64_t Catalog::createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick)
 {
     Transaction transaction(database_);
+    for (const PhotoID photo : photos)
+        existingMasterOf(photo);
     const auto members = mastersOf(photos);
     if (members.size() < 2)
         throw std::invalid_argument("a stack takes two photos or more, each with a file of its own");
-    const auto top = pick ? mastersOf(std::span(&*pick, 1)).front() : members.front();
+    const auto top = pick ? existingMasterOf(*pick) : members.front();
     if (std::find(members.begin(), members.end(), top) == members.end())
         throw std::invalid_argument("the pick of a stack is one of its photos");
     const auto before = stacksOf("SELECT stack_id FROM photos WHERE id = ?", members);
@@ -79,24 +79,43 @@ std::int64_t Catalog::createStack(std::span<const PhotoID> photos, std::optional
 void Catalog::createStacks(const AutoStackPlan& plan)
 {
     Transaction transaction(database_);
-    for (const auto& group : plan.groups())
-        createStack(plan.photos(group), group.pick);
+    for (const auto& group : plan.groups()) {
+        // The plan may be older than a stack that another process made, or a removal.
+        std::vector<PhotoID> free;
+        for (const PhotoID photo : plan.photos(group))
+            if (database_.scalar("SELECT COUNT(*) FROM photos WHERE id = ? AND stack_id IS NULL", photo) > 0)
+                free.push_back(photo);
+        const bool hasPick = std::find(free.begin(), free.end(), group.pick) != free.end();
+        if (free.size() >= 2)
+            createStack(free, hasPick ? std::optional(group.pick) : std::nullopt);
+    }
     transaction.commit();
 }
 
 void Catalog::unstack(std::int64_t id)
 {
     Transaction transaction(database_);
-    database_.run("UPDATE photos SET stack_id = NULL WHERE stack_id = ?", id);
-    changeRow(database_, "stack", id, "DELETE FROM stacks WHERE id = ?", id);
+    requireStack(id);
+    dissolve(id);
     transaction.commit();
+}
+
+void Catalog::dissolve(std::int64_t stack)
+{
+    database_.run("UPDATE photos SET stack_id = NULL WHERE stack_id = ?", stack);
+    database_.run("DELETE FROM stacks WHERE id = ?", stack);
+}
+
+void Catalog::requireStack(std::int64_t id)
+{
+    if (database_.scalar("SELECT COUNT(*) FROM stacks WHERE id = ?", id) == 0)
+        throw NotFoundError("stack", id);
 }
 
 PhotoID Catalog::memberOf(std::int64_t stack, PhotoID photo)
 {
-    if (database_.scalar("SELECT COUNT(*) FROM stacks WHERE id = ?", stack) == 0)
-        throw NotFoundError("stack", stack);
-    const auto master = mastersOf(std::span(&photo, 1)).front();
+    requireStack(stack);
+    const auto master = existingMasterOf(photo);
     if (database_.scalar("SELECT stack_id FROM photos WHERE id = ?", master) != stack)
         throw std::invalid_argument(
             "photo " + std::to_string(photo) + " is not in the stack " + std::to_string(stack));
@@ -121,10 +140,12 @@ void Catalog::moveInStack(std::int64_t stack, PhotoID photo, std::size_t positio
 {
     Transaction transaction(database_);
     const auto member = memberOf(stack, photo);
-    auto members = membersOf(database_, membersInOrder, stack);
-    std::erase(members, member);
-    const auto at = static_cast<std::ptrdiff_t>(std::min(position, members.size()));
-    members.insert(members.begin() + at, member);
+    auto members = membersOf(database_, membersAsShown, stack);
+    if (member != members.front()) {
+        std::erase(members, member);
+        const auto at = static_cast<std::ptrdiff_t>(std::clamp<std::size_t>(position, 1, members.size()));
+        members.insert(members.begin() + at, member);
+    }
     for (std::int64_t index = 0; const PhotoID id : members)
         database_.run(setPosition, index++, id, id);
     transaction.commit();
@@ -143,12 +164,32 @@ std::set<std::int64_t> Catalog::stacksOf(std::string_view selectStack, std::span
     return stacks;
 }
 
+void Catalog::repairOldStacks()
+{
+    constexpr auto done = "stacks_sound";
+    if (readMeta(database_, done))
+        return;
+    Transaction transaction(database_);
+    std::set<std::int64_t> unsound;
+    {
+        auto statement = database_.prepare(R"(SELECT s.id FROM stacks s
+WHERE (SELECT COUNT(*) FROM photos p WHERE p.stack_id = s.id AND p.version_of IS NULL) < 2
+    OR NOT EXISTS (SELECT 1 FROM photos p
+        WHERE p.id = s.pick_photo_id AND p.stack_id = s.id AND p.version_of IS NULL))");
+        while (statement.step())
+            unsound.insert(statement.integer(0));
+    }
+    repairStacks(unsound);
+    writeMeta(database_, done, "1");
+    transaction.commit();
+}
+
 void Catalog::repairStacks(const std::set<std::int64_t>& ids)
 {
     for (const auto id : ids) {
         const auto members = membersOf(database_, membersAsShown, id);
         if (members.size() < 2)
-            unstack(id);
+            dissolve(id);
         else
             database_.run(setPickOf, members.front(), id); // the pick itself, if it is still there
     }

@@ -195,7 +195,7 @@ void Catalog::assignToProject(std::span<const PhotoID> ids, std::optional<std::i
 {
     Transaction transaction(database_);
     requireProject(database_, project);
-    for (const PhotoID id : ids)
+    for (const PhotoID id : mastersOf(ids))
         database_.run("UPDATE photos SET project_id = ? WHERE id = ? OR version_of = ?", project, id, id);
     transaction.commit();
 }

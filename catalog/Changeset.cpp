@@ -1,5 +1,7 @@
 #include "catalog/ChangeIterator.h"
 
+#include <algorithm>
+
 namespace korvo {
 
 namespace {
@@ -24,15 +26,6 @@ Changeset takeOver(void* bytes, int size)
     return Changeset(std::vector<std::uint8_t>(first, first + size));
 }
 
-std::vector<std::string> photoColumnNames(Database& database)
-{
-    std::vector<std::string> names;
-    auto statement = database.kept("SELECT name FROM pragma_table_info('photos')");
-    while (statement.step())
-        names.emplace_back(statement.text(0));
-    return names;
-}
-
 void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std::string>& photoColumns)
 {
     using Operation = ChangeIterator::Operation;
@@ -43,10 +36,8 @@ void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std
     } else if (change.table() == "smart_albums") {
         rows.smartAlbums.insert(id);
         rows.tree = true;
-    } else if (change.table() == "stacks") {
-        rows.stacks = true;
     } else if (change.table() != "photos") {
-        rows.tree = true;
+        rows.tree = rows.tree || change.table() != "stacks";
     } else if (change.operation() == Operation::update) {
         rows.updated.push_back(id);
         for (int column = 0; column < change.columnCount(); ++column)
@@ -55,6 +46,18 @@ void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std
     } else {
         (change.operation() == Operation::insert ? rows.inserted : rows.deleted).push_back(id);
     }
+}
+
+/// The stacks that a change names: the one that is changed, or those that a photo leaves and enters.
+void noteStacks(ChangedRows& rows, const ChangeIterator& change, int stackColumn)
+{
+    if (change.table() == "stacks")
+        rows.stackIDs.insert(sqlite3_value_int64(change.key(0)));
+    if (change.table() != "photos")
+        return;
+    for (sqlite3_value* const value : {change.before(stackColumn), change.after(stackColumn)})
+        if (value && sqlite3_value_type(value) != SQLITE_NULL)
+            rows.stackIDs.insert(sqlite3_value_int64(value));
 }
 
 } // namespace
@@ -92,12 +95,15 @@ Changeset Changeset::inverted() const
 
 ChangedRows changedRows(Database& database, const Changeset& changes)
 {
-    const auto columns = photoColumnNames(database);
+    const auto columns = database.columnsOf("photos");
+    const auto stackColumn
+        = static_cast<int>(std::find(columns.begin(), columns.end(), "stack_id") - columns.begin());
     ChangedRows rows;
-    for (ChangeIterator change(changes); change.next();)
+    for (ChangeIterator change(changes); change.next();) {
         note(rows, change, columns);
-    rows.stacks = rows.stacks || rows.photoColumns.contains("stack_id")
-        || rows.photoColumns.contains("stack_position");
+        noteStacks(rows, change, stackColumn);
+    }
+    rows.stacks = !rows.stackIDs.empty() || rows.photoColumns.contains("stack_position");
     return rows;
 }
 

@@ -37,7 +37,8 @@ struct ChangedRows {
     std::set<std::string, std::less<>> photoColumns; // whose values an update of `photos` changed
     std::set<std::int64_t> albums; // whose members changed
     std::set<std::int64_t> smartAlbums; // that were made, changed or deleted
-    bool stacks = false; // a stack, its members or their order changed
+    std::set<std::int64_t> stackIDs; // that were made, changed or deleted, or won or lost a member
+    bool stacks = false; // one of these, or the order in one
     bool tree = false; // a folder, project, album, keyword or person changed
 };
 
@@ -62,9 +63,10 @@ private:
 };
 
 /// Makes the changes of a changeset in a transaction of their own. What others have changed since gives way
-/// where the changeset has a value for it; rows that are gone are passed over. Throws DatabaseError, with
-/// nothing done, when the changes cannot stand beside what is there now, such as a removed photo whose file
-/// was added again.
+/// where the changeset has a value for it; rows that are gone are passed over, and a photo that comes back to
+/// a stack, project or folder that is gone comes back without it. Throws DatabaseError, with nothing done,
+/// when the changes cannot stand beside what is there now, such as a removed photo whose file was added
+/// again.
 void apply(Database& database, const Changeset& changes);
 
 } // namespace korvo

@@ -93,6 +93,16 @@ Statement Database::kept(std::string_view sql)
     return {handle(), waiting.empty() ? compile(handle(), sql) : std::move(waiting.mapped()), &kept_};
 }
 
+std::vector<std::string> Database::columnsOf(std::string_view table)
+{
+    std::vector<std::string> names;
+    auto statement = kept("SELECT name FROM pragma_table_info(?)");
+    statement.bind(table);
+    while (statement.step())
+        names.emplace_back(statement.text(0));
+    return names;
+}
+
 Transaction::Transaction(Database& database)
     : database_(database), lock_(database.handle()), nested_(!sqlite3_get_autocommit(database.handle()))
 {

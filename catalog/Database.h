@@ -85,6 +85,9 @@ public:
         return statement.step() ? statement.integer(0) : 0;
     }
 
+    /// The names of a table's columns, in order. Throws DatabaseError.
+    std::vector<std::string> columnsOf(std::string_view table);
+
     /// The number of rows changed by the statement that ran last.
     std::int64_t changes() const { return sqlite3_changes64(handle()); }
 

@@ -30,6 +30,20 @@ std::vector<PhotoID> onceEach(std::vector<PhotoID> ids)
     return ids;
 }
 
+/// The photos that a source lists; none, and the reason, for one that cannot be listed.
+template <typename Ask>
+std::vector<PhotoItem> listedBy(Ask ask, std::optional<std::string>& fault)
+{
+    try {
+        return ask();
+    } catch (const SmartAlbumError& error) {
+        fault = error.what(); // the album stays to be mended in the editor, and lists nothing till then
+    } catch (const NotFoundError& error) {
+        fault = error.what(); // it was deleted while it was shown; undo may bring it back
+    }
+    return {};
+}
+
 /// Each change another connection commits gives a new number.
 std::int64_t dataVersion(Catalog& catalog)
 {
@@ -47,15 +61,8 @@ LibraryStore::LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog)
 
 void LibraryStore::load(std::optional<LibrarySource> source)
 {
-    std::vector<PhotoItem> items;
     std::optional<std::string> fault;
-    try {
-        items = catalog_->photos(source);
-    } catch (const SmartAlbumError& error) {
-        fault = error.what(); // the album stays to be mended in the editor, and lists nothing till then
-    } catch (const NotFoundError& error) {
-        fault = error.what(); // it was deleted while it was shown; undo may bring it back
-    }
+    auto items = listedBy([&] { return catalog_->photos(source); }, fault);
     list_.assign(std::move(items));
     source_ = std::move(source);
     sourceFault_ = std::move(fault);
@@ -131,15 +138,16 @@ void LibraryStore::undo()
     if (!step)
         return;
     const auto inverse = step->changes.inverted();
+    const auto touched = changedRows(catalog_->database(), inverse);
+    ChangedRows rows;
     try {
-        replay(inverse);
+        rows = replay(inverse, touched);
     } catch (const DatabaseError&) { // it can never be undone; the steps before it still may
         history_.forgetUndo();
         throw;
     }
     history_.undone();
-    const auto rows = changedRows(catalog_->database(), inverse);
-    publish(rows, rows.inserted.empty() ? rows.updated : rows.inserted);
+    publish(rows, touched.inserted.empty() ? touched.updated : touched.inserted);
 }
 
 void LibraryStore::redo()
@@ -148,26 +156,38 @@ void LibraryStore::redo()
     const UndoStep* const step = history_.toRedo();
     if (!step)
         return;
-    const auto rows = changedRows(catalog_->database(), step->changes);
+    const auto touched = changedRows(catalog_->database(), step->changes);
+    ChangedRows rows;
     try {
-        replay(step->changes);
+        rows = replay(step->changes, touched);
     } catch (const DatabaseError&) {
         history_.forgetRedo();
         throw;
     }
     history_.redone();
-    publish(rows, rows.updated);
+    publish(rows, touched.updated);
 }
 
-void LibraryStore::replay(const Changeset& changes)
+ChangedRows LibraryStore::replay(const Changeset& changes, const ChangedRows& touched)
 {
-    const auto rows = changedRows(catalog_->database(), changes);
-    Transaction transaction(catalog_->database());
-    apply(catalog_->database(), changes);
+    Database& database = catalog_->database();
+    Transaction transaction(database);
+    const ChangeRecorder recorder(database);
+    apply(database, changes);
     // The file may have been written meanwhile; only a further write makes sure that it holds these values.
-    if (touches(rows, metadataColumns))
-        catalog_->markDirty(rows.updated);
+    if (touches(touched, metadataColumns))
+        catalog_->markDirty(touched.updated);
+    // Others may have stacked the photos anew: their stacks lose them now.
+    if (touched.stacks)
+        catalog_->repairStacks(changedRows(database, recorder.changes()).stackIDs);
+    const auto happened = recorder.changes();
     transaction.commit();
+    auto rows = changedRows(database, happened);
+    // What others had brought to the same state already may still be shown in its old one.
+    rows.updated.insert(rows.updated.end(), touched.updated.begin(), touched.updated.end());
+    std::sort(rows.updated.begin(), rows.updated.end());
+    rows.updated.erase(std::unique(rows.updated.begin(), rows.updated.end()), rows.updated.end());
+    return rows;
 }
 
 void LibraryStore::photosChanged(std::span<const PhotoID> ids)
@@ -249,7 +269,12 @@ bool LibraryStore::updateList(const ChangedRows& rows)
         return false;
     auto ids = rows.updated;
     ids.insert(ids.end(), rows.inserted.begin(), rows.inserted.end());
-    auto current = catalog_->photosOfSource(source_, ids);
+    std::optional<std::string> fault;
+    auto current = listedBy([&] { return catalog_->photosOfSource(source_, ids); }, fault);
+    if (fault) { // another process has deleted it or made it unreadable
+        load(source_);
+        return true;
+    }
     // The members of these are not decided by the photos' own values.
     if (source_ && (source_->kind == Kind::album || source_->kind == Kind::recentlyAdded))
         std::erase_if(current, [this](const PhotoItem& item) { return !list_.find(item.id); });

@@ -105,7 +105,8 @@ public:
 private:
     /// Reads all photos of a source and makes it the current one.
     void load(std::optional<LibrarySource> source);
-    void replay(const Changeset& changes);
+    /// Makes the changes, which touch these rows, again, and returns what really happened.
+    ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
     void publish(const ChangedRows& rows, std::span<const PhotoID> select = {});
     bool mustReload(const ChangedRows& rows) const;

@@ -4,23 +4,11 @@
 #include "metadata/ExifReader.h"
 #include "metadata/MetadataFiles.h"
 
-#include <unordered_set>
-
 namespace korvo {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<PhotoID> masters(Catalog& catalog, std::span<const PhotoID> photos)
-{
-    std::vector<PhotoID> all;
-    std::unordered_set<PhotoID> seen;
-    for (const PhotoID id : photos)
-        if (const PhotoID master = catalog.masterOf(id); master != 0 && seen.insert(master).second)
-            all.push_back(master);
-    return all;
-}
 
 /// Changes one file and keeps its new date and size, unless somebody else had changed it before.
 void adjust(Catalog& catalog, const FileRecord& record, const RunExifTool& run,
@@ -70,7 +58,7 @@ FilesWritten shiftDates(Catalog& catalog, std::span<const PhotoID> photos, doubl
     const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
 {
     (void)tool.path(); // before anything is done
-    const auto ids = masters(catalog, photos);
+    const auto ids = catalog.mastersOf(photos);
     {
         Transaction transaction(catalog.database());
         for (const PhotoID id : ids) {
@@ -91,7 +79,7 @@ FilesWritten setLocation(Catalog& catalog, std::span<const PhotoID> photos,
     const FileProgress& progress)
 {
     (void)tool.path();
-    const auto ids = masters(catalog, photos);
+    const auto ids = catalog.mastersOf(photos);
     {
         Transaction transaction(catalog.database());
         for (const PhotoID id : ids)

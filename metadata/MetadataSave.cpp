@@ -196,12 +196,11 @@ private:
 
 std::vector<PhotoID> writableMasters(Catalog& catalog, std::span<const PhotoID> photos)
 {
-    std::vector<PhotoID> masters;
-    std::unordered_set<PhotoID> seen;
-    for (const PhotoID id : photos)
-        if (const PhotoID master = catalog.masterOf(id); seen.insert(master).second)
-            if (const auto record = catalog.fileRecord(master); record && mayBeWritten(record->path))
-                masters.push_back(master);
+    auto masters = catalog.mastersOf(photos);
+    std::erase_if(masters, [&](PhotoID id) {
+        const auto record = catalog.fileRecord(id);
+        return !record || !mayBeWritten(record->path);
+    });
     return masters;
 }
 

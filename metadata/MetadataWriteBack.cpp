@@ -154,7 +154,7 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
     saving_ = false;
     statusMessage_ = std::move(message);
     publishing_ = true;
-    store_.photosChanged(result.touched);
+    store_.photosChanged(store_.catalog().withVersions(result.touched));
     publishing_ = false;
     dirtyCount_ = store_.catalog().dirtyCount();
     changed.emit();

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <tuple>
 
 namespace korvo {
 
@@ -95,10 +96,11 @@ TEST(Stacks, standInTheOrderOfPickPositionAndName)
     t.catalog->setPick(stack, version);
     EXPECT_EQ(t.members(), (IDs{3, 4, 1}));
     t.catalog->setPick(stack, 4);
-    t.catalog->moveInStack(stack, 1, 0);
-    EXPECT_EQ(t.members(), (IDs{4, 1, 3}));
-    t.catalog->moveInStack(stack, 1, 99);
-    EXPECT_EQ(t.members(), (IDs{4, 3, 1}));
+    for (const auto& [photo, position, members] : {std::tuple{1, 0U, IDs{4, 1, 3}}, {1, 1U, IDs{4, 1, 3}},
+             {1, 99U, IDs{4, 3, 1}}, {4, 2U, IDs{4, 3, 1}}, {1, 1U, IDs{4, 1, 3}}}) {
+        t.catalog->moveInStack(stack, photo, position);
+        EXPECT_EQ(t.members(), members) << photo << " to " << position << ", as shown";
+    }
     t.catalog->setStackState(stack, StackState::expanded);
     EXPECT_FALSE(t.catalog->stacks().front().collapsed);
     t.catalog->unstack(stack);
@@ -142,6 +144,136 @@ TEST(Stacks, staySoundWhenMembersGo)
     t.catalog->database().run("UPDATE photos SET folder_id = ? WHERE id IN (1, 4)", folder);
     t.catalog->removeFolder(folder);
     EXPECT_TRUE(t.catalog->stacks().empty());
+}
+
+TEST(Stacks, thoseThatAnotherProgramLeftUnsoundAreMendedOnce)
+{
+    Photos t(6);
+    t.catalog->database().exec("DELETE FROM meta WHERE key = 'stacks_sound';"
+                               "INSERT INTO stacks (id, pick_photo_id) VALUES (1, 99), (2, 3), (3, 1);"
+                               "UPDATE photos SET stack_id = 1 WHERE id IN (1, 2);"
+                               "UPDATE photos SET stack_id = 2 WHERE id = 3");
+    EXPECT_EQ(t.catalog->stacks().front().pick, 1) << "as the grid shows it";
+    const auto folder = t.catalog->libraryURL();
+    t.catalog.reset();
+    t.catalog = std::make_unique<Catalog>(folder, t.clock);
+    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{1, 1, true, {1, 2}}}));
+    EXPECT_EQ(t.catalog->database().scalar("SELECT COUNT(*) FROM stacks WHERE pick_photo_id = 1"), 1);
+    EXPECT_FALSE(t.item(3).stackID);
+}
+
+TEST(Versions, followTheirMasterIntoAProject)
+{
+    Photos t(2);
+    const auto version = t.newVersion(1);
+    const auto project = t.catalog->createProject("p", "project", std::nullopt);
+    t.catalog->assignToProject(only(version), project);
+    EXPECT_EQ(*t.item(1).projectID, project);
+    EXPECT_EQ(*t.item(version).projectID, project);
+}
+
+TEST(AutoStack, leavesOutWhatWasStackedOrRemovedSinceThePlanWasMade)
+{
+    Photos t(5);
+    const auto items = t.catalog->photos(std::nullopt);
+    std::vector<std::uint32_t> all{0, 1, 2, 3, 4};
+    auto dated = items;
+    for (auto& item : dated)
+        item.captureDate = 100.0;
+    const AutoStackPlan plan(dated, all, 10);
+    const auto made = t.catalog->createStack(IDs{1, 2}, 2);
+    t.catalog->deletePhotos(only(3));
+    t.catalog->createStacks(plan);
+    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{made, 2, true, {2, 1}}, {2, 4, true, {4, 5}}}));
+}
+
+namespace {
+
+/// Whether the grid shows what a store that is opened now shows, and every stack is sound.
+::testing::AssertionResult isTrue(const Grid& t)
+{
+    PhotoList fresh;
+    auto& catalog = const_cast<LibraryStore&>(t.store).catalog();
+    fresh.setStacks(catalog.stacks());
+    fresh.assign(catalog.photos(t.store.source()));
+    if (t.store.list().items() != fresh.items() || t.store.list().shown() != fresh.shown())
+        return ::testing::AssertionFailure() << "the list is not what it is when read anew";
+    if (catalog.database().scalar("SELECT COUNT(*) FROM photos p JOIN stacks s ON s.id = p.stack_id "
+                                  "WHERE p.version_of IS NULL GROUP BY s.id HAVING COUNT(*) < 2 "
+                                  "OR SUM(p.id = s.pick_photo_id) != 1")
+        > 0)
+        return ::testing::AssertionFailure() << "a stack is not sound";
+    return ::testing::AssertionSuccess();
+}
+
+} // namespace
+
+TEST(Stacks, comeBackWithTheirMembersWhereverTheyWent)
+{
+    for (const bool reloads : {false, true}) {
+        Grid t(4);
+        const auto stack = t.store.createStack(IDs{1, 2, 3}, 1);
+        t.store.removePhotos(only(3));
+        reloads ? t.store.reload() : t.store.setStackState(stack, StackState::expanded);
+        while (t.store.undoTitle()) {
+            t.store.undo();
+            EXPECT_TRUE(isTrue(t)) << t.store.redoTitle().value();
+        }
+    }
+}
+
+TEST(Stacks, staySoundWhenUndoMeetsWhatAnotherProcessDid)
+{
+    const auto otherOf = [](Grid& t) { return Catalog(t.folder / "Library", t.clock); };
+    {
+        Grid t(4);
+        t.store.createStack(IDs{1, 2}, std::nullopt);
+        otherOf(t).createStack(IDs{3, 2}, 3);
+        t.store.undo();
+        EXPECT_TRUE(isTrue(t));
+        EXPECT_TRUE(t.store.catalog().stacks().empty());
+    }
+    {
+        Grid t(4);
+        t.store.createStack(IDs{1, 2}, std::nullopt);
+        t.store.undo();
+        otherOf(t).createStack(IDs{3, 2}, 2);
+        t.store.redo();
+        t.store.reload();
+        EXPECT_TRUE(isTrue(t));
+    }
+    Grid t(4);
+    const auto stack = t.store.createStack(IDs{1, 2, 3}, std::nullopt);
+    const auto project = t.store.createProject("p", "project", std::nullopt);
+    t.store.assignToProject(only(3), project);
+    t.store.setRating(only(3), 4);
+    t.store.removePhotos(only(3));
+    {
+        auto other = otherOf(t);
+        other.unstack(stack);
+        other.deleteProject(project);
+    }
+    t.store.undo();
+    EXPECT_EQ(t.store.list().find(3)->rating, 4) << "what it lost is its stack and project";
+    EXPECT_FALSE(t.store.list().find(3)->stackID || t.store.list().find(3)->projectID);
+    t.store.reload();
+    EXPECT_TRUE(isTrue(t));
+}
+
+TEST(LibraryStore, actsOnThoughAnotherProcessDeletedTheSmartAlbumItShows)
+{
+    Grid t(2);
+    const auto album = t.store.createSmartAlbum("s", {});
+    t.store.chooseSource(LibrarySource{LibrarySource::Kind::smartAlbum, album, {}});
+    Catalog(t.folder / "Library", t.clock).deleteSmartAlbum(album);
+    int published = 0;
+    const auto connection = t.store.changed.connect([&](const LibraryChange&) { ++published; });
+    t.store.setRating(only(1), 3);
+    EXPECT_EQ(published, 1);
+    EXPECT_TRUE(t.shown().empty());
+    EXPECT_TRUE(t.store.sourceFault());
+    t.store.undo();
+    EXPECT_EQ(published, 2);
 }
 
 TEST(LibraryStore, aCollapsedStackShowsItsPickAndAnExpandedOneAllTogether)
