@@ -6,7 +6,9 @@
 #include "base/JsonWriter.h"
 #include "base/Record.h"
 
+#include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -51,12 +53,24 @@ void writeJson(JsonWriter& writer, T value)
 }
 
 template <typename T>
-void writeJson(JsonWriter& writer, const std::vector<T>& values)
+void writeJson(JsonWriter& writer, std::span<const T> values)
 {
     writer.beginArray();
-    for (const auto& value : values)
+    for (const T& value : values)
         writer.value(value);
     writer.endArray();
+}
+
+template <typename T>
+void writeJson(JsonWriter& writer, const std::vector<T>& values)
+{
+    writeJson(writer, std::span<const T>(values));
+}
+
+template <typename T, std::size_t Count>
+void writeJson(JsonWriter& writer, const std::array<T, Count>& values)
+{
+    writeJson(writer, std::span<const T>(values));
 }
 
 template <Record T>

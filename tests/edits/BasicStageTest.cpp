@@ -50,11 +50,6 @@ void expectNear(const LinearImage& a, const LinearImage& b, double tolerance)
         }
 }
 
-double luminance(const Color& c)
-{
-    return 0.2126 * c[0] + 0.7152 * c[1] + 0.0722 * c[2];
-}
-
 Bitmap bitmapOf(const std::vector<std::array<int, 4>>& pixels, int width)
 {
     Bitmap image(width, static_cast<int>(pixels.size()) / width);

@@ -7,12 +7,12 @@
 
 namespace korvo {
 
-namespace {
-
 double luminance(const Color& c)
 {
     return luminanceWeights[0] * c[0] + luminanceWeights[1] * c[1] + luminanceWeights[2] * c[2];
 }
+
+namespace {
 
 Color times(double factor, const Color& c)
 {
