@@ -14,10 +14,15 @@ using Value = BinaryPlist::Value;
 /// As many numbers as a point or a colour has.
 constexpr std::size_t mostNumbers = 4;
 
+/// No text of a point or a colour is longer. A small archive can name one long text thousands of times.
+constexpr std::size_t longestText = 256;
+
 /// The numbers of "{0.5, 1}" or "0.6 0.45 0.3"; none of a text that holds anything else.
 std::vector<double> numbersOfText(std::string_view text)
 {
     using namespace std::string_view_literals;
+    if (text.size() > longestText)
+        return {};
     constexpr auto separators = " \t\r\n,;(){}[]\0"sv;
     std::vector<double> numbers;
     for (auto at = text.find_first_not_of(separators); at != text.npos;

@@ -231,6 +231,7 @@ TEST(ApertureTranslator, readsColorsInEachForm)
         {R"({"NSColorSpace":1,"NSRGB":"data:0.25 0.5 1\u0000"})", R"("0.25 0.5 1")", R"("0.25 0.5 1 0.5")",
             "[0.25,0.5,1]", R"({"red":0.25,"green":0.5,"blue":1})"})
         EXPECT_EQ(colorOf(color), "[0.25,0.5,1]") << color;
+    EXPECT_EQ(colorOf('"' + std::string(300, ' ') + R"(0.25 0.5 1")"), "[0.6,0.45,0.3]");
     for (const auto* const color : {R"({"NSRGB":"data:red"})", R"("0.25 0.5")", "[0.25,0.5,true]", "0.25",
              R"({"red":0.25,"green":0.5})", "[1,1,1,1,1]"})
         EXPECT_EQ(colorOf(color), "[0.6,0.45,0.3]") << color;
