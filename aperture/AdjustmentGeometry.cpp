@@ -1,6 +1,7 @@
 #include "aperture/AdjustmentGeometry.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace korvo {
 

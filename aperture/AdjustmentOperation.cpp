@@ -285,7 +285,7 @@ TranslationOutcome straighten(const P& p, const Photo&, E& edits)
     return degrees != 0 ? replace(edits.straighten, -degrees) : translated;
 }
 
-constexpr AdjustmentOperation operations[]{
+constexpr AdjustmentOperation wholePhotoOperations[]{
     {"RKRawDecodeOperation", nothing, {}},
     {"RKExposureOperation", exposure, B::exposure},
     {"RKEnhanceOperation", enhance, B::enhance},
@@ -316,7 +316,7 @@ constexpr AdjustmentOperation operations[]{
 
 std::span<const AdjustmentOperation> adjustmentOperations()
 {
-    return operations;
+    return wholePhotoOperations;
 }
 
 void assignFinite(double& field, double value)

@@ -10,7 +10,7 @@ namespace {
 
 using Q = QuickBrush;
 
-constexpr BrushOperation operations[]{
+constexpr BrushOperation quickBrushOperations[]{
     {"DGGNGDodgeOperation", Q::dodge},
     {"DGGNGBurnOperation", Q::burn},
     {"DGGNGSaturateOperation", Q::saturate},
@@ -47,7 +47,7 @@ T& present(std::optional<T>& field)
 
 std::span<const BrushOperation> brushOperations()
 {
-    return operations;
+    return quickBrushOperations;
 }
 
 std::optional<PhotoEdits> brushEffect(const BrushOperation& operation, const AdjustmentParameters& parameters)
