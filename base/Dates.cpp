@@ -43,8 +43,9 @@ std::optional<std::chrono::year_month_day> calendarDay(std::string_view text)
     return date.ok() ? std::optional(date) : std::nullopt;
 }
 
-/// The first second whose local day is this one or later. Found by halving, as clocks may be set across
-/// midnight; no zone is further than a day from UTC.
+/// The first second whose local day is this one or later. Found by halving, as clocks may be set forward
+/// across midnight; no zone is further than a day from UTC. Where they went back across it (St. John's until
+/// 2010, by a minute), that minute of the new day counts as the old one.
 UnixTime startOfLocalDay(std::chrono::sys_days date)
 {
     const auto midnight = static_cast<std::time_t>(std::chrono::sys_seconds(date).time_since_epoch().count());

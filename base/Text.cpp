@@ -4,6 +4,8 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdint>
 
 namespace korvo {
@@ -40,6 +42,12 @@ std::size_t sequenceLength(std::string_view text)
                                                                                                         : 0;
     }
     return 0;
+}
+
+void appendEscape(std::string& text, unsigned character)
+{
+    constexpr char digits[] = "0123456789ABCDEF";
+    (text += "\\u00") += {digits[character >> 4], digits[character & 15]};
 }
 
 } // namespace
@@ -114,6 +122,35 @@ int compareNoCase(std::string_view a, std::string_view b)
             = static_cast<std::uint8_t>(lowered(a[i])) - static_cast<std::uint8_t>(lowered(b[i])))
             return difference;
     return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+}
+
+std::string printable(std::string_view text)
+{
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<std::uint8_t>(text[i]);
+        const auto next = i + 1 < text.size() ? static_cast<std::uint8_t>(text[i + 1]) : 0U;
+        const bool isHighControl = byte == 0xC2 && next >= 0x80 && next < 0xA0; // U+0080 to U+009F
+        if (byte == '\n' || byte == '\t' || byte == '\r')
+            (shown += '\\') += byte == '\n' ? 'n' : byte == '\t' ? 't' : 'r';
+        else if (byte < 0x20 || byte == 0x7F || isHighControl)
+            appendEscape(shown, isHighControl ? next : byte);
+        else
+            shown += text[i];
+        i += isHighControl ? 1 : 0;
+    }
+    return shown;
+}
+
+std::optional<double> typedNumber(std::string_view text)
+{
+    auto digits = trimmed(text);
+    if (digits.starts_with('+') && !digits.starts_with("+-"))
+        digits.remove_prefix(1);
+    double number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const bool isWhole = error == std::errc() && end == digits.data() + digits.size();
+    return isWhole && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 bool isUtf8(std::string_view text)

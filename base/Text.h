@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,13 @@ std::string asciiLower(std::string_view text);
 
 /// Less than, equal to or greater than 0 in the order of SQLite's NOCASE collation.
 int compareNoCase(std::string_view a, std::string_view b);
+
+/// The text as one line that no terminal takes for orders: control characters are written as \n, \t, \r and
+/// \u001B.
+std::string printable(std::string_view text);
+
+/// A number as people type it: with blanks around it, and with a plus sign. Nothing for what is not finite.
+std::optional<double> typedNumber(std::string_view text);
 
 /// Whether the text is well-formed UTF-8.
 bool isUtf8(std::string_view text);

@@ -2,6 +2,9 @@
 
 #include "base/Json.h"
 #include "catalog/LibraryStore.h"
+#include "catalog/SmartAlbumEditor.h"
+
+#include <algorithm>
 
 namespace korvo {
 
@@ -45,19 +48,32 @@ void LibraryStore::moveInStack(std::int64_t stack, PhotoID photo, std::size_t po
 void LibraryStore::autoStack(double interval)
 {
     const AutoStackPlan plan(list_.items(), list_.shown(), interval);
-    perform("Auto-Stack", [&](Catalog& catalog) { catalog.createStacks(plan); });
+    perform(std::string(autoStackSheet::title), [&](Catalog& catalog) { catalog.createStacks(plan); });
 }
 
 std::int64_t LibraryStore::createSmartAlbum(std::string_view name, const SmartAlbumRules& rules)
 {
     std::int64_t id = 0;
-    perform("New Smart Album", [&](Catalog& catalog) { id = catalog.createSmartAlbum(name, toJson(rules)); });
+    perform(std::string(smartAlbumEditor::newTitle),
+        [&](Catalog& catalog) { id = catalog.createSmartAlbum(name, toJson(rules)); });
     return id;
 }
 
-void LibraryStore::changeSmartAlbum(std::int64_t id, std::string_view name, const SmartAlbumRules& rules)
+void LibraryStore::changeSmartAlbum(
+    std::int64_t id, std::string_view name, const std::optional<SmartAlbumRules>& rules)
 {
-    perform("Edit Smart Album", [&](Catalog& catalog) { catalog.changeSmartAlbum(id, name, toJson(rules)); });
+    perform(std::string(smartAlbumEditor::editTitle), [&](Catalog& catalog) {
+        catalog.changeSmartAlbum(id, name, rules ? toJson(*rules) : catalog.smartAlbum(id).rules);
+    });
+}
+
+std::size_t LibraryStore::countMatching(const SmartAlbumRules& rules)
+{
+    if (source_)
+        return catalog_->countMatching(rules);
+    SmartAlbumMatcher matcher(rules); // the whole library is at hand, and the editor asks at every key
+    return static_cast<std::size_t>(std::count_if(list_.items().begin(), list_.items().end(),
+        [&](const PhotoItem& item) { return matcher.matches(item); }));
 }
 
 void LibraryStore::deleteSmartAlbum(std::int64_t id)

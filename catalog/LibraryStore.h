@@ -78,8 +78,12 @@ public:
     /// Stacks what is shown, as AutoStackPlan does. Nothing happens when no stack comes of it.
     void autoStack(double interval);
     std::int64_t createSmartAlbum(std::string_view name, const SmartAlbumRules& rules);
-    void changeSmartAlbum(std::int64_t id, std::string_view name, const SmartAlbumRules& rules);
+    /// Without rules those that are stored stay, even such as cannot be read.
+    void changeSmartAlbum(
+        std::int64_t id, std::string_view name, const std::optional<SmartAlbumRules>& rules);
     void deleteSmartAlbum(std::int64_t id);
+    /// How many masters the rules match now, for the line below them.
+    std::size_t countMatching(const SmartAlbumRules& rules);
 
     /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
     /// likes.

@@ -42,15 +42,21 @@ std::optional<NearPlace> fromWords(std::string_view text)
         const auto end = std::min(text.find_first_of(" \t,;|/"), text.size());
         auto token = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
-        if (token.empty() || isWord(token))
-            continue;
         if (token.ends_with("km"))
             token.remove_suffix(2);
-        double number = 0;
-        const auto [stop, error] = std::from_chars(token.data(), token.data() + token.size(), number);
-        if (error != std::errc() || stop != token.data() + token.size())
+        double side = 1;
+        if (!token.empty() && std::string_view("nesw").find(token.back()) != std::string_view::npos) {
+            side = token.back() == 's' || token.back() == 'w' ? -1 : 1;
+            token.remove_suffix(1);
+        }
+        if (token.ends_with("°"))
+            token.remove_suffix(std::string_view("°").size());
+        if (const auto number = typedNumber(token))
+            numbers.push_back(*number * side);
+        else if (token.empty() && side < 0 && !numbers.empty())
+            numbers.back() *= side; // "48.1 S"
+        else if (!token.empty() && !isWord(token))
             return std::nullopt;
-        numbers.push_back(number);
     }
     if (numbers.size() != 3)
         return std::nullopt;
@@ -104,7 +110,7 @@ std::string text(const NearPlace& place)
 std::optional<NearPlace> parseNearPlace(std::string_view text)
 {
     const auto value = trimmed(text);
-    const auto place = value.starts_with('{') ? fromJSON(value) : fromWords(value);
+    const auto place = value.starts_with('{') ? fromJSON(value) : fromWords(asciiLower(value));
     return place ? ifInRange(*place) : std::nullopt;
 }
 

@@ -4,7 +4,6 @@
 #include "catalog/FileTypes.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -17,25 +16,17 @@ using Op = SmartAlbumRule::Op;
 
 constexpr double forever = std::numeric_limits<double>::infinity();
 
-std::optional<double> number(std::string_view value)
-{
-    auto text = trimmed(value);
-    if (text.starts_with('+') && !text.starts_with("+-"))
-        text.remove_prefix(1);
-    double parsed = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
-    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(parsed))
-        return std::nullopt;
-    return parsed;
-}
-
 std::optional<double> labelNumber(std::string_view value)
 {
     const auto text = trimmed(value);
     for (std::size_t label = 0; label < photoLabelNames.size(); ++label)
         if (compareNoCase(text, photoLabelNames[label]) == 0)
             return static_cast<double>(label);
-    return compareNoCase(text, "none") == 0 ? 0.0 : number(text);
+    if (compareNoCase(text, "none") == 0)
+        return 0.0;
+    const auto number = typedNumber(text);
+    const bool isLabel = number && *number == std::floor(*number) && *number >= 0 && *number <= 7;
+    return isLabel ? number : std::nullopt;
 }
 
 /// An empty value is a yes: "Flagged is".
@@ -94,7 +85,7 @@ std::optional<RuleTest> positiveTest(const SmartAlbumRule& rule)
     case RuleValue::text:
         return RuleTest{TextTest(rule)};
     case RuleValue::number:
-        return ready(mapped(number(rule.value), numberTest));
+        return ready(mapped(typedNumber(rule.value), numberTest));
     case RuleValue::label:
         return ready(mapped(labelNumber(rule.value), numberTest));
     case RuleValue::day:
@@ -127,6 +118,12 @@ CompactOptional<double> numberOf(const PhotoItem& item, Field field)
 bool isList(Field field)
 {
     return field == Field::keyword || field == Field::person;
+}
+
+bool takesOperator(const SmartAlbumRule& rule)
+{
+    const auto ops = fieldOf(rule).ops;
+    return std::find(ops.begin(), ops.end(), rule.op) != ops.end();
 }
 
 } // namespace
@@ -182,21 +179,33 @@ TextTest::TextTest(const SmartAlbumRule& rule)
       wanted_(folded(isList(rule.field) ? trimmed(rule.value) : std::string_view(rule.value)))
 { }
 
+bool TextTest::fits(std::string_view text) const
+{
+    return whole_ ? text == wanted_ : text.find(wanted_) != text.npos;
+}
+
+/// A list without entries counts as one empty one.
+bool TextTest::fitsAnEntry(std::string_view list) const
+{
+    bool isEmpty = true;
+    for (;;) {
+        const auto comma = list.find(',');
+        const auto entry = trimmed(list.substr(0, comma));
+        isEmpty = isEmpty && entry.empty();
+        if (!entry.empty() && fits(entry))
+            return true;
+        if (comma == list.npos)
+            return isEmpty && fits({});
+        list.remove_prefix(comma + 1);
+    }
+}
+
 bool TextTest::holdsFor(std::string_view folded) const
 {
-    const auto fits = [this](std::string_view text) {
-        return whole_ ? text == wanted_ : text.find(wanted_) != text.npos;
-    };
-    if (!isList(field_))
-        return fits(folded);
-    for (;;) {
-        const auto comma = folded.find(',');
-        if (fits(trimmed(folded.substr(0, comma))))
-            return true;
-        if (comma == folded.npos)
-            return false;
-        folded.remove_prefix(comma + 1);
-    }
+    if (field_ == Field::keyword)
+        return fitsAnEntry(folded);
+    // A person's name may hold a comma itself.
+    return fits(folded) || (field_ == Field::person && whole_ && fitsAnEntry(folded));
 }
 
 bool TextTest::holdsFor(const SharedText& text, std::size_t place, TextFolder& folder)
@@ -228,6 +237,8 @@ bool TextTest::holds(const PhotoItem& item, TextFolder& folder)
         break;
     }
     std::size_t place = 0;
+    if (whole_ && wanted_.empty()) // no text at all, rather than one of six that is missing
+        return item.metadata == PhotoMetadata();
     bool found = false;
     forEachField<PhotoMetadata>([&](const auto& field) {
         found = found || holdsFor(item.metadata.*field.member, place, folder);
@@ -251,13 +262,23 @@ bool RuleTest::holds(const PhotoItem& item, TextFolder& folder)
 
 std::optional<RuleTest> ruleTest(const SmartAlbumRule& rule)
 {
-    const auto ops = fieldOf(rule).ops;
-    if (std::find(ops.begin(), ops.end(), rule.op) == ops.end())
+    if (!takesOperator(rule))
         return std::nullopt;
     auto test = positiveTest(rule);
     if (test)
         test->negated = rule.op == Op::isNot || rule.op == Op::notContains;
     return test;
+}
+
+std::optional<std::string> fault(const SmartAlbumRule& rule)
+{
+    const auto& field = fieldOf(rule);
+    const auto named = "“" + std::string(field.title) + "” ";
+    if (!takesOperator(rule))
+        return named + "does not take “" + std::string(label(rule.op)) + "”";
+    if (!ruleTest(rule))
+        return named + std::string(field.needs) + ", not “" + rule.value + "”";
+    return std::nullopt;
 }
 
 } // namespace korvo

@@ -68,6 +68,8 @@ public:
     bool holds(const PhotoItem& item, TextFolder& folder);
 
 private:
+    bool fits(std::string_view text) const;
+    bool fitsAnEntry(std::string_view list) const;
     bool holdsFor(std::string_view folded) const;
     bool holdsFor(const SharedText& text, std::size_t place, TextFolder& folder);
 
@@ -95,5 +97,9 @@ struct RuleTest {
 
 /// The test of a rule; nothing for one that has a fault.
 std::optional<RuleTest> ruleTest(const SmartAlbumRule& rule);
+
+/// What is wrong with a rule, for the user: an operator its field does not take, or a value that cannot be
+/// read as the field requires. Such a rule matches nothing.
+std::optional<std::string> fault(const SmartAlbumRule& rule);
 
 } // namespace korvo

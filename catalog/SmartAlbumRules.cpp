@@ -1,9 +1,7 @@
 #include "catalog/SmartAlbumRules.h"
 
 #include "base/Json.h"
-#include "catalog/RuleTest.h"
 
-#include <algorithm>
 #include <array>
 
 namespace korvo {
@@ -18,51 +16,34 @@ constexpr std::array ordering{Op::is, Op::isNot, Op::atLeast, Op::atMost};
 constexpr std::array searching{Op::contains, Op::notContains, Op::is, Op::isNot};
 constexpr std::array nearness{Op::near};
 
+constexpr std::string_view aLabel
+    = "needs a label: none, red, orange, yellow, green, blue, purple, gray, or 0 to 7";
+constexpr std::string_view yesOrNo = "needs yes or no";
+
 constexpr std::array<SmartAlbumField, 16> fields{{
-    {Field::rating, "Rating", RuleValue::number, ordering},
-    {Field::flagged, "Flagged", RuleValue::yesNo, equality},
-    {Field::label, "Label", RuleValue::label, ordering},
+    {Field::rating, "Rating", RuleValue::number, ordering, "e.g. 3", "needs a number, as 3"},
+    {Field::flagged, "Flagged", RuleValue::yesNo, equality, "yes", yesOrNo},
+    {Field::label, "Label", RuleValue::label, ordering, "e.g. Red", aLabel},
     {Field::keyword, "Keyword", RuleValue::text, searching},
     {Field::text, "Text", RuleValue::text, searching},
-    {Field::kind, "Kind", RuleValue::kind, equality},
-    {Field::hasAlt, "Has ALT Text", RuleValue::yesNo, equality},
-    {Field::adjusted, "Adjusted", RuleValue::yesNo, equality},
+    {Field::kind, "Kind", RuleValue::kind, equality, "photo", "needs photo or video"},
+    {Field::hasAlt, "Has ALT Text", RuleValue::yesNo, equality, "yes", yesOrNo},
+    {Field::adjusted, "Adjusted", RuleValue::yesNo, equality, "yes", yesOrNo},
     {Field::filename, "File Name", RuleValue::text, searching},
-    {Field::date, "Date", RuleValue::day, ordering},
-    {Field::fileType, "File Type", RuleValue::fileType, equality},
+    {Field::date, "Date", RuleValue::day, ordering, "yyyy-mm-dd", "needs a day as yyyy-mm-dd"},
+    {Field::fileType, "File Type", RuleValue::fileType, equality, "e.g. jpeg",
+        "needs a file extension, as jpeg"},
     {Field::camera, "Camera", RuleValue::text, searching},
     {Field::lens, "Lens", RuleValue::text, searching},
-    {Field::focalLength, "Focal Length", RuleValue::number, ordering},
+    {Field::focalLength, "Focal Length", RuleValue::number, ordering, "e.g. 50", "needs a number, as 50"},
     {Field::person, "Person", RuleValue::text, searching},
-    {Field::location, "Location", RuleValue::place, nearness},
+    {Field::location, "Location", RuleValue::place, nearness, "e.g. 800",
+        "needs a radius and a place, as 10 km of 48.14, 11.58"},
 }};
 
-struct ValueTexts {
-    RuleValue value;
-    std::string_view hint;
-    std::string_view needs;
-};
-
-constexpr ValueTexts valueTexts[] = {
-    {RuleValue::text, "", "needs a text"},
-    {RuleValue::number, "e.g. 50", "needs a number, as 50"},
-    {RuleValue::label, "e.g. Red",
-        "needs a label: none, red, orange, yellow, green, blue, purple, gray, or 0 to 7"},
-    {RuleValue::day, "yyyy-mm-dd", "needs a day as yyyy-mm-dd"},
-    {RuleValue::kind, "photo", "needs photo or video"},
-    {RuleValue::fileType, "e.g. jpeg", "needs a file extension, as jpeg"},
-    {RuleValue::yesNo, "yes", "needs yes or no"},
-    {RuleValue::place, "", "needs a radius and a place, as 10 km of 48.14, 11.58"},
-};
-
-struct OpLabel {
-    Op op;
-    std::string_view label;
-};
-
-constexpr OpLabel opLabels[]
-    = {{Op::is, "is"}, {Op::isNot, "is not"}, {Op::atLeast, "is at least"}, {Op::atMost, "is at most"},
-        {Op::contains, "contains"}, {Op::notContains, "does not contain"}, {Op::near, "is within"}};
+constexpr std::array<std::string_view, 7> opLabels{
+    "is", "is not", "is at least", "is at most", "contains", "does not contain", "is within"};
+static_assert(static_cast<std::size_t>(Op::near) + 1 == opLabels.size());
 
 /// What may be left out of the stored text.
 struct StoredRules {
@@ -70,11 +51,6 @@ struct StoredRules {
     std::optional<bool> matchAll;
 };
 KORVO_RECORD(StoredRules, rules, matchAll)
-
-const ValueTexts& textsOf(RuleValue value)
-{
-    return valueTexts[static_cast<std::size_t>(value)];
-}
 
 } // namespace
 
@@ -96,23 +72,7 @@ const SmartAlbumField& fieldOf(const SmartAlbumRule& rule)
 
 std::string_view label(Op op)
 {
-    return opLabels[static_cast<std::size_t>(op)].label;
-}
-
-std::string_view hint(RuleValue value)
-{
-    return textsOf(value).hint;
-}
-
-std::optional<std::string> fault(const SmartAlbumRule& rule)
-{
-    const auto& field = fieldOf(rule);
-    const auto named = "“" + std::string(field.title) + "” ";
-    if (std::find(field.ops.begin(), field.ops.end(), rule.op) == field.ops.end())
-        return named + "does not take “" + std::string(label(rule.op)) + "”";
-    if (!ruleTest(rule))
-        return named + std::string(textsOf(field.value).needs) + ", not “" + rule.value + "”";
-    return std::nullopt;
+    return opLabels[static_cast<std::size_t>(op)];
 }
 
 } // namespace korvo

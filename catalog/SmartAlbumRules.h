@@ -4,7 +4,6 @@
 #include "base/Record.h"
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -62,6 +61,8 @@ struct SmartAlbumField {
     std::string_view title;
     RuleValue value;
     std::span<const SmartAlbumRule::Op> ops;
+    std::string_view hint = {}; // an example shown in the empty field; of a place, in that of the radius
+    std::string_view needs = {}; // what is wrong with a value that cannot be read; texts all can
 };
 
 /// All fields in the order of the menu.
@@ -70,11 +71,5 @@ const SmartAlbumField& fieldOf(const SmartAlbumRule& rule);
 
 /// "is at least"; of `near` what stands before the radius.
 std::string_view label(SmartAlbumRule::Op op);
-/// An example of a value, shown in the empty field; may be empty.
-std::string_view hint(RuleValue value);
-
-/// What is wrong with a rule, for the user: an operator its field does not take, or a value that cannot be
-/// read as the field requires. Such a rule matches nothing.
-std::optional<std::string> fault(const SmartAlbumRule& rule);
 
 } // namespace korvo

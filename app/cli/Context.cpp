@@ -14,6 +14,15 @@ namespace korvo {
 
 namespace {
 
+/// File names may hold what a terminal takes for orders.
+std::string printableLines(std::string_view text)
+{
+    std::string lines;
+    for (const auto line : split(text, '\n'))
+        (lines += lines.empty() && line.data() == text.data() ? "" : "\n") += printable(line);
+    return lines;
+}
+
 PhotoID photoID(std::string_view text)
 {
     PhotoID id = 0;
@@ -40,6 +49,11 @@ std::vector<PhotoID> listedIDs(const std::vector<std::string>& texts, const std:
 }
 
 } // namespace
+
+void printError(std::string_view message)
+{
+    std::fprintf(stderr, "%s\n", printableLines(message).c_str());
+}
 
 Context::Context(GlobalOptions options, Defaults& defaults, const Clock& clock, std::stop_token stop)
     : options_(std::move(options)), defaults_(defaults), clock_(clock), stop_(std::move(stop))
@@ -107,7 +121,8 @@ Progress::Mode Context::progressMode() const
 
 void Context::print(const std::string& line) const
 {
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    const auto text = options_.json ? line : printableLines(line);
+    std::fwrite(text.data(), 1, text.size(), stdout);
     std::fputc('\n', stdout);
 }
 
@@ -122,11 +137,11 @@ ExitCode Context::finish(std::size_t worked, Ended ended)
         const auto others = failures_.size() == 1
             ? std::string()
             : " (and " + std::to_string(failures_.size() - 1) + " more)";
-        std::fprintf(stderr, "korvo: %s%s\n", failures_.front().c_str(), others.c_str());
+        printError("korvo: " + failures_.front() + others);
     } else if (!failures_.empty()) {
         for (const auto& failure : failures_)
-            std::fprintf(stderr, "%s\n", failure.c_str());
-        std::fprintf(stderr, "%zu failed\n", failures_.size());
+            printError(failure);
+        printError(std::to_string(failures_.size()) + " failed");
     }
     if (ended == Ended::early)
         return ExitCode::interrupted;

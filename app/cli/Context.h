@@ -40,6 +40,9 @@ struct PhotoArguments {
     std::string source;
 };
 
+/// Writes a message for a person to standard error.
+void printError(std::string_view message);
+
 /// What a command works with: the library, where its output goes, and what failed on the way.
 class Context {
 public:
@@ -67,7 +70,7 @@ public:
     /// exist.
     std::optional<LibrarySource> existingSource(const std::string& text);
 
-    /// Writes a line to standard output.
+    /// Writes a line, or several, to standard output; for people without control characters.
     void print(const std::string& line) const;
     /// Prints the id of something made: by itself, or as an object.
     void printMade(std::int64_t id) const;
@@ -78,6 +81,7 @@ public:
     /// command counts as cut short once it was asked to stop.
     ExitCode finish(std::size_t worked) { return finish(worked, isStopped() ? Ended::early : Ended::whole); }
     ExitCode finish(std::size_t worked, Ended ended);
+    bool hasFailures() const { return !failures_.empty(); }
 
 private:
     GlobalOptions options_;

@@ -80,8 +80,9 @@ void addStackCommands(Parser& parser, CLI::App* stack)
         parser, stack, "move", "move a photo within its stack",
         [](CLI::App& sub, StackArguments& arguments) {
             addStackAndPhoto(sub, arguments);
-            sub.add_option("POSITION", arguments.position, "its new place, from 0; the pick is shown first")
-                ->required();
+            sub.add_option("POSITION", arguments.position, "its new place among those shown; the pick is 0")
+                ->required()
+                ->check(CLI::NonNegativeNumber);
         },
         [](Context& context, const StackArguments& arguments) {
             return moveInStackCommand(context, arguments.stack, arguments.photo, arguments.position);

@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <stdexcept>
+
 namespace korvo {
 
 namespace {
@@ -16,7 +18,7 @@ SmartAlbumRules readRules(const std::string& json)
     auto rules = smartAlbumRules(json);
     for (const auto& rule : rules.rules)
         if (const auto reason = fault(rule))
-            fmt::print(stderr, "this rule matches nothing: {}\n", *reason);
+            printError("this rule matches nothing: " + *reason);
     return rules;
 }
 
@@ -42,6 +44,8 @@ ExitCode listVersionsCommand(Context& context, PhotoID photo)
 ExitCode createStackCommand(Context& context, const PhotoArguments& photos, std::optional<PhotoID> pick)
 {
     const auto ids = context.photos(photos);
+    if (ids.size() < 2 && context.hasFailures())
+        return context.finish(0);
     context.printMade(context.library().createStack(ids, pick));
     return context.finish(ids.size(), Ended::whole);
 }
@@ -107,11 +111,14 @@ std::string planJSON(const AutoStackPlan& plan, int interval)
 
 ExitCode autoStackCommand(Context& context, const AutoStackArguments& arguments)
 {
-    const auto items = context.library().photos(parseSource(arguments.source));
+    // What the plan is made from must not change before it is carried out.
+    Transaction transaction(context.library().database());
+    const auto items = context.library().photos(context.existingSource(arguments.source));
     const auto shown = gridOrder(items, std::nullopt, std::nullopt);
     const AutoStackPlan plan(items, shown, arguments.interval);
     if (!arguments.dryRun)
         context.library().createStacks(plan);
+    transaction.commit();
     context.print(context.options().json ? planJSON(plan, arguments.interval)
                                          : autoStackText(plan, arguments.interval));
     return ExitCode::done;
@@ -126,9 +133,13 @@ ExitCode createSmartAlbumCommand(Context& context, const SmartAlbumArguments& al
 
 ExitCode updateSmartAlbumCommand(Context& context, const SmartAlbumArguments& album)
 {
+    if (!album.name && !album.rules)
+        throw std::invalid_argument("name what is to change: --name, --rules or both");
+    Transaction transaction(context.library().database());
     const auto before = context.library().smartAlbum(album.id);
     const auto rules = album.rules ? toJson(readRules(*album.rules)) : before.rules;
     context.library().changeSmartAlbum(album.id, album.name.value_or(before.name), rules);
+    transaction.commit();
     return ExitCode::done;
 }
 

@@ -1,6 +1,7 @@
 #include "app/cli/PhotoOutput.h"
 
 #include "base/Json.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 
@@ -87,7 +88,7 @@ std::string photoJSON(const PhotoItem& item)
 
 std::string photoLine(const PhotoItem& item)
 {
-    std::string line = fmt::format("{:>8}  {}", item.id, item.path().native());
+    std::string line = fmt::format("{:>8}  {}", item.id, printable(item.path().native()));
     const auto add = [&](std::string_view mark) {
         if (!mark.empty())
             (line += "  ") += mark;
@@ -97,15 +98,16 @@ std::string photoLine(const PhotoItem& item)
     add(item.flagged ? "flagged" : "");
     add(item.label == PhotoLabel::none ? std::string_view() : name(item.label));
     add(item.hasEdits() ? "edited" : "");
-    add(item.metadata.title.view());
+    add(printable(item.metadata.title));
     return line;
 }
 
 std::string photoText(const PhotoItem& item)
 {
-    std::string text = fmt::format("{:<14}{}\n{:<14}{}\n", "photo", item.id, "file", item.path().native());
+    std::string text
+        = fmt::format("{:<14}{}\n{:<14}{}\n", "photo", item.id, "file", printable(item.path().native()));
     const auto line = [&](std::string_view label, const auto& value) {
-        if (const auto shown = fmt::format("{}", value); !shown.empty())
+        if (const auto shown = printable(fmt::format("{}", value)); !shown.empty())
             text += fmt::format("{:<14}{}\n", label, shown);
     };
     const auto number = [&](std::string_view label, const auto& value, std::string_view unit) {

@@ -26,10 +26,10 @@ int main(int argc, char** argv)
     } catch (const Interrupted&) {
         return static_cast<int>(ExitCode::interrupted);
     } catch (const std::invalid_argument& error) { // a value that no command takes
-        std::fprintf(stderr, "korvo: %s\n%s", error.what(), parsed.usage.c_str());
+        printError(std::string("korvo: ") + error.what() + "\n" + parsed.usage);
         return static_cast<int>(ExitCode::usage);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "korvo: %s\n", error.what());
+        printError(std::string("korvo: ") + error.what());
         return static_cast<int>(ExitCode::nothing);
     }
 }

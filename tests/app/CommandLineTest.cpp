@@ -186,6 +186,16 @@ TEST_F(CommandLine, checkFindsWhatIsWrong)
         "{\"added\":0,\"known\":2,\"ignored\":0,\"failed\":0}\n");
 }
 
+TEST_F(CommandLine, namesGiveTheTerminalNoOrders)
+{
+    folder.write("photos/d\x1B[2J\n.jpg", "x");
+    run("--quiet add " + (folder / "photos").string());
+    EXPECT_NE(run("list").out.find("d\\u001B[2J\\n.jpg"), std::string::npos);
+    EXPECT_NE(json("list").find("d\\u001b[2J\\n.jpg"), std::string::npos);
+    std::filesystem::remove(folder / "photos/d\x1B[2J\n.jpg");
+    EXPECT_EQ(run("check").out.find('\x1B'), std::string::npos);
+}
+
 TEST_F(CommandLine, anInterruptEndsTheWaitForInputWithNothingDone)
 {
     const auto endless = (folder / "endless").string();
@@ -208,6 +218,9 @@ TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
     EXPECT_EQ(json("stack list"), "");
     EXPECT_EQ(json("stack create 1 2 --pick 2"), "{\"id\":1}\n");
     EXPECT_EQ(run("stack create 1 --pick 3").exitCode, 2);
+    EXPECT_EQ(run("stack create 1 99").err, "korvo: no photo with the id 99\n");
+    EXPECT_EQ(run("stack auto --source album:99").err, "korvo: no album with the id 99\n");
+    EXPECT_EQ(run("stack move 1 1 -1").exitCode, 2);
     run("stack expand 1");
     EXPECT_EQ(json("stack list"), "{\"id\":1,\"pick\":2,\"collapsed\":false,\"members\":[2,1]}\n");
 
@@ -217,6 +230,7 @@ TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
     EXPECT_EQ(run("rate 5 --source smart:1").exitCode, 0);
     EXPECT_NE(run("list --source smart:1").out.find("c.mov  *****"), std::string::npos);
     EXPECT_EQ(run("smart update 1 --rules '[]'").exitCode, 1);
+    EXPECT_EQ(run("smart update 1").exitCode, 2);
     EXPECT_EQ(run("smart delete 1").exitCode, 0);
     EXPECT_EQ(run("list --source smart:1").exitCode, 1);
 }

@@ -11,6 +11,12 @@ TEST(Text, keywordsAreCutAtCommasTrimmedAndNeverEmpty)
     EXPECT_EQ(joinKeywords({"a", "c d"}), "a, c d");
 }
 
+TEST(Text, whatIsShownGivesTerminalsNoOrders)
+{
+    EXPECT_EQ(printable("a\x1B[2Jb\n\t\x7F\u009Bc"), "a\\u001B[2Jb\\n\\t\\u007F\\u009Bc");
+    EXPECT_EQ(printable("Jürgen 桜\u00A0\xFF\xC2"), "Jürgen 桜\u00A0\xFF\xC2");
+}
+
 TEST(Text, blankIsWhatShowsNothing)
 {
     for (const char* blank : {"", " \t\n", "\u00A0", "\u3000 \u2003"})

@@ -106,8 +106,12 @@ private:
         };
         if (rule.field == Field::keyword)
             list(all.keywords);
+        else if (rule.field == Field::person && rule.op == Op::is)
+            list(item.people), texts.push_back(item.people.string());
         else if (rule.field == Field::person)
-            list(item.people);
+            texts.push_back(item.people.string());
+        else if (rule.field == Field::text && rule.op == Op::is && rule.value.empty())
+            texts.push_back(all == PhotoMetadata() ? "" : "some");
         else if (rule.field == Field::text)
             for (const auto& text :
                 {all.title, all.caption, all.altText, all.keywords, all.creator, all.copyright})
@@ -134,7 +138,8 @@ struct Draw {
 
     std::string words()
     {
-        return of({"", "Ana", "ÄRGER", "a\u0308rger", "Ana, Bo", "bo", "An", "Ana,  ärger ", "x"});
+        return of({"", "Ana", "ÄRGER", "a\u0308rger", "Ana, Bo", "bo", "An", "Ana,  ärger ", "x", "a,,b",
+            "An, ", ","});
     }
 
     PhotoItem photo()
@@ -167,7 +172,7 @@ struct Draw {
         switch (kind) {
         case RuleValue::number:
         case RuleValue::label:
-            return of({"0", "3", "-1", "25", "2.5", "50", "no number"});
+            return of({"0", "3", "-1", "25", "2.5", "50", "7", "no number"});
         case RuleValue::day:
             return of({"2023-11-14", "2023-11-15", "2023-11-16", "2023-11-31"});
         case RuleValue::kind:
@@ -260,8 +265,9 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
     store.undo();
     EXPECT_EQ(shown(), (Names{"a.jpg", "c.jpg"}));
     store.setMetadata(only(2), {.title = SharedText("Bridge")});
-    store.changeSmartAlbum(album, "bridges", {{{Field::text, Op::contains, "bridge"}}, true});
+    store.changeSmartAlbum(album, "bridges", SmartAlbumRules{{{Field::text, Op::contains, "bridge"}}, true});
     EXPECT_EQ(shown(), Names{"b.jpg"});
+    EXPECT_EQ(store.countMatching(smartAlbumRules(threeStars)), 2U);
     store.setMetadata(only(3), {.keywords = SharedText("bridges")});
     EXPECT_EQ(shown(), (Names{"b.jpg", "c.jpg"}));
 
@@ -277,6 +283,10 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
     store.reload();
     EXPECT_EQ(shown(), Names());
     EXPECT_EQ(store.sourceFault().value().find("the rules of the smart album “later” cannot be read"), 0U);
+    store.changeSmartAlbum(album, "renamed", std::nullopt);
+    EXPECT_EQ(store.catalog().smartAlbum(album).rules, "[]") << "untouched";
+    store.chooseSource(std::nullopt);
+    EXPECT_EQ(store.countMatching(smartAlbumRules(threeStars)), 2U);
 }
 
 } // namespace korvo

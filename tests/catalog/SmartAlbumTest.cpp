@@ -45,6 +45,9 @@ UnixTime at(int year, int month, int day, int hour, int minute = 0, int second =
 
 struct TimeZone {
     explicit TimeZone(const char* name) : variable("TZ", name) { tzset(); }
+    struct Reset {
+        ~Reset() { tzset(); }
+    } reset; // before the variable, so that it goes behind it
     ScopedVariable variable;
 };
 
@@ -72,20 +75,27 @@ TEST(SmartAlbumRules, sayWhatIsWrongAndSuchARuleMatchesNothing)
     };
     auto item = photo("a.jpg");
     item.captureDate = 5.0;
-    for (const auto& [rule, reason] : {
-             Case{{Field::rating, Op::is, " +3 "}, ""},
-             {{Field::rating, Op::contains, "3"}, "“Rating” does not take “contains”"},
-             {{Field::rating, Op::isNot, "three"}, "“Rating” needs a number, as 50, not “three”"},
-             {{Field::focalLength, Op::atMost, "1e999"}, "“Focal Length” needs a number, as 50, not “1e999”"},
-             {{Field::label, Op::is, "red"}, ""},
-             {{Field::date, Op::is, "2024-02-30"}, "“Date” needs a day as yyyy-mm-dd, not “2024-02-30”"},
-             {{Field::kind, Op::isNot, "raw"}, "“Kind” needs photo or video, not “raw”"},
-             {{Field::fileType, Op::is, " "}, "“File Type” needs a file extension, as jpeg, not “ ”"},
-             {{Field::flagged, Op::is, ""}, ""},
-             {{Field::adjusted, Op::isNot, "maybe"}, "“Adjusted” needs yes or no, not “maybe”"},
-             {{Field::location, Op::near, "Berlin"},
-                 "“Location” needs a radius and a place, as 10 km of 48.14, 11.58, not “Berlin”"},
-         }) {
+    for (const auto& [rule, reason] :
+        {
+            Case{{Field::rating, Op::is, " +3 "}, ""},
+            {{Field::rating, Op::contains, "3"}, "“Rating” does not take “contains”"},
+            {{Field::rating, Op::isNot, "three"}, "“Rating” needs a number, as 3, not “three”"},
+            {{Field::focalLength, Op::atMost, "1e999"}, "“Focal Length” needs a number, as 50, not “1e999”"},
+            {{Field::label, Op::is, "red"}, ""},
+            {{Field::label, Op::isNot, "9"},
+                "“Label” needs a label: none, red, orange, yellow, green, blue, purple, gray, or 0 to 7, not "
+                "“9”"},
+            {{Field::label, Op::atMost, "4.5"},
+                "“Label” needs a label: none, red, orange, yellow, green, blue, purple, gray, or 0 to 7, not "
+                "“4.5”"},
+            {{Field::date, Op::is, "2024-02-30"}, "“Date” needs a day as yyyy-mm-dd, not “2024-02-30”"},
+            {{Field::kind, Op::isNot, "raw"}, "“Kind” needs photo or video, not “raw”"},
+            {{Field::fileType, Op::is, " "}, "“File Type” needs a file extension, as jpeg, not “ ”"},
+            {{Field::flagged, Op::is, ""}, ""},
+            {{Field::adjusted, Op::isNot, "maybe"}, "“Adjusted” needs yes or no, not “maybe”"},
+            {{Field::location, Op::near, "Berlin"},
+                "“Location” needs a radius and a place, as 10 km of 48.14, 11.58, not “Berlin”"},
+        }) {
         EXPECT_EQ(fault(rule).value_or(""), reason);
         if (*reason) {
             EXPECT_FALSE(matches(rule, item)) << reason;
@@ -103,7 +113,7 @@ TEST(SmartAlbumMatcher, eachFieldHasItsWayOfComparing)
     item.metadata = {.title = "Brücke in İstanbul", .keywords = "Night shot, Bridge", .creator = "Ana"};
     item.camera = "NIKON Z 6_2";
     item.focalLength = 35.5;
-    item.people = "Ana, Bo";
+    item.people = "Ana, Bo, Smith, John";
     item.editsJSON = "{}";
     struct Case {
         SmartAlbumRule rule;
@@ -116,6 +126,9 @@ TEST(SmartAlbumMatcher, eachFieldHasItsWayOfComparing)
              {{Field::keyword, Op::is, "night"}, false}, {{Field::keyword, Op::contains, "night"}, true},
              {{Field::keyword, Op::contains, "shot, bridge"}, false},
              {{Field::keyword, Op::isNot, "BRIDGE"}, false}, {{Field::person, Op::is, "bo"}, true},
+             {{Field::person, Op::contains, "smith, john"}, true}, {{Field::person, Op::is, "smit"}, false},
+             {{Field::keyword, Op::is, ""}, false}, {{Field::text, Op::is, ""}, false},
+             {{Field::text, Op::isNot, ""}, true}, {{Field::text, Op::contains, "İSTANBUL"}, true},
              {{Field::text, Op::contains, "BRU\u0308CKE"}, true}, {{Field::text, Op::contains, "ana"}, true},
              {{Field::text, Op::is, "ANA"}, true}, {{Field::text, Op::notContains, "img"}, true},
              {{Field::filename, Op::contains, "STRASSE"}, true},
@@ -133,6 +146,13 @@ TEST(SmartAlbumMatcher, eachFieldHasItsWayOfComparing)
     for (const auto op : {Op::is, Op::atLeast, Op::atMost})
         EXPECT_FALSE(matches({Field::focalLength, op, "0"}, photo("a.jpg"))) << "it has none";
     EXPECT_TRUE(matches({Field::focalLength, Op::isNot, "0"}, photo("a.jpg")));
+    EXPECT_TRUE(matches({Field::text, Op::is, ""}, photo("a.jpg")));
+    item.people = "Smith, John";
+    EXPECT_TRUE(matches({Field::person, Op::is, "SMITH, John"}, item));
+    item.metadata.keywords = "a,, b,";
+    EXPECT_FALSE(matches({Field::keyword, Op::is, ""}, item)) << "a comma too many is no keyword";
+    item.metadata.caption = "ΟΔΟΣ";
+    EXPECT_TRUE(matches({Field::text, Op::is, "οδος"}, item)) << "a final sigma is one";
 }
 
 TEST(SmartAlbumMatcher, aDateIsALocalCalendarDay)
@@ -169,6 +189,7 @@ TEST(NearPlace, isReadFromWhatItWritesAndFromWhatPeopleWrite)
     EXPECT_EQ(text(place), "10 km of 48.137, -11.575");
     for (const auto& written :
         {text(place), std::string("10;48.137;-11.575"), std::string(" 10km of 48.137,-11.575"),
+            std::string("+10 KM of 48.137° N, 11.575°W"), std::string("10 48.137 n 11.575 W"),
             std::string(R"({"kilometres":10,"latitude":48.137,"longitude":-11.575})"),
             std::string(R"({"radius":10,"lat":48.137,"lng":-11.575})")})
         EXPECT_EQ(parseNearPlace(written), place) << written;
