@@ -4,7 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <thread>
 
 namespace korvo {
@@ -163,6 +169,85 @@ TEST(Catalog, opensInFoldersOfAnyName)
             EXPECT_EQ(openingError(folder / name), "opened");
         EXPECT_TRUE(fs::exists(folder / name / "catalog.sqlite"));
     }
+}
+
+TEST(Catalog, severalProcessesMayOpenANewLibraryAtOnce)
+{
+    const TemporaryFolder folder;
+    std::vector<pid_t> processes;
+    for (int i = 0; i < 4; ++i)
+        if (const pid_t process = fork())
+            processes.push_back(process);
+        else
+            _exit(openingError(folder / "Library") == "opened" ? 0 : 1);
+    for (const pid_t process : processes) {
+        int status = -1;
+        waitpid(process, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    Catalog catalog(folder / "Library", SystemClock());
+    EXPECT_EQ(catalog.database().scalar("SELECT COUNT(*) FROM schema_info"), 1);
+    EXPECT_EQ(namesIn(catalog.backupsFolder()).size(), 1U) << "and nothing unfinished beside it";
+}
+
+TEST(Catalog, aReaderHoldsUpNoBackupAndHidesNothingFromIt)
+{
+    TestLibrary library;
+    const auto path = library.catalog->libraryURL();
+    library.photo("a.jpg");
+    Database reader(path / "catalog.sqlite");
+    reader.exec("BEGIN");
+    EXPECT_EQ(reader.scalar("SELECT COUNT(*) FROM photos"), 1);
+    library.photo("b.jpg");
+    library.clock.time += day;
+    const Catalog another(path, library.clock);
+    Database copy(another.backupsFolder() / ("catalog-" + localDay(library.clock.time) + ".sqlite"));
+    EXPECT_EQ(copy.scalar("SELECT COUNT(*) FROM photos"), 2);
+    EXPECT_EQ(reader.scalar("SELECT COUNT(*) FROM photos"), 1) << "it goes on reading what it read";
+}
+
+TEST(Catalog, aFullDiskLosesNothingAndSaysSo)
+{
+    const TemporaryFolder folder;
+    const auto disk = folder / "disk";
+    fs::create_directory(disk);
+    if (mount("none", disk.c_str(), "tmpfs", 0, "size=2m") != 0)
+        GTEST_SKIP() << "a small disk cannot be mounted here: " << std::strerror(errno);
+    constexpr std::size_t batch = 500;
+    std::size_t taken = 0;
+    const auto add = [&](Catalog& catalog) {
+        std::vector<NewPhoto> photos(batch);
+        for (std::size_t i = 0; i < batch; ++i)
+            photos[i].path = "/photos/" + std::to_string(taken + i) + ".jpg";
+        catalog.addPhotos(photos);
+        taken += batch;
+    };
+    const auto held = [](Catalog& catalog) {
+        EXPECT_EQ(catalog.database().query("PRAGMA integrity_check").size(), 1U);
+        return static_cast<std::size_t>(catalog.database().scalar("SELECT COUNT(*) FROM photos"));
+    };
+    folder.write("disk/other", std::string(1 << 19, 'x'));
+    {
+        Catalog catalog(disk / "Library", ManualClock());
+        std::string reason;
+        while (reason.empty())
+            try {
+                add(catalog);
+            } catch (const DatabaseError& error) {
+                reason = error.what();
+            }
+        EXPECT_NE(reason.find("database or disk is full"), std::string::npos) << reason;
+        EXPECT_GT(taken, 0U);
+        EXPECT_EQ(held(catalog), taken) << "whole batches";
+    }
+    fs::remove(disk / "other");
+    {
+        Catalog catalog(disk / "Library", ManualClock());
+        EXPECT_EQ(held(catalog), taken);
+        add(catalog);
+        EXPECT_EQ(held(catalog), taken);
+    }
+    EXPECT_EQ(umount(disk.c_str()), 0);
 }
 
 TEST(Catalog, aLockedLibraryIsWaitedForAndThenReported)
