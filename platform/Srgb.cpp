@@ -1,30 +1,23 @@
 #include "platform/Srgb.h"
 
 #include <bit>
-#include <cmath>
 
 namespace korvo {
 
 namespace {
 
-/// The linear value of an encoded one, 0 to 1.
-long double decoded(long double encoded)
-{
-    return encoded <= 0.04045L ? encoded / 12.92L : std::pow((encoded + 0.055L) / 1.055L, 2.4L);
-}
-
 std::array<float, 256> makeLinear()
 {
     std::array<float, 256> result;
     for (std::size_t code = 0; code < result.size(); ++code)
-        result[code] = static_cast<float>(decoded(static_cast<long double>(code) / 255));
+        result[code] = static_cast<float>(decodedSrgb(static_cast<long double>(code) / 255));
     return result;
 }
 
 /// The bits of the smallest float that gets `code`.
 std::uint32_t firstBitsOf(std::uint32_t code)
 {
-    const long double border = decoded((static_cast<long double>(code) - 0.5L) / 255);
+    const long double border = decodedSrgb((static_cast<long double>(code) - 0.5L) / 255);
     const auto nearest = static_cast<float>(border);
     return std::bit_cast<std::uint32_t>(nearest) + (nearest < border ? 1 : 0);
 }

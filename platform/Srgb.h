@@ -1,11 +1,20 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
 /// Between 8-bit sRGB codes and linear light (IEC 61966-2-1), exactly.
 namespace korvo {
+
+/// The linear value of an encoded one, 0 to 1; beyond both ends the curve goes on.
+template <typename Real>
+Real decodedSrgb(Real encoded)
+{
+    return encoded <= Real(0.04045L) ? encoded / Real(12.92L)
+                                     : std::pow((encoded + Real(0.055L)) / Real(1.055L), Real(2.4L));
+}
 
 /// The linear value of each code.
 const std::array<float, 256>& linearOfSrgb();

@@ -202,6 +202,24 @@ TEST_F(ImageReading, aCutOffPhotoShowsWhatThereIs)
     EXPECT_NEAR(colourOf(cut, 3)[0], 128, 3) << "the first rows, which are the last ones upright";
 }
 
+TEST_F(ImageReading, aProfileThatIsNoMoreThanAHeaderIsPassedOver)
+{
+    std::string profile(132, '\0');
+    profile.replace(0, 48,
+        std::string("\0\0\0\x84\0\0\0\0\2\x10\0\0mntrRGB XYZ \7\xE6\0\1\0\1\0\0\0\0\0\0"
+                    "acsp\0\0\0\0\0\0\0\0",
+            48));
+    auto jpeg = readFile(picture("plain.jpg"));
+    const auto length = static_cast<char>(2 + 14 + profile.size());
+    jpeg.insert(2, std::string("\xFF\xE2\0", 3) + length + std::string("ICC_PROFILE\0\1\1", 14) + profile);
+    const auto file = folder.write("empty profile.jpg", jpeg);
+    for (const auto kind : {PixelKind::bitmap, PixelKind::linear, PixelKind::asStored}) {
+        const auto image = read(file, {0, kind});
+        expectFields(image, 2.01);
+        EXPECT_EQ(std::holds_alternative<LinearImage>(image.pixels), kind == PixelKind::linear);
+    }
+}
+
 TEST_F(ImageReading, rawFilesOfUnknownCamerasShowTheirPreview)
 {
     const auto preview = readFile(picture("plain.jpg"));

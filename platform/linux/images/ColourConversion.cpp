@@ -1,5 +1,7 @@
 #include "platform/linux/images/ColourConversion.h"
 
+#include "platform/Srgb.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -21,17 +23,6 @@ using Profile = std::unique_ptr<void, CloseProfile>;
 struct FreeCurve {
     void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
 };
-
-/// sRGB's curve (IEC 61966-2-1), continued beyond 1.
-double decoded(double value)
-{
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
-double encoded(double light)
-{
-    return light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
-}
 
 constexpr cmsCIExyY d65{0.3127, 0.3290, 1};
 constexpr cmsCIExyYTRIPLE srgbPrimaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
@@ -57,32 +48,20 @@ cmsColorSpaceSignature spaceOf(Model model)
     return {};
 }
 
-/// The picture's profile, if it has one that fits its colours.
-Profile profileOf(const PictureInfo& picture)
-{
-    if (picture.profile.empty() && picture.isAdobeRGB && picture.format.model == Model::rgb)
-        return profileOf(adobePrimaries, 563.0 / 256);
-    if (picture.profile.empty())
-        return {};
-    Profile profile(
-        cmsOpenProfileFromMem(picture.profile.data(), static_cast<cmsUInt32Number>(picture.profile.size())));
-    if (profile && cmsGetColorSpace(profile.get()) != spaceOf(picture.format.model))
-        profile.reset();
-    return profile;
-}
-
 using Matrix = std::array<double, 9>;
 
-/// The columns of a profile: what each of its colours is in XYZ under its white, D50.
+constexpr std::array colorantTags{cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag};
+
+/// The columns of a profile that has them: what each of its colours is in XYZ under its white, D50.
 Matrix colorants(cmsHPROFILE profile)
 {
     Matrix matrix{};
     std::size_t column = 0;
-    for (const auto tag : {cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag}) {
+    for (const auto tag : colorantTags) {
         const auto* const xyz = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile, tag));
-        matrix[column] = xyz ? xyz->X : 0;
-        matrix[column + 3] = xyz ? xyz->Y : 0;
-        matrix[column + 6] = xyz ? xyz->Z : 0;
+        matrix[column] = xyz->X;
+        matrix[column + 3] = xyz->Y;
+        matrix[column + 6] = xyz->Z;
         ++column;
     }
     return matrix;
@@ -128,8 +107,10 @@ bool isSimple(cmsHPROFILE profile, Model model)
         return false;
     if (model == Model::grey)
         return curveOf(profile, model, 0) != nullptr && cmsGetPCS(profile) == cmsSigXYZData;
+    const auto isReadable = [&](cmsTagSignature tag) { return cmsReadTag(profile, tag) != nullptr; };
     return model == Model::rgb && cmsIsMatrixShaper(profile) && curveOf(profile, model, 0)
-        && curveOf(profile, model, 1) && curveOf(profile, model, 2);
+        && curveOf(profile, model, 1) && curveOf(profile, model, 2)
+        && std::ranges::all_of(colorantTags, isReadable);
 }
 
 /// Whether a profile is sRGB's to within what 8 bits show.
@@ -139,16 +120,17 @@ bool isSrgb(cmsHPROFILE profile, Model model)
         return false;
     for (std::size_t channel = 0; channel < (model == Model::rgb ? 3 : 1); ++channel)
         for (int step = 0; step <= 32; ++step) {
-            const float value = static_cast<float>(step) / 32;
-            const double found = cmsEvalToneCurveFloat(curveOf(profile, model, channel), value);
-            if (std::abs(encoded(found) - value) > 0.003)
+            const double value = step / 32.0;
+            const double found
+                = cmsEvalToneCurveFloat(curveOf(profile, model, channel), static_cast<float>(value));
+            if (!(found >= decodedSrgb(value - 0.003) && found <= decodedSrgb(value + 0.003)))
                 return false;
         }
     if (model == Model::grey)
         return true;
     const Matrix matrix = toSrgb(profile);
     for (std::size_t i = 0; i < matrix.size(); ++i)
-        if (std::abs(matrix[i] - (i % 4 == 0 ? 1 : 0)) > 0.004)
+        if (!(std::abs(matrix[i] - (i % 4 == 0 ? 1 : 0)) <= 0.004))
             return false;
     return true;
 }
@@ -162,6 +144,44 @@ cmsUInt32Number lcmsFormat(const RowFormat& format)
         | BYTES_SH(format.depth == Depth::bits8 ? 1
                 : format.depth == Depth::bits16 ? 2
                                                 : 4));
+}
+
+/// By lcms2 to sRGB; null for profiles that it cannot use.
+cmsHTRANSFORM transformOf(
+    cmsHPROFILE profile, const RowFormat& format, ColourConversion::Target target, cmsUInt32Number flags)
+{
+    const bool isLinear = target == ColourConversion::Target::linear;
+    const Profile srgb = isLinear ? profileOf(srgbPrimaries, 1) : Profile(cmsCreate_sRGBProfile());
+    return cmsCreateTransform(profile, lcmsFormat(format), srgb.get(), isLinear ? TYPE_RGB_FLT : TYPE_RGBA_8,
+        INTENT_RELATIVE_COLORIMETRIC, flags);
+}
+
+/// Whether colours of this format can be converted by the profile: it may be of other colours, or be no more
+/// than a header.
+bool isUsable(cmsHPROFILE profile, const RowFormat& format)
+{
+    if (cmsGetColorSpace(profile) != spaceOf(format.model))
+        return false;
+    if (isSimple(profile, format.model))
+        return true;
+    const auto tried = transformOf(profile, format, ColourConversion::Target::linear, cmsFLAGS_NOOPTIMIZE);
+    if (tried)
+        cmsDeleteTransform(tried);
+    return tried != nullptr;
+}
+
+/// The picture's profile, if it has one that can be used.
+Profile profileOf(const PictureInfo& picture)
+{
+    if (picture.profile.empty() && picture.isAdobeRGB && picture.format.model == Model::rgb)
+        return profileOf(adobePrimaries, 563.0 / 256);
+    if (picture.profile.empty())
+        return {};
+    Profile profile(
+        cmsOpenProfileFromMem(picture.profile.data(), static_cast<cmsUInt32Number>(picture.profile.size())));
+    if (profile && !isUsable(profile.get(), picture.format))
+        profile.reset();
+    return profile;
 }
 
 /// A stored number from 0 to 1.
@@ -216,7 +236,7 @@ std::uint8_t byteAt(const Number* pixel, int channel, const RowFormat& format)
     if (format.model == Model::cmyk)
         return byteOf(inked(pixel, channel));
     const auto number = pixel[format.model == Model::grey ? 0 : channel];
-    return format.isLinear ? byteOf(static_cast<float>(encoded(fraction(number)))) : byteOf(number);
+    return format.isLinear ? srgbOfLinear(fraction(number)) : byteOf(number);
 }
 
 template <typename Number>
@@ -232,15 +252,26 @@ bool isSeeThrough(const RowFormat& format)
     return format.alpha == Alpha::straight || format.alpha == Alpha::premultiplied;
 }
 
-/// Puts the row's alpha into a row of RGBA bytes, and multiplies the colours by it.
+/// Whether the row's numbers are a bitmap's, which dividing and multiplying by alpha would only blur.
+bool holdsBitmap(const RowFormat& format)
+{
+    return format.alpha == Alpha::premultiplied && format.depth == Depth::bits8 && !format.isLinear
+        && format.model != Model::cmyk;
+}
+
+enum class Colours { straight, premultiplied };
+
+/// Puts the row's alpha into a row of RGBA bytes, and multiplies the colours by it if they are straight.
 template <typename Number>
-void takeAlpha(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format)
+void takeAlpha(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format, Colours colours)
 {
     row += format.colours();
     for (int x = 0; x < width; ++x, row += format.channels(), rgba += 4) {
         rgba[3] = isSeeThrough(format) ? byteOf(*row) : 255;
         for (int channel = 0; rgba[3] < 255 && channel < 3; ++channel)
-            rgba[channel] = static_cast<std::uint8_t>((rgba[channel] * rgba[3] + 127) / 255);
+            rgba[channel] = colours == Colours::premultiplied
+                ? std::min(rgba[channel], rgba[3])
+                : static_cast<std::uint8_t>((rgba[channel] * rgba[3] + 127) / 255);
     }
 }
 
@@ -253,7 +284,7 @@ void divideByAlpha(Number* row, int width, const RowFormat& format)
         for (int channel = 0; channel < format.colours(); ++channel) {
             const float alpha = fraction(row[format.colours()]);
             const float colour = alpha > 0 ? static_cast<float>(row[channel]) / alpha : 0;
-            row[channel] = static_cast<Number>(isReal ? colour : std::min(colour, most));
+            row[channel] = static_cast<Number>(isReal ? colour : std::min(colour + 0.5F, most));
         }
 }
 
@@ -280,20 +311,27 @@ ColourConversion::ColourConversion(const PictureInfo& picture, Target target) : 
     if (target == Target::linear && format_.depth != Depth::real && format_.model != Model::cmyk
         && (isKnown || isSimple(profile.get(), format_.model)))
         makeTables(isKnown ? nullptr : profile.get());
-    else if (!isKnown)
-        makeTransform(profile.get(), target);
+    else if (!isKnown) {
+        transform_.reset(transformOf(profile.get(), format_, target, cmsFLAGS_BLACKPOINTCOMPENSATION));
+        if (!transform_) // of a usable profile
+            throw std::bad_alloc();
+    }
 }
 
 void ColourConversion::makeTables(cmsHPROFILE profile)
 {
     const std::size_t size = format_.depth == Depth::bits8 ? 256 : 65536;
     for (std::size_t channel = 0; channel < 3; ++channel) {
+        if (channel > 0 && (!profile || format_.model == Model::grey)) {
+            tables_[channel] = tables_[0];
+            continue;
+        }
         const auto* const curve = profile ? curveOf(profile, format_.model, channel) : nullptr;
         tables_[channel].resize(size);
         for (std::size_t i = 0; i < size; ++i) {
             const double value = double(i) / double(size - 1);
             tables_[channel][i] = curve ? cmsEvalToneCurveFloat(curve, static_cast<float>(value))
-                                        : static_cast<float>(format_.isLinear ? value : decoded(value));
+                                        : static_cast<float>(format_.isLinear ? value : decodedSrgb(value));
         }
     }
     hasMatrix_ = profile && format_.model == Model::rgb;
@@ -302,25 +340,17 @@ void ColourConversion::makeTables(cmsHPROFILE profile)
             toSrgb(profile), matrix_.begin(), [](double value) { return static_cast<float>(value); });
 }
 
-void ColourConversion::makeTransform(cmsHPROFILE profile, Target target)
-{
-    const Profile srgb
-        = target == Target::linear ? profileOf(srgbPrimaries, 1) : Profile(cmsCreate_sRGBProfile());
-    transform_.reset(cmsCreateTransform(profile, lcmsFormat(format_), srgb.get(),
-        target == Target::linear ? TYPE_RGB_FLT : TYPE_RGBA_8, INTENT_RELATIVE_COLORIMETRIC,
-        cmsFLAGS_BLACKPOINTCOMPENSATION));
-}
-
 void ColourConversion::toBitmap(std::uint8_t* row, std::uint8_t* rgba, int width)
 {
-    if (transform_)
-        cmsDoTransform(transform_.get(), row, rgba, static_cast<cmsUInt32Number>(width));
+    const auto colours = !transform_ && holdsBitmap(format_) ? Colours::premultiplied : Colours::straight;
     withNumbers(format_.depth, row, [&](auto* numbers) {
-        if (format_.alpha == Alpha::premultiplied)
+        if (format_.alpha == Alpha::premultiplied && colours == Colours::straight)
             divideByAlpha(numbers, width, format_);
-        if (!transform_)
+        if (transform_)
+            cmsDoTransform(transform_.get(), row, rgba, static_cast<cmsUInt32Number>(width));
+        else
             colourBytes(numbers, rgba, width, format_);
-        takeAlpha(numbers, rgba, width, format_);
+        takeAlpha(numbers, rgba, width, format_, colours);
     });
 }
 
@@ -357,10 +387,10 @@ template <typename Number>
 float ColourConversion::light(const Number* pixel, int channel) const
 {
     if (format_.model == Model::cmyk)
-        return static_cast<float>(decoded(inked(pixel, channel)));
+        return decodedSrgb(inked(pixel, channel));
     const auto number = pixel[format_.model == Model::grey ? 0 : channel];
     if constexpr (std::is_same_v<Number, float>)
-        return format_.isLinear ? number : static_cast<float>(decoded(number));
+        return format_.isLinear ? number : decodedSrgb(number);
     else
         return tables_[static_cast<std::size_t>(channel)][number];
 }

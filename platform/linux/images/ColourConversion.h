@@ -37,7 +37,6 @@ private:
     template <typename Number>
     float light(const Number* pixel, int channel) const;
     void makeTables(cmsHPROFILE profile);
-    void makeTransform(cmsHPROFILE profile, Target target);
 
     RowFormat format_;
     std::unique_ptr<void, CloseTransform> transform_;

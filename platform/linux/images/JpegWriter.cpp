@@ -1,10 +1,11 @@
 #include "platform/linux/images/PictureWriters.h"
 
+#include <algorithm>
 #include <array>
 #include <csetjmp>
 #include <cstdio> // jpeglib.h takes FILE for granted
-#include <cstdlib>
 #include <jpeglib.h>
+#include <new>
 
 namespace korvo {
 
@@ -33,7 +34,7 @@ public:
     std::vector<std::uint8_t> finish() override
     {
         end();
-        return {handle_.bytes, handle_.bytes + handle_.length};
+        return std::move(bytes_);
     }
 
 private:
@@ -42,16 +43,26 @@ private:
         auto& jpeg = handle_.jpeg;
         jpeg.err = jpeg_std_error(&errors_);
         errors_.error_exit = [](j_common_ptr any) {
-            auto& self = *static_cast<JpegWriter*>(any->client_data);
+            auto& self = of(any);
             self.errors_.format_message(any, self.message_.data());
             std::longjmp(self.jump_, 1);
+        };
+        target_.init_destination = [](j_compress_ptr any) { of(j_common_ptr(any)).beginPiece(); };
+        target_.empty_output_buffer = [](j_compress_ptr any) -> boolean {
+            auto& self = of(j_common_ptr(any));
+            self.keepPiece(self.piece_.size());
+            return TRUE;
+        };
+        target_.term_destination = [](j_compress_ptr any) {
+            auto& self = of(j_common_ptr(any));
+            self.keepPiece(self.piece_.size() - self.target_.free_in_buffer);
         };
         jpeg.client_data = this;
         if (setjmp(jump_))
             fail();
         jpeg_create_compress(&jpeg);
         jpeg.client_data = this;
-        jpeg_mem_dest(&jpeg, &handle_.bytes, &handle_.length);
+        jpeg.dest = &target_;
         jpeg.image_width = static_cast<JDIMENSION>(shape_.width);
         jpeg.image_height = static_cast<JDIMENSION>(shape_.height);
         jpeg.input_components = 4;
@@ -80,6 +91,32 @@ private:
         jpeg_finish_compress(&handle_.jpeg);
     }
 
+    static JpegWriter& of(j_common_ptr jpeg) { return *static_cast<JpegWriter*>(jpeg->client_data); }
+
+    void beginPiece()
+    {
+        target_.next_output_byte = piece_.data();
+        target_.free_in_buffer = piece_.size();
+    }
+
+    /// What is thrown must not pass through the library.
+    bool append(std::size_t length) noexcept
+    try {
+        bytes_.insert(bytes_.end(), piece_.begin(), piece_.begin() + static_cast<std::ptrdiff_t>(length));
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+
+    void keepPiece(std::size_t length)
+    {
+        if (!append(length)) {
+            std::ranges::copy("there is not enough memory", message_.begin());
+            std::longjmp(jump_, 1);
+        }
+        beginPiece();
+    }
+
     [[noreturn]] void fail() const { throw ImageError(ImageError::Case::write, file_, message_.data()); }
 
     const std::uint8_t* overWhite(const std::uint8_t* row)
@@ -93,22 +130,19 @@ private:
 
     struct Handle {
         Handle() = default;
-        ~Handle()
-        {
-            jpeg_destroy_compress(&jpeg);
-            std::free(bytes);
-        }
+        ~Handle() { jpeg_destroy_compress(&jpeg); }
         Handle(const Handle&) = delete;
         Handle& operator=(const Handle&) = delete;
         jpeg_compress_struct jpeg{};
-        unsigned char* bytes = nullptr;
-        unsigned long length = 0;
     };
 
     std::filesystem::path file_;
     PictureShape shape_;
     Handle handle_;
     jpeg_error_mgr errors_{};
+    jpeg_destination_mgr target_{};
+    std::array<JOCTET, 64 << 10> piece_;
+    std::vector<std::uint8_t> bytes_;
     std::jmp_buf jump_{};
     std::array<char, JMSG_LENGTH_MAX> message_{};
     std::vector<std::uint8_t> row_;

@@ -1,6 +1,7 @@
 #include "platform/linux/images/PictureWriters.h"
 
 #include <csetjmp>
+#include <new>
 #include <png.h>
 #include <string>
 
@@ -79,7 +80,17 @@ private:
     static void onWrite(png_structp png, png_bytep bytes, std::size_t length)
     {
         auto& self = *static_cast<PngWriter*>(png_get_io_ptr(png));
-        self.bytes_.insert(self.bytes_.end(), bytes, bytes + length);
+        if (!self.append(bytes, length))
+            png_error(png, "there is not enough memory");
+    }
+
+    /// What is thrown must not pass through the library.
+    bool append(const std::uint8_t* bytes, std::size_t length) noexcept
+    try {
+        bytes_.insert(bytes_.end(), bytes, bytes + length);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
     }
 
     struct Handle {

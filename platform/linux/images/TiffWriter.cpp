@@ -1,6 +1,8 @@
 #include "platform/linux/images/PictureWriters.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <tiffio.h>
@@ -9,10 +11,18 @@ namespace korvo {
 
 namespace {
 
-/// A file in memory, as libtiff writes it.
+/// A file in memory, as libtiff writes it. What is thrown must not pass through the library.
 struct MemoryFile {
     std::vector<std::uint8_t> bytes;
     std::size_t position = 0;
+
+    bool grow(std::size_t size) noexcept
+    try {
+        bytes.resize(std::max(size, bytes.size()));
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
 
     static MemoryFile& of(thandle_t handle) { return *static_cast<MemoryFile*>(handle); }
 
@@ -28,8 +38,8 @@ struct MemoryFile {
     {
         auto& file = of(handle);
         const auto count = static_cast<std::size_t>(length);
-        if (file.bytes.size() < file.position + count)
-            file.bytes.resize(file.position + count);
+        if (!file.grow(file.position + count))
+            return -1;
         std::memcpy(file.bytes.data() + file.position, buffer, count);
         file.position += count;
         return length;
@@ -38,10 +48,10 @@ struct MemoryFile {
     {
         auto& file = of(handle);
         const std::size_t base = from == SEEK_SET ? 0 : from == SEEK_CUR ? file.position : file.bytes.size();
-        file.position = base + static_cast<std::size_t>(offset);
-        if (file.position > file.bytes.size())
-            file.bytes.resize(file.position);
-        return file.position;
+        const std::size_t position = base + static_cast<std::size_t>(offset);
+        if (!file.grow(position))
+            return static_cast<toff_t>(-1);
+        return file.position = position;
     }
     static toff_t size(thandle_t handle) { return of(handle).bytes.size(); }
     static int close(thandle_t) { return 0; }
@@ -51,14 +61,21 @@ struct CloseTiff {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
 };
 
+struct FreeOptions {
+    void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
+};
+
 /// Encodes with libtiff, packed by LZW.
 class TiffWriter : public PictureWriter {
 public:
     TiffWriter(const PictureShape& shape, const std::filesystem::path& file)
         : file_(file), shape_(shape), row_(static_cast<std::size_t>(shape.width) * channels())
     {
-        tiff_.reset(TIFFClientOpen(file_.c_str(), "w", &memory_, MemoryFile::read, MemoryFile::write,
-            MemoryFile::seek, MemoryFile::close, MemoryFile::size, nullptr, nullptr));
+        const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
+        TIFFOpenOptionsSetErrorHandlerExtR(options.get(), keepReason, this);
+        TIFFOpenOptionsSetWarningHandlerExtR(options.get(), passOver, nullptr);
+        tiff_.reset(TIFFClientOpenExt(file_.c_str(), "w", &memory_, MemoryFile::read, MemoryFile::write,
+            MemoryFile::seek, MemoryFile::close, MemoryFile::size, nullptr, nullptr, options.get()));
         if (!tiff_)
             fail();
         setTags();
@@ -80,6 +97,14 @@ public:
     }
 
 private:
+    /// 1: the library's own handler, which writes on the terminal, is not called.
+    static int keepReason(TIFF*, void* self, const char*, const char* format, va_list values)
+    {
+        std::vsnprintf(static_cast<TiffWriter*>(self)->reason_.data(), reasonLength, format, values);
+        return 1;
+    }
+    static int passOver(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
     unsigned channels() const { return shape_.alpha == AlphaPlane::present ? 4 : 3; }
 
     void setTags()
@@ -104,13 +129,17 @@ private:
 
     [[noreturn]] void fail() const
     {
-        throw ImageError(ImageError::Case::write, file_, "the picture cannot be encoded as TIFF");
+        throw ImageError(ImageError::Case::write, file_,
+            std::string("the picture cannot be encoded as TIFF: ") + reason_.data());
     }
+
+    static constexpr std::size_t reasonLength = 256;
 
     std::filesystem::path file_;
     PictureShape shape_;
     std::vector<std::uint8_t> row_;
     MemoryFile memory_;
+    std::array<char, reasonLength> reason_{};
     std::unique_ptr<TIFF, CloseTiff> tiff_; // before the memory in destruction
     std::uint32_t next_ = 0;
 };
