@@ -10,14 +10,13 @@ namespace korvo {
 namespace {
 
 using Value = BinaryPlist::Value;
-using Case = TranslationCase;
 using Step = TranslationStep;
 
 const std::string identityLevels
     = R"({"blackSrc":0,"blackDst":0,"shadowSrc":0.25,"shadowDst":0.25,"midSrc":0.5,)"
       R"("midDst":0.5,"highlightSrc":0.75,"highlightDst":0.75,"whiteSrc":1,"whiteDst":1})";
 
-const std::vector<Case> toneCases{
+const std::vector<TranslationCase> toneCases{
     {{{"RKRawDecodeOperation", R"({"inputMethodVersion":"8"})"}}, "{}"},
     {{{"RKExposureOperation", R"({"inputEV":1.5,"inputRecoveryEV":2.0,"inputBias":80,"inputBrightness":2})"},
          {"RKExposureOperation", R"({"inputEV":-0.25,"inputRecoveryEV":-1,"inputBias":0.5})"}},
@@ -36,7 +35,7 @@ const std::vector<Case> toneCases{
         "{}"},
 };
 
-const std::vector<Case> whiteBalanceCases{
+const std::vector<TranslationCase> whiteBalanceCases{
     {{{"RKWhiteBalanceOperation", R"({"inputTemperature":6000,"inputTint":-5,"inputEV":2,"inputBias":3})"}},
         R"({"temperature":40,"tint":-15})"},
     {{{"RKWhiteBalanceOperation", R"({"inputTemperature":6500,"inputTint":200})"}},
@@ -46,7 +45,7 @@ const std::vector<Case> whiteBalanceCases{
     {{{"RKWhiteBalanceOperation", R"({"inputTemperature":6500,"inputIsDefaults":true})"}}, "{}", "", {}},
 };
 
-const std::vector<Case> colorCases{
+const std::vector<TranslationCase> colorCases{
     {{{"RKLevelsOperation", R"({"inputMode":2,"inputWhiteSrcRGB":0.5,"inputHilightDstBlue":0.125})"}},
         R"({"levels":{"rgb":{"blackSrc":0,"blackDst":0,"shadowSrc":0.25,"shadowDst":0.25,"midSrc":0.5,)"
         R"("midDst":0.5,"highlightSrc":0.75,"highlightDst":0.75,"whiteSrc":0.5,"whiteDst":1},"red":)"
@@ -76,7 +75,7 @@ const std::vector<Case> colorCases{
         R"({"sepia":1,"polarize":0.5,"intensifyContrast":0.75})"},
 };
 
-const std::vector<Case> detailCases{
+const std::vector<TranslationCase> detailCases{
     {{{"RKVignetteOperation", R"({"inputIntensity":0.5})"},
          {"RKDevignetteOperation", R"({"inputRadius":2})"}},
         R"({"vignette":{"intensity":0.5,"radius":1},"devignette":{"intensity":0,"radius":2}})"},
@@ -99,7 +98,7 @@ const std::vector<Case> detailCases{
 
 const std::string crop = R"({"inputXOrigin":1000,"inputYOrigin":0,"inputWidth":2000,"inputHeight":750})";
 
-const std::vector<Case> geometryCases{
+const std::vector<TranslationCase> geometryCases{
     {{{"RKStraightenCropOperation", R"({"inputRotation":3})"}}, R"({"straighten":-3})"},
     {{{"RKStraightenCropOperation", R"({"inputRotation":0})"}}, "{}"},
     {{{"RKCropOperation", crop}}, R"({"crop":{"x":0.25,"y":0.75,"w":0.5,"h":0.25}})"},
@@ -127,7 +126,7 @@ const std::vector<Case> geometryCases{
         "unsupported RKRetouchOperation 1\n"},
 };
 
-const std::vector<Case> brushCases{
+const std::vector<TranslationCase> brushCases{
     {{{"DGGNGDodgeOperation", R"({"inputIntensity":0.5,"inputRadius":9})", "a"},
          {"DGGNGBurnOperation", R"({"inputIntensity":true,"inputAmount":0.5})", "b"}},
         R"({} + dodge in a.tiff {"exposure":0.5} + burn in b.tiff {"exposure":-0.5})"},
