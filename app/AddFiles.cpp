@@ -36,12 +36,6 @@ std::string sentence(const fs::path& path, const std::string& reason)
 
 using Batch = std::vector<Candidate>;
 
-PhotoMetadata photoMetadata(const DescriptiveFields& fields)
-{
-    return {fields.altText, fields.title, fields.caption, joinKeywords(fields.keywords), fields.creator,
-        fields.copyright};
-}
-
 /// The steps of one run. Scanning and storing each go through the batches one after the other, in the order
 /// of the scan; reading happens to several batches at once.
 class AddRun {

@@ -109,7 +109,8 @@ public:
     void shiftCaptureDate(PhotoID id, double seconds);
     void fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize);
     void deletePhotos(std::span<const PhotoID> ids);
-    std::vector<PhotoItem> dirtyPhotos();
+    /// In ascending order.
+    std::vector<PhotoID> dirtyPhotos();
     bool contains(PhotoID id);
     bool hasMaster(std::string_view path);
     /// File name and size of every master.
@@ -134,6 +135,11 @@ public:
     std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
     /// Nothing for an unknown id and for a version.
     std::optional<FileRecord> fileRecord(PhotoID id);
+    /// To be called before the metadata of photos change beside setMetadata: where nothing waits, keeps what
+    /// the file holds as the base of the change.
+    void keepMetadataBase(std::span<const PhotoID> ids);
+    /// A file that was changed elsewhere holds these values and has this date and size.
+    void metadataSeen(PhotoID id, const PhotoMetadata& inFile, UnixTime fileDate, std::int64_t fileSize);
     /// Keeps what a file held when it was found. What is kept already stays.
     void storeMetadataBackup(PhotoID id, std::string_view backup);
     /// The file now holds these values and has this date and size. The photo waits no longer to be written,
@@ -233,6 +239,8 @@ private:
     void dissolve(std::int64_t stack);
     void requireStack(std::int64_t id);
     void repairOldStacks();
+    void storeMetadataBase(PhotoID id, const PhotoMetadata& base);
+    void dropMetadataBase(PhotoID id);
     PhotoID memberOf(std::int64_t stack, PhotoID photo);
     PhotoID existingMasterOf(PhotoID id);
 

@@ -18,6 +18,17 @@ std::vector<std::pair<PhotoID, std::string>> idsAndPaths(
     return photos;
 }
 
+std::optional<PhotoMetadata> metadataBase(Database& database, PhotoID id)
+{
+    auto row = database.kept("SELECT alt_text, title, caption, keywords, creator, copyright FROM "
+                             "metadata_base WHERE photo_id = ?");
+    row.bind(id);
+    if (!row.step())
+        return std::nullopt;
+    return PhotoMetadata{SharedText(row.text(0)), SharedText(row.text(1)), SharedText(row.text(2)),
+        SharedText(row.text(3)), SharedText(row.text(4)), SharedText(row.text(5))};
+}
+
 } // namespace
 
 std::vector<std::pair<PhotoID, std::string>> Catalog::photosToRead(std::int64_t limit, PhotoID after)
@@ -99,7 +110,8 @@ std::optional<FileRecord> Catalog::fileRecord(PhotoID id)
     auto item = PhotoRows(statement).item();
     return FileRecord{item.id, item.path(), item.fileDate,
         statement.optionalInteger(statement.column("file_size")), item.dirty,
-        std::string(statement.text(statement.column("metadata_backup"))), std::move(item.metadata)};
+        std::string(statement.text(statement.column("metadata_backup"))), std::move(item.metadata),
+        item.dirty ? metadataBase(database_, id) : std::nullopt};
 }
 
 void Catalog::storeMetadataBackup(PhotoID id, std::string_view backup)
@@ -112,11 +124,46 @@ void Catalog::metadataWritten(
 {
     Transaction transaction(database_);
     fileChanged(id, fileDate, fileSize);
+    storeMetadataBase(id, written);
     database_.run(R"(UPDATE photos SET dirty = 0 WHERE id = ? AND alt_text = ? AND title = ? AND caption = ?
     AND keywords = ? AND creator = ? AND copyright = ?)",
         id, written.altText.view(), written.title.view(), written.caption.view(), written.keywords.view(),
         written.creator.view(), written.copyright.view());
+    dropMetadataBase(id);
     transaction.commit();
+}
+
+void Catalog::metadataSeen(PhotoID id, const PhotoMetadata& inFile, UnixTime fileDate, std::int64_t fileSize)
+{
+    Transaction transaction(database_);
+    fileChanged(id, fileDate, fileSize);
+    storeMetadataBase(id, inFile);
+    transaction.commit();
+}
+
+void Catalog::keepMetadataBase(std::span<const PhotoID> ids)
+{
+    for (const PhotoID id : ids)
+        database_.run(R"(INSERT OR REPLACE INTO metadata_base
+SELECT id, alt_text, title, caption, keywords, creator, copyright FROM photos
+WHERE id = ? AND dirty = 0 AND version_of IS NULL)",
+            id);
+}
+
+void Catalog::storeMetadataBase(PhotoID id, const PhotoMetadata& base)
+{
+    database_.run(
+        R"(INSERT OR REPLACE INTO metadata_base SELECT id, ?, ?, ?, ?, ?, ? FROM photos WHERE id = ?)",
+        base.altText.view(), base.title.view(), base.caption.view(), base.keywords.view(),
+        base.creator.view(), base.copyright.view(), id);
+}
+
+/// Unless the photo waits still.
+void Catalog::dropMetadataBase(PhotoID id)
+{
+    database_.run("DELETE FROM metadata_base WHERE photo_id = ? "
+                  "AND NOT EXISTS (SELECT 1 FROM photos WHERE id = photo_id AND dirty = 1)",
+        id);
 }
 
 } // namespace korvo

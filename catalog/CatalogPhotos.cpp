@@ -102,12 +102,14 @@ void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack w
 {
     Transaction transaction(database_);
     const auto master = existingMasterOf(id);
+    keepMetadataBase(std::span(&master, 1));
     database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
     creator = ?, copyright = ?,
     dirty = CASE WHEN version_of IS NULL AND path NOT LIKE '%.aplibrary/%' THEN ? ELSE 0 END
 WHERE id = ? OR version_of = ?)",
         metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
         metadata.creator.view(), metadata.copyright.view(), writeBack == WriteBack::pending, master, master);
+    dropMetadataBase(master);
     transaction.commit();
 }
 
@@ -128,6 +130,7 @@ void Catalog::changeMetadata(std::span<const PhotoID> ids, const MetadataChange&
 void Catalog::clearDirty(PhotoID id)
 {
     database_.run("UPDATE photos SET dirty = 0 WHERE id = ?", id);
+    dropMetadataBase(id);
 }
 
 void Catalog::markDirty(std::span<const PhotoID> ids)
@@ -152,7 +155,7 @@ void Catalog::storeReadPosition(PhotoID id, std::optional<double> latitude, std:
 {
     database_.run(R"(UPDATE photos SET latitude = CASE WHEN latitude IS NULL THEN ? ELSE latitude END,
     longitude = CASE WHEN latitude IS NULL THEN ? ELSE longitude END, gps_read = 1
-WHERE id = ? OR version_of = ?)",
+WHERE (id = ? OR version_of = ?) AND gps_read = 0)",
         latitude, longitude, id, id);
 }
 
@@ -179,14 +182,13 @@ void Catalog::deletePhotos(std::span<const PhotoID> ids)
     transaction.commit();
 }
 
-std::vector<PhotoItem> Catalog::dirtyPhotos()
+std::vector<PhotoID> Catalog::dirtyPhotos()
 {
-    std::vector<PhotoItem> items;
-    auto statement = database_.kept("SELECT * FROM photos WHERE dirty = 1");
-    PhotoRows rows(statement);
+    std::vector<PhotoID> ids;
+    auto statement = database_.kept("SELECT id FROM photos WHERE dirty = 1 ORDER BY id");
     while (statement.step())
-        items.push_back(rows.item());
-    return items;
+        ids.push_back(statement.integer(0));
+    return ids;
 }
 
 bool Catalog::contains(PhotoID id)

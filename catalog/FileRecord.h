@@ -18,6 +18,7 @@ struct FileRecord {
     std::string
         backup; // the descriptive fields as the file held them when it was found; empty: not yet known
     PhotoMetadata metadata;
+    std::optional<PhotoMetadata> base; // of one that is dirty: what the file held when both last agreed
 };
 
 } // namespace korvo

@@ -173,6 +173,8 @@ ChangedRows LibraryStore::replay(const Changeset& changes, const ChangedRows& to
     Database& database = catalog_->database();
     Transaction transaction(database);
     const ChangeRecorder recorder(database);
+    if (touches(touched, metadataColumns))
+        catalog_->keepMetadataBase(touched.updated);
     apply(database, changes);
     // The file may have been written meanwhile; only a further write makes sure that it holds these values.
     if (touches(touched, metadataColumns))
@@ -220,6 +222,7 @@ void LibraryStore::publish(const ChangedRows& rows, std::span<const PhotoID> sel
 {
     LibraryChange change;
     change.photos = rows.updated;
+    change.metadata = touches(rows, metadataColumns);
     change.tree
         = rows.tree || !rows.inserted.empty() || !rows.deleted.empty() || touches(rows, countedColumns);
     if (change.tree)

@@ -17,6 +17,7 @@ struct LibraryChange {
     bool list = false; // which photos are shown, or in which order
     bool tree = false; // the sidebar: folders, projects, albums, counts
     bool selection = false;
+    bool metadata = false; // the user changed descriptive fields
 };
 
 /// The open library as the views see it: the current source, its photos, the selection, and everything the

@@ -3,6 +3,7 @@
 #include "catalog/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
+#include "platform/ThreadPriority.h"
 
 #include <functional>
 
@@ -60,6 +61,7 @@ void Backfills::start(Run& run, Backfill kind)
     run.running = true;
     run.task = runInBackground(
         main_, [this, &run, kind, &catalog = store_.catalog()](const Task::Context& context) {
+            giveWayToOthers();
             try {
                 BackfillBatch batch;
                 for (PhotoID last = 0; !batch.isLast && !context.stopRequested();) {

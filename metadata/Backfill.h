@@ -20,8 +20,9 @@ struct BackfillBatch {
 };
 BackfillBatch readBatch(Catalog& catalog, Backfill kind, PhotoID after, const std::stop_token& stop);
 
-/// The two backfills of the open library, each one run at a time in the background, published batch by
-/// batch. What one leaves unread when it goes is read the next time. Used on the main thread.
+/// The two backfills of the open library, each one run at a time in the background, giving way to other work,
+/// published batch by batch. What one leaves unread when it goes is read the next time. Used on the main
+/// thread.
 class Backfills {
 public:
     /// Both must outlive this.

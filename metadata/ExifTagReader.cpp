@@ -13,7 +13,7 @@ namespace {
 
 using Entry = ExifBlock::Entry;
 
-/// What the entries of the directories are put into; positions are put together at the end.
+/// What the entries of the directories are put into; each position is put together from one directory.
 struct Reading {
     ExifTags tags;
     std::uint32_t exifDirectory = 0, gpsDirectory = 0;
@@ -129,27 +129,6 @@ void readDirectory(
     });
 }
 
-void readFirstDirectory(Reading& reading, FileWindow& file, ByteRange range, std::span<const Rule> rules)
-{
-    if (const auto block = ExifBlock::open(file, range))
-        readDirectory(reading, *block, block->firstDirectory(), rules);
-}
-
-void readWhole(Reading& reading, FileWindow& file, ByteRange range)
-{
-    const auto block = ExifBlock::open(file, range);
-    if (!block)
-        return;
-    reading.exifDirectory = reading.gpsDirectory = 0;
-    readDirectory(reading, *block, block->firstDirectory(), mainRules);
-    if (reading.exifDirectory != 0)
-        readDirectory(reading, *block, reading.exifDirectory, exifRules);
-    // Raw files keep some or all of the same tags in their first directory (TIFF/EP, ISO 12234-2).
-    readDirectory(reading, *block, block->firstDirectory(), exifRules);
-    if (reading.gpsDirectory != 0)
-        readDirectory(reading, *block, reading.gpsDirectory, gpsRules);
-}
-
 double signedDegrees(double degrees, std::string_view reference, char negative)
 {
     return reference.starts_with(negative) ? -degrees : degrees;
@@ -165,6 +144,36 @@ std::optional<Coordinate> coordinate(const Reading& reading)
         signedDegrees(*reading.longitude, reading.longitudeReference, 'W')};
 }
 
+/// The first whole position counts, and its parts all come from one directory.
+void readPosition(Reading& reading, const ExifBlock& block, std::uint32_t directory)
+{
+    reading.latitude = reading.longitude = std::nullopt;
+    reading.latitudeReference = reading.longitudeReference = {};
+    readDirectory(reading, block, directory, gpsRules);
+    if (!reading.tags.coordinate)
+        reading.tags.coordinate = coordinate(reading);
+}
+
+std::optional<ExifBlock> openIfThere(FileWindow& file, const std::optional<ByteRange>& range)
+{
+    return range ? ExifBlock::open(file, *range) : std::nullopt;
+}
+
+void readWhole(Reading& reading, FileWindow& file, ByteRange range)
+{
+    const auto block = ExifBlock::open(file, range);
+    if (!block)
+        return;
+    reading.exifDirectory = reading.gpsDirectory = 0;
+    readDirectory(reading, *block, block->firstDirectory(), mainRules);
+    if (reading.exifDirectory != 0)
+        readDirectory(reading, *block, reading.exifDirectory, exifRules);
+    // Raw files keep some or all of the same tags in their first directory (TIFF/EP, ISO 12234-2).
+    readDirectory(reading, *block, block->firstDirectory(), exifRules);
+    if (reading.gpsDirectory != 0)
+        readPosition(reading, *block, reading.gpsDirectory);
+}
+
 } // namespace
 
 ExifTags readExifTags(FileWindow& file, const MetadataBlocks& blocks)
@@ -173,14 +182,12 @@ ExifTags readExifTags(FileWindow& file, const MetadataBlocks& blocks)
     reading.tags = blocks.own;
     if (blocks.exif)
         readWhole(reading, file, *blocks.exif);
-    if (blocks.exifDirectory)
-        readFirstDirectory(reading, file, *blocks.exifDirectory, exifRules);
-    if (blocks.gpsDirectory)
-        readFirstDirectory(reading, file, *blocks.gpsDirectory, gpsRules);
+    if (const auto block = openIfThere(file, blocks.exifDirectory))
+        readDirectory(reading, *block, block->firstDirectory(), exifRules);
+    if (const auto block = openIfThere(file, blocks.gpsDirectory))
+        readPosition(reading, *block, block->firstDirectory());
     if (blocks.previewExif)
         readWhole(reading, file, *blocks.previewExif);
-    if (!reading.tags.coordinate)
-        reading.tags.coordinate = coordinate(reading);
     return reading.tags;
 }
 

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace korvo {
@@ -38,6 +39,26 @@ bool standsAsLine(const std::string& argument)
     return !argument.empty() && argument.find_first_of("\r\n") == argument.npos
         && std::string_view("# \t\v\f").find(argument.front()) == std::string_view::npos
         && argument.compare(assigned == argument.npos ? argument.size() : assigned, 2, "= ") != 0;
+}
+
+/// In an escaped line the tool leaves a backslash before each "$" and "@".
+bool standsEscaped(const std::string& argument)
+{
+    return standsAsLine(argument) || argument.find_first_of("$@") == argument.npos;
+}
+
+/// A value in HTML, from which the option -E has the tool make it again.
+std::string htmlLine(const std::string& argument)
+{
+    std::string line;
+    for (const char byte : argument)
+        if (byte == '&')
+            line += "&amp;";
+        else if (byte == '\n' || byte == '\r' || (byte == ' ' && line.ends_with('=')))
+            line += fmt::format("&#{};", static_cast<int>(byte));
+        else
+            line += byte;
+    return line;
 }
 
 std::string escapedLine(const std::string& argument)
@@ -112,15 +133,17 @@ ExifToolArguments copyCameraExifArguments(
 
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments)
 {
-    std::string lines;
-    for (const auto& argument : arguments) {
-        if (standsAsLine(argument))
+    const bool needHtml = !std::ranges::all_of(arguments, standsEscaped);
+    std::string lines = needHtml ? "-E\n" : "";
+    for (const auto& argument : arguments)
+        if (needHtml && argument.starts_with('-') && argument.find('=') != argument.npos)
+            lines += htmlLine(argument) + '\n';
+        else if (standsAsLine(argument))
             lines += argument + '\n';
-        else if (argument.find_first_of("$@") == argument.npos)
+        else if (standsEscaped(argument))
             lines += escapedLine(argument) + '\n';
         else
             return std::nullopt;
-    }
     return lines;
 }
 

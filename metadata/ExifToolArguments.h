@@ -27,8 +27,7 @@ ExifToolArguments stripGPSArguments(const std::filesystem::path& file);
 ExifToolArguments copyCameraExifArguments(
     const std::filesystem::path& source, const std::filesystem::path& destination, Position position);
 
-/// The arguments as lines for the tool's option -@. Nothing when they cannot be given that way: where an
-/// argument has to be escaped, the tool leaves a backslash before each "$" and "@".
+/// The arguments as lines for the tool's option -@. Nothing when a file's name cannot be given that way.
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments);
 
 } // namespace korvo

@@ -13,4 +13,11 @@ ExifToolError ExifToolError::failed(const std::string& message)
     return {Case::failed, message.empty() ? "exiftool failed." : message};
 }
 
+std::string textForUser(const ExifToolError& error)
+{
+    const bool missing = error.which() == ExifToolError::Case::notFound;
+    return std::string(error.what())
+        + (missing ? " On Debian and Ubuntu: apt install libimage-exiftool-perl" : "");
+}
+
 } // namespace korvo

@@ -21,4 +21,11 @@ private:
     Case which_;
 };
 
+/// What is shown in the settings while there is no exiftool.
+constexpr auto exiftoolRequired
+    = "exiftool is required to read & write metadata. Install with:  brew install exiftool";
+
+/// The error's text, and for a missing tool how to install it on this system.
+std::string textForUser(const ExifToolError& error);
+
 } // namespace korvo

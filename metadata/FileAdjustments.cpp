@@ -1,5 +1,6 @@
 #include "metadata/FileAdjustments.h"
 
+#include "metadata/ApertureFolders.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
 #include "metadata/MetadataFiles.h"
@@ -11,10 +12,10 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Changes one file and keeps its new date and size, unless somebody else had changed it before.
-void adjust(Catalog& catalog, const FileRecord& record, const RunExifTool& run,
+void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& run,
     const ChangeArguments& arguments, const std::stop_token& stop)
 {
-    const bool known = isAsKnown(record);
+    const bool known = isAsKnown(record, fileState(record.path));
     changeFile(run, record.path, arguments, stop);
     if (!known)
         return;
@@ -22,32 +23,40 @@ void adjust(Catalog& catalog, const FileRecord& record, const RunExifTool& run,
     catalog.fileChanged(record.id, state.date, state.size);
 }
 
-/// Changes the files one by one. What is done twice to a file would be wrong here, so that each call is a
-/// process of its own.
-FilesWritten adjustFiles(Catalog& catalog, std::span<const PhotoID> photos, const ExifTool& tool,
+/// Changes photo by photo, the catalog first, so that whatever ends this leaves one photo at most of which
+/// catalog and file differ. What is done twice to a file would be wrong here, so that each call is a process
+/// of its own.
+FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
+    const std::function<void(const FileRecord&)>& adjustCatalog, const ExifTool& tool,
     const ChangeArguments& arguments, const std::stop_token& stop, const FileProgress& progress)
 {
+    (void)tool.path(); // before anything is done
     FilesWritten result;
+    ApertureFolders aperture;
     const RunExifTool run = [&](const ExifToolArguments& call) { return tool.run(call, stop); };
-    const auto fail = [&](const FileRecord& record, const std::string& reason) {
-        result.failures.push_back({record.id, record.path.string() + ": " + reason});
-    };
-    for (std::size_t i = 0; i < photos.size() && !stop.stop_requested(); ++i) {
-        progress(i + 1, photos.size());
-        const auto record = catalog.fileRecord(photos[i]);
+    const auto ids = catalog.mastersOf(photos);
+    for (std::size_t i = 0; i < ids.size() && !stop.stop_requested(); ++i) {
+        progress(i + 1, ids.size());
+        const auto record = catalog.fileRecord(ids[i]);
         if (!record)
             continue;
+        const auto fail = [&](const std::string& reason) {
+            result.failures.push_back({record->id, record->path.string() + ": " + reason});
+        };
         try {
-            if (mayBeWritten(record->path))
-                adjust(catalog, *record, run, arguments, stop);
+            adjustCatalog(*record);
+            result.touched.push_back(record->id);
+            if (!aperture.hold(record->path))
+                changeOne(catalog, *record, run, arguments, stop);
             ++result.done;
         } catch (const ExifToolError& error) {
-            fail(*record, error.what());
+            fail(error.what());
+        } catch (const NotFoundError&) {
+            // It was removed meanwhile.
         } catch (const fs::filesystem_error& error) {
-            fail(*record, error.code().message());
+            fail(error.code().message());
         }
     }
-    result.touched.assign(photos.begin(), photos.end());
     result.stopped = stop.stop_requested();
     return result;
 }
@@ -57,42 +66,33 @@ FilesWritten adjustFiles(Catalog& catalog, std::span<const PhotoID> photos, cons
 FilesWritten shiftDates(Catalog& catalog, std::span<const PhotoID> photos, double seconds,
     const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
 {
-    (void)tool.path(); // before anything is done
-    const auto ids = catalog.mastersOf(photos);
-    {
-        Transaction transaction(catalog.database());
-        for (const PhotoID id : ids) {
-            if (!catalog.isCaptureDateRead(id))
-                catalog.storeCameraData(
-                    id, cameraData(readExif(catalog.fileRecord(id).value().path).value_or(PhotoExifInfo())));
-            catalog.shiftCaptureDate(id, seconds);
-        }
+    const auto inCatalog = [&](const FileRecord& record) {
+        std::optional<CameraData> unread;
+        if (!catalog.isCaptureDateRead(record.id))
+            unread = cameraData(readExif(record.path).value_or(PhotoExifInfo()));
+        Transaction transaction(catalog.database()); // begun only now, since files may be slow
+        if (unread)
+            catalog.storeCameraData(record.id, *unread);
+        catalog.shiftCaptureDate(record.id, seconds);
         transaction.commit();
-    }
-    return adjustFiles(
-        catalog, ids, tool, [&](const fs::path& file) { return shiftDatesArguments(seconds, file); }, stop,
-        progress);
+    };
+    return adjust(
+        catalog, photos, inCatalog, tool,
+        [&](const fs::path& file) { return shiftDatesArguments(seconds, file); }, stop, progress);
 }
 
 FilesWritten setLocation(Catalog& catalog, std::span<const PhotoID> photos,
     const std::optional<Coordinate>& position, const ExifTool& tool, const std::stop_token& stop,
     const FileProgress& progress)
 {
-    (void)tool.path();
-    const auto ids = catalog.mastersOf(photos);
-    {
-        Transaction transaction(catalog.database());
-        for (const PhotoID id : ids)
-            catalog.setUserPosition(id, position ? std::optional(position->latitude) : std::nullopt,
-                position ? std::optional(position->longitude) : std::nullopt);
-        transaction.commit();
-    }
-    return adjustFiles(
-        catalog, ids, tool,
-        [&](const fs::path& file) {
-            return position ? writeGPSArguments(*position, file) : stripGPSArguments(file);
-        },
-        stop, progress);
+    const auto inCatalog = [&](const FileRecord& record) {
+        catalog.setUserPosition(record.id, position ? std::optional(position->latitude) : std::nullopt,
+            position ? std::optional(position->longitude) : std::nullopt);
+    };
+    const auto inFile = [&](const fs::path& file) {
+        return position ? writeGPSArguments(*position, file) : stripGPSArguments(file);
+    };
+    return adjust(catalog, photos, inCatalog, tool, inFile, stop, progress);
 }
 
 } // namespace korvo

@@ -5,10 +5,10 @@
 
 namespace korvo {
 
-/// Moves the capture dates of photos by some seconds, in the catalog as a whole or not at all, and then in
-/// their files, each of which may fail by itself. Dates that were not read yet are read first. The originals
-/// inside an Aperture library keep theirs. Throws ExifToolError::Case::notFound, with nothing done, and
-/// DatabaseError.
+/// Moves the capture dates of photos by some seconds, photo by photo in the catalog and then in the file,
+/// where it may fail. Dates that were not read yet are read first. A stop leaves the remaining photos as they
+/// are; a file whose change it cuts off counts as failed. The originals inside an Aperture library keep their
+/// dates. Throws ExifToolError::Case::notFound, with nothing done, and DatabaseError.
 FilesWritten shiftDates(Catalog& catalog, std::span<const PhotoID> photos, double seconds,
     const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
 

@@ -26,7 +26,7 @@ struct ByteRange {
     ByteRange first(std::uint64_t count) const { return {offset, std::min(count, length)}; }
 };
 
-/// The few bytes of one file that its metadata are read from. The first 64 KiB are read at once, which is all
+/// The few bytes of one file that its metadata are read from. The first 16 KiB are read at once, which is all
 /// that most photos need; ranges beyond are read when asked for, in total at most twice the file's size and 4
 /// MiB. Bytes given out stay valid as long as the window.
 class FileWindow {

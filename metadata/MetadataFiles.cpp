@@ -2,7 +2,10 @@
 
 #include "base/Json.h"
 #include "base/Text.h"
+#include "metadata/CameraFacts.h"
+#include "metadata/DescriptiveReader.h"
 #include "metadata/ExifToolRecords.h"
+#include "metadata/MetadataError.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +26,8 @@ constexpr double sameDate = 0.001;
 /// The tool's unfinished file: while it is there the tool refuses to write. After this time without a change
 /// nobody works on it any more.
 constexpr auto abandonedAfter = 10s;
+/// So much older than our clock says, its date shows that already.
+constexpr auto surelyAbandonedAfter = 1min;
 constexpr auto timeBetweenLooks = 100ms;
 
 std::vector<ExifToolRecord> read(const RunExifTool& run, std::span<const fs::path> files)
@@ -32,12 +37,32 @@ try {
     throw ExifToolError::failed(std::string("exiftool's answer cannot be read: ") + error.what());
 }
 
+PhotoMetadata ownReading(const fs::path& file)
+try {
+    return photoMetadata(readDescriptive(file));
+} catch (const MetadataError&) {
+    return {}; // what the tool says stands then
+}
+
+/// The tool's JSON makes "TRUE" a lower-case truth value; our own reader knows how it was written.
+PhotoMetadata fieldsIn(const ExifToolRecord& record, const fs::path& file)
+{
+    auto fields = descriptiveFields(record);
+    const auto isTruth = [](const SharedText& text) { return text == "true" || text == "false"; };
+    forEachField<PhotoMetadata>([&](const auto& field) {
+        if (auto& value = fields.*field.member; isTruth(value))
+            if (const auto own = ownReading(file).*field.member; asciiLower(own.view()) == value.view())
+                value = own;
+    });
+    return fields;
+}
+
 FieldsInFile readAlone(const RunExifTool& run, const fs::path& file)
 try {
     const auto records = read(run, std::span(&file, 1));
     if (records.size() != 1)
         throw ExifToolError::failed("");
-    return {descriptiveFields(records.front()), ""};
+    return {fieldsIn(records.front(), file), ""};
 } catch (const ExifToolError& error) {
     return {std::nullopt, error.what()};
 }
@@ -54,15 +79,19 @@ try {
 bool clearUnfinished(const fs::path& unfinished, const std::stop_token& stop)
 {
     std::error_code gone; // it may vanish at any time, which is what we wait for
-    while (!stop.stop_requested()) {
-        const auto changed = fs::last_write_time(unfinished, gone);
-        if (gone)
-            return true;
-        if (fs::file_time_type::clock::now() - changed > abandonedAfter)
+    auto changed = fs::last_write_time(unfinished, gone);
+    auto since = std::chrono::steady_clock::now(); // dates may come from another clock
+    while (!gone && !stop.stop_requested()) {
+        if (fs::file_time_type::clock::now() - changed > surelyAbandonedAfter
+            || std::chrono::steady_clock::now() - since > abandonedAfter)
             return fs::remove(unfinished, gone);
         std::this_thread::sleep_for(timeBetweenLooks);
+        if (const auto now = fs::last_write_time(unfinished, gone); now != changed) {
+            changed = now;
+            since = std::chrono::steady_clock::now();
+        }
     }
-    return false;
+    return static_cast<bool>(gone);
 }
 
 } // namespace
@@ -80,21 +109,11 @@ std::vector<FieldsInFile> readFields(
             break;
         // Names that are not UTF-8 do not come back as they were, and might be taken for one another.
         if (const auto record = found.find(file.native()); record != found.end() && isUtf8(file.native()))
-            results.push_back({descriptiveFields(*record->second), ""});
+            results.push_back({fieldsIn(*record->second, file), ""});
         else
             results.push_back(readAlone(run, file));
     }
     return results;
-}
-
-bool mayBeWritten(const fs::path& file)
-{
-    std::error_code unresolved; // a file that is gone is not written either way
-    for (const auto& path : {file, fs::weakly_canonical(file, unresolved)})
-        for (const auto& folder : path.parent_path())
-            if (asciiLower(folder.extension().native()) == ".aplibrary")
-                return false;
-    return true;
 }
 
 FileState fileState(const fs::path& file)
@@ -102,9 +121,8 @@ FileState fileState(const fs::path& file)
     return {modificationTime(file), static_cast<std::int64_t>(fs::file_size(file))};
 }
 
-bool isAsKnown(const FileRecord& record)
+bool isAsKnown(const FileRecord& record, const FileState& state)
 {
-    const auto state = fileState(record.path);
     return record.fileSize == state.size && record.fileDate
         && std::abs(*record.fileDate - state.date) < sameDate;
 }
@@ -125,14 +143,21 @@ void changeFile(const RunExifTool& run, const fs::path& file, const ChangeArgume
     }
 }
 
-PhotoMetadata completedFrom(const PhotoMetadata& record, const PhotoMetadata& inFile)
+std::optional<PhotoMetadata> mergedWith(
+    const PhotoMetadata& inFile, const FileRecord& record, const FileState& state)
 {
-    auto fields = record;
+    const bool isChanged = record.base && record.fileSize && !isAsKnown(record, state);
+    bool clash = false;
+    auto merged = record.metadata;
     forEachField<PhotoMetadata>([&](const auto& field) {
-        if ((fields.*field.member).empty())
-            fields.*field.member = inFile.*field.member;
+        auto& ours = merged.*field.member;
+        const auto& theirs = inFile.*field.member;
+        if (record.base ? ours == (*record.base).*field.member : ours.empty())
+            ours = theirs;
+        else if (isChanged && ours != theirs && theirs != (*record.base).*field.member)
+            clash = true;
     });
-    return fields;
+    return clash ? std::nullopt : std::optional(std::move(merged));
 }
 
 } // namespace korvo

@@ -21,18 +21,17 @@ struct FieldsInFile {
 std::vector<FieldsInFile> readFields(
     const RunExifTool& run, std::span<const std::filesystem::path> files, const std::stop_token& stop);
 
-/// Whether a file may be changed at all: the originals inside an Aperture library never are.
-bool mayBeWritten(const std::filesystem::path& file);
-
 /// The date and size of a file. Throws std::filesystem::filesystem_error.
 struct FileState {
     UnixTime date = 0;
     std::int64_t size = 0;
+
+    friend bool operator==(const FileState&, const FileState&) = default;
 };
 FileState fileState(const std::filesystem::path& file);
 
-/// Whether the file is as the catalog read or wrote it last. Throws likewise.
-bool isAsKnown(const FileRecord& record);
+/// Whether a file in this state is as the catalog read or wrote it last.
+bool isAsKnown(const FileRecord& record, const FileState& state);
 
 /// The call of the tool that changes a file.
 using ChangeArguments = std::function<ExifToolArguments(const std::filesystem::path&)>;
@@ -42,7 +41,10 @@ using ChangeArguments = std::function<ExifToolArguments(const std::filesystem::p
 void changeFile(const RunExifTool& run, const std::filesystem::path& file, const ChangeArguments& arguments,
     const std::stop_token& stop);
 
-/// The fields of `record` with those that are empty taken from the file.
-PhotoMetadata completedFrom(const PhotoMetadata& record, const PhotoMetadata& inFile);
+/// What the file is to hold. A field that the user has not changed since the catalog and the file last agreed
+/// is the file's, also when the file was changed elsewhere or was read wrongly. Nothing when, in a file that
+/// was changed elsewhere, the same field was given another value.
+std::optional<PhotoMetadata> mergedWith(
+    const PhotoMetadata& inFile, const FileRecord& record, const FileState& state);
 
 } // namespace korvo

@@ -1,11 +1,13 @@
 #include "metadata/MetadataSave.h"
 
 #include "base/Json.h"
+#include "catalog/DatabaseError.h"
+#include "metadata/ApertureFolders.h"
 #include "metadata/KeptExifTool.h"
 #include "metadata/MetadataFiles.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <unordered_map>
 
 namespace korvo {
 
@@ -33,28 +35,28 @@ public:
 
     FilesWritten save(std::span<const PhotoID> photos)
     {
-        while (!photos.empty() && !stop_.stop_requested()) {
-            const auto batch = photos.first(std::min(photos.size(), filesPerRead));
-            const auto ready = prepare(batch);
-            for (const PhotoID id : batch) {
-                announce();
-                if (ready.contains(id) && !stop_.stop_requested())
-                    attempt(id, [&] { saveOne(id); });
+        return untilFault([&] {
+            for (auto rest = photos; !rest.empty() && !stop_.stop_requested();) {
+                const auto batch = rest.first(std::min(rest.size(), filesPerRead));
+                prepare(batch);
+                for (const PhotoID id : batch) {
+                    announce();
+                    if (seen_.contains(id) && !stop_.stop_requested())
+                        attempt(id, [&](const FileRecord& record) { saveOne(record); });
+                }
+                rest = rest.subspan(batch.size());
             }
-            photos = photos.subspan(batch.size());
-        }
-        return finish();
+        });
     }
 
     FilesWritten revert(std::span<const PhotoID> photos)
     {
-        for (const PhotoID id : photos) {
-            if (stop_.stop_requested())
-                break;
-            announce();
-            attempt(id, [&] { revertOne(id); });
-        }
-        return finish();
+        return untilFault([&] {
+            for (std::size_t i = 0; i < photos.size() && !stop_.stop_requested(); ++i) {
+                announce();
+                attempt(photos[i], [&](const FileRecord& record) { revertOne(record); });
+            }
+        });
     }
 
 private:
@@ -69,6 +71,22 @@ private:
         result_.failures.push_back({record.id, record.path.string() + ": " + reason});
     }
 
+    /// What is written stays written when the catalog fails later.
+    template <typename Work>
+    FilesWritten untilFault(Work work)
+    {
+        try {
+            work();
+        } catch (const DatabaseError& error) {
+            result_.fault = error.what();
+        }
+        std::sort(result_.touched.begin(), result_.touched.end());
+        result_.touched.erase(
+            std::unique(result_.touched.begin(), result_.touched.end()), result_.touched.end());
+        result_.stopped = stop_.stop_requested();
+        return std::move(result_);
+    }
+
     /// A file that cannot be worked on is counted, and the others go on.
     template <typename Work>
     void attempt(PhotoID id, Work work)
@@ -78,7 +96,7 @@ private:
             return;
         result_.touched.push_back(id);
         try {
-            work();
+            work(*record);
         } catch (const ExifToolError& error) {
             if (!stop_.stop_requested()) // else it is we who ended the tool
                 fail(*record, error.what());
@@ -92,61 +110,59 @@ private:
         }
     }
 
-    FilesWritten finish()
+    /// Keeps what the files hold that are about to be written for the first time, and brings the catalog up
+    /// to date with those that were changed elsewhere. What may be written then is in `seen_`.
+    void prepare(std::span<const PhotoID> batch)
     {
-        std::sort(result_.touched.begin(), result_.touched.end());
-        result_.touched.erase(
-            std::unique(result_.touched.begin(), result_.touched.end()), result_.touched.end());
-        result_.stopped = stop_.stop_requested();
-        return std::move(result_);
-    }
-
-    /// Keeps what the files hold that are about to be written for the first time, and completes what the
-    /// catalog holds of those that have changed. Returns the photos that may be written now.
-    std::unordered_set<PhotoID> prepare(std::span<const PhotoID> batch)
-    {
-        std::unordered_set<PhotoID> ready;
-        std::vector<FileRecord> unread;
-        for (const PhotoID id : batch)
-            attempt(id, [&] {
-                auto record = catalog_.fileRecord(id).value();
-                if (record.backup.empty() || !isAsKnown(record))
-                    unread.push_back(std::move(record));
-                else
-                    ready.insert(id);
-            });
+        std::vector<PhotoID> unread;
         std::vector<fs::path> files;
-        for (const auto& record : unread)
-            files.push_back(record.path);
+        std::vector<FileState> states; // from before the reading
+        for (const PhotoID id : batch)
+            attempt(id, [&](const FileRecord& record) {
+                const auto state = fileState(record.path);
+                if (!record.backup.empty() && isAsKnown(record, state)) {
+                    seen_[id] = state;
+                    return;
+                }
+                unread.push_back(id);
+                files.push_back(record.path);
+                states.push_back(state);
+            });
         const auto found = readFields(run_, files, stop_);
         Transaction transaction(catalog_.database());
         for (std::size_t i = 0; i < found.size(); ++i)
-            attempt(unread[i].id, [&] {
+            attempt(unread[i], [&](const FileRecord& record) {
                 if (!found[i].fields)
                     throw ExifToolError::failed(found[i].failure);
-                keep(unread[i], *found[i].fields);
-                ready.insert(unread[i].id);
+                keep(record, *found[i].fields, states[i]);
+                seen_[record.id] = states[i];
             });
         transaction.commit();
-        return ready;
     }
 
-    void keep(const FileRecord& before, const PhotoMetadata& inFile)
+    void keep(const FileRecord& record, const PhotoMetadata& inFile, const FileState& state)
     {
-        catalog_.storeMetadataBackup(before.id, toJson(inFile));
-        if (isAsKnown(before))
-            return;
-        const auto current = catalog_.fileRecord(before.id).value().metadata;
-        if (const auto completed = completedFrom(current, inFile); completed != current)
-            catalog_.setMetadata(before.id, completed, WriteBack::pending);
+        catalog_.storeMetadataBackup(record.id, toJson(inFile));
+        const auto merged = mergedWith(inFile, record, state);
+        if (!merged) {
+            catalog_.metadataSeen(record.id, inFile, state.date, state.size); // the user knows of it now
+            throw ExifToolError::failed("was changed by another program as well; "
+                                        "saving again replaces what that wrote with what the library holds");
+        }
+        if (*merged != record.metadata)
+            catalog_.setMetadata(record.id, *merged, WriteBack::pending);
     }
 
-    void saveOne(PhotoID id)
+    void saveOne(const FileRecord& record)
     {
-        const auto record = catalog_.fileRecord(id);
-        if (!record || !record->dirty)
+        if (!record.dirty)
             return;
-        write(*record, record->metadata);
+        if (fileState(record.path) == seen_.at(record.id))
+            return write(record, record.metadata);
+        seen_.erase(record.id); // another program wrote it while it waited here
+        prepare(std::span(&record.id, 1));
+        if (const auto merged = catalog_.fileRecord(record.id); merged && seen_.contains(record.id))
+            write(*merged, merged->metadata);
     }
 
     void write(const FileRecord& record, const PhotoMetadata& metadata)
@@ -158,14 +174,13 @@ private:
         ++result_.done;
     }
 
-    void revertOne(PhotoID id)
+    void revertOne(const FileRecord& record)
     {
-        const auto record = catalog_.fileRecord(id).value();
         if (record.backup.empty())
             return readAgain(record);
         const auto found = fromJson<PhotoMetadata>(record.backup);
         // It waits until the file is written, so that a failure or a crash leaves it marked.
-        catalog_.setMetadata(id, found, WriteBack::pending);
+        catalog_.setMetadata(record.id, found, WriteBack::pending);
         write(record, found);
     }
 
@@ -189,31 +204,51 @@ private:
     std::size_t number_ = 0;
     KeptExifTool kept_;
     RunExifTool run_;
+    std::unordered_map<PhotoID, FileState> seen_; // the files that may be written, as they were looked at
     FilesWritten result_;
 };
 
-} // namespace
-
+/// The masters of the photos, each once, whose files may be written.
 std::vector<PhotoID> writableMasters(Catalog& catalog, std::span<const PhotoID> photos)
 {
+    ApertureFolders aperture;
     auto masters = catalog.mastersOf(photos);
     std::erase_if(masters, [&](PhotoID id) {
         const auto record = catalog.fileRecord(id);
-        return !record || !mayBeWritten(record->path);
+        return !record || aperture.hold(record->path);
     });
     return masters;
+}
+
+} // namespace
+
+bool allInApertureLibraries(Catalog& catalog, std::span<const PhotoID> photos)
+{
+    ApertureFolders aperture;
+    bool any = false;
+    for (const PhotoID id : photos)
+        if (const auto record = catalog.fileRecord(catalog.masterOf(id))) {
+            if (!aperture.hold(record->path))
+                return false;
+            any = true;
+        }
+    return any;
 }
 
 FilesWritten saveMetadata(
     Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
 {
-    std::vector<PhotoID> dirty;
-    for (const auto& item : catalog.dirtyPhotos())
-        dirty.push_back(item.id);
+    const auto dirty = catalog.dirtyPhotos();
     const auto photos = writableMasters(catalog, dirty);
+    std::vector<PhotoID> passedOver;
+    std::ranges::set_difference(dirty, photos, std::back_inserter(passedOver));
+    for (const PhotoID id : passedOver)
+        catalog.clearDirty(id);
     if (photos.empty())
-        return {};
-    return Writing(catalog, tool, stop, progress, photos.size()).save(photos);
+        return {.touched = passedOver};
+    auto result = Writing(catalog, tool, stop, progress, photos.size()).save(photos);
+    result.touched.insert(result.touched.end(), passedOver.begin(), passedOver.end());
+    return result;
 }
 
 FilesWritten revertMetadata(Catalog& catalog, std::span<const PhotoID> photos, const ExifTool& tool,

@@ -22,6 +22,7 @@ struct FilesWritten {
     std::vector<FileFailure> failures;
     std::vector<PhotoID> touched; // photos whose rows may have changed
     bool stopped = false;
+    std::string fault; // of the catalog, which ended it early; empty otherwise
 };
 
 /// Called before each file with its number, from 1, and how many there are.
@@ -29,10 +30,11 @@ using FileProgress = std::function<void(std::size_t number, std::size_t total)>;
 
 /// Writes the descriptive fields of all photos that wait for it into their files. What a file held when it
 /// was found is kept before it is written for the first time; a file of which that cannot be read is not
-/// written. Where a file has changed since it was read, or was never read, fields that are empty in the
-/// catalog are taken from it first. A photo waits no longer once its file is written: whatever ends this, the
-/// next call goes on. The originals inside an Aperture library are passed over. Throws
-/// ExifToolError::Case::notFound, with nothing done, and DatabaseError.
+/// written. Of a file that is written for the first time or was changed elsewhere, the fields that the user
+/// has not touched are taken into the catalog first; where both sides changed the same field, the photo fails
+/// once, and the next save writes it. A photo waits no longer once its file is written: whatever ends this,
+/// the next call goes on. The originals inside an Aperture library are passed over and wait no longer. Throws
+/// ExifToolError::Case::notFound, with nothing done, and DatabaseError when nothing could be begun.
 FilesWritten saveMetadata(
     Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
 
@@ -42,7 +44,7 @@ FilesWritten saveMetadata(
 FilesWritten revertMetadata(Catalog& catalog, std::span<const PhotoID> photos, const ExifTool& tool,
     const std::stop_token& stop, const FileProgress& progress);
 
-/// The masters of the photos, each once, without those whose files must not be written.
-std::vector<PhotoID> writableMasters(Catalog& catalog, std::span<const PhotoID> photos);
+/// Whether the photos that the catalog holds, one at least, all lie in Aperture libraries.
+bool allInApertureLibraries(Catalog& catalog, std::span<const PhotoID> photos);
 
 } // namespace korvo

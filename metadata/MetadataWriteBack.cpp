@@ -43,6 +43,20 @@ std::string revertSummary(const FilesWritten& result)
                                    : partly("Reverted", result);
 }
 
+AutosaveTexts autosaveTexts(MetadataWriteBack::Autosave autosave)
+{
+    return {"Write metadata into files automatically",
+        autosave == MetadataWriteBack::Autosave::on ? "ALT text, title, caption, keywords, creator, and "
+                                                      "copyright are written into your files a moment "
+                                                      "after you stop typing — along with any other photos "
+                                                      "still waiting to be saved. Revert Metadata "
+                                                      "(File menu) restores a file's as-found state."
+                                                    : "ALT text, title, caption, keywords, creator, and "
+                                                      "copyright wait in the library until you Save to "
+                                                      "Files (⌘S).",
+        "Adjustments are never written into originals — they render into exports and galleries."};
+}
+
 std::string revertQuestion(std::size_t photos)
 {
     return "Restores ALT text, title, caption, keywords, creator, and copyright on "
@@ -57,7 +71,10 @@ MetadataWriteBack::MetadataWriteBack(
       autosave_(defaults.get(autosaveKey) == "1" ? Autosave::on : Autosave::off),
       dirtyCount_(store.catalog().dirtyCount()),
       storeChanged_(store.changed.connect([this](const LibraryChange& change) { libraryChanged(change); }))
-{ }
+{
+    if (autosave_ == Autosave::on && dirtyCount_ > 0)
+        scheduleAutosave();
+}
 
 void MetadataWriteBack::setAutosaveToFiles(Autosave autosave)
 {
@@ -77,7 +94,7 @@ void MetadataWriteBack::libraryChanged(const LibraryChange& change)
         dirtyCount_ = count;
         changed.emit();
     }
-    if (autosave_ == Autosave::on && !publishing_ && store_.catalog().anyDirty(change.photos))
+    if (autosave_ == Autosave::on && change.metadata && store_.catalog().anyDirty(change.photos))
         scheduleAutosave();
 }
 
@@ -106,13 +123,15 @@ void MetadataWriteBack::saveMetadataToFiles()
 void MetadataWriteBack::revertMetadataToAsFound(std::span<const PhotoID> photos)
 {
     main_.assertCurrent();
+    if (photos.empty())
+        return;
     if (saving_)
         throw RevertRefused(RevertRefused::Case::busy);
-    auto masters = writableMasters(store_.catalog(), photos);
-    if (masters.empty() && !photos.empty())
+    if (allInApertureLibraries(store_.catalog(), photos))
         throw RevertRefused(RevertRefused::Case::apertureOriginals);
     begin("Reverting", revertSummary,
-        [&tool = tool_, ids = std::move(masters)](Catalog& catalog, const std::stop_token& stop,
+        [&tool = tool_, ids = std::vector(photos.begin(), photos.end())](Catalog& catalog,
+            const std::stop_token& stop,
             const FileProgress& progress) { return revertMetadata(catalog, ids, tool, stop, progress); });
 }
 
@@ -132,10 +151,10 @@ void MetadataWriteBack::begin(std::string verb, std::string (*summary)(const Fil
                 auto result = job(catalog, context.stopToken(), [&](std::size_t number, std::size_t total) {
                     context.deliver([=, this] { say(fmt::format("{} {} of {}…", doing, number, total)); });
                 });
-                const auto message = summary(result);
+                const auto message = result.fault.empty() ? summary(result) : result.fault;
                 deliver(std::move(result), message, false);
             } catch (const ExifToolError& error) {
-                deliver({}, error.what(), error.which() == ExifToolError::Case::notFound);
+                deliver({}, textForUser(error), error.which() == ExifToolError::Case::notFound);
             } catch (const std::exception& error) { // of the catalog: what was not written waits on
                 deliver({}, error.what(), false);
             }
@@ -153,9 +172,7 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
 {
     saving_ = false;
     statusMessage_ = std::move(message);
-    publishing_ = true;
     store_.photosChanged(store_.catalog().withVersions(result.touched));
-    publishing_ = false;
     dirtyCount_ = store_.catalog().dirtyCount();
     changed.emit();
 }

@@ -26,7 +26,8 @@ private:
 std::string saveSummary(const FilesWritten& result);
 std::string revertSummary(const FilesWritten& result);
 
-/// What the user is asked before a revert, under the title "Revert metadata?".
+/// What the user is asked before a revert, and the title above it.
+constexpr auto revertTitle = "Revert metadata?";
 std::string revertQuestion(std::size_t photos);
 
 /// Keeps files in step with the descriptive metadata of the open library: saving on command or by itself, and
@@ -73,12 +74,17 @@ private:
     Autosave autosave_;
     std::int64_t dirtyCount_;
     bool saving_ = false;
-    bool publishing_ = false; // what we change ourselves asks for no further save
     bool exiftoolMissing_ = false;
     std::string statusMessage_;
     Connection storeChanged_;
     MainThread::Timer autosaveTask_;
     Task task_; // last, so that it ends first
 };
+
+/// What the settings say of saving by itself: the switch, what it means as it stands, and a word of comfort.
+struct AutosaveTexts {
+    std::string_view label, explanation, note;
+};
+AutosaveTexts autosaveTexts(MetadataWriteBack::Autosave autosave);
 
 } // namespace korvo

@@ -20,6 +20,7 @@ sigset_t interrupts()
 
 Interrupt::Interrupt()
 {
+    std::signal(SIGCHLD, SIG_DFL); // where it is ignored, which is inherited, programs end without a status
     const sigset_t set = interrupts();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     waiter_ = std::jthread([this, set](const std::stop_token& ended) {

@@ -42,10 +42,7 @@ FilesWritten withProgress(const Context& context, const char* verb, const Work& 
             progress.setDone(number);
         });
     } catch (const ExifToolError& error) {
-        if (error.which() != ExifToolError::Case::notFound)
-            throw;
-        throw std::runtime_error(
-            std::string(error.what()) + " On Debian and Ubuntu: apt install libimage-exiftool-perl");
+        throw std::runtime_error(textForUser(error));
     }
 }
 
@@ -53,6 +50,8 @@ ExitCode report(Context& context, const FilesWritten& result, const char* key, c
 {
     for (const auto& failure : result.failures)
         context.fail(failure.message);
+    if (!result.fault.empty())
+        context.fail(result.fault);
     if (context.options().json)
         context.print(fmt::format(R"({{"{}":{},"failed":{}}})", key, result.done, result.failures.size()));
     else if (!result.stopped)
@@ -104,7 +103,7 @@ std::string infoText(const PhotoExifInfo& info)
     line("captured", info.captureDate);
     line("size", info.pixelSize);
     if (info.coordinate)
-        line("position", fmt::format("{} {}", info.coordinate->latitude, info.coordinate->longitude));
+        line("position", fmt::format("{:.6f} {:.6f}", info.coordinate->latitude, info.coordinate->longitude));
     return text;
 }
 
@@ -130,6 +129,8 @@ std::size_t readAll(Context& context, Backfill kind)
 ExitCode infoCommand(Context& context, const std::filesystem::path& file)
 {
     const auto info = readFileMetadata(file).exif;
+    if (info == PhotoExifInfo())
+        throw std::runtime_error(file.string() + " holds no camera data that Korvo can read");
     context.print(context.options().json ? infoJSON(info) : infoText(info));
     return ExitCode::done;
 }
@@ -184,7 +185,7 @@ ExitCode revertCommand(Context& context, const PhotoArguments& arguments)
 {
     const auto ids = context.photos(arguments);
     auto& catalog = context.library();
-    if (!ids.empty() && writableMasters(catalog, ids).empty())
+    if (allInApertureLibraries(catalog, ids))
         throw RevertRefused(RevertRefused::Case::apertureOriginals);
     const auto result
         = withProgress(context, "Reverting", [&](const ExifTool& tool, const FileProgress& progress) {

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
@@ -20,6 +21,7 @@ using namespace std::chrono_literals;
 
 constexpr auto timeToTidyUp = 2s;
 constexpr auto timeBetweenLooks = 5ms;
+constexpr int unknownStatus = 255;
 
 [[noreturn]] void failToLaunch(const std::string& program, int reason)
 {
@@ -118,6 +120,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command)
     in = unblocked(std::move(input.writeEnd));
     out = unblocked(std::move(output.readEnd));
     err = unblocked(std::move(errors.readEnd));
+    ended = PosixFile(static_cast<int>(syscall(SYS_pidfd_open, id_, 0)));
 }
 
 ChildProcess::~ChildProcess()
@@ -131,14 +134,20 @@ int ChildProcess::wait()
     while (!status_)
         if (waitpid(id_, &waited, 0) == id_)
             status_ = statusOf(waited);
+        else if (errno != EINTR) // whoever started us ignores the ends of children, and the system with it
+            status_ = unknownStatus;
     return *status_;
 }
 
 std::optional<int> ChildProcess::statusIfEnded()
 {
     int waited = 0;
-    if (!status_ && waitpid(id_, &waited, WNOHANG) == id_)
+    if (status_)
+        return status_;
+    if (const auto child = waitpid(id_, &waited, WNOHANG); child == id_)
         status_ = statusOf(waited);
+    else if (child < 0 && errno != EINTR)
+        status_ = unknownStatus;
     return status_;
 }
 

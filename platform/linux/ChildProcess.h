@@ -10,7 +10,7 @@
 namespace korvo {
 
 /// A child process with a pipe to each of its standard streams. Our ends of them never block. It is
-/// interrupted when the thread that made it ends; destroying it ends it with its whole group.
+/// interrupted when the thread that made it ends; destroying it, while it runs, ends it with its whole group.
 class ChildProcess {
 public:
     /// Throws ProcessError (launch).
@@ -28,6 +28,7 @@ public:
     PosixFile in; // what it reads
     PosixFile out;
     PosixFile err;
+    PosixFile ended; // becomes readable with its end; not there where the system cannot tell
 
 private:
     std::optional<int> statusIfEnded();

@@ -14,6 +14,8 @@ namespace {
 
 using Case = ProcessError::Case;
 
+constexpr std::size_t longestOutput = 256 << 20;
+
 constexpr auto neverWhole = [](const ProcessOutput&) { return false; };
 
 /// A descriptor that becomes readable with a stop request, so that poll wakes up.
@@ -52,6 +54,11 @@ void receive(PosixFile& pipe, std::string& text)
         pipe = PosixFile();
 }
 
+[[noreturn]] void throwStopped()
+{
+    throw ProcessError(Case::stopped, "The program was stopped.");
+}
+
 enum class AfterInput { keepOpen, close };
 
 /// Sends input and gathers both outputs, whichever comes, so that neither side ever waits for the other.
@@ -70,17 +77,30 @@ bool converse(ChildProcess& child, std::string_view input, AfterInput afterInput
         if (poll(waits.data(), waits.size(), -1) < 0)
             continue; // a signal
         if (waits[3].revents)
-            throw ProcessError(Case::stopped, "The program was stopped.");
+            throwStopped();
         if (waits[0].revents)
             send(input, child.in);
         if (waits[1].revents)
             receive(child.out, output.out);
         if (waits[2].revents)
             receive(child.err, output.err);
+        if (output.out.size() + output.err.size() > longestOutput)
+            throw ProcessError(Case::ended, "The program writes without end.");
         if (isWhole(output))
             return true;
     }
     return false;
+}
+
+/// A program may close its outputs and run on.
+int statusAtEnd(ChildProcess& child, const std::stop_token& stop)
+{
+    const StopEvent stopEvent(stop);
+    std::array<pollfd, 2> waits{{{child.ended.descriptor(), POLLIN, 0}, {stopEvent.descriptor(), POLLIN, 0}}};
+    while (child.ended && !waits[0].revents)
+        if (poll(waits.data(), waits.size(), -1) > 0 && waits[1].revents)
+            throwStopped();
+    return child.wait();
 }
 
 class SystemProcess : public RunningProcess {
@@ -107,7 +127,7 @@ ProcessOutput SystemProcessLauncher::run(
     ChildProcess child(command);
     ProcessOutput output;
     converse(child, input, AfterInput::close, output, neverWhole, stop);
-    output.status = child.wait();
+    output.status = statusAtEnd(child, stop);
     return output;
 }
 

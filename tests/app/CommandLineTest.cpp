@@ -1,26 +1,15 @@
 #include "base/Json.h"
 #include "catalog/PhotoItem.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/app/KorvoProgram.h"
 
 #include <gtest/gtest.h>
-
-#include <sys/wait.h>
-
-#include <cstdlib>
-#include <filesystem>
 
 namespace korvo {
 
 namespace {
 
-struct Outcome {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
-
-/// The program with preferences of its own, and the library in which the test's photos are.
-class CommandLine : public ::testing::Test {
+/// The program with the library in which the test's photos are.
+class CommandLine : public ::testing::Test, protected KorvoProgram {
 protected:
     CommandLine()
     {
@@ -29,21 +18,6 @@ protected:
         run("create " + (folder / "Library").string());
         run("--quiet add " + (folder / "photos").string());
     }
-
-    /// Runs "korvo" with arguments as a shell would split them.
-    Outcome run(const std::string& arguments, const std::string& input = {}) const
-    {
-        folder.write("in", input);
-        const auto at = [&](const char* name) { return "'" + (folder / name).string() + "'"; };
-        const int status = std::system(("env -u KORVO_LIBRARY KORVO_CONFIG=" + at("config") + " "
-            + KORVO_PROGRAM + " " + arguments + " <" + at("in") + " >" + at("out") + " 2>" + at("err"))
-                                           .c_str());
-        return {WEXITSTATUS(status), readFile(folder / "out"), readFile(folder / "err")};
-    }
-
-    std::string json(const std::string& arguments) const { return run("--json " + arguments).out; }
-
-    TemporaryFolder folder;
 };
 
 } // namespace

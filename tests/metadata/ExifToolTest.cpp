@@ -120,10 +120,12 @@ TEST(ExifTool, keepsEveryCharacterInEitherWayOfCalling)
     for (int i = 0; i < 60'000; ++i)
         flowers += "🌸";
     longEmoji.caption = SharedText(flowers);
+    PhotoMetadata longAwkward;
+    longAwkward.caption = SharedText(" $@\n&amp; " + flowers); // longer than an argument may be
     PhotoMetadata withoutDollar = awkward;
     withoutDollar.altText = "ALT\nof \"two\" lines\r\n\\n \\";
     int written = 0;
-    for (const auto& metadata : {awkward, withoutDollar, longEmoji, PhotoMetadata()}) {
+    for (const auto& metadata : {awkward, withoutDollar, longEmoji, longAwkward, PhotoMetadata()}) {
         std::string bytes[2];
         for (int way = 0; way < 2; ++way) {
             const auto file = folder.write("-n\xff\n" + std::to_string(written) + ".jpg",

@@ -88,7 +88,8 @@ TEST_F(MetadataSave, writesTheFieldsAndNothingElseAndKeepsWhatTheFileHeldAtFirst
         photos.inFile(1), (DescriptiveFields{"xmp-alt", "new", "", {"a", "b"}, "xmp-creator", "xmp-rights"}));
     EXPECT_EQ(pictureData(readFile(photos.item(1).path())), pictureData(photos.contents));
     EXPECT_EQ(photos.catalog->dirtyCount(), 0);
-    EXPECT_TRUE(isAsKnown(*photos.catalog->fileRecord(1))) << "the new date and size are known";
+    EXPECT_TRUE(isAsKnown(*photos.catalog->fileRecord(1), fileState(photos.item(1).path())))
+        << "the new date and size are known";
 
     photos.titleAll("newer");
     photos.save(real.tool);
@@ -115,30 +116,71 @@ TEST_F(MetadataSave, revertsWhatWasNeverWrittenToWhatTheFileSays)
 
 TEST_F(MetadataSave, neverWipesWhatTheCatalogHasNotSeen)
 {
-    Photos photos(2);
-    photos.catalog->database().exec(
-        "UPDATE photos SET caption = '', keywords = '', file_size = NULL WHERE id = 1"); // was never read
-    photos.set(photos.ids, {.altText = ""});
-    photos.save(real.tool);
-    EXPECT_EQ(photos.inFile(1),
-        (DescriptiveFields{
-            "xmp-alt", "new", "xmp-caption", {"xmp-1", "xmp-2"}, "xmp-creator", "xmp-rights"}));
-    EXPECT_EQ(photos.item(1).metadata.caption, "xmp-caption");
-    EXPECT_EQ(photos.inFile(2).altText, "") << "emptied by the user";
+    Photos photos(0);
+    for (const char* missed :
+        {"", "keywords = '', file_size = NULL", "keywords = ''"}) { // unread, read wrongly
+        const auto id = photos.add("photos/" + std::to_string(photos.ids.size()) + ".jpg");
+        photos.ids.push_back(id);
+        if (*missed)
+            photos.catalog->database().exec(
+                std::string("UPDATE photos SET ") + missed + " WHERE id = " + std::to_string(id));
+    }
+    photos.set(photos.ids, {.altText = "", .title = "new"});
+    EXPECT_EQ(photos.save(real.tool).done, 3U);
+    for (const PhotoID id : photos.ids) {
+        EXPECT_EQ(photos.inFile(id),
+            (DescriptiveFields{"", "new", "xmp-caption", {"xmp-1", "xmp-2"}, "xmp-creator", "xmp-rights"}))
+            << id;
+        EXPECT_EQ(photos.item(id).metadata.keywords, "xmp-1, xmp-2");
+    }
+}
 
-    real.tool.run(
-        {"-overwrite_original", "-q", "-XMP-iptcCore:AltTextAccessibility=elsewhere", photos.item(2).path()},
-        {});
-    photos.titleAll("newer");
+TEST_F(MetadataSave, takesWhatAnotherProgramWroteUnlessBothChangedTheSameField)
+{
+    Photos photos(2);
     photos.save(real.tool);
-    EXPECT_EQ(photos.inFile(2).altText, "elsewhere");
-    EXPECT_EQ(photos.inFile(2).title, "newer");
+    const auto elsewhere = [&](PhotoID id, const std::string& assignment) {
+        real.tool.run({"-overwrite_original", "-q", assignment, photos.item(id).path()}, {});
+    };
+    elsewhere(1, "-XMP-iptcCore:AltTextAccessibility=elsewhere");
+    elsewhere(2, "-XMP-dc:Title=elsewhere");
+    photos.set(photos.ids, {.title = "newer", .caption = ""});
+    const auto result = photos.save(real.tool);
+    EXPECT_EQ(result.done, 1U);
+    EXPECT_EQ(photos.inFile(1).altText, "elsewhere");
+    EXPECT_EQ(photos.item(1).metadata.altText, "elsewhere");
+    EXPECT_EQ(photos.inFile(1).title, "newer");
+    EXPECT_EQ(photos.inFile(1).caption, "") << "emptied by the user";
+    ASSERT_EQ(result.failures.size(), 1U);
+    EXPECT_NE(result.failures.front().message.find("changed by another program"), std::string::npos);
+    EXPECT_EQ(photos.inFile(2).title, "elsewhere");
+    EXPECT_TRUE(photos.item(2).dirty);
+    photos.save(real.tool);
+    EXPECT_EQ(photos.inFile(2).title, "newer") << "the user insists";
+}
+
+TEST_F(MetadataSave, looksAgainAtAFileBeforeItIsWritten)
+{
+    Photos photos(5);
+    const FakeTool meddling(R"(
+for last; do :; done
+case "$1 $last" in
+-stay_open*) exit 1;;
+-overwrite_original*/0.jpg) exiftool -overwrite_original -q -XMP-dc:Description=elsewhere "${last%0.jpg}4.jpg";;
+esac
+exec exiftool "$@")");
+    EXPECT_EQ(photos.save(meddling.tool).done, 5U);
+    EXPECT_EQ(photos.inFile(5).caption, "elsewhere");
+    EXPECT_EQ(photos.item(5).metadata.caption, "elsewhere");
+    EXPECT_EQ(photos.inFile(5).title, "new");
 }
 
 TEST_F(MetadataSave, leavesFilesItMustNotOrCannotWriteAsTheyAre)
 {
     Photos photos(1);
     const auto original = photos.add("Photos.aplibrary/Masters/a.jpg");
+    photos.folder.write("Renamed/Database/apdb/Library.apdb", "");
+    const auto renamed = photos.add("Renamed/Masters/a.jpg"), moved = photos.add("P.migratedaplibrary/a.jpg");
     const auto broken = photos.add("photos/broken.jpg"), gone = photos.add("photos/gone.jpg");
     const auto empty = photos.add("photos/empty.jpg");
     fs::create_symlink(photos.item(original).path(), photos.folder / "photos/link.jpg");
@@ -147,13 +189,16 @@ TEST_F(MetadataSave, leavesFilesItMustNotOrCannotWriteAsTheyAre)
     photos.folder.write("photos/broken.jpg", "no picture at all");
     photos.folder.write("photos/empty.jpg", "");
     fs::remove(photos.item(gone).path());
-    photos.set(std::vector{original, linked, broken, gone, empty}, {.title = "new"});
+    photos.set(std::vector{original, renamed, moved, linked, broken, gone, empty}, {.title = "new"});
     EXPECT_FALSE(photos.item(original).dirty);
     const auto result = photos.save(real.tool);
     EXPECT_EQ(result.done, 1U);
     EXPECT_EQ(result.failures.size(), 3U);
     EXPECT_EQ(photos.inFile(1).title, "new");
-    EXPECT_EQ(readFile(photos.item(original).path()), photos.contents);
+    for (const auto id : {original, renamed, moved, linked}) {
+        EXPECT_EQ(readFile(photos.item(id).path()), photos.contents) << id;
+        EXPECT_FALSE(photos.item(id).dirty) << "it never will be written: " << id;
+    }
     EXPECT_EQ(readFile(photos.item(broken).path()), "no picture at all");
     for (const auto id : {broken, gone, empty})
         EXPECT_TRUE(photos.item(id).dirty) << id;

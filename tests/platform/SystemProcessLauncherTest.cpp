@@ -71,24 +71,33 @@ TEST(SystemProcessLauncher, saysWhyAProgramCannotBeStarted)
 
 TEST(SystemProcessLauncher, endsAHangingProgramAndWhatItStarted)
 {
-    const TemporaryFolder folder;
-    const auto id = folder / "id";
-    std::stop_source stop;
-    const std::jthread stopper([&] {
-        while (!std::filesystem::exists(id) || readFile(id).empty())
+    for (const std::string outputs : {"", "exec >&- 2>&-; "}) { // also one that says it has nothing to say
+        const TemporaryFolder folder;
+        const auto id = folder / "id";
+        std::stop_source stop;
+        const std::jthread stopper([&] {
+            while (!readFile(id).ends_with('\n'))
+                std::this_thread::sleep_for(5ms);
+            stop.request_stop();
+        });
+        try {
+            SystemProcessLauncher().run(
+                shell(outputs + "sleep 1000 & echo $! > '" + id.string() + "'; wait"), {}, stop.get_token());
+            ADD_FAILURE() << outputs;
+        } catch (const ProcessError& error) {
+            EXPECT_EQ(error.which(), ProcessError::Case::stopped);
+        }
+        for (int looks = 0; looks < 400 && isRunning(readFile(id)); ++looks)
             std::this_thread::sleep_for(5ms);
-        stop.request_stop();
-    });
-    try {
-        SystemProcessLauncher().run(
-            shell("sleep 1000 & echo $! > '" + id.string() + "'; wait"), {}, stop.get_token());
-        ADD_FAILURE();
-    } catch (const ProcessError& error) {
-        EXPECT_EQ(error.which(), ProcessError::Case::stopped);
+        EXPECT_FALSE(isRunning(readFile(id)));
     }
-    for (int looks = 0; looks < 400 && isRunning(readFile(id)); ++looks)
-        std::this_thread::sleep_for(5ms);
-    EXPECT_FALSE(isRunning(readFile(id)));
+}
+
+TEST(SystemProcessLauncher, worksWhereTheEndsOfChildrenAreIgnored)
+{
+    auto* const before = std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(run(shell("echo x")).out, "x\n");
+    std::signal(SIGCHLD, before);
 }
 
 TEST(SystemProcessLauncher, talksToAProgramUntilItEnds)

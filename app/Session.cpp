@@ -1,0 +1,23 @@
+#include "app/Session.h"
+
+namespace korvo {
+
+Session::Session(MainThread& main, std::unique_ptr<Catalog> catalog, const ExifTool& tool, Defaults& defaults)
+    : store_(main, std::move(catalog)), writeBack_(main, store_, tool, defaults), backfills_(main, store_)
+{
+    readWhatIsNew();
+}
+
+void Session::photosAdded()
+{
+    store_.reload();
+    readWhatIsNew();
+}
+
+void Session::readWhatIsNew()
+{
+    backfills_.startExifBackfill();
+    backfills_.startLocationBackfill();
+}
+
+} // namespace korvo

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "metadata/Backfill.h"
+#include "metadata/MetadataWriteBack.h"
+
+namespace korvo {
+
+/// An open library with what goes on in it by itself: files that were not read yet are read in the background
+/// from the start on, and descriptive metadata is kept in step with the files. Destroying it closes the
+/// library, which ends all of that promptly; what is not done by then is taken up when it is opened again.
+/// Used on the main thread.
+class Session {
+public:
+    /// All but the catalog must outlive this.
+    Session(MainThread& main, std::unique_ptr<Catalog> catalog, const ExifTool& tool, Defaults& defaults);
+
+    LibraryStore& store() { return store_; }
+    MetadataWriteBack& writeBack() { return writeBack_; }
+    const Backfills& backfills() const { return backfills_; }
+
+    /// Shows photos that were added to the catalog, and reads those of them that were not read yet.
+    void photosAdded();
+
+private:
+    void readWhatIsNew();
+
+    LibraryStore store_;
+    MetadataWriteBack writeBack_;
+    Backfills backfills_;
+};
+
+} // namespace korvo
