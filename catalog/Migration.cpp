@@ -6,31 +6,16 @@ namespace korvo {
 
 namespace {
 
-constexpr auto firstSchema = R"(
+constexpr auto firstSchemaBeforePhotos = R"(
 CREATE TABLE IF NOT EXISTS schema_info (version INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS folders (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     path TEXT NOT NULL UNIQUE,
     added_at REAL NOT NULL
 );
-CREATE TABLE IF NOT EXISTS photos (
-    id INTEGER PRIMARY KEY AUTOINCREMENT,
-    folder_id INTEGER REFERENCES folders(id) ON DELETE CASCADE,
-    path TEXT NOT NULL UNIQUE,
-    filename TEXT NOT NULL,
-    added_at REAL NOT NULL,
-    mtime REAL,
-    file_size INTEGER,
-    rating INTEGER NOT NULL DEFAULT 0,
-    flagged INTEGER NOT NULL DEFAULT 0,
-    dirty INTEGER NOT NULL DEFAULT 0,
-    alt_text TEXT NOT NULL DEFAULT '',
-    title TEXT NOT NULL DEFAULT '',
-    caption TEXT NOT NULL DEFAULT '',
-    keywords TEXT NOT NULL DEFAULT '',
-    creator TEXT NOT NULL DEFAULT '',
-    copyright TEXT NOT NULL DEFAULT ''
-);
+)";
+
+constexpr auto firstSchemaBehindPhotos = R"(
 CREATE INDEX IF NOT EXISTS idx_photos_folder ON photos(folder_id);
 CREATE INDEX IF NOT EXISTS idx_photos_dirty ON photos(dirty);
 CREATE TABLE IF NOT EXISTS albums (
@@ -228,7 +213,7 @@ void createFirstSchema(Database& database)
     std::optional<Transaction> transaction;
     if (!hasTable(database, "schema_info"))
         transaction.emplace(database);
-    database.exec(firstSchema);
+    database.exec(firstSchemaBeforePhotos + firstPhotosTable() + firstSchemaBehindPhotos);
     if (database.scalar("SELECT COUNT(*) FROM schema_info") == 0)
         database.exec("INSERT INTO schema_info (version) VALUES (1)");
     if (transaction)

@@ -8,12 +8,12 @@ namespace korvo {
 
 namespace {
 
-/// `photos` as the rebuild makes it. Later columns are added behind.
-constexpr auto rebuiltTable = R"(
-CREATE TABLE photos_rebuild (
+/// The columns that `photos` has had from the start, before and behind the one constraint it lost.
+constexpr auto columnsToPath = R"(
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     folder_id INTEGER REFERENCES folders(id) ON DELETE CASCADE,
-    path TEXT NOT NULL,
+    path TEXT NOT NULL)";
+constexpr auto columnsBehindPath = R"(,
     filename TEXT NOT NULL,
     added_at REAL NOT NULL,
     mtime REAL,
@@ -26,7 +26,10 @@ CREATE TABLE photos_rebuild (
     caption TEXT NOT NULL DEFAULT '',
     keywords TEXT NOT NULL DEFAULT '',
     creator TEXT NOT NULL DEFAULT '',
-    copyright TEXT NOT NULL DEFAULT '',
+    copyright TEXT NOT NULL DEFAULT '')";
+
+/// What the rebuild adds to them. Later columns are added behind.
+constexpr auto rebuiltColumns = R"(,
     edits TEXT NOT NULL DEFAULT '',
     meme TEXT NOT NULL DEFAULT '',
     metadata_backup TEXT NOT NULL DEFAULT '',
@@ -34,7 +37,7 @@ CREATE TABLE photos_rebuild (
     version_of INTEGER REFERENCES photos(id) ON DELETE CASCADE,
     version_name TEXT NOT NULL DEFAULT '',
     stack_id INTEGER REFERENCES stacks(id) ON DELETE SET NULL
-);)";
+)";
 
 constexpr auto rebuiltIndexes = R"(
 CREATE INDEX IF NOT EXISTS idx_photos_folder ON photos(folder_id);
@@ -78,6 +81,12 @@ bool contains(const std::vector<Column>& columns, std::string_view name)
 
 } // namespace
 
+std::string firstPhotosTable()
+{
+    return std::string("CREATE TABLE IF NOT EXISTS photos (") + columnsToPath + " UNIQUE" + columnsBehindPath
+        + "\n);";
+}
+
 void addColumn(Database& database, std::string_view table, std::string_view definition)
 {
     try {
@@ -92,7 +101,8 @@ void addColumn(Database& database, std::string_view table, std::string_view defi
 void rebuildPhotos(Database& database)
 {
     database.exec("DROP TABLE IF EXISTS photos_rebuild");
-    database.exec(rebuiltTable);
+    database.exec(std::string("CREATE TABLE photos_rebuild (") + columnsToPath + columnsBehindPath
+        + rebuiltColumns + ")");
     const auto held = columnsOf(database, "photos");
     const auto made = columnsOf(database, "photos_rebuild");
     std::string names;

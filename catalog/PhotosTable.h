@@ -2,9 +2,13 @@
 
 #include "catalog/Database.h"
 
+#include <string>
 #include <string_view>
 
 namespace korvo {
+
+/// The statement that makes `photos` in its first form.
+std::string firstPhotosTable();
 
 /// Adds a column to a table; nothing happens when it exists. `definition` begins with the column's name.
 void addColumn(Database& database, std::string_view table, std::string_view definition);
