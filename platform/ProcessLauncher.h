@@ -30,8 +30,9 @@ private:
     Case which_;
 };
 
-/// A running process that takes input and answers. Used on the thread that started it: the process ends with
-/// that thread at the latest. Destroying it ends the process and all that it started.
+/// A running process that takes input and answers. The process ends with the thread that started it at the
+/// latest, so it is used on that one; only the decoder, which goes by the end of its input instead, may be
+/// used on others. Destroying it ends the process and all that it started.
 class RunningProcess {
 public:
     /// Whether an answer is whole.

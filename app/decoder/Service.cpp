@@ -1,18 +1,22 @@
 #include "app/decoder/Service.h"
 
+#include "platform/linux/ProcessFence.h"
 #include "platform/linux/images/DecoderProtocol.h"
 #include "platform/linux/images/OutsideDecoding.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <new>
 #include <optional>
+#include <poll.h>
+#include <stdexcept>
 #include <string>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -21,113 +25,134 @@ namespace korvo {
 
 namespace {
 
-constexpr unsigned mostSeconds = 120; // the largest raw files take a tenth of it
-constexpr rlim_t mostResult = rlim_t(8) << 30; // in shared memory
-constexpr std::size_t longestRequest = 64 << 10, longestReason = 1000;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Case = ImageError::Case;
 
-/// The next message; nothing at the end of the input.
-std::optional<std::string> nextRequest(int requests, std::string& text)
+constexpr auto mostTime = 120s; // the largest raw files take a tenth of it
+constexpr std::size_t longestReason = 1000;
+
+enum class End { whole, ended, timedOut };
+
+/// Reads a message, until its end or that of the one who writes it.
+End readMessage(int descriptor, std::string& text, std::optional<Clock::time_point> deadline = {})
 {
     std::array<char, 4096> piece;
     while (!isWholeMessage(text)) {
-        const auto count = read(requests, piece.data(), piece.size());
+        const auto left
+            = deadline ? std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()) : 0ms;
+        if (deadline && left <= 0ms)
+            return End::timedOut;
+        pollfd wait{descriptor, POLLIN, 0};
+        if (poll(&wait, 1, deadline ? static_cast<int>(left.count()) : -1) <= 0)
+            continue;
+        const auto count = read(descriptor, piece.data(), piece.size());
         if (count < 0 && errno == EINTR)
             continue;
-        if (count <= 0 || text.size() > longestRequest)
-            return std::nullopt;
+        if (count <= 0)
+            return End::ended;
         text.append(piece.data(), static_cast<std::size_t>(count));
     }
-    return std::exchange(text, {}); // nobody asks for the next before the answer to this one
+    return End::whole;
 }
 
-/// In one piece, which a pipe takes as a whole or not at all.
-void answer(int answers, const DecoderAnswer& result)
+void send(int descriptor, std::string_view text)
 {
-    alarm(0); // one answer and no more
-    const auto text = result.encoded();
-    while (write(answers, text.data(), text.size()) < 0 && errno == EINTR) { }
+    while (!text.empty()) {
+        const auto sent = write(descriptor, text.data(), text.size());
+        if (sent < 0 && errno != EINTR)
+            return; // nobody waits any more
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(sent, 0)));
+    }
 }
 
-void answer(int answers, ImageError::Case which, std::string reason)
+/// Cut between two characters.
+std::string shortened(std::string text)
 {
-    reason.resize(std::min(reason.size(), longestReason));
-    answer(answers, {DecoderAnswer::Failure{which, std::move(reason)}});
+    auto length = std::min(text.size(), longestReason);
+    while (length < text.size() && length > 0 && (text[length] & 0xC0) == 0x80)
+        --length;
+    text.resize(length);
+    return text;
 }
 
-/// Enough for the largest raw files, and never more than half of what the machine has.
-rlim_t mostMemory()
+DecoderAnswer failure(const DecoderRequest& request, Case which, std::string reason)
 {
-    const auto installed
-        = static_cast<rlim_t>(sysconf(_SC_PHYS_PAGES)) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
-    return std::min(installed / 2, rlim_t(8) << 30);
+    return {request.number, DecoderAnswer::Failure{which, shortened(std::move(reason))}};
 }
 
-void limit(__rlimit_resource resource, rlim_t most)
-{
-    const rlimit both{most, most};
-    setrlimit(resource, &both);
+DecoderAnswer decode(const DecoderRequest& asked, const PosixFile& memory)
+try {
+    auto image = decodeAnyPicture(asked.file, asked.image, {});
+    storePixels(image, memory);
+    image.note = shortened(std::move(image.note));
+    return {asked.number, std::move(image)};
+} catch (const ImageError& error) {
+    return failure(asked, error.which(), error.reason());
+} catch (const std::bad_alloc&) {
+    return failure(asked, Case::memory, "decoding it needs too much memory");
+} catch (const std::exception& error) {
+    return failure(asked, Case::damaged, error.what());
 }
 
-void limitYourself()
+/// The worker's part. Its parent has one answer from it at the most, whatever happens to it afterwards.
+[[noreturn]] void work(
+    const DecoderRequest& request, const PosixFile& memory, const PosixFile& answers, pid_t parent)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-    limit(RLIMIT_CORE, 0);
-    limit(RLIMIT_CPU, mostSeconds);
-    limit(RLIMIT_FSIZE, mostResult);
-#ifndef __SANITIZE_ADDRESS__ // whose shadow is larger than any limit
-    limit(RLIMIT_AS, mostMemory());
-#endif
-    alarm(mostSeconds);
+    if (getppid() != parent) // it ended before we could ask to be told
+        _exit(EXIT_FAILURE);
+    fenceIn();
+    const auto text = decode(request, memory).encoded();
+    send(answers.descriptor(), text);
+    _exit(EXIT_SUCCESS);
 }
 
-void decode(const std::string& request, int answers)
-try {
-    const auto asked = DecoderRequest::decoded(request);
-    auto image = decodeAnyPicture(asked.file, asked.image, {});
-    storePixels(image, asked.memory);
-    image.note.resize(std::min(image.note.size(), longestReason));
-    answer(answers, {std::move(image)});
-} catch (const ImageError& error) {
-    answer(answers, error.which(), error.reason());
-} catch (const std::bad_alloc&) {
-    answer(answers, ImageError::Case::memory, "decoding it needs too much memory");
-} catch (const std::exception& error) {
-    answer(answers, ImageError::Case::damaged, error.what());
-}
-
-/// What became of a process that could not answer itself.
-void answerFor(int status, int answers)
+/// What became of a worker that has not answered.
+DecoderAnswer answerFor(const DecoderRequest& request, End end, int status)
 {
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
-        return;
-    const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-    if (signal == SIGALRM || signal == SIGXCPU)
-        answer(answers, ImageError::Case::timedOut,
-            "decoding it took more than " + std::to_string(mostSeconds) + " seconds and was given up");
-    else
-        answer(answers, ImageError::Case::crashed, "the decoder failed on it: the file may be damaged");
+    if (end == End::timedOut)
+        return failure(request, Case::timedOut,
+            "decoding it took more than " + std::to_string(mostTime.count()) + " seconds and was given up");
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) // by the system, which lacks memory
+        return failure(request, Case::memory, "decoding it needs too much memory");
+    return failure(request, Case::crashed, "the decoder failed on it: the file may be damaged");
+}
+
+/// Decodes in a process of its own. The memory is opened now, while the one who asks holds it for certain.
+std::string answerTo(const DecoderRequest& request)
+{
+    const auto memory = openSharedMemory(request.memory);
+    std::array<int, 2> ends{-1, -1};
+    if (!memory || pipe2(ends.data(), O_CLOEXEC) != 0)
+        return failure(request, Case::memory, "there is no memory to decode it into").encoded();
+    const PosixFile from(ends[0]);
+    PosixFile to(ends[1]);
+    const pid_t service = getpid(), worker = fork();
+    if (worker < 0)
+        return failure(request, Case::memory, "there is not enough memory to decode it").encoded();
+    if (worker == 0)
+        work(request, memory, to, service);
+    to = {};
+    std::string text;
+    const auto end = readMessage(from.descriptor(), text, Clock::now() + mostTime);
+    if (end != End::ended)
+        kill(worker, SIGKILL);
+    int status = 0;
+    while (waitpid(worker, &status, 0) < 0 && errno == EINTR) { }
+    return end == End::whole && !textsOf(text).empty() ? text : answerFor(request, end, status).encoded();
 }
 
 } // namespace
 
 int serveDecoding(int requests, int answers)
-{
-    std::string input;
-    while (const auto request = nextRequest(requests, input)) {
-        const pid_t worker = fork();
-        if (worker == 0) {
-            limitYourself();
-            decode(*request, answers);
-            _exit(0);
-        }
-        int status = 0;
-        if (worker < 0)
-            answer(answers, ImageError::Case::memory, "there is not enough memory to decode it");
-        else if (waitpid(worker, &status, 0) == worker)
-            answerFor(status, answers);
-    }
+try {
+    std::string request; // nobody asks for the next before the answer to one
+    while (readMessage(requests, request) == End::whole)
+        send(answers, answerTo(DecoderRequest::decoded(std::exchange(request, {}))));
     return EXIT_SUCCESS;
+} catch (const std::invalid_argument&) { // nobody that we could answer
+    return EXIT_FAILURE;
 }
 
 } // namespace korvo

@@ -6,6 +6,8 @@
 #include <charconv>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <limits>
+#include <new>
 #include <span>
 #include <stdexcept>
 #include <sys/mman.h>
@@ -17,13 +19,16 @@ namespace korvo {
 namespace {
 
 constexpr std::size_t lengthDigits = 8;
+constexpr std::size_t longestMessage = 64 << 10; // two paths, or an error's text
 
 [[noreturn]] void fail()
 {
     throw std::invalid_argument("the message makes no sense");
 }
 
-int number(const std::string& text, int most)
+constexpr int largest = std::numeric_limits<int>::max();
+
+int numberIn(const std::string& text, int most)
 {
     int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -69,7 +74,7 @@ public:
         : size_(size), start_(mmap(nullptr, size, protection, MAP_SHARED, file.descriptor(), 0))
     {
         if (start_ == MAP_FAILED)
-            throw std::system_error(errno, std::generic_category(), "no memory for the picture");
+            throw std::bad_alloc();
     }
     ~Mapping() { munmap(start_, size_); }
     Mapping(const Mapping&) = delete;
@@ -96,8 +101,10 @@ std::string message(const std::vector<std::string>& texts)
 
 bool isWholeMessage(std::string_view text)
 {
+    if (text.substr(0, lengthDigits).find_first_not_of("0123456789abcdef") != text.npos)
+        return true;
     const auto length = announcedLength(text);
-    return length && text.size() - lengthDigits >= *length;
+    return length && (*length > longestMessage || text.size() - lengthDigits >= *length);
 }
 
 std::vector<std::string> textsOf(std::string_view message)
@@ -112,67 +119,75 @@ std::vector<std::string> textsOf(std::string_view message)
 
 std::string DecoderRequest::encoded() const
 {
-    return message({file.native(), memory.native(), std::to_string(image.size),
+    return message({std::to_string(number), file.native(), memory.native(), std::to_string(image.size),
         std::to_string(static_cast<int>(image.kind)), std::to_string(static_cast<int>(image.source))});
 }
 
 DecoderRequest DecoderRequest::decoded(std::string_view message)
 {
     const auto texts = textsOf(message);
-    if (texts.size() != 5)
+    if (texts.size() != 6)
         fail();
-    return {texts[0],
-        {number(texts[2], std::numeric_limits<int>::max()),
-            static_cast<PixelKind>(number(texts[3], static_cast<int>(PixelKind::asStored))),
-            static_cast<PictureSource>(number(texts[4], static_cast<int>(PictureSource::whole)))},
-        texts[1]};
+    return {numberIn(texts[0], largest), texts[1],
+        {numberIn(texts[3], largest),
+            static_cast<PixelKind>(numberIn(texts[4], static_cast<int>(PixelKind::asStored))),
+            static_cast<PictureSource>(numberIn(texts[5], static_cast<int>(PictureSource::whole)))},
+        texts[2]};
 }
 
 std::string DecoderAnswer::encoded() const
 {
     if (const auto* const failure = std::get_if<Failure>(&result))
-        return message({failureWord, std::to_string(static_cast<int>(failure->which)), failure->reason});
+        return message({std::to_string(number), failureWord, std::to_string(static_cast<int>(failure->which)),
+            failure->reason});
     const auto& image = std::get<DecodedImage>(result);
     const auto* const linear = std::get_if<LinearImage>(&image.pixels);
     const auto [width, height]
         = std::visit([](const auto& pixels) { return std::pair(pixels.width, pixels.height); }, image.pixels);
-    return message({imageWord, std::to_string(width), std::to_string(height), linear ? "1" : "0",
-        linear && !linear->isOpaque() ? "1" : "0", std::to_string(image.fullWidth),
+    return message({std::to_string(number), imageWord, std::to_string(width), std::to_string(height),
+        linear ? "1" : "0", linear && !linear->isOpaque() ? "1" : "0", std::to_string(image.fullWidth),
         std::to_string(image.fullHeight), image.note});
 }
 
 DecoderAnswer DecoderAnswer::decoded(std::string_view message)
 {
-    constexpr int longestSide = std::numeric_limits<int>::max();
     const auto texts = textsOf(message);
-    if (texts.size() == 3 && texts[0] == failureWord)
-        return {Failure{
-            static_cast<ImageError::Case>(number(texts[1], static_cast<int>(ImageError::Case::write))),
-            texts[2]}};
-    if (texts.size() != 8 || texts[0] != imageWord)
+    if (texts.size() == 4 && texts[1] == failureWord)
+        return {numberIn(texts[0], largest),
+            Failure{
+                static_cast<ImageError::Case>(numberIn(texts[2], static_cast<int>(ImageError::Case::write))),
+                texts[3]}};
+    if (texts.size() != 9 || texts[1] != imageWord)
         fail();
-    const int width = number(texts[1], longestSide), height = number(texts[2], longestSide);
+    const int width = numberIn(texts[2], largest), height = numberIn(texts[3], largest);
     if (width == 0 || height == 0 || width > mostPixels / height)
         fail();
     DecodedImage image;
-    if (number(texts[3], 1) == 1)
-        image.pixels
-            = LinearImage(width, height, number(texts[4], 1) == 1 ? AlphaPlane::present : AlphaPlane::absent);
+    if (numberIn(texts[4], 1) == 1)
+        image.pixels = LinearImage(
+            width, height, numberIn(texts[5], 1) == 1 ? AlphaPlane::present : AlphaPlane::absent);
     else
         image.pixels = Bitmap(width, height);
-    image.fullWidth = number(texts[5], longestSide);
-    image.fullHeight = number(texts[6], longestSide);
-    image.note = texts[7];
-    return {std::move(image)};
+    image.fullWidth = numberIn(texts[6], largest);
+    image.fullHeight = numberIn(texts[7], largest);
+    image.note = texts[8];
+    return {numberIn(texts[0], largest), std::move(image)};
 }
 
-void storePixels(const DecodedImage& image, const std::filesystem::path& memory)
+PosixFile openSharedMemory(const std::filesystem::path& memory)
+{
+    auto file = openFile(memory, O_RDWR);
+    if (file && fcntl(file.descriptor(), F_GET_SEALS) < 0) // files on disks have no seals
+        return {};
+    return file;
+}
+
+void storePixels(const DecodedImage& image, const PosixFile& memory)
 {
     const auto parts = partsOf(const_cast<DecodedImage&>(image));
-    const auto file = openFile(memory, O_RDWR);
-    if (!file || ftruncate(file.descriptor(), static_cast<off_t>(sizeOf(parts))) != 0)
-        throwFileError("write", memory);
-    const Mapping mapping(file, sizeOf(parts), PROT_READ | PROT_WRITE);
+    if (ftruncate(memory.descriptor(), static_cast<off_t>(sizeOf(parts))) != 0)
+        throw std::bad_alloc();
+    const Mapping mapping(memory, sizeOf(parts), PROT_READ | PROT_WRITE);
     std::uint8_t* to = mapping.start();
     for (const auto& part : parts)
         to = std::copy(part.begin(), part.end(), to);

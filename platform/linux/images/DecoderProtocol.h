@@ -13,12 +13,13 @@ namespace korvo {
 
 /// A message: the length of the rest in 8 hexadecimal digits, then texts, each ended by a NUL.
 std::string message(const std::vector<std::string>& texts);
-/// Whether the text begins with a whole message.
+/// Whether nothing more has to be waited for: the text begins with a whole message, or can never become one.
 bool isWholeMessage(std::string_view text);
 /// The texts of a message; empty when it is none.
 std::vector<std::string> textsOf(std::string_view message);
 
 struct DecoderRequest {
+    int number = 0; ///< which the answer repeats
     std::filesystem::path file;
     ImageRequest image;
     std::filesystem::path memory; ///< the file of the shared memory
@@ -35,6 +36,7 @@ struct DecoderAnswer {
         std::string reason;
     };
 
+    int number = 0; ///< of the request
     std::variant<DecodedImage, Failure> result;
 
     /// Images are told by their size and kind.
@@ -44,9 +46,12 @@ struct DecoderAnswer {
     static DecoderAnswer decoded(std::string_view message);
 };
 
-/// Copies an image's pixels into shared memory, which grows to hold them. Throws std::system_error.
-void storePixels(const DecodedImage& image, const std::filesystem::path& memory);
-/// Copies them out of it. Throws std::invalid_argument when the memory is too short.
+/// Memory to share, and nothing else: opening a file by its name gives what it finds there. None on failure.
+PosixFile openSharedMemory(const std::filesystem::path& memory);
+
+/// Copies an image's pixels into shared memory, which grows to hold them. Throws std::bad_alloc.
+void storePixels(const DecodedImage& image, const PosixFile& memory);
+/// Copies them out of it. Throws std::invalid_argument when the memory is too short, std::bad_alloc.
 void loadPixels(DecodedImage& image, const PosixFile& memory);
 
 } // namespace korvo

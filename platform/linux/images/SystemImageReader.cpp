@@ -50,22 +50,28 @@ DecodedImage SystemImageReader::readOutside(
     const std::filesystem::path& path, const ImageRequest& request, const std::stop_token& stop)
 {
     const auto memory = sharedMemory(path);
+    std::error_code reason;
+    const auto absolute = std::filesystem::absolute(path, reason);
+    if (reason)
+        throw ImageError(ImageError::Case::open, path, "cannot be found: " + reason.message());
     try {
-        const auto answer = ask({std::filesystem::absolute(path), request, nameOf(memory)}, stop);
-        if (!answer)
-            throw ImageError(
-                ImageError::Case::crashed, path, "the decoder ended while it worked on this file");
-        auto result = DecoderAnswer::decoded(*answer).result;
+        auto result = ask({requests_++ & 0xFFFFFF, absolute, request, nameOf(memory)}, stop).result;
         if (const auto* const failure = std::get_if<DecoderAnswer::Failure>(&result))
             throw ImageError(failure->which, path, failure->reason);
         auto& image = std::get<DecodedImage>(result);
         loadPixels(image, memory);
         return std::move(image);
     } catch (const ProcessError& error) {
-        throw error.which() == ProcessError::Case::stopped
-            ? ImageError(ImageError::Case::stopped, path, "was stopped")
-            : ImageError(
+        switch (error.which()) {
+        case ProcessError::Case::stopped:
+            throw ImageError(ImageError::Case::stopped, path, "was stopped");
+        case ProcessError::Case::ended:
+            throw ImageError(
+                ImageError::Case::crashed, path, "the decoder ended while it worked on this file");
+        default:
+            throw ImageError(
                 ImageError::Case::unsupported, path, std::string("cannot be decoded: ") + error.what());
+        }
     } catch (const std::invalid_argument& error) {
         throw ImageError(ImageError::Case::crashed, path, "the decoder gave no sensible answer");
     } catch (const std::bad_alloc&) {
@@ -73,23 +79,26 @@ DecodedImage SystemImageReader::readOutside(
     }
 }
 
-/// The decoder's answer; nothing when it ended on this file. One that waited may have ended long ago: a new
-/// one is asked then.
-std::optional<std::string> SystemImageReader::ask(const DecoderRequest& request, const std::stop_token& stop)
+/// The decoder's answer. One that waited may have ended long ago, or be out of step: a new one is asked then.
+/// One that was not understood is never asked again.
+DecoderAnswer SystemImageReader::ask(const DecoderRequest& request, const std::stop_token& stop)
 {
     const auto isWhole = [](const ProcessOutput& output) { return isWholeMessage(output.out); };
     for (auto waiting = takeProcess();; waiting = nullptr) {
         const bool isFresh = !waiting;
         auto process = isFresh ? launcher_.start({decoder_.native()}) : std::move(waiting);
         try {
-            auto answer = process->ask(request.encoded(), isWhole, stop).out;
+            auto answer = DecoderAnswer::decoded(process->ask(request.encoded(), isWhole, stop).out);
+            if (answer.number != request.number)
+                throw std::invalid_argument("the answer is to another question");
             keepProcess(std::move(process));
             return answer;
         } catch (const ProcessError& error) {
-            if (error.which() != ProcessError::Case::ended)
+            if (isFresh || error.which() != ProcessError::Case::ended)
                 throw;
+        } catch (const std::invalid_argument&) {
             if (isFresh)
-                return std::nullopt;
+                throw;
         }
     }
 }
@@ -97,14 +106,17 @@ std::optional<std::string> SystemImageReader::ask(const DecoderRequest& request,
 SystemImageReader::Process SystemImageReader::takeProcess()
 {
     const std::scoped_lock lock(mutex_);
-    const auto found = processes_.extract(std::this_thread::get_id());
-    return found ? std::move(found.mapped()) : nullptr;
+    if (waiting_.empty())
+        return nullptr;
+    auto process = std::move(waiting_.back());
+    waiting_.pop_back();
+    return process;
 }
 
 void SystemImageReader::keepProcess(Process process)
 {
     const std::scoped_lock lock(mutex_);
-    processes_[std::this_thread::get_id()] = std::move(process);
+    waiting_.push_back(std::move(process));
 }
 
 } // namespace korvo

@@ -3,19 +3,17 @@
 #include "platform/ImageReader.h"
 #include "platform/ProcessLauncher.h"
 
-#include <map>
+#include <atomic>
 #include <memory>
 #include <mutex>
-#include <optional>
-#include <thread>
 
 namespace korvo {
 
+struct DecoderAnswer;
 struct DecoderRequest;
 
 /// Decodes JPEG, PNG and WebP itself, and leaves all other files to the decoder process, so that a fault in
-/// their libraries ends that process and not us. Each thread that reads has a decoder of its own, which
-/// stays.
+/// their libraries ends that process and not us. As many decoders as read at once stay for the next files.
 class SystemImageReader : public ImageReader {
 public:
     /// `launcher` must outlive the reader. `decoder` is the decoder's program.
@@ -34,15 +32,15 @@ private:
 
     DecodedImage readOutside(
         const std::filesystem::path& file, const ImageRequest& request, const std::stop_token& stop);
-    std::optional<std::string> ask(const DecoderRequest& request, const std::stop_token& stop);
+    DecoderAnswer ask(const DecoderRequest& request, const std::stop_token& stop);
     Process takeProcess();
     void keepProcess(Process process);
 
     ProcessLauncher& launcher_;
     std::filesystem::path decoder_;
+    std::atomic<int> requests_ = 0;
     std::mutex mutex_;
-    std::map<std::thread::id, Process>
-        processes_; ///< waiting; a process ends with the thread that started it
+    std::vector<Process> waiting_;
 };
 
 } // namespace korvo

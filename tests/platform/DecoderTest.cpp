@@ -1,0 +1,137 @@
+#include "platform/linux/ProcessFence.h"
+#include "platform/linux/images/DecoderProtocol.h"
+#include "platform/linux/images/SystemImageReader.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace korvo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path picture = fs::path(KORVO_TEST_DATA) / "images/plain.heic";
+
+/// A program that stands for the decoder on its first run only; later it is the decoder itself.
+fs::path decoderThatFirst(const TemporaryFolder& folder, const std::string& does)
+{
+    const auto program = folder.write("decoder",
+        "#!/bin/sh\n[ -e '" + (folder / "ran").string() + "' ] && exec '" KORVO_DECODER "'\ntouch '"
+            + (folder / "ran").string() + "'\nhead -c 1 >/dev/null\n" + does + "\ncat >/dev/null\n");
+    fs::permissions(program, fs::perms::owner_all);
+    return program;
+}
+
+std::optional<ImageError::Case> failure(SystemImageReader& reader)
+{
+    try {
+        reader.read(picture, {}, {});
+        return std::nullopt;
+    } catch (const ImageError& error) {
+        return error.which();
+    }
+}
+
+class CountingLauncher : public ProcessLauncher {
+public:
+    ProcessOutput run(
+        const std::vector<std::string>& command, std::string_view input, const std::stop_token& stop) override
+    {
+        return system_->run(command, input, stop);
+    }
+    std::unique_ptr<RunningProcess> start(const std::vector<std::string>& command) override
+    {
+        ++started;
+        return system_->start(command);
+    }
+
+    int started = 0;
+
+private:
+    std::unique_ptr<ProcessLauncher> system_ = systemProcessLauncher();
+};
+
+} // namespace
+
+TEST(Decoder, oneThatIsOutOfStepIsReplacedBeforeItIsBelieved)
+{
+    const auto launcher = systemProcessLauncher();
+    const auto answer = DecoderAnswer{0, DecoderAnswer::Failure{ImageError::Case::damaged, "once"}}.encoded();
+    for (const auto& [does, first] : {std::pair<std::string, ImageError::Case>(
+                                          "cat answer; sleep 0.1; cat answer", ImageError::Case::damaged),
+             {"cat answer answer >both; cat both", ImageError::Case::crashed},
+             {"echo hello", ImageError::Case::crashed}, {"printf ffffffff", ImageError::Case::crashed},
+             {"exit", ImageError::Case::crashed}}) {
+        SCOPED_TRACE(does);
+        const TemporaryFolder folder;
+        folder.write("answer", answer);
+        SystemImageReader reader(
+            *launcher, decoderThatFirst(folder, "cd '" + folder.path().string() + "'; " + does));
+        EXPECT_EQ(failure(reader), first);
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_EQ(failure(reader), std::nullopt);
+    }
+}
+
+TEST(Decoder, writesIntoMemoryOnlyAndNeverIntoAFile)
+{
+    const TemporaryFolder folder;
+    const auto original = folder.write("original.jpg", "a photo");
+    const auto launcher = systemProcessLauncher();
+    const auto opened = openFile(original, O_RDONLY);
+    const auto name = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(opened.descriptor());
+    for (const fs::path& memory : {fs::path(name), original, folder / "nothing"}) {
+        const auto decoder = launcher->start({KORVO_DECODER});
+        const auto out = decoder->ask(DecoderRequest{7, picture, {}, memory}.encoded(),
+            [](const ProcessOutput& output) { return isWholeMessage(output.out); }, {});
+        const auto answer = DecoderAnswer::decoded(out.out);
+        EXPECT_EQ(answer.number, 7);
+        EXPECT_EQ(std::get<DecoderAnswer::Failure>(answer.result).which, ImageError::Case::memory);
+        EXPECT_EQ(readFile(original), "a photo");
+    }
+}
+
+TEST(Decoder, servesTheThreadsThatComeOneAfterTheOther)
+{
+    CountingLauncher launcher;
+    SystemImageReader reader(launcher, KORVO_DECODER);
+    for (int i = 0; i < 3; ++i)
+        std::thread([&] { EXPECT_EQ(failure(reader), std::nullopt); }).join();
+    EXPECT_EQ(launcher.started, 1);
+}
+
+TEST(ProcessFence, readingIsAllThatIsLeft)
+{
+    const TemporaryFolder folder;
+    const auto path = folder.write("original.jpg", "a photo");
+    const auto other = folder / "other.jpg";
+    const auto open = openFile(path, O_RDONLY);
+    const pid_t child = fork();
+    if (child == 0) {
+        fenceIn();
+        int allowed = 0;
+        for (const int flags : {O_WRONLY, O_RDWR, O_RDONLY | O_TRUNC, O_RDWR | O_CREAT})
+            allowed += ::open(path.c_str(), flags, 0600) >= 0;
+        allowed += unlink(path.c_str()) == 0;
+        allowed += rename(path.c_str(), other.c_str()) == 0;
+        allowed += truncate(path.c_str(), 0) == 0;
+        allowed += fchmod(open.descriptor(), 0777) == 0;
+        allowed += socket(AF_UNIX, SOCK_STREAM, 0) >= 0;
+        allowed += execl("/bin/true", "true", nullptr) == 0;
+        _exit(openFile(path, O_RDONLY) ? allowed : 100);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(readFile(path), "a photo");
+}
+
+} // namespace korvo
