@@ -222,6 +222,54 @@ TEST_F(ImageReading, aProfileThatIsNoMoreThanAHeaderIsPassedOver)
     }
 }
 
+TEST_F(ImageReading, aRawFileThatCannotBeDevelopedShowsItsPreviewAndSaysSo)
+{
+    const auto whole = readFile(picture("camera.dng"));
+    const auto image = read(folder.write("broken.dng", whole.substr(0, whole.size() * 9 / 10)));
+    EXPECT_EQ(image.note, "its raw data are damaged: the preview that the camera stored is shown");
+    EXPECT_EQ(std::pair(image.fullWidth, image.fullHeight), std::pair(192, 128));
+    expectFields(image, 4);
+    auto blind = whole; // without a preview that could be shown
+    blind.replace(blind.find("\xFF\xD8\xFF"), 300, std::string(300, '\0'));
+    expectFields(read(folder.write("blind.dng", blind), {0, PixelKind::bitmap, PictureSource::quick}), 4);
+    EXPECT_EQ(
+        failure(folder.write("none.dng", blind.substr(0, blind.size() / 2))), ImageError::Case::damaged);
+}
+
+TEST_F(ImageReading, aRawFileKeepsWhatIsBrighterThanWhite)
+{
+    auto file = readFile(picture("camera.dng"));
+    // The camera sees red at half its strength, so that its white is twice as bright once balanced.
+    const std::string one("\x10\x27\0\0", 4);
+    const auto neutral = file.rfind(one + one + one + one + one + one);
+    ASSERT_NE(neutral, file.npos);
+    file.replace(neutral, 4, std::string("\x88\x13\0\0", 4));
+    const auto image
+        = std::get<LinearImage>(read(folder.write("warm.dng", file), {0, PixelKind::linear}).pixels);
+    const auto at = [&](int x, int y) { return image.offset(y) + static_cast<std::size_t>(x); };
+    EXPECT_GT(image.red[at(48, 32)], 1.03F);
+    EXPECT_NEAR(image.green[at(144, 32)], 0.456F, 0.005F) << "as bright as it was, the headroom taken out";
+}
+
+TEST_F(ImageReading, rawFilesAreTurnedAndMirroredAsTheySay)
+{
+    auto file = readFile(picture("camera.dng"));
+    const auto entry = file.find(std::string("\x12\1\3\0\1\0\0\0", 8));
+    ASSERT_NE(entry, file.npos);
+    // Where the fields of the upright picture come from: 0 and 1 are the upper ones.
+    constexpr std::array<std::array<std::size_t, 4>, 8> sources{{{0, 1, 2, 3}, {1, 0, 3, 2}, {3, 2, 1, 0},
+        {2, 3, 0, 1}, {0, 2, 1, 3}, {2, 0, 3, 1}, {3, 1, 2, 0}, {1, 3, 0, 2}}};
+    for (std::size_t number = 0; number < sources.size(); ++number) {
+        file[entry + 8] = static_cast<char>(number + 1);
+        const auto image = read(folder.write("turned.dng", file));
+        EXPECT_EQ(image.fullWidth > image.fullHeight, number < 4);
+        for (std::size_t field = 0; field < 4; ++field)
+            for (std::size_t i = 0; i < 3; ++i)
+                EXPECT_NEAR(colourOf(image, field)[i], fields[sources[number][field]][i], 4)
+                    << "orientation " << number + 1 << ", field " << field;
+    }
+}
+
 TEST_F(ImageReading, rawFilesOfUnknownCamerasShowTheirPreview)
 {
     const auto preview = readFile(picture("plain.jpg"));

@@ -55,6 +55,7 @@ bool isTiff(Bytes start)
 }
 
 /// Raw files are built like TIFFs, and some TIFFs are taken for raw files: the name tells what to try first.
+/// A file of the one kind that is damaged is none of the other.
 DecodedImage decodeTiffOrRaw(PictureFile& file, const ImageRequest& request, const std::stop_token& stop)
 {
     const auto ending = asciiLower(file.path().extension().native());
@@ -64,7 +65,7 @@ DecodedImage decodeTiffOrRaw(PictureFile& file, const ImageRequest& request, con
     try {
         return decodePicture(file, order[0], request, stop);
     } catch (const ImageError& first) {
-        if (first.which() != ImageError::Case::unsupported && first.which() != ImageError::Case::damaged)
+        if (first.which() != ImageError::Case::unsupported)
             throw;
         try {
             return decodePicture(file, order[1], request, stop);

@@ -164,6 +164,16 @@ private:
     PixelBuffer<std::uint8_t> piece_, band_;
 };
 
+/// Whether the first picture is but a small version of another one, as in raw files that are built like
+/// TIFFs.
+bool isThumbnail(TIFF* tiff)
+{
+    std::uint16_t count = 0;
+    const std::uint64_t* others = nullptr;
+    return (tagOf<std::uint32_t>(tiff, TIFFTAG_SUBFILETYPE) & FILETYPE_REDUCEDIMAGE) != 0
+        && TIFFGetField(tiff, TIFFTAG_SUBIFD, &count, &others) && count > 0;
+}
+
 std::unique_ptr<PictureRows> convertedRows(PictureFile& file, TIFF* tiff, PictureInfo info)
 {
     std::array<char, 1024> reason{};
@@ -174,7 +184,7 @@ std::unique_ptr<PictureRows> convertedRows(PictureFile& file, TIFF* tiff, Pictur
     info.format.alpha = RowFormat::Alpha::premultiplied;
     const auto width = static_cast<std::uint32_t>(info.width),
                height = static_cast<std::uint32_t>(info.height);
-    PixelBuffer<std::uint8_t> pixels(std::size_t(4) * width * height);
+    PixelBuffer<std::uint8_t> pixels(std::size_t(4) * width * height, 0xFF);
     if (!TIFFReadRGBAImageOriented(
             tiff, width, height, reinterpret_cast<std::uint32_t*>(pixels.data()), ORIENTATION_TOPLEFT, 0))
         info.note = "the file is damaged: a part of its picture cannot be read";
@@ -190,6 +200,8 @@ std::unique_ptr<PictureRows> openTiff(PictureFile& file, const OpenOptions&)
     Tiff tiff(TIFFOpen(file.path().c_str(), "rm")); // read, not mapped
     if (!tiff)
         file.fail(ImageError::Case::damaged, "the file is damaged: it is no whole TIFF");
+    if (isThumbnail(tiff.get()))
+        file.fail(ImageError::Case::unsupported, "it holds but a small version of a picture of another kind");
     PictureInfo info;
     info.fullWidth = info.width = static_cast<int>(tagOf<std::uint32_t>(tiff.get(), TIFFTAG_IMAGEWIDTH));
     info.fullHeight = info.height = static_cast<int>(tagOf<std::uint32_t>(tiff.get(), TIFFTAG_IMAGELENGTH));
