@@ -4,6 +4,7 @@
 #include "platform/ImageError.h"
 
 #include <filesystem>
+#include <functional>
 #include <stop_token>
 #include <string>
 #include <variant>
@@ -23,11 +24,16 @@ enum class PictureSource {
     whole ///< the picture itself; raw files are developed
 };
 
+/// Told on the reading thread how many rows of a bitmap are finished, so that work on them can begin. Its
+/// bytes stay where they are in the image that is returned in the end.
+using RowsReady = std::function<void(const Bitmap& unfinished, int rows)>;
+
 struct ImageRequest {
     /// The most pixels that the longer side may have: the picture is shrunk to it, never enlarged. 0: none.
     int size = 0;
     PixelKind kind = PixelKind::bitmap;
     PictureSource source = PictureSource::whole;
+    RowsReady rowsReady = {}; ///< called for whole opaque bitmaps whose rows come in order, for others not
 };
 
 /// A picture as it is to be seen: upright, its colour profile applied, the first of several.

@@ -381,6 +381,7 @@ ParseResult parseCommandLine(int argc, char** argv)
     addLibraryCommands(*parser);
     addReadingCommands(*parser);
     addMarkingCommands(*parser);
+    addRenderCommands(*parser);
     addMetadataCommands(*parser);
     addProjectCommands(*parser);
     addAlbumCommands(*parser);

@@ -38,6 +38,16 @@ ExitCode setCommand(Context& context, const MetadataChange& change, const PhotoA
 ExitCode editsCommand(Context& context, const EditsArguments& arguments);
 ExitCode removeCommand(Context& context, const PhotoArguments& photos);
 
+// Pictures (RenderCommands.cpp)
+struct RenderArguments {
+    std::string photo; // an id, or a file
+    std::string out;
+    std::optional<std::string> edits; // JSON, or "@" and the name of a file that holds it
+    int size = 0; // pixels of the longer side; 0: all
+    int quality = 90;
+};
+ExitCode renderCommand(Context& context, const RenderArguments& arguments);
+
 // What files say and hold (MetadataCommands.cpp)
 ExitCode infoCommand(Context& context, const std::filesystem::path& file);
 ExitCode readCommand(Context& context);

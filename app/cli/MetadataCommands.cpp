@@ -1,33 +1,20 @@
 #include "app/cli/Commands.h"
+#include "app/cli/SystemExifTool.h"
 #include "base/Text.h"
 #include "metadata/Backfill.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/FileAdjustments.h"
 #include "metadata/MetadataSave.h"
 #include "metadata/MetadataWriteBack.h"
-#include "platform/AppFolders.h"
 
 #include <fmt/format.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <stdexcept>
 
 namespace korvo {
 
 namespace {
-
-/// The tool that changes files, as the command line finds it.
-struct SystemExifTool {
-    std::unique_ptr<ProcessLauncher> launcher = systemProcessLauncher();
-    ExifTool tool{*launcher, places()};
-
-    static ExifToolPlaces places()
-    {
-        const char* const path = std::getenv("PATH");
-        return {.bundled = resourceFolder() / "exiftool", .searchPath = path ? path : ""};
-    }
-};
 
 using Work = std::function<FilesWritten(const ExifTool&, const FileProgress&)>;
 

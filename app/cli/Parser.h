@@ -39,6 +39,9 @@ constexpr auto noArguments = [](CLI::App&, None&) {};
 /// The photos that a command takes, which must be named.
 void addPhotos(CLI::App& sub, PhotoArguments& photos);
 
+/// The commands on pictures (RenderCommandLine.cpp).
+void addRenderCommands(Parser& parser);
+
 /// The commands on versions, stacks and smart albums (GroupCommandLine.cpp).
 void addGroupCommands(Parser& parser);
 

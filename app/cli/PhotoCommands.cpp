@@ -1,10 +1,9 @@
 #include "app/cli/Commands.h"
+#include "app/cli/PhotoOrFile.h"
 #include "app/cli/PhotoOutput.h"
 #include "base/Text.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace korvo {
@@ -16,14 +15,6 @@ void printPhoto(const Context& context, const PhotoItem& item)
     context.print(context.options().json ? photoJSON(item) : photoLine(item));
 }
 
-PhotoItem existingPhoto(Context& context, PhotoID id)
-{
-    auto item = context.library().photo(id);
-    if (!item)
-        throw std::runtime_error("no photo with the id " + std::to_string(id));
-    return *std::move(item);
-}
-
 PhotoLabel labelNamed(const std::string& text)
 {
     for (std::int64_t number = 0; const auto label = photoLabel(number); ++number)
@@ -32,18 +23,6 @@ PhotoLabel labelNamed(const std::string& text)
             return *label;
     throw std::invalid_argument(
         "\"" + text + "\" is no label: use none, red, orange, yellow, green, blue, purple, gray or 0 to 7");
-}
-
-/// The text itself, or the contents of the file that "@" and its name stand for.
-std::string textOrFile(const std::string& text)
-{
-    if (!text.starts_with('@'))
-        return text;
-    std::ifstream file(text.substr(1), std::ios::binary);
-    std::string contents(std::istreambuf_iterator<char>(file), {});
-    if (!file)
-        throw std::runtime_error("cannot read " + text.substr(1));
-    return contents;
 }
 
 } // namespace

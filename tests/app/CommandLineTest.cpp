@@ -224,4 +224,22 @@ TEST_F(CommandLine, namesPhotosByPatternsAndKeepsPresets)
     EXPECT_NE(run("naming list").out.find("Original Name   {name}\n"), std::string::npos);
 }
 
+TEST_F(CommandLine, rendersPhotosAndFilesIntoFiles)
+{
+    const std::string source = KORVO_TEST_DATA "/images/turned6.jpg", out = (folder / "out.png").string();
+    EXPECT_EQ(json("render " + source + " --out " + out + " --size 12"),
+        "{\"path\":\"" + out + "\",\"width\":12,\"height\":8}\n");
+    EXPECT_EQ(run("render 1 --out " + out).exitCode, 1) << "the photo is no picture";
+    EXPECT_EQ(run("render 99 --out " + out).err, "korvo: no photo with the id 99\n");
+    EXPECT_EQ(run("render " + source + " --out " + source).exitCode, 1);
+    EXPECT_EQ(run("render " + source + " --out x.gif").exitCode, 2);
+    EXPECT_EQ(run("render " + source + " --out " + out + " --quality 101").exitCode, 2);
+    const auto original = folder.write("photos/d.png", readFile(KORVO_TEST_DATA "/images/base.png")).string();
+    run("--quiet add " + (folder / "photos").string());
+    EXPECT_EQ(run("render 4 --out " + out + R"( --edits '{"exposure":1}')").exitCode, 1) << "no whole record";
+    EXPECT_EQ(run("render 4 --out " + (folder / "photos/a.jpg").string()).exitCode, 1) << "another original";
+    EXPECT_EQ(run("render 4 --out " + out).out, out + "  48 × 32\n");
+    EXPECT_EQ(readFile(original), readFile(KORVO_TEST_DATA "/images/base.png"));
+}
+
 } // namespace korvo

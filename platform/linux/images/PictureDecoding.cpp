@@ -1,7 +1,7 @@
 #include "platform/linux/images/PictureDecoding.h"
 
+#include "platform/Shrinking.h"
 #include "platform/linux/images/ColourConversion.h"
-#include "platform/linux/images/Shrinking.h"
 
 #include <algorithm>
 #include <array>
@@ -13,16 +13,13 @@ namespace {
 
 using namespace std::string_view_literals;
 
-std::uint8_t clampedByte(float value)
-{
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
-}
-
 /// One picture on its way from rows to an image.
 class Decoding {
+    static constexpr int rowsBetweenCalls = 64;
+
 public:
     Decoding(PictureFile& file, PictureRows& rows, const ImageRequest& request, const std::stop_token& stop)
-        : file_(file), rows_(rows), info_(rows.info()), stop_(stop),
+        : file_(file), rows_(rows), info_(rows.info()), stop_(stop), rowsReady_(request.rowsReady),
           isLinear_(request.kind == PixelKind::linear
               || (request.kind == PixelKind::asStored && !ColourConversion::fitsBitmap(info_))),
           isCopied_(!isLinear_ && ColourConversion::isBitmap(info_))
@@ -77,7 +74,13 @@ private:
     {
         Bitmap image(width_, height_);
         if (!isShrunk()) {
-            readBytes([&](int y) { return image.row(y); }, [](const std::uint8_t*) {});
+            int rows = 0;
+            readBytes([&](int y) { return image.row(y); },
+                [&](const std::uint8_t*) {
+                    if (rowsReady_ && isCopied_ && info_.orientation == Orientation::upright
+                        && (++rows % rowsBetweenCalls == 0 || rows == height_))
+                        rowsReady_(image, rows);
+                });
             return image;
         }
         Shrinking shrinking(info_.width, info_.height, width_, height_);
@@ -87,19 +90,10 @@ private:
         readBytes([&](int) { return bytes.data(); },
             [&](const std::uint8_t* row) {
                 std::copy_n(row, stored(), numbers.begin());
-                shrinking.take(numbers.data(), [&](const float* shrunk) { to = storeBytes(shrunk, to); });
+                shrinking.take(
+                    numbers.data(), [&](const float* shrunk) { to = Shrinking::store(shrunk, width_, to); });
             });
         return image;
-    }
-
-    std::uint8_t* storeBytes(const float* row, std::uint8_t* to) const
-    {
-        for (int x = 0; x < width_; ++x, row += 4, to += 4) {
-            to[3] = clampedByte(row[3]);
-            for (int channel = 0; channel < 3; ++channel)
-                to[channel] = std::min(clampedByte(row[channel]), to[3]);
-        }
-        return to;
     }
 
     LinearImage linear()
@@ -161,6 +155,7 @@ private:
     PictureRows& rows_;
     const PictureInfo& info_;
     const std::stop_token& stop_;
+    const RowsReady& rowsReady_;
     bool isLinear_;
     bool isCopied_; ///< the rows are a bitmap's as they come
     int width_ = 0, height_ = 0;

@@ -1,5 +1,5 @@
 #include "platform/ExifPicture.h"
-#include "platform/linux/images/Shrinking.h"
+#include "platform/Shrinking.h"
 #include "platform/linux/images/WholeRows.h"
 
 #include <webp/decode.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/images/Shrinking.h"
+#include "platform/Shrinking.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,6 +16,11 @@ double kernel(double x)
     if (x < 1)
         return (1.5 * x - 2.5) * x * x + 1;
     return x < support ? ((-0.5 * x + 2.5) * x - 4) * x + 2 : 0;
+}
+
+std::uint8_t clampedByte(float value)
+{
+    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
 }
 
 } // namespace
@@ -93,6 +98,33 @@ void Shrinking::take(const float* row, const std::function<void(const float*)>& 
             break;
         emit(sumOf(finished_++).data());
     }
+}
+
+std::uint8_t* Shrinking::store(const float* row, int width, std::uint8_t* rgba)
+{
+    for (int x = 0; x < width; ++x, row += 4, rgba += 4) {
+        rgba[3] = clampedByte(row[3]);
+        for (int channel = 0; channel < 3; ++channel)
+            rgba[channel] = std::min(clampedByte(row[channel]), rgba[3]);
+    }
+    return rgba;
+}
+
+Bitmap shrunk(Bitmap image, int size)
+{
+    const auto [width, height] = shrunkSize(image.width, image.height, size);
+    if (width == image.width && height == image.height)
+        return image;
+    Bitmap result(width, height);
+    Shrinking shrinking(image.width, image.height, width, height);
+    std::vector<float> row(image.rowBytes());
+    std::uint8_t* to = result.bytes.data();
+    for (int y = 0; y < image.height; ++y) {
+        std::copy_n(image.row(y), row.size(), row.begin());
+        shrinking.take(
+            row.data(), [&](const float* numbers) { to = Shrinking::store(numbers, result.width, to); });
+    }
+    return result;
 }
 
 } // namespace korvo

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/PhotoRender.h"
+#include "metadata/ExifTool.h"
+
+namespace korvo {
+
+struct ExportJob {
+    RenderJob render;
+    std::filesystem::path destination; ///< its ending names the format
+    int quality = 90;
+};
+
+struct ExportedPhoto {
+    int width = 0;
+    int height = 0;
+    std::string note; ///< what the user should know of the picture, or empty
+    std::optional<std::string> exifFailure; ///< why the camera's EXIF could not be kept, if it could not
+};
+
+/// Renders a photo into a file: with an sRGB profile, and with the EXIF that its camera wrote. The file
+/// appears whole or not at all, in the place of one that is there. Throws ImageError, std::invalid_argument
+/// for an ending of no format that we write, and std::runtime_error where the destination is an original: the
+/// photo's own file, one that `isOriginal` says is one, or anything in an Aperture library.
+ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const ExportJob& job,
+    const std::function<bool(const std::filesystem::path&)>& isOriginal, const std::stop_token& stop);
+
+} // namespace korvo
