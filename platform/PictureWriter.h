@@ -40,8 +40,10 @@ public:
 std::unique_ptr<PictureWriter> pictureWriter(
     PictureFormat format, const PictureShape& shape, int quality, const std::filesystem::path& file);
 
-/// The bytes of a small JPEG for our own use: without a profile, as sRGB. Throws ImageError.
+/// The bytes of a small JPEG for our own use: without a profile, as sRGB, over white. Throws ImageError.
 std::vector<std::uint8_t> encodedPreview(const Bitmap& image, int quality);
+/// Its picture; nothing when the bytes are damaged.
+std::optional<Bitmap> decodedPreview(std::vector<std::uint8_t> bytes);
 
 /// Whether every pixel is opaque.
 bool isOpaque(const Bitmap& image);

@@ -234,12 +234,11 @@ TEST_F(CommandLine, rendersPhotosAndFilesIntoFiles)
     EXPECT_EQ(run("render " + source + " --out " + source).exitCode, 1);
     EXPECT_EQ(run("render " + source + " --out x.gif").exitCode, 2);
     EXPECT_EQ(run("render " + source + " --out " + out + " --quality 101").exitCode, 2);
-    const auto original = folder.write("photos/d.png", readFile(KORVO_TEST_DATA "/images/base.png")).string();
-    run("--quiet add " + (folder / "photos").string());
-    EXPECT_EQ(run("render 4 --out " + out + R"( --edits '{"exposure":1}')").exitCode, 1) << "no whole record";
-    EXPECT_EQ(run("render 4 --out " + (folder / "photos/a.jpg").string()).exitCode, 1) << "another original";
-    EXPECT_EQ(run("render 4 --out " + out).out, out + "  48 × 32\n");
-    EXPECT_EQ(readFile(original), readFile(KORVO_TEST_DATA "/images/base.png"));
+    const auto original = folder.write("photos/a.jpg", readFile(source));
+    EXPECT_EQ(run("render 1 --out " + out + R"( --edits '{"exposure":1}')").exitCode, 1) << "no whole record";
+    EXPECT_EQ(run("render 1 --out " + (folder / "photos/b.jpg").string()).exitCode, 1) << "another original";
+    EXPECT_EQ(run("render 1 --out " + out).out, out + "  48 × 32\n");
+    EXPECT_EQ(readFile(original), readFile(source));
 }
 
 } // namespace korvo

@@ -1,6 +1,7 @@
 #include "platform/linux/images/PictureWriters.h"
 
 #include "base/Text.h"
+#include "platform/linux/images/PictureDecoding.h"
 
 #include <algorithm>
 #include <array>
@@ -57,10 +58,20 @@ std::unique_ptr<PictureWriter> pictureWriter(
 
 std::vector<std::uint8_t> encodedPreview(const Bitmap& image, int quality)
 {
-    const auto writer = jpegWriter({image.width, image.height}, quality, Profile::none, "preview");
+    const auto alpha = isOpaque(image) ? AlphaPlane::absent : AlphaPlane::present;
+    const auto writer = jpegWriter({image.width, image.height, alpha}, quality, Profile::none, "preview");
     for (int y = 0; y < image.height; ++y)
         writer->write(image.row(y));
     return writer->finish();
+}
+
+std::optional<Bitmap> decodedPreview(std::vector<std::uint8_t> bytes)
+try {
+    PictureFile file("preview", std::move(bytes));
+    auto image = decodePicture(file, openJpeg, {}, {});
+    return image.note.empty() ? std::optional(std::get<Bitmap>(std::move(image.pixels))) : std::nullopt;
+} catch (const ImageError&) { // which is the answer
+    return std::nullopt;
 }
 
 bool isOpaque(const Bitmap& image)

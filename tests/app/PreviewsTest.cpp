@@ -1,0 +1,170 @@
+#include "app/Previews.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace korvo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class FixedClock : public Clock {
+public:
+    UnixTime now() const override { return time; }
+    UnixTime time = 1'000'000;
+};
+
+/// Gives one colour for every file, and counts how often it is asked.
+class CountingReader : public ImageReader {
+public:
+    DecodedImage read(const fs::path&, const ImageRequest& request, const std::stop_token&) override
+    {
+        ++reads;
+        Bitmap image(request.size, request.size);
+        std::fill(image.bytes.begin(), image.bytes.end(), std::uint8_t(255));
+        return {std::move(image), 4 * request.size, 4 * request.size, {}};
+    }
+
+    int reads = 0;
+};
+
+class PreviewsTest : public ::testing::Test {
+protected:
+    /// How often the reader is asked when a preview is wanted from a cache that is opened anew.
+    int readsFor(const RenderJob& job)
+    {
+        PreviewCache cache(folder / "Previews", bound, clock);
+        Previews previews(reader, cache);
+        const int before = reader.reads;
+        EXPECT_EQ(previews.preview(job, {}).width, job.size);
+        return reader.reads - before;
+    }
+
+    PreviewKey key(int size) const { return *previewKey({photo, {}, size}); }
+
+    fs::path cacheFile() const
+    {
+        fs::path newest;
+        for (const auto& entry : fs::directory_iterator(folder / "Previews"))
+            if (entry.path().extension() == ".sqlite")
+                newest = std::max(newest, entry.path());
+        return newest;
+    }
+
+    TemporaryFolder folder;
+    fs::path photo = folder.write("a.jpg", "x");
+    FixedClock clock;
+    CountingReader reader;
+    std::int64_t bound = 1 << 20;
+};
+
+} // namespace
+
+TEST_F(PreviewsTest, rendersOnceForEachStateOfFileAndEdit)
+{
+    const RenderJob job{photo, {}, 16};
+    EXPECT_EQ(readsFor(job), 1);
+    EXPECT_EQ(readsFor(job), 0);
+    RenderJob larger = job, edited = job, cropped = job;
+    larger.size = 32;
+    edited.edits.exposure = 1;
+    cropped.edits.crop = CropRect{0, 0, 1, 0.99996};
+    cropped.edits.straighten = 0.001;
+    auto finer = cropped, coarser = cropped, off = edited;
+    finer.edits.crop->h = 0.99999;
+    finer.edits.straighten = -0.002;
+    coarser.edits.crop->h = 0.9998;
+    off.edits.disabledBricks = std::vector<std::string>{"exposure"};
+    struct Case {
+        const char* name;
+        RenderJob job;
+        int reads;
+    };
+    for (const auto& [name, other, reads] :
+        {Case{"size", larger, 1}, Case{"edits", edited, 1}, Case{"crop", cropped, 1},
+            Case{"beyond four and two decimals", finer, 0}, Case{"within", coarser, 1}})
+        EXPECT_EQ(readsFor(other), reads) << name;
+    fs::last_write_time(photo, fs::last_write_time(photo) + std::chrono::milliseconds(1));
+    EXPECT_EQ(readsFor(job), 1) << "the file has changed";
+    EXPECT_EQ(readsFor({folder / "gone.jpg", {}, 16}), 1) << "without a state there is nothing to keep it by";
+}
+
+TEST_F(PreviewsTest, forgetsWhatWasNotUsedForTheLongestTime)
+{
+    const std::vector<std::uint8_t> image(1000);
+    PreviewCache cache(folder / "Previews", 10'500, clock);
+    for (int size = 1; size <= 10; ++size, clock.time += 1000)
+        cache.store(key(size), image);
+    EXPECT_TRUE(cache.find(key(1)));
+    clock.time += 1000;
+    cache.store(key(11), image);
+    for (const auto& [size, isKept] : {std::pair(1, true), {2, false}, {3, false}, {4, true}, {11, true}})
+        EXPECT_EQ(cache.find(key(size)).has_value(), isKept) << size;
+    cache.store(key(11), image);
+    cache.remove(key(11));
+    EXPECT_FALSE(cache.find(key(11)));
+    for (int size = 12; size < 200; ++size)
+        cache.store(key(size), image);
+    EXPECT_LT(fs::file_size(cacheFile()), 200'000);
+}
+
+TEST_F(PreviewsTest, aDamagedCacheIsThrownAwayAndRebuilt)
+{
+    const RenderJob job{photo, {}, 16};
+    readsFor(job);
+    const auto whole = readFile(cacheFile());
+    for (const auto& [name, contents] : {std::pair("empty", std::string()),
+             {"rubbish", std::string(5000, 'x')}, {"cut off", whole.substr(0, 5000)},
+             {"overwritten", whole.substr(0, 100) + std::string(whole.size() - 100, 'x')}}) {
+        std::ofstream(cacheFile(), std::ios::binary) << contents;
+        EXPECT_EQ(readsFor(job), 1) << name;
+        EXPECT_EQ(readsFor(job), 0) << name;
+    }
+    {
+        PreviewCache cache(folder / "Previews", bound, clock);
+        const auto key = previewKey({photo, {}, job.size, static_cast<int>(job.source)});
+        cache.remove(key.value());
+        cache.store(key.value(), std::vector<std::uint8_t>(9));
+    }
+    EXPECT_EQ(readsFor(job), 1) << "an image that is damaged";
+    EXPECT_EQ(readsFor(job), 0);
+    fs::remove_all(folder / "Previews");
+    folder.write("Previews", "a file in its place");
+    EXPECT_EQ(readsFor(job), 1);
+    EXPECT_EQ(readsFor(job), 1);
+}
+
+TEST_F(PreviewsTest, severalProcessesAndThreadsWriteAtOnce)
+{
+    constexpr int processes = 3, threads = 2, images = 60;
+    const auto write = [&](int first) {
+        PreviewCache cache(folder / "Previews", 1 << 24, clock);
+        std::vector<std::jthread> workers;
+        for (int thread = 0; thread < threads; ++thread)
+            workers.emplace_back([&, thread] {
+                for (int i = thread; i < images; i += threads)
+                    cache.store(
+                        key(first + i), std::vector<std::uint8_t>(2000, static_cast<std::uint8_t>(i)));
+            });
+    };
+    for (int process = 0; process < processes; ++process)
+        if (fork() == 0) {
+            write(1 + process * images / 2); // with a half in common
+            _exit(0);
+        }
+    for (int process = 0, status = 0; process < processes; ++process) {
+        wait(&status);
+        EXPECT_EQ(status, 0);
+    }
+    PreviewCache cache(folder / "Previews", 1 << 24, clock);
+    for (int size = 1; size <= images * (processes + 1) / 2; ++size)
+        EXPECT_TRUE(cache.find(key(size))) << size;
+}
+
+} // namespace korvo
