@@ -38,7 +38,7 @@ ExitCode setCommand(Context& context, const MetadataChange& change, const PhotoA
 ExitCode editsCommand(Context& context, const EditsArguments& arguments);
 ExitCode removeCommand(Context& context, const PhotoArguments& photos);
 
-// Pictures (RenderCommands.cpp)
+// Pictures (RenderCommands.cpp, AnalysisCommands.cpp)
 struct RenderArguments {
     std::string photo; // an id, or a file
     std::string out;
@@ -47,6 +47,16 @@ struct RenderArguments {
     int quality = 90;
 };
 ExitCode renderCommand(Context& context, const RenderArguments& arguments);
+struct HistogramArguments {
+    std::string photo;
+    std::optional<std::string> edits; // JSON, or "@" and the name of a file that holds it
+};
+ExitCode histogramCommand(Context& context, const HistogramArguments& arguments);
+struct EnhanceArguments {
+    std::string photo;
+    bool apply = false;
+};
+ExitCode enhanceCommand(Context& context, const EnhanceArguments& arguments);
 
 // What files say and hold (MetadataCommands.cpp)
 ExitCode infoCommand(Context& context, const std::filesystem::path& file);

@@ -17,6 +17,20 @@ void addRenderCommands(Parser& parser)
                 ->check(CLI::Range(1, 100));
         },
         renderCommand);
+    command<HistogramArguments>(
+        parser, &parser.app, "histogram", "the tones of a photo with its edits",
+        [](CLI::App& sub, HistogramArguments& histogram) {
+            sub.add_option("PHOTO", histogram.photo, "a photo's id, or a file")->required();
+            sub.add_option("--edits", histogram.edits, "other edits than the photo's: JSON, or @FILE");
+        },
+        histogramCommand);
+    command<EnhanceArguments>(
+        parser, &parser.app, "enhance", "what auto enhance proposes for a photo",
+        [](CLI::App& sub, EnhanceArguments& enhance) {
+            sub.add_option("PHOTO", enhance.photo, "a photo's id, or a file")->required();
+            sub.add_flag("--apply", enhance.apply, "store the values in the photo's edits");
+        },
+        enhanceCommand);
 }
 
 } // namespace korvo

@@ -241,4 +241,35 @@ TEST_F(CommandLine, rendersPhotosAndFilesIntoFiles)
     EXPECT_EQ(readFile(original), readFile(source));
 }
 
+TEST_F(CommandLine, analysesPhotosAndStoresWhatIsProposed)
+{
+    const std::string picture = KORVO_TEST_DATA "/images/plain.jpg";
+    folder.write("photos/a.jpg", readFile(picture));
+    const auto tones = json("histogram 1");
+    EXPECT_TRUE(tones.starts_with(R"({"red":[)")) << tones;
+    EXPECT_EQ(std::count(tones.begin(), tones.end(), ','), 4 * 64 - 1);
+    EXPECT_EQ(json("histogram " + picture), tones);
+
+    const auto proposed = json("enhance 1");
+    EXPECT_TRUE(proposed.starts_with(R"({"exposure":)")) << proposed;
+    EXPECT_EQ(json("enhance " + picture), proposed);
+    EXPECT_EQ(run("edits 1").out, toJson(PhotoEdits()) + "\n") << "nothing is stored unasked";
+
+    PhotoEdits edits{.exposure = 2, .tint = 3};
+    run("edits 1 --set @" + folder.write("edits.json", toJson(edits)).string());
+    EXPECT_NE(json("histogram 1"), tones);
+    EXPECT_EQ(
+        json("histogram 1 --edits @" + folder.write("none.json", toJson(PhotoEdits())).string()), tones);
+    EXPECT_EQ(json("enhance 1 --apply"), proposed) << "the photo as taken counts, not its edits";
+    const auto stored = fromJson<PhotoEdits>(run("edits 1").out);
+    EXPECT_EQ(stored.tint, 3);
+    EXPECT_NE(stored.exposure, 2);
+
+    EXPECT_EQ(run("enhance " + picture + " --apply").exitCode, 2);
+    const auto before = run("edits 2").out;
+    EXPECT_EQ(run("enhance 2 --apply").exitCode, 1) << "the photo is no picture";
+    EXPECT_EQ(run("edits 2").out, before);
+    EXPECT_EQ(run("histogram 2").exitCode, 1);
+}
+
 } // namespace korvo
