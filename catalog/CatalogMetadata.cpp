@@ -1,6 +1,8 @@
 // What the files hold and what the catalog holds, kept in step.
 
+#include "base/Json.h"
 #include "catalog/Catalog.h"
+#include "catalog/Meta.h"
 #include "catalog/PhotoRows.h"
 
 namespace korvo {
@@ -18,15 +20,18 @@ std::vector<std::pair<PhotoID, std::string>> idsAndPaths(
     return photos;
 }
 
-std::optional<PhotoMetadata> metadataBase(Database& database, PhotoID id)
+std::string baseKey(PhotoID id)
 {
-    auto row = database.kept("SELECT alt_text, title, caption, keywords, creator, copyright FROM "
-                             "metadata_base WHERE photo_id = ?");
-    row.bind(id);
-    if (!row.step())
-        return std::nullopt;
-    return PhotoMetadata{SharedText(row.text(0)), SharedText(row.text(1)), SharedText(row.text(2)),
-        SharedText(row.text(3)), SharedText(row.text(4)), SharedText(row.text(5))};
+    return "metadata_base:" + std::to_string(id);
+}
+
+/// What the file of a photo that waits to be written held when the catalog and it last agreed.
+std::optional<PhotoMetadata> metadataBase(Database& database, PhotoID id)
+try {
+    const auto stored = readMeta(database, baseKey(id));
+    return stored ? std::optional(fromJson<PhotoMetadata>(*stored)) : std::nullopt;
+} catch (const JsonError&) {
+    return std::nullopt; // as if nothing were known: what the file holds is then taken more readily
 }
 
 } // namespace
@@ -144,26 +149,24 @@ void Catalog::metadataSeen(PhotoID id, const PhotoMetadata& inFile, UnixTime fil
 void Catalog::keepMetadataBase(std::span<const PhotoID> ids)
 {
     for (const PhotoID id : ids)
-        database_.run(R"(INSERT OR REPLACE INTO metadata_base
-SELECT id, alt_text, title, caption, keywords, creator, copyright FROM photos
-WHERE id = ? AND dirty = 0 AND version_of IS NULL)",
-            id);
+        database_.run(R"(INSERT OR REPLACE INTO meta
+SELECT ?, json_object('altText', alt_text, 'title', title, 'caption', caption, 'keywords', keywords,
+    'creator', creator, 'copyright', copyright)
+FROM photos WHERE id = ? AND dirty = 0 AND version_of IS NULL)",
+            baseKey(id), id);
 }
 
 void Catalog::storeMetadataBase(PhotoID id, const PhotoMetadata& base)
 {
-    database_.run(
-        R"(INSERT OR REPLACE INTO metadata_base SELECT id, ?, ?, ?, ?, ?, ? FROM photos WHERE id = ?)",
-        base.altText.view(), base.title.view(), base.caption.view(), base.keywords.view(),
-        base.creator.view(), base.copyright.view(), id);
+    writeMeta(database_, baseKey(id), toJson(base));
 }
 
 /// Unless the photo waits still.
 void Catalog::dropMetadataBase(PhotoID id)
 {
-    database_.run("DELETE FROM metadata_base WHERE photo_id = ? "
-                  "AND NOT EXISTS (SELECT 1 FROM photos WHERE id = photo_id AND dirty = 1)",
-        id);
+    database_.run(
+        "DELETE FROM meta WHERE key = ? AND NOT EXISTS (SELECT 1 FROM photos WHERE id = ? AND dirty = 1)",
+        baseKey(id), id);
 }
 
 } // namespace korvo

@@ -178,6 +178,8 @@ void Catalog::deletePhotos(std::span<const PhotoID> ids)
     const auto touched = stacksOf("SELECT stack_id FROM photos WHERE id = ?", ids);
     forEachID(database_, "DELETE FROM photos WHERE id = ?", ids,
         [](Statement& statement, PhotoID id) { statement.bind(id); });
+    for (const PhotoID id : ids)
+        dropMetadataBase(id);
     repairStacks(touched);
     transaction.commit();
 }

@@ -231,14 +231,6 @@ void repairHalfRebuiltPhotos(Database& database)
     transaction.commit();
 }
 
-/// What the files of photos that wait to be written held when the catalog and they last agreed.
-constexpr auto metadataBase = R"(
-CREATE TABLE IF NOT EXISTS metadata_base (
-    photo_id INTEGER PRIMARY KEY REFERENCES photos(id) ON DELETE CASCADE,
-    alt_text TEXT NOT NULL, title TEXT NOT NULL, caption TEXT NOT NULL,
-    keywords TEXT NOT NULL, creator TEXT NOT NULL, copyright TEXT NOT NULL
-);)";
-
 void ensureMasterPathIndex(Database& database)
 {
     database.exec("DROP INDEX IF EXISTS idx_photos_path_version");
@@ -269,7 +261,6 @@ void migrate(Database& database)
             repairHalfRebuiltPhotos(database);
     }
     ensureMasterPathIndex(database);
-    database.exec(metadataBase);
 }
 
 } // namespace korvo
