@@ -20,6 +20,9 @@ ColorMatrix saturationMatrix(double saturation)
     return result;
 }
 
+/// Far beyond what can be seen, and far from what floats cannot hold.
+constexpr double largestAmount = 1000;
+
 ColorMatrix scaled(double factor)
 {
     return diagonal({factor, factor, factor});
@@ -59,7 +62,7 @@ public:
     }
     void operator()(const CIColorControls& filter)
     {
-        apply(saturationMatrix(std::max(filter.inputSaturation, 0.0)), before_);
+        apply(saturationMatrix(std::clamp(filter.inputSaturation, 0.0, largestAmount)), before_);
     }
     void operator()(const CIVibrance& filter)
     {
@@ -84,7 +87,8 @@ public:
         if (sigma < leastSigma)
             return;
         plan_.hasSharpening = true;
-        plan_.sharpness = static_cast<float>(2 * filter.inputSharpness);
+        plan_.sharpness
+            = static_cast<float>(2 * std::clamp(filter.inputSharpness, -largestAmount, largestAmount));
         plan_.blur = gaussian(sigma);
     }
 

@@ -84,8 +84,9 @@ struct Segment {
 template <typename Visit>
 void forEachSegment(Bytes jpeg, Visit visit)
 {
+    constexpr int mostSteps = 1 << 16; // beyond any file's; made ones would be walked through for minutes
     std::uint64_t at = 2;
-    while (at + 4 <= jpeg.size() && jpeg[at] == 0xFF) {
+    for (int step = 0; step < mostSteps && at + 4 <= jpeg.size() && jpeg[at] == 0xFF; ++step) {
         const auto marker = jpeg[at + 1];
         if (marker == 0xFF) { // filled up
             ++at;
@@ -119,18 +120,32 @@ bool isLargeThumbnail(std::uint64_t attributes)
 void takeMultiPictures(Bytes payload, std::uint64_t base, std::vector<EmbeddedJpeg>& previews)
 {
     constexpr std::uint16_t entriesTag = 0xB002;
-    constexpr std::uint64_t entrySize = 16, mostEntries = 32;
+    constexpr std::uint64_t entrySize = 16, mostEntries = 32; // of all indices together
     const auto index = TiffDirectories::open(payload);
     const auto entries = index ? index->bytes(index->first(), entriesTag) : std::nullopt;
     if (!entries)
         return;
     const auto start = static_cast<std::uint64_t>(entries->data() - payload.data());
-    for (std::uint64_t i = 0; i < std::min(entries->size() / entrySize, mostEntries); ++i) {
+    for (std::uint64_t i = 0; i < entries->size() / entrySize && previews.size() < mostEntries; ++i) {
         const auto field
             = [&](unsigned offset) { return index->number(start + i * entrySize + offset, 4).value_or(0); };
         if (isLargeThumbnail(field(0)) && field(8) != 0)
             previews.push_back({base + field(8), field(4)});
     }
+}
+
+/// A profile's parts, each behind its number and the count of all, joined in their order; empty when one is
+/// missing (ICC.1:2022, B.4).
+std::vector<std::uint8_t> joined(std::vector<Bytes> parts)
+{
+    std::ranges::stable_sort(parts, {}, [](Bytes part) { return part[0]; });
+    std::vector<std::uint8_t> profile;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (parts[i][0] != i + 1 || parts[i][1] != parts.size())
+            return {};
+        profile.insert(profile.end(), parts[i].data() + 2, parts[i].data() + parts[i].size());
+    }
+    return profile;
 }
 
 } // namespace
@@ -174,6 +189,7 @@ std::optional<JpegSize> jpegSize(Bytes bytes)
 JpegHead readJpegHead(Bytes head)
 {
     JpegHead result;
+    std::vector<Bytes> profile;
     bool hasExif = false;
     forEachSegment(head, [&](const Segment& segment) {
         if (segment.marker == app1 && segment.payload.startsWith(exifMark) && !hasExif) {
@@ -186,21 +202,23 @@ JpegHead readJpegHead(Bytes head)
             takeMultiPictures(segment.payload.from(multiPictureMark.size()),
                 segment.offset + multiPictureMark.size(), result.previews);
         } else if (segment.marker == app2 && segment.payload.startsWith(profileMark)) {
-            const auto part
-                = segment.payload.from(profileMark.size() + 2); // behind its number and their count
-            result.profile.insert(result.profile.end(), part.data(), part.data() + part.size());
+            if (const auto part = segment.payload.from(profileMark.size()); part.size() > 2)
+                profile.push_back(part);
         }
         return !isFrame(segment.marker);
     });
+    result.profile = joined(std::move(profile));
     return result;
 }
 
 std::optional<EmbeddedJpeg> largestJpegIn(Bytes file)
 {
+    constexpr int mostMarks = 4096; // random bytes have a few; only made files have more
     std::optional<EmbeddedJpeg> largest;
     std::int64_t most = 0;
     const auto text = file.text();
-    for (auto at = text.find(jpegMark); at != text.npos; at = text.find(jpegMark, at + jpegMark.size())) {
+    auto at = text.find(jpegMark);
+    for (int i = 0; i < mostMarks && at != text.npos; ++i, at = text.find(jpegMark, at + jpegMark.size())) {
         const auto size = jpegSize(file.from(at));
         const auto pixels = size ? std::int64_t(size->width) * size->height : 0;
         if (pixels > most) {

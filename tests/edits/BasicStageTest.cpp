@@ -376,6 +376,17 @@ TEST(BasicStage, sharpensLessInSmallRenders)
     EXPECT_EQ(basicPlan(filters, 2).blur, basicPlan(filters, 1).blur);
 }
 
+TEST(BasicStage, boundsAmountsThatNoSliderGives)
+{
+    CIColorControls controls;
+    CISharpenLuminance sharpening;
+    controls.inputSaturation = sharpening.inputSharpness = 1e300;
+    const auto plan = basicPlan({controls, sharpening});
+    EXPECT_TRUE(std::isfinite(plan.sharpness));
+    for (const float entry : plan.before)
+        EXPECT_TRUE(std::isfinite(entry));
+}
+
 TEST(BasicStage, takesImagesWithoutPixels)
 {
     Bitmap result(4, 4);

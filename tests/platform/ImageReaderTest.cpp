@@ -1,3 +1,5 @@
+#include "platform/PictureWriter.h"
+#include "platform/linux/images/PictureRows.h"
 #include "platform/linux/images/SystemImageReader.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -100,12 +102,12 @@ TEST_F(ImageReading, everyKindShowsTheSameColoursUpright)
     };
     for (const auto& [name, tolerance, isGrey] : {Case{"base.png", 0}, {"interlaced.png", 0},
              {"palette.png", 0}, {"deep.png", 0.5}, {"half.png", 1.1}, {"p3deep.png", 1}, {"turned6.png", 0},
-             {"plain.jpg", 2}, {"progressive.jpg", 6}, {"grey.jpg", 25, true}, {"cmyk.jpg", 3},
+             {"plain.jpg", 2}, {"progressive.jpg", 6}, {"grey.jpg", 2, true}, {"cmyk.jpg", 3},
              {"turned3.jpg", 2}, {"turned6.jpg", 2}, {"turned8.jpg", 2}, {"p3.jpg", 3}, {"lossy.webp", 8},
              {"half.webp", 1.1}, {"animated.webp", 8}, {"packed.tif", 0}, {"deep.tif", 0.5}, {"tiled.tif", 0},
              {"palette.tif", 0}, {"cmyk.tif", 1}, {"real.tif", 1}, {"turned6.tif", 0}, {"animated.gif", 0},
              {"plain.bmp", 0}, {"plain.heic", 4}, {"deep.avif", 4}, {"camera.dng", 4}, {"film.mp4", 6},
-             {"turned.mov", 6}, {"film.avi", 6}, {"film.mpg", 8}}) {
+             {"turned.mov", 6}, {"oblong.mp4", 6}, {"film.avi", 6}, {"film.mpg", 8}}) {
         SCOPED_TRACE(name);
         const auto bitmap = read(picture(name));
         expectFields(bitmap, tolerance, isGrey);
@@ -146,8 +148,12 @@ TEST_F(ImageReading, refusesWhatClaimsTooManyPixelsBeforeAskingForMemory)
         ASSERT_NE(entry, tiff.npos);
         tiff.replace(entry + 8, 2, "\x60\xEA");
     }
-    for (const auto& [name, contents] :
-        {std::pair("huge.jpg", jpeg), {"huge.bmp", bitmap}, {"huge.tif", tiff}})
+    auto png = readFile(picture("base.png"));
+    png.replace(16, 8, std::string("\0\0\xEA\x60\0\0\xEA\x60", 8)).replace(29, 4, "\xFD\xBC\x9D\xD1");
+    auto gif = readFile(picture("animated.gif"));
+    gif.replace(6, 4, "\x60\xEA\x60\xEA");
+    for (const auto& [name, contents] : {std::pair("huge.jpg", jpeg), {"huge.bmp", bitmap},
+             {"huge.tif", tiff}, {"huge.png", png}, {"huge.gif", gif}})
         EXPECT_EQ(failure(folder.write(name, contents + std::string(100'000, '\0')), "60000 × 60000 pixels"),
             ImageError::Case::tooLarge)
             << name;
@@ -196,6 +202,48 @@ TEST_F(ImageReading, everyDamagedFileIsReadInPartOrRefused)
     expectFields(read(picture("plain.heic")), 4);
 }
 
+TEST_F(ImageReading, whatIsCutOffShowsItsFirstRows)
+{
+    constexpr int width = 600, height = 400;
+    Bitmap image(width, height);
+    for (std::size_t i = 0; i < image.bytes.size(); ++i)
+        image.bytes[i] = static_cast<std::uint8_t>(i % 4 == 3 ? 255 : 90 + i * i * 2654435761U / 7 % 60);
+    for (const auto* const name : {"a.jpg", "a.png", "a.webp", "a.tif"}) {
+        SCOPED_TRACE(name);
+        const auto writer = pictureWriter(*pictureFormat(name), {width, height}, 90, name);
+        for (int y = 0; y < height; ++y)
+            writer->write(image.row(y));
+        const auto bytes = writer->finish();
+        auto contents = std::string(bytes.begin(), bytes.end());
+        if (std::string_view(name) == "a.tif") // whose end is its table of contents
+            std::fill(contents.begin() + static_cast<long>(contents.size() / 2),
+                contents.begin() + static_cast<long>(contents.size() * 3 / 4), '\0');
+        else
+            contents.resize(contents.size() * 3 / 4);
+        const auto found = read(folder.write(name, contents));
+        EXPECT_NE(found.note.find("damaged"), std::string::npos);
+        const auto& bitmap = std::get<Bitmap>(found.pixels);
+        EXPECT_TRUE(isOpaque(bitmap));
+        for (int channel = 0; channel < 3; ++channel)
+            EXPECT_NEAR(bitmap.row(0)[channel], image.row(0)[channel], 40);
+    }
+}
+
+TEST(PictureRows, whatHoldsTheWholePictureIsBoundedInMemory)
+{
+    for (const auto& [name, open] :
+        {std::pair("progressive.jpg", OpenRows(openJpeg)), {"interlaced.png", OpenRows(openPng)}}) {
+        PictureFile file(picture(name));
+        EXPECT_NE(open(file, {.mostMemory = 10'000}), nullptr);
+        try {
+            open(file, {.mostMemory = 1000});
+            ADD_FAILURE() << name;
+        } catch (const ImageError& error) {
+            EXPECT_EQ(error.which(), ImageError::Case::memory);
+        }
+    }
+}
+
 TEST_F(ImageReading, aCutOffPhotoShowsWhatThereIs)
 {
     const auto whole = readFile(picture("turned3.jpg"));
@@ -234,6 +282,19 @@ TEST_F(ImageReading, aRawFileThatCannotBeDevelopedShowsItsPreviewAndSaysSo)
     expectFields(read(folder.write("blind.dng", blind), {0, PixelKind::bitmap, PictureSource::quick}), 4);
     EXPECT_EQ(
         failure(folder.write("none.dng", blind.substr(0, blind.size() / 2))), ImageError::Case::damaged);
+}
+
+TEST_F(ImageReading, aPreviewOfAnotherShapeIsNotSqueezed)
+{
+    auto file = readFile(picture("camera.dng"));
+    Bitmap square(32, 32); // whose file is not longer than the one it replaces
+    std::ranges::fill(square.bytes, std::uint8_t(255));
+    const auto preview = encodedPreview(square, 50);
+    ASSERT_LE(preview.size(), 687U);
+    file.replace(file.find("\xFF\xD8\xFF"), preview.size(), std::string(preview.begin(), preview.end()));
+    const auto image = read(folder.write("square.dng", file), {16, PixelKind::bitmap, PictureSource::quick});
+    EXPECT_EQ(sizeOf(std::get<Bitmap>(image.pixels)), std::pair(16, 16));
+    EXPECT_EQ(image.fullWidth, 192);
 }
 
 TEST_F(ImageReading, aRawFileKeepsWhatIsBrighterThanWhite)

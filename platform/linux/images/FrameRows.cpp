@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -88,6 +89,8 @@ std::unique_ptr<AVFrame, Free> nextFrame(
 {
     const std::unique_ptr<AVPacket, Free> packet(av_packet_alloc());
     std::unique_ptr<AVFrame, Free> frame(av_frame_alloc());
+    if (!packet || !frame)
+        throw std::bad_alloc();
     bool isAtEnd = false;
     while (true) {
         const int result = avcodec_receive_frame(decoder, frame.get());
@@ -129,11 +132,19 @@ bool hasAlpha(AVPixelFormat format)
     return description && (description->flags & (AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_PAL)) != 0;
 }
 
-PixelBuffer<std::uint8_t> rgba(const PictureFile& file, const AVFrame& frame)
+/// A frame's width as it is to be seen: its pixels may be oblong.
+int widthSeen(AVFormatContext* film, int stream, AVFrame& frame)
+{
+    const auto ratio = av_guess_sample_aspect_ratio(film, film->streams[stream], &frame);
+    const double width = ratio.num > 0 && ratio.den > 0 ? frame.width * av_q2d(ratio) : frame.width;
+    return static_cast<int>(std::lround(std::clamp(width, 1.0, 1e9)));
+}
+
+PixelBuffer<std::uint8_t> rgba(const PictureFile& file, const AVFrame& frame, int width)
 {
     const auto format = static_cast<AVPixelFormat>(frame.format);
     const std::unique_ptr<SwsContext, Free> scaler(
-        sws_getContext(frame.width, frame.height, format, frame.width, frame.height, AV_PIX_FMT_RGBA,
+        sws_getContext(frame.width, frame.height, format, width, frame.height, AV_PIX_FMT_RGBA,
             SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
     if (!scaler)
         file.fail(ImageError::Case::unsupported, "the film's colours cannot be decoded");
@@ -143,9 +154,9 @@ PixelBuffer<std::uint8_t> rgba(const PictureFile& file, const AVFrame& frame)
     sws_setColorspaceDetails(scaler.get(), sws_getCoefficients(space), frame.color_range == AVCOL_RANGE_JPEG,
         sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, 1 << 16, 1 << 16);
     PixelBuffer<std::uint8_t> pixels(
-        std::size_t(4) * static_cast<std::size_t>(frame.width) * static_cast<std::size_t>(frame.height));
+        std::size_t(4) * static_cast<std::size_t>(width) * static_cast<std::size_t>(frame.height));
     std::uint8_t* planes[] = {pixels.data(), nullptr, nullptr, nullptr};
-    const int strides[] = {4 * frame.width, 0, 0, 0};
+    const int strides[] = {4 * width, 0, 0, 0};
     sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides);
     return pixels;
 }
@@ -163,6 +174,8 @@ std::unique_ptr<PictureRows> openFrame(PictureFile& file, const OpenOptions&)
     const auto* const parameters = film->streams[stream]->codecpar;
     checkSize(file, parameters->width, parameters->height);
     const std::unique_ptr<AVCodecContext, Free> decoder(avcodec_alloc_context3(codec));
+    if (!decoder)
+        throw std::bad_alloc();
     decoder->max_pixels = mostPixels;
     decoder->thread_count = 1;
     check(file, avcodec_parameters_to_context(decoder.get(), parameters), ImageError::Case::damaged,
@@ -171,14 +184,16 @@ std::unique_ptr<PictureRows> openFrame(PictureFile& file, const OpenOptions&)
         "cannot be decoded");
     seek(film.get());
     const auto frame = nextFrame(file, film.get(), decoder.get(), stream);
-    checkSize(file, frame->width, frame->height);
     PictureInfo info;
-    info.fullWidth = info.width = frame->width;
+    info.fullWidth = info.width = widthSeen(film.get(), stream, *frame);
     info.fullHeight = info.height = frame->height;
+    checkSize(file, info.width, info.height);
+    if (frame->color_trc == AVCOL_TRC_SMPTE2084 || frame->color_trc == AVCOL_TRC_ARIB_STD_B67)
+        info.note = unknownCurveNote;
     info.orientation = orientationOf(*film->streams[stream]);
     if (hasAlpha(static_cast<AVPixelFormat>(frame->format)))
         info.format.alpha = RowFormat::Alpha::straight;
-    auto pixels = rgba(file, *frame);
+    auto pixels = rgba(file, *frame, info.width);
     return std::make_unique<WholeRows>(std::move(info), std::move(pixels));
 }
 

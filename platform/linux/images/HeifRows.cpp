@@ -89,7 +89,7 @@ void takeProfile(const heif_image_handle* image, PictureInfo& info)
     info.profile = profileOfPrimaries(nclx->color_primaries);
     if (nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_PQ
         || nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_HLG)
-        info.note = "its HDR tone curve is not known: it is shown as if it were sRGB";
+        info.note = unknownCurveNote;
 }
 
 /// The decoded pixels as rows: 8 bits as they are, more as 16.

@@ -8,6 +8,8 @@
 #include <cstdio> // jpeglib.h takes FILE for granted
 #include <cstdlib>
 #include <cstring>
+#include <exception>
+#include <jerror.h>
 #include <jpeglib.h>
 
 namespace korvo {
@@ -27,17 +29,17 @@ class JpegRows : public PictureRows {
 public:
     JpegRows(PictureFile& file, std::uint64_t offset, std::uint64_t length, const OpenOptions& options)
         : file_(file), offset_(offset),
-          end_(offset + std::min(length, file.size() - std::min(offset, file.size())))
+          end_(offset + std::min(length, file.size() - std::min(offset, file.size()))), stop_(options.stop)
     {
-        connect();
-        begin(options.size);
+        begin(options);
         takeMarkers();
+        takeProfile();
     }
 
     void read(std::uint8_t* row) override
     {
         if (isBroken_ || !readRow(row))
-            fillFrom(row);
+            fill(row);
         else if (inverts_)
             std::transform(
                 row, row + rowBytes(), row, [](std::uint8_t ink) { return std::uint8_t(255 - ink); });
@@ -47,13 +49,13 @@ public:
 
 private:
     static JpegRows& of(j_common_ptr jpeg) { return *static_cast<JpegRows*>(jpeg->client_data); }
-    std::size_t rowBytes() const { return info_.format.pixelBytes() * static_cast<std::size_t>(info_.width); }
 
     void connect()
     {
         jpeg_.err = jpeg_std_error(&errors_);
         errors_.error_exit = [](j_common_ptr jpeg) {
             of(jpeg).keepMessage(jpeg);
+            of(jpeg).which_ = caseOf(jpeg->err->msg_code);
             std::longjmp(of(jpeg).jump_, 1);
         };
         errors_.emit_message = [](j_common_ptr jpeg, int level) {
@@ -65,35 +67,64 @@ private:
         jpeg_.client_data = this;
         source_.init_source = [](j_decompress_ptr) {};
         source_.fill_input_buffer
-            = [](j_decompress_ptr jpeg) -> boolean { return of(j_common_ptr(jpeg)).fill(); };
+            = [](j_decompress_ptr jpeg) -> boolean { return of(j_common_ptr(jpeg)).fillBuffer(); };
         source_.skip_input_data
             = [](j_decompress_ptr jpeg, long count) { of(j_common_ptr(jpeg)).skip(count); };
         source_.resync_to_restart = jpeg_resync_to_restart;
         source_.term_source = [](j_decompress_ptr) {};
         jpeg_.src = &source_;
         progress_.progress_monitor = [](j_common_ptr jpeg) {
+            if (of(jpeg).stop_.stop_requested())
+                of(jpeg).giveUp(ImageError::Case::stopped, "was stopped");
             if (reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > mostScans)
-                of(jpeg).giveUp("it has too many scans");
+                of(jpeg).giveUp(ImageError::Case::damaged, "it has too many scans");
         };
     }
 
-    void begin(int size)
+    /// Says what the jump was for.
+    [[noreturn]] void fail() const
+    {
+        if (unread_)
+            std::rethrow_exception(unread_);
+        file_.fail(which_,
+            which_ == ImageError::Case::damaged           ? "the file is damaged: " + message_
+                : which_ == ImageError::Case::unsupported ? "this kind of JPEG cannot be decoded: " + message_
+                                                          : message_);
+    }
+
+    static ImageError::Case caseOf(int code)
+    {
+        switch (code) {
+        case JERR_SOF_UNSUPPORTED:
+        case JERR_BAD_PRECISION:
+        case JERR_CONVERSION_NOTIMPL:
+        case JERR_NOT_COMPILED:
+            return ImageError::Case::unsupported;
+        case JERR_OUT_OF_MEMORY:
+            return ImageError::Case::memory;
+        default:
+            return ImageError::Case::damaged;
+        }
+    }
+
+    void begin(const OpenOptions& options)
     {
         if (setjmp(jump_))
-            file_.fail(ImageError::Case::damaged, "the file is damaged: " + message_);
+            fail();
+        connect();
         jpeg_save_markers(&jpeg_, exifMarker, longestMarker);
         jpeg_save_markers(&jpeg_, profileMarker, longestMarker);
         jpeg_read_header(&jpeg_, TRUE);
-        check();
+        check(options.mostMemory);
         chooseColours();
-        chooseScale(size);
+        chooseScale(options.size);
         jpeg_.progress = &progress_;
         jpeg_start_decompress(&jpeg_);
         info_.width = static_cast<int>(jpeg_.output_width);
         info_.height = static_cast<int>(jpeg_.output_height);
     }
 
-    void check()
+    void check(std::int64_t mostMemory)
     {
         info_.fullWidth = static_cast<int>(jpeg_.image_width);
         info_.fullHeight = static_cast<int>(jpeg_.image_height);
@@ -103,6 +134,8 @@ private:
             file_.fail(ImageError::Case::tooLarge,
                 "its " + std::to_string(info_.fullWidth) + " × " + std::to_string(info_.fullHeight)
                     + " pixels are more than can be decoded of a progressive JPEG");
+        if (jpeg_has_multiple_scans(&jpeg_) && coefficients > mostMemory)
+            file_.fail(ImageError::Case::memory, "there is not enough memory to decode it");
     }
 
     void chooseColours()
@@ -151,8 +184,14 @@ private:
                 break;
             }
         }
+    }
+
+    void takeProfile()
+    {
         JOCTET* profile = nullptr;
         unsigned length = 0;
+        if (setjmp(jump_))
+            fail();
         if (jpeg_read_icc_profile(&jpeg_, &profile, &length))
             info_.profile.assign(profile, profile + length);
         std::free(profile);
@@ -161,6 +200,8 @@ private:
     bool readRow(std::uint8_t* row)
     {
         if (setjmp(jump_)) {
+            if (unread_ || which_ == ImageError::Case::stopped)
+                fail();
             isBroken_ = true;
             errors_.num_warnings = 1;
             return false;
@@ -169,21 +210,13 @@ private:
         return jpeg_read_scanlines(&jpeg_, rows, 1) == 1;
     }
 
-    /// Grey, which is what the library itself puts where data are missing.
-    void fillFrom(std::uint8_t* row) const
-    {
-        const auto channels = static_cast<std::size_t>(info_.format.channels());
-        std::memset(row, 128, rowBytes());
-        if (info_.format.alpha == RowFormat::Alpha::unused)
-            for (std::size_t at = 3; at < rowBytes(); at += channels)
-                row[at] = 255;
-    }
-
-    boolean fill()
+    boolean fillBuffer()
     {
         static constexpr JOCTET end[] = {0xFF, JPEG_EOI};
         const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(buffer_.size(), end_ - offset_));
         const auto count = readSafely(wanted);
+        if (unread_)
+            std::longjmp(jump_, 1);
         offset_ += count;
         source_.next_input_byte = count > 0 ? buffer_.data() : end;
         source_.bytes_in_buffer = count > 0 ? count : sizeof end;
@@ -192,15 +225,14 @@ private:
         return TRUE;
     }
 
-    /// A read that fails in the middle of a picture must not throw through the library.
-    std::size_t readSafely(std::size_t wanted)
-    {
-        try {
-            return wanted == 0 ? 0 : file_.readAt(offset_, buffer_.data(), wanted);
-        } catch (const ImageError& error) {
-            warn(error.reason().c_str());
-            return 0;
-        }
+    /// A read that fails in the middle of a picture must not throw through the library: it is thrown behind
+    /// it. The file is not damaged.
+    std::size_t readSafely(std::size_t wanted) noexcept
+    try {
+        return wanted == 0 ? 0 : file_.readAt(offset_, buffer_.data(), wanted);
+    } catch (const ImageError&) {
+        unread_ = std::current_exception();
+        return 0;
     }
 
     void skip(long count)
@@ -226,8 +258,9 @@ private:
             message_ = text;
         ++errors_.num_warnings;
     }
-    [[noreturn]] void giveUp(const char* text)
+    [[noreturn]] void giveUp(ImageError::Case which, const char* text)
     {
+        which_ = which;
         message_ = text;
         std::longjmp(jump_, 1);
     }
@@ -247,6 +280,9 @@ private:
     jpeg_progress_mgr progress_{};
     std::jmp_buf jump_{};
     std::string message_;
+    ImageError::Case which_ = ImageError::Case::damaged; ///< of the message
+    std::exception_ptr unread_; ///< the file's error
+    std::stop_token stop_;
     std::array<JOCTET, 128 << 10> buffer_;
     bool inverts_ = false;
     bool isBroken_ = false;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string_view>
 
 namespace korvo {
@@ -12,6 +13,14 @@ namespace korvo {
 namespace {
 
 using namespace std::string_view_literals;
+
+/// Whether the rows are of another shape than the whole picture, as previews may be that follow a setting of
+/// the camera which its raw data do not.
+bool hasOwnShape(const PictureInfo& info)
+{
+    const double height = double(info.width) * info.fullHeight / info.fullWidth;
+    return std::abs(info.height - height) > std::max(1.0, 0.01 * height);
+}
 
 /// One picture on its way from rows to an image.
 class Decoding {
@@ -24,7 +33,9 @@ public:
               || (request.kind == PixelKind::asStored && !ColourConversion::fitsBitmap(info_))),
           isCopied_(!isLinear_ && ColourConversion::isBitmap(info_))
     {
-        std::tie(width_, height_) = shrunkSize(info_.fullWidth, info_.fullHeight, request.size);
+        std::tie(width_, height_) = hasOwnShape(info_)
+            ? shrunkSize(info_.width, info_.height, request.size)
+            : shrunkSize(info_.fullWidth, info_.fullHeight, request.size);
         width_ = std::min(width_, info_.width);
         height_ = std::min(height_, info_.height);
     }
@@ -146,7 +157,7 @@ private:
             image.green[at] = row[1];
             image.blue[at] = row[2];
             if (!image.isOpaque())
-                image.alpha[at] = std::clamp(row[3], 0.0F, 1.0F);
+                image.alpha[at] = row[3] > 0 ? std::min(row[3], 1.0F) : 0; // NaN is 0 too
         }
         return at;
     }
@@ -174,10 +185,10 @@ OpenRows safeDecoder(const PictureFile& file)
     return bytes.startsWith("RIFF"sv) && bytes.startsWith("WEBP"sv, 8) ? openWebp : nullptr;
 }
 
-DecodedImage decodePicture(
-    PictureFile& file, OpenRows open, const ImageRequest& request, const std::stop_token& stop)
+DecodedImage decodePicture(PictureFile& file, OpenRows open, const ImageRequest& request,
+    const std::stop_token& stop, std::int64_t mostMemory)
 {
-    const OpenOptions options{request.size, request.source == PictureSource::quick};
+    const OpenOptions options{request.size, request.source == PictureSource::quick, mostMemory, stop};
     if (options.isQuick && open == openJpeg)
         try {
             if (const auto preview = openJpegPreview(file, options))

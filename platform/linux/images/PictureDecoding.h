@@ -13,8 +13,8 @@ namespace korvo {
 OpenRows safeDecoder(const PictureFile& file);
 
 /// Where the decoders' rows go: converted to sRGB, shrunk to the size asked for, turned upright. Throws
-/// ImageError.
-DecodedImage decodePicture(
-    PictureFile& file, OpenRows open, const ImageRequest& request, const std::stop_token& stop);
+/// ImageError; Case::memory also for what would need more than `mostMemory` bytes besides the image.
+DecodedImage decodePicture(PictureFile& file, OpenRows open, const ImageRequest& request,
+    const std::stop_token& stop, std::int64_t mostMemory = std::numeric_limits<std::int64_t>::max());
 
 } // namespace korvo

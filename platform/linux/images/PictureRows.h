@@ -3,7 +3,10 @@
 #include "platform/Orientation.h"
 #include "platform/linux/images/PictureFile.h"
 
+#include <cstring>
+#include <limits>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -34,6 +37,8 @@ struct RowFormat {
     }
 };
 
+inline constexpr auto unknownCurveNote = "its HDR tone curve is not known: it is shown as if it were sRGB";
+
 /// A picture as its file stores it.
 struct PictureInfo {
     int width = 0; ///< of the rows, as the decoder shrinks them
@@ -58,6 +63,19 @@ public:
     virtual void read(std::uint8_t* row) = 0;
 
 protected:
+    std::size_t rowBytes() const { return info_.format.pixelBytes() * static_cast<std::size_t>(info_.width); }
+
+    /// Sets a row whose data are missing: grey, or nothing in a picture with alpha.
+    void fill(std::uint8_t* row) const
+    {
+        using Alpha = RowFormat::Alpha;
+        const auto& format = info_.format;
+        std::memset(row, format.alpha == Alpha::none || format.alpha == Alpha::unused ? 128 : 0, rowBytes());
+        const auto pixel = format.pixelBytes(), sample = pixel / static_cast<std::size_t>(format.channels());
+        for (std::size_t end = pixel; format.alpha == Alpha::unused && end <= rowBytes(); end += pixel)
+            std::memset(row + end - sample, 0xFF, sample);
+    }
+
     PictureInfo info_;
 };
 
@@ -65,6 +83,10 @@ protected:
 struct OpenOptions {
     int size = 0; ///< the rows may be shrunk as long as the longer side keeps at least so many pixels; 0: not
     bool isQuick = false; ///< of a raw file its preview
+    /// What decoding may hold besides the rows, which is everything in a progressive JPEG or an interlaced
+    /// PNG.
+    std::int64_t mostMemory = std::numeric_limits<std::int64_t>::max();
+    std::stop_token stop = {}; ///< looked at where opening already decodes
 };
 
 /// Opens a picture. Throws ImageError.

@@ -5,6 +5,7 @@
 #include <bit>
 #include <csetjmp>
 #include <cstring>
+#include <exception>
 #include <png.h>
 
 namespace korvo {
@@ -14,14 +15,14 @@ namespace {
 /// A PNG, decoded by libpng. As with JPEG, the library's errors are jumps.
 class PngRows : public PictureRows {
 public:
-    explicit PngRows(PictureFile& file) : file_(file)
+    PngRows(PictureFile& file, const OpenOptions& options) : file_(file)
     {
         open();
         info_.width = info_.fullWidth;
         info_.height = info_.fullHeight;
         takeMarkers();
         if (isInterlaced_)
-            readWhole();
+            readWhole(options);
     }
 
     void read(std::uint8_t* row) override
@@ -29,18 +30,19 @@ public:
         if (isInterlaced_)
             std::memcpy(row, &whole_[rowBytes() * static_cast<std::size_t>(next_++)], rowBytes());
         else if (isBroken_ || !readRow(row))
-            std::memset(row, 0, rowBytes());
+            fill(row);
         if (isBroken_ && info_.note.empty())
             info_.note = "the file is damaged: " + message_;
     }
 
 private:
-    std::size_t rowBytes() const { return info_.format.pixelBytes() * static_cast<std::size_t>(info_.width); }
-
     void open()
     {
-        if (setjmp(jump_))
+        if (setjmp(jump_)) {
+            if (unread_)
+                std::rethrow_exception(unread_);
             file_.fail(ImageError::Case::damaged, "the file is damaged: " + message_);
+        }
         handle_.png = png_create_read_struct(
             PNG_LIBPNG_VER_STRING, this, onError, [](png_structp, png_const_charp) {});
         handle_.info = handle_.png ? png_create_info_struct(handle_.png) : nullptr;
@@ -92,19 +94,30 @@ private:
     }
 
     /// The rows of an interlaced picture are whole only after its last pass.
-    void readWhole()
+    void readWhole(const OpenOptions& options)
     {
-        whole_.resize(rowBytes() * static_cast<std::size_t>(info_.height));
+        const auto row = [&](int y) { return whole_.data() + rowBytes() * static_cast<std::size_t>(y); };
+        const auto size = rowBytes() * static_cast<std::size_t>(info_.height);
+        if (size > static_cast<std::uint64_t>(options.mostMemory))
+            file_.fail(ImageError::Case::memory, "there is not enough memory to decode it");
+        whole_.resize(size);
+        for (int y = 0; y < info_.height; ++y)
+            fill(row(y));
         const int passes = png_set_interlace_handling(handle_.png);
         for (int pass = 0; pass < passes; ++pass)
-            for (int y = 0; y < info_.height; ++y)
-                if (!readRow(&whole_[rowBytes() * static_cast<std::size_t>(y)]))
+            for (int y = 0; y < info_.height; ++y) {
+                if (options.stop.stop_requested())
+                    file_.fail(ImageError::Case::stopped, "was stopped");
+                if (!readRow(row(y)))
                     return;
+            }
     }
 
     bool readRow(std::uint8_t* row)
     {
         if (setjmp(jump_)) {
+            if (unread_)
+                std::rethrow_exception(unread_);
             isBroken_ = true;
             return false;
         }
@@ -126,16 +139,15 @@ private:
             png_error(png, "it ends too early");
     }
 
-    bool readBytes(std::uint8_t* bytes, std::size_t length)
-    {
-        try {
-            const auto count = file_.readAt(offset_, bytes, length);
-            offset_ += count;
-            return count == length;
-        } catch (
-            const ImageError&) { // must not pass through the library; the reading ends as at a file's end
-            return false;
-        }
+    /// What is thrown must not pass through the library: it is thrown behind it.
+    bool readBytes(std::uint8_t* bytes, std::size_t length) noexcept
+    try {
+        const auto count = file_.readAt(offset_, bytes, length);
+        offset_ += count;
+        return count == length;
+    } catch (const ImageError&) {
+        unread_ = std::current_exception();
+        return false;
     }
 
     struct Handle {
@@ -152,17 +164,18 @@ private:
     Handle handle_;
     std::jmp_buf jump_{};
     std::string message_;
+    std::exception_ptr unread_; ///< the file's error
     bool isInterlaced_ = false;
     bool isBroken_ = false;
     int next_ = 0;
-    std::vector<std::uint8_t> whole_;
+    PixelBuffer<std::uint8_t> whole_;
 };
 
 } // namespace
 
-std::unique_ptr<PictureRows> openPng(PictureFile& file, const OpenOptions&)
+std::unique_ptr<PictureRows> openPng(PictureFile& file, const OpenOptions& options)
 {
-    return std::make_unique<PngRows>(file);
+    return std::make_unique<PngRows>(file, options);
 }
 
 } // namespace korvo

@@ -11,6 +11,10 @@ namespace korvo {
 
 namespace {
 
+/// What decoding may hold in our own process, where nothing bounds it; what needs more is left to the
+/// decoder.
+constexpr std::int64_t mostOwnMemory = std::int64_t(512) << 20;
+
 /// Memory that the decoder opens by its name.
 PosixFile sharedMemory(const std::filesystem::path& picture)
 {
@@ -39,7 +43,10 @@ DecodedImage SystemImageReader::read(
     PictureFile file(path);
     try {
         if (const auto open = safeDecoder(file))
-            return decodePicture(file, open, request, stop);
+            return decodePicture(file, open, request, stop, mostOwnMemory);
+    } catch (const ImageError& error) {
+        if (error.which() != ImageError::Case::memory)
+            throw;
     } catch (const std::bad_alloc&) {
         file.fail(ImageError::Case::memory, "there is not enough memory to decode it");
     }

@@ -113,7 +113,6 @@ private:
     {
         return info_.format.pixelBytes() / static_cast<std::size_t>(info_.format.channels());
     }
-    std::size_t rowBytes() const { return info_.format.pixelBytes() * static_cast<std::size_t>(info_.width); }
 
     void readBand(std::uint32_t top)
     {

@@ -38,6 +38,14 @@ WebPData firstFrame(const PictureFile& file, const WebPDemuxer* demuxer)
     return stream;
 }
 
+/// Decodes as far as the stream goes: `suspended` when it goes not to its end.
+VP8StatusCode decodeWhatThereIs(const WebPData& stream, WebPDecoderConfig& config)
+{
+    const std::unique_ptr<WebPIDecoder, decltype(&WebPIDelete)> decoder(
+        WebPIDecode(nullptr, 0, &config), WebPIDelete);
+    return decoder ? WebPIUpdate(decoder.get(), stream.bytes, stream.size) : VP8_STATUS_OUT_OF_MEMORY;
+}
+
 /// Decodes, and shrinks on the way when no more than `size` pixels a side are wanted.
 PixelBuffer<std::uint8_t> decode(const PictureFile& file, const WebPData& stream, int size, PictureInfo& info)
 {
@@ -50,16 +58,24 @@ PixelBuffer<std::uint8_t> decode(const PictureFile& file, const WebPData& stream
     info.fullHeight = config.input.height;
     std::tie(info.width, info.height) = shrunkSize(info.fullWidth, info.fullHeight, size);
     info.format.alpha = config.input.has_alpha ? RowFormat::Alpha::straight : RowFormat::Alpha::unused;
-    config.options.use_scaling = info.width != info.fullWidth;
+    config.options.use_scaling = info.width != info.fullWidth || info.height != info.fullHeight;
+    if (config.options.use_scaling && config.input.has_alpha) // so that what is not seen does not bleed
+        info.format.alpha = RowFormat::Alpha::premultiplied;
     config.options.scaled_width = info.width;
     config.options.scaled_height = info.height;
+    const auto opacity = config.input.has_alpha ? 0 : 0xFF;
     PixelBuffer<std::uint8_t> pixels(
-        std::size_t(4) * static_cast<std::size_t>(info.width) * static_cast<std::size_t>(info.height));
-    config.output.colorspace = MODE_RGBA;
+        std::size_t(4) * static_cast<std::size_t>(info.width) * static_cast<std::size_t>(info.height),
+        static_cast<std::uint8_t>(opacity));
+    config.output.colorspace = info.format.alpha == RowFormat::Alpha::premultiplied ? MODE_rgbA : MODE_RGBA;
     config.output.is_external_memory = 1;
     config.output.u.RGBA = {pixels.data(), 4 * info.width, pixels.size()};
-    if (WebPDecode(stream.bytes, stream.size, &config) != VP8_STATUS_OK)
-        file.fail(ImageError::Case::damaged, "the file is damaged: its picture cannot be decoded");
+    const auto result = decodeWhatThereIs(stream, config);
+    if (result == VP8_STATUS_SUSPENDED)
+        info.note = "the file is damaged: it ends too early";
+    else if (result != VP8_STATUS_OK)
+        file.fail(result == VP8_STATUS_OUT_OF_MEMORY ? ImageError::Case::memory : ImageError::Case::damaged,
+            "the file is damaged: its picture cannot be decoded");
     return pixels;
 }
 

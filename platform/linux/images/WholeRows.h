@@ -16,8 +16,7 @@ public:
 
     void read(std::uint8_t* row) override
     {
-        const auto length = info_.format.pixelBytes() * static_cast<std::size_t>(info_.width);
-        std::memcpy(row, pixels_.data() + length * next_++, length);
+        std::memcpy(row, pixels_.data() + rowBytes() * next_++, rowBytes());
     }
 
 private:
