@@ -27,12 +27,12 @@ T need(std::optional<T> found)
 /// A big-endian integer of any width that fits 64 bits.
 std::uint64_t wideInteger(Bytes bytes)
 {
-    const auto excess = bytes.size() > 8 ? bytes.size() - 8 : 0;
-    if (std::any_of(bytes.data(), bytes.data() + excess, [](std::uint8_t byte) { return byte != 0; }))
-        malformed();
     std::uint64_t value = 0;
-    for (auto i = excess; i < bytes.size(); ++i)
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (value >> 56)
+            malformed();
         value = value << 8 | bytes[i];
+    }
     return value;
 }
 
@@ -174,10 +174,9 @@ private:
     {
         const auto references = takeReferences(payload.start, payload.count);
         const Nesting nesting(*this);
-        Value::Array elements;
-        elements.reserve(payload.count);
+        Value::Array elements(payload.count);
         for (std::uint64_t i = 0; i < payload.count; ++i)
-            elements.push_back(referenced(references, i));
+            elements[i] = referenced(references, i);
         return Value(std::move(elements));
     }
 
@@ -188,11 +187,10 @@ private:
             malformed();
         const auto references = takeReferences(payload.start, 2 * count);
         const Nesting nesting(*this);
-        Value::Dict members;
-        members.reserve(count);
+        Value::Dict members(count);
         for (std::uint64_t i = 0; i < count; ++i) {
-            auto key = referenced(references, i);
-            members.push_back({std::move(key), referenced(references, count + i)});
+            members[i].key = referenced(references, i);
+            members[i].value = referenced(references, count + i);
         }
         return Value(std::move(members));
     }
@@ -234,9 +232,9 @@ private:
     }
 
     /// The object that the i-th of these references means, for the container being decoded.
-    Value referenced(Bytes references, std::uint64_t i)
+    const Value& referenced(Bytes references, std::uint64_t i)
     {
-        const auto reference = need(references.slice(i * trailer_.refSize, trailer_.refSize));
+        const Bytes reference(references.data() + i * trailer_.refSize, trailer_.refSize); // taken as a whole
         const auto& found = object(static_cast<std::uint64_t>(positiveInteger(reference)));
         weight_ += found.weight;
         if (weight_ > valuesPerByte * bytes_.size())

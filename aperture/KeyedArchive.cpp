@@ -90,10 +90,20 @@ private:
             return dictionary(*keys, *objects, depth);
         if (objects)
             return array(*objects, depth);
-        for (const auto* wrapper : {"NS.string", "NS.data"})
-            if (const auto* const wrapped = object.member(wrapper))
-                return resolve(*wrapped, depth + 1);
+        if (const auto wrapped = wrappedValue(object, "NS.string", Value::Kind::string, depth))
+            return wrapped;
+        if (const auto wrapped = wrappedValue(object, "NS.data", Value::Kind::data, depth))
+            return wrapped;
         return members(object, depth);
+    }
+
+    /// What an object is only a wrapping of. A member of the same name that is of another kind is a plain
+    /// member of some other class.
+    Resolved wrappedValue(const Value& object, std::string_view name, Value::Kind kind, int depth) const
+    {
+        const auto* const member = object.member(name);
+        const auto* const wrapped = member ? followed(*member, depth) : nullptr;
+        return wrapped && wrapped->kind() == kind ? Resolved(*wrapped) : std::nullopt;
     }
 
     Resolved dictionary(const Value& keys, const Value& objects, int depth)

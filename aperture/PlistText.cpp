@@ -18,11 +18,19 @@ void append(std::string& text, UChar32 character)
     text.append(encoded, length);
 }
 
+bool isAscii(Bytes bytes)
+{
+    std::uint8_t seen = 0; // without a way out early, the loop runs over many bytes at once
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        seen |= bytes[i];
+    return seen < 0x80;
+}
+
 } // namespace
 
 SharedText textFromUtf8(Bytes bytes)
 {
-    if (isUtf8(bytes.text()))
+    if (isAscii(bytes) || isUtf8(bytes.text()))
         return bytes.text();
     std::string text;
     const auto size = static_cast<std::int64_t>(bytes.size());

@@ -69,12 +69,35 @@ std::unique_ptr<Catalog> openLibrary(
     const std::filesystem::path& folder, const Clock& clock, Defaults& defaults)
 {
     auto catalog = std::make_unique<Catalog>(folder, clock);
+    rememberLibrary(*catalog, defaults);
+    return catalog;
+}
+
+void rememberLibrary(const Catalog& catalog, Defaults& defaults)
+{
     try {
-        remember(catalog->libraryURL(), defaults);
+        remember(catalog.libraryURL(), defaults);
     } catch (const std::system_error&) {
         // Without a place for preferences the library is only not found by itself at the next start.
     }
-    return catalog;
+}
+
+UnfinishedLibrary::UnfinishedLibrary(const std::filesystem::path& folder)
+{
+    const bool isNew = !std::filesystem::exists(folder);
+    for (const char* name :
+        {"catalog.sqlite", "catalog.sqlite-wal", "catalog.sqlite-shm", "Previews", "Backups"})
+        if (!std::filesystem::exists(folder / name))
+            made_.push_back(folder / name);
+    if (isNew)
+        made_.push_back(folder);
+}
+
+UnfinishedLibrary::~UnfinishedLibrary()
+{
+    std::error_code ignored; // the error that ended the making is the one to report
+    for (const auto& path : made_)
+        std::filesystem::remove_all(path, ignored);
 }
 
 } // namespace korvo

@@ -21,4 +21,22 @@ std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults);
 std::unique_ptr<Catalog> openLibrary(
     const std::filesystem::path& folder, const Clock& clock, Defaults& defaults);
 
+/// Remembers an open library as the last one; a preference that cannot be stored is passed over.
+void rememberLibrary(const Catalog& catalog, Defaults& defaults);
+
+/// Takes away what was made of a library that was not there before, unless it is kept: what a failed creation
+/// or import leaves would pass for a library.
+class UnfinishedLibrary {
+public:
+    explicit UnfinishedLibrary(const std::filesystem::path& folder);
+    ~UnfinishedLibrary();
+    UnfinishedLibrary(const UnfinishedLibrary&) = delete;
+    UnfinishedLibrary& operator=(const UnfinishedLibrary&) = delete;
+
+    void keep() { made_.clear(); }
+
+private:
+    std::vector<std::filesystem::path> made_; // what was not there
+};
+
 } // namespace korvo

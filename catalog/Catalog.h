@@ -51,6 +51,26 @@ struct CameraData {
     std::optional<UnixTime> captureDate;
 };
 
+/// A photo of another program's library, with all that is known of it.
+struct ImportedPhoto {
+    std::string path; // absolute
+    UnixTime addedAt = 0;
+    std::optional<UnixTime> fileDate;
+    std::optional<std::int64_t> fileSize;
+    PhotoMetadata metadata;
+    int rating = 0;
+    bool flagged = false;
+    PhotoLabel label = PhotoLabel::none;
+    std::string edits; // as stored
+    std::string versionName;
+    std::string referencePath; // the other program's own render
+    std::optional<std::int64_t> projectID;
+    CameraData camera;
+    bool isCameraRead = false; // else it is read from the file later
+    std::optional<double> latitude;
+    std::optional<double> longitude;
+};
+
 /// Whether a change of metadata still has to be written into the file.
 enum class WriteBack { done, pending };
 
@@ -165,6 +185,20 @@ public:
     std::vector<PhotoItem> photosOfSource(
         const std::optional<LibrarySource>& source, std::span<const PhotoID> ids);
 
+    // Imports of Aperture libraries (CatalogImports.cpp)
+    /// Adds a master, or a version of one.
+    PhotoID addImportedPhoto(const ImportedPhoto& photo, std::optional<PhotoID> versionOf);
+    std::optional<PhotoID> masterAt(std::string_view path);
+    /// The keyword of that name below that parent, made if there is none.
+    std::int64_t keyword(std::string_view name, std::optional<std::int64_t> parent);
+    /// Whether an Aperture library, known by what identifies it, has been imported.
+    bool hasImported(std::string_view identity);
+    void noteImport(std::string_view identity, const std::filesystem::path& bundle);
+    /// Whether originals of this library lie in Aperture libraries, where they are never written.
+    bool originalsAreReadOnly() { return !aperturePrefixes().empty(); }
+    /// Whether a file lies in an Aperture library: one that was imported, or any folder called so.
+    bool isReadOnlyOriginal(std::string_view path);
+
     // Versions (CatalogVersions.cpp)
     /// Makes a further rendering of the photo's file, with all that the catalog knows of the photo it is made
     /// from, and its edits unless others are given. Without a name it is "Version " and a number that counts
@@ -242,10 +276,13 @@ private:
     void storeMetadataBase(PhotoID id, const PhotoMetadata& base);
     void dropMetadataBase(PhotoID id);
     PhotoID memberOf(std::int64_t stack, PhotoID photo);
+    std::vector<std::string> aperturePrefixes();
+    bool mayBeWritten(PhotoID id);
     PhotoID existingMasterOf(PhotoID id);
 
     std::filesystem::path folder_;
     Database database_;
+    std::optional<std::vector<std::string>> aperturePrefixesCache_; // guarded by the connection
 };
 
 } // namespace korvo

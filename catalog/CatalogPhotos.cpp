@@ -105,10 +105,11 @@ void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack w
     keepMetadataBase(std::span(&master, 1));
     database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
     creator = ?, copyright = ?,
-    dirty = CASE WHEN version_of IS NULL AND path NOT LIKE '%.aplibrary/%' THEN ? ELSE 0 END
+    dirty = CASE WHEN version_of IS NULL THEN ? ELSE 0 END
 WHERE id = ? OR version_of = ?)",
         metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
-        metadata.creator.view(), metadata.copyright.view(), writeBack == WriteBack::pending, master, master);
+        metadata.creator.view(), metadata.copyright.view(),
+        writeBack == WriteBack::pending && mayBeWritten(master), master, master);
     dropMetadataBase(master);
     transaction.commit();
 }
@@ -135,9 +136,10 @@ void Catalog::clearDirty(PhotoID id)
 
 void Catalog::markDirty(std::span<const PhotoID> ids)
 {
-    forEachID(database_,
-        "UPDATE photos SET dirty = 1 WHERE id = ? AND version_of IS NULL AND path NOT LIKE '%.aplibrary/%'",
-        ids, [](Statement& statement, PhotoID id) { statement.bind(id); });
+    std::vector<PhotoID> writable(ids.begin(), ids.end());
+    std::erase_if(writable, [this](PhotoID id) { return !mayBeWritten(id); });
+    forEachID(database_, "UPDATE photos SET dirty = 1 WHERE id = ? AND version_of IS NULL", writable,
+        [](Statement& statement, PhotoID id) { statement.bind(id); });
 }
 
 void Catalog::storeCameraData(PhotoID id, const CameraData& data)

@@ -90,6 +90,19 @@ public:
         return bytes ? std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(it)))
                      : std::string_view();
     }
+    /// Whether the column holds an integer or a float.
+    bool isNumber(int column) const
+    {
+        const int type = sqlite3_column_type(handle_.get(), column);
+        return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
+    }
+    /// Valid until the next step. Empty for NULL.
+    std::span<const std::uint8_t> blob(int column) const
+    {
+        sqlite3_value* const it = value(column);
+        const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_value_blob(it));
+        return {bytes, bytes ? static_cast<std::size_t>(sqlite3_value_bytes(it)) : 0};
+    }
     std::optional<std::int64_t> optionalInteger(int column) const
     {
         sqlite3_value* const it = value(column);

@@ -1,6 +1,7 @@
 #include "metadata/PhotoExifInfo.h"
 
 #include "base/Text.h"
+#include "catalog/CameraName.h"
 #include "metadata/CaptureDate.h"
 #include "metadata/ForeignText.h"
 
@@ -16,19 +17,6 @@ namespace {
 std::optional<std::string> nonEmptyText(std::string_view text)
 {
     return text.empty() ? std::nullopt : std::optional(fromUnknownEncoding(text));
-}
-
-bool containsNoCase(std::string_view text, std::string_view part)
-{
-    const auto same = [](char a, char b) { return compareNoCase({&a, 1}, {&b, 1}) == 0; };
-    return std::ranges::search(text, part, same).begin() != text.end();
-}
-
-std::optional<std::string> cameraName(std::string_view make, std::string_view model)
-{
-    if (make.empty() || model.empty() || containsNoCase(model, make))
-        return nonEmptyText(model.empty() ? make : model);
-    return fromUnknownEncoding(make) + " " + fromUnknownEncoding(model);
 }
 
 std::string exposureText(double seconds)
@@ -60,7 +48,10 @@ void describeExposure(PhotoExifInfo& info, const ExifTags& tags)
 PhotoExifInfo exifInfo(const ExifTags& tags, PixelSize size)
 {
     PhotoExifInfo info;
-    info.camera = cameraName(trimmed(tags.make), trimmed(tags.model));
+    if (const auto camera
+        = cameraName(fromUnknownEncoding(trimmed(tags.make)), fromUnknownEncoding(trimmed(tags.model)));
+        !camera.empty())
+        info.camera = camera;
     info.lens = nonEmptyText(trimmed(tags.lens));
     describeExposure(info, tags);
     info.captureTimestamp = parseCaptureDate(tags.dateTimeOriginal, tags.offsetTimeOriginal);

@@ -1,5 +1,6 @@
 #include "platform/PosixFile.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <string>
 #include <system_error>
@@ -27,6 +28,25 @@ void writeAll(const PosixFile& file, const std::filesystem::path& path, Bytes by
             bytes = bytes.from(static_cast<std::uint64_t>(count));
         else if (errno != EINTR)
             throwFileError("write", path);
+    }
+}
+
+std::string readWholeFile(const std::filesystem::path& path)
+{
+    const auto file = openFile(path, O_RDONLY);
+    if (!file)
+        throwFileError("read", path);
+    constexpr std::size_t step = 1 << 16;
+    std::string bytes;
+    for (;;) {
+        const auto size = bytes.size();
+        bytes.resize(std::max(size + step, size * 2));
+        const auto count = read(file.descriptor(), bytes.data() + size, bytes.size() - size);
+        bytes.resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        if (count == 0)
+            return bytes;
+        if (count < 0 && errno != EINTR)
+            throwFileError("read", path);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -35,6 +36,9 @@ PosixFile openFile(const std::filesystem::path& path, int flags);
 
 /// Writes all the bytes at the file's position; `path` is for the text of the std::system_error it throws.
 void writeAll(const PosixFile& file, const std::filesystem::path& path, Bytes bytes);
+
+/// The bytes of a file. Throws std::system_error.
+std::string readWholeFile(const std::filesystem::path& file);
 
 /// Throws the std::system_error that tells the user what could not be done to which file, and why:
 /// "Could not write “…/x.part”: No space left on device".

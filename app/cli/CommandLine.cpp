@@ -390,6 +390,7 @@ ParseResult parseCommandLine(int argc, char** argv)
     addGroupCommands(*parser);
     addNamingCommands(*parser);
     addImportCommands(*parser);
+    addApertureCommands(*parser);
     try {
         parser->app.parse(argc, argv);
     } catch (const CLI::Success& asked) { // help or version

@@ -100,6 +100,20 @@ ExitCode modelStatusCommand(Context& context);
 ExitCode fetchModelCommand(Context& context, const std::string& host);
 ExitCode removeModelCommand(Context& context);
 
+// Aperture libraries (ApertureCommands.cpp)
+struct PlistArguments {
+    std::filesystem::path file;
+    bool unarchive = false;
+};
+ExitCode plistCommand(Context& context, const PlistArguments& arguments);
+struct ApertureArguments {
+    std::filesystem::path bundle;
+    std::optional<std::filesystem::path> into;
+    bool matchRenders = false;
+    std::vector<std::string> volumes; // NAME=DIR
+};
+ExitCode importApertureCommand(Context& context, const ApertureArguments& arguments);
+
 // Versions, stacks and smart albums (GroupCommands.cpp)
 ExitCode createVersionCommand(Context& context, PhotoID photo, const std::optional<std::string>& name);
 ExitCode listVersionsCommand(Context& context, PhotoID photo);

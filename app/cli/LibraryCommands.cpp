@@ -24,25 +24,6 @@ std::size_t countFiles(const std::vector<std::filesystem::path>& paths, const st
     return count;
 }
 
-/// Opens a library that is not there yet. When that fails, on a full disk say, nothing that was made for it
-/// stays.
-std::unique_ptr<Catalog> createLibrary(const std::filesystem::path& folder, const Context& context)
-{
-    std::vector<std::filesystem::path> made;
-    for (const char* name :
-        {"catalog.sqlite", "catalog.sqlite-wal", "catalog.sqlite-shm", "Previews", "Backups"})
-        if (!std::filesystem::exists(folder / name))
-            made.push_back(folder / name);
-    try {
-        return openLibrary(folder, context.clock(), context.defaults());
-    } catch (...) {
-        std::error_code ignored; // the first error is the one to report
-        for (const auto& path : made)
-            std::filesystem::remove_all(path, ignored);
-        throw;
-    }
-}
-
 void printResult(const Context& context, const AddResult& result)
 {
     if (context.options().json)
@@ -60,7 +41,9 @@ ExitCode createCommand(Context& context, const std::filesystem::path& folder)
 {
     if (std::filesystem::exists(folder / "catalog.sqlite"))
         throw std::runtime_error("there is a library already in " + folder.string());
-    const auto catalog = createLibrary(folder, context);
+    UnfinishedLibrary unfinished(folder);
+    const auto catalog = openLibrary(folder, context.clock(), context.defaults());
+    unfinished.keep();
     const auto path = catalog->libraryURL().string();
     if (context.options().json) {
         JsonWriter json;

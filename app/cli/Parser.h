@@ -49,4 +49,7 @@ void addGroupCommands(Parser& parser);
 void addNamingCommands(Parser& parser);
 void addImportCommands(Parser& parser);
 
+/// The commands on Aperture libraries (ApertureCommandLine.cpp).
+void addApertureCommands(Parser& parser);
+
 } // namespace korvo

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <malloc.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -56,6 +57,13 @@ std::vector<double> compare(const std::string& title, const std::vector<Contende
             "  {:<44}{:>9.4f} s  x {:.2f}\n", contenders[i].name, medians[i], medians[i] / medians.back());
     std::fflush(stdout);
     return medians;
+}
+
+double peakMemory()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return 1024.0 * static_cast<double>(usage.ru_maxrss);
 }
 
 double memoryTakenBy(const std::function<void()>& work)

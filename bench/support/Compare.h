@@ -22,6 +22,9 @@ std::vector<double> compare(
 /// The memory that `work` leaves in use, in bytes: measured in a process of its own.
 double memoryTakenBy(const std::function<void()>& work);
 
+/// The most memory that this process has had in use so far, in bytes.
+double peakMemory();
+
 /// The seconds a call takes.
 double secondsOf(const std::function<void()>& work);
 

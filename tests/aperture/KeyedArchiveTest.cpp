@@ -56,6 +56,7 @@ TEST(KeyedArchive, resolvesEachShapeOfObject)
     EXPECT_EQ(archived({uid(2), uid(3), Value(7.5)}), "7.5"); // references to references
     EXPECT_EQ(archived({plistDict({{"NS.string", uid(2)}}), Value("text")}), "'text'");
     EXPECT_EQ(archived({plistDict({{"NS.data", Value(Value::Data{1, 2})}})}), "data 0102");
+    EXPECT_EQ(archived({plistDict({{"NS.data", uid(2)}}), Value("text")}), "{'NS.data': 'text'}");
     EXPECT_EQ(archived({plistDict({{"NS.objects", list({uid(0), uid(2)})}}), Value(true)}), "[true]");
     EXPECT_EQ(archived({plistDict({{"NS.keys", list({uid(2), uid(2), uid(3)})},
                             {"NS.objects", list({uid(3), uid(4), uid(4)})}}),

@@ -88,11 +88,12 @@ private:
         }
         for (const auto& element : value.elements())
             values.push_back(object(element));
+        std::vector<std::pair<std::string, Value>> members;
         const bool isDict = value.kind() == Value::Kind::dict;
-        std::vector<std::pair<std::string, Value>> members{{"NS.objects", Value(std::move(values))},
-            {"$class", classNamed(isDict ? "NSMutableDictionary" : "NSArray")}};
         if (isDict)
-            members.insert(members.begin(), {"NS.keys", Value(std::move(keys))});
+            members.emplace_back("NS.keys", Value(std::move(keys)));
+        members.emplace_back("NS.objects", Value(std::move(values)));
+        members.emplace_back("$class", classNamed(isDict ? "NSMutableDictionary" : "NSArray"));
         objects_[static_cast<std::size_t>(*own.uid())] = plistDict(std::move(members));
         return own;
     }

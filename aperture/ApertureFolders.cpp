@@ -1,0 +1,82 @@
+#include "aperture/ApertureLibrary.h"
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::int64_t projectType = 2;
+
+/// Folders that Aperture made for itself. They are no user's projects and never part of a path.
+constexpr std::array<std::string_view, 14> systemFolders{"", "Projects", "PublishedProjects",
+    "TopLevelAlbums", "AllProjectsItem", "LibraryFolder", "TrashFolder", "TopLevelSlideshows",
+    "RKPhotostreamFolder", "TopLevelBooks", "TopLevelKeepsakes", "TopLevelWebProjects", "TopLevelLightTables",
+    "Keepsakes"};
+
+struct Folder {
+    std::string name;
+    std::string parent;
+    std::int64_t type = 0;
+};
+using Folders = std::map<std::string, Folder>;
+
+bool isSystemFolder(std::string_view uuid)
+{
+    return std::find(systemFolders.begin(), systemFolders.end(), uuid) != systemFolders.end();
+}
+
+Folders readFolders(Database& library)
+{
+    Folders folders;
+    auto row
+        = library.kept("SELECT uuid, name, parentFolderUuid, folderType FROM RKFolder WHERE isInTrash = 0");
+    while (row.step())
+        if (!row.text(0).empty())
+            folders[std::string(row.text(0))]
+                = {std::string(row.text(1)), std::string(row.text(2)), row.integer(3)};
+    return folders;
+}
+
+/// The names from the top down to this folder.
+std::vector<std::string> pathTo(const Folders& folders, std::string uuid)
+{
+    std::vector<std::string> names;
+    std::set<std::string> passed; // a damaged library may lead in a circle
+    for (auto folder = folders.find(uuid);
+         folder != folders.end() && !isSystemFolder(uuid) && passed.insert(uuid).second;
+         folder = folders.find(uuid)) {
+        names.push_back(folder->second.name);
+        uuid = folder->second.parent;
+    }
+    std::reverse(names.begin(), names.end());
+    return names;
+}
+
+} // namespace
+
+std::vector<ApertureLibrary::Project> ApertureLibrary::projects()
+{
+    const auto folders = readFolders(library_);
+    std::vector<Project> projects;
+    for (const auto& [uuid, folder] : folders)
+        if (folder.type == projectType && !isSystemFolder(uuid))
+            projects.push_back({uuid, folder.name, pathTo(folders, folder.parent)});
+    std::stable_sort(
+        projects.begin(), projects.end(), [](const Project& a, const Project& b) { return a.name < b.name; });
+    return projects;
+}
+
+std::map<std::string, std::vector<std::string>> ApertureLibrary::folderPaths()
+{
+    const auto folders = readFolders(library_);
+    std::map<std::string, std::vector<std::string>> paths;
+    for (const auto& [uuid, folder] : folders)
+        if (folder.type != projectType && !isSystemFolder(uuid))
+            paths.emplace(uuid, pathTo(folders, uuid));
+    return paths;
+}
+
+} // namespace korvo

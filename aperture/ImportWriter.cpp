@@ -1,0 +1,196 @@
+#include "aperture/ApertureImporter.h"
+#include "base/Text.h"
+
+#include <unordered_map>
+
+namespace korvo {
+
+namespace {
+
+/// Aperture takes blank names, the catalog does not.
+std::string named(const std::string& name)
+{
+    return trimmed(name).empty() ? "Untitled" : name;
+}
+
+struct Stopped { };
+
+} // namespace
+
+class ImportWriter {
+public:
+    ImportWriter(ApertureImporter& importer, const ImportPlan& plan, Catalog& catalog, const Clock& clock)
+        : importer_(importer), plan_(plan), catalog_(catalog), now_(clock.now())
+    { }
+
+    ApertureImporter::Summary run()
+    {
+        Transaction transaction(catalog_.database());
+        if (catalog_.hasImported(plan_.identity))
+            throw ImportError::alreadyImported(plan_.bundle.filename().string());
+        writeProjects();
+        writePhotos();
+        writeKeywords();
+        importer_.show("Stacks and albums…", 0, plan_.albums.size() + plan_.stacks.size());
+        writeAlbums();
+        writeStacks();
+        catalog_.noteImport(plan_.identity, plan_.bundle);
+        throwIfStopped();
+        transaction.commit();
+        importer_.show("Done");
+        return std::move(summary_);
+    }
+
+private:
+    void throwIfStopped() const
+    {
+        if (importer_.stop_.stop_requested())
+            throw Stopped();
+    }
+
+    /// The folder of these names, made with those above it if it is not there yet.
+    std::optional<std::int64_t> folder(const std::vector<std::string>& path)
+    {
+        std::optional<std::int64_t> parent;
+        std::vector<std::string> walked;
+        for (const auto& name : path) {
+            walked.push_back(name);
+            const auto [entry, isNew] = folders_.try_emplace(walked, 0);
+            if (isNew)
+                entry->second = catalog_.createProject(named(name), "folder", parent);
+            parent = entry->second;
+        }
+        return parent;
+    }
+
+    void writeProjects()
+    {
+        for (const auto& project : plan_.projects)
+            projects_[project.uuid]
+                = catalog_.createProject(named(project.name), "project", folder(project.folderPath));
+        summary_.projects = plan_.projects.size();
+    }
+
+    /// The project or folder that Aperture's uuid stands for.
+    std::optional<std::int64_t> projectOf(const std::optional<std::string>& uuid)
+    {
+        if (!uuid)
+            return std::nullopt;
+        if (const auto project = projects_.find(*uuid); project != projects_.end())
+            return project->second;
+        const auto path = plan_.folderPaths.find(*uuid);
+        return path == plan_.folderPaths.end() ? std::nullopt : folder(path->second);
+    }
+
+    void writePhotos()
+    {
+        const bool hadPhotos = catalog_.database().scalar("SELECT EXISTS (SELECT 1 FROM photos)") != 0;
+        for (const auto& photo : plan_.photos) {
+            if (ids_.size() % 1024 == 0)
+                throwIfStopped();
+            auto row = photo.row;
+            row.addedAt = now_;
+            row.projectID = projectOf(photo.projectUuid);
+            auto master = photo.versionOf ? std::optional(masterIDs_[*photo.versionOf]) : std::nullopt;
+            // A file that the library holds already gets Aperture's photo as a version.
+            if (!master && hadPhotos)
+                master = catalog_.masterAt(row.path);
+            ids_.push_back(catalog_.addImportedPhoto(row, master));
+            masterIDs_.push_back(master.value_or(ids_.back()));
+            ++(master ? summary_.versions : summary_.masters);
+        }
+    }
+
+    /// The keyword tree. A parent may come after its children.
+    void writeKeywords()
+    {
+        std::unordered_map<std::int64_t, const ApertureLibrary::KeywordEntry*> entries;
+        for (const auto& entry : plan_.keywords)
+            entries.emplace(entry.modelId, &entry);
+        std::unordered_map<std::int64_t, std::int64_t> written;
+        for (const auto& entry : plan_.keywords) {
+            std::vector<const ApertureLibrary::KeywordEntry*> missing; // this one and those above it
+            for (auto at = entries.find(entry.modelId);
+                 at != entries.end() && !written.contains(at->first) && missing.size() <= entries.size();
+                 at = at->second->parentId ? entries.find(*at->second->parentId) : entries.end())
+                missing.push_back(at->second);
+            if (missing.size() > entries.size())
+                continue; // a circle
+            for (; !missing.empty(); missing.pop_back()) {
+                const auto& keyword = *missing.back();
+                const auto parent = keyword.parentId ? written.find(*keyword.parentId) : written.end();
+                written[keyword.modelId] = catalog_.keyword(named(keyword.name),
+                    parent == written.end() ? std::nullopt : std::optional(parent->second));
+            }
+        }
+    }
+
+    std::vector<PhotoID> idsOf(const std::vector<std::size_t>& photos) const
+    {
+        std::vector<PhotoID> ids;
+        for (const auto photo : photos)
+            ids.push_back(ids_[photo]);
+        return ids;
+    }
+
+    void writeAlbums()
+    {
+        for (const auto& album : plan_.albums) {
+            throwIfStopped();
+            catalog_.addToAlbum(
+                catalog_.createAlbum(named(album.name), projectOf(album.folderUuid)), idsOf(album.photos));
+            showGroup();
+        }
+        for (const auto& album : plan_.smartAlbums)
+            catalog_.createSmartAlbum(named(album.name), album.rules);
+        summary_.albums = plan_.albums.size();
+        summary_.smartAlbums = plan_.smartAlbums.size();
+        summary_.smartAlbumsAsPlain = plan_.smartAlbumsAsPlain;
+    }
+
+    void writeStacks()
+    {
+        for (const auto& stack : plan_.stacks) {
+            throwIfStopped();
+            catalog_.createStack(
+                idsOf(stack.photos), stack.pick ? std::optional(ids_[*stack.pick]) : std::nullopt);
+            showGroup();
+        }
+        summary_.stacks = plan_.stacks.size();
+        summary_.missingFiles = plan_.missingFiles;
+        summary_.adjustedVersions = plan_.adjustedVersions;
+        summary_.matchedToPreview = plan_.matchedToPreview;
+        summary_.report = plan_.report;
+    }
+
+    void showGroup()
+    {
+        constexpr std::size_t step = 64;
+        const auto total = plan_.albums.size() + plan_.stacks.size();
+        if (++groups_ % step == 0 || groups_ == total)
+            importer_.show("Stacks and albums…", groups_, total);
+    }
+
+    ApertureImporter& importer_;
+    const ImportPlan& plan_;
+    Catalog& catalog_;
+    UnixTime now_;
+    std::map<std::vector<std::string>, std::int64_t> folders_;
+    std::unordered_map<std::string, std::int64_t> projects_;
+    std::vector<PhotoID> ids_; // of each planned photo
+    std::vector<PhotoID> masterIDs_; // likewise: itself for a master
+    std::size_t groups_ = 0;
+    ApertureImporter::Summary summary_;
+};
+
+std::optional<ApertureImporter::Summary> ApertureImporter::write(
+    const ImportPlan& plan, Catalog& catalog, const Clock& clock)
+{
+    try {
+        return ImportWriter(*this, plan, catalog, clock).run();
+    } catch (const Stopped&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace korvo

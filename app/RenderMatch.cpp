@@ -1,0 +1,70 @@
+#include "app/RenderMatch.h"
+
+#include "aperture/ToneMatch.h"
+#include "edits/BasicStage.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace korvo {
+
+namespace {
+
+constexpr int comparedSize = 256; // pixels of the longer side: tone needs no detail
+
+bool isDrawn(PhotoEdits edits)
+{
+    const PhotoEdits none;
+    for (const auto field : {&PhotoEdits::exposure, &PhotoEdits::saturation, &PhotoEdits::vibrance,
+             &PhotoEdits::temperature, &PhotoEdits::tint, &PhotoEdits::sharpness})
+        edits.*field = none.*field;
+    edits.highlights.reset();
+    edits.shadows.reset();
+    return isIdentity(edits);
+}
+
+Bitmap rendered(const DecodedImage& image, const PhotoEdits& edits)
+{
+    const auto& pixels = std::get<LinearImage>(image.pixels);
+    const double scale = static_cast<double>(pixels.width) / std::max(image.fullWidth, 1);
+    Bitmap bitmap(pixels.width, pixels.height);
+    runBasicStage(basicPlan(basicFilters(edits), scale), pixels, bitmap);
+    return bitmap;
+}
+
+/// The upper left part of a picture.
+Bitmap cut(const Bitmap& bitmap, int width, int height)
+{
+    Bitmap part(width, height);
+    for (int y = 0; y < height; ++y)
+        std::copy_n(bitmap.row(y), part.rowBytes(), part.row(y));
+    return part;
+}
+
+std::optional<ToneCurves> fit(const Bitmap& ours, const Bitmap& theirs)
+{
+    // Shrinking rounds; a larger difference is that of another picture.
+    if (std::abs(ours.width - theirs.width) > 1 || std::abs(ours.height - theirs.height) > 1)
+        return std::nullopt;
+    const int width = std::min(ours.width, theirs.width);
+    const int height = std::min(ours.height, theirs.height);
+    return fitToneCurve(cut(ours, width, height), cut(theirs, width, height));
+}
+
+} // namespace
+
+std::optional<ToneCurves> matchRender(ImageReader& reader, const std::filesystem::path& original,
+    const PhotoEdits& edits, const std::filesystem::path& preview, const std::stop_token& stop)
+{
+    if (!isDrawn(edits))
+        return std::nullopt;
+    try {
+        const auto theirs = reader.read(preview, {comparedSize, PixelKind::bitmap}, stop);
+        const auto ours = reader.read(original, {comparedSize, PixelKind::linear}, stop);
+        return fit(rendered(ours, edits), std::get<Bitmap>(theirs.pixels));
+    } catch (const ImageError&) {
+        return std::nullopt; // the photo comes in all the same, unmatched
+    }
+}
+
+} // namespace korvo

@@ -1,0 +1,145 @@
+#include "aperture/PlistJson.h"
+#include "app/ImportAperture.h"
+#include "app/RenderMatch.h"
+#include "app/cli/Commands.h"
+#include "platform/PosixFile.h"
+#include "platform/linux/images/SystemImageReader.h"
+
+namespace korvo {
+
+ExitCode plistCommand(Context& context, const PlistArguments& arguments)
+{
+    const auto bytes = readWholeFile(arguments.file);
+    JsonWriter json;
+    try {
+        if (!arguments.unarchive)
+            writeJson(json, BinaryPlist::parse(Bytes(bytes)));
+        else if (const auto root = BinaryPlist::unarchive(Bytes(bytes)))
+            writeJson(json, *root);
+        else
+            json.null();
+    } catch (const BinaryPlist::ParseError& error) {
+        throw std::runtime_error(arguments.file.string() + ": " + error.what());
+    }
+    context.print(json.take());
+    return ExitCode::done;
+}
+
+namespace {
+
+std::map<std::string, std::filesystem::path> volumesOf(const std::vector<std::string>& arguments)
+{
+    std::map<std::string, std::filesystem::path> volumes;
+    for (const auto& argument : arguments) {
+        const auto equals = argument.find('=');
+        if (equals == 0 || equals == argument.npos)
+            throw std::invalid_argument("\"" + argument + "\" is no volume: NAME=DIR");
+        volumes[argument.substr(0, equals)] = argument.substr(equals + 1);
+    }
+    return volumes;
+}
+
+using Counts = std::map<std::string, std::int64_t>;
+
+void writeCounts(JsonWriter& json, std::string_view name, const Counts& counts)
+{
+    json.key(name);
+    json.beginObject();
+    for (const auto& [operation, count] : counts)
+        json.member(operation, count);
+    json.endObject();
+}
+
+std::string summaryJSON(const ApertureImported& imported)
+{
+    const auto& summary = imported.summary;
+    JsonWriter json;
+    json.beginObject();
+    json.member("catalogExists", summary.catalogExists);
+    json.member("alreadyImported", summary.alreadyImported);
+    json.member("masters", summary.masters);
+    json.member("versions", summary.versions);
+    json.member("missingFiles", summary.missingFiles);
+    json.member("albums", summary.albums);
+    json.member("projects", summary.projects);
+    json.member("smartAlbums", summary.smartAlbums);
+    json.member("smartAlbumsAsPlain", summary.smartAlbumsAsPlain);
+    json.member("stacks", summary.stacks);
+    json.member("adjustedVersions", summary.adjustedVersions);
+    json.member("matchedToPreview", summary.matchedToPreview);
+    json.key("report");
+    json.beginObject();
+    writeCounts(json, "unsupported", summary.report.unsupported);
+    writeCounts(json, "approximated", summary.report.approximated);
+    json.endObject();
+    json.member("library", imported.library.native());
+    json.endObject();
+    return json.take();
+}
+
+void printCounts(const Context& context, const char* what, const Counts& counts)
+{
+    for (const auto& [operation, count] : counts)
+        context.print(std::string(what) + ": " + operation + " × " + std::to_string(count));
+}
+
+void printSummary(const Context& context, const ApertureImported& imported, Matching matching)
+{
+    if (context.options().json) {
+        context.print(summaryJSON(imported));
+        return;
+    }
+    context.print(imported.library.string());
+    context.print(summaryText(imported.summary, matching));
+    printCounts(context, "not translated", imported.summary.report.unsupported);
+    printCounts(context, "translated roughly", imported.summary.report.approximated);
+}
+
+/// A bar for each phase of the import.
+class PhaseProgress {
+public:
+    explicit PhaseProgress(Progress::Mode mode) : mode_(mode) { }
+
+    void show(const ApertureImporter::Progress& progress)
+    {
+        if (progress.phase != phase_) {
+            bar_.reset(); // before the next one takes the line
+            phase_ = progress.phase;
+            bar_ = std::make_unique<Progress>(phase_, mode_);
+        }
+        if (progress.total > 0)
+            bar_->setTotal(progress.total);
+        bar_->setDone(progress.done);
+    }
+
+private:
+    Progress::Mode mode_;
+    std::string phase_;
+    std::unique_ptr<Progress> bar_;
+};
+
+} // namespace
+
+ExitCode importApertureCommand(Context& context, const ApertureArguments& arguments)
+{
+    const auto launcher = systemProcessLauncher();
+    SystemImageReader reader(*launcher, SystemImageReader::installedDecoder());
+    ApertureImport import{arguments.bundle, arguments.into, volumesOf(arguments.volumes), {}};
+    if (arguments.matchRenders)
+        import.match = [&](const auto& original, const auto& edits, const auto& preview) {
+            return matchRender(reader, original, edits, preview, context.stop());
+};
+std::optional<ApertureImported> imported;
+{
+    PhaseProgress phases(context.progressMode());
+    imported = importAperture(
+        import, context.clock(), context.defaults(),
+        [&](const ApertureImporter::Progress& progress) { phases.show(progress); }, context.stop());
+}
+if (!imported)
+    return ExitCode::interrupted;
+printSummary(context, *imported, arguments.matchRenders ? Matching::on : Matching::off);
+return ExitCode::done;
+} // namespace korvo
+
+} // namespace korvo
