@@ -121,6 +121,12 @@ void setMarks(ImportedPhoto& row, const Version& version)
     row.label = photoLabel(color < 0 || color > 6 ? 0 : color + 1).value_or(PhotoLabel::none);
 }
 
+/// Degrees clockwise as our edits count them.
+std::int64_t quarterTurns(std::int64_t degrees)
+{
+    return (degrees % 360 + 360) % 360 / 90;
+}
+
 class MasterImport {
 public:
     MasterImport(ApertureLibrary& library, const ImportSource& source, const MatchRender& match)
@@ -153,8 +159,8 @@ private:
         const auto preview = library_.previewFile(version, *source_.master);
         row.referencePath = preview ? preview->native() : "";
         auto edits = translated(version, adjustments);
-        if (const auto degrees = ((version.rotation % 360) + 360) % 360)
-            edits.rotation = degrees;
+        if (const auto turns = quarterTurns(version.rotation))
+            edits.rotation = turns;
         if (match_ && preview) {
             edits.apertureMatch = match_(row.path, edits, *preview);
             result_.matched += edits.apertureMatch.has_value();

@@ -1,7 +1,7 @@
 #include "app/RenderMatch.h"
 
 #include "aperture/ToneMatch.h"
-#include "edits/BasicStage.h"
+#include "app/PhotoRender.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -20,16 +20,10 @@ bool isDrawn(PhotoEdits edits)
         edits.*field = none.*field;
     edits.highlights.reset();
     edits.shadows.reset();
+    edits.rotation.reset();
+    edits.straighten.reset();
+    edits.crop.reset();
     return isIdentity(edits);
-}
-
-Bitmap rendered(const DecodedImage& image, const PhotoEdits& edits)
-{
-    const auto& pixels = std::get<LinearImage>(image.pixels);
-    const double scale = static_cast<double>(pixels.width) / std::max(image.fullWidth, 1);
-    Bitmap bitmap(pixels.width, pixels.height);
-    runBasicStage(basicPlan(basicFilters(edits), scale), pixels, bitmap);
-    return bitmap;
 }
 
 /// The upper left part of a picture.
@@ -60,8 +54,8 @@ std::optional<ToneCurves> matchRender(ImageReader& reader, const std::filesystem
         return std::nullopt;
     try {
         const auto theirs = reader.read(preview, {comparedSize, PixelKind::bitmap}, stop);
-        const auto ours = reader.read(original, {comparedSize, PixelKind::linear}, stop);
-        return fit(rendered(ours, edits), std::get<Bitmap>(theirs.pixels));
+        const auto ours = renderPhoto(reader, {original, edits, comparedSize}, stop);
+        return fit(ours.image, std::get<Bitmap>(theirs.pixels));
     } catch (const ImageError&) {
         return std::nullopt; // the photo comes in all the same, unmatched
     }

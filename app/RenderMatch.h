@@ -10,8 +10,8 @@
 namespace korvo {
 
 /// The tone curve that brings our render of a file with these edits to Aperture's own, `preview`. Nothing
-/// when none brings it closer, when one of the files cannot be decoded, and for edits beyond the basic
-/// adjustments: a curve fitted to a render that lacks a crop or a curve would make up for what is not there.
+/// when none brings it closer, when one of the files cannot be decoded, and for edits that our render does
+/// not draw yet, such as levels: the curve would make up for what is not there.
 std::optional<ToneCurves> matchRender(ImageReader& reader, const std::filesystem::path& original,
     const PhotoEdits& edits, const std::filesystem::path& preview, const std::stop_token& stop);
 

@@ -114,7 +114,7 @@ TEST_F(Importing, bringsOverAllThatAVersionIs)
         EXPECT_EQ(item.aperture, 5.6);
         EXPECT_EQ(item.captureDate, 352'000'000 + 978'307'200.0);
         EXPECT_EQ(item.edits().exposure, 0.5);
-        EXPECT_EQ(item.edits().rotation, 270);
+        EXPECT_EQ(item.edits().rotation, 3); // quarter turns
         EXPECT_EQ(readFile(item.referencePath.string()), "preview");
         EXPECT_FALSE(item.dirty);
     }

@@ -11,14 +11,13 @@ namespace {
 /// Makes pictures up: an original that is a ramp in linear light, and a preview of it with another gamma.
 class Pictures : public ImageReader {
 public:
-    DecodedImage read(
-        const std::filesystem::path& file, const ImageRequest& request, const std::stop_token&) override
+    DecodedImage read(const std::filesystem::path& file, const ImageRequest&, const std::stop_token&) override
     {
         if (file == "gone.jpg")
             throw ImageError(ImageError::Case::open, file, "is gone");
-        if (request.kind == PixelKind::linear)
-            return {linear(), 2560, 40, {}};
-        return {bitmap(), 256, 4, {}};
+        if (file == "preview.jpg")
+            return {bitmap(), 256, 3, {}};
+        return {linear(), 256, 4, {}};
     }
 
 private:
@@ -59,7 +58,8 @@ TEST(RenderMatch, leavesWhatCannotBeCompared)
     Pictures pictures;
     EXPECT_FALSE(matchRender(pictures, "gone.jpg", {}, "preview.jpg", {}));
     EXPECT_FALSE(matchRender(pictures, "a.jpg", {.crop = CropRect{0, 0, 0.5, 0.5}}, "preview.jpg", {}));
-    EXPECT_FALSE(matchRender(pictures, "a.jpg", {.rotation = 90}, "preview.jpg", {}));
+    EXPECT_FALSE(matchRender(pictures, "a.jpg", {.rotation = 1}, "preview.jpg", {}));
+    EXPECT_FALSE(matchRender(pictures, "a.jpg", {.sepia = 1}, "preview.jpg", {}));
 }
 
 } // namespace korvo
