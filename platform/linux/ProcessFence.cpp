@@ -39,7 +39,7 @@ constexpr int refused[] = {SCMP_SYS(execve), SCMP_SYS(execveat), SCMP_SYS(ptrace
 constexpr scmp_datum_t writing[] = {O_WRONLY, O_RDWR, O_CREAT, O_TRUNC};
 
 /// Enough for the largest raw files, and never more than half of what the machine has.
-rlim_t mostMemory()
+[[maybe_unused]] rlim_t mostMemory()
 {
     const auto installed
         = static_cast<rlim_t>(sysconf(_SC_PHYS_PAGES)) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path picture = fs::path(KORVO_TEST_DATA) / "images/plain.heic";
+const fs::path heicFile = fs::path(KORVO_TEST_DATA) / "images/plain.heic";
 
 /// A program that stands for the decoder on its first run only; later it is the decoder itself.
 fs::path decoderThatFirst(const TemporaryFolder& folder, const std::string& does)
@@ -32,7 +32,7 @@ fs::path decoderThatFirst(const TemporaryFolder& folder, const std::string& does
 std::optional<ImageError::Case> failure(SystemImageReader& reader)
 {
     try {
-        reader.read(picture, {}, {});
+        reader.read(heicFile, {}, {});
         return std::nullopt;
     } catch (const ImageError& error) {
         return error.which();
@@ -89,7 +89,7 @@ TEST(Decoder, writesIntoMemoryOnlyAndNeverIntoAFile)
     const auto name = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(opened.descriptor());
     for (const fs::path& memory : {fs::path(name), original, folder / "nothing"}) {
         const auto decoder = launcher->start({KORVO_DECODER});
-        const auto out = decoder->ask(DecoderRequest{7, picture, {}, memory}.encoded(),
+        const auto out = decoder->ask(DecoderRequest{7, heicFile, {}, memory}.encoded(),
             [](const ProcessOutput& output) { return isWholeMessage(output.out); }, {});
         const auto answer = DecoderAnswer::decoded(out.out);
         EXPECT_EQ(answer.number, 7);
