@@ -50,11 +50,11 @@ public:
 
     /// Everything that will be written. `match` finds the tone curve that brings our render of a version to
     /// Aperture's; without one nothing is matched. Nothing when it was stopped. Throws DatabaseError.
-    std::optional<ImportPlan> plan(const MatchRender& match);
+    std::optional<ApertureImportPlan> plan(const MatchRender& match);
 
     /// Writes a plan, as a whole or not at all: not when it was stopped, and not when anything throws. Throws
     /// DatabaseError, and ImportError::alreadyImported.
-    std::optional<Summary> write(const ImportPlan& plan, Catalog& catalog, const Clock& clock);
+    std::optional<Summary> write(const ApertureImportPlan& plan, Catalog& catalog, const Clock& clock);
 
 private:
     friend class ImportPlanner;

@@ -14,7 +14,8 @@ struct ImportSource {
 
 /// One master made ready. Without photos its file is missing.
 struct ImportedMaster {
-    std::vector<ImportPlan::Photo> photos; ///< the first stands for the master, the others for its versions
+    std::vector<ApertureImportPlan::Photo>
+        photos; ///< the first stands for the master, the others for its versions
     std::size_t adjusted = 0;
     std::size_t matched = 0;
     ApertureTranslator::Report report;

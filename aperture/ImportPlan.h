@@ -19,7 +19,7 @@ using MatchRender = std::function<std::optional<ToneCurves>(
     const std::filesystem::path& original, const PhotoEdits& edits, const std::filesystem::path& preview)>;
 
 /// What an import will write, as plain data. Photos are named by their place in `photos`.
-struct ImportPlan {
+struct ApertureImportPlan {
     struct Photo {
         ImportedPhoto row;
         std::optional<std::size_t> versionOf; ///< its master, which stands before it

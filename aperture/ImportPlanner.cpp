@@ -67,7 +67,7 @@ public:
     ImportPlanner(ApertureImporter& importer, const MatchRender& match) : importer_(importer), match_(match)
     { }
 
-    std::optional<ImportPlan> run()
+    std::optional<ApertureImportPlan> run()
     {
         auto& library = importer_.library_;
         importer_.show("Reading the Aperture library…");
@@ -168,7 +168,7 @@ private:
     /// The catalog's stacks hold masters: one of versions of one master is none.
     void addStack(const ApertureLibrary::Stack& stack)
     {
-        ImportPlan::Stack planned;
+        ApertureImportPlan::Stack planned;
         for (const auto& uuid : stack.versionUuids)
             if (const auto master = masterOf(uuid); master && inStack_.insert(*master).second)
                 planned.photos.push_back(*master);
@@ -188,10 +188,10 @@ private:
     std::unordered_map<std::string, std::size_t> placeOf_; // of a photo, by its version's uuid
     std::unordered_map<std::int64_t, std::size_t> placeOfModel_; // by its modelId
     std::unordered_set<std::size_t> inStack_; // a photo is in one stack at most
-    ImportPlan plan_;
+    ApertureImportPlan plan_;
 };
 
-std::optional<ImportPlan> ApertureImporter::plan(const MatchRender& match)
+std::optional<ApertureImportPlan> ApertureImporter::plan(const MatchRender& match)
 {
     return ImportPlanner(*this, match).run();
 }

@@ -19,7 +19,8 @@ struct Stopped { };
 
 class ImportWriter {
 public:
-    ImportWriter(ApertureImporter& importer, const ImportPlan& plan, Catalog& catalog, const Clock& clock)
+    ImportWriter(
+        ApertureImporter& importer, const ApertureImportPlan& plan, Catalog& catalog, const Clock& clock)
         : importer_(importer), plan_(plan), catalog_(catalog), now_(clock.now())
     { }
 
@@ -172,7 +173,7 @@ private:
     }
 
     ApertureImporter& importer_;
-    const ImportPlan& plan_;
+    const ApertureImportPlan& plan_;
     Catalog& catalog_;
     UnixTime now_;
     std::map<std::vector<std::string>, std::int64_t> folders_;
@@ -184,7 +185,7 @@ private:
 };
 
 std::optional<ApertureImporter::Summary> ApertureImporter::write(
-    const ImportPlan& plan, Catalog& catalog, const Clock& clock)
+    const ApertureImportPlan& plan, Catalog& catalog, const Clock& clock)
 {
     try {
         return ImportWriter(*this, plan, catalog, clock).run();

@@ -1,9 +1,7 @@
 #include "app/AddFiles.h"
 
-#include "base/Text.h"
+#include "app/FileContents.h"
 #include "catalog/FolderScan.h"
-#include "metadata/CameraFacts.h"
-#include "metadata/DescriptiveReader.h"
 #include "metadata/MetadataError.h"
 
 #include <tbb/parallel_pipeline.h>
@@ -24,8 +22,7 @@ constexpr std::size_t batchSize = 256;
 struct Candidate {
     ScannedFile file;
     NewPhoto photo;
-    CameraData camera;
-    std::optional<Coordinate> position;
+    FileContents contents;
     std::string failure; // a sentence; empty when nothing went wrong
 };
 
@@ -98,10 +95,8 @@ private:
                 return;
             if (candidate.photo.fileSize == 0)
                 candidate.failure = sentence(candidate.file.path, "the file is empty");
-            const auto metadata = readFileMetadata(candidate.file.path);
-            candidate.photo.metadata = photoMetadata(metadata.descriptive);
-            candidate.camera = cameraData(metadata.exif);
-            candidate.position = metadata.exif.coordinate;
+            candidate.contents = readContents(candidate.file.path);
+            candidate.photo.metadata = candidate.contents.metadata;
         } catch (const fs::filesystem_error& error) { // it has gone since it was scanned
             candidate.failure = sentence(candidate.file.path, error.code().message());
             candidate.photo.path.clear();
@@ -131,19 +126,11 @@ private:
         for (std::size_t i = 0; i < added.size(); ++i) {
             ++(added[i].isNew ? result_.added : result_.known);
             if (added[i].isNew && mode_ == ReadCameraData::now)
-                storeCameraFacts(added[i].id, *sources[i]);
+                storeCameraFacts(catalog_, added[i].id, sources[i]->contents);
         }
         transaction.commit();
         done_ += batch.size();
         progress_(done_);
-    }
-
-    void storeCameraFacts(PhotoID id, const Candidate& candidate)
-    {
-        catalog_.storeCameraData(id, candidate.camera);
-        const auto& position = candidate.position;
-        catalog_.storeReadPosition(id, position ? std::optional(position->latitude) : std::nullopt,
-            position ? std::optional(position->longitude) : std::nullopt);
     }
 
     std::optional<std::int64_t> folderOf(const ScannedFile& file)

@@ -79,10 +79,21 @@ std::optional<DaySpan> localDaySpan(std::string_view text)
     return DaySpan{startOfLocalDay(day), startOfLocalDay(day + std::chrono::days(1))};
 }
 
+UnixTime unixTime(std::filesystem::file_time_type time)
+{
+    return std::chrono::duration<double>(std::chrono::file_clock::to_sys(time).time_since_epoch()).count();
+}
+
+std::filesystem::file_time_type fileTime(UnixTime time)
+{
+    using Nanoseconds = std::chrono::nanoseconds;
+    return std::chrono::file_clock::from_sys(std::chrono::sys_time<Nanoseconds>(
+        std::chrono::duration_cast<Nanoseconds>(std::chrono::duration<double>(time))));
+}
+
 UnixTime modificationTime(const std::filesystem::path& file)
 {
-    const auto time = std::chrono::file_clock::to_sys(std::filesystem::last_write_time(file));
-    return std::chrono::duration<double>(time.time_since_epoch()).count();
+    return unixTime(std::filesystem::last_write_time(file));
 }
 
 std::string localDay(UnixTime time)

@@ -10,6 +10,10 @@ namespace korvo {
 /// Seconds since 1 January 1970, 00:00 UTC, with fractions: every date in the catalog.
 using UnixTime = double;
 
+/// The same moment.
+UnixTime unixTime(std::filesystem::file_time_type time);
+std::filesystem::file_time_type fileTime(UnixTime time);
+
 /// The file's last modification. Throws std::filesystem::filesystem_error.
 UnixTime modificationTime(const std::filesystem::path& file);
 

@@ -166,6 +166,19 @@ public:
     /// unless its metadata has changed meanwhile.
     void metadataWritten(PhotoID id, const PhotoMetadata& written, UnixTime fileDate, std::int64_t fileSize);
 
+    // Imported files (CatalogImportedFiles.cpp). A key is a file's name and size as its source had them.
+    /// The keys of the files that were imported and whose photos the library still holds.
+    std::vector<std::string> importedKeys();
+    void rememberImport(std::string_view key, PhotoID photo);
+    /// Says beforehand which path a file is about to have, so that an import that is killed then finds it
+    /// again.
+    void announceImport(std::string_view key, std::string_view path);
+    std::optional<std::string> announcedImport(std::string_view key);
+    /// Takes back what was announced.
+    void forgetImport(std::string_view key);
+    /// The project of that name that has no parent, made when there is none.
+    std::int64_t projectAtRoot(std::string_view name);
+
     // Lists (CatalogSources.cpp)
     /// The photos of a source in its order. For a smart album throws NotFoundError when there is none and
     /// SmartAlbumError when its rules cannot be read, here and in what follows.

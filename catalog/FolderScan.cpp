@@ -1,7 +1,5 @@
 #include "catalog/FolderScan.h"
 
-#include "catalog/FileTypes.h"
-
 #include <algorithm>
 
 namespace korvo {
@@ -40,7 +38,9 @@ std::string reason(const std::error_code& error)
 
 } // namespace
 
-FolderScan::FolderScan(std::span<const fs::path> paths) : roots_(paths.rbegin(), paths.rend()) { }
+FolderScan::FolderScan(std::span<const fs::path> paths, Admits admits)
+    : admits_(admits), roots_(paths.rbegin(), paths.rend())
+{ }
 
 std::optional<ScannedFile> FolderScan::next()
 {
@@ -102,7 +102,7 @@ std::optional<ScannedFile> FolderScan::examine(const fs::directory_entry& entry)
     const bool isLink = entry.is_symlink(error);
     if (!isLink && entry.is_directory(error))
         return enter(entry.path());
-    if (!isLibraryFile(entry.path().filename().native())) {
+    if (!admits_(entry.path().filename().native())) {
         ++ignored_;
         return std::nullopt;
     }

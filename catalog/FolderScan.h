@@ -1,10 +1,13 @@
 #pragma once
 
+#include "catalog/FileTypes.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace korvo {
@@ -21,12 +24,15 @@ struct ScannedFile {
 /// those named by the user; links to folders are not followed, so that no circle can form. Nothing is opened.
 class FolderScan {
 public:
-    explicit FolderScan(std::span<const std::filesystem::path> paths);
+    /// Which names are taken.
+    using Admits = bool (*)(std::string_view filename);
+
+    explicit FolderScan(std::span<const std::filesystem::path> paths, Admits admits = isLibraryFile);
 
     /// The next photo, or the next thing that cannot be read; nothing at the end.
     std::optional<ScannedFile> next();
 
-    /// Files passed over so far because a library does not hold their kind.
+    /// Files passed over so far because their names are not taken.
     std::size_t ignored() const { return ignored_; }
 
 private:
@@ -38,6 +44,7 @@ private:
     std::optional<ScannedFile> enter(const std::filesystem::path& folder);
     std::optional<ScannedFile> examine(const std::filesystem::directory_entry& entry);
 
+    Admits admits_;
     std::vector<std::filesystem::path> roots_; // the next one last
     std::filesystem::path root_; // the folder being walked
     std::vector<Level> levels_;

@@ -1,7 +1,7 @@
 #include "faces/ModelFetch.h"
 
 #include "faces/ModelError.h"
-#include "faces/PartFile.h"
+#include "platform/PartFile.h"
 #include "platform/Sha256.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "faces/ModelStore.h"
 
-#include "faces/PartFile.h"
+#include "platform/PartFile.h"
 #include "platform/PosixFile.h"
 
 #include <exception>

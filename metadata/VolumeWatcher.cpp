@@ -1,5 +1,9 @@
 #include "metadata/VolumeWatcher.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
+
 namespace korvo {
 
 namespace {
@@ -16,6 +20,12 @@ Volume offered(const MountedVolume& volume)
         std::filesystem::is_directory(volume.root / "DCIM", ignored)};
 }
 
+std::optional<dev_t> deviceOf(const std::filesystem::path& path)
+{
+    struct stat status { };
+    return stat(path.c_str(), &status) == 0 ? std::optional(status.st_dev) : std::nullopt;
+}
+
 } // namespace
 
 std::vector<Volume> offeredVolumes(const std::vector<MountedVolume>& mounted)
@@ -25,6 +35,33 @@ std::vector<Volume> offeredVolumes(const std::vector<MountedVolume>& mounted)
         if (isOffered(volume))
             volumes.push_back(offered(volume));
     return volumes;
+}
+
+std::optional<Volume> volumeHolding(const std::filesystem::path& path, const std::vector<Volume>& volumes)
+{
+    std::error_code unknown; // a path that is not there is reported when it is listed
+    const auto file = std::filesystem::weakly_canonical(path, unknown);
+    std::optional<Volume> innermost;
+    for (const auto& volume : volumes) {
+        const auto [end, rest]
+            = std::mismatch(volume.url.begin(), volume.url.end(), file.begin(), file.end());
+        if (end == volume.url.end()
+            && (!innermost || innermost->url.native().size() < volume.url.native().size()))
+            innermost = volume;
+    }
+    return innermost;
+}
+
+std::optional<Volume> fileSystemHolding(const std::filesystem::path& path)
+{
+    std::error_code unknown; // likewise
+    auto root = std::filesystem::weakly_canonical(path, unknown);
+    const auto device = deviceOf(root);
+    if (!device || device == deviceOf("/"))
+        return std::nullopt;
+    while (deviceOf(root.parent_path()) == device)
+        root = root.parent_path();
+    return offered({.root = root});
 }
 
 VolumeWatcher::VolumeWatcher(MainThread& main, VolumeService& service)

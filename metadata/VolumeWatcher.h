@@ -25,6 +25,13 @@ struct Volume {
 /// that holds the system. Looks into them, which may take its time.
 std::vector<Volume> offeredVolumes(const std::vector<MountedVolume>& mounted);
 
+/// The volume that a file or folder lies on.
+std::optional<Volume> volumeHolding(const std::filesystem::path& path, const std::vector<Volume>& volumes);
+
+/// The same by the file systems alone, for when the system does not tell its volumes: that which the path
+/// lies on, unless it is the root file system.
+std::optional<Volume> fileSystemHolding(const std::filesystem::path& path);
+
 /// The volumes offered for import, kept current as they come and go. Used on the main thread.
 class VolumeWatcher {
 public:

@@ -13,6 +13,9 @@ std::filesystem::path applicationDataFolder();
 /// need not exist yet. Throws std::runtime_error without a home folder.
 std::filesystem::path userDefaultsFolder();
 
+/// The user's folder for pictures, under whatever name; it need not exist. Throws likewise.
+std::filesystem::path picturesFolder();
+
 /// Where the files lie that are installed with the program. It need not exist.
 std::filesystem::path resourceFolder();
 

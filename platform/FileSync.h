@@ -9,6 +9,14 @@ namespace korvo {
 /// crash or a power cut either the old file stands or the whole new one. Throws std::system_error.
 void moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to);
 
+/// Renames `from` to a name of the same file system that nothing has; false when something has. File systems
+/// that cannot rename so (NFS, some of FUSE) are asked first, which another program may spoil in that very
+/// moment. What is renamed is safe from a power cut after syncFolder(). Throws std::system_error.
+bool moveToFreeName(const std::filesystem::path& from, const std::filesystem::path& to);
+
+/// Waits until the names in a folder are safe on the disk. Throws std::system_error.
+void syncFolder(const std::filesystem::path& folder);
+
 /// Replaces the contents of a file in the same all-or-nothing way, making the folders above it.
 /// Throws std::system_error.
 void replaceFile(const std::filesystem::path& file, std::string_view contents);

@@ -94,6 +94,19 @@ ExitCode restoreNamingCommand(Context& context);
 
 // Cards, drives and cameras (ImportCommands.cpp)
 ExitCode volumesCommand(Context& context);
+struct ImportArguments {
+    std::vector<std::string> sources;
+    std::optional<std::string> copyTo; // without one into the user's folder for pictures
+    bool reference = false; // leave the files where they are
+    std::string pattern = "{name}";
+    std::string project; // its name
+    bool byDay = false;
+    std::string creator, copyright, keywords;
+    bool keepDuplicates = false;
+    bool eject = false;
+    bool dryRun = false; // only list what would be imported
+};
+ExitCode importCommand(Context& context, const ImportArguments& arguments);
 
 // Models (ModelCommands.cpp)
 ExitCode modelStatusCommand(Context& context);

@@ -33,10 +33,37 @@ void addNamingCommands(Parser& parser)
         [](Context& context, const None&) { return restoreNamingCommand(context); });
 }
 
+namespace {
+
+void addImportArguments(CLI::App& sub, ImportArguments& import)
+{
+    sub.add_option("SOURCE", import.sources,
+           "a card, a drive, folders or files; \"camera\" for the one on USB, camera:PORT for one of several")
+        ->required();
+    auto* const copyTo = sub.add_option(
+        "--copy-to", import.copyTo, "the folder for the copies; else Korvo Imports in Pictures");
+    sub.add_flag("--reference", import.reference, "leave the files where they are; those of cards are copied")
+        ->excludes(copyTo);
+    sub.add_option("--pattern", import.pattern, "new names, with {name}, {seq}, {date} and {title}");
+    auto* const project
+        = sub.add_option("--project", import.project, "into the project of this name, made if there is none");
+    sub.add_flag("--by-day", import.byDay, "into one project per day")->excludes(project);
+    sub.add_option("--creator", import.creator, "the photos' creator");
+    sub.add_option("--copyright", import.copyright, "the photos' copyright");
+    sub.add_option("--keywords", import.keywords, "keywords to add, comma, separated");
+    sub.add_flag("--keep-duplicates", import.keepDuplicates, "import what the library has already, too");
+    sub.add_flag("--eject", import.eject, "eject the card or drive afterwards");
+    sub.add_flag("--dry-run", import.dryRun, "only list what would be imported");
+}
+
+} // namespace
+
 void addImportCommands(Parser& parser)
 {
     command<None>(parser, &parser.app, "volumes", "the cards and drives that photos can be imported from",
         noArguments, [](Context& context, const None&) { return volumesCommand(context); });
+    command<ImportArguments>(parser, &parser.app, "import",
+        "take photos in from cards, drives, folders and cameras", addImportArguments, importCommand);
 }
 
 } // namespace korvo

@@ -123,7 +123,7 @@ void measure(const fs::path& path, const fs::path& target)
 {
     const SystemClock clock;
     std::optional<ApertureLibrary> library;
-    std::optional<ImportPlan> plan;
+    std::optional<ApertureImportPlan> plan;
     std::optional<Catalog> catalog;
     const double planned = bench::secondsOf([&] {
         library.emplace(ApertureLibrary::open(path));

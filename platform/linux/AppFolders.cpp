@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <glib.h>
 #include <pwd.h>
 #include <stdexcept>
 #include <unistd.h>
@@ -50,6 +51,12 @@ std::filesystem::path applicationDataFolder()
 std::filesystem::path userDefaultsFolder()
 {
     return appFolder("KORVO_CONFIG", "XDG_CONFIG_HOME", ".config");
+}
+
+std::filesystem::path picturesFolder()
+{
+    const char* const named = g_get_user_special_dir(G_USER_DIRECTORY_PICTURES);
+    return named ? fs::path(named) : homeFolder() / "Pictures";
 }
 
 std::filesystem::path resourceFolder()

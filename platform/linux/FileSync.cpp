@@ -32,7 +32,27 @@ void moveIntoPlace(const std::filesystem::path& from, const std::filesystem::pat
     sync(from, O_RDONLY);
     if (::rename(from.c_str(), to.c_str()) != 0)
         throwFileError("write", to);
-    sync(to.parent_path(), O_RDONLY | O_DIRECTORY);
+    syncFolder(to.parent_path());
+}
+
+bool moveToFreeName(const std::filesystem::path& from, const std::filesystem::path& to)
+{
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno == EEXIST)
+        return false;
+    if (errno != EINVAL && errno != ENOSYS)
+        throwFileError("write", to);
+    if (std::filesystem::exists(std::filesystem::symlink_status(to)))
+        return false;
+    if (::rename(from.c_str(), to.c_str()) != 0)
+        throwFileError("write", to);
+    return true;
+}
+
+void syncFolder(const std::filesystem::path& folder)
+{
+    sync(folder, O_RDONLY | O_DIRECTORY);
 }
 
 void replaceFile(const std::filesystem::path& file, std::string_view contents)

@@ -1,4 +1,4 @@
-#include "faces/PartFile.h"
+#include "platform/PartFile.h"
 #include "tests/faces/StoreUnderTest.h"
 
 #include <algorithm>

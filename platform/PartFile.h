@@ -5,6 +5,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <stop_token>
+#include <string>
 
 namespace korvo {
 
@@ -21,7 +23,7 @@ public:
     static void removeLeftOver(const std::filesystem::path& target);
 
     PartFile(PartFile&&) noexcept = default;
-    PartFile& operator=(PartFile&&) = delete;
+    PartFile& operator=(PartFile&& other) noexcept;
     ~PartFile();
 
     const std::filesystem::path& path() const { return path_; }
@@ -36,6 +38,14 @@ public:
     /// Moves the file, safe on the disk, to the target in one step, replacing a file that is there. Throws
     /// std::system_error; then the target is as it was.
     void install();
+
+    /// The SHA-256 of what the disk holds, read again past what the system remembers of it, where it can;
+    /// call after sync(). Nothing when `stop` was asked for. Throws std::system_error.
+    std::optional<std::string> readBack(const std::stop_token& stop) const;
+
+    /// Moves the file, as it is, to a name beside it that nothing has; false, and it stays, when something
+    /// has. Throws std::system_error.
+    bool moveTo(const std::filesystem::path& freeName);
 
 private:
     PartFile(std::filesystem::path target, std::filesystem::path path, PosixFile file);

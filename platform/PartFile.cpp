@@ -1,6 +1,7 @@
-#include "faces/PartFile.h"
+#include "platform/PartFile.h"
 
 #include "platform/FileSync.h"
+#include "platform/Sha256.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -84,6 +85,14 @@ PartFile::~PartFile()
         unlink(path_.c_str());
 }
 
+PartFile& PartFile::operator=(PartFile&& other) noexcept
+{
+    std::swap(target_, other.target_);
+    std::swap(path_, other.path_);
+    std::swap(file_, other.file_);
+    return *this;
+}
+
 void PartFile::write(Bytes bytes) const
 {
     writeAll(file_, path_, bytes);
@@ -93,6 +102,20 @@ void PartFile::sync() const
 {
     if (fsync(file_.descriptor()) != 0)
         throwFileError("write", path_);
+}
+
+std::optional<std::string> PartFile::readBack(const std::stop_token& stop) const
+{
+    posix_fadvise(file_.descriptor(), 0, 0, POSIX_FADV_DONTNEED); // a file system in memory has nothing else
+    return sha256OfFile(path_, stop);
+}
+
+bool PartFile::moveTo(const fs::path& freeName)
+{
+    if (!moveToFreeName(path_, freeName))
+        return false;
+    file_ = {};
+    return true;
 }
 
 void PartFile::install()

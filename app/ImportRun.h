@@ -1,0 +1,34 @@
+#pragma once
+
+#include "app/AddFiles.h"
+#include "metadata/ImportPlan.h"
+
+#include <cstddef>
+#include <functional>
+#include <stop_token>
+#include <vector>
+
+namespace korvo {
+
+/// What became of the picked files.
+struct ImportResult {
+    std::vector<PhotoID> photos; // new in the library
+    std::size_t known = 0; // referenced files that the library has already
+    std::vector<AddFailure> failures;
+    bool cancelled = false;
+};
+
+/// Called with the number, from 1, of the file that is about to be copied; on any thread, one call at a time.
+using ImportProgress = std::function<void(std::size_t index)>;
+
+/// Carries a plan out: copies the files into the destination, or leaves them where they are, names them, adds
+/// them to the library, and gives them metadata and projects. Copies are written beside their final names,
+/// flushed, read again, compared, and only then moved to names that nothing has. A file that fails is listed,
+/// and the rest goes on; what is half-written goes. Works in batches: after a stop, a crash or an error
+/// everything batched so far stands, and the same import goes on where it ended. Ejects nothing. Throws
+/// DatabaseError, NotFoundError for a project that there is not, and std::system_error when the destination
+/// cannot be made.
+ImportResult runImport(Catalog& catalog, FileSource& source, const ImportPlan& plan, const Clock& clock,
+    const std::stop_token& stop, const ImportProgress& progress);
+
+} // namespace korvo
