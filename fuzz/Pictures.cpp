@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace korvo;
     PictureFile file("input", std::vector<std::uint8_t>(data, data + size));
     const auto open = safeDecoder(file);
-    if (!open)
+    if (!open || open == openWebp)
         return 0;
     try {
         const auto info = open(file, {})->info();

@@ -20,6 +20,8 @@ constexpr int exifMarker = JPEG_APP0 + 1, profileMarker = JPEG_APP0 + 2;
 constexpr unsigned longestMarker = 0xFFFF;
 /// Sets of scans beyond any in use: a small file may hold thousands, each over the whole picture.
 constexpr int mostScans = 100;
+/// Two bits a block, and room for files that are cut off.
+constexpr std::uint64_t pixelsInByte = 4096;
 /// A progressive picture's coefficients are kept until the last scan.
 constexpr std::int64_t mostCoefficientBytes = std::int64_t(1) << 31;
 
@@ -129,6 +131,7 @@ private:
         info_.fullWidth = static_cast<int>(jpeg_.image_width);
         info_.fullHeight = static_cast<int>(jpeg_.image_height);
         checkSize(file_, info_.fullWidth, info_.fullHeight);
+        checkContents(file_, info_.fullWidth, info_.fullHeight, pixelsInByte);
         const auto coefficients = std::int64_t(2) * info_.fullWidth * info_.fullHeight * jpeg_.num_components;
         if (jpeg_has_multiple_scans(&jpeg_) && coefficients > mostCoefficientBytes)
             file_.fail(ImageError::Case::tooLarge,

@@ -212,4 +212,13 @@ void checkSize(const PictureFile& file, std::int64_t width, std::int64_t height)
                 + " megapixels)");
 }
 
+void checkContents(
+    const PictureFile& file, std::int64_t width, std::int64_t height, std::uint64_t pixelsInByte)
+{
+    if (static_cast<std::uint64_t>(width * height) / pixelsInByte > file.size())
+        file.fail(ImageError::Case::damaged,
+            "the file is damaged: it is too short for its " + std::to_string(width) + " × "
+                + std::to_string(height) + " pixels");
+}
+
 } // namespace korvo

@@ -96,6 +96,11 @@ using OpenRows = std::unique_ptr<PictureRows> (*)(PictureFile& file, const OpenO
 /// damaged).
 void checkSize(const PictureFile& file, std::int64_t width, std::int64_t height);
 
+/// Refuses sizes that so few bytes cannot tell of, at most `pixelsInByte` pixels each. Throws ImageError
+/// (damaged).
+void checkContents(
+    const PictureFile& file, std::int64_t width, std::int64_t height, std::uint64_t pixelsInByte);
+
 std::unique_ptr<PictureRows> openJpeg(PictureFile& file, const OpenOptions& options);
 /// A JPEG picture that lies in a file of any kind.
 std::unique_ptr<PictureRows> openJpegAt(
