@@ -48,10 +48,10 @@ std::string failureText(const fs::path& file, const std::string& reason)
     return file.string() + ": " + reason;
 }
 
-ImportBatch::ImportBatch(Catalog& catalog, const ImportPlan& plan, fs::path folder, std::size_t shots,
-    const Clock& clock, ImportResult& result)
-    : catalog_(catalog), plan_(plan), folder_(std::move(folder)), clock_(clock), result_(result),
-      names_(catalog, folder_, plan.namingPattern, shots)
+ImportBatch::ImportBatch(Catalog& catalog, const ImportPlan& plan, const ImportFolder& folder,
+    std::size_t shots, const Clock& clock, ImportResult& result)
+    : catalog_(catalog), plan_(plan), folder_(folder), clock_(clock), result_(result),
+      names_(catalog, folder.path(), plan.namingPattern, shots)
 { }
 
 void ImportBatch::add(ImportedShot shot)
@@ -69,17 +69,37 @@ void ImportBatch::add(ImportedShot shot)
 
 void ImportBatch::flush()
 {
-    if (!folder_.empty()) {
+    const auto stored = result_.photos.size();
+    const auto known = result_.known;
+    try {
+        keep();
+    } catch (const std::exception& error) {
+        result_.photos.resize(stored);
+        result_.known = known;
+        for (ImportedShot& shot : shots_)
+            for (ImportedFile& file : shot.files)
+                if (file.copy || !file.path.empty())
+                    fail(file, std::string("could not be kept: ") + error.what());
+        shots_.clear();
+        throw;
+    }
+    shots_.clear();
+    bytes_ = 0;
+}
+
+void ImportBatch::keep()
+{
+    if (folder_) {
+        folder_.requireThere();
         for (ImportedShot& shot : shots_)
             name(shot);
         announce();
         for (ImportedShot& shot : shots_)
             move(shot);
-        syncFolder(folder_);
+        syncFolder(folder_.path());
+        folder_.requireThere();
     }
     store();
-    shots_.clear();
-    bytes_ = 0;
 }
 
 void ImportBatch::name(ImportedShot& shot)
@@ -94,17 +114,24 @@ void ImportBatch::name(ImportedShot& shot)
             continue;
         if (facts.title.empty())
             facts.title = file.contents.metadata.title.string();
-        unnamed.push_back({file.file->suffix, keyOf(file.file->file), file.copy->size, file.copy->digest,
-            !file.file->isSidecar});
+        unnamed.push_back({file.file->suffix, keyOf(file.file->file), file.file->file.path, file.copy->size,
+            file.copy->digest, !file.file->isSidecar});
         files.push_back(&file);
     }
     if (files.empty())
         return;
-    const auto names = names_.claim(facts, shot.index, unnamed);
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        files[i]->path = names[i].path;
-        if (names[i].isThere)
-            files[i]->copy.reset();
+    try {
+        const auto names = names_.claim(facts, shot.index, unnamed);
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            files[i]->path = names[i].path;
+            if (names[i].isThere)
+                files[i]->copy.reset();
+        }
+    } catch (const std::system_error& error) {
+        for (ImportedFile* const file : files) {
+            fail(*file, std::string("could not be given a name: ") + error.what());
+            file->copy.reset();
+        }
     }
 }
 
@@ -125,12 +152,18 @@ void ImportBatch::move(ImportedShot& shot)
             continue;
         try {
             if (!file.copy->part.moveTo(file.path))
-                fail(file, file.path.string() + " has come into being meanwhile; import it again");
+                notMoved(file, file.path.string() + " has come into being meanwhile; import it again");
         } catch (const std::system_error& error) {
-            fail(file, "could not be moved to " + file.path.string() + ": " + error.code().message());
+            notMoved(file, "could not be moved to " + file.path.string() + ": " + error.code().message());
         }
         file.copy.reset();
     }
+}
+
+void ImportBatch::notMoved(ImportedFile& file, const std::string& reason)
+{
+    catalog_.forgetAnnounced(file.path.native());
+    fail(file, reason);
 }
 
 void ImportBatch::fail(ImportedFile& file, const std::string& reason)
@@ -142,20 +175,17 @@ void ImportBatch::fail(ImportedFile& file, const std::string& reason)
 
 void ImportBatch::store()
 {
-    const auto stored = result_.photos.size();
-    try {
-        Transaction transaction(catalog_.database());
-        for (ImportedShot& shot : shots_)
-            for (ImportedFile& file : shot.files)
-                if (file.file->isSidecar)
-                    catalog_.forgetImport(keyOf(file.file->file));
-                else if (!file.path.empty())
-                    storePhoto(file);
-        transaction.commit();
-    } catch (...) {
-        result_.photos.resize(stored);
-        throw;
-    }
+    Transaction transaction(catalog_.database());
+    for (ImportedShot& shot : shots_)
+        for (ImportedFile& file : shot.files) {
+            if (file.path.empty())
+                continue;
+            if (folder_)
+                catalog_.forgetAnnounced(file.path.native());
+            if (!file.file->isSidecar)
+                storePhoto(file);
+        }
+    transaction.commit();
 }
 
 void ImportBatch::storePhoto(ImportedFile& file)
@@ -169,6 +199,8 @@ void ImportBatch::storePhoto(ImportedFile& file)
     }
     photo.folderID = folderOf(file);
     const auto [id, isNew] = catalog_.addPhotos(std::span(&photo, 1)).front();
+    if (!isNew && folder_)
+        return fail(file, file.path.string() + " has become another photo's meanwhile; import it again");
     if (!isNew) {
         ++result_.known;
         return;
@@ -199,13 +231,13 @@ std::int64_t ImportBatch::projectNamed(const std::string& name)
 
 std::optional<std::int64_t> ImportBatch::folderOf(const ImportedFile& file)
 {
-    const auto& added = folder_.empty() ? file.file->file.chosen : folder_;
+    const auto& added = folder_ ? folder_.path() : file.file->file.chosen;
     if (added.empty())
         return catalog_.folderContaining(file.path.native());
     const auto [entry, isNew] = folders_.try_emplace(added.native(), 0);
     if (isNew) {
         // Copies need no folder of their own in the sidebar when one that is there shows them.
-        const auto around = folder_.empty() ? std::nullopt : catalog_.folderContaining(file.path.native());
+        const auto around = folder_ ? catalog_.folderContaining(file.path.native()) : std::nullopt;
         entry->second = around ? *around : catalog_.addFolder(added.native(), clock_.now());
     }
     return entry->second;

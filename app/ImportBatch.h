@@ -2,6 +2,7 @@
 
 #include "app/FileContents.h"
 #include "app/ImportCopy.h"
+#include "app/ImportFolder.h"
 #include "app/ImportNames.h"
 #include "app/ImportRun.h"
 
@@ -32,16 +33,19 @@ struct ImportedShot {
 /// time.
 class ImportBatch {
 public:
-    /// All must outlive this. `folder` is the destination; empty when files stay where they are.
-    ImportBatch(Catalog& catalog, const ImportPlan& plan, std::filesystem::path folder, std::size_t shots,
+    /// All must outlive this.
+    ImportBatch(Catalog& catalog, const ImportPlan& plan, const ImportFolder& folder, std::size_t shots,
         const Clock& clock, ImportResult& result);
 
-    /// Takes a shot; keeps what has come so far when that has become much. Throws DatabaseError.
+    /// Takes a shot; keeps what has come so far when that has become much. Throws as flush().
     void add(ImportedShot shot);
-    /// Keeps what has come so far. Throws DatabaseError.
+    /// Keeps what has come so far. When that fails its files are listed as failures, and it throws
+    /// DatabaseError, NotFoundError or std::system_error; what has its name already is found by the next
+    /// import.
     void flush();
 
 private:
+    void keep();
     void name(ImportedShot& shot);
     void announce();
     void move(ImportedShot& shot);
@@ -50,11 +54,12 @@ private:
     std::optional<std::int64_t> project(const ImportedFile& file, UnixTime fileDate);
     std::int64_t projectNamed(const std::string& name);
     std::optional<std::int64_t> folderOf(const ImportedFile& file);
+    void notMoved(ImportedFile& file, const std::string& reason);
     void fail(ImportedFile& file, const std::string& reason);
 
     Catalog& catalog_;
     const ImportPlan& plan_;
-    std::filesystem::path folder_;
+    const ImportFolder& folder_;
     const Clock& clock_;
     ImportResult& result_;
     ImportNames names_;

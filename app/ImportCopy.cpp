@@ -46,8 +46,7 @@ std::optional<FileCopy> copyInto(
 
 bool verify(const FileCopy& copy, const std::stop_token& stop)
 {
-    copy.part.sync();
-    const auto digest = copy.part.readBack(stop);
+    const auto digest = sha256OnDisk(copy.part.path(), stop);
     if (digest && (*digest != copy.digest || fs::file_size(copy.part.path()) != copy.size))
         throw SourceError("the copy, read again, differs from the original");
     return digest.has_value();

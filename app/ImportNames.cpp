@@ -1,7 +1,7 @@
 #include "app/ImportNames.h"
 
 #include "base/FoldedText.h"
-#include "platform/Sha256.h"
+#include "platform/PartFile.h"
 
 #include <algorithm>
 #include <system_error>
@@ -32,10 +32,9 @@ std::vector<NamedFile> ImportNames::claim(
 ImportNames::Names ImportNames::announced(std::span<const UnnamedFile> files)
 {
     for (const auto& file : files)
-        if (const auto path = catalog_.announcedImport(file.key)) {
-            const auto name = fs::path(*path).filename().string();
-            if (fs::path(*path).parent_path() == folder_ && name.ends_with(file.suffix)
-                && holdsSame(*path, file))
+        for (const fs::path path : catalog_.announcedPaths(file.key)) {
+            const auto name = path.filename().string();
+            if (path.parent_path() == folder_ && name.ends_with(file.suffix) && holdsSame(path, file))
                 if (auto names = tryBase(name.substr(0, name.size() - file.suffix.size()), files))
                     return names;
         }
@@ -57,11 +56,10 @@ ImportNames::Names ImportNames::tryBase(const std::string& base, std::span<const
 std::optional<NamedFile> ImportNames::tryName(const std::string& name, const UnnamedFile& file)
 {
     const auto path = folder_ / name;
-    if (claimed_.contains(folded(name)))
+    // A photo whose file is missing keeps its path: another one there would get its title and its edits.
+    if (claimed_.contains(folded(name)) || (file.isPhoto && catalog_.hasMaster(path.native())))
         return std::nullopt;
-    std::error_code unknown; // what cannot be looked at is not free
-    const auto type = fs::symlink_status(path, unknown).type();
-    if (type == fs::file_type::not_found)
+    if (!fs::exists(fs::symlink_status(path)))
         return NamedFile{path};
     return holdsSame(path, file) ? std::optional(NamedFile{path, true}) : std::nullopt;
 }
@@ -69,8 +67,9 @@ std::optional<NamedFile> ImportNames::tryName(const std::string& name, const Unn
 bool ImportNames::holdsSame(const fs::path& path, const UnnamedFile& file)
 {
     try {
+        std::error_code elsewhere; // a camera's file has no path here
         return fs::is_regular_file(fs::symlink_status(path)) && fs::file_size(path) == file.size
-            && sha256OfFile(path, {}) == file.digest && !(file.isPhoto && catalog_.hasMaster(path.native()));
+            && !fs::equivalent(path, file.source, elsewhere) && sha256OnDisk(path, {}) == file.digest;
     } catch (const std::system_error&) {
         return false; // what cannot be read is something else, and stays as it is
     }

@@ -18,6 +18,7 @@ namespace korvo {
 struct UnnamedFile {
     std::string suffix; // behind the base name
     std::string key; // of what the source called it
+    std::filesystem::path source; // where it was copied from
     std::uint64_t size = 0;
     std::string digest; // SHA-256
     bool isPhoto = true;
@@ -39,7 +40,8 @@ public:
         : catalog_(catalog), folder_(std::move(folder)), pattern_(std::move(pattern)), total_(total)
     { }
 
-    /// The names of the files of one shot, which have the base name in common. Throws DatabaseError.
+    /// The names of the files of one shot, which have the base name in common. Throws DatabaseError, and
+    /// std::system_error when the destination cannot be looked into.
     std::vector<NamedFile> claim(
         const NamingFacts& facts, std::size_t index, std::span<const UnnamedFile> files);
 

@@ -2,17 +2,18 @@
 
 #include "app/ImportBatch.h"
 #include "metadata/MetadataError.h"
+#include "metadata/VolumeWatcher.h"
 
 #include <tbb/global_control.h>
 #include <tbb/parallel_pipeline.h>
 #include <tbb/task_arena.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
+#include <stdexcept>
 
 namespace korvo {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -35,85 +36,112 @@ public:
         const auto copying = tbb::make_filter<void, ShotPointer>(
             tbb::filter_mode::serial_in_order, [this](tbb::flow_control& flow) {
                 auto shot = std::make_shared<ImportedShot>();
-                if (next_ == shots_.size() || !copy(*shot))
+                if (next_ == shots_.size() || isBroken_ || !copy(*shot))
                     flow.stop();
                 return shot;
             });
         const auto checking = tbb::make_filter<ShotPointer, ShotPointer>(
             tbb::filter_mode::parallel, [this](ShotPointer shot) {
-                for (ImportedFile& file : shot->files)
-                    check(file);
-                if (stop_.stop_requested())
-                    drop(*shot);
+                check(*shot);
                 return shot;
             });
         const auto keeping = tbb::make_filter<ShotPointer, void>(tbb::filter_mode::serial_in_order,
-            [this](const ShotPointer& shot) { batch_.add(std::move(*shot)); });
-        // Most of the time is spent waiting for disks, so there may be more at work than processors.
-        const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, shotsAtATime);
+            [this](const ShotPointer& shot) { unlessBroken([&] { batch_.add(std::move(*shot)); }); });
+        // Most of the time is spent waiting for disks, so there may be more at work than processors; others
+        // may want more still.
+        constexpr auto parallelism = tbb::global_control::max_allowed_parallelism;
+        const tbb::global_control threads(
+            parallelism, std::max(std::size_t{shotsAtATime}, tbb::global_control::active_value(parallelism)));
         tbb::task_arena(shotsAtATime).execute([&] {
             tbb::parallel_pipeline(shotsAtATime, copying & checking & keeping);
         });
-        batch_.flush();
-        result_.cancelled = leftUndone_;
+        unlessBroken([this] { batch_.flush(); });
+        result_.cancelled = stop_.stop_requested() && (next_ < shots_.size() || isCut_);
         return std::move(result_);
     }
 
 private:
-    static fs::path destination(const ImportPlan& plan)
+    static ImportFolder destination(const ImportPlan& plan)
     {
         if (!plan.copyTo)
             return {};
-        fs::create_directories(*plan.copyTo);
-        const auto folder = fs::canonical(*plan.copyTo);
-        removeHalfWritten(folder);
-        return folder;
+        if (plan.card && liesOn(*plan.copyTo, *plan.card))
+            throw std::invalid_argument(
+                plan.copyTo->string() + " lies on the card itself; choose a folder on another disk");
+        return ImportFolder(*plan.copyTo);
+    }
+
+    /// What cannot be kept ends the run: the more is copied, the more would stand there unknown.
+    template <typename Keep>
+    void unlessBroken(Keep keep)
+    {
+        if (isBroken_)
+            return;
+        try {
+            keep();
+        } catch (const std::exception& error) {
+            result_.broken = error.what();
+            isBroken_ = true;
+        }
     }
 
     /// False when it was stopped.
     bool copy(ImportedShot& shot)
     {
-        leftUndone_ = stop_.stop_requested();
-        if (leftUndone_)
+        if (stop_.stop_requested())
             return false;
         shot.shot = &shots_[next_++];
         shot.index = next_;
         for (const Shot::File& file : shot.shot->files) {
             if (!file.isSidecar)
                 progress_(++begun_);
-            if (!copy(shot.files.emplace_back(ImportedFile{.file = &file})))
+            copy(shot.files.emplace_back(ImportedFile{.file = &file}));
+            if (stop_.stop_requested()) {
+                isCut_ = true;
                 return false;
+            }
         }
         return true;
     }
 
-    bool copy(ImportedFile& imported)
+    void copy(ImportedFile& imported)
     {
         const SourceFile& file = imported.file->file;
         try {
             if (file.size == 0)
                 throw SourceError("the file is empty");
-            if (folder_.empty())
+            if (folder_) {
+                folder_.requireThere();
+                imported.copy = copyInto(folder_.path(), source_, file, stop_);
+            } else
                 imported.path = file.path;
-            else
-                imported.copy = copyInto(folder_, source_, file, stop_);
         } catch (const SourceError& error) {
             imported.failure = error.what();
         } catch (const std::system_error& error) {
-            imported.failure = "could not be copied to " + folder_.string() + ": " + error.code().message();
+            imported.failure = notCopied(error);
         }
-        leftUndone_ = stop_.stop_requested();
-        return !leftUndone_;
     }
 
-    void check(ImportedFile& imported) const
+    /// A shot that a stop left unchecked goes whole.
+    void check(ImportedShot& shot)
+    {
+        for (ImportedFile& file : shot.files)
+            if (!check(file)) {
+                isCut_ = true;
+                shot.files.clear();
+                return;
+            }
+    }
+
+    /// False when it was stopped.
+    bool check(ImportedFile& imported) const
     {
         if (!imported.failure.empty())
-            return;
+            return true;
         try {
             if (imported.copy && !verify(*imported.copy, stop_))
-                return;
-            if (!imported.file->isSidecar && (imported.copy || folder_.empty()))
+                return false;
+            if (!imported.file->isSidecar)
                 imported.contents = readContents(imported.copy ? imported.copy->part.path() : imported.path);
         } catch (const MetadataError&) { // it is imported all the same
             imported.failure = "what it says of itself could not be read";
@@ -121,31 +149,28 @@ private:
             imported.failure = error.what();
             imported.copy.reset();
         } catch (const std::system_error& error) {
-            imported.failure = "could not be copied to " + folder_.string() + ": " + error.code().message();
+            imported.failure = notCopied(error);
             imported.copy.reset();
         }
+        return true;
     }
 
-    /// After a stop some of the files may not have been compared.
-    void drop(ImportedShot& shot)
+    std::string notCopied(const std::system_error& error) const
     {
-        for (ImportedFile& file : shot.files)
-            if (file.copy) {
-                file.copy.reset();
-                leftUndone_ = true;
-            }
+        return "could not be copied to " + folder_.path().string() + ": " + error.code().message();
     }
 
     FileSource& source_;
     std::vector<Shot> shots_;
-    fs::path folder_; // empty when files stay where they are
+    ImportFolder folder_;
     const std::stop_token& stop_;
     const ImportProgress& progress_;
     ImportResult result_;
     ImportBatch batch_;
     std::size_t next_ = 0;
     std::size_t begun_ = 0;
-    std::atomic<bool> leftUndone_ = false; // by a stop
+    std::atomic<bool> isCut_ = false; // a shot that was begun was dropped after a stop
+    std::atomic<bool> isBroken_ = false;
 };
 
 } // namespace
@@ -153,6 +178,10 @@ private:
 ImportResult runImport(Catalog& catalog, FileSource& source, const ImportPlan& plan, const Clock& clock,
     const std::stop_token& stop, const ImportProgress& progress)
 {
+    if (plan.project)
+        catalog.requireSource({LibrarySource::Kind::project, *plan.project});
+    if (plan.files.empty())
+        return {};
     return ImportRun(catalog, source, plan, clock, stop, progress).run();
 }
 

@@ -33,6 +33,25 @@ std::size_t filled(Buffer& buffer, Call call)
     }
 }
 
+std::size_t decoded(std::string_view text, Units& to)
+{
+    return filled(to, [&](char16_t* out, int capacity, UErrorCode* error) {
+        int needed = 0;
+        u_strFromUTF8WithSub(
+            out, capacity, &needed, text.data(), length(text.size()), 0xFFFD, nullptr, error);
+        return needed;
+    });
+}
+
+std::size_t encoded(const Units& from, std::size_t size, std::string& to)
+{
+    return filled(to, [&](char* out, int capacity, UErrorCode* error) {
+        int needed = 0;
+        u_strToUTF8(out, capacity, &needed, from.data(), length(size), error);
+        return needed;
+    });
+}
+
 std::size_t normalize(const UNormalizer2* form, const Units& from, std::size_t size, Units& to)
 {
     return filled(to, [&](char16_t* out, int capacity, UErrorCode* error) {
@@ -71,23 +90,27 @@ std::string_view TextFolder::foldUnicode(std::string_view text)
 {
     static const UNormalizer2* const decomposed = form(unorm2_getNFDInstance);
     static const UNormalizer2* const composed = form(unorm2_getNFCInstance);
-    auto size = filled(from_, [&](char16_t* out, int capacity, UErrorCode* error) {
-        int needed = 0;
-        u_strFromUTF8WithSub(
-            out, capacity, &needed, text.data(), length(text.size()), 0xFFFD, nullptr, error);
-        return needed;
-    });
+    auto size = decoded(text, from_);
     size = normalize(decomposed, from_, size, to_);
     size = filled(from_, [&](char16_t* out, int capacity, UErrorCode* error) {
         return u_strFoldCase(out, capacity, to_.data(), length(size), U_FOLD_CASE_DEFAULT, error);
     });
     size = normalize(composed, from_, size, to_);
-    size = filled(result_, [&](char* out, int capacity, UErrorCode* error) {
-        int needed = 0;
-        u_strToUTF8(out, capacity, &needed, to_.data(), length(size), error);
-        return needed;
-    });
+    size = encoded(to_, size, result_);
     return {result_.data(), size};
+}
+
+std::string lowered(std::string_view text)
+{
+    Units from;
+    Units to;
+    std::string result;
+    auto size = decoded(text, from);
+    size = filled(to, [&](char16_t* out, int capacity, UErrorCode* error) {
+        return u_strToLower(out, capacity, from.data(), length(size), "", error);
+    });
+    result.resize(encoded(to, size, result));
+    return result;
 }
 
 std::string folded(std::string_view text)

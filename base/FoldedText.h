@@ -26,6 +26,10 @@ private:
     std::vector<char16_t> to_;
 };
 
+/// The text in lower case, letter for letter and in no country's way: "ß" stays, and accents stay as composed
+/// as they are. Bytes that are not UTF-8 become U+FFFD.
+std::string lowered(std::string_view text);
+
 /// The folded text, for what is folded once.
 std::string folded(std::string_view text);
 

@@ -173,9 +173,9 @@ public:
     /// Says beforehand which path a file is about to have, so that an import that is killed then finds it
     /// again.
     void announceImport(std::string_view key, std::string_view path);
-    std::optional<std::string> announcedImport(std::string_view key);
-    /// Takes back what was announced.
-    void forgetImport(std::string_view key);
+    std::vector<std::string> announcedPaths(std::string_view key);
+    /// Takes back what was announced: the file has been stored, or does not stand there.
+    void forgetAnnounced(std::string_view path);
     /// The project of that name that has no parent, made when there is none.
     std::int64_t projectAtRoot(std::string_view name);
 

@@ -5,11 +5,17 @@ namespace korvo {
 
 namespace {
 
-/// What the library remembers of imported files stands in its key/value store: the value is the photo's id,
-/// or, while the file is on its way, the path it is about to have.
+/// What the library remembers of imported files stands in its key/value store: "import|" and the file's key
+/// lead to the photo's id, and, while the file is on its way, "importing|" and the path that it is about to
+/// have to its key.
 std::string metaKey(std::string_view key)
 {
     return "import|" + std::string(key);
+}
+
+std::string announcedKey(std::string_view path)
+{
+    return "importing|" + std::string(path);
 }
 
 } // namespace
@@ -17,7 +23,7 @@ std::string metaKey(std::string_view key)
 std::vector<std::string> Catalog::importedKeys()
 {
     std::vector<std::string> keys;
-    // "}" follows "|"; a path is the number 0.
+    // "}" follows "|".
     auto statement
         = database_.kept("SELECT substr(key, 8) FROM meta WHERE key > 'import|' AND key < 'import}' "
                          "AND EXISTS (SELECT 1 FROM photos WHERE id = CAST(value AS INTEGER))");
@@ -33,18 +39,23 @@ void Catalog::rememberImport(std::string_view key, PhotoID photo)
 
 void Catalog::announceImport(std::string_view key, std::string_view path)
 {
-    writeMeta(database_, metaKey(key), path);
+    writeMeta(database_, announcedKey(path), key);
 }
 
-void Catalog::forgetImport(std::string_view key)
+std::vector<std::string> Catalog::announcedPaths(std::string_view key)
 {
-    database_.run("DELETE FROM meta WHERE key = ?", metaKey(key));
+    std::vector<std::string> paths;
+    auto statement = database_.kept("SELECT substr(key, 11) FROM meta WHERE key > 'importing|' "
+                                    "AND key < 'importing}' AND value = ?");
+    statement.bind(key);
+    while (statement.step())
+        paths.emplace_back(statement.text(0));
+    return paths;
 }
 
-std::optional<std::string> Catalog::announcedImport(std::string_view key)
+void Catalog::forgetAnnounced(std::string_view path)
 {
-    auto value = readMeta(database_, metaKey(key));
-    return value && value->starts_with('/') ? value : std::nullopt;
+    database_.run("DELETE FROM meta WHERE key = ?", announcedKey(path));
 }
 
 std::int64_t Catalog::projectAtRoot(std::string_view name)

@@ -1,6 +1,7 @@
 #include "faces/ModelFetch.h"
 
 #include "faces/ModelError.h"
+#include "platform/FileSync.h"
 #include "platform/PartFile.h"
 #include "platform/Sha256.h"
 
@@ -59,6 +60,7 @@ private:
 PartFile fetchFile(const ModelFetch& fetch, const ModelFile& file, Downloader& downloader,
     ProgressSum& progress, const std::stop_token& stop)
 {
+    makeFolders(fetch.placeOf(file).parent_path());
     auto part = PartFile::begin(fetch.placeOf(file));
     if (!part)
         throw ModelError(ModelError::Case::busy, fetch.models.name);

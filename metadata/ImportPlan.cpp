@@ -76,15 +76,15 @@ void addSidecar(std::vector<Shot>& shots, const ShotIndex& index, const SourceFi
 
 std::string duplicateKey(std::string_view filename, std::uint64_t size)
 {
-    // Folding would make the same of all bytes that are no text.
-    return (isUtf8(filename) ? folded(filename) : asciiLower(filename)) + "|" + std::to_string(size);
+    // Decoding would make the same of all bytes that are no text.
+    return (isUtf8(filename) ? lowered(filename) : asciiLower(filename)) + "|" + std::to_string(size);
 }
 
 ImportListing listImportable(FileSource& source, Catalog& catalog, const std::stop_token& stop)
 {
     auto found = source.list(isImportable, stop);
     const auto known = knownKeys(catalog);
-    ImportListing listing{{}, {}, std::move(found.failures)};
+    ImportListing listing{{}, {}, std::move(found.failures), !stop.stop_requested()};
     for (auto& file : found.files) {
         const auto filename = file.path.filename().native();
         if (isSidecar(filename))

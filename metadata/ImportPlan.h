@@ -25,6 +25,7 @@ struct ImportListing {
     std::vector<Candidate> candidates;
     std::vector<SourceFile> sidecars; // ".xmp" files: no photos, but they go where theirs go
     std::vector<SourceFailure> failures;
+    bool isWhole = true; // not cut short by a stop
 };
 
 /// Lists a source and marks what the library has already. Throws SourceError and DatabaseError.
@@ -43,6 +44,7 @@ struct ImportPlan {
     std::vector<SourceFile> files; // the picked candidates
     std::vector<SourceFile> sidecars; // of the source; those of the files go with them
     std::optional<std::filesystem::path> copyTo; // none: the files stay and are referenced
+    std::optional<std::filesystem::path> card; // that the files come from; copies must not go onto it
     std::string namingPattern = "{name}"; // of copies
     bool byDay = false; // one project per day
     std::optional<std::int64_t> project; // one that there is

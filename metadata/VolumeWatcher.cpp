@@ -64,6 +64,14 @@ std::optional<Volume> fileSystemHolding(const std::filesystem::path& path)
     return offered({.root = root});
 }
 
+bool liesOn(const std::filesystem::path& path, const std::filesystem::path& root)
+{
+    auto there = std::filesystem::absolute(path);
+    while (!deviceOf(there) && there != there.parent_path())
+        there = there.parent_path();
+    return deviceOf(there) && deviceOf(there) == deviceOf(root);
+}
+
 VolumeWatcher::VolumeWatcher(MainThread& main, VolumeService& service)
     : main_(main), service_(service), self_(std::make_shared<VolumeWatcher*>(this))
 {

@@ -32,6 +32,9 @@ std::optional<Volume> volumeHolding(const std::filesystem::path& path, const std
 /// lies on, unless it is the root file system.
 std::optional<Volume> fileSystemHolding(const std::filesystem::path& path);
 
+/// Whether a file or folder, or one that is yet to be made, lies on the file system mounted at `root`.
+bool liesOn(const std::filesystem::path& path, const std::filesystem::path& root);
+
 /// The volumes offered for import, kept current as they come and go. Used on the main thread.
 class VolumeWatcher {
 public:

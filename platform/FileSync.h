@@ -14,7 +14,11 @@ void moveIntoPlace(const std::filesystem::path& from, const std::filesystem::pat
 /// moment. What is renamed is safe from a power cut after syncFolder(). Throws std::system_error.
 bool moveToFreeName(const std::filesystem::path& from, const std::filesystem::path& to);
 
-/// Waits until the names in a folder are safe on the disk. Throws std::system_error.
+/// Makes a folder and those above it, each safe from a power cut. Throws std::system_error.
+void makeFolders(const std::filesystem::path& folder);
+
+/// Waits until the names in a folder are safe on the disk, where folders cannot be waited for until its whole
+/// file system is. Throws std::system_error.
 void syncFolder(const std::filesystem::path& folder);
 
 /// Replaces the contents of a file in the same all-or-nothing way, making the folders above it.

@@ -4,9 +4,9 @@
 #include "platform/Sha256.h"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -21,29 +21,22 @@ fs::path partOf(fs::path target)
     return target += ".part";
 }
 
-void makeFolders(const fs::path& folder)
+enum class Lock { ours, others, none };
+
+/// On a file system without locks nobody can tell who writes a file.
+Lock lock(const PosixFile& file)
 {
-    std::error_code reason;
-    fs::create_directories(folder, reason);
-    if (reason)
-        throwFileError("make the folder", folder, reason);
+    if (flock(file.descriptor(), LOCK_EX | LOCK_NB) == 0)
+        return Lock::ours;
+    return errno == EWOULDBLOCK ? Lock::others : Lock::none;
 }
 
-/// False when another process holds the lock. On a file system without locks every file counts as ours: what
-/// could go wrong there is that two processes fetch at once, and the fingerprint tells.
-bool lock(const PosixFile& file)
+/// Whether nobody has written the file for a day.
+bool isAbandoned(const fs::path& path)
 {
-    return flock(file.descriptor(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
-}
-
-/// Whether the file open here is still the one of that name. Only the holder of its lock may rename or remove
-/// it, so that under the lock the answer stays true.
-bool isNamed(const PosixFile& file, const fs::path& path)
-{
-    struct stat open { };
-    struct stat named { };
-    return fstat(file.descriptor(), &open) == 0 && lstat(path.c_str(), &named) == 0
-        && open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+    std::error_code unknown; // then it is left alone
+    const auto written = fs::last_write_time(path, unknown);
+    return !unknown && fs::file_time_type::clock::now() - written > std::chrono::days(1);
 }
 
 } // namespace
@@ -55,12 +48,11 @@ PartFile::PartFile(fs::path target, fs::path path, PosixFile file)
 std::optional<PartFile> PartFile::begin(const fs::path& target)
 {
     const auto path = partOf(target);
-    makeFolders(path.parent_path());
     for (;;) {
         auto file = openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW);
         if (!file)
             throwFileError("write", path);
-        if (!lock(file))
+        if (lock(file) == Lock::others)
             return std::nullopt;
         if (!isNamed(file, path))
             continue; // installed or removed by its owner just before we had the lock
@@ -74,8 +66,12 @@ void PartFile::removeLeftOver(const fs::path& target)
 {
     const auto path = partOf(target);
     const auto file = openFile(path, O_RDWR | O_NOFOLLOW);
-    // What cannot be removed is no reason to do without the model; the next download says what is wrong.
-    if (file && lock(file) && isNamed(file, path))
+    if (!file)
+        return;
+    const auto held = lock(file);
+    const bool isOurs = held == Lock::ours || (held == Lock::none && isAbandoned(path));
+    // Whoever needs the name next says what is wrong with it.
+    if (isOurs && isNamed(file, path))
         unlink(path.c_str());
 }
 
@@ -104,12 +100,6 @@ void PartFile::sync() const
         throwFileError("write", path_);
 }
 
-std::optional<std::string> PartFile::readBack(const std::stop_token& stop) const
-{
-    posix_fadvise(file_.descriptor(), 0, 0, POSIX_FADV_DONTNEED); // a file system in memory has nothing else
-    return sha256OfFile(path_, stop);
-}
-
 bool PartFile::moveTo(const fs::path& freeName)
 {
     if (!moveToFreeName(path_, freeName))
@@ -122,6 +112,15 @@ void PartFile::install()
 {
     moveIntoPlace(path_, target_);
     file_ = {};
+}
+
+std::optional<std::string> sha256OnDisk(const fs::path& path, const std::stop_token& stop)
+{
+    const auto file = openFile(path, O_RDONLY | O_NOFOLLOW);
+    if (!file || fsync(file.descriptor()) != 0)
+        throwFileError("read", path);
+    posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_DONTNEED); // a file system in memory has nothing else
+    return sha256OfFile(path, stop);
 }
 
 } // namespace korvo

@@ -15,7 +15,7 @@ namespace korvo {
 /// which the one that a killed process left behind can be told from the one that a living process is writing.
 class PartFile {
 public:
-    /// Begins an empty part file, making the folders above it; nothing when another process is writing it.
+    /// Begins an empty part file in a folder that is there; nothing when another process is writing it.
     /// Throws std::system_error.
     static std::optional<PartFile> begin(const std::filesystem::path& target);
 
@@ -39,10 +39,6 @@ public:
     /// std::system_error; then the target is as it was.
     void install();
 
-    /// The SHA-256 of what the disk holds, read again past what the system remembers of it, where it can;
-    /// call after sync(). Nothing when `stop` was asked for. Throws std::system_error.
-    std::optional<std::string> readBack(const std::stop_token& stop) const;
-
     /// Moves the file, as it is, to a name beside it that nothing has; false, and it stays, when something
     /// has. Throws std::system_error.
     bool moveTo(const std::filesystem::path& freeName);
@@ -54,5 +50,9 @@ private:
     std::filesystem::path path_;
     PosixFile file_; // without one once installed, or moved from
 };
+
+/// Waits until a file is safe on the disk and gives the SHA-256 of what the disk holds, read again past what
+/// the system remembers of it, where it can. Nothing when `stop` was asked for. Throws std::system_error.
+std::optional<std::string> sha256OnDisk(const std::filesystem::path& file, const std::stop_token& stop);
 
 } // namespace korvo

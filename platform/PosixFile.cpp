@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -18,6 +19,14 @@ PosixFile openFile(const std::filesystem::path& path, int flags)
 {
     constexpr mode_t lessTheUsersMask = 0666;
     return PosixFile(open(path.c_str(), flags | O_CLOEXEC, lessTheUsersMask));
+}
+
+bool isNamed(const PosixFile& file, const std::filesystem::path& path)
+{
+    struct stat open { };
+    struct stat named { };
+    return fstat(file.descriptor(), &open) == 0 && lstat(path.c_str(), &named) == 0
+        && open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
 void writeAll(const PosixFile& file, const std::filesystem::path& path, Bytes bytes)

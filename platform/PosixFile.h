@@ -34,6 +34,9 @@ private:
 /// errno).
 PosixFile openFile(const std::filesystem::path& path, int flags);
 
+/// Whether the file open here is still the one of that name, links not followed.
+bool isNamed(const PosixFile& file, const std::filesystem::path& path);
+
 /// Writes all the bytes at the file's position; `path` is for the text of the std::system_error it throws.
 void writeAll(const PosixFile& file, const std::filesystem::path& path, Bytes bytes);
 

@@ -98,6 +98,8 @@ ImportPlan planOf(const ImportArguments& arguments, const ImportListing& listing
     if (!arguments.reference || mustCopy(source))
         plan.copyTo = arguments.copyTo ? std::filesystem::path(*arguments.copyTo)
                                        : picturesFolder() / importWindow::destinationName;
+    if (source.kind == Source::Kind::volume && source.volume.isCard)
+        plan.card = source.volume.url;
     plan.namingPattern = arguments.pattern;
     plan.byDay = arguments.byDay;
     plan.newProject = arguments.project;
@@ -138,6 +140,16 @@ void eject(Context& context, const Source& source)
         context.print(text);
 }
 
+/// A card from which photos could not be taken, or were left, is wanted again.
+void ejectUnlessNeeded(Context& context, const Source& source, const ImportResult& result)
+{
+    const bool nothingWorked = result.photos.empty() && !result.failures.empty();
+    if (!result.broken.empty() || nothingWorked)
+        context.fail(nameOf(source) + " was not ejected: not all of its photos were imported.");
+    else
+        eject(context, source);
+}
+
 void printResult(const Context& context, std::size_t imported, std::size_t duplicates, std::size_t failed)
 {
     context.print(fmt::format(
@@ -173,6 +185,8 @@ ExitCode importCommand(Context& context, const ImportArguments& arguments)
     const auto source = sourceOf(arguments.sources);
     const auto files = open(source);
     auto listing = listImportable(*files, library, context.stop());
+    if (!listing.isWhole)
+        throw Interrupted();
     pick(listing.candidates, arguments.keepDuplicates ? Duplicates::take : Duplicates::leaveOut);
     for (const auto& failure : listing.failures)
         context.fail(failure.path.string() + ": " + failure.reason);
@@ -180,8 +194,11 @@ ExitCode importCommand(Context& context, const ImportArguments& arguments)
         printCandidates(context, listing);
         return context.finish(listing.candidates.size());
     }
-    if (listing.candidates.empty() && listing.failures.empty() && !context.isStopped())
-        context.fail(std::string(importWindow::nothingImportable));
+    if (listing.candidates.empty()) {
+        if (listing.failures.empty())
+            context.fail(std::string(importWindow::nothingImportable));
+        return context.finish(0);
+    }
     const auto plan = planOf(arguments, listing, source);
     if (arguments.reference && plan.copyTo)
         fmt::print(stderr, "{}\n", importWindow::cardsAreCopied);
@@ -189,10 +206,11 @@ ExitCode importCommand(Context& context, const ImportArguments& arguments)
     for (const auto& failure : result.failures)
         context.fail(failure.message);
     const auto left = listing.candidates.size() - plan.files.size() + result.known;
-    if (!listing.candidates.empty())
-        printResult(context, result.photos.size(), left, listing.failures.size() + result.failures.size());
+    printResult(context, result.photos.size(), left, listing.failures.size() + result.failures.size());
+    if (!result.broken.empty())
+        context.fail("The import ended early; import again to go on. " + result.broken);
     if (plan.eject && !result.cancelled)
-        eject(context, source);
+        ejectUnlessNeeded(context, source, result);
     return context.finish(result.photos.size() + left, result.cancelled ? Ended::early : Ended::whole);
 }
 

@@ -50,14 +50,32 @@ bool moveToFreeName(const std::filesystem::path& from, const std::filesystem::pa
     return true;
 }
 
+void makeFolders(const std::filesystem::path& folder)
+{
+    if (folder.empty() || std::filesystem::is_directory(folder))
+        return;
+    const auto above = folder.parent_path();
+    makeFolders(above);
+    std::error_code reason;
+    std::filesystem::create_directory(folder, reason);
+    if (reason)
+        throwFileError("make the folder", folder, reason);
+    syncFolder(above.empty() ? "." : above);
+}
+
 void syncFolder(const std::filesystem::path& folder)
 {
-    sync(folder, O_RDONLY | O_DIRECTORY);
+    const auto opened = korvo::opened(folder, O_RDONLY | O_DIRECTORY);
+    if (::fsync(opened.descriptor()) == 0)
+        return;
+    const bool cannot = errno == EINVAL || errno == ENOTSUP;
+    if (!cannot || ::syncfs(opened.descriptor()) != 0)
+        throwFileError("write", folder);
 }
 
 void replaceFile(const std::filesystem::path& file, std::string_view contents)
 {
-    std::filesystem::create_directories(file.parent_path());
+    makeFolders(file.parent_path());
     auto unfinished = file;
     unfinished += "." + std::to_string(::getpid()) + ".part";
     try {

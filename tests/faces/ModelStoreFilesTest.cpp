@@ -129,6 +129,7 @@ TEST(ModelStore, leavesTheDownloadOfAnotherProcessAlone)
 {
     StoreUnderTest test;
     {
+        std::filesystem::create_directories(test.target().parent_path());
         const auto others = PartFile::begin(test.target());
         test.start();
         EXPECT_TRUE(std::filesystem::exists(test.part()));

@@ -45,15 +45,16 @@ TEST(ImportPlan, duplicatesAreKnownByNameAndSizeOfMastersAndOfEarlierImports)
     card.write("ÄB.jpg", "abc");
     card.write("renamed.jpg", "12345");
     card.write("version.jpg", "1234567");
+    card.write("Strasse.jpg", "1234");
     card.write("gone.jpg", "123456789");
     addMaster(library, "/p/img_0001.jpg", 2000);
     addMaster(library, "/p/img_0002.jpg", 7);
+    addMaster(library, "/p/Straße.jpg", 4); // folds to the same, but is another name
     const auto umlaut = addMaster(library, "/p/äb.JPG", 3);
     library.catalog->rememberImport(duplicateKey("Renamed.JPG", 5), umlaut);
     library.catalog->rememberImport(duplicateKey("gone.jpg", 9), 999);
     library.catalog->announceImport(duplicateKey("IMG_0002.JPG", 10), "/p/on-its-way.jpg");
-    library.catalog->database().exec("UPDATE photos SET filename = 'x' WHERE id = 0;"
-                                     "INSERT INTO photos (path, filename, added_at, file_size, version_of) "
+    library.catalog->database().exec("INSERT INTO photos (path, filename, added_at, file_size, version_of) "
                                      "VALUES ('/p/version.jpg', 'version.jpg', 1, 7, 1)");
     auto listing = list(library, {card.path()});
     pick(listing.candidates, Duplicates::leaveOut);
@@ -64,9 +65,13 @@ TEST(ImportPlan, duplicatesAreKnownByNameAndSizeOfMastersAndOfEarlierImports)
             duplicates += candidate.file.path.filename().string() + " ";
     }
     EXPECT_EQ(duplicates, "IMG_0001.JPG renamed.jpg ÄB.jpg ");
-    EXPECT_EQ(planFor(listing).files.size(), 3U);
+    EXPECT_EQ(planFor(listing).files.size(), 4U);
     pick(listing.candidates, Duplicates::take);
-    EXPECT_EQ(planFor(listing).files.size(), 6U);
+    EXPECT_EQ(planFor(listing).files.size(), 7U);
+    FolderFiles files({card.path()});
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_FALSE(listImportable(files, *library.catalog, stop.get_token()).isWhole);
     EXPECT_NE(duplicateKey("\xff.jpg", 1), duplicateKey("\xfe.jpg", 1));
 }
 
