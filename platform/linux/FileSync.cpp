@@ -58,6 +58,8 @@ void makeFolders(const std::filesystem::path& folder)
     makeFolders(above);
     std::error_code reason;
     std::filesystem::create_directory(folder, reason);
+    if (reason == std::errc::file_exists) // by what is there
+        reason = std::make_error_code(std::errc::not_a_directory);
     if (reason)
         throwFileError("make the folder", folder, reason);
     syncFolder(above.empty() ? "." : above);
