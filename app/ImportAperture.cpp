@@ -1,12 +1,23 @@
 #include "app/ImportAperture.h"
 
 #include "app/Libraries.h"
+#include "metadata/ApertureFolders.h"
+
+#include <stdexcept>
 
 namespace korvo {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+/// Also of a folder that a link leads into a bundle.
+void refuseInsideABundle(const fs::path& folder)
+{
+    if (ApertureFolders().hold(fs::weakly_canonical(fs::absolute(folder)) / "catalog.sqlite"))
+        throw std::runtime_error(
+            folder.string() + ": lies in an Aperture library, which is never changed; choose another folder");
+}
 
 /// Refuses what can be told to be refused before the bundle is read.
 void refuseSecondImport(
@@ -35,6 +46,7 @@ std::optional<ApertureImported> importAperture(const ApertureImport& import, con
 {
     auto bundle = ApertureLibrary::open(import.bundle, ApertureVolumes(import.volumes));
     const auto folder = import.into.value_or(libraryBeside(import.bundle));
+    refuseInsideABundle(folder);
     refuseSecondImport(import, folder, bundle, clock);
     ApertureImporter importer(bundle, progress, stop);
     const auto plan = importer.plan(import.match);

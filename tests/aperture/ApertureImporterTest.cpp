@@ -1,6 +1,6 @@
 #include "aperture/ApertureImporter.h"
-#include "tests/aperture/BundleState.h"
 #include "tests/support/ApertureBundle.h"
+#include "tests/support/BundleState.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>

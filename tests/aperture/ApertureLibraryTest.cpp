@@ -1,6 +1,6 @@
 #include "aperture/ApertureLibrary.h"
-#include "tests/aperture/BundleState.h"
 #include "tests/support/ApertureBundle.h"
+#include "tests/support/BundleState.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -2,6 +2,7 @@
 #include "app/Libraries.h"
 #include "platform/FileDefaults.h"
 #include "tests/support/ApertureBundle.h"
+#include "tests/support/BundleState.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -74,6 +75,21 @@ TEST_F(ImportAperture, joinsALibraryThatIsThere)
     Catalog(folder / "Library", clock).createAlbum("mine", std::nullopt);
     EXPECT_EQ(import(folder / "Library")->summary.masters, 1U);
     EXPECT_EQ(Catalog(folder / "Library", clock).tree().albums.size(), 1U);
+}
+
+TEST_F(ImportAperture, makesNothingInsideABundle)
+{
+    fs::create_directory_symlink(path, folder / "link");
+    ApertureBundle::finish(ApertureBundle(path / "Inner.aplibrary"));
+    const auto before = bundleState(path);
+    for (const char* const name : {"My Photos.aplibrary", "My Photos.aplibrary/Korvo", "link/a/b",
+             "My Photos.aplibrary/Masters/", "other/../link"})
+        EXPECT_THROW(import(folder / name), std::runtime_error) << name;
+    path /= "Inner.aplibrary"; // beside it is inside the outer one
+    EXPECT_THROW(import(), std::runtime_error);
+    EXPECT_EQ(bundleState(path.parent_path()), before);
+    fs::create_directory(folder / "Elsewhere");
+    EXPECT_TRUE(import(folder / "link/../Elsewhere/../New"));
 }
 
 TEST_F(ImportAperture, leavesNoLibraryWhenItDoesNotSucceed)

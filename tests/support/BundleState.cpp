@@ -1,4 +1,4 @@
-#include "tests/aperture/BundleState.h"
+#include "tests/support/BundleState.h"
 
 #include "platform/Sha256.h"
 
