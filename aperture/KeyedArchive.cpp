@@ -39,7 +39,7 @@ public:
     {
         if (depth > deepest)
             return std::nullopt;
-        spend();
+        spend(1);
         const auto* const object = followed(value, depth);
         if (!object || object->isNull() || object->text() == "$null")
             return std::nullopt;
@@ -53,11 +53,13 @@ public:
 private:
     static constexpr int deepest = 63;
 
-    /// Objects that refer to each other in circles, each to several, would go on for ever.
-    void spend()
+    /// Objects that refer to each other in circles, each to several, would go on for ever; so, nearly, would
+    /// many that refer to one with many members.
+    void spend(std::size_t visits)
     {
-        if (unspent_-- == 0)
+        if (visits > unspent_)
             throw BinaryPlist::ParseError(BinaryPlist::ParseError::Case::malformed);
+        unspent_ -= visits;
     }
 
     /// What the value is or refers to, through any number of UIDs; null when that leads nowhere.
@@ -84,6 +86,7 @@ private:
 
     Resolved dict(const Value& object, int depth)
     {
+        spend(object.members().size());
         const auto* const keys = object.member("NS.keys");
         const auto* const objects = object.member("NS.objects");
         if (keys && objects)
@@ -134,15 +137,17 @@ private:
         return plain.take();
     }
 
-    Resolved className(const Value& reference, int depth) const
+    Resolved className(const Value& reference, int depth)
     {
         const auto* const described = followed(reference, depth);
+        if (described)
+            spend(described->members().size());
         const auto* const name = described ? described->member("$classname") : nullptr;
         return name && name->text() ? Resolved(*name) : std::nullopt;
     }
 
     std::span<const Value> objects_;
-    std::size_t unspent_; // values that may still be made
+    std::size_t unspent_; // values that may still be made or looked at
 };
 
 } // namespace

@@ -98,6 +98,16 @@ TEST(KeyedArchive, endsAtTheDepthLimitAndRefusesExplosions)
     EXPECT_EQ(archived({chain.end() - 40, chain.end()}), "nothing"); // these UIDs are out of range
     EXPECT_EQ(depth(archived({plistDict({{"NS.objects", list({uid(1)})}})})), 63); // an array in itself
     EXPECT_EQ(archived({plistDict({{"NS.objects", list({uid(1), uid(1)})}})}), "malformed");
+    // Many references to one object, or to the class of one, that has many members.
+    const auto many = [](const char* first, Value value) {
+        Value::Dict members(300, {Value("k"), Value()});
+        members.push_back({Value(first), std::move(value)});
+        return Value(std::move(members));
+    };
+    const auto references = plistDict({{"NS.objects", list(std::vector(300, uid(2)))}});
+    EXPECT_EQ(archived({references, many("NS.objects", list({}))}), "malformed");
+    EXPECT_EQ(
+        archived({references, plistDict({{"$class", uid(3)}}), many("$classname", Value("A"))}), "malformed");
 }
 
 } // namespace korvo
