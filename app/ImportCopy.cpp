@@ -24,7 +24,7 @@ PartFile beginIn(const fs::path& folder)
 std::optional<FileCopy> copyInto(
     const fs::path& folder, FileSource& source, const SourceFile& file, const std::stop_token& stop)
 {
-    FileCopy copy{beginIn(folder), 0, {}};
+    FileCopy copy{.part = beginIn(folder)};
     Sha256 digest;
     source.read(
         file,
@@ -39,8 +39,11 @@ std::optional<FileCopy> copyInto(
     if (copy.size != file.size)
         throw SourceError("is not as long as it was when it was listed");
     copy.digest = digest.finish();
-    if (file.modified)
-        fs::last_write_time(copy.part.path(), *file.modified);
+    if (file.modified) {
+        std::error_code refused;
+        fs::last_write_time(copy.part.path(), *file.modified, refused);
+        copy.hasTime = !refused;
+    }
     return copy;
 }
 

@@ -17,10 +17,12 @@ struct FileCopy {
     PartFile part;
     std::uint64_t size = 0;
     std::string digest; // the SHA-256 of what the source gave
+    bool hasTime = true; // that of its source; some file systems give files of others none
 };
 
-/// Copies a file, with its time, into a folder; nothing after a stop request. Throws SourceError when the
-/// source does not give the file as it was listed, and std::system_error when it cannot be written.
+/// Copies a file, with its time where that can be set, into a folder; nothing after a stop request. Throws
+/// SourceError when the source does not give the file as it was listed, and std::system_error when it cannot
+/// be written.
 std::optional<FileCopy> copyInto(const std::filesystem::path& folder, FileSource& source,
     const SourceFile& file, const std::stop_token& stop);
 

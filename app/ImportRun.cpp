@@ -141,6 +141,8 @@ private:
         try {
             if (imported.copy && !verify(*imported.copy, stop_))
                 return false;
+            if (imported.copy && !imported.copy->hasTime)
+                imported.failure = "the copy could not be given the file's time";
             if (!imported.file->isSidecar)
                 imported.contents = readContents(imported.copy ? imported.copy->part.path() : imported.path);
         } catch (const MetadataError&) { // it is imported all the same

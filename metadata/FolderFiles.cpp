@@ -4,6 +4,7 @@
 #include "platform/PosixFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <set>
@@ -25,7 +26,8 @@ std::vector<fs::path> withSidecars(const std::vector<fs::path>& paths)
         std::error_code ignored; // what cannot be looked at is reported when it is scanned
         if (fs::is_directory(path, ignored))
             continue;
-        for (auto sidecar : {fs::path(path).replace_extension(".xmp"), fs::path(path) += ".xmp"})
+        for (auto sidecar : {fs::path(path).replace_extension(".xmp"),
+                 fs::path(path).replace_extension(".XMP"), fs::path(path) += ".xmp"})
             if (sidecar != path && fs::is_regular_file(sidecar, ignored))
                 all.push_back(std::move(sidecar));
     }
@@ -35,6 +37,22 @@ std::vector<fs::path> withSidecars(const std::vector<fs::path>& paths)
 [[noreturn]] void failReading()
 {
     throw SourceError("could not be read: " + std::error_code(errno, std::generic_category()).message());
+}
+
+struct stat statusOf(const PosixFile& file)
+{
+    struct stat status { };
+    if (fstat(file.descriptor(), &status) != 0)
+        failReading();
+    return status;
+}
+
+/// What is written while it is read comes as a mixture of before and after.
+void requireUnchanged(const struct stat& before, const struct stat& after)
+{
+    if (before.st_size != after.st_size || before.st_mtim.tv_sec != after.st_mtim.tv_sec
+        || before.st_mtim.tv_nsec != after.st_mtim.tv_nsec)
+        throw SourceError("was changed while it was read; import it again");
 }
 
 } // namespace
@@ -63,16 +81,19 @@ SourceListing FolderFiles::list(Admits admits, const std::stop_token& stop)
 void FolderFiles::read(
     const SourceFile& source, const std::function<void(Bytes)>& use, const std::stop_token& stop)
 {
-    const auto file = openFile(source.path, O_RDONLY);
+    const auto file = openFile(source.path, O_RDONLY | O_NONBLOCK); // a pipe would wait for its writer
     if (!file)
         failReading();
+    const auto before = statusOf(file);
+    if (!S_ISREG(before.st_mode))
+        throw SourceError("is no file any more");
     posix_fadvise(
         file.descriptor(), 0, 0, POSIX_FADV_SEQUENTIAL); // a hint; whether it is taken does not matter
     std::vector<std::uint8_t> room(chunkSize);
     while (!stop.stop_requested()) {
         const auto count = ::read(file.descriptor(), room.data(), room.size());
         if (count == 0)
-            return;
+            return requireUnchanged(before, statusOf(file));
         if (count > 0)
             use({room.data(), static_cast<std::size_t>(count)});
         else if (errno != EINTR)

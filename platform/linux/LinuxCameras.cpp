@@ -150,14 +150,16 @@ private:
     void walk(const std::filesystem::path& folder, Admits admits, const std::stop_token& stop,
         SourceListing& listing, int depth)
     {
-        if (depth > deepest || stop.stop_requested())
+        if (stop.stop_requested())
             return;
+        if (depth > deepest)
+            return listing.failures.push_back({folder, "lies too deep"});
         try {
             const auto files = make(gp_list_new);
             check(gp_camera_folder_list_files(camera_.get(), folder.c_str(), files.get(), context()));
             for (const auto& name : names(files.get()))
                 if (admits(name) && !stop.stop_requested())
-                    listing.files.push_back(describe(folder, name));
+                    add(listing, folder, name);
             const auto folders = make(gp_list_new);
             check(gp_camera_folder_list_folders(camera_.get(), folder.c_str(), folders.get(), context()));
             for (const auto& name : names(folders.get()))
@@ -166,6 +168,16 @@ private:
             if (depth == 0)
                 throw;
             listing.failures.push_back({folder, error.what()});
+        }
+    }
+
+    /// A file that is not described is a failure of its own, not of its folder.
+    void add(SourceListing& listing, const std::filesystem::path& folder, const std::string& name)
+    {
+        try {
+            listing.files.push_back(describe(folder, name));
+        } catch (const SourceError& error) {
+            listing.failures.push_back({folder / name, error.what()});
         }
     }
 

@@ -104,11 +104,16 @@ void LinuxVolumes::eject(const std::filesystem::path& root)
     if (found == mounts.rend())
         throw VolumeError(VolumeError::Case::eject, root.string() + " is no volume of a disk or a card.");
     const Disk& disk = *diskOf(*found, disks);
-    for (const Disk& part : disks) // a drive lets its medium go when none of it is in use
-        if (&part == &disk || (!disk.drive.empty() && part.drive == disk.drive))
-            if (std::any_of(mounts.begin(), mounts.end(),
-                    [&](const Mount& mount) { return diskOf(mount, disks) == &part; }))
-                bus.unmount(part);
+    const auto isOnDrive = [&](const Mount& mount) { // a drive lets its medium go when none of it is in use
+        const Disk* const part = diskOf(mount, disks);
+        return part && (part == &disk || (!disk.drive.empty() && part->drive == disk.drive));
+    };
+    const auto isOfSystem = [&](const Mount& mount) { return mount.point == "/" && isOnDrive(mount); };
+    if (std::any_of(mounts.begin(), mounts.end(), isOfSystem))
+        throw VolumeError(VolumeError::Case::eject, "its drive holds the system, too.");
+    for (const Mount& mount : mounts)
+        if (isOnDrive(mount))
+            bus.unmount(*diskOf(mount, disks));
     if (disk.ejectable)
         bus.eject(disk);
 }

@@ -162,6 +162,17 @@ TEST(ImportFaults, aCopyThatTheDiskChangesIsFoundOutAndGoes)
     expectFilesAndRowsAgree(*library.catalog, destination);
 }
 
+TEST(ImportFaults, aFileThatIsWrittenWhileItIsReadIsNoPhotoYet)
+{
+    const TemporaryFolder folder;
+    const auto path = folder.write("IMG_1.JPG", "still being downloaded");
+    fs::last_write_time(path, fs::last_write_time(path) - std::chrono::hours(1));
+    FolderFiles files({folder.path()});
+    const auto file = files.list(+[](std::string_view) { return true; }, {}).files.at(0);
+    EXPECT_THROW(files.read(file, [&](Bytes) { folder.write("IMG_1.JPG", "STILL being downloaded"); }, {}),
+        SourceError);
+}
+
 TEST(ImportFaults, aDriveThatGoesEndsTheImportAndNothingLandsBeneathIt)
 {
     TestLibrary library;
@@ -187,7 +198,7 @@ TEST(ImportFaults, aDriveThatGoesEndsTheImportAndNothingLandsBeneathIt)
 TEST(ImportFaults, aDiskThatIsFullUnderTheLibraryTooLosesNothing)
 {
     const TemporaryFolder place;
-    SmallDisk disk(place / "disk", "size=1400k");
+    SmallDisk disk(place / "disk", "size=8m");
     if (!disk.isMounted())
         GTEST_SKIP() << "mounting is not allowed here: " << std::strerror(errno);
     for (int i = 100; i < 200; ++i)
@@ -196,10 +207,17 @@ TEST(ImportFaults, aDiskThatIsFullUnderTheLibraryTooLosesNothing)
     const auto catalog = std::make_unique<Catalog>(place / "disk/Library", clock);
     EventfulFiles files({place / "card"});
     const auto destination = place / "disk/Imports";
+    files.at = 40;
+    files.event = [&] {
+        std::ofstream others(place / "disk/others");
+        while (others << std::string(4096, 'x') << std::flush) { }
+    };
     const auto full = runImport(*catalog, files, planOf(files, *catalog, destination), clock, {}, ignored);
-    EXPECT_FALSE(full.failures.empty());
+    EXPECT_NE(full.broken.find("full"), std::string::npos) << full.broken;
+    EXPECT_EQ(full.photos.size(), 32U) << "whole batches stand";
+    EXPECT_EQ(full.failures.size(), 32U) << "those of the batch that could not be kept are listed";
     EXPECT_EQ(full.photos.size(), catalog->photos(std::nullopt).size());
-    mount("tmpfs", (place / "disk").c_str(), "tmpfs", MS_REMOUNT, "size=32m");
+    fs::remove(place / "disk/others");
     runImport(*catalog, files, planOf(files, *catalog, destination), clock, {}, ignored);
     EXPECT_EQ(catalog->photos(std::nullopt).size(), 100U);
     expectFilesAndRowsAgree(*catalog, destination);
