@@ -66,9 +66,11 @@ private:
 
     void writeProjects()
     {
-        for (const auto& project : plan_.projects)
+        for (const auto& project : plan_.projects) {
+            throwIfStopped();
             projects_[project.uuid]
                 = catalog_.createProject(named(project.name), "project", folder(project.folderPath));
+        }
         summary_.projects = plan_.projects.size();
     }
 
@@ -102,22 +104,23 @@ private:
         }
     }
 
-    /// The keyword tree. A parent may come after its children.
+    /// The keyword tree. A parent may come after its children; a keyword that lies below itself loses its
+    /// parent.
     void writeKeywords()
     {
-        std::unordered_map<std::int64_t, const ApertureLibrary::KeywordEntry*> entries;
+        std::unordered_map<std::int64_t, const ApertureLibrary::KeywordEntry*> waiting;
         for (const auto& entry : plan_.keywords)
-            entries.emplace(entry.modelId, &entry);
+            waiting.emplace(entry.modelId, &entry);
         std::unordered_map<std::int64_t, std::int64_t> written;
         for (const auto& entry : plan_.keywords) {
             std::vector<const ApertureLibrary::KeywordEntry*> missing; // this one and those above it
-            for (auto at = entries.find(entry.modelId);
-                 at != entries.end() && !written.contains(at->first) && missing.size() <= entries.size();
-                 at = at->second->parentId ? entries.find(*at->second->parentId) : entries.end())
-                missing.push_back(at->second);
-            if (missing.size() > entries.size())
-                continue; // a circle
+            for (auto at = waiting.find(entry.modelId); at != waiting.end();) {
+                const auto parent = missing.emplace_back(at->second)->parentId;
+                waiting.erase(at); // each is walked once, also in a circle
+                at = parent ? waiting.find(*parent) : waiting.end();
+            }
             for (; !missing.empty(); missing.pop_back()) {
+                throwIfStopped();
                 const auto& keyword = *missing.back();
                 const auto parent = keyword.parentId ? written.find(*keyword.parentId) : written.end();
                 written[keyword.modelId] = catalog_.keyword(named(keyword.name),

@@ -139,8 +139,8 @@ TEST_F(Importing, keepsProjectsAlbumsStacksAndKeywords)
     bundle.addStack({version(2, 0), version(2, 1)}, version(2, 0)); // of one master
     const auto child = bundle.addKeyword("Child", 2);
     EXPECT_EQ(bundle.addKeyword("Parent"), child + 1); // comes after it
-    bundle.library().exec(
-        "INSERT INTO RKKeyword (modelId, name, parentId) VALUES (50, 'circle', 51), (51, 'circle', 50)");
+    bundle.library().exec("INSERT INTO RKKeyword (modelId, name, parentId) VALUES "
+                          "(50, 'circle 1', 51), (51, 'circle 2', 50), (52, 'below', 50)");
     const auto summary = import();
     EXPECT_EQ(summaryText(summary, Matching::off),
         "3 photos, 3 extra versions, 1 project, 2 albums, 1 stack. Your Aperture library wasn't modified; "
@@ -163,9 +163,13 @@ TEST_F(Importing, keepsProjectsAlbumsStacksAndKeywords)
     const auto stacked = target.catalog->photosByID(stacks[0].members);
     EXPECT_EQ(stacked[0].filename, "a.jpg"); // the pick first
     EXPECT_EQ(stacked[1].filename, "b.jpg");
-    ASSERT_EQ(tree.keywords.size(), 2U);
-    EXPECT_EQ(tree.keywords[0].name, "Child");
-    EXPECT_EQ(tree.keywords[0].parentID, tree.keywords[1].id);
+    std::map<std::string, KeywordRow> keywords;
+    for (const auto& keyword : tree.keywords)
+        keywords.emplace(keyword.name, keyword);
+    ASSERT_EQ(keywords.size(), 5U);
+    EXPECT_EQ(keywords.at("Child").parentID, keywords.at("Parent").id);
+    EXPECT_EQ(keywords.at("below").parentID, keywords.at("circle 1").id);
+    EXPECT_NE(keywords.at("circle 1").parentID.has_value(), keywords.at("circle 2").parentID.has_value());
 }
 
 TEST_F(Importing, convertsSmartAlbumsOrKeepsTheirMembers)
