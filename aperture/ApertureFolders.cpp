@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::int64_t projectType = 2;
 
+/// No user's tree is deeper; a damaged one could be as deep as it has folders.
+constexpr std::size_t deepestFolder = 64;
+
 /// Folders that Aperture made for itself. They are no user's projects and never part of a path.
 constexpr std::array<std::string_view, 14> systemFolders{"", "Projects", "PublishedProjects",
     "TopLevelAlbums", "AllProjectsItem", "LibraryFolder", "TrashFolder", "TopLevelSlideshows",
@@ -40,7 +43,7 @@ Folders readFolders(Database& library)
     return folders;
 }
 
-/// The names from the top down to this folder.
+/// The names from the top down to this folder; none, as at the top, when it lies too deep.
 std::vector<std::string> pathTo(const Folders& folders, std::string uuid)
 {
     std::vector<std::string> names;
@@ -48,6 +51,8 @@ std::vector<std::string> pathTo(const Folders& folders, std::string uuid)
     for (auto folder = folders.find(uuid);
          folder != folders.end() && !isSystemFolder(uuid) && passed.insert(uuid).second;
          folder = folders.find(uuid)) {
+        if (names.size() == deepestFolder)
+            return {};
         names.push_back(folder->second.name);
         uuid = folder->second.parent;
     }

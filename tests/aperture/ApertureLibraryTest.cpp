@@ -156,6 +156,11 @@ TEST_F(ApertureLibraryReading, readsTheTreeOfFoldersWithoutAperturesOwn)
     bundle.addFolder("Alone", 2);
     bundle.addFolder("Lost", 2, "no such folder");
     bundle.addFolder("Circle", 1, "circle", "circle");
+    auto deep = bundle.addFolder("Deep", 1);
+    const auto shallowest = deep;
+    for (int i = 1; i < 64; ++i)
+        deep = bundle.addFolder("Deep", 1, deep);
+    const auto tooDeep = bundle.addFolder("Deep", 1, deep);
     bundle.library().exec("INSERT INTO RKFolder (uuid, folderType, name, parentFolderUuid, isInTrash) "
                           "VALUES ('trashed', 2, 'Trashed', 'AllProjectsItem', 1)");
     auto library = opened();
@@ -165,7 +170,11 @@ TEST_F(ApertureLibraryReading, readsTheTreeOfFoldersWithoutAperturesOwn)
     EXPECT_TRUE(projects[0].folderPath.empty());
     EXPECT_TRUE(projects[1].folderPath.empty());
     EXPECT_EQ(projects[2].folderPath, (std::vector<std::string>{"Trips", "Italy"}));
-    EXPECT_EQ(library.folderPaths().at(inner), (std::vector<std::string>{"Trips", "Italy"}));
+    const auto paths = library.folderPaths();
+    EXPECT_EQ(paths.at(inner), (std::vector<std::string>{"Trips", "Italy"}));
+    EXPECT_EQ(paths.at(shallowest).size(), 1U);
+    EXPECT_EQ(paths.at(deep).size(), 64U);
+    EXPECT_TRUE(paths.at(tooDeep).empty());
 }
 
 TEST_F(ApertureLibraryReading, readsAlbumsInTheirOrderAndWithoutBlobsThatAreNone)
