@@ -174,11 +174,20 @@ std::vector<ApertureLibrary::Album> ApertureLibrary::albums()
             members[row.integer(0)].push_back(row.integer(1));
     }
     // Where the user has arranged an album by hand, that is its order.
+    // Joined here, as a damaged database may hold a uuid any number of times.
+    std::unordered_map<std::string, std::int64_t> versionOf, albumOf;
+    readIfThere(library_, "SELECT uuid, modelId FROM RKVersion",
+        [&](const Statement& row) { versionOf[text(row, 0)] = row.integer(1); });
+    readIfThere(library_, "SELECT uuid, modelId FROM RKAlbum",
+        [&](const Statement& row) { albumOf[text(row, 0)] = row.integer(1); });
     std::unordered_map<std::int64_t, std::unordered_map<std::int64_t, std::int64_t>> places;
-    readIfThere(library_,
-        "SELECT a.modelId, v.modelId, o.orderNumber FROM RKCustomSortOrder o "
-        "JOIN RKAlbum a ON a.uuid = o.containerUuid JOIN RKVersion v ON v.uuid = o.objectUuid",
-        [&](const Statement& row) { places[row.integer(0)][row.integer(1)] = row.integer(2); });
+    readIfThere(library_, "SELECT containerUuid, objectUuid, orderNumber FROM RKCustomSortOrder",
+        [&](const Statement& row) {
+            const auto album = albumOf.find(text(row, 0));
+            const auto version = versionOf.find(text(row, 1));
+            if (album != albumOf.end() && version != versionOf.end())
+                places[album->second][version->second] = row.integer(2);
+        });
 
     std::vector<Album> albums;
     auto row = library_.kept("SELECT modelId, name, albumSubclass, queryData, folderUuid FROM RKAlbum\n"
