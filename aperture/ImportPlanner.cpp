@@ -77,6 +77,8 @@ public:
         plan_.projects = library.projects();
         plan_.folderPaths = library.folderPaths();
         plan_.keywords = library.keywordEntries();
+        if (importer_.stop_.stop_requested())
+            return std::nullopt;
         sources_ = importSources(tables_);
         readPhotos();
         if (importer_.stop_.stop_requested())

@@ -3,6 +3,7 @@
 #include "catalog/RuleTest.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace korvo {
 
@@ -58,7 +59,8 @@ std::optional<bool> truth(const BinaryPlist::Value* value)
 std::optional<std::string> wholeNumber(const BinaryPlist::Value& value, std::int64_t added = 0)
 {
     const auto number = value.number();
-    if (!number || *number != static_cast<double>(static_cast<std::int64_t>(*number)))
+    constexpr double largest = 1e15; // beyond it not every whole number is there; NaN is not below it either
+    if (!number || !(std::abs(*number) < largest) || *number != std::trunc(*number))
         return std::nullopt;
     return std::to_string(static_cast<std::int64_t>(*number) + added);
 }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace korvo {
 
 namespace fs = std::filesystem;
@@ -194,6 +196,8 @@ TEST_F(Importing, convertsSmartAlbumsOrKeepsTheirMembers)
         {"e", {bundleQuery({})}, 1, nullptr},
         {"f", {bundleRule("basicProperties.MainRating", 20, whole(1))}, 1, nullptr},
         {"g", {bundleRule("basicProperties.MainRating", 5, Plist("many"))}, 1, nullptr},
+        {"g1", {bundleRule("basicProperties.MainRating", 5, Plist(1e300))}, 1, nullptr},
+        {"g2", {bundleRule("exifProperties.FocalLength", 5, Plist(std::nan("")))}, 1, nullptr},
         {"h",
             {bundleRule("exifProperties.Model", 23, Plist("5D")), bundleRule("whatever", 99, Plist(), false)},
             1, R"({"rules":[{"field":"camera","op":"contains","value":"5D"}],"matchAll":true})"},
