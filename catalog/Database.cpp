@@ -1,6 +1,7 @@
 #include "catalog/Database.h"
 
 #include <cctype>
+#include <chrono>
 
 namespace korvo {
 
@@ -53,8 +54,20 @@ Database::Database(const std::string& name, int flags)
 Database::Database(const std::filesystem::path& file)
     : Database(std::filesystem::absolute(file).native(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)
 {
-    exec("PRAGMA journal_mode = WAL");
+    useWriteAheadLog();
     exec("PRAGMA foreign_keys = ON");
+}
+
+/// Waits here for other processes that open a new catalog: for this change SQLite does not ask its busy
+/// handler.
+void Database::useWriteAheadLog()
+{
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
+    const auto sql = "PRAGMA journal_mode = WAL";
+    while (sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr) == SQLITE_BUSY && Clock::now() < end)
+        sqlite3_sleep(1);
+    exec(sql);
 }
 
 Database Database::openReadOnly(const std::filesystem::path& file)

@@ -100,6 +100,7 @@ private:
     };
 
     explicit Database(const std::string& name, int flags);
+    void useWriteAheadLog();
 
     std::unique_ptr<sqlite3, Close> handle_;
     StatementCache kept_; // before the handle in destruction, so that nothing keeps the connection open

@@ -171,6 +171,16 @@ TEST(Catalog, opensInFoldersOfAnyName)
     }
 }
 
+/// The exit code of a process that tries; what went wrong goes to its errors.
+int opensHere(const fs::path& library)
+{
+    const auto error = openingError(library);
+    if (error == "opened")
+        return 0;
+    std::fprintf(stderr, "%s\n", error.c_str());
+    return 1;
+}
+
 TEST(Catalog, severalProcessesMayOpenANewLibraryAtOnce)
 {
     const TemporaryFolder folder;
@@ -179,7 +189,7 @@ TEST(Catalog, severalProcessesMayOpenANewLibraryAtOnce)
         if (const pid_t process = fork())
             processes.push_back(process);
         else
-            _exit(openingError(folder / "Library") == "opened" ? 0 : 1);
+            _exit(opensHere(folder / "Library"));
     for (const pid_t process : processes) {
         int status = -1;
         waitpid(process, &status, 0);
