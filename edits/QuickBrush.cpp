@@ -7,22 +7,9 @@ namespace korvo {
 
 namespace {
 
-using Field = SliderSpec::Field;
 using enum SliderSpec::Direction;
 
-template <double PhotoEdits::*Member>
-constexpr Field plain{
-    [](const PhotoEdits& edits) { return edits.*Member; },
-    [](PhotoEdits& edits, double value) { edits.*Member = value; },
-};
-
-template <std::optional<double> PhotoEdits::*Member>
-constexpr Field optional{
-    [](const PhotoEdits& edits) { return (edits.*Member).value_or(0); },
-    [](PhotoEdits& edits, double value) { edits.*Member = value; },
-};
-
-constexpr Field noiseRadius{
+constexpr EditField noiseRadius{
     [](const PhotoEdits& edits) { return edits.noiseReduction.value_or(NoiseReduction()).radius; },
     [](PhotoEdits& edits, double value) {
         if (!edits.noiseReduction)
@@ -42,19 +29,19 @@ using E = PhotoEdits;
 
 constexpr std::array entries{
     Entry{Q::skinSmoothing, "Skin Smoothing", {"Amount", 0, 6, noiseRadius}},
-    Entry{Q::dodge, "Dodge (Lighten)", {"Amount", 0, 2, plain<&E::exposure>}},
-    Entry{Q::burn, "Burn (Darken)", {"Amount", 0, 2, plain<&E::exposure>, 0, falling}},
-    Entry{Q::polarize, "Polarize (Multiply)", {"Intensity", 0, 1, optional<&E::polarize>}},
+    Entry{Q::dodge, "Dodge (Lighten)", {"Amount", 0, 2, plainField<&E::exposure>}},
+    Entry{Q::burn, "Burn (Darken)", {"Amount", 0, 2, plainField<&E::exposure>, 0, falling}},
+    Entry{Q::polarize, "Polarize (Multiply)", {"Intensity", 0, 1, optionalField<&E::polarize>}},
     Entry{Q::intensifyContrast, "Intensify Contrast (Overlay)",
-        {"Intensity", 0, 1, optional<&E::intensifyContrast>}},
-    Entry{Q::saturate, "Saturate", {"Amount", 1, 3, plain<&E::saturation>}},
-    Entry{Q::desaturate, "Desaturate", {"Amount", 0, 1, plain<&E::saturation>, 1, falling}},
-    Entry{Q::sharpen, "Sharpen", {"Intensity", 0, 1, plain<&E::sharpness>}},
+        {"Intensity", 0, 1, optionalField<&E::intensifyContrast>}},
+    Entry{Q::saturate, "Saturate", {"Amount", 1, 3, plainField<&E::saturation>}},
+    Entry{Q::desaturate, "Desaturate", {"Amount", 0, 1, plainField<&E::saturation>, 1, falling}},
+    Entry{Q::sharpen, "Sharpen", {"Intensity", 0, 1, plainField<&E::sharpness>}},
     Entry{Q::blur, "Blur", {"Amount", 0, 10, noiseRadius}},
     Entry{Q::noiseReduction, "Noise Reduction", {"Radius", 0, 4, noiseRadius}},
-    Entry{Q::definition, "Definition", {"Amount", 0, 1, optional<&E::definition>}},
-    Entry{Q::vibrancy, "Vibrancy", {"Amount", 0, 1, plain<&E::vibrance>}},
-    Entry{Q::contrast, "Contrast", {"Amount", 0, 1, plain<&E::contrast>, 1}},
+    Entry{Q::definition, "Definition", {"Amount", 0, 1, optionalField<&E::definition>}},
+    Entry{Q::vibrancy, "Vibrancy", {"Amount", 0, 1, plainField<&E::vibrance>}},
+    Entry{Q::contrast, "Contrast", {"Amount", 0, 1, plainField<&E::contrast>, 1}},
 };
 
 static_assert(entries.size() == casesOf<QuickBrush>.size());

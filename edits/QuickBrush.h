@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Enum.h"
-#include "edits/PhotoEdits.h"
+#include "edits/EditField.h"
 
 #include <string_view>
 
@@ -29,17 +29,12 @@ KORVO_ENUM(QuickBrush, skinSmoothing, dodge, burn, polarize, intensifyContrast, 
 /// The one slider of a quick brush. It runs over lower...upper; at its neutral value, which is the lower end,
 /// the brush has no effect.
 struct SliderSpec {
-    /// Where an adjustment lies in the edits of a layer; one that is not set reads as 0.
-    struct Field {
-        double (*get)(const PhotoEdits&);
-        void (*set)(PhotoEdits&, double);
-    };
     enum class Direction { rising, falling };
 
     std::string_view label;
     double lower;
     double upper;
-    Field field;
+    EditField field;
     double origin = 0; ///< the field's value at slider 0
     Direction direction = Direction::rising; ///< of the field's value as the slider rises
 
