@@ -1,5 +1,5 @@
+#include "app/SystemExifTool.h"
 #include "app/cli/Commands.h"
-#include "app/cli/SystemExifTool.h"
 #include "base/Text.h"
 #include "metadata/Backfill.h"
 #include "metadata/DescriptiveReader.h"

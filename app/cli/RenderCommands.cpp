@@ -1,7 +1,7 @@
 #include "app/PhotoExport.h"
+#include "app/SystemExifTool.h"
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOrFile.h"
-#include "app/cli/SystemExifTool.h"
 #include "platform/linux/images/SystemImageReader.h"
 
 #include <fmt/format.h>

@@ -7,7 +7,7 @@
 
 namespace korvo {
 
-/// The tool that changes files, as the command line finds it.
+/// The tool that changes files, as the system has it.
 struct SystemExifTool {
     std::unique_ptr<ProcessLauncher> launcher = systemProcessLauncher();
     ExifTool tool{*launcher, places()};

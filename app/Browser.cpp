@@ -1,0 +1,109 @@
+#include "app/Browser.h"
+
+#include <algorithm>
+
+namespace korvo {
+
+namespace {
+
+PhotoID shownAt(const PhotoList& list, std::size_t place)
+{
+    return list.items()[list.shown()[place]].id;
+}
+
+} // namespace
+
+Browser::Browser(LibraryStore& store)
+    : store_(store),
+      storeChanged_(store.changed.connect([this](const LibraryChange& change) { storeChanged(change); }))
+{ }
+
+void Browser::setMode(ViewMode mode)
+{
+    if (mode == mode_ || (mode != ViewMode::grid && store_.list().shown().empty()))
+        return;
+    if (!current_ && mode != ViewMode::grid)
+        setCurrent(shownAt(store_.list(), 0));
+    mode_ = mode;
+    changed.emit();
+}
+
+const PhotoItem* Browser::currentItem() const
+{
+    return current_ ? store_.list().find(*current_) : nullptr;
+}
+
+void Browser::setCurrent(PhotoID id)
+{
+    const auto place = store_.list().shownPosition(id);
+    if (!place)
+        return;
+    const bool moved = current_ != id;
+    current_ = id;
+    place_ = *place;
+    const auto& selected = store_.selection();
+    if (std::find(selected.begin(), selected.end(), id) == selected.end())
+        store_.select({id});
+    if (moved)
+        changed.emit();
+}
+
+void Browser::step(std::ptrdiff_t places)
+{
+    const auto count = std::ssize(store_.list().shown());
+    if (count == 0)
+        return;
+    const auto from = place();
+    const auto to = from ? static_cast<std::ptrdiff_t>(*from) + places : 0;
+    setCurrent(
+        shownAt(store_.list(), static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(to, 0, count - 1))));
+}
+
+std::vector<PhotoID> Browser::targets() const
+{
+    if (mode_ == ViewMode::grid)
+        return store_.selection();
+    return current_ ? std::vector{*current_} : std::vector<PhotoID>();
+}
+
+std::optional<std::size_t> Browser::place() const
+{
+    const auto& list = store_.list();
+    if (!current_)
+        return std::nullopt;
+    if (place_ < list.shown().size() && shownAt(list, place_) == *current_)
+        return place_;
+    return list.shownPosition(*current_);
+}
+
+void Browser::storeChanged(const LibraryChange& change)
+{
+    if (!change.list && !change.selection)
+        return;
+    const auto before = std::pair(current_, mode_);
+    keepCurrent();
+    if (store_.list().shown().empty())
+        mode_ = ViewMode::grid;
+    if (before != std::pair(current_, mode_))
+        changed.emit();
+}
+
+void Browser::keepCurrent()
+{
+    const auto& selected = store_.selection();
+    const auto at = place();
+    const auto isSelected
+        = [&] { return std::find(selected.begin(), selected.end(), *current_) != selected.end(); };
+    if (at && (selected.empty() || isSelected())) {
+        place_ = *at;
+        return;
+    }
+    const auto& shown = store_.list().shown();
+    const bool left = current_ && !at;
+    if (left && mode_ != ViewMode::grid && !shown.empty()) // the next one is looked at
+        return setCurrent(shownAt(store_.list(), std::min(place_, shown.size() - 1)));
+    current_ = selected.empty() ? std::nullopt : std::optional(selected.front());
+    place_ = place().value_or(0);
+}
+
+} // namespace korvo

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "catalog/LibraryStore.h"
+
+namespace korvo {
+
+/// How the photos are looked at.
+enum class ViewMode { grid, viewer, compare, survey, fullScreen };
+
+/// Where the user is among the shown photos: how they are looked at, and which of them is the current one:
+/// the one the viewer shows, or the grid's cursor. The selection is the store's. When the current photo
+/// leaves the list, the one that took its place becomes current. Used on the main thread.
+class Browser {
+public:
+    /// `store` must outlive it.
+    explicit Browser(LibraryStore& store);
+
+    /// The mode or the current photo has changed.
+    Signal<> changed;
+
+    ViewMode mode() const { return mode_; }
+    /// Does nothing for a mode other than the grid while no photo is shown.
+    void setMode(ViewMode mode);
+
+    /// Nothing only when no photo is shown, or when none was chosen yet.
+    std::optional<PhotoID> current() const { return current_; }
+    const PhotoItem* currentItem() const;
+    /// Makes a shown photo the current one. The selection stays when it holds the photo; else it becomes the
+    /// selection.
+    void setCurrent(PhotoID id);
+    /// Makes the photo current that stands so many places further on (or back), at most the last (or first).
+    void step(std::ptrdiff_t places);
+
+    /// The photos that a command acts on: in the grid all selected, else the current one alone.
+    std::vector<PhotoID> targets() const;
+
+private:
+    void storeChanged(const LibraryChange& change);
+    std::optional<std::size_t> place() const;
+    void keepCurrent();
+
+    LibraryStore& store_;
+    ViewMode mode_ = ViewMode::grid;
+    std::optional<PhotoID> current_;
+    std::size_t place_ = 0; // of the current photo among the shown ones, as it was last
+    Connection storeChanged_;
+};
+
+} // namespace korvo

@@ -1,0 +1,178 @@
+#include "app/desktop/Commands.h"
+
+#include "app/desktop/Texts.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QShortcut>
+
+#include <algorithm>
+#include <utility>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::array<std::pair<CommandMenu, const char*>, 5> menus{
+    {{CommandMenu::library, "&Library"}, {CommandMenu::edit, "&Edit"}, {CommandMenu::photo, "&Photo"},
+        {CommandMenu::view, "&View"}, {CommandMenu::help, "&Help"}}};
+
+std::size_t indexOf(Command command)
+{
+    return static_cast<std::size_t>(command);
+}
+
+QList<QKeySequence> keysOf(const CommandInfo& info)
+{
+    QList<QKeySequence> keys;
+    for (const QString& key : QString::fromUtf8(info.keys).split(' ', Qt::SkipEmptyParts)) {
+        keys << QKeySequence(key, QKeySequence::PortableText);
+        if (info.marks == MarksPhotos::advances)
+            keys << QKeySequence("Shift+" + key, QKeySequence::PortableText);
+    }
+    return keys;
+}
+
+bool isStacked(const LibraryStore& store, std::span<const PhotoID> ids)
+{
+    return std::any_of(ids.begin(), ids.end(), [&](PhotoID id) {
+        const auto* item = store.list().find(id);
+        return item && item->stackID;
+    });
+}
+
+} // namespace
+
+Commands::Commands(Desktop& desktop, QWidget& window) : desktop_(desktop)
+{
+    makeActions(window);
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { refresh(); });
+    browserChanged_ = desktop_.browser().changed.connect([this] { refresh(); });
+    qApp->installEventFilter(this);
+}
+
+void Commands::makeActions(QWidget& window)
+{
+    for (const auto& info : commandTable()) {
+        if (!info.text)
+            continue;
+        const auto action = new QAction(QString::fromUtf8(info.text), this);
+        actions_[indexOf(info.id)] = action;
+        action->setEnabled(false);
+        if (info.keysIn == CommandKeysIn::window) {
+            action->setShortcuts(keysOf(info));
+            window.addAction(action);
+        } // else addCentre() gives it its keys
+        connect(action, &QAction::triggered, this, [this, id = info.id] { run(id); });
+    }
+}
+
+void Commands::handle(Command command, Handler handler, Condition possible)
+{
+    handlers_[indexOf(command)] = std::move(handler);
+    conditions_[indexOf(command)] = std::move(possible);
+    refresh();
+}
+
+void Commands::run(Command command)
+{
+    advance_ = std::exchange(shiftOrCapsLock_, false);
+    if (const auto& handler = handlers_[indexOf(command)])
+        desktop_.attempt(handler);
+    advance_ = false;
+}
+
+void Commands::setChecked(Command command, bool checked)
+{
+    action(command)->setCheckable(true);
+    action(command)->setChecked(checked);
+}
+
+bool Commands::isPossible(const CommandInfo& info) const
+{
+    auto& store = desktop_.store();
+    const auto has = [&] {
+        switch (info.needs) {
+        case CommandNeeds::nothing:
+            return true;
+        case CommandNeeds::shown:
+            return !store.list().shown().empty();
+        case CommandNeeds::photos:
+            return !desktop_.browser().targets().empty();
+        case CommandNeeds::several:
+            return desktop_.browser().targets().size() > 1;
+        case CommandNeeds::stacked:
+            return isStacked(store, desktop_.browser().targets());
+        case CommandNeeds::undo:
+            return store.undoTitle().has_value();
+        case CommandNeeds::redo:
+            return store.redoTitle().has_value();
+        }
+        return false;
+    };
+    const auto& condition = conditions_[indexOf(info.id)];
+    return handlers_[indexOf(info.id)] && has() && (!condition || condition());
+}
+
+void Commands::refresh()
+{
+    for (const auto& info : commandTable())
+        if (info.text)
+            action(info.id)->setEnabled(isPossible(info));
+    const auto title = [](const char* verb, const std::optional<std::string>& step) {
+        return QString(verb) + (step ? " " + qt(*step) : QString());
+    };
+    action(Command::undo)->setText(title("Undo", desktop_.store().undoTitle()));
+    action(Command::redo)->setText(title("Redo", desktop_.store().redoTitle()));
+}
+
+void Commands::fillMenus(QMenuBar& bar)
+{
+    for (const auto& [id, title] : menus) {
+        QMenu* const menu = bar.addMenu(QString::fromUtf8(title));
+        QMenu* sub = nullptr;
+        for (const auto& info : commandTable()) {
+            if (info.menu != id)
+                continue;
+            if (!info.submenu)
+                sub = nullptr;
+            else if (!sub || sub->title() != QString::fromUtf8(info.submenu))
+                sub = menu->addMenu(QString::fromUtf8(info.submenu));
+            QMenu* const target = sub ? sub : menu;
+            if (info.text)
+                target->addAction(action(info.id));
+            else
+                target->addSeparator();
+        }
+    }
+}
+
+void Commands::addCentre(QWidget& widget)
+{
+    for (const auto& info : commandTable()) {
+        if (info.keysIn != CommandKeysIn::centre)
+            continue;
+        for (const auto& key : keysOf(info)) {
+            const auto shortcut = new QShortcut(key, &widget);
+            shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+            connect(shortcut, &QShortcut::activated, action(info.id), &QAction::trigger);
+        }
+    }
+}
+
+bool Commands::eventFilter(QObject* watched, QEvent* event)
+{
+    // The first that is heard of a key, before any shortcut. The lock is the same bit under X11 and Wayland.
+    if (event->type() == QEvent::ShortcutOverride) {
+        constexpr quint32 capsLock = 2;
+        const auto* const key = static_cast<QKeyEvent*>(event);
+        shiftOrCapsLock_
+            = key->modifiers().testFlag(Qt::ShiftModifier) || (key->nativeModifiers() & capsLock) != 0;
+    } else if (event->type() == QEvent::MouseButtonPress) {
+        shiftOrCapsLock_ = false; // what a menu is asked for by the mouse marks without moving on
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace korvo

@@ -1,0 +1,127 @@
+#pragma once
+
+// How to add a command: its line stands in CommandTable.cpp and its name in `Command` below; the part that
+// carries it out says, once,
+//
+//     commands.handle(Command::rotateLeft, [this] { rotate(-90); });
+//
+// and, where the table's condition is not all, names a further one:
+//
+//     commands.handle(Command::paste, [this] { paste(); }, [this] { return copied_.has_value(); });
+//
+// The menus, the shortcuts and the list of keys come from the table. A command nobody handles stays disabled.
+// Handlers act on `desktop.browser().targets()`; what they throw is shown to the user. For commands that mark
+// photos ("advances" in the table), `advance()` tells whether Shift or Caps Lock asks for the next photo, and
+// the table adds the keys with Shift by itself. For a context menu take `commands.action(Command::stack)`.
+// A command that can be on or off (a shown sidebar) is ticked by `setChecked`.
+
+#include "app/desktop/Desktop.h"
+
+#include <QAction>
+#include <QObject>
+
+#include <array>
+#include <functional>
+#include <span>
+
+class QMenuBar;
+
+namespace korvo {
+
+// clang-format off
+enum class Command {
+    // Library
+    newLibrary, openLibrary, addFolder, import, importAperture, exportPhotos, saveMetadata, revertMetadata,
+    newProject, newAlbum, newSmartAlbum, newKeyword, autoStack, namingPresets, settings, quit,
+    // Edit
+    undo, redo, selectAll, selectNone, remove, removeFromLibrary, rename, find, copyAdjustments, pasteAdjustments,
+    // Photo
+    rate0, rate1, rate2, rate3, rate4, rate5, rateUp, rateDown, reject, pick, clearMarks, toggleFlag,
+    labelRed, labelOrange, labelYellow, labelGreen, labelBlue, labelPurple, labelGray, labelNone,
+    newVersion, stack, unstack, toggleStack, setPick, rotateLeft, rotateRight, autoAdjust, resetAdjustments, showInFolder,
+    // View
+    grid, viewer, space, cycle, compare, survey, actualSize, loupe, beforeAfter, nextPhoto, previousPhoto,
+    fullScreenPhoto, fullScreenWindow, sidebar, inspector, filmstrip, hideSides, largerThumbnails, smallerThumbnails, escape,
+    // Help
+    keys, about,
+    count
+};
+// clang-format on
+
+enum class CommandMenu { none, library, edit, photo, view, help };
+
+/// What a command needs to be there.
+enum class CommandNeeds {
+    nothing,
+    shown, ///< any photo in the list
+    photos, ///< one or more to act on
+    several, ///< two or more to act on
+    stacked, ///< one to act on that is in a stack
+    undo, ///< something to undo
+    redo,
+};
+
+/// Where a command's keys count. In a text field, the keys that write belong to it.
+enum class CommandKeysIn {
+    window,
+    centre, ///< only while the grid, the viewer or the like has the focus, so that other controls keep theirs
+};
+
+enum class MarksPhotos { no, advances };
+
+struct CommandInfo {
+    Command id;
+    CommandMenu menu;
+    const char* submenu; ///< or nullptr
+    const char* text; ///< in menus and the list of keys
+    const char*
+        keys; ///< in QKeySequence's portable form, separated by blanks; the first one stands in the menu
+    CommandNeeds needs = CommandNeeds::nothing;
+    CommandKeysIn keysIn = CommandKeysIn::window;
+    MarksPhotos marks = MarksPhotos::no;
+};
+
+/// All commands in the order of the menus. A line without text is a separator.
+std::span<const CommandInfo> commandTable();
+
+/// The window's commands. Used on the main thread.
+class Commands : public QObject {
+public:
+    using Handler = std::function<void()>;
+    using Condition = std::function<bool()>;
+
+    Commands(Desktop& desktop, QWidget& window);
+
+    /// Who carries the command out, and when that is possible beside what the table says.
+    void handle(Command command, Handler handler, Condition possible = {});
+    void run(Command command);
+    QAction* action(Command command) const { return actions_[static_cast<std::size_t>(command)]; }
+    void setChecked(Command command, bool checked);
+
+    /// Whether the running command was called with Shift or under Caps Lock.
+    bool advance() const { return advance_; }
+
+    void fillMenus(QMenuBar& bar);
+    /// Makes the keys that count in the centre work in this widget and what is in it.
+    void addCentre(QWidget& widget);
+    /// Looks again at which commands are possible; done by itself when the library or the browser changes.
+    void refresh();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void makeActions(QWidget& window);
+    bool isPossible(const CommandInfo& info) const;
+
+    Desktop& desktop_;
+    std::array<QAction*, static_cast<std::size_t>(Command::count)> actions_{};
+    std::array<Handler, static_cast<std::size_t>(Command::count)> handlers_;
+    std::array<Condition, static_cast<std::size_t>(Command::count)> conditions_;
+    bool advance_ = false;
+    bool shiftOrCapsLock_ = false; // at the last key
+    Connection storeChanged_;
+    Connection browserChanged_;
+};
+
+} // namespace korvo

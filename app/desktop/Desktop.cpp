@@ -1,0 +1,29 @@
+#include "app/desktop/Desktop.h"
+
+namespace korvo {
+
+Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults)
+    : main_(main), clock_(clock), defaults_(defaults),
+      reader_(*tool_.launcher, SystemImageReader::installedDecoder()),
+      session_(main, std::move(catalog), tool_.tool, defaults),
+      previewCache_(store().catalog().previewsFolder(),
+          PreviewCache::usualBound(store().catalog().previewsFolder()), clock),
+      browser_(store()), pictures_(main, reader_, previewCache_), jobs_(main)
+{ }
+
+void Desktop::say(std::string text, Offer offer)
+{
+    noticed.emit({Notice::Kind::note, std::move(text), offer == Offer::undo});
+}
+
+void Desktop::fail(const std::exception& error)
+{
+    std::string text = error.what();
+    if (!text.empty() && text.back() != '.')
+        text += '.';
+    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
+        text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    noticed.emit({Notice::Kind::error, std::move(text), false});
+}
+
+} // namespace korvo

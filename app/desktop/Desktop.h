@@ -1,0 +1,71 @@
+#pragma once
+
+#include "app/Browser.h"
+#include "app/Session.h"
+#include "app/SystemExifTool.h"
+#include "app/desktop/Jobs.h"
+#include "app/desktop/Pictures.h"
+#include "app/desktop/QtMainThread.h"
+#include "platform/linux/images/SystemImageReader.h"
+
+namespace korvo {
+
+/// A line for the user.
+struct Notice {
+    enum class Kind { note, error };
+    Kind kind;
+    std::string text;
+    bool offersUndo = false;
+};
+
+enum class Offer { nothing, undo };
+
+/// An open library and everything that the window's parts share. Each of them takes it by reference; it
+/// outlives them all. Used on the main thread.
+class Desktop {
+public:
+    /// `main`, `clock` and `defaults` must outlive it.
+    Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults);
+
+    Session& session() { return session_; }
+    LibraryStore& store() { return session_.store(); }
+    /// Which photo is looked at, how, and which ones a command acts on.
+    Browser& browser() { return browser_; }
+    QtMainThread& mainThread() { return main_; }
+    Pictures& pictures() { return pictures_; }
+    Jobs& jobs() { return jobs_; }
+    const Clock& clock() const { return clock_; }
+    Defaults& defaults() { return defaults_; }
+    ImageReader& imageReader() { return reader_; }
+    const ExifTool& exifTool() const { return tool_.tool; }
+
+    Signal<const Notice&> noticed;
+    /// Shows a line that goes after five seconds, with a button that takes the last action back if offered.
+    void say(std::string text, Offer offer = Offer::nothing);
+    /// Shows what went wrong, as a sentence; it stays until it is clicked away.
+    void fail(const std::exception& error);
+    /// Does something that the user asked for, and shows what goes wrong with it.
+    template <typename Action>
+    void attempt(Action action)
+    {
+        try {
+            action();
+        } catch (const std::exception& error) {
+            fail(error);
+        }
+    }
+
+private:
+    QtMainThread& main_;
+    const Clock& clock_;
+    Defaults& defaults_;
+    SystemExifTool tool_;
+    SystemImageReader reader_;
+    Session session_;
+    PreviewCache previewCache_;
+    Browser browser_;
+    Pictures pictures_;
+    Jobs jobs_;
+};
+
+} // namespace korvo

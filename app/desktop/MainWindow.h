@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/desktop/Commands.h"
+
+#include <QMainWindow>
+
+class QSplitter;
+class QStackedWidget;
+class QTabWidget;
+
+namespace korvo {
+
+/// The window of one library: a toolbar, the sidebar, the centre with the filmstrip below it, the inspector,
+/// the status line. Each part brings its widgets and commands by a function of Parts.h.
+class MainWindow : public QMainWindow {
+public:
+    explicit MainWindow(Desktop& desktop);
+    ~MainWindow() override;
+
+    Desktop& desktop() { return desktop_; }
+    Commands& commands() { return commands_; }
+
+    // Places. Each takes ownership of the widget.
+    void setSidebar(QWidget* widget);
+    /// What the centre shows in a mode; the same widget may serve several. The browser's mode chooses among
+    /// them, and the one that is shown gets the focus.
+    void setCentre(ViewMode mode, QWidget* widget);
+    /// Shown below the centre, unless it is the grid that is shown.
+    void setFilmstrip(QWidget* widget);
+    void addInspectorTab(const QString& title, QWidget* widget);
+
+    /// The widget the centre shows now, for the focus.
+    QWidget* centre() const;
+
+private:
+    void makeCommands();
+    void showMode();
+    void leaveFieldOrCentre();
+    void cycleModes();
+    void setSidesShown(bool shown);
+    void toggle(Command command, QWidget* widget);
+
+    Desktop& desktop_;
+    Commands commands_;
+    QSplitter* columns_;
+    QSplitter* middle_;
+    QStackedWidget* stack_;
+    QTabWidget* inspector_;
+    QWidget* sidebar_ = nullptr;
+    QWidget* filmstrip_ = nullptr;
+    bool filmstripWanted_ = true;
+    std::array<QWidget*, 5> centres_{}; // by mode
+    Connection browserChanged_;
+};
+
+} // namespace korvo

@@ -1,0 +1,127 @@
+#include "app/desktop/Pictures.h"
+
+#include "app/desktop/Texts.h"
+#include "base/Json.h"
+
+#include <algorithm>
+
+namespace korvo {
+
+namespace {
+
+/// The sizes at which previews are kept.
+constexpr std::array steps = {Previews::thumbnailSize, 1024, 2048, 4096};
+
+int keptSize(int size)
+{
+    const auto step = std::find_if(steps.begin(), steps.end(), [size](int s) { return s >= size; });
+    return size == 0 || step == steps.end() ? 0 : *step;
+}
+
+QImage imageOf(const Bitmap& bitmap)
+{
+    const QImage view(bitmap.bytes.data(), bitmap.width, bitmap.height,
+        static_cast<qsizetype>(bitmap.rowBytes()), QImage::Format_RGBX8888);
+    return view.convertToFormat(QImage::Format_RGB32);
+}
+
+/// Shrunk to the size, never enlarged.
+QImage fitted(QImage image, int size)
+{
+    if (size == 0 || std::max(image.width(), image.height()) <= size)
+        return image;
+    return image.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+} // namespace
+
+struct Pictures::Order {
+    PictureRequest request;
+    Done done; // touched on the main thread only
+    std::stop_source stop;
+};
+
+PictureRequest pictureOf(const PhotoItem& item, int size, PicturePriority priority)
+{
+    const auto source = item.hasEdits() ? PictureSource::whole : PictureSource::quick;
+    return {item.path(), item.editsJSON, size, source, priority};
+}
+
+Pictures::Pictures(MainThread& main, ImageReader& reader, PreviewCache& cache)
+    : main_(main), reader_(reader), previews_(reader, cache)
+{
+    const auto count = std::clamp(std::thread::hardware_concurrency(), 2U, 8U);
+    for (unsigned i = 0; i < count; ++i)
+        workers_.emplace_back([this](const std::stop_token& stop) { work(stop); });
+}
+
+Pictures::~Pictures()
+{
+    for (auto& worker : workers_)
+        worker.request_stop();
+}
+
+Pictures::Handle Pictures::load(PictureRequest request, Done done)
+{
+    const auto priority = static_cast<std::size_t>(request.priority);
+    auto order = std::make_shared<Order>(Order{std::move(request), std::move(done), {}});
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_[priority].push_back(order);
+    }
+    asked_.notify_one();
+    // The handle is not the order: a worker that holds one would keep it from being dropped.
+    return {order.get(), [order](void*) {
+                order->done = nullptr;
+                order->stop.request_stop();
+            }};
+}
+
+std::shared_ptr<Pictures::Order> Pictures::next(const std::stop_token& stop)
+{
+    std::unique_lock lock(mutex_);
+    const auto isWaiting = [](const auto& list) { return !list.empty(); };
+    asked_.wait(lock, stop, [&] { return std::any_of(waiting_.begin(), waiting_.end(), isWaiting); });
+    if (stop.stop_requested())
+        return nullptr;
+    auto& list = *std::find_if(waiting_.begin(), waiting_.end(), isWaiting);
+    const auto order = list.front().lock();
+    list.pop_front();
+    return order;
+}
+
+void Pictures::work(const std::stop_token& stop)
+{
+    while (!stop.stop_requested()) {
+        const auto order = next(stop);
+        if (!order || order->stop.stop_requested())
+            continue;
+        const std::stop_callback stopped(stop, [&] { order->stop.request_stop(); });
+        QImage image;
+        QString fault;
+        try {
+            image = picture(*order);
+        } catch (const std::exception& error) { // it is shown in the picture's place
+            fault = qt(error.what());
+        }
+        main_.post([order, image, fault] {
+            if (order->done)
+                std::exchange(order->done, nullptr)(image, fault);
+        });
+    }
+}
+
+QImage Pictures::picture(const Order& order)
+{
+    const auto& request = order.request;
+    RenderJob job{
+        .file = request.file, .edits = {}, .size = keptSize(request.size), .source = request.source};
+    if (!request.editsJSON.empty())
+        job.edits = fromJson<PhotoEdits>(request.editsJSON.view());
+    const auto stop = order.stop.get_token();
+    if (job.size == 0) // too large to be kept
+        return fitted(imageOf(renderPhoto(reader_, job, stop).image), request.size);
+    return fitted(imageOf(previews_.preview(job, stop)), request.size);
+}
+
+} // namespace korvo

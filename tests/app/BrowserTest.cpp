@@ -1,0 +1,92 @@
+#include "app/Browser.h"
+#include "tests/support/ManualMainThread.h"
+#include "tests/support/TestLibrary.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+namespace {
+
+using IDs = std::vector<PhotoID>;
+
+/// The photos 1 to 5, in this order.
+struct TestBrowser : TestLibrary {
+    TestBrowser()
+    {
+        for (const char* name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg"})
+            photo(name);
+        store = std::make_unique<LibraryStore>(main, std::move(catalog));
+        browser = std::make_unique<Browser>(*store);
+    }
+
+    ManualMainThread main;
+    std::unique_ptr<LibraryStore> store;
+    std::unique_ptr<Browser> browser;
+};
+
+} // namespace
+
+TEST(Browser, actsOnTheSelectedInTheGridAndElsewhereOnThePhotoShown)
+{
+    TestBrowser t;
+    t.store->select({2, 3});
+    EXPECT_EQ(t.browser->targets(), (IDs{2, 3}));
+    t.browser->setCurrent(3);
+    for (const auto mode : {ViewMode::viewer, ViewMode::compare, ViewMode::survey, ViewMode::fullScreen}) {
+        t.browser->setMode(mode);
+        EXPECT_EQ(t.browser->targets(), IDs{3});
+    }
+    t.browser->setMode(ViewMode::grid);
+    EXPECT_EQ(t.browser->targets(), (IDs{2, 3})) << "the selection is what it was";
+}
+
+TEST(Browser, steppingEndsAtBothEndsAndTakesTheSelectionAlong)
+{
+    TestBrowser t;
+    t.browser->setMode(ViewMode::viewer);
+    EXPECT_EQ(t.browser->current(), 1) << "the first photo where none was chosen";
+    t.browser->step(-1);
+    EXPECT_EQ(t.browser->current(), 1);
+    t.browser->step(3);
+    EXPECT_EQ(t.store->selection(), IDs{4});
+    t.browser->step(99);
+    EXPECT_EQ(t.browser->current(), 5);
+}
+
+TEST(Browser, looksAtTheNextPhotoWhenAFilterHidesTheOneShown)
+{
+    for (const auto& [shown, then] : {std::pair<PhotoID, PhotoID>{3, 4}, {5, 4}}) {
+        TestBrowser t;
+        t.browser->setCurrent(shown);
+        t.browser->setMode(ViewMode::viewer);
+        t.store->setRating(only(shown), rejectedRating);
+        EXPECT_EQ(t.browser->current(), then) << "instead of " << shown;
+        EXPECT_EQ(t.store->selection(), IDs{then});
+        t.store->undo();
+        EXPECT_EQ(t.browser->current(), shown) << "undo brings it back selected";
+    }
+}
+
+TEST(Browser, goesOnAfterTheHiddenPhotoThoughOthersStaySelected)
+{
+    TestBrowser t;
+    t.store->select({1, 3, 5});
+    t.browser->setCurrent(3);
+    t.browser->setMode(ViewMode::viewer);
+    t.store->setRating(only(3), rejectedRating);
+    EXPECT_EQ(t.browser->current(), 4);
+}
+
+TEST(Browser, returnsToTheGridWhenNoPhotoIsLeft)
+{
+    TestBrowser t;
+    t.browser->setMode(ViewMode::viewer);
+    t.store->chooseSource(LibrarySource{LibrarySource::Kind::videos, 0, {}});
+    EXPECT_EQ(t.browser->mode(), ViewMode::grid);
+    EXPECT_EQ(t.browser->current(), std::nullopt);
+    t.browser->setMode(ViewMode::viewer);
+    EXPECT_EQ(t.browser->mode(), ViewMode::grid);
+}
+
+} // namespace korvo
