@@ -73,6 +73,20 @@ RenderedPhoto renderPhoto(ImageReader& reader, const RenderJob& job, const std::
     return {finished(std::move(image), work, job.size), std::move(note)};
 }
 
+DecodedImage decodePhoto(ImageReader& reader, const RenderJob& job, const std::stop_token& stop)
+{
+    return reader.read(job.file, Work(job).request, stop);
+}
+
+Bitmap renderDecoded(const DecodedImage& image, const PhotoEdits& edits, int size)
+{
+    const Work work({.edits = edits, .size = size});
+    const auto plan = basicPlan(work.filters, scaleOf(image));
+    Bitmap result;
+    std::visit([&](const auto& pixels) { runBasicStage(plan, pixels, result); }, image.pixels);
+    return shrunk(withGeometry(std::move(result), work.geometry), size);
+}
+
 EncodedPhoto encodePhoto(
     ImageReader& reader, const RenderJob& job, PictureFormat format, int quality, const std::stop_token& stop)
 {

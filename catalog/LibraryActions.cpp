@@ -2,6 +2,10 @@
 
 #include "catalog/LibraryStore.h"
 
+#include "base/Json.h"
+
+#include <map>
+
 namespace korvo {
 
 void LibraryStore::setRating(std::span<const PhotoID> ids, int rating)
@@ -28,6 +32,25 @@ void LibraryStore::setMetadata(std::span<const PhotoID> ids, const MetadataChang
 void LibraryStore::setEdits(std::span<const PhotoID> ids, const PhotoEdits& edits)
 {
     perform("Adjust", [&](Catalog& catalog) { catalog.saveEdits(ids, edits); });
+}
+
+void LibraryStore::changeEdits(
+    std::string title, std::span<const PhotoID> ids, const std::function<void(PhotoEdits&)>& change)
+{
+    perform(std::move(title), [&](Catalog& catalog) {
+        std::map<std::string, std::vector<PhotoID>, std::less<>> byEdits; // most photos have none
+        for (const PhotoID id : ids) {
+            const auto* const listed = list_.find(id);
+            const auto item = listed ? std::nullopt : catalog.photo(id);
+            if (listed || item)
+                byEdits[(listed ? *listed : *item).editsJSON.string()].push_back(id);
+        }
+        for (const auto& [json, photos] : byEdits) {
+            auto edits = json.empty() ? PhotoEdits() : fromJson<PhotoEdits>(json);
+            change(edits);
+            catalog.saveEdits(photos, edits);
+        }
+    });
 }
 
 void LibraryStore::saveComposition(PhotoID id, std::string_view json)

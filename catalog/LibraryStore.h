@@ -51,6 +51,10 @@ public:
     void setLabel(std::span<const PhotoID> ids, PhotoLabel label);
     void setMetadata(std::span<const PhotoID> ids, const MetadataChange& change);
     void setEdits(std::span<const PhotoID> ids, const PhotoEdits& edits);
+    /// Changes what each photo's own edits are, in one step of that title. Throws JsonError for a photo whose
+    /// stored edits cannot be read, and then changes none.
+    void changeEdits(
+        std::string title, std::span<const PhotoID> ids, const std::function<void(PhotoEdits&)>& change);
     void saveComposition(PhotoID id, std::string_view json);
     void removePhotos(std::span<const PhotoID> ids);
     void removeFolder(std::int64_t id);

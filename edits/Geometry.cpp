@@ -122,6 +122,16 @@ Geometry geometryOf(const PhotoEdits& edits)
     return geometry;
 }
 
+std::pair<int, int> sizeWith(const Geometry& geometry, int width, int height)
+{
+    if (geometry.quarterTurns % 2 != 0)
+        std::swap(width, height);
+    if (width <= 0 || height <= 0)
+        return {0, 0};
+    const auto area = areaOf(geometry.crop, width, height);
+    return {area.width, area.height};
+}
+
 Bitmap withGeometry(Bitmap image, const Geometry& geometry)
 {
     constexpr std::array turns{

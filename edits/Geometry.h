@@ -3,6 +3,8 @@
 #include "edits/PhotoEdits.h"
 #include "platform/Image.h"
 
+#include <utility>
+
 namespace korvo {
 
 /// What the edits do to a picture's place and shape: quarter turns, flips, straightening, crop, in this
@@ -20,6 +22,9 @@ struct Geometry {
 };
 
 Geometry geometryOf(const PhotoEdits& edits);
+
+/// The size that a picture of these pixels has with the geometry applied.
+std::pair<int, int> sizeWith(const Geometry& geometry, int width, int height);
 
 /// The picture with the geometry applied. Quarter turns, flips and crops take the very pixels; a picture that
 /// is straightened keeps its size, is enlarged until no border shows, and is computed by a bicubic filter.

@@ -1,4 +1,5 @@
 #include "catalog/LibraryStore.h"
+#include "base/JsonError.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -112,6 +113,28 @@ TEST(LibraryStore, aFailedActionLeavesEverythingAsItWas)
                  t.store->addToAlbum(99, only(1)), NotFoundError);
     EXPECT_EQ(contentOf(t.store->catalog()), before);
     EXPECT_FALSE(t.store->undoTitle());
+}
+
+TEST(LibraryStore, changesEachPhotosOwnEditsInOneStep)
+{
+    TestStore test(3);
+    auto& store = *test.store;
+    store.setEdits(only(2), {.saturation = 0.5});
+    test.published.clear();
+    const std::vector<PhotoID> all{1, 2, 3};
+    store.changeEdits("Rotate", all, [](PhotoEdits& edits) { edits.rotation = 1; });
+    EXPECT_EQ(test.change().photos, all);
+    EXPECT_EQ(test.listed(1).edits(), (PhotoEdits{.rotation = 1}));
+    EXPECT_EQ(test.listed(2).edits(), (PhotoEdits{.saturation = 0.5, .rotation = 1}));
+    EXPECT_EQ(store.undoTitle(), "Rotate");
+    store.undo();
+    EXPECT_FALSE(test.listed(3).hasEdits());
+
+    store.catalog().database().run("UPDATE photos SET edits = 'no record' WHERE id = 3");
+    store.reload();
+    EXPECT_THROW(store.changeEdits("Rotate", all, [](PhotoEdits& edits) { edits.rotation = 1; }), JsonError);
+    EXPECT_FALSE(test.listed(1).hasEdits()) << "some photos were changed";
+    EXPECT_EQ(test.listed(3).editsJSON.string(), "no record");
 }
 
 TEST(LibraryStore, sourcesFollowTheChangesThatConcernThem)

@@ -1,0 +1,54 @@
+#include "app/EditDraft.h"
+
+#include "base/Json.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvo {
+
+PhotoEdits readableEdits(const PhotoItem& item)
+try {
+    return item.edits();
+} catch (const JsonError&) {
+    return {};
+}
+
+PhotoEdits EditDraft::editsOf(const PhotoItem& item) const
+{
+    auto edits = readableEdits(item);
+    if (change_ && std::ranges::find(photos_, item.id) != photos_.end())
+        change_(edits);
+    return edits;
+}
+
+void EditDraft::show(std::string title, Change change)
+{
+    if (change_ && title != title_)
+        keep();
+    if (!change_)
+        photos_ = browser_.targets();
+    title_ = std::move(title);
+    change_ = std::move(change);
+    changed.emit();
+}
+
+void EditDraft::keep()
+{
+    if (const auto change = std::exchange(change_, {}))
+        store_.changeEdits(std::exchange(title_, {}), std::exchange(photos_, {}), change);
+}
+
+void EditDraft::drop()
+{
+    if (std::exchange(change_, {}))
+        changed.emit();
+}
+
+void EditDraft::apply(std::string title, Change change)
+{
+    show(std::move(title), std::move(change));
+    keep();
+}
+
+} // namespace korvo

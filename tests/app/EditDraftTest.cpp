@@ -1,0 +1,71 @@
+#include "app/EditDraft.h"
+#include "tests/support/ManualMainThread.h"
+#include "tests/support/TestLibrary.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+namespace {
+
+struct DraftTest : ::testing::Test, TestLibrary {
+    DraftTest()
+    {
+        for (const auto* const name : {"a.jpg", "b.jpg", "c.jpg"})
+            photo(name);
+        store = std::make_unique<LibraryStore>(main, std::move(catalog));
+        browser = std::make_unique<Browser>(*store);
+        draft = std::make_unique<EditDraft>(*store, *browser);
+    }
+
+    static EditDraft::Change exposure(double value)
+    {
+        return [value](PhotoEdits& edits) { edits.exposure = value; };
+    }
+    double shown(PhotoID id) const { return draft->editsOf(*store->list().find(id)).exposure; }
+    double stored(PhotoID id) const { return store->list().find(id)->edits().exposure; }
+
+    ManualMainThread main;
+    std::unique_ptr<LibraryStore> store;
+    std::unique_ptr<Browser> browser;
+    std::unique_ptr<EditDraft> draft;
+};
+
+} // namespace
+
+TEST_F(DraftTest, aDragIsShownAtOnceAndStoredAsOneStepInEachPhotosOwnEdits)
+{
+    store->setEdits(only(2), {.saturation = 0});
+    store->select({1, 2});
+    for (const double value : {0.1, 0.2, 0.3})
+        draft->show("Exposure", exposure(value));
+    EXPECT_EQ(shown(1), 0.3);
+    EXPECT_EQ(shown(3), 0);
+    EXPECT_EQ(stored(1), 0);
+    store->select({3}); // the drag belongs to the photos it began with
+    draft->keep();
+    EXPECT_EQ(stored(1), 0.3);
+    EXPECT_EQ(store->list().find(2)->edits(), (PhotoEdits{.exposure = 0.3, .saturation = 0}));
+    EXPECT_EQ(stored(3), 0);
+    EXPECT_EQ(store->undoTitle(), "Exposure");
+    store->undo();
+    EXPECT_EQ(shown(1), 0);
+    EXPECT_EQ(store->list().find(2)->edits(), (PhotoEdits{.saturation = 0}));
+}
+
+TEST_F(DraftTest, anotherControlIsAnotherStepAndADroppedDraftIsNone)
+{
+    store->select({1});
+    draft->show("Exposure", exposure(1));
+    draft->apply("Tint", [](PhotoEdits& edits) { edits.tint = 5; });
+    store->undo();
+    EXPECT_EQ(store->list().find(1)->edits(), (PhotoEdits{.exposure = 1}));
+    draft->show("Exposure", exposure(2));
+    draft->drop();
+    EXPECT_EQ(shown(1), 1);
+    draft->keep();
+    EXPECT_EQ(store->undoTitle(), "Exposure");
+    EXPECT_EQ(stored(1), 1);
+}
+
+} // namespace korvo
