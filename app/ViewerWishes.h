@@ -19,7 +19,7 @@ struct ViewerPlace {
 /// The pictures of one photo that the viewer shows, one after the other: of a raw file its preview and then
 /// the developed picture, of others the picture itself. Each large enough for the view after the photo's
 /// crop.
-std::vector<DecodeWish> picturesFor(const PhotoItem& item, int size);
+std::vector<DecodeWish> picturesFor(const PhotoItem& item, int size, ViewDetail detail = ViewDetail::screen);
 
 /// What is to be decoded, the most urgent first: what is on screen, then what the next steps would show, more
 /// of it in the direction of travel than behind; raw files of neighbours are developed last.
