@@ -28,6 +28,10 @@ constexpr std::string_view schema = R"(
     INSERT OR IGNORE INTO total VALUES (1, 0);
 )";
 
+/// Before another image may get the number of one that is gone.
+constexpr auto forgetNamesWithoutImage
+    = "DELETE FROM previews WHERE bytes = 0 AND image NOT IN (SELECT id FROM images)";
+
 constexpr auto namePrefix = "previews-", nameEnding = ".sqlite";
 constexpr std::int64_t secondsBetweenUses = 600; // uses within it count as one, and cost no write
 constexpr std::size_t usesInOneWrite = 256;
@@ -66,6 +70,19 @@ bool isDamage(int code)
     }
 }
 
+/// Parts that follow each other give another key than the same text cut elsewhere.
+PreviewKey digestOf(std::initializer_list<std::string> parts)
+{
+    Sha256 digest;
+    for (const auto& part : parts)
+        digest.add(Bytes(part.c_str(), part.size() + 1)); // with the NUL, which no path has inside
+    const auto text = digest.finish();
+    PreviewKey key{};
+    for (std::size_t i = 0; i < key.size(); ++i)
+        std::from_chars(&text[2 * i], &text[2 * i] + 2, key[i], 16);
+    return key;
+}
+
 std::int64_t secondsOf(const Clock& clock)
 {
     return static_cast<std::int64_t>(clock.now());
@@ -78,17 +95,15 @@ std::optional<PreviewKey> previewKey(const PreviewSubject& subject)
     struct stat status { };
     if (stat(subject.file.c_str(), &status) != 0)
         return std::nullopt;
-    Sha256 digest;
-    for (const auto& part :
+    return digestOf(
         {subject.file.native(), std::to_string(status.st_size), std::to_string(status.st_mtim.tv_sec),
             std::to_string(status.st_mtim.tv_nsec), std::to_string(subject.size),
-            std::to_string(subject.variant), textOf(subject.edits), std::string(renderer)})
-        digest.add(Bytes(part.c_str(), part.size() + 1)); // with the NUL, which no path has inside
-    const auto text = digest.finish();
-    PreviewKey key{};
-    for (std::size_t i = 0; i < key.size(); ++i)
-        std::from_chars(&text[2 * i], &text[2 * i] + 2, key[i], 16);
-    return key;
+            std::to_string(subject.variant), textOf(subject.edits), std::string(renderer)});
+}
+
+PreviewKey lastPreviewKey(const fs::path& file, const PhotoEdits& edits)
+{
+    return digestOf({file.native(), "last", textOf(edits)});
 }
 
 std::int64_t PreviewCache::usualBound(const fs::path& folder)
@@ -198,7 +213,8 @@ std::optional<std::vector<std::uint8_t>> PreviewCache::find(const PreviewKey& ke
     return image;
 }
 
-void PreviewCache::store(const PreviewKey& key, std::span<const std::uint8_t> image)
+void PreviewCache::store(
+    const PreviewKey& key, std::span<const std::uint8_t> image, const std::optional<PreviewKey>& last)
 {
     use([&](Database& database) {
         Transaction transaction(database);
@@ -208,6 +224,10 @@ void PreviewCache::store(const PreviewKey& key, std::span<const std::uint8_t> im
             const auto id = database.insert("INSERT INTO images (data) VALUES (?)", image);
             database.run("INSERT INTO previews VALUES (?, ?, ?, ?)", std::span<const std::uint8_t>(key), id,
                 bytes, secondsOf(clock_));
+            // A further name for the same image, which takes no room of its own.
+            if (last)
+                database.run("INSERT OR REPLACE INTO previews VALUES (?, ?, 0, ?)",
+                    std::span<const std::uint8_t>(*last), id, secondsOf(clock_));
             database.run("UPDATE total SET bytes = bytes + ?", bytes);
             if (database.scalar("SELECT bytes FROM total") > mostBytes_) {
                 flushUses(database);
@@ -227,6 +247,7 @@ void PreviewCache::remove(const PreviewKey& key)
             "UPDATE total SET bytes = bytes - IFNULL((SELECT bytes FROM previews WHERE key = ?), 0)", bytes);
         database.run("DELETE FROM images WHERE id = (SELECT image FROM previews WHERE key = ?)", bytes);
         database.run("DELETE FROM previews WHERE key = ?", bytes);
+        database.run(forgetNamesWithoutImage);
         transaction.commit();
     });
 }
@@ -249,7 +270,7 @@ void PreviewCache::makeRoom(Database& database) const
     const auto wanted = static_cast<std::int64_t>(static_cast<double>(mostBytes_) * keptOfBound);
     auto excess = database.scalar("SELECT bytes FROM total") - wanted;
     std::vector<std::pair<std::vector<std::uint8_t>, std::int64_t>> oldest;
-    auto statement = database.kept("SELECT key, image, bytes FROM previews ORDER BY used");
+    auto statement = database.kept("SELECT key, image, bytes FROM previews WHERE bytes > 0 ORDER BY used");
     std::int64_t freed = 0;
     while (freed < excess && statement.step()) {
         const auto key = statement.text(0);
@@ -260,6 +281,7 @@ void PreviewCache::makeRoom(Database& database) const
         database.run("DELETE FROM images WHERE id = ?", image);
         database.run("DELETE FROM previews WHERE key = ?", std::span<const std::uint8_t>(key));
     }
+    database.run(forgetNamesWithoutImage);
     database.run("UPDATE total SET bytes = bytes - ?", freed);
 }
 

@@ -10,6 +10,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace korvo {
@@ -28,6 +29,10 @@ struct PreviewSubject {
 /// Nothing for a file that is not there.
 std::optional<PreviewKey> previewKey(const PreviewSubject& subject);
 
+/// The key under which the newest preview of a file with an edit is found, whatever the file's state and the
+/// preview's size: for files that are not there any more.
+PreviewKey lastPreviewKey(const std::filesystem::path& file, const PhotoEdits& edits);
+
 /// Encoded previews in the library's folder for them, all in one SQLite file, so that a million of them are
 /// no million files. Several processes and threads may use it at once. It is only a cache: nothing that is
 /// wrong with it is an error. A damaged file is thrown away for a new one, and where none can be made, or the
@@ -44,7 +49,9 @@ public:
     PreviewCache& operator=(const PreviewCache&) = delete;
 
     std::optional<std::vector<std::uint8_t>> find(const PreviewKey& key);
-    void store(const PreviewKey& key, std::span<const std::uint8_t> image);
+    /// Also found under `last` from then on, in place of what that named.
+    void store(const PreviewKey& key, std::span<const std::uint8_t> image,
+        const std::optional<PreviewKey>& last = std::nullopt);
     /// For an image that proved to be damaged.
     void remove(const PreviewKey& key);
 

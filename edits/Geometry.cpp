@@ -122,6 +122,18 @@ Geometry geometryOf(const PhotoEdits& edits)
     return geometry;
 }
 
+void turn(PhotoEdits& edits, int quarters)
+{
+    for (int i = 0; i < (quarters % 4 + 4) % 4; ++i) {
+        if (edits.flipHorizontal != edits.flipVertical) // the flips come after the turn
+            std::swap(edits.flipHorizontal, edits.flipVertical);
+        if (auto& crop = edits.crop)
+            crop = {std::max(0.0, 1 - crop->y - crop->h), crop->x, crop->h, crop->w};
+        const auto rotation = (edits.rotation.value_or(0) % 4 + 5) % 4;
+        edits.rotation = rotation != 0 ? std::optional(rotation) : std::nullopt;
+    }
+}
+
 std::pair<int, int> sizeWith(const Geometry& geometry, int width, int height)
 {
     if (geometry.quarterTurns % 2 != 0)

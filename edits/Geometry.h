@@ -23,6 +23,9 @@ struct Geometry {
 
 Geometry geometryOf(const PhotoEdits& edits);
 
+/// Turns the finished picture, what its crop keeps included, clockwise by so many quarters.
+void turn(PhotoEdits& edits, int quarters);
+
 /// The size that a picture of these pixels has with the geometry applied.
 std::pair<int, int> sizeWith(const Geometry& geometry, int width, int height);
 

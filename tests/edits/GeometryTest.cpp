@@ -35,6 +35,27 @@ std::string textOf(const Bitmap& image)
 
 } // namespace
 
+TEST(Geometry, aTurnTurnsWhatIsShown)
+{
+    for (const PhotoEdits& before : {PhotoEdits{}, PhotoEdits{.rotation = 3, .flipHorizontal = true},
+             PhotoEdits{.crop = CropRect{0, 0, 0.67, 0.5}},
+             PhotoEdits{.rotation = 1, .crop = CropRect{0.5, 0, 0.5, 0.67}, .flipVertical = true}}) {
+        const auto shown = withGeometry(pictureOf("abc/def"), geometryOf(before));
+        for (const int quarters : {-1, 1, 2}) {
+            auto edits = before;
+            turn(edits, quarters);
+            EXPECT_EQ(textOf(withGeometry(pictureOf("abc/def"), geometryOf(edits))),
+                textOf(withGeometry(shown, geometryOf({.rotation = quarters}))));
+            turn(edits, -quarters);
+            EXPECT_EQ(geometryOf(edits).quarterTurns, geometryOf(before).quarterTurns);
+        }
+    }
+    PhotoEdits edits;
+    turn(edits, 1);
+    turn(edits, 3);
+    EXPECT_TRUE(isIdentity(edits));
+}
+
 TEST(Geometry, turnsFlipsAndCropsTheVeryPixels)
 {
     struct Case {

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "app/PhotoRender.h"
+#include "catalog/LibraryStore.h"
+#include "edits/AutoEnhance.h"
+
+#include <functional>
+
+namespace korvo {
+
+/// What auto enhance proposes for a photo.
+struct AutoProposal {
+    PhotoID photo = 0;
+    AutoEnhance::Values values;
+};
+
+/// Looks at the photos as they were taken, whatever their edits are. Those that cannot be seen are told to
+/// `failed`, as a sentence, and left out.
+std::vector<AutoProposal> autoProposals(ImageReader& reader, std::span<const PhotoItem> photos,
+    const std::stop_token& stop, const std::function<void(std::size_t done)>& progress,
+    const std::function<void(std::string)>& failed);
+
+/// Sets the proposed exposure, contrast and vibrance, and nothing else, in one step.
+void applyAuto(LibraryStore& store, std::span<const AutoProposal> proposals);
+
+} // namespace korvo
