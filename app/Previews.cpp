@@ -24,12 +24,6 @@ Bitmap Previews::preview(const RenderJob& job, const std::stop_token& stop)
     return render(job, key, stop).image;
 }
 
-std::optional<Bitmap> Previews::lastSeen(const RenderJob& job)
-{
-    auto kept = cache_.find(lastPreviewKey(job.file, job.edits));
-    return kept ? decodedPreview(*std::move(kept)) : std::nullopt;
-}
-
 std::vector<std::uint8_t> Previews::encoded(const RenderJob& job, const std::stop_token& stop)
 {
     const auto key = keyOf(job);
@@ -43,7 +37,7 @@ Previews::Rendered Previews::render(
     Rendered rendered{renderPhoto(reader_, job, stop).image, {}};
     rendered.bytes = encodedPreview(rendered.image, quality);
     if (key)
-        cache_.store(*key, rendered.bytes, lastPreviewKey(job.file, job.edits));
+        cache_.store(*key, rendered.bytes);
     return rendered;
 }
 

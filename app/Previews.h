@@ -16,10 +16,6 @@ public:
     /// The photo with its edits. Transparent pictures are shown over white. Throws ImageError.
     Bitmap preview(const RenderJob& job, const std::stop_token& stop);
 
-    /// The newest preview of the photo with its edits, of whatever size and of whatever state of its file:
-    /// for a file that is not there. Nothing when none is kept.
-    std::optional<Bitmap> lastSeen(const RenderJob& job);
-
     /// The same as the JPEG that the cache holds.
     std::vector<std::uint8_t> encoded(const RenderJob& job, const std::stop_token& stop);
 

@@ -28,10 +28,6 @@ constexpr std::string_view schema = R"(
     INSERT OR IGNORE INTO total VALUES (1, 0);
 )";
 
-/// Before another image may get the number of one that is gone.
-constexpr auto forgetNamesWithoutImage
-    = "DELETE FROM previews WHERE bytes = 0 AND image NOT IN (SELECT id FROM images)";
-
 constexpr auto namePrefix = "previews-", nameEnding = ".sqlite";
 constexpr std::int64_t secondsBetweenUses = 600; // uses within it count as one, and cost no write
 constexpr std::size_t usesInOneWrite = 256;
@@ -70,19 +66,6 @@ bool isDamage(int code)
     }
 }
 
-/// Parts that follow each other give another key than the same text cut elsewhere.
-PreviewKey digestOf(std::initializer_list<std::string> parts)
-{
-    Sha256 digest;
-    for (const auto& part : parts)
-        digest.add(Bytes(part.c_str(), part.size() + 1)); // with the NUL, which no path has inside
-    const auto text = digest.finish();
-    PreviewKey key{};
-    for (std::size_t i = 0; i < key.size(); ++i)
-        std::from_chars(&text[2 * i], &text[2 * i] + 2, key[i], 16);
-    return key;
-}
-
 std::int64_t secondsOf(const Clock& clock)
 {
     return static_cast<std::int64_t>(clock.now());
@@ -95,15 +78,17 @@ std::optional<PreviewKey> previewKey(const PreviewSubject& subject)
     struct stat status { };
     if (stat(subject.file.c_str(), &status) != 0)
         return std::nullopt;
-    return digestOf(
+    Sha256 digest;
+    for (const auto& part :
         {subject.file.native(), std::to_string(status.st_size), std::to_string(status.st_mtim.tv_sec),
             std::to_string(status.st_mtim.tv_nsec), std::to_string(subject.size),
-            std::to_string(subject.variant), textOf(subject.edits), std::string(renderer)});
-}
-
-PreviewKey lastPreviewKey(const fs::path& file, const PhotoEdits& edits)
-{
-    return digestOf({file.native(), "last", textOf(edits)});
+            std::to_string(subject.variant), textOf(subject.edits), std::string(renderer)})
+        digest.add(Bytes(part.c_str(), part.size() + 1)); // with the NUL, which no path has inside
+    const auto text = digest.finish();
+    PreviewKey key{};
+    for (std::size_t i = 0; i < key.size(); ++i)
+        std::from_chars(&text[2 * i], &text[2 * i] + 2, key[i], 16);
+    return key;
 }
 
 std::int64_t PreviewCache::usualBound(const fs::path& folder)
@@ -213,8 +198,7 @@ std::optional<std::vector<std::uint8_t>> PreviewCache::find(const PreviewKey& ke
     return image;
 }
 
-void PreviewCache::store(
-    const PreviewKey& key, std::span<const std::uint8_t> image, const std::optional<PreviewKey>& last)
+void PreviewCache::store(const PreviewKey& key, std::span<const std::uint8_t> image)
 {
     use([&](Database& database) {
         Transaction transaction(database);
@@ -224,10 +208,6 @@ void PreviewCache::store(
             const auto id = database.insert("INSERT INTO images (data) VALUES (?)", image);
             database.run("INSERT INTO previews VALUES (?, ?, ?, ?)", std::span<const std::uint8_t>(key), id,
                 bytes, secondsOf(clock_));
-            // A further name for the same image, which takes no room of its own.
-            if (last)
-                database.run("INSERT OR REPLACE INTO previews VALUES (?, ?, 0, ?)",
-                    std::span<const std::uint8_t>(*last), id, secondsOf(clock_));
             database.run("UPDATE total SET bytes = bytes + ?", bytes);
             if (database.scalar("SELECT bytes FROM total") > mostBytes_) {
                 flushUses(database);
@@ -247,7 +227,6 @@ void PreviewCache::remove(const PreviewKey& key)
             "UPDATE total SET bytes = bytes - IFNULL((SELECT bytes FROM previews WHERE key = ?), 0)", bytes);
         database.run("DELETE FROM images WHERE id = (SELECT image FROM previews WHERE key = ?)", bytes);
         database.run("DELETE FROM previews WHERE key = ?", bytes);
-        database.run(forgetNamesWithoutImage);
         transaction.commit();
     });
 }
@@ -270,7 +249,7 @@ void PreviewCache::makeRoom(Database& database) const
     const auto wanted = static_cast<std::int64_t>(static_cast<double>(mostBytes_) * keptOfBound);
     auto excess = database.scalar("SELECT bytes FROM total") - wanted;
     std::vector<std::pair<std::vector<std::uint8_t>, std::int64_t>> oldest;
-    auto statement = database.kept("SELECT key, image, bytes FROM previews WHERE bytes > 0 ORDER BY used");
+    auto statement = database.kept("SELECT key, image, bytes FROM previews ORDER BY used");
     std::int64_t freed = 0;
     while (freed < excess && statement.step()) {
         const auto key = statement.text(0);
@@ -281,7 +260,6 @@ void PreviewCache::makeRoom(Database& database) const
         database.run("DELETE FROM images WHERE id = ?", image);
         database.run("DELETE FROM previews WHERE key = ?", std::span<const std::uint8_t>(key));
     }
-    database.run(forgetNamesWithoutImage);
     database.run("UPDATE total SET bytes = bytes - ?", freed);
 }
 

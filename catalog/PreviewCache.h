@@ -10,7 +10,6 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace korvo {
@@ -29,10 +28,6 @@ struct PreviewSubject {
 /// Nothing for a file that is not there.
 std::optional<PreviewKey> previewKey(const PreviewSubject& subject);
 
-/// The key under which the newest preview of a file with an edit is found, whatever the file's state and the
-/// preview's size: for files that are not there any more.
-PreviewKey lastPreviewKey(const std::filesystem::path& file, const PhotoEdits& edits);
-
 /// Encoded previews in the library's folder for them, all in one SQLite file, so that a million of them are
 /// no million files. Several processes and threads may use it at once. It is only a cache: nothing that is
 /// wrong with it is an error. A damaged file is thrown away for a new one, and where none can be made, or the
@@ -49,9 +44,7 @@ public:
     PreviewCache& operator=(const PreviewCache&) = delete;
 
     std::optional<std::vector<std::uint8_t>> find(const PreviewKey& key);
-    /// Also found under `last` from then on, in place of what that named.
-    void store(const PreviewKey& key, std::span<const std::uint8_t> image,
-        const std::optional<PreviewKey>& last = std::nullopt);
+    void store(const PreviewKey& key, std::span<const std::uint8_t> image);
     /// For an image that proved to be damaged.
     void remove(const PreviewKey& key);
 

@@ -114,22 +114,6 @@ TEST_F(PreviewsTest, forgetsWhatWasNotUsedForTheLongestTime)
     EXPECT_LT(fs::file_size(cacheFile()), 200'000);
 }
 
-TEST_F(PreviewsTest, theNewestPreviewOfAFileThatIsGoneIsKept)
-{
-    PreviewCache cache(folder / "Previews", 6000, clock);
-    Previews previews(reader, cache);
-    const PhotoEdits edits{.exposure = 1};
-    previews.preview({photo, {}, 16}, {});
-    previews.preview({photo, {}, 32}, {});
-    EXPECT_FALSE(previews.lastSeen({photo, edits, 16}));
-    fs::remove(photo);
-    EXPECT_EQ(previews.lastSeen({photo, {}, 512})->width, 32);
-    clock.time += 1000;
-    for (int size = 1; size <= 10; ++size) // makes room, and gives the image's number to another one
-        cache.store(previewKey({folder / "Previews", {}, size}).value(), std::vector<std::uint8_t>(1000));
-    EXPECT_FALSE(previews.lastSeen({photo, {}, 512}));
-}
-
 TEST_F(PreviewsTest, aDamagedCacheIsThrownAwayAndRebuilt)
 {
     const RenderJob job{photo, {}, 16};
