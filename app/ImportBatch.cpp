@@ -15,11 +15,6 @@ namespace {
 constexpr std::size_t mostShots = 32;
 constexpr std::uint64_t mostBytes = 256 << 20;
 
-std::string keyOf(const SourceFile& file)
-{
-    return duplicateKey(file.path.filename().native(), file.size);
-}
-
 /// The keywords of the file and those of the plan, none twice.
 std::string mergedKeywords(std::string_view own, std::string_view added)
 {
@@ -114,14 +109,14 @@ void ImportBatch::name(ImportedShot& shot)
             continue;
         if (facts.title.empty())
             facts.title = file.contents.metadata.title.string();
-        unnamed.push_back({file.file->suffix, keyOf(file.file->file), file.file->file.path, file.copy->size,
-            file.copy->digest, !file.file->isSidecar});
+        unnamed.push_back({file.file->suffix, duplicateKey(file.file->file), file.file->file.path,
+            file.copy->size, file.copy->digest, !file.file->isSidecar});
         files.push_back(&file);
     }
     if (files.empty())
         return;
     try {
-        const auto names = names_.claim(facts, shot.index, unnamed);
+        const auto names = names_.claim(facts, *shot.shot, unnamed);
         for (std::size_t i = 0; i < files.size(); ++i) {
             files[i]->path = names[i].path;
             if (names[i].isThere)
@@ -141,7 +136,7 @@ void ImportBatch::announce()
     for (const ImportedShot& shot : shots_)
         for (const ImportedFile& file : shot.files)
             if (!file.path.empty())
-                catalog_.announceImport(keyOf(file.file->file), file.path.native());
+                catalog_.announceImport(duplicateKey(file.file->file), file.path.native());
     transaction.commit();
 }
 
@@ -201,6 +196,7 @@ void ImportBatch::storePhoto(ImportedFile& file)
     const auto [id, isNew] = catalog_.addPhotos(std::span(&photo, 1)).front();
     if (!isNew && folder_)
         return fail(file, file.path.string() + " has become another photo's meanwhile; import it again");
+    catalog_.forgetLeft(file.file->key);
     if (!isNew) {
         ++result_.known;
         return;
@@ -211,7 +207,7 @@ void ImportBatch::storePhoto(ImportedFile& file)
     catalog_.changeMetadata(ids, plannedChange(plan_, photo.metadata), WriteBack::pending);
     if (const auto into = project(file, photo.fileDate.value()))
         catalog_.assignToProject(ids, into);
-    catalog_.rememberImport(keyOf(file.file->file), id);
+    catalog_.rememberImport(duplicateKey(file.file->file), id);
 }
 
 std::optional<std::int64_t> ImportBatch::project(const ImportedFile& file, UnixTime fileDate)

@@ -25,7 +25,6 @@ struct ImportedFile {
 /// The files of one shot.
 struct ImportedShot {
     const Shot* shot = nullptr;
-    std::size_t index = 0; // from 1
     std::vector<ImportedFile> files;
 };
 

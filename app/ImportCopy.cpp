@@ -24,13 +24,15 @@ PartFile beginIn(const fs::path& folder)
 std::optional<FileCopy> copyInto(
     const fs::path& folder, FileSource& source, const SourceFile& file, const std::stop_token& stop)
 {
-    FileCopy copy{.part = beginIn(folder)};
+    auto part = beginIn(folder);
+    FileStream stream(part.file(), part.path());
+    FileCopy copy{std::move(part), std::move(stream), 0, {}};
     Sha256 digest;
     source.read(
         file,
         [&](Bytes bytes) {
+            copy.stream.write(bytes);
             digest.add(bytes);
-            copy.part.write(bytes);
             copy.size += bytes.size();
         },
         stop);
@@ -39,12 +41,16 @@ std::optional<FileCopy> copyInto(
     if (copy.size != file.size)
         throw SourceError("is not as long as it was when it was listed");
     copy.digest = digest.finish();
-    if (file.modified) {
-        std::error_code refused;
-        fs::last_write_time(copy.part.path(), *file.modified, refused);
-        copy.hasTime = !refused;
-    }
     return copy;
+}
+
+bool finish(FileCopy& copy, const std::optional<fs::file_time_type>& modified)
+{
+    copy.stream.finish();
+    std::error_code refused;
+    if (modified)
+        fs::last_write_time(copy.part.path(), *modified, refused);
+    return !refused;
 }
 
 bool verify(const FileCopy& copy, const std::stop_token& stop)

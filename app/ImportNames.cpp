@@ -10,16 +10,42 @@ namespace korvo {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// What stands before the suffix in the name of a path; nothing for a path of another folder or suffix.
+std::optional<std::string> baseIn(const fs::path& folder, const fs::path& path, std::string_view suffix)
+{
+    const auto name = path.filename().string();
+    return path.parent_path() == folder && name.ends_with(suffix)
+        ? std::optional(name.substr(0, name.size() - suffix.size()))
+        : std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::string> knownBase(
+    Catalog& catalog, const fs::path& folder, const std::vector<Shot::File>& known)
+{
+    for (const auto& file : known)
+        if (const auto path = catalog.importedPath(duplicateKey(file.file)))
+            if (auto base = baseIn(folder, *path, file.suffix))
+                return base;
+    return std::nullopt;
+}
+
 std::vector<NamedFile> ImportNames::claim(
-    const NamingFacts& facts, std::size_t index, std::span<const UnnamedFile> files)
+    const NamingFacts& facts, const Shot& shot, std::span<const UnnamedFile> files)
 {
     auto names = announced(files);
+    if (!names)
+        names = besideKnown(shot, files);
     std::size_t longestSuffix = 0;
     for (const auto& file : files)
         longestSuffix = std::max(longestSuffix, file.suffix.size());
     const auto base = [&](const std::string& end) {
         const auto taken = longestSuffix + end.size();
-        return baseName(facts, pattern_, {index, total_}, longestFileName - std::min(longestFileName, taken))
+        return baseName(
+                   facts, pattern_, {shot.number, total_}, longestFileName - std::min(longestFileName, taken))
             + end;
     };
     for (auto& number = numbers_.try_emplace(base(""), 1).first->second; !names; ++number)
@@ -33,12 +59,18 @@ ImportNames::Names ImportNames::announced(std::span<const UnnamedFile> files)
 {
     for (const auto& file : files)
         for (const fs::path path : catalog_.announcedPaths(file.key)) {
-            const auto name = path.filename().string();
-            if (path.parent_path() == folder_ && name.ends_with(file.suffix) && holdsSame(path, file))
-                if (auto names = tryBase(name.substr(0, name.size() - file.suffix.size()), files))
+            const auto base = baseIn(folder_, path, file.suffix);
+            if (base && holdsSame(path, file))
+                if (auto names = tryBase(*base, files))
                     return names;
         }
     return std::nullopt;
+}
+
+ImportNames::Names ImportNames::besideKnown(const Shot& shot, std::span<const UnnamedFile> files)
+{
+    const auto base = knownBase(catalog_, folder_, shot.known);
+    return base ? tryBase(*base, files) : std::nullopt;
 }
 
 ImportNames::Names ImportNames::tryBase(const std::string& base, std::span<const UnnamedFile> files)

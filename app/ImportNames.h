@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalog/Catalog.h"
+#include "metadata/ImportPlan.h"
 #include "metadata/Naming.h"
 
 #include <cstdint>
@@ -30,6 +31,10 @@ struct NamedFile {
     bool isThere = false; // with the same contents, of no photo of the library
 };
 
+/// The base name, in a folder, of a photo that was imported of the same shot; nothing when there is none.
+std::optional<std::string> knownBase(
+    Catalog& catalog, const std::filesystem::path& folder, const std::vector<Shot::File>& known);
+
 /// Gives the files of one import their names in the destination. A name is never given twice, and never one
 /// that is taken by other contents: "-2", "-3" and so on are tried. What an earlier import put there before
 /// it was killed is found again.
@@ -40,15 +45,17 @@ public:
         : catalog_(catalog), folder_(std::move(folder)), pattern_(std::move(pattern)), total_(total)
     { }
 
-    /// The names of the files of one shot, which have the base name in common. Throws DatabaseError, and
-    /// std::system_error when the destination cannot be looked into.
+    /// The names of the files of one shot, which have the base name in common, also with those of its photos
+    /// that were imported before. Throws DatabaseError, and std::system_error when the destination cannot be
+    /// looked into.
     std::vector<NamedFile> claim(
-        const NamingFacts& facts, std::size_t index, std::span<const UnnamedFile> files);
+        const NamingFacts& facts, const Shot& shot, std::span<const UnnamedFile> files);
 
 private:
     using Names = std::optional<std::vector<NamedFile>>;
 
     Names announced(std::span<const UnnamedFile> files);
+    Names besideKnown(const Shot& shot, std::span<const UnnamedFile> files);
     Names tryBase(const std::string& base, std::span<const UnnamedFile> files);
     std::optional<NamedFile> tryName(const std::string& name, const UnnamedFile& file);
     bool holdsSame(const std::filesystem::path& path, const UnnamedFile& file);

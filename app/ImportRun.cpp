@@ -1,6 +1,7 @@
 #include "app/ImportRun.h"
 
 #include "app/ImportBatch.h"
+#include "app/ImportShots.h"
 #include "metadata/MetadataError.h"
 #include "metadata/VolumeWatcher.h"
 
@@ -21,13 +22,16 @@ namespace {
 constexpr int shotsAtATime = 4;
 
 /// The steps of one run. Copying and keeping each go through the shots one after the other, in their order;
-/// flushing, reading again and comparing happen to several at once.
+/// ending the writing, flushing, reading again and comparing happen to several at once.
 class ImportRun {
 public:
     ImportRun(Catalog& catalog, FileSource& source, const ImportPlan& plan, const Clock& clock,
         const std::stop_token& stop, const ImportProgress& progress)
-        : source_(source), shots_(shots(plan)), folder_(destination(plan)), stop_(stop), progress_(progress),
-          batch_(catalog, plan, folder_, shots_.size(), clock, result_)
+        : source_(source), folder_(destination(plan)), stop_(stop), progress_(progress),
+          shots_(shotsToImport(catalog, plan, folder_.path())),
+          batch_(catalog, plan, folder_,
+              numberShots(catalog, shots_, folder_.path().native() + "\n" + plan.namingPattern), clock,
+              result_)
     { }
 
     ImportResult run()
@@ -91,7 +95,6 @@ private:
         if (stop_.stop_requested())
             return false;
         shot.shot = &shots_[next_++];
-        shot.index = next_;
         for (const Shot::File& file : shot.shot->files) {
             if (!file.isSidecar)
                 progress_(++begun_);
@@ -139,10 +142,10 @@ private:
         if (!imported.failure.empty())
             return true;
         try {
+            if (imported.copy && !finish(*imported.copy, imported.file->file.modified))
+                imported.failure = "the copy could not be given the file's time";
             if (imported.copy && !verify(*imported.copy, stop_))
                 return false;
-            if (imported.copy && !imported.copy->hasTime)
-                imported.failure = "the copy could not be given the file's time";
             if (!imported.file->isSidecar)
                 imported.contents = readContents(imported.copy ? imported.copy->part.path() : imported.path);
         } catch (const MetadataError&) { // it is imported all the same
@@ -163,10 +166,10 @@ private:
     }
 
     FileSource& source_;
-    std::vector<Shot> shots_;
     ImportFolder folder_;
     const std::stop_token& stop_;
     const ImportProgress& progress_;
+    std::vector<Shot> shots_;
     ImportResult result_;
     ImportBatch batch_;
     std::size_t next_ = 0;
@@ -182,7 +185,7 @@ ImportResult runImport(Catalog& catalog, FileSource& source, const ImportPlan& p
 {
     if (plan.project)
         catalog.requireSource({LibrarySource::Kind::project, *plan.project});
-    if (plan.files.empty())
+    if (plan.files.empty() && (plan.known.empty() || plan.sidecars.empty()))
         return {};
     return ImportRun(catalog, source, plan, clock, stop, progress).run();
 }

@@ -10,6 +10,7 @@
 #include "catalog/SmartAlbumMatcher.h"
 #include "catalog/Stack.h"
 #include "catalog/Tree.h"
+#include "catalog/UnfinishedImport.h"
 
 #include <filesystem>
 #include <functional>
@@ -176,6 +177,14 @@ public:
     std::vector<std::string> announcedPaths(std::string_view key);
     /// Takes back what was announced: the file has been stored, or does not stand there.
     void forgetAnnounced(std::string_view path);
+    /// The path of the photo that was imported from such a file.
+    std::optional<std::string> importedPath(std::string_view key);
+    /// Notes what an import is about to do, in place of what an earlier one left.
+    void beginImport(const UnfinishedImport& import);
+    /// What is left of the import that was noted last; nothing when all of it is stored.
+    UnfinishedImport unfinishedImport();
+    /// A file that was left is stored now.
+    void forgetLeft(std::string_view key);
     /// The project of that name that has no parent, made when there is none.
     std::int64_t projectAtRoot(std::string_view name);
 

@@ -1,13 +1,18 @@
 #include "catalog/Catalog.h"
 #include "catalog/Meta.h"
 
+#include <charconv>
+
 namespace korvo {
 
 namespace {
 
 /// What the library remembers of imported files stands in its key/value store: "import|" and the file's key
 /// lead to the photo's id, and, while the file is on its way, "importing|" and the path that it is about to
-/// have to its key.
+/// have to its key. "importleft|" and the key of a file that is not stored yet lead to the number of its
+/// shot, and this to how many there are and where they go:
+constexpr auto begunKey = "importbegun";
+
 std::string metaKey(std::string_view key)
 {
     return "import|" + std::string(key);
@@ -16,6 +21,11 @@ std::string metaKey(std::string_view key)
 std::string announcedKey(std::string_view path)
 {
     return "importing|" + std::string(path);
+}
+
+std::string leftKey(std::string_view key)
+{
+    return "importleft|" + std::string(key);
 }
 
 } // namespace
@@ -56,6 +66,46 @@ std::vector<std::string> Catalog::announcedPaths(std::string_view key)
 void Catalog::forgetAnnounced(std::string_view path)
 {
     database_.run("DELETE FROM meta WHERE key = ?", announcedKey(path));
+}
+
+std::optional<std::string> Catalog::importedPath(std::string_view key)
+{
+    auto statement = database_.kept(
+        "SELECT path FROM photos WHERE id = (SELECT CAST(value AS INTEGER) FROM meta WHERE key = ?)");
+    const auto remembered = metaKey(key);
+    statement.bind(remembered);
+    return statement.step() ? std::optional<std::string>(statement.text(0)) : std::nullopt;
+}
+
+void Catalog::beginImport(const UnfinishedImport& import)
+{
+    Transaction transaction(database_);
+    database_.run("DELETE FROM meta WHERE key > 'importleft|' AND key < 'importleft}'");
+    writeMeta(database_, begunKey, std::to_string(import.shots) + "|" + import.target);
+    for (const auto& [key, number] : import.left)
+        writeMeta(database_, leftKey(key), std::to_string(number));
+    transaction.commit();
+}
+
+UnfinishedImport Catalog::unfinishedImport()
+{
+    UnfinishedImport import;
+    const auto begun = readMeta(database_, begunKey).value_or("");
+    const auto end = begun.find('|');
+    if (end == begun.npos)
+        return import;
+    std::from_chars(begun.data(), begun.data() + end, import.shots);
+    import.target = begun.substr(end + 1);
+    auto statement = database_.kept("SELECT substr(key, 12), CAST(value AS INTEGER) FROM meta "
+                                    "WHERE key > 'importleft|' AND key < 'importleft}'");
+    while (statement.step())
+        import.left.emplace(statement.text(0), static_cast<std::size_t>(statement.integer(1)));
+    return import;
+}
+
+void Catalog::forgetLeft(std::string_view key)
+{
+    database_.run("DELETE FROM meta WHERE key = ?", leftKey(key));
 }
 
 std::int64_t Catalog::projectAtRoot(std::string_view name)

@@ -18,6 +18,7 @@ struct Candidate {
     SourceFile file;
     bool isDuplicate = false; // the library holds a file of this name and size, or has imported one
     bool picked = true;
+    std::size_t twins = 0; // files before it in the listing that have its name and size
 };
 
 /// What a source holds.
@@ -28,7 +29,8 @@ struct ImportListing {
     bool isWhole = true; // not cut short by a stop
 };
 
-/// Lists a source and marks what the library has already. Throws SourceError and DatabaseError.
+/// Lists a source and marks what the library has already. Of several files of one name and size those that
+/// the last import left are no duplicates. Throws SourceError and DatabaseError.
 ImportListing listImportable(FileSource& source, Catalog& catalog, const std::stop_token& stop);
 
 enum class Duplicates { leaveOut, take };
@@ -38,10 +40,12 @@ void pick(std::vector<Candidate>& candidates, Duplicates duplicates);
 
 /// By what files are told from each other: the name in lower case, "|", and the size in bytes.
 std::string duplicateKey(std::string_view filename, std::uint64_t size);
+std::string duplicateKey(const SourceFile& file);
 
 /// What an import does, fixed when it starts.
 struct ImportPlan {
-    std::vector<SourceFile> files; // the picked candidates
+    std::vector<Candidate> files; // the picked candidates
+    std::vector<SourceFile> known; // duplicates that are left out
     std::vector<SourceFile> sidecars; // of the source; those of the files go with them
     std::optional<std::filesystem::path> copyTo; // none: the files stay and are referenced
     std::optional<std::filesystem::path> card; // that the files come from; copies must not go onto it
@@ -63,13 +67,16 @@ struct Shot {
         SourceFile file;
         std::string suffix; // what follows the base name: ".CR3", ".xmp", ".CR3.xmp"
         bool isSidecar = false;
+        std::string key; // of photos: tells them from all others of the import
     };
 
     std::string name; // the base name
-    std::vector<File> files; // photos first
+    std::vector<File> files; // photos first; sidecars alone when the library has the photos already
+    std::vector<File> known; // photos that the library has already
+    std::size_t number = 0; // in the import, from 1
 };
 
-/// The shots of a plan in the order of its files.
+/// The shots of a plan in the order of its files, and behind them those of which sidecars alone are left.
 std::vector<Shot> shots(const ImportPlan& plan);
 
 } // namespace korvo

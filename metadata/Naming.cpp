@@ -43,10 +43,16 @@ void cut(std::string& text, std::size_t excess)
     text.resize(end);
 }
 
-std::string trimmedBlanks(const std::string& text)
+constexpr std::string_view blanks = " \t";
+
+void trimStart(std::string& text)
 {
-    const auto first = text.find_first_not_of(" \t");
-    return first == text.npos ? std::string() : text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    text.erase(0, text.find_first_not_of(blanks));
+}
+
+void trimEnd(std::string& text)
+{
+    text.erase(text.find_last_not_of(blanks) + 1);
 }
 
 /// An expanded pattern, parted behind its first sequence number, so that cutting can spare the number.
@@ -56,6 +62,12 @@ struct Expansion {
     std::string tail;
 
     std::size_t size() const { return head.size() + number.size() + tail.size(); }
+
+    void trim()
+    {
+        trimStart(head);
+        trimEnd(number.empty() ? head : tail);
+    }
 
     void fit(std::size_t room)
     {
@@ -97,8 +109,10 @@ UnixTime fileDateOrToday(const std::filesystem::path& file)
 std::string baseName(const NamingFacts& facts, std::string_view pattern, NamingPlace place, std::size_t room)
 {
     auto expansion = expand(facts, pattern, place);
+    expansion.trim();
     expansion.fit(room);
-    auto text = trimmedBlanks(expansion.head + expansion.number + expansion.tail);
+    expansion.trim(); // cutting may have left blanks at the end
+    auto text = expansion.head + expansion.number + expansion.tail;
     if (text.empty()) {
         text = facts.name;
         cut(text, text.size() - std::min(text.size(), room));

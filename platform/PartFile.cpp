@@ -1,5 +1,6 @@
 #include "platform/PartFile.h"
 
+#include "platform/DirectFile.h"
 #include "platform/FileSync.h"
 #include "platform/Sha256.h"
 
@@ -120,7 +121,8 @@ std::optional<std::string> sha256OnDisk(const fs::path& path, const std::stop_to
     if (!file || fsync(file.descriptor()) != 0)
         throwFileError("read", path);
     posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_DONTNEED); // a file system in memory has nothing else
-    return sha256OfFile(path, stop);
+    goDirect(file.descriptor());
+    return sha256OfFile(file, path, stop);
 }
 
 } // namespace korvo

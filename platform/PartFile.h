@@ -27,6 +27,7 @@ public:
     ~PartFile();
 
     const std::filesystem::path& path() const { return path_; }
+    const PosixFile& file() const { return file_; }
 
     /// Adds to the end. Throws std::system_error.
     void write(Bytes bytes) const;

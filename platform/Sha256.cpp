@@ -1,6 +1,6 @@
 #include "platform/Sha256.h"
 
-#include "platform/PosixFile.h"
+#include "platform/DirectFile.h"
 
 #include <array>
 #include <cerrno>
@@ -9,7 +9,6 @@
 #include <openssl/evp.h>
 #include <stdexcept>
 #include <unistd.h>
-#include <vector>
 
 namespace korvo {
 
@@ -29,13 +28,13 @@ void check(int result)
 }
 
 /// What the next read brings, empty at the end of the file.
-Bytes readChunk(const PosixFile& file, const std::filesystem::path& path, std::vector<std::uint8_t>& room)
+Bytes readChunk(const PosixFile& file, const std::filesystem::path& path, const DirectBlock& room)
 {
     for (;;) {
-        const auto count = read(file.descriptor(), room.data(), room.size());
+        const auto count = read(file.descriptor(), room.get(), chunkSize);
         if (count >= 0)
-            return {room.data(), static_cast<std::size_t>(count)};
-        if (errno != EINTR)
+            return {room.get(), static_cast<std::size_t>(count)};
+        if (errno != EINTR && !(errno == EINVAL && leaveDirect(file.descriptor())))
             throwFileError("read", path);
     }
 }
@@ -75,8 +74,14 @@ std::optional<std::string> sha256OfFile(const std::filesystem::path& path, const
     const auto file = openFile(path, O_RDONLY);
     if (!file)
         throwFileError("read", path);
+    return sha256OfFile(file, path, stop);
+}
+
+std::optional<std::string> sha256OfFile(
+    const PosixFile& file, const std::filesystem::path& path, const std::stop_token& stop)
+{
     Sha256 digest;
-    std::vector<std::uint8_t> room(chunkSize);
+    const auto room = makeDirectBlock(chunkSize);
     for (auto chunk = readChunk(file, path, room); !chunk.empty(); chunk = readChunk(file, path, room)) {
         if (stop.stop_requested())
             return std::nullopt;

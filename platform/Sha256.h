@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Bytes.h"
+#include "platform/PosixFile.h"
 
 #include <filesystem>
 #include <memory>
@@ -30,5 +31,9 @@ private:
 /// The SHA-256 of a file, read 4 MiB at a time; nothing when `stop` was asked for before the end. Throws
 /// std::system_error when the file cannot be read.
 std::optional<std::string> sha256OfFile(const std::filesystem::path& file, const std::stop_token& stop);
+
+/// The same of a file that is open at its start; `path` is for the text of the error.
+std::optional<std::string> sha256OfFile(
+    const PosixFile& file, const std::filesystem::path& path, const std::stop_token& stop);
 
 } // namespace korvo

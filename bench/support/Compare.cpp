@@ -16,6 +16,19 @@ namespace korvo::bench {
 
 namespace {
 
+/// The processors' time that this process and those it has waited for took so far, in seconds.
+double processorSeconds()
+{
+    double seconds = 0;
+    for (const auto whose : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+        rusage usage{};
+        getrusage(whose, &usage);
+        for (const timeval& time : {usage.ru_utime, usage.ru_stime})
+            seconds += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    }
+    return seconds;
+}
+
 double median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
@@ -43,18 +56,21 @@ double secondsOf(const std::function<void()>& work)
 std::vector<double> compare(const std::string& title, const std::vector<Contender>& contenders, int rounds)
 {
     std::vector<std::vector<double>> seconds(contenders.size());
+    std::vector<std::vector<double>> processors(contenders.size());
     for (int round = 0; round < rounds; ++round)
         for (std::size_t i = 0; i < contenders.size(); ++i) {
             contenders[i].prepare();
+            const double before = processorSeconds();
             seconds[i].push_back(secondsOf(contenders[i].run));
+            processors[i].push_back(processorSeconds() - before);
         }
     std::vector<double> medians;
     for (const auto& runs : seconds)
         medians.push_back(median(runs));
     fmt::print("{}\n", title);
     for (std::size_t i = 0; i < contenders.size(); ++i)
-        fmt::print(
-            "  {:<44}{:>9.4f} s  x {:.2f}\n", contenders[i].name, medians[i], medians[i] / medians.back());
+        fmt::print("  {:<44}{:>9.4f} s  x {:.2f}  processors {:.4f} s\n", contenders[i].name, medians[i],
+            medians[i] / medians.back(), median(processors[i]));
     std::fflush(stdout);
     return medians;
 }

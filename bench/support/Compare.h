@@ -14,8 +14,8 @@ struct Contender {
 };
 
 /// Runs the contenders in turn, `rounds` times each, so that whatever else the machine does meets all of
-/// them, and prints the median seconds of each and its ratio to the last one, the yardstick. Returns the
-/// medians.
+/// them, and prints the median seconds of each, its ratio to the last one, the yardstick, and the seconds of
+/// processors, which others disturb less. Returns the medians.
 std::vector<double> compare(
     const std::string& title, const std::vector<Contender>& contenders, int rounds = 5);
 

@@ -144,14 +144,14 @@ TEST(ImportFaults, aCopyThatTheDiskChangesIsFoundOutAndGoes)
 {
     TestLibrary library;
     const TemporaryFolder card;
-    card.write("IMG_1.CR3", "the raw file");
+    card.write("IMG_1.CR3", std::string(5 << 20, 'r')); // large enough to be written while it is read
     card.write("IMG_1.JPG", "its picture");
     const auto destination = library.folder / "Imports";
     EventfulFiles files({card.path()});
     files.at = 2; // both are one shot, which is read again when both are copied
     files.event = [&] {
         for (const auto& entry : fs::directory_iterator(destination))
-            if (entry.file_size() > 0)
+            if (entry.file_size() > 0) // the raw file's
                 std::fstream(entry.path(), std::ios::in | std::ios::out) << 'T';
     };
     const auto result = run(library, files, destination);

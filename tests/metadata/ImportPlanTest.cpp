@@ -47,12 +47,17 @@ TEST(ImportPlan, duplicatesAreKnownByNameAndSizeOfMastersAndOfEarlierImports)
     card.write("version.jpg", "1234567");
     card.write("Strasse.jpg", "1234");
     card.write("gone.jpg", "123456789");
+    for (const char* name : {"1/twin.jpg", "2/twin.jpg", "3/left.jpg"})
+        card.write(name, "12");
     addMaster(library, "/p/img_0001.jpg", 2000);
     addMaster(library, "/p/img_0002.jpg", 7);
     addMaster(library, "/p/Straße.jpg", 4); // folds to the same, but is another name
     const auto umlaut = addMaster(library, "/p/äb.JPG", 3);
     library.catalog->rememberImport(duplicateKey("Renamed.JPG", 5), umlaut);
     library.catalog->rememberImport(duplicateKey("gone.jpg", 9), 999);
+    for (const char* name : {"twin.jpg", "left.jpg"})
+        library.catalog->rememberImport(duplicateKey(name, 2), umlaut);
+    library.catalog->beginImport({"", 3, {{"twin.jpg|2|1", 2}, {"left.jpg|2", 3}}});
     library.catalog->announceImport(duplicateKey("IMG_0002.JPG", 10), "/p/on-its-way.jpg");
     library.catalog->database().exec("INSERT INTO photos (path, filename, added_at, file_size, version_of) "
                                      "VALUES ('/p/version.jpg', 'version.jpg', 1, 7, 1)");
@@ -64,10 +69,11 @@ TEST(ImportPlan, duplicatesAreKnownByNameAndSizeOfMastersAndOfEarlierImports)
         if (candidate.isDuplicate)
             duplicates += candidate.file.path.filename().string() + " ";
     }
-    EXPECT_EQ(duplicates, "IMG_0001.JPG renamed.jpg ÄB.jpg ");
-    EXPECT_EQ(planFor(listing).files.size(), 4U);
+    EXPECT_EQ(duplicates, "twin.jpg left.jpg IMG_0001.JPG renamed.jpg ÄB.jpg ")
+        << "not the twin that an import has left";
+    EXPECT_EQ(planFor(listing).files.size(), 5U);
     pick(listing.candidates, Duplicates::take);
-    EXPECT_EQ(planFor(listing).files.size(), 7U);
+    EXPECT_EQ(planFor(listing).files.size(), 10U);
     FolderFiles files({card.path()});
     std::stop_source stop;
     stop.request_stop();

@@ -72,6 +72,7 @@ TEST(Naming, cutsLongNamesBetweenCharactersAndSparesTheNumber)
              {"{title} {seq}", times(126, "ü") + "001"},
              {"{title} {seq} {name}", times(25, "ü") + "001 " + times(200, "n")},
              {times(255, " ") + "{name}", facts.name},
+             {times(100, " ") + "{name}" + times(100, " "), facts.name},
              {times(300, "x"), times(255, "x")},
          }) {
         SCOPED_TRACE(pattern);
