@@ -1,7 +1,8 @@
 // Importing a card beside copying it with cp and reading both sides once, as a careful person would: with
-// checksums, or just to see that they can be read. cp leaves much of the copy in memory, from where it is read
-// again; the import waits for the disk, reads from it, reads what the photos say, and keeps the catalog. KORVO_BENCH_FILES files (200) of
-// KORVO_BENCH_MB (6) are made in $TMPDIR, where there must be room for two copies of them.
+// checksums, or just to see that they can be read. cp leaves much of the copy in memory, from where it is
+// read again; the import waits for the disk, reads from it, reads what the photos say, and keeps the catalog.
+// KORVO_BENCH_FILES files (200) of KORVO_BENCH_MB (6) are made in $TMPDIR, where there must be room for two
+// copies of them.
 #include "app/ImportRun.h"
 #include "bench/support/Compare.h"
 #include "metadata/FolderFiles.h"
