@@ -18,12 +18,12 @@ bool isSidecarsAlone(const Shot& shot)
 void leaveOutSidecarsThatAreThere(Catalog& catalog, Shot& shot, const fs::path& destination)
 {
     const auto base = knownBase(catalog, destination, shot.known);
-    const bool belongsToKnown = base || isSidecarsAlone(shot);
-    const auto isThere = [&](const Shot::File& file) {
-        return !base || fs::exists(fs::symlink_status(destination / (*base + file.suffix)));
-    };
-    std::erase_if(shot.files,
-        [&](const Shot::File& file) { return file.isSidecar && belongsToKnown && isThere(file); });
+    if (!base && !isSidecarsAlone(shot))
+        return;
+    std::erase_if(shot.files, [&](const Shot::File& file) {
+        return file.isSidecar
+            && (!base || fs::exists(fs::symlink_status(destination / (*base + file.suffix))));
+    });
 }
 
 /// The number that an earlier import gave the shot; 0 when none did.

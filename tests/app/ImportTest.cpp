@@ -239,7 +239,7 @@ TEST_F(Import, aStopKeepsWhatIsDone)
 TEST_F(Import, aFullDiskFailsFileByFileAndGoesOnLater)
 {
     fs::create_directories(destination);
-    if (mount("tmpfs", destination.c_str(), "tmpfs", 0, "size=400k") != 0)
+    if (mount("tmpfs", destination.c_str(), "tmpfs", 0, "size=600k") != 0)
         GTEST_SKIP() << "mounting is not allowed here: " << std::strerror(errno);
     const auto full = run({.copyTo = destination});
     EXPECT_GT(full.photos.size(), 20U);
