@@ -6,6 +6,7 @@
 #include "platform/ThreadPriority.h"
 
 #include <functional>
+#include <utility>
 
 namespace korvo {
 
@@ -56,8 +57,10 @@ BackfillBatch readBatch(Catalog& catalog, Backfill kind, PhotoID after, const st
 void Backfills::start(Run& run, Backfill kind)
 {
     main_.assertCurrent();
-    if (run.running)
+    if (run.running) {
+        run.again = true; // it may be past the place of what is new
         return;
+    }
     run.running = true;
     run.task = runInBackground(
         main_, [this, &run, kind, &catalog = store_.catalog()](const Task::Context& context) {
@@ -75,7 +78,11 @@ void Backfills::start(Run& run, Backfill kind)
             } catch (const DatabaseError&) {
                 // What is not read stays marked so, and the next run tries again.
             }
-            context.deliver([&run] { run.running = false; });
+            context.deliver([this, &run, kind] {
+                run.running = false;
+                if (std::exchange(run.again, false))
+                    start(run, kind);
+            });
         });
 }
 

@@ -21,8 +21,8 @@ struct BackfillBatch {
 BackfillBatch readBatch(Catalog& catalog, Backfill kind, PhotoID after, const std::stop_token& stop);
 
 /// The two backfills of the open library, each one run at a time in the background, giving way to other work,
-/// published batch by batch. What one leaves unread when it goes is read the next time. Used on the main
-/// thread.
+/// published batch by batch. Started while it runs, one looks once more for unread files at its end. What one
+/// leaves unread when it goes is read the next time. Used on the main thread.
 class Backfills {
 public:
     /// Both must outlive this.
@@ -37,6 +37,7 @@ public:
 private:
     struct Run {
         bool running = false;
+        bool again = false;
         Task task;
     };
 

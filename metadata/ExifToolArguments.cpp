@@ -31,6 +31,16 @@ ExifToolArguments changeOf(const std::filesystem::path& file, std::initializer_l
     return arguments;
 }
 
+/// Of a file to copy from the tool takes "%f" and its kin for parts of the other file's name. A "%0f" gives
+/// none of it, and parts a "%" from what follows.
+std::string sourceArgument(const std::filesystem::path& file)
+{
+    std::string argument;
+    for (const char byte : fileArgument(file))
+        argument += byte == '%' ? std::string("%%0f") : std::string(1, byte);
+    return argument;
+}
+
 /// Whether a line of an argument file is taken as it stands: the tool drops blanks at its beginning and one
 /// behind the first "=".
 bool standsAsLine(const std::string& argument)
@@ -127,8 +137,8 @@ ExifToolArguments copyCameraExifArguments(
     const std::filesystem::path& source, const std::filesystem::path& destination, Position position)
 {
     if (position == Position::strip)
-        return changeOf(destination, {"-TagsFromFile", fileArgument(source), "-EXIF:all", "-GPS:all="});
-    return changeOf(destination, {"-TagsFromFile", fileArgument(source), "-EXIF:all"});
+        return changeOf(destination, {"-TagsFromFile", sourceArgument(source), "-EXIF:all", "-GPS:all="});
+    return changeOf(destination, {"-TagsFromFile", sourceArgument(source), "-EXIF:all"});
 }
 
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments)

@@ -94,6 +94,15 @@ bool clearUnfinished(const fs::path& unfinished, const std::stop_token& stop)
     return static_cast<bool>(gone);
 }
 
+/// The fields as they are read again once the tool has written them: it takes what stands between ", " for
+/// creators of their own, of which the first one counts.
+PhotoMetadata readBack(PhotoMetadata written)
+{
+    const auto creator = written.creator.string();
+    written.creator = SharedText(creator.substr(0, creator.find(", ")));
+    return written;
+}
+
 } // namespace
 
 std::vector<FieldsInFile> readFields(
@@ -147,14 +156,17 @@ std::optional<PhotoMetadata> mergedWith(
     const PhotoMetadata& inFile, const FileRecord& record, const FileState& state)
 {
     const bool isChanged = record.base && record.fileSize && !isAsKnown(record, state);
+    const auto base = record.base.value_or(PhotoMetadata()), baseRead = readBack(base);
     bool clash = false;
     auto merged = record.metadata;
     forEachField<PhotoMetadata>([&](const auto& field) {
         auto& ours = merged.*field.member;
-        const auto& theirs = inFile.*field.member;
-        if (record.base ? ours == (*record.base).*field.member : ours.empty())
+        const auto &theirs = inFile.*field.member, &before = base.*field.member;
+        if (theirs == before || theirs == baseRead.*field.member)
+            return;
+        if (ours == before)
             ours = theirs;
-        else if (isChanged && ours != theirs && theirs != (*record.base).*field.member)
+        else if (isChanged && ours != theirs)
             clash = true;
     });
     return clash ? std::nullopt : std::optional(std::move(merged));

@@ -32,9 +32,10 @@ using FileProgress = std::function<void(std::size_t number, std::size_t total)>;
 /// was found is kept before it is written for the first time; a file of which that cannot be read is not
 /// written. Of a file that is written for the first time or was changed elsewhere, the fields that the user
 /// has not touched are taken into the catalog first; where both sides changed the same field, the photo fails
-/// once, and the next save writes it. A photo waits no longer once its file is written: whatever ends this,
-/// the next call goes on. The originals inside an Aperture library are passed over and wait no longer. Throws
-/// ExifToolError::Case::notFound, with nothing done, and DatabaseError when nothing could be begun.
+/// once, and the next save writes it. A photo waits until its file is written: whatever ends this, the next
+/// call goes on, and writes once more what a crash kept from being noted. The originals inside an Aperture
+/// library are passed over and wait no longer. Throws ExifToolError::Case::notFound, with nothing done, and
+/// DatabaseError when nothing could be begun.
 FilesWritten saveMetadata(
     Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
 

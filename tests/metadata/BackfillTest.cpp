@@ -85,6 +85,21 @@ TEST(Backfills, publishBatchByBatchUntilAllIsRead)
     EXPECT_TRUE(run.store.list().find(201)->latitude);
 }
 
+TEST(Backfills, readWhatIsAddedWhileTheyRun)
+{
+    Unread library(1);
+    const auto contents = readFile(std::string(KORVO_TEST_DATA) + "/metadata/camera.jpg");
+    const NewPhoto late{.path = library.folder.write("photos/late.jpg", contents)};
+    RunningBackfills run(library);
+    const auto connection = run.store.changed.connect([&](const LibraryChange&) {
+        if (run.store.catalog().addPhotos(std::span(&late, 1)).front().isNew) // its only batch is through
+            run.backfills.startExifBackfill();
+    });
+    run.backfills.startExifBackfill();
+    ASSERT_TRUE(run.main.runUntil([&] { return !run.backfills.exifBackfillRunning(); }));
+    EXPECT_TRUE(run.store.catalog().photosToRead(1).empty());
+}
+
 TEST(Backfills, stopWithTheLibraryAndGoOnWithTheNextOne)
 {
     Unread library(250);

@@ -1,5 +1,6 @@
 #include "metadata/ExifTool.h"
 
+#include "metadata/ExifReader.h"
 #include "metadata/ExifToolRecords.h"
 #include "metadata/KeptExifTool.h"
 #include "tests/metadata/ExifTool.h"
@@ -141,6 +142,19 @@ TEST(ExifTool, keepsEveryCharacterInEitherWayOfCalling)
     }
     EXPECT_NE(failureOf([&] { kept.run(stripGPSArguments(folder / "gone.jpg"), {}); }).find("File not found"),
         std::string::npos);
+}
+
+TEST(ExifTool, copiesFromFilesWhoseNamesLookLikePatterns)
+{
+    if (!hasExifTool())
+        GTEST_SKIP() << "exiftool is not installed";
+    const TemporaryFolder folder;
+    const FakeTool real(FakeTool::Real{});
+    const auto data = std::filesystem::path(KORVO_TEST_DATA) / "metadata";
+    const auto source = folder.write("50%done/%f.%e%%d%.jpg", readFile(data / "camera.jpg"));
+    const auto copy = folder.write("copy.jpg", readFile(data / "plain.jpg"));
+    real.tool.run(copyCameraExifArguments(source, copy, Position::keep), {});
+    EXPECT_EQ(readExif(copy)->camera, readExif(source)->camera);
 }
 
 TEST(KeptExifTool, goesOnWithSingleProcessesOnceTheKeptOneDies)

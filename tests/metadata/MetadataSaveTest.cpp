@@ -138,6 +138,7 @@ TEST_F(MetadataSave, neverWipesWhatTheCatalogHasNotSeen)
 TEST_F(MetadataSave, takesWhatAnotherProgramWroteUnlessBothChangedTheSameField)
 {
     Photos photos(2);
+    photos.set(photos.ids, {.creator = "Smith, John"}); // two creators for the tool
     photos.save(real.tool);
     const auto elsewhere = [&](PhotoID id, const std::string& assignment) {
         real.tool.run({"-overwrite_original", "-q", assignment, photos.item(id).path()}, {});
@@ -151,6 +152,7 @@ TEST_F(MetadataSave, takesWhatAnotherProgramWroteUnlessBothChangedTheSameField)
     EXPECT_EQ(photos.item(1).metadata.altText, "elsewhere");
     EXPECT_EQ(photos.inFile(1).title, "newer");
     EXPECT_EQ(photos.inFile(1).caption, "") << "emptied by the user";
+    EXPECT_EQ(photos.item(1).metadata.creator, "Smith, John") << "which the file gives only half of";
     ASSERT_EQ(result.failures.size(), 1U);
     EXPECT_NE(result.failures.front().message.find("changed by another program"), std::string::npos);
     EXPECT_EQ(photos.inFile(2).title, "elsewhere");
@@ -244,12 +246,12 @@ TEST_F(MetadataSave, stopsAtOnceAndLeavesTheRestForTheNextTime)
 for last; do :; done
 case "$1 $last" in
 -stay_open*) exit 1;;
--overwrite_original*/2.jpg) sleep 1000;;
+-overwrite_original*/2.jpg) : > "${last%/*}/hangs"; sleep 1000;;
 esac
 exec exiftool "$@")");
     std::stop_source stop;
     const std::jthread stopper([&] {
-        while (photos.catalog->dirtyCount() > 3)
+        while (!fs::exists(photos.folder / "photos/hangs"))
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         stop.request_stop();
     });
@@ -257,6 +259,7 @@ exec exiftool "$@")");
     EXPECT_TRUE(result.stopped);
     EXPECT_EQ(result.done, 2U);
     EXPECT_TRUE(result.failures.empty());
+    EXPECT_EQ(photos.catalog->dirtyCount(), 3);
     EXPECT_EQ(photos.save(real.tool).done, 3U);
 }
 
