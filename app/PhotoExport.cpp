@@ -76,7 +76,7 @@ bool hasExif(const fs::path& file)
 try {
     FileWindow window(file);
     const auto blocks = findMetadata(window);
-    return blocks && (blocks->exif || blocks->exifDirectory || blocks->gpsDirectory || blocks->previewExif);
+    return blocks && (blocks->exif || blocks->exifDirectory || blocks->gpsDirectory || blocks->furtherExif);
 } catch (const MetadataError&) { // then there is none to be kept
     return false;
 }

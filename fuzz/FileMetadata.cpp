@@ -26,6 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto info = korvo::readExif(inputFile()).value_or(korvo::PhotoExifInfo());
     if (info != metadata.exif)
         std::abort(); // both must see the same
+    (void)korvo::hasDamagedXmp(inputFile());
     std::filesystem::remove(inputFile());
     return 0;
 }

@@ -1,7 +1,9 @@
 #include "metadata/CaptureDate.h"
 #include "metadata/Containers.h"
 
+#include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace korvo {
 
@@ -41,12 +43,34 @@ public:
     {
         if (const auto headerSize = file_.start(area.from(2), 4))
             takeHeap(area.from(headerSize->littleEndian(0, 4).value_or(0)), 0);
+        takeTrailer(area);
         if (focalUnits_ > 0 && blocks_.own.focalLength)
             blocks_.own.focalLength = *blocks_.own.focalLength / focalUnits_;
         return blocks_;
     }
 
 private:
+    /// Behind the heap there may be blocks of a kind, a length and data between a header and a footer, all of
+    /// it big-endian. The end of the footer is the heap's directory's offset. One of the blocks is an XMP
+    /// packet.
+    void takeTrailer(ByteRange area)
+    {
+        constexpr std::string_view mark("CANON OPTIONAL DATA\0", 20);
+        constexpr std::uint64_t footerSize = 64, blockHeaderSize = 8, xmpBlock = 0xffff00f6;
+        const auto end = area.length - std::min(footerSize, area.length);
+        const auto footer = file_.start(area.from(end), footerSize);
+        if (!footer || !footer->startsWith(mark))
+            return;
+        const auto length = std::min(footer->bigEndian(mark.size(), 4).value_or(0), end);
+        auto rest = area.from(end - length).first(length);
+        while (const auto header = file_.start(rest, blockHeaderSize)) {
+            const auto data = rest.from(blockHeaderSize).first(header->bigEndian(4, 4).value_or(0));
+            if (header->bigEndian(0, 4) == xmpBlock)
+                blocks_.xmp = data;
+            rest = rest.from(blockHeaderSize + data.length);
+        }
+    }
+
     void takeHeap(ByteRange heap, int depth)
     {
         constexpr std::uint64_t offsetSize = 4;

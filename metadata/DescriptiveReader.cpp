@@ -60,6 +60,14 @@ DescriptiveFields readDescriptive(const std::filesystem::path& file)
     return readFileMetadata(file).descriptive;
 }
 
+bool hasDamagedXmp(const std::filesystem::path& path)
+{
+    FileWindow file(path);
+    const auto blocks = findMetadata(file);
+    const auto packet = blocks && blocks->xmp ? file.view(*blocks->xmp) : std::nullopt;
+    return packet && isDamagedXmp(*packet);
+}
+
 FileMetadata readFileMetadata(const std::filesystem::path& path)
 {
     FileWindow file(path);

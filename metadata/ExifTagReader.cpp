@@ -186,8 +186,8 @@ ExifTags readExifTags(FileWindow& file, const MetadataBlocks& blocks)
         readDirectory(reading, *block, block->firstDirectory(), exifRules);
     if (const auto block = openIfThere(file, blocks.gpsDirectory))
         readPosition(reading, *block, block->firstDirectory());
-    if (blocks.previewExif)
-        readWhole(reading, file, *blocks.previewExif);
+    if (blocks.furtherExif)
+        readWhole(reading, file, *blocks.furtherExif);
     return reading.tags;
 }
 

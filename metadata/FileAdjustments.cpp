@@ -1,5 +1,6 @@
 #include "metadata/FileAdjustments.h"
 
+#include "catalog/DatabaseError.h"
 #include "metadata/ApertureFolders.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
@@ -51,6 +52,9 @@ FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
             ++result.done;
         } catch (const ExifToolError& error) {
             fail(error.what());
+        } catch (const DatabaseError& error) { // what is done must be told: doing it again would be wrong
+            result.fault = record->path.string() + ": " + error.what();
+            break;
         } catch (const NotFoundError&) {
             // It was removed meanwhile.
         } catch (const fs::filesystem_error& error) {

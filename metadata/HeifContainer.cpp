@@ -4,13 +4,16 @@
 #include "metadata/IsoBoxes.h"
 #include "metadata/Unpacking.h"
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
 namespace korvo {
 
 namespace {
 
 constexpr std::uint64_t versionSize = 4; // version and flags at the beginning of a box
+constexpr std::size_t mostItems = 16; // of metadata that are looked at
 
 /// Finds in HEIC, HEIF and AVIF files, whose pictures and metadata are items (ISO 23008-12).
 class HeifFinder {
@@ -23,9 +26,9 @@ public:
         while (const auto box = boxes.next())
             take(*box);
         MetadataBlocks blocks;
-        if (const auto exif = itemRange(exifItem_))
+        if (const auto exif = itemRange(itemAboutPhoto(exifItems_)))
             blocks.exif = exifIn(*exif);
-        blocks.xmp = itemRange(xmpItem_);
+        blocks.xmp = itemRange(itemAboutPhoto(xmpItems_));
         blocks.size = itemSize(file_, properties_, primaryItem_);
         return blocks;
     }
@@ -43,6 +46,8 @@ private:
             itemData_ = box.content;
         else if (box.type == "iprp")
             properties_ = box.content;
+        else if (box.type == "iref")
+            references_ = box.content;
     }
 
     void takePrimaryItem(ByteRange box)
@@ -70,11 +75,21 @@ private:
         const auto id = fields.take(version == 2 ? 2 : 4);
         fields.take(2); // whether it is encrypted
         const auto text = fields.rest().text(); // kind, then name and content type, each up to a NUL
-        if (text.starts_with("Exif") && !exifItem_)
-            exifItem_ = id;
-        else if (text.starts_with("mime") && text.find("application/rdf+xml") != std::string_view::npos
-            && !xmpItem_)
-            xmpItem_ = id;
+        const bool isExif = text.starts_with("Exif");
+        const bool isXmp
+            = text.starts_with("mime") && text.find("application/rdf+xml") != std::string_view::npos;
+        if (auto& items = isExif ? exifItems_ : xmpItems_; (isExif || isXmp) && items.size() < mostItems)
+            items.push_back(id);
+    }
+
+    /// The first that describes the photo or nothing; others tell of its gain map and the like.
+    std::optional<std::uint64_t> itemAboutPhoto(const std::vector<std::uint64_t>& items)
+    {
+        for (const auto item : items)
+            if (const auto described = describedItems(file_, references_, item);
+                described.empty() || std::ranges::find(described, primaryItem_) != described.end())
+                return item;
+        return items.empty() ? std::nullopt : std::optional(items.front());
     }
 
     std::optional<ByteRange> itemRange(std::optional<std::uint64_t> item)
@@ -98,9 +113,9 @@ private:
 
     FileWindow& file_;
     ByteRange area_;
-    ByteRange locations_, properties_, itemData_;
+    ByteRange locations_, properties_, itemData_, references_;
     std::uint64_t primaryItem_ = 0;
-    std::optional<std::uint64_t> exifItem_, xmpItem_;
+    std::vector<std::uint64_t> exifItems_, xmpItems_;
 };
 
 } // namespace

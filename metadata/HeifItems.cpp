@@ -83,6 +83,24 @@ std::vector<ByteRange> itemExtents(
     return {};
 }
 
+std::vector<std::uint64_t> describedItems(FileWindow& file, ByteRange references, std::uint64_t item)
+{
+    constexpr std::uint64_t versionSize = 4;
+    const auto version = file.start(references, 1);
+    const unsigned idWidth = version && (*version)[0] == 0 ? 2 : 4;
+    std::vector<std::uint64_t> described;
+    IsoBoxes boxes(file, references.from(versionSize));
+    while (const auto box = boxes.next()) {
+        BoxFields fields(box->type == "cdsc" ? file.view(box->content) : std::nullopt);
+        if (fields.take(idWidth) != item)
+            continue;
+        const auto count = fields.take(2);
+        for (std::uint64_t i = 0; i < count && !fields.isPastEnd(); ++i)
+            described.push_back(fields.take(idWidth));
+    }
+    return described;
+}
+
 PixelSize itemSize(FileWindow& file, ByteRange properties, std::uint64_t item)
 {
     const auto associations = findBox(file, properties, "ipma"),

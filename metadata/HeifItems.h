@@ -15,6 +15,9 @@ namespace korvo {
 std::vector<ByteRange> itemExtents(
     FileWindow& file, ByteRange locations, std::uint64_t item, ByteRange wholeFile, ByteRange itemData);
 
+/// The items that the item describes, by the "iref" box.
+std::vector<std::uint64_t> describedItems(FileWindow& file, ByteRange references, std::uint64_t item);
+
 /// The size of the item's picture, by the "iprp" box.
 PixelSize itemSize(FileWindow& file, ByteRange properties, std::uint64_t item);
 

@@ -14,7 +14,8 @@ struct MetadataBlocks {
     std::optional<ByteRange>
         exifDirectory; ///< a TIFF structure of its own whose first directory is the EXIF one
     std::optional<ByteRange> gpsDirectory; ///< likewise for GPS
-    std::optional<ByteRange> previewExif; ///< of the preview in a raw file; completes the others
+    std::optional<ByteRange>
+        furtherExif; ///< of the preview in a raw file, or an older one; completes the others
     std::optional<ByteRange> xmp;
     std::optional<ByteRange>
         extendedXmp; ///< the part of an XMP packet that did not fit into one JPEG segment

@@ -37,24 +37,31 @@ try {
     throw ExifToolError::failed(std::string("exiftool's answer cannot be read: ") + error.what());
 }
 
-PhotoMetadata ownReading(const fs::path& file)
-try {
-    return photoMetadata(readDescriptive(file));
-} catch (const MetadataError&) {
-    return {}; // what the tool says stands then
-}
-
-/// The tool's JSON makes "TRUE" a lower-case truth value; our own reader knows how it was written.
+/// What the tool reads of a file, and where that is nothing, what our own reader does, which also takes a
+/// text that is there in another language only. The tool's JSON makes "TRUE" a lower-case truth value; our
+/// own reader knows how it was written.
 PhotoMetadata fieldsIn(const ExifToolRecord& record, const fs::path& file)
 {
     auto fields = descriptiveFields(record);
+    const auto own = photoMetadata(readDescriptive(file));
     const auto isTruth = [](const SharedText& text) { return text == "true" || text == "false"; };
     forEachField<PhotoMetadata>([&](const auto& field) {
-        if (auto& value = fields.*field.member; isTruth(value))
-            if (const auto own = ownReading(file).*field.member; asciiLower(own.view()) == value.view())
-                value = own;
+        auto& value = fields.*field.member;
+        const auto& other = own.*field.member;
+        if (value.empty() || (isTruth(value) && asciiLower(other.view()) == value.view()))
+            value = other;
     });
     return fields;
+}
+
+/// The tool writes damaged XMP anew without what it could not read of it.
+FieldsInFile found(const ExifToolRecord& record, const fs::path& file)
+try {
+    if (hasDamagedXmp(file))
+        return {std::nullopt, "its XMP is damaged, and writing would lose what is left of it"};
+    return {fieldsIn(record, file), ""};
+} catch (const MetadataError& error) {
+    return {std::nullopt, error.what()};
 }
 
 FieldsInFile readAlone(const RunExifTool& run, const fs::path& file)
@@ -62,7 +69,7 @@ try {
     const auto records = read(run, std::span(&file, 1));
     if (records.size() != 1)
         throw ExifToolError::failed("");
-    return {fieldsIn(records.front(), file), ""};
+    return found(records.front(), file);
 } catch (const ExifToolError& error) {
     return {std::nullopt, error.what()};
 }
@@ -108,17 +115,17 @@ PhotoMetadata readBack(PhotoMetadata written)
 std::vector<FieldsInFile> readFields(
     const RunExifTool& run, std::span<const fs::path> files, const std::stop_token& stop)
 {
-    std::map<std::string, const ExifToolRecord*> found;
+    std::map<std::string, const ExifToolRecord*> byName;
     const auto records = files.size() > 1 ? readTogether(run, files) : std::vector<ExifToolRecord>();
     for (const auto& record : records)
-        found.emplace(record.sourceFile, &record);
+        byName.emplace(record.sourceFile, &record);
     std::vector<FieldsInFile> results;
     for (const auto& file : files) {
         if (stop.stop_requested())
             break;
         // Names that are not UTF-8 do not come back as they were, and might be taken for one another.
-        if (const auto record = found.find(file.native()); record != found.end() && isUtf8(file.native()))
-            results.push_back({fieldsIn(*record->second, file), ""});
+        if (const auto record = byName.find(file.native()); record != byName.end() && isUtf8(file.native()))
+            results.push_back(found(*record->second, file));
         else
             results.push_back(readAlone(run, file));
     }

@@ -3,7 +3,10 @@
 #include "base/Json.h"
 #include "catalog/DatabaseError.h"
 #include "metadata/ApertureFolders.h"
+#include "metadata/CameraFacts.h"
+#include "metadata/DescriptiveReader.h"
 #include "metadata/KeptExifTool.h"
+#include "metadata/MetadataError.h"
 #include "metadata/MetadataFiles.h"
 
 #include <algorithm>
@@ -116,6 +119,8 @@ private:
             // It was removed meanwhile.
         } catch (const fs::filesystem_error& error) {
             fail(*record, error.code().message());
+        } catch (const MetadataError& error) {
+            fail(*record, error.what());
         } catch (const JsonError& error) {
             fail(
                 *record, std::string("what the file held when it was found cannot be read: ") + error.what());
@@ -215,11 +220,9 @@ private:
     void readAgain(const FileRecord& record)
     {
         const auto state = fileState(record.path);
-        const auto found = readFields(run_, std::span(&record.path, 1), stop_);
-        if (found.empty() || !found.front().fields)
-            throw ExifToolError::failed(found.empty() ? "" : found.front().failure);
+        const auto found = photoMetadata(readDescriptive(record.path));
         Transaction transaction(catalog_.database());
-        catalog_.setMetadata(record.id, *found.front().fields, WriteBack::done);
+        catalog_.setMetadata(record.id, found, WriteBack::done);
         catalog_.fileChanged(record.id, state.date, state.size);
         transaction.commit();
         ++result_.done;

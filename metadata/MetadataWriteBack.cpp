@@ -138,17 +138,20 @@ void MetadataWriteBack::revertMetadataToAsFound(std::span<const PhotoID> photos)
 void MetadataWriteBack::begin(std::string verb, std::string (*summary)(const FilesWritten&), Work work)
 {
     saving_ = true;
+    stop_ = {};
     task_ = runInBackground(main_,
-        [this, &catalog = store_.catalog(), doing = std::move(verb), summary, job = std::move(work)](
-            const Task::Context& context) {
+        [this, &catalog = store_.catalog(), stop = stop_, doing = std::move(verb), summary,
+            job = std::move(work)](const Task::Context& context) {
             const auto deliver = [&](FilesWritten result, std::string message, bool missing) {
                 context.deliver([=, this] {
                     exiftoolMissing_ = missing;
                     finish(result, message);
                 });
             };
+            const std::stop_callback goes(
+                context.stopToken(), [&] { std::stop_source(stop).request_stop(); });
             try {
-                auto result = job(catalog, context.stopToken(), [&](std::size_t number, std::size_t total) {
+                auto result = job(catalog, stop.get_token(), [&](std::size_t number, std::size_t total) {
                     context.deliver([=, this] { say(fmt::format("{} {} of {}…", doing, number, total)); });
                 });
                 const auto message = result.fault.empty() ? summary(result) : result.fault;

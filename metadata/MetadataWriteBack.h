@@ -5,6 +5,7 @@
 #include "metadata/MetadataSave.h"
 #include "platform/Defaults.h"
 
+#include <stop_token>
 #include <string>
 
 namespace korvo {
@@ -54,6 +55,8 @@ public:
 
     /// Writes what waits; nothing while a save runs or when nothing waits.
     void saveMetadataToFiles();
+    /// Ends a running save or revert, also one whose tool hangs; what is not written yet waits on.
+    void stopSaving() { stop_.request_stop(); }
     /// Saves a moment after the last call.
     void scheduleAutosave();
     /// Throws RevertRefused.
@@ -76,6 +79,7 @@ private:
     bool saving_ = false;
     bool exiftoolMissing_ = false;
     std::string statusMessage_;
+    std::stop_source stop_; // of what is running
     Connection storeChanged_;
     MainThread::Timer autosaveTask_;
     Task task_; // last, so that it ends first

@@ -1,6 +1,19 @@
 #include "metadata/Containers.h"
 
+#include <utility>
+
 namespace korvo {
+
+namespace {
+
+/// Its picture is a preview, whose size says nothing of the photo.
+void takeTiff(MetadataBlocks& blocks, MetadataBlocks&& tiff)
+{
+    tiff.size = blocks.size;
+    blocks = std::move(tiff);
+}
+
+} // namespace
 
 /// Minolta's raw files: blocks of a mark, a length and data, of which "PRD" tells the size and "TTW" is a
 /// TIFF structure.
@@ -16,7 +29,7 @@ MetadataBlocks findInMrw(FileWindow& file, ByteRange area)
         if (const auto sizes = mark == "PRD" ? file.start(data, 16) : std::nullopt)
             blocks.size = {sizes->bigEndian(14, 2).value_or(0), sizes->bigEndian(12, 2).value_or(0)};
         else if (mark == "TTW")
-            blocks.exif = data;
+            takeTiff(blocks, findInTiff(file, data));
         else if (mark != "WBG" && mark != "RIF")
             break; // the picture's data
         rest = rest.from(headerSize + length);

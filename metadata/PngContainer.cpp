@@ -41,9 +41,18 @@ private:
         if (type == "IHDR")
             takeSize(data);
         else if (type == "eXIf")
-            blocks_.exif = withoutExifMark(file_, data);
+            takeExifChunk(withoutExifMark(file_, data));
         else if (type == "iTXt" || type == "zTXt" || type == "tEXt")
             takeText(type, data);
+    }
+
+    /// Programs that write this chunk may leave what stands in a text beside it.
+    void takeExifChunk(ByteRange exif)
+    {
+        if (blocks_.exif)
+            blocks_.furtherExif = blocks_.exif;
+        blocks_.exif = exif;
+        hasExifChunk_ = true;
     }
 
     void takeSize(ByteRange data)
@@ -97,7 +106,7 @@ private:
         else if (name == "xmp")
             takeFirst(blocks_.xmp, *profile);
         else if (name == "exif" || name == "APP1")
-            takeFirst(blocks_.exif, withoutExifMark(file_, *profile));
+            takeFirst(hasExifChunk_ ? blocks_.furtherExif : blocks_.exif, withoutExifMark(file_, *profile));
         else if (name == "iptc")
             takeFirst(
                 blocks_.iptc, bytes->startsWith("8BIM") ? findIptcInPhotoshop(file_, *profile) : *profile);
@@ -123,6 +132,7 @@ private:
 
     FileWindow& file_;
     MetadataBlocks blocks_;
+    bool hasExifChunk_ = false;
     int texts_ = 0;
 };
 

@@ -37,7 +37,7 @@ MetadataBlocks findInRw2(FileWindow& file, ByteRange area)
     if (right > left && bottom > top)
         blocks.size = {right - left, bottom - top};
     if (directory.preview)
-        blocks.previewExif = findInJpeg(file, *directory.preview).exif;
+        blocks.furtherExif = findInJpeg(file, *directory.preview).exif;
     return blocks;
 }
 

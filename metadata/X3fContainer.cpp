@@ -82,7 +82,7 @@ private:
         const auto preview = findInJpeg(file_, section.from(imageHeaderSize));
         if (!preview.exif)
             return;
-        blocks_.previewExif = preview.exif;
+        blocks_.furtherExif = preview.exif;
         blocks_.xmp = preview.xmp;
         blocks_.iptc = preview.iptc;
     }

@@ -222,4 +222,10 @@ DescriptiveFields readXmp(Bytes packet)
     return XmpReader().read(document);
 }
 
+bool isDamagedXmp(Bytes packet)
+{
+    const auto status = pugi::xml_document().load_buffer(packet.data(), packet.size()).status;
+    return status != pugi::status_ok && status != pugi::status_no_document_element; // an empty one is whole
+}
+
 } // namespace korvo

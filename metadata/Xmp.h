@@ -10,4 +10,7 @@ namespace korvo {
 /// else the first. Of a damaged packet what stands before the damage is read.
 DescriptiveFields readXmp(Bytes packet);
 
+/// Whether a packet ends before its elements do, or is otherwise no XML.
+bool isDamagedXmp(Bytes packet);
+
 } // namespace korvo

@@ -2,6 +2,7 @@
 // which is the least that any reader does. The contestants take turns; medians of five rounds.
 //
 //     bench_metadata [LIST]      LIST, or $KORVO_CORPUS, names a file that lists the photos, one a line
+#include "bench/support/Compare.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/ExifReader.h"
 
@@ -84,8 +85,12 @@ std::vector<fs::path> linesOf(const char* list)
     return lines;
 }
 
-/// Microseconds a file takes with all threads working.
-double timePerFile(const std::vector<fs::path>& files, const Contestant& contestant, unsigned threads)
+/// Microseconds a file takes with all threads working, by the clock and of the processors.
+struct Times {
+    double clock, processor;
+};
+
+Times timesPerFile(const std::vector<fs::path>& files, const Contestant& contestant, unsigned threads)
 {
     std::atomic<std::size_t> next = 0, found = 0, done = 0;
     const auto work = [&] {
@@ -95,6 +100,7 @@ double timePerFile(const std::vector<fs::path>& files, const Contestant& contest
         found += sum;
         done += count;
     };
+    const double processor = korvo::bench::processorSeconds();
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> others;
     for (unsigned i = 1; i < threads; ++i)
@@ -105,23 +111,35 @@ double timePerFile(const std::vector<fs::path>& files, const Contestant& contest
     const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
     if (found == 0)
         std::fprintf(stderr, "%s found nothing\n", contestant.name);
-    return time.count() / static_cast<double>(done);
+    const double count = static_cast<double>(done);
+    return {time.count() / count, 1e6 * (korvo::bench::processorSeconds() - processor) / count};
+}
+
+constexpr std::size_t rounds = 5;
+using Rounds = std::array<Times, rounds>;
+
+double median(const Rounds& all, double Times::*time)
+{
+    std::array<double, rounds> values{};
+    std::ranges::transform(all, values.begin(), [&](const Times& times) { return times.*time; });
+    std::ranges::nth_element(values, values.begin() + rounds / 2);
+    return values[rounds / 2];
 }
 
 void compare(const std::vector<fs::path>& files, unsigned threads)
 {
-    constexpr std::size_t rounds = 5;
-    std::array<std::array<double, rounds>, contestants.size()> times{};
+    std::array<Rounds, contestants.size()> times{};
     for (std::size_t round = 0; round < rounds; ++round)
         for (std::size_t i = 0; i < contestants.size(); ++i)
-            times[i][round] = timePerFile(files, contestants[i], threads);
-    for (auto& each : times)
-        std::nth_element(each.begin(), each.begin() + rounds / 2, each.end());
-    std::printf("%u thread%s, %zu files\n", threads, threads == 1 ? "" : "s", files.size());
+            times[i][round] = timesPerFile(files, contestants[i], threads);
+    std::printf(
+        "%u thread%s, %zu files: us a file by the clock and of the processors, each beside the bare reads\n",
+        threads, threads == 1 ? "" : "s", files.size());
     for (std::size_t i = 0; i < contestants.size(); ++i) {
-        const double median = times[i][rounds / 2];
-        std::printf("  %-34s %9.2f us a file %10.0f files/s %8.2f x bare\n", contestants[i].name, median,
-            1e6 / median, median / times[0][rounds / 2]);
+        const double clock = median(times[i], &Times::clock), processor = median(times[i], &Times::processor);
+        std::printf("  %-34s %9.2f x %-8.2f %9.2f x %-8.2f %10.0f files/s\n", contestants[i].name, clock,
+            clock / median(times[0], &Times::clock), processor,
+            processor / median(times[0], &Times::processor), 1e6 / clock);
     }
 }
 

@@ -16,19 +16,6 @@ namespace korvo::bench {
 
 namespace {
 
-/// The processors' time that this process and those it has waited for took so far, in seconds.
-double processorSeconds()
-{
-    double seconds = 0;
-    for (const auto whose : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
-        rusage usage{};
-        getrusage(whose, &usage);
-        for (const timeval& time : {usage.ru_utime, usage.ru_stime})
-            seconds += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    }
-    return seconds;
-}
-
 double median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
@@ -45,6 +32,18 @@ double residentBytes()
 }
 
 } // namespace
+
+double processorSeconds()
+{
+    double seconds = 0;
+    for (const auto whose : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+        rusage usage{};
+        getrusage(whose, &usage);
+        for (const timeval& time : {usage.ru_utime, usage.ru_stime})
+            seconds += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    }
+    return seconds;
+}
 
 double secondsOf(const std::function<void()>& work)
 {

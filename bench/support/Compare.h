@@ -25,6 +25,9 @@ double memoryTakenBy(const std::function<void()>& work);
 /// The most memory that this process has had in use so far, in bytes.
 double peakMemory();
 
+/// The processors' time that this process and those it has waited for took so far, in seconds.
+double processorSeconds();
+
 /// The seconds a call takes.
 double secondsOf(const std::function<void()>& work);
 

@@ -1,8 +1,11 @@
 // Reads files with our readers and with exiftool, and expects the same answers field by field.
 #include "base/Text.h"
+#include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/ExifReader.h"
+#include "metadata/KeptExifTool.h"
 #include "tests/metadata/ExifTool.h"
+#include "tests/metadata/FakeTool.h"
 
 #include <algorithm>
 #include <array>
@@ -245,7 +248,38 @@ void expectSameAnswers(const fs::path& folder)
     }
 }
 
+/// Writes texts into copies of the files that the tool can write; returns how many these are.
+int expectThatWhatIsWrittenIsRead(const fs::path& folder)
+{
+    const PhotoMetadata written{
+        "alt", "Title 🌸", "Größe, \"x\"\nand more", "a, b c, d|e", "Ana Müller", "© 2022"};
+    const TemporaryFolder copies;
+    const FakeTool real(FakeTool::Real{});
+    KeptExifTool kept(real.tool);
+    int count = 0;
+    for (const auto& file : photosIn(folder)) {
+        const auto copy = copies.write(file.filename().string(), readFile(file));
+        const auto facts = readExif(copy);
+        try {
+            kept.run(writeArguments(written, copy), {});
+        } catch (const ExifToolError&) {
+            continue; // of a kind that the tool only reads, or cut off
+        }
+        ++count;
+        EXPECT_EQ(photoMetadata(readDescriptive(copy)), written) << file;
+        EXPECT_EQ(readExif(copy).value_or(PhotoExifInfo()), facts.value_or(PhotoExifInfo())) << file;
+    }
+    return count;
+}
+
 } // namespace
+
+TEST(ExifToolComparison, readsWhatTheToolWrites)
+{
+    if (!hasExifTool())
+        GTEST_SKIP() << "exiftool is not installed";
+    EXPECT_GT(expectThatWhatIsWrittenIsRead(fs::path(KORVO_TEST_DATA) / "metadata"), 20);
+}
 
 TEST(ExifToolComparison, givesTheSameAnswersForTheFixtures)
 {
@@ -260,6 +294,7 @@ TEST(ExifToolComparison, givesTheSameAnswersForOtherPhotos)
     if (!folder || !hasExifTool())
         GTEST_SKIP() << "KORVO_PHOTOS names no folder of photos, or exiftool is not installed";
     expectSameAnswers(folder);
+    expectThatWhatIsWrittenIsRead(folder);
 }
 
 } // namespace korvo

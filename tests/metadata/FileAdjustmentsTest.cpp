@@ -81,6 +81,19 @@ TEST(FileAdjustments, countFilesThatFailAndGoOn)
     EXPECT_EQ(result.failures.front().message, (library.folder / "a.jpg").string() + ": Error: no");
 }
 
+TEST(FileAdjustments, tellWhatIsDoneWhenTheCatalogFails)
+{
+    Adjusted library;
+    const auto first = library.add("a.jpg"), second = library.add("b.jpg"), third = library.add("c.jpg");
+    library.catalog->database().exec(
+        "CREATE TRIGGER full BEFORE UPDATE ON photos WHEN NEW.filename = 'b.jpg' "
+        "BEGIN SELECT RAISE(ABORT, 'disk full'); END");
+    const auto result = library.shift({first, second, third}, 1);
+    EXPECT_EQ(result.done, 1U);
+    EXPECT_NE(result.fault.find("b.jpg: "), std::string::npos) << result.fault;
+    EXPECT_EQ(library.exiftool.calls(), Texts{"-AllDates+=0:0:0 0:0:1 a.jpg"});
+}
+
 TEST(FileAdjustments, doNothingWithoutTheToolOrOnceStopped)
 {
     Adjusted library;

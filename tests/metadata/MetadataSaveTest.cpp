@@ -135,6 +135,18 @@ TEST_F(MetadataSave, neverWipesWhatTheCatalogHasNotSeen)
     }
 }
 
+TEST_F(MetadataSave, keepsATextThatIsThereInAnotherLanguageOnly)
+{
+    Photos photos(1, "languages.jpg");
+    photos.save(real.tool);
+    EXPECT_EQ(photos.inFile(1).title, "new");
+    EXPECT_EQ(photos.inFile(1).caption, "Français") << "which the tool does not read";
+    EXPECT_EQ(photos.item(1).metadata.caption, "Français");
+    revertMetadata(*photos.catalog, photos.ids, real.tool, {}, [](std::size_t, std::size_t) {});
+    EXPECT_EQ(photos.inFile(1).title, "Default");
+    EXPECT_EQ(photos.inFile(1).caption, "Français");
+}
+
 TEST_F(MetadataSave, takesWhatAnotherProgramWroteUnlessBothChangedTheSameField)
 {
     Photos photos(2);
@@ -190,20 +202,27 @@ TEST_F(MetadataSave, leavesFilesItMustNotOrCannotWriteAsTheyAre)
     const auto linked = photos.catalog->addPhotos(std::span(&link, 1)).front().id;
     photos.folder.write("photos/broken.jpg", "no picture at all");
     photos.folder.write("photos/empty.jpg", "");
+    auto half = photos.contents;
+    half.replace(half.find("</rdf:RDF>"), 10, "</rdf:XXX>");
+    const auto damaged = photos.add("photos/damaged.jpg");
+    photos.folder.write("photos/damaged.jpg", half);
     fs::remove(photos.item(gone).path());
-    photos.set(std::vector{original, renamed, moved, linked, broken, gone, empty}, {.title = "new"});
+    photos.set(std::vector{original, renamed, moved, linked, broken, gone, empty, damaged}, {.title = "new"});
     EXPECT_FALSE(photos.item(original).dirty);
     const auto result = photos.save(real.tool);
     EXPECT_EQ(result.done, 1U);
-    EXPECT_EQ(result.failures.size(), 3U);
+    EXPECT_EQ(result.failures.size(), 4U);
     EXPECT_EQ(photos.inFile(1).title, "new");
+    EXPECT_EQ(readFile(photos.item(damaged).path()), half) << "the tool would drop the rest of its XMP";
     for (const auto id : {original, renamed, moved, linked}) {
         EXPECT_EQ(readFile(photos.item(id).path()), photos.contents) << id;
         EXPECT_FALSE(photos.item(id).dirty) << "it never will be written: " << id;
     }
     EXPECT_EQ(readFile(photos.item(broken).path()), "no picture at all");
-    for (const auto id : {broken, gone, empty})
+    for (const auto id : {broken, gone, empty, damaged})
         EXPECT_TRUE(photos.item(id).dirty) << id;
+    revertMetadata(*photos.catalog, only(damaged), real.tool, {}, [](std::size_t, std::size_t) {});
+    EXPECT_FALSE(photos.item(damaged).dirty) << "there is a way out";
 }
 
 TEST_F(MetadataSave, writesThroughLinksAndPastWhatAnInterruptedCallLeft)

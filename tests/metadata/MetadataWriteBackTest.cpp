@@ -182,6 +182,21 @@ TEST(MetadataWriteBack, keepsWhatWaitsWhenTheToolIsMissing)
     EXPECT_TRUE(library.writeBack->statusMessage().starts_with("exiftool not found."));
 }
 
+TEST(MetadataWriteBack, endsAHangingToolWhenItIsStopped)
+{
+    OpenLibrary library(1);
+    library.title(1, "new");
+    library.exiftool.hold();
+    library.writeBack->saveMetadataToFiles();
+    library.writeBack->stopSaving();
+    ASSERT_TRUE(library.finish());
+    EXPECT_TRUE(library.isDirty(1));
+    library.exiftool.letGo();
+    library.writeBack->saveMetadataToFiles();
+    ASSERT_TRUE(library.finish());
+    EXPECT_FALSE(library.isDirty(1)) << "the stop is over";
+}
+
 TEST(MetadataWriteBack, endsAHangingToolWhenItGoes)
 {
     OpenLibrary library(2);
