@@ -11,6 +11,7 @@
 namespace korvo {
 
 /// The parameters of an adjustment by their keys. What is absent, of another kind or not finite is not there.
+/// The list that they are from must outlive them.
 class AdjustmentParameters {
 public:
     /// `root` is what the adjustment's archive holds: the parameters are in its dictionary "inputKeys" if it

@@ -12,9 +12,9 @@ struct ApertureAdjustment {
     std::string name; ///< Aperture's name of the operation: "RKExposureOperation"
     bool isEnabled = false;
     std::optional<std::string> maskUuid;
-    /// The root of its archive, or null when there is none. The values by their keys ("inputEV") stand in its
-    /// dictionary "inputKeys", or in the root itself.
-    BinaryPlist::Value parameters;
+    /// Its archive; the root is null when there is none. The values by their keys ("inputEV") stand in the
+    /// root's dictionary "inputKeys", or in the root itself.
+    BinaryPlist parameters;
 };
 
 } // namespace korvo

@@ -31,15 +31,14 @@ bool isSystemFolder(std::string_view uuid)
     return std::find(systemFolders.begin(), systemFolders.end(), uuid) != systemFolders.end();
 }
 
-Folders readFolders(Database& library)
+Folders readFolders(BundleDatabase& library)
 {
     Folders folders;
-    auto row
-        = library.kept("SELECT uuid, name, parentFolderUuid, folderType FROM RKFolder WHERE isInTrash = 0");
-    while (row.step())
-        if (!row.text(0).empty())
-            folders[std::string(row.text(0))]
-                = {std::string(row.text(1)), std::string(row.text(2)), row.integer(3)};
+    library.forEach("SELECT uuid, name, parentFolderUuid, folderType FROM RKFolder WHERE isInTrash = 0",
+        [&](const BundleRow& row) {
+            if (auto uuid = row.text(0); !uuid.empty())
+                folders[std::move(uuid)] = {row.text(1), row.text(2), row.integer(3)};
+        });
     return folders;
 }
 

@@ -59,7 +59,9 @@ public:
 private:
     friend class ImportPlanner;
     friend class ImportWriter;
+    struct ImportStopped { };
     void show(const char* phase, std::size_t done = 0, std::size_t total = 0);
+    void throwIfStopped() const;
 
     ApertureLibrary& library_;
     ShowProgress progress_;

@@ -16,12 +16,10 @@ namespace {
 
 constexpr auto databaseFolder = "Database/apdb";
 
-std::optional<Database> openProperties(const fs::path& file)
+std::optional<BundleDatabase> openProperties(const fs::path& file, const std::stop_token& stop)
 {
     try {
-        auto database = Database::openReadOnly(file);
-        database.scalar("SELECT COUNT(*) FROM sqlite_master"); // it is opened at the first use
-        return database;
+        return BundleDatabase(file, stop);
     } catch (const DatabaseError&) {
         return std::nullopt; // the library is of use without it
     }
@@ -33,25 +31,28 @@ struct FreePlist {
 
 } // namespace
 
-ApertureLibrary::ApertureLibrary(
-    fs::path bundle, Database library, std::optional<Database> properties, ApertureVolumes volumes)
+ApertureLibrary::ApertureLibrary(fs::path bundle, BundleDatabase library,
+    std::optional<BundleDatabase> properties, ApertureVolumes volumes)
     : bundle_(std::move(bundle)), library_(std::move(library)), properties_(std::move(properties)),
       volumes_(std::move(volumes))
 { }
 
-ApertureLibrary ApertureLibrary::open(const fs::path& folder, ApertureVolumes volumes)
+ApertureLibrary ApertureLibrary::open(
+    const fs::path& folder, ApertureVolumes volumes, const std::stop_token& stop)
 {
     if (!isFile(folder / databaseFolder / "Library.apdb"))
         throw OpenError();
     const auto bundle = fs::canonical(folder);
-    return {bundle, Database::openReadOnly(bundle / databaseFolder / "Library.apdb"),
-        openProperties(bundle / databaseFolder / "Properties.apdb"), std::move(volumes)};
+    return {bundle, BundleDatabase(bundle / databaseFolder / "Library.apdb", stop),
+        openProperties(bundle / databaseFolder / "Properties.apdb", stop), std::move(volumes)};
 }
 
 std::optional<std::string> ApertureLibrary::versionString() const
 {
     const auto file = bundle_ / "Info.plist";
-    if (!isFile(file))
+    constexpr std::uintmax_t largest = 1 << 20; // bytes: it says a few words
+    std::error_code gone;
+    if (!isFile(file) || fs::file_size(file, gone) > largest || gone)
         return std::nullopt;
     const auto contents = readWholeFile(file);
     plist_t read = nullptr;
@@ -66,11 +67,11 @@ std::optional<std::string> ApertureLibrary::versionString() const
 
 ApertureLibrary::MasterFile ApertureLibrary::masterFile(const Master& master) const
 {
-    if (master.isReferenced && master.imagePath.starts_with('/'))
-        return {master.imagePath, !master.isMissing && isFile(master.imagePath)};
-    const auto managed = pathIn(bundle_ / "Masters", master.imagePath);
-    if (managed && !master.isMissing && isFile(*managed))
-        return {*managed, true};
+    const bool isAbsolute = master.isReferenced && master.imagePath.starts_with('/');
+    const auto stored = isAbsolute ? std::optional(fs::path(master.imagePath))
+                                   : pathIn(bundle_ / "Masters", master.imagePath);
+    if (stored && !master.isMissing && isFile(*stored))
+        return {*stored, true};
     if (master.isReferenced && !master.volume.empty()) {
         // Aperture found a file missing when its volume was not there; where the user says it is, it counts.
         const auto found = master.isMissing ? volumes_.findGiven(master.volume, master.imagePath)
@@ -78,7 +79,7 @@ ApertureLibrary::MasterFile ApertureLibrary::masterFile(const Master& master) co
         if (found)
             return {*found, true};
     }
-    return {managed.value_or(bundle_ / "Masters"), false};
+    return {stored.value_or(bundle_ / "Masters"), false};
 }
 
 std::optional<fs::path> ApertureLibrary::maskFile(const std::string& maskUuid) const

@@ -2,7 +2,7 @@
 
 #include "aperture/ApertureAdjustment.h"
 #include "aperture/ApertureVolumes.h"
-#include "catalog/Database.h"
+#include "aperture/BundleDatabase.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -98,7 +98,7 @@ public:
         std::string name;
         std::int64_t subclass = 0; ///< 1 implicit, 2 smart, 3 the user's
         std::vector<std::int64_t> versionIds; ///< in the album's order
-        std::optional<BinaryPlist::Value> smartQuery;
+        std::optional<BinaryPlist> smartQuery;
         std::optional<std::string> folderUuid;
     };
 
@@ -114,8 +114,10 @@ public:
     };
 
     /// Throws OpenError, and DatabaseError for a Library.apdb that cannot be opened. Without a readable
-    /// Properties.apdb there are no descriptions and camera facts.
-    static ApertureLibrary open(const std::filesystem::path& bundle, ApertureVolumes volumes = {});
+    /// Properties.apdb there are no descriptions and camera facts. A request to stop ends what is being read
+    /// with a DatabaseError.
+    static ApertureLibrary open(
+        const std::filesystem::path& bundle, ApertureVolumes volumes = {}, const std::stop_token& stop = {});
 
     /// The bundle's folder: absolute, with links resolved.
     const std::filesystem::path& bundleURL() const { return bundle_; }
@@ -146,12 +148,12 @@ public:
     std::optional<std::filesystem::path> previewFile(const Version& version, const Master& master) const;
 
 private:
-    ApertureLibrary(std::filesystem::path bundle, Database library, std::optional<Database> properties,
-        ApertureVolumes volumes);
+    ApertureLibrary(std::filesystem::path bundle, BundleDatabase library,
+        std::optional<BundleDatabase> properties, ApertureVolumes volumes);
 
     std::filesystem::path bundle_;
-    Database library_;
-    std::optional<Database> properties_;
+    BundleDatabase library_;
+    std::optional<BundleDatabase> properties_;
     ApertureVolumes volumes_;
 };
 

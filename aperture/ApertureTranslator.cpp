@@ -26,7 +26,7 @@ public:
 
     void add(const ApertureAdjustment& adjustment, const std::optional<std::filesystem::path>& mask)
     {
-        const AdjustmentParameters parameters(adjustment.parameters);
+        const AdjustmentParameters parameters(adjustment.parameters.root());
         const auto outcome
             = mask ? brushed(adjustment.name, parameters, *mask) : global(adjustment.name, parameters);
         if (outcome != translated)
@@ -111,7 +111,7 @@ ApertureTranslator::WhiteBalance ApertureTranslator::asShot(std::span<const Aper
     for (const auto& adjustment : adjustments) {
         if (adjustment.name != "RKWhiteBalanceOperation")
             continue;
-        const AdjustmentParameters parameters(adjustment.parameters);
+        const AdjustmentParameters parameters(adjustment.parameters.root());
         if (parameters.isTrue("inputIsDefaults") && parameters("inputTemperature") > 0)
             return {parameters.number("inputTemperature"), parameters.number("inputTint")};
     }

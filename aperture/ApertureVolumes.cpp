@@ -2,8 +2,6 @@
 
 #include "aperture/BundlePaths.h"
 
-#include <vector>
-
 namespace korvo {
 
 namespace fs = std::filesystem;
@@ -23,12 +21,23 @@ std::vector<fs::path> mountFolders()
     return folders;
 }
 
+/// A path as it is on the volume itself.
+std::string_view onVolume(const std::string& volume, std::string_view path)
+{
+    const auto mounted = "/Volumes/" + volume + "/";
+    return path.starts_with(mounted) ? path.substr(mounted.size()) : path;
+}
+
 } // namespace
+
+ApertureVolumes::ApertureVolumes(std::map<std::string, fs::path> given)
+    : given_(std::move(given)), mountFolders_(mountFolders())
+{ }
 
 std::optional<fs::path> ApertureVolumes::findGiven(const std::string& volume, const std::string& path) const
 {
     const auto given = given_.find(volume);
-    return given == given_.end() ? std::nullopt : existingFileIn(given->second, path);
+    return given == given_.end() ? std::nullopt : existingFileIn(given->second, onVolume(volume, path));
 }
 
 std::optional<fs::path> ApertureVolumes::find(const std::string& volume, const std::string& path) const
@@ -37,9 +46,8 @@ std::optional<fs::path> ApertureVolumes::find(const std::string& volume, const s
         return file;
     if (!isPlainName(volume))
         return std::nullopt;
-    static const auto folders = mountFolders();
-    for (const auto& folder : folders)
-        if (const auto file = existingFileIn(folder / volume, path))
+    for (const auto& folder : mountFolders_)
+        if (const auto file = existingFileIn(folder / volume, onVolume(volume, path)))
             return file;
     return std::nullopt;
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <utility>
 
 namespace korvo {
 
@@ -62,7 +63,8 @@ Trailer readTrailer(Bytes bytes)
 
 class Reader {
 public:
-    explicit Reader(Bytes bytes) : bytes_(bytes), trailer_(readTrailer(bytes)), unspent_(2 * bytes.size())
+    Reader(Bytes bytes, std::pmr::memory_resource& memory)
+        : bytes_(bytes), memory_(memory), trailer_(readTrailer(bytes)), unspent_(2 * bytes.size())
     {
         const auto [offsetSize, refSize, count, top, table] = trailer_;
         if (table > bytes.size() || (offsetSize > 0 && count > (bytes.size() - table) / offsetSize))
@@ -132,11 +134,12 @@ private:
             return data(payload(at));
         case 0x5: {
             const auto [start, count] = payload(at);
-            return Value(textFromUtf8(take(start, count)));
+            return Value(textFromUtf8(take(start, count), memory_));
         }
         case 0x6: {
             const auto [start, count] = payload(at);
-            return Value(textFromUtf16(take(start, 2 * std::min<std::uint64_t>(count, bytes_.size()))));
+            return Value(
+                textFromUtf16(take(start, 2 * std::min<std::uint64_t>(count, bytes_.size())), memory_));
         }
         case 0x8:
             return Value(Value::Uid{positiveInteger(take(at + 1, info + 1))});
@@ -167,17 +170,19 @@ private:
     Value data(Payload payload)
     {
         const auto bytes = take(payload.start, payload.count);
-        return Value(Value::Data(bytes.data(), bytes.data() + bytes.size()));
+        const auto copy = room<std::uint8_t>(bytes.size());
+        std::copy_n(bytes.data(), bytes.size(), copy.data());
+        return Value(Value::Data(copy));
     }
 
     Value array(Payload payload)
     {
         const auto references = takeReferences(payload.start, payload.count);
         const Nesting nesting(*this);
-        Value::Array elements(payload.count);
+        const auto elements = room<Value>(payload.count);
         for (std::uint64_t i = 0; i < payload.count; ++i)
             elements[i] = referenced(references, i);
-        return Value(std::move(elements));
+        return Value(Value::Array(elements));
     }
 
     Value dict(Payload payload)
@@ -187,12 +192,16 @@ private:
             malformed();
         const auto references = takeReferences(payload.start, 2 * count);
         const Nesting nesting(*this);
-        Value::Dict members(count);
-        for (std::uint64_t i = 0; i < count; ++i) {
-            members[i].key = referenced(references, i);
-            members[i].value = referenced(references, count + i);
-        }
-        return Value(std::move(members));
+        const auto members = room<BinaryPlist::Member>(count);
+        for (std::uint64_t i = 0; i < count; ++i)
+            members[i] = {referenced(references, i), referenced(references, count + i)};
+        return Value(Value::Dict(members));
+    }
+
+    template <typename T>
+    std::span<T> room(std::size_t count)
+    {
+        return {static_cast<T*>(memory_.allocate(count * sizeof(T), alignof(T))), count};
     }
 
     /// The length that the marker, or the integer behind it, gives.
@@ -255,6 +264,7 @@ private:
     };
 
     Bytes bytes_;
+    std::pmr::memory_resource& memory_; // for all that the values hold
     Trailer trailer_;
     std::vector<Object> objects_;
     std::uint64_t unspent_; // bytes and references that may still be decoded
@@ -264,14 +274,21 @@ private:
 
 } // namespace
 
-Value BinaryPlist::parse(Bytes bytes)
+Value BinaryPlist::parseInto(Memory& memory, Bytes bytes)
 {
     constexpr std::size_t smallest = 8 + 1 + 32; // header, an object, trailer
     if (bytes.size() < smallest || !bytes.startsWith("bplist00"))
         throw ParseError(ParseError::Case::notBinaryPlist);
     if (bytes.size() > maxSize)
         malformed();
-    return Reader(bytes).top();
+    return Reader(bytes, memory).top();
+}
+
+BinaryPlist BinaryPlist::parse(Bytes bytes)
+{
+    auto memory = std::make_shared<Memory>(3 * bytes.size());
+    const auto root = parseInto(*memory, bytes);
+    return {std::move(memory), root};
 }
 
 } // namespace korvo

@@ -1,23 +1,22 @@
 #pragma once
 
 #include "base/Bytes.h"
-#include "base/SharedText.h"
 
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <memory_resource>
 #include <optional>
 #include <span>
 #include <string_view>
-#include <variant>
-#include <vector>
 
 namespace korvo {
 
-/// Binary property lists (version "bplist00") and the keyed archives stored in them. Bytes from outside: no
-/// buffer takes more memory or time than a small multiple of its size, or ends in anything but a value or a
-/// ParseError.
-struct BinaryPlist {
+/// A binary property list (version "bplist00"), or the keyed archive stored in one, as values in memory.
+/// Bytes from outside: no buffer takes more memory or time than a small multiple of its size, or ends in
+/// anything but a list or a ParseError. Copies share the values, which never change.
+class BinaryPlist {
+public:
     class Value;
     struct Member;
     class ParseError;
@@ -27,79 +26,104 @@ struct BinaryPlist {
     /// Arrays and dictionaries nested deeper are malformed.
     static constexpr int maxDepth = 512;
 
-    /// The top object. Throws ParseError.
-    static Value parse(Bytes bytes);
+    /// The list whose root is the top object. Throws ParseError.
+    static BinaryPlist parse(Bytes bytes);
 
     /// The root object of a keyed archive as plain values: dictionaries with text as keys (each of them
     /// once), arrays, strings, numbers, dates and data; members and elements that the archive holds as null
     /// are left out. Nothing when the list is no archive or its root leads nowhere. Throws ParseError, also
     /// for an archive whose objects refer to each other so often that it has no reasonable size.
-    static std::optional<Value> unarchive(Bytes bytes);
+    static std::optional<BinaryPlist> unarchive(Bytes bytes);
+
+    /// A list without anything: its root is null.
+    BinaryPlist();
+
+    /// Lives, with all that it holds, as long as the list or a copy of it does.
+    const Value& root() const& { return *root_; }
+    const Value& root() const&& = delete;
+
+private:
+    /// All of a list lies in a few blocks that are freed at once: an allocation for each value takes longer
+    /// than everything else.
+    using Memory = std::pmr::monotonic_buffer_resource;
+
+    BinaryPlist(std::shared_ptr<Memory> memory, const Value& root);
+    static Value parseInto(Memory& memory, Bytes bytes);
+
+    std::shared_ptr<const Memory> memory_;
+    const Value* root_; // in the memory
 };
 
-/// One value of a property list. Copies share what arrays, dictionaries, strings and data hold, which never
-/// changes.
+/// One value of a property list. What arrays, dictionaries, strings and data hold belongs to the list.
 class BinaryPlist::Value {
 public:
-    /// In the order of the alternatives below.
-    enum class Kind { boolean, integer, real, date, data, string, uid, array, dict, null };
+    enum class Kind : std::uint8_t { boolean, integer, real, date, data, string, uid, array, dict, null };
 
-    struct Null { };
     struct Date {
         double seconds; ///< since 2001-01-01 00:00:00 UTC
     };
     struct Uid {
         std::int64_t index; ///< into a keyed archive's "$objects"
     };
-    using Data = std::vector<std::uint8_t>;
-    using Array = std::vector<Value>;
-    using Dict = std::vector<Member>;
+    using Data = std::span<const std::uint8_t>;
+    using Array = std::span<const Value>;
+    using Dict = std::span<const Member>;
 
-    Value() : storage_(Null()) { }
-    explicit Value(bool value) : storage_(value) { }
-    explicit Value(std::int64_t value) : storage_(value) { }
-    explicit Value(double value) : storage_(value) { }
-    explicit Value(Date value) : storage_(value) { }
-    explicit Value(Uid value) : storage_(value) { }
-    explicit Value(SharedText value) : storage_(std::move(value)) { }
-    explicit Value(const char* text) : storage_(SharedText(text)) { }
-    explicit Value(Data value) : storage_(std::make_shared<const Data>(std::move(value))) { }
-    explicit Value(Array value);
+    constexpr Value() = default;
+    explicit Value(bool value) : boolean_(value), kind_(Kind::boolean) { }
+    explicit Value(std::int64_t value) : integer_(value), kind_(Kind::integer) { }
+    explicit Value(double value) : real_(value), kind_(Kind::real) { }
+    explicit Value(Date value) : real_(value.seconds), kind_(Kind::date) { }
+    explicit Value(Uid value) : integer_(value.index), kind_(Kind::uid) { }
+    // These keep what they are given, which must outlive the value.
+    explicit Value(Data value) : Value(value.data(), value.size(), Kind::data) { }
+    explicit Value(std::string_view value) : Value(value.data(), value.size(), Kind::string) { }
+    explicit Value(const char*) = delete; // would be a boolean
+    explicit Value(Array value) : Value(value.data(), value.size(), Kind::array) { }
     explicit Value(Dict value);
 
-    Kind kind() const { return static_cast<Kind>(storage_.index()); }
-    bool isNull() const { return kind() == Kind::null; }
+    Kind kind() const { return kind_; }
+    bool isNull() const { return is(Kind::null); }
 
     // Each is nothing, or empty, for a value of another kind.
-    std::optional<bool> boolean() const { return plain<bool>(); }
-    std::optional<std::int64_t> integer() const { return plain<std::int64_t>(); }
-    std::optional<double> real() const { return plain<double>(); }
+    std::optional<bool> boolean() const { return is(Kind::boolean) ? std::optional(boolean_) : std::nullopt; }
+    std::optional<std::int64_t> integer() const
+    {
+        return is(Kind::integer) ? std::optional(integer_) : std::nullopt;
+    }
+    std::optional<double> real() const { return is(Kind::real) ? std::optional(real_) : std::nullopt; }
     /// An integer or a real.
     std::optional<double> number() const;
-    std::optional<double> date() const;
-    std::optional<std::int64_t> uid() const;
+    std::optional<double> date() const { return is(Kind::date) ? std::optional(real_) : std::nullopt; }
+    std::optional<std::int64_t> uid() const { return is(Kind::uid) ? std::optional(integer_) : std::nullopt; }
     std::optional<std::string_view> text() const;
-    std::span<const std::uint8_t> data() const;
-    std::span<const Value> elements() const;
+    Data data() const { return held<std::uint8_t>(Kind::data); }
+    Array elements() const { return held<Value>(Kind::array); }
     /// The pairs of a dictionary in the order of the file; keys may be of any kind and appear twice.
-    std::span<const Member> members() const;
+    Dict members() const;
 
     /// The value under a key that is this text, the last one of several, or null when there is none.
     const Value* member(std::string_view key) const;
 
 private:
+    Value(const void* held, std::size_t count, Kind kind)
+        : held_(held), count_(static_cast<std::uint32_t>(count)), kind_(kind)
+    { }
+    bool is(Kind kind) const { return kind_ == kind; }
     template <typename T>
-    std::optional<T> plain() const
+    std::span<const T> held(Kind kind) const
     {
-        const T* const value = std::get_if<T>(&storage_);
-        return value ? std::optional(*value) : std::nullopt;
+        return is(kind) ? std::span(static_cast<const T*>(held_), count_) : std::span<const T>();
     }
-    template <typename T>
-    std::span<const T> shared() const;
 
-    std::variant<bool, std::int64_t, double, Date, std::shared_ptr<const Data>, SharedText, Uid,
-        std::shared_ptr<const Array>, std::shared_ptr<const Dict>, Null>
-        storage_;
+    union {
+        bool boolean_;
+        std::int64_t integer_ = 0;
+        double real_;
+        const void* held_;
+    };
+    std::uint32_t count_ = 0; // of bytes, elements or pairs held
+    Kind kind_ = Kind::null;
 };
 
 struct BinaryPlist::Member {

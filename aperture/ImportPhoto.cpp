@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
 
 namespace korvo {
 
@@ -32,11 +33,12 @@ auto firstOf(const ImportSource& source, const Map& byVersion, Get get)
 std::vector<std::string> allKeywords(const ImportSource& source, const ImportDescriptions& descriptions)
 {
     std::vector<std::string> keywords;
+    std::unordered_set<std::string_view> seen;
     for (const auto* version : source.versions)
         if (const auto entry = descriptions.metadata.find(version->modelId);
             entry != descriptions.metadata.end())
             for (const auto& keyword : entry->second.keywords)
-                if (std::find(keywords.begin(), keywords.end(), keyword) == keywords.end())
+                if (seen.insert(keyword).second)
                     keywords.push_back(keyword);
     return keywords;
 }

@@ -67,7 +67,7 @@ public:
     ImportPlanner(ApertureImporter& importer, const MatchRender& match) : importer_(importer), match_(match)
     { }
 
-    std::optional<ApertureImportPlan> run()
+    ApertureImportPlan run()
     {
         auto& library = importer_.library_;
         importer_.show("Reading the Aperture library…");
@@ -77,21 +77,20 @@ public:
         plan_.projects = library.projects();
         plan_.folderPaths = library.folderPaths();
         plan_.keywords = library.keywordEntries();
-        if (importer_.stop_.stop_requested())
-            return std::nullopt;
         sources_ = importSources(tables_);
         readPhotos();
-        if (importer_.stop_.stop_requested())
-            return std::nullopt;
         gather();
         for (const auto& album : tables_.albums)
             addAlbum(album);
         for (const auto& stack : tables_.stacks)
             addStack(stack);
+        throwIfStopped();
         return std::move(plan_);
     }
 
 private:
+    void throwIfStopped() const { importer_.throwIfStopped(); }
+
     const char* phase() const
     {
         return match_ ? "Reading photos and matching Aperture's renders…" : "Reading photos…";
@@ -103,8 +102,7 @@ private:
         importer_.show(phase(), 0, sources_.size());
         std::atomic<std::size_t> done = 0;
         tbb::parallel_for(std::size_t(0), sources_.size(), [&](std::size_t i) {
-            if (importer_.stop_.stop_requested())
-                return;
+            throwIfStopped();
             imported_[i] = importMaster(importer_.library_, sources_[i], tables_.descriptions, match_);
             constexpr std::size_t step = 64;
             if (const auto count = ++done; match_ || count % step == 0 || count == sources_.size())
@@ -113,11 +111,12 @@ private:
     }
 
     /// Puts the photos of all masters into one list. Two masters may point at one file: the photos of the
-    /// second become versions of the first.
+    /// second become versions of the first, with what all versions of a photo share.
     void gather()
     {
         std::unordered_map<std::string, std::size_t> masterAt;
         for (std::size_t i = 0; i < sources_.size(); ++i) {
+            throwIfStopped();
             auto& imported = imported_[i];
             plan_.missingFiles += imported.photos.empty();
             plan_.adjustedVersions += imported.adjusted;
@@ -128,11 +127,27 @@ private:
                 const auto at = plan_.photos.size();
                 const auto master = masterAt.try_emplace(photo.row.path, at).first->second;
                 photo.versionOf = master == at ? std::nullopt : std::optional(master);
+                if (photo.versionOf)
+                    share(plan_.photos[master], photo);
                 placeOf_.emplace(sources_[i].versions[n]->uuid, at);
                 placeOfModel_.emplace(sources_[i].versions[n]->modelId, at);
                 plan_.photos.push_back(std::move(photo));
             }
         }
+    }
+
+    /// Gives a version what belongs to its file: all but its marks, name, edits and render.
+    static void share(const ApertureImportPlan::Photo& master, ApertureImportPlan::Photo& version)
+    {
+        auto row = master.row;
+        row.rating = version.row.rating;
+        row.flagged = version.row.flagged;
+        row.label = version.row.label;
+        row.edits = std::move(version.row.edits);
+        row.versionName = std::move(version.row.versionName);
+        row.referencePath = std::move(version.row.referencePath);
+        version.row = std::move(row);
+        version.projectUuid = master.projectUuid;
     }
 
     std::vector<std::size_t> members(const ApertureLibrary::Album& album) const
@@ -146,10 +161,12 @@ private:
 
     void addAlbum(const ApertureLibrary::Album& album)
     {
+        throwIfStopped();
         if (album.subclass == implicitAlbum)
             return;
         const bool isSmart = album.subclass == smartAlbum;
-        const auto rules = isSmart && album.smartQuery ? convertSmartAlbum(*album.smartQuery) : std::nullopt;
+        const auto rules
+            = isSmart && album.smartQuery ? convertSmartAlbum(album.smartQuery->root()) : std::nullopt;
         if (rules) {
             plan_.smartAlbums.push_back({album.name, toJson(*rules)});
             return;
@@ -195,7 +212,17 @@ private:
 
 std::optional<ApertureImportPlan> ApertureImporter::plan(const MatchRender& match)
 {
-    return ImportPlanner(*this, match).run();
+    try {
+        return ImportPlanner(*this, match).run();
+    } catch (const ImportStopped&) {
+        return std::nullopt;
+    }
+}
+
+void ApertureImporter::throwIfStopped() const
+{
+    if (stop_.stop_requested())
+        throw ImportStopped();
 }
 
 void ApertureImporter::show(const char* phase, std::size_t done, std::size_t total)

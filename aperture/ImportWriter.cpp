@@ -1,4 +1,5 @@
 #include "aperture/ApertureImporter.h"
+#include "base/Json.h"
 #include "base/Text.h"
 
 #include <unordered_map>
@@ -13,7 +14,29 @@ std::string named(const std::string& name)
     return trimmed(name).empty() ? "Untitled" : name;
 }
 
-struct Stopped { };
+/// Finds and makes keywords. Those of the catalog are read once: it has no index of their names.
+class KeywordTree {
+public:
+    explicit KeywordTree(Catalog& catalog) : catalog_(catalog)
+    {
+        for (const auto& keyword : catalog.keywords())
+            ids_.emplace(Place(keyword.parentID.value_or(0), keyword.name), keyword.id);
+    }
+
+    std::int64_t keyword(const std::string& name, std::optional<std::int64_t> parent)
+    {
+        const auto [place, isNew] = ids_.try_emplace(Place(parent.value_or(0), name), 0);
+        if (isNew)
+            place->second = catalog_.createKeyword(name, parent);
+        return place->second;
+    }
+
+private:
+    using Place = std::pair<std::int64_t, std::string>; // the parent, 0 for none, and the name
+
+    Catalog& catalog_;
+    std::map<Place, std::int64_t> ids_;
+};
 
 } // namespace
 
@@ -43,11 +66,7 @@ public:
     }
 
 private:
-    void throwIfStopped() const
-    {
-        if (importer_.stop_.stop_requested())
-            throw Stopped();
-    }
+    void throwIfStopped() const { importer_.throwIfStopped(); }
 
     /// The folder of these names, made with those above it if it is not there yet.
     std::optional<std::int64_t> folder(const std::vector<std::string>& path)
@@ -95,13 +114,36 @@ private:
             row.addedAt = now_;
             row.projectID = projectOf(photo.projectUuid);
             auto master = photo.versionOf ? std::optional(masterIDs_[*photo.versionOf]) : std::nullopt;
-            // A file that the library holds already gets Aperture's photo as a version.
-            if (!master && hadPhotos)
-                master = catalog_.masterAt(row.path);
-            ids_.push_back(catalog_.addImportedPhoto(row, master));
+            const auto known
+                = !master && hadPhotos ? catalog_.masterAt(row.path) : knownMasterOf(photo.versionOf);
+            ids_.push_back(known ? addToKnown(*known, row) : catalog_.addImportedPhoto(row, master));
+            if (known)
+                master = known;
             masterIDs_.push_back(master.value_or(ids_.back()));
+            isKnown_.push_back(known.has_value());
             ++(master ? summary_.versions : summary_.masters);
         }
+    }
+
+    /// Of a planned photo that was held before the import.
+    std::optional<PhotoID> knownMasterOf(const std::optional<std::size_t>& planned) const
+    {
+        return planned && isKnown_[*planned] ? std::optional(masterIDs_[*planned]) : std::nullopt;
+    }
+
+    /// A file that the library holds already gets Aperture's photo as a version, which shares the library's
+    /// own description of the file.
+    PhotoID addToKnown(PhotoID master, const ImportedPhoto& row)
+    {
+        const auto name = trimmed(row.versionName).empty() ? std::nullopt : std::optional(row.versionName);
+        const auto edits = row.edits.empty() ? PhotoEdits() : fromJson<PhotoEdits>(row.edits);
+        const auto id = catalog_.createVersion(master, name, edits, now_);
+        const std::span only(&id, 1);
+        catalog_.setRating(only, row.rating);
+        catalog_.setFlagged(only, row.flagged);
+        catalog_.setLabel(only, row.label);
+        catalog_.setReferencePath(id, row.referencePath);
+        return id;
     }
 
     /// The keyword tree. A parent may come after its children; a keyword that lies below itself loses its
@@ -112,6 +154,7 @@ private:
         for (const auto& entry : plan_.keywords)
             waiting.emplace(entry.modelId, &entry);
         std::unordered_map<std::int64_t, std::int64_t> written;
+        KeywordTree tree(catalog_);
         for (const auto& entry : plan_.keywords) {
             std::vector<const ApertureLibrary::KeywordEntry*> missing; // this one and those above it
             for (auto at = waiting.find(entry.modelId); at != waiting.end();) {
@@ -123,7 +166,7 @@ private:
                 throwIfStopped();
                 const auto& keyword = *missing.back();
                 const auto parent = keyword.parentId ? written.find(*keyword.parentId) : written.end();
-                written[keyword.modelId] = catalog_.keyword(named(keyword.name),
+                written[keyword.modelId] = tree.keyword(named(keyword.name),
                     parent == written.end() ? std::nullopt : std::optional(parent->second));
             }
         }
@@ -145,8 +188,10 @@ private:
                 catalog_.createAlbum(named(album.name), projectOf(album.folderUuid)), idsOf(album.photos));
             showGroup();
         }
-        for (const auto& album : plan_.smartAlbums)
+        for (const auto& album : plan_.smartAlbums) {
+            throwIfStopped();
             catalog_.createSmartAlbum(named(album.name), album.rules);
+        }
         summary_.albums = plan_.albums.size();
         summary_.smartAlbums = plan_.smartAlbums.size();
         summary_.smartAlbumsAsPlain = plan_.smartAlbumsAsPlain;
@@ -183,6 +228,7 @@ private:
     std::unordered_map<std::string, std::int64_t> projects_;
     std::vector<PhotoID> ids_; // of each planned photo
     std::vector<PhotoID> masterIDs_; // likewise: itself for a master
+    std::vector<bool> isKnown_; // likewise: its master was held before
     std::size_t groups_ = 0;
     ApertureImporter::Summary summary_;
 };
@@ -192,7 +238,7 @@ std::optional<ApertureImporter::Summary> ApertureImporter::write(
 {
     try {
         return ImportWriter(*this, plan, catalog, clock).run();
-    } catch (const Stopped&) {
+    } catch (const ImportStopped&) {
         return std::nullopt;
     }
 }

@@ -1,39 +1,56 @@
 #include "aperture/BinaryPlist.h"
 
-#include <string>
+#include <algorithm>
 #include <unordered_map>
 
 namespace korvo {
 
 namespace {
 
+using namespace std::string_view_literals;
 using Value = BinaryPlist::Value;
 using Resolved = std::optional<Value>;
 
-/// The dictionary that is made of these pairs; the last one under a key counts.
+/// Puts together the dictionary of these pairs; the last one under a key counts.
 class PlainDict {
 public:
-    explicit PlainDict(std::size_t count) { members_.reserve(count); }
+    /// `room` is for as many members as there will be calls of set.
+    explicit PlainDict(std::span<BinaryPlist::Member> room) : room_(room) { }
 
-    void set(const Value& key, Value value)
+    void set(const Value& key, const Value& value)
     {
-        const auto [place, isNew] = places_.try_emplace(*key.text(), members_.size());
-        if (isNew)
-            members_.push_back({key, std::move(value)});
-        else
-            members_[place->second].value = std::move(value);
+        auto* const known = find(*key.text());
+        (known ? *known : room_[size_++]) = {known ? known->key : key, value};
     }
 
-    Value take() { return Value(std::move(members_)); }
+    Value take() const { return Value(Value::Dict(room_.first(size_))); }
 
 private:
-    Value::Dict members_;
-    std::unordered_map<std::string_view, std::size_t> places_; // views into the shared texts of the keys
+    BinaryPlist::Member* find(std::string_view key)
+    {
+        constexpr std::size_t few = 16; // in which looking is faster than remembering
+        if (size_ < few) {
+            const auto members = room_.first(size_);
+            const auto found = std::find_if(members.begin(), members.end(),
+                [&](const BinaryPlist::Member& member) { return member.key.text() == key; });
+            return found == members.end() ? nullptr : &*found;
+        }
+        for (std::size_t i = places_.size(); i < size_; ++i)
+            places_.emplace(*room_[i].key.text(), i);
+        const auto place = places_.find(key);
+        return place == places_.end() ? nullptr : &room_[place->second];
+    }
+
+    std::span<BinaryPlist::Member> room_;
+    std::size_t size_ = 0;
+    std::unordered_map<std::string_view, std::size_t> places_;
 };
 
 class Archive {
 public:
-    Archive(std::span<const Value> objects, std::size_t size) : objects_(objects), unspent_(4 * size) { }
+    Archive(std::span<const Value> objects, std::size_t size, std::pmr::memory_resource& memory)
+        : objects_(objects), memory_(memory), unspent_(6 * size)
+    { }
 
     Resolved resolve(const Value& value, int depth)
     {
@@ -75,18 +92,27 @@ private:
         return value;
     }
 
+    /// Room for as many values or members, which is paid for before it is taken.
+    template <typename T>
+    std::span<T> room(std::size_t count)
+    {
+        spend(count);
+        return {static_cast<T*>(memory_.allocate(count * sizeof(T), alignof(T))), count};
+    }
+
     Resolved array(const Value& references, int depth)
     {
-        Value::Array elements;
+        const auto elements = room<Value>(references.elements().size());
+        std::size_t size = 0;
         for (const auto& reference : references.elements())
-            if (auto element = resolve(reference, depth + 1))
-                elements.push_back(*std::move(element));
-        return Value(std::move(elements));
+            if (const auto element = resolve(reference, depth + 1))
+                elements[size++] = *element;
+        return Value(Value::Array(elements.first(size)));
     }
 
     Resolved dict(const Value& object, int depth)
     {
-        spend(object.members().size());
+        spend(object.members().size()); // which are looked through
         const auto* const keys = object.member("NS.keys");
         const auto* const objects = object.member("NS.objects");
         if (keys && objects)
@@ -112,27 +138,27 @@ private:
     Resolved dictionary(const Value& keys, const Value& objects, int depth)
     {
         const auto count = std::min(keys.elements().size(), objects.elements().size());
-        PlainDict plain(count);
+        PlainDict plain(room<BinaryPlist::Member>(count));
         for (std::size_t i = 0; i < count; ++i) {
             const auto key = resolve(keys.elements()[i], depth + 1);
-            auto value = resolve(objects.elements()[i], depth + 1);
+            const auto value = resolve(objects.elements()[i], depth + 1);
             if (key && key->text() && value)
-                plain.set(*key, *std::move(value));
+                plain.set(*key, *value);
         }
         return plain.take();
     }
 
     Resolved members(const Value& object, int depth)
     {
-        PlainDict plain(object.members().size());
+        PlainDict plain(room<BinaryPlist::Member>(object.members().size()));
         for (const auto& [key, value] : object.members()) {
             if (!key.text())
                 continue;
             if (key.text() == "$class") {
-                if (auto name = className(value, depth))
-                    plain.set(Value("__class__"), *std::move(name));
-            } else if (auto resolved = resolve(value, depth + 1))
-                plain.set(key, *std::move(resolved));
+                if (const auto name = className(value, depth))
+                    plain.set(Value("__class__"sv), *name);
+            } else if (const auto resolved = resolve(value, depth + 1))
+                plain.set(key, *resolved);
         }
         return plain.take();
     }
@@ -147,14 +173,16 @@ private:
     }
 
     std::span<const Value> objects_;
+    std::pmr::memory_resource& memory_;
     std::size_t unspent_; // values that may still be made or looked at
 };
 
 } // namespace
 
-std::optional<Value> BinaryPlist::unarchive(Bytes bytes)
+std::optional<BinaryPlist> BinaryPlist::unarchive(Bytes bytes)
 {
-    const auto list = parse(bytes);
+    auto memory = std::make_shared<Memory>(5 * bytes.size());
+    const auto list = parseInto(*memory, bytes);
     std::span<const Value> objects;
     std::optional<Value> root;
     for (const auto& [key, value] : list.members()) {
@@ -164,7 +192,8 @@ std::optional<Value> BinaryPlist::unarchive(Bytes bytes)
                  found && found->uid())
             root = *found;
     }
-    return root ? Archive(objects, bytes.size()).resolve(*root, 0) : std::nullopt;
+    const auto resolved = root ? Archive(objects, bytes.size(), *memory).resolve(*root, 0) : std::nullopt;
+    return resolved ? std::optional(BinaryPlist(std::move(memory), *resolved)) : std::nullopt;
 }
 
 } // namespace korvo

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
 #include <string>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
@@ -26,12 +27,19 @@ bool isAscii(Bytes bytes)
     return seen < 0x80;
 }
 
+std::string_view kept(std::string_view text, std::pmr::memory_resource& memory)
+{
+    auto* const copy = static_cast<char*>(memory.allocate(text.size(), 1));
+    std::copy(text.begin(), text.end(), copy);
+    return {copy, text.size()};
+}
+
 } // namespace
 
-SharedText textFromUtf8(Bytes bytes)
+std::string_view textFromUtf8(Bytes bytes, std::pmr::memory_resource& memory)
 {
     if (isAscii(bytes) || isUtf8(bytes.text()))
-        return bytes.text();
+        return kept(bytes.text(), memory);
     std::string text;
     const auto size = static_cast<std::int64_t>(bytes.size());
     for (std::int64_t at = 0; at < size;) {
@@ -39,10 +47,10 @@ SharedText textFromUtf8(Bytes bytes)
         U8_NEXT_OR_FFFD(bytes.data(), at, size, character);
         append(text, character);
     }
-    return text;
+    return kept(text, memory);
 }
 
-SharedText textFromUtf16(Bytes bytes)
+std::string_view textFromUtf16(Bytes bytes, std::pmr::memory_resource& memory)
 {
     const auto unit
         = [&](std::size_t i) { return static_cast<char16_t>(bytes[2 * i] << 8 | bytes[2 * i + 1]); };
@@ -54,7 +62,7 @@ SharedText textFromUtf16(Bytes bytes)
             character = U16_GET_SUPPLEMENTARY(character, unit(++i));
         append(text, U_IS_SURROGATE(character) ? 0xFFFD : character);
     }
-    return text;
+    return kept(text, memory);
 }
 
 } // namespace korvo

@@ -1,14 +1,27 @@
 #include "aperture/BinaryPlist.h"
 
 #include <algorithm>
+#include <new>
 
 namespace korvo {
 
 using Value = BinaryPlist::Value;
 
-Value::Value(Array value) : storage_(std::make_shared<const Array>(std::move(value))) { }
+namespace {
 
-Value::Value(Dict value) : storage_(std::make_shared<const Dict>(std::move(value))) { }
+constexpr Value nothing;
+
+} // namespace
+
+BinaryPlist::BinaryPlist() : root_(&nothing) { }
+
+BinaryPlist::BinaryPlist(std::shared_ptr<Memory> memory, const Value& root)
+    : root_(new (memory->allocate(sizeof(Value), alignof(Value))) Value(root))
+{
+    memory_ = std::move(memory);
+}
+
+Value::Value(Dict value) : Value(value.data(), value.size(), Kind::dict) { }
 
 std::optional<double> Value::number() const
 {
@@ -17,44 +30,16 @@ std::optional<double> Value::number() const
     return real();
 }
 
-std::optional<double> Value::date() const
-{
-    const auto value = plain<Date>();
-    return value ? std::optional(value->seconds) : std::nullopt;
-}
-
-std::optional<std::int64_t> Value::uid() const
-{
-    const auto value = plain<Uid>();
-    return value ? std::optional(value->index) : std::nullopt;
-}
-
 std::optional<std::string_view> Value::text() const
 {
-    const auto* const value = std::get_if<SharedText>(&storage_);
-    return value ? std::optional(value->view()) : std::nullopt;
+    if (!is(Kind::string))
+        return std::nullopt;
+    return std::string_view(static_cast<const char*>(held_), count_);
 }
 
-template <typename T>
-std::span<const T> Value::shared() const
+BinaryPlist::Value::Dict Value::members() const
 {
-    const auto* const value = std::get_if<std::shared_ptr<const std::vector<T>>>(&storage_);
-    return value ? std::span<const T>(**value) : std::span<const T>();
-}
-
-std::span<const std::uint8_t> Value::data() const
-{
-    return shared<std::uint8_t>();
-}
-
-std::span<const Value> Value::elements() const
-{
-    return shared<Value>();
-}
-
-std::span<const BinaryPlist::Member> Value::members() const
-{
-    return shared<Member>();
+    return held<Member>(Kind::dict);
 }
 
 const Value* Value::member(std::string_view key) const

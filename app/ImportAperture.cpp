@@ -21,14 +21,36 @@ void refuseInsideABundle(const fs::path& folder)
 
 /// Refuses what can be told to be refused before the bundle is read.
 void refuseSecondImport(
-    const ApertureImport& import, const fs::path& folder, ApertureLibrary& bundle, const Clock& clock)
+    const ApertureImport& request, const fs::path& folder, ApertureLibrary& bundle, const Clock& clock)
 {
     if (!fs::exists(folder / "catalog.sqlite"))
         return;
-    if (!import.into)
+    if (!request.into)
         throw ImportError::catalogExists(folder);
     if (Catalog(folder, clock).hasImported(bundle.identity()))
         throw ImportError::alreadyImported(bundle.bundleURL().filename().string());
+}
+
+/// See importAperture; throws DatabaseError too when a stop ends a reading.
+std::optional<ApertureImported> imported(const ApertureImport& request, const Clock& clock,
+    Defaults& defaults, const ApertureImporter::ShowProgress& progress, const std::stop_token& stop)
+{
+    auto bundle = ApertureLibrary::open(request.bundle, ApertureVolumes(request.volumes), stop);
+    const auto folder = request.into.value_or(libraryBeside(request.bundle));
+    refuseInsideABundle(folder);
+    refuseSecondImport(request, folder, bundle, clock);
+    ApertureImporter importer(bundle, progress, stop);
+    const auto plan = importer.plan(request.match);
+    if (!plan)
+        return std::nullopt;
+    UnfinishedLibrary unfinished(folder);
+    auto catalog = std::make_unique<Catalog>(folder, clock);
+    auto summary = importer.write(*plan, *catalog, clock);
+    if (!summary)
+        return std::nullopt;
+    unfinished.keep();
+    rememberLibrary(*catalog, defaults);
+    return ApertureImported{*std::move(summary), catalog->libraryURL()};
 }
 
 } // namespace
@@ -41,25 +63,16 @@ fs::path libraryBeside(const fs::path& bundle)
     return named.parent_path() / (named.stem().string() + " Korvo");
 }
 
-std::optional<ApertureImported> importAperture(const ApertureImport& import, const Clock& clock,
+std::optional<ApertureImported> importAperture(const ApertureImport& request, const Clock& clock,
     Defaults& defaults, const ApertureImporter::ShowProgress& progress, const std::stop_token& stop)
 {
-    auto bundle = ApertureLibrary::open(import.bundle, ApertureVolumes(import.volumes));
-    const auto folder = import.into.value_or(libraryBeside(import.bundle));
-    refuseInsideABundle(folder);
-    refuseSecondImport(import, folder, bundle, clock);
-    ApertureImporter importer(bundle, progress, stop);
-    const auto plan = importer.plan(import.match);
-    if (!plan)
-        return std::nullopt;
-    UnfinishedLibrary unfinished(folder);
-    auto catalog = std::make_unique<Catalog>(folder, clock);
-    auto summary = importer.write(*plan, *catalog, clock);
-    if (!summary)
-        return std::nullopt;
-    unfinished.keep();
-    rememberLibrary(*catalog, defaults);
-    return ApertureImported{*std::move(summary), catalog->libraryURL()};
+    try {
+        return imported(request, clock, defaults, progress, stop);
+    } catch (const DatabaseError&) {
+        if (stop.stop_requested())
+            return std::nullopt;
+        throw;
+    }
 }
 
 } // namespace korvo

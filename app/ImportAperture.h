@@ -32,7 +32,7 @@ std::filesystem::path libraryBeside(const std::filesystem::path& bundle);
 /// Imports a bundle and remembers the library as the last one opened. Nothing when it was stopped. Throws
 /// ApertureLibrary::OpenError, ImportError and DatabaseError; whatever ends it, nothing of the import stays,
 /// nor of a library that was made for it.
-std::optional<ApertureImported> importAperture(const ApertureImport& import, const Clock& clock,
+std::optional<ApertureImported> importAperture(const ApertureImport& request, const Clock& clock,
     Defaults& defaults, const ApertureImporter::ShowProgress& progress, const std::stop_token& stop);
 
 } // namespace korvo

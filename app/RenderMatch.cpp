@@ -23,6 +23,7 @@ bool isDrawn(PhotoEdits edits)
     edits.rotation.reset();
     edits.straighten.reset();
     edits.crop.reset();
+    edits.retouches.reset(); // spots are too small for the tone of the whole
     return isIdentity(edits);
 }
 

@@ -211,8 +211,6 @@ public:
     /// Adds a master, or a version of one.
     PhotoID addImportedPhoto(const ImportedPhoto& photo, std::optional<PhotoID> versionOf);
     std::optional<PhotoID> masterAt(std::string_view path);
-    /// The keyword of that name below that parent, made if there is none.
-    std::int64_t keyword(std::string_view name, std::optional<std::int64_t> parent);
     /// Whether an Aperture library, known by what identifies it, has been imported.
     bool hasImported(std::string_view identity);
     void noteImport(std::string_view identity, const std::filesystem::path& bundle);
@@ -274,6 +272,7 @@ public:
     void deleteAlbum(std::int64_t id);
     void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);
     void removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos);
+    std::vector<KeywordRow> keywords();
     std::int64_t createKeyword(std::string_view name, std::optional<std::int64_t> parent);
     void deleteKeyword(std::int64_t id);
     std::int64_t createSmartAlbum(std::string_view name, std::string_view rules);

@@ -47,13 +47,6 @@ std::optional<PhotoID> Catalog::masterAt(std::string_view path)
     return id ? std::optional(id) : std::nullopt;
 }
 
-std::int64_t Catalog::keyword(std::string_view name, std::optional<std::int64_t> parent)
-{
-    const auto id
-        = database_.scalar("SELECT id FROM keywords WHERE name = ? AND parent_id IS ?", name, parent);
-    return id ? id : createKeyword(name, parent);
-}
-
 bool Catalog::hasImported(std::string_view identity)
 {
     return readMeta(database_, importKey(identity)).has_value();

@@ -88,10 +88,7 @@ LibraryTree Catalog::tree()
             [](const Statement& row) {
                 return SmartAlbumRow{row.integer(0), text(row, 1), text(row, 2)};
             });
-    tree.keywords = rowsOf(database_, "SELECT id, name, parent_id FROM keywords ORDER BY name COLLATE NOCASE",
-        [](const Statement& row) {
-            return KeywordRow{row.integer(0), text(row, 1), row.optionalInteger(2)};
-        });
+    tree.keywords = keywords();
     tree.people = rowsOf(database_,
         "SELECT pe.id, pe.name, (SELECT COUNT(DISTINCT f.photo_id) FROM faces f WHERE f.person_id = pe.id) "
         "FROM people pe ORDER BY pe.position, pe.name COLLATE NOCASE",
@@ -100,6 +97,14 @@ LibraryTree Catalog::tree()
         });
     tree.totals = totals(database_);
     return tree;
+}
+
+std::vector<KeywordRow> Catalog::keywords()
+{
+    return rowsOf(database_, "SELECT id, name, parent_id FROM keywords ORDER BY name COLLATE NOCASE",
+        [](const Statement& row) {
+            return KeywordRow{row.integer(0), text(row, 1), row.optionalInteger(2)};
+        });
 }
 
 std::vector<std::string> Catalog::keywordsInUse()

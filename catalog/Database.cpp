@@ -74,8 +74,20 @@ Database Database::openReadOnly(const std::filesystem::path& file)
 {
     const auto uri = "file:" + uriPath(std::filesystem::absolute(file)) + "?mode=ro&immutable=1";
     Database database(uri, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    database.distrustSchema();
     database.exec("PRAGMA foreign_keys = ON");
     return database;
+}
+
+/// What others wrote into a file's schema does not run: no views, no triggers, no functions with effects.
+void Database::distrustSchema()
+{
+    const std::pair<int, int> settings[]
+        = {{SQLITE_DBCONFIG_DEFENSIVE, 1}, {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+            {SQLITE_DBCONFIG_ENABLE_VIEW, 0}, {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0}};
+    for (const auto& [setting, value] : settings)
+        sqlite3_db_config(handle(), setting, value, nullptr);
+    exec("PRAGMA cell_size_check = ON");
 }
 
 Database Database::openForALook(const std::filesystem::path& file)

@@ -25,8 +25,8 @@ public:
     explicit Database(const std::filesystem::path& file);
 
     /// Opens a file strictly for reading and leaves no trace beside it, not even SQLite's own companions.
-    /// Changes that others make meanwhile, and those in a write-ahead log, are not seen. Throws
-    /// DatabaseError.
+    /// Changes that others make meanwhile, and those in a write-ahead log, are not seen; nothing that the
+    /// file's schema defines is run. Throws DatabaseError.
     static Database openReadOnly(const std::filesystem::path& file);
 
     /// Opens a file for a look through its write-ahead log, which is neither written back nor removed when
@@ -101,6 +101,7 @@ private:
 
     explicit Database(const std::string& name, int flags);
     void useWriteAheadLog();
+    void distrustSchema();
 
     std::unique_ptr<sqlite3, Close> handle_;
     StatementCache kept_; // before the handle in destruction, so that nothing keeps the connection open

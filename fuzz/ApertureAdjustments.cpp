@@ -10,7 +10,7 @@ using namespace korvo;
 
 namespace {
 
-std::vector<ApertureAdjustment> adjustments(const BinaryPlist::Value& parameters)
+std::vector<ApertureAdjustment> adjustments(const BinaryPlist& parameters)
 {
     std::vector<ApertureAdjustment> all;
     const auto add = [&](std::string_view name) {
@@ -28,19 +28,19 @@ std::vector<ApertureAdjustment> adjustments(const BinaryPlist::Value& parameters
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    std::optional<BinaryPlist::Value> root;
+    std::optional<BinaryPlist> archive;
     try {
-        root = BinaryPlist::unarchive({data, size});
+        archive = BinaryPlist::unarchive({data, size});
     } catch (const BinaryPlist::ParseError&) {
         // most bytes are no archive
     }
-    if (!root)
+    if (!archive)
         return 0;
     ApertureTranslator::Report report;
     const auto maskFile = [](const std::string& uuid) {
         return uuid.empty() ? std::nullopt : std::optional<std::filesystem::path>(uuid);
     };
-    const auto all = adjustments(*root);
+    const auto all = adjustments(*archive);
     const auto edits = ApertureTranslator::translate(all, {{5000, 1}, 4000, 3000, 90}, maskFile, report);
     if (fromJson<PhotoEdits>(toJson(edits)) != edits)
         std::abort();

@@ -34,9 +34,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const Bytes bytes(data, size);
     try {
-        walk(BinaryPlist::parse(bytes), 64 * size);
-        if (const auto root = BinaryPlist::unarchive(bytes))
-            walk(*root, 8 * size);
+        const auto list = BinaryPlist::parse(bytes);
+        walk(list.root(), 64 * size);
+        if (const auto archive = BinaryPlist::unarchive(bytes))
+            walk(archive->root(), 8 * size);
     } catch (const BinaryPlist::ParseError&) {
         // most bytes are no property list
     }

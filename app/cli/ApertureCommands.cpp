@@ -9,15 +9,14 @@ namespace korvo {
 
 ExitCode plistCommand(Context& context, const PlistArguments& arguments)
 {
-    const auto bytes = readWholeFile(arguments.file);
+    const auto contents = readWholeFile(arguments.file);
+    const Bytes bytes(contents);
     JsonWriter json;
     try {
-        if (!arguments.unarchive)
-            writeJson(json, BinaryPlist::parse(Bytes(bytes)));
-        else if (const auto root = BinaryPlist::unarchive(Bytes(bytes)))
-            writeJson(json, *root);
-        else
-            json.null();
+        // An archive without a root is null.
+        const auto list = arguments.unarchive ? BinaryPlist::unarchive(bytes).value_or(BinaryPlist())
+                                              : BinaryPlist::parse(bytes);
+        writeJson(json, list.root());
     } catch (const BinaryPlist::ParseError& error) {
         throw std::runtime_error(arguments.file.string() + ": " + error.what());
     }
@@ -124,22 +123,22 @@ ExitCode importApertureCommand(Context& context, const ApertureArguments& argume
 {
     const auto launcher = systemProcessLauncher();
     SystemImageReader reader(*launcher, SystemImageReader::installedDecoder());
-    ApertureImport import{arguments.bundle, arguments.into, volumesOf(arguments.volumes), {}};
+    ApertureImport request{arguments.bundle, arguments.into, volumesOf(arguments.volumes), {}};
     if (arguments.matchRenders)
-        import.match = [&](const auto& original, const auto& edits, const auto& preview) {
+        request.match = [&](const auto& original, const auto& edits, const auto& preview) {
             return matchRender(reader, original, edits, preview, context.stop());
-};
-std::optional<ApertureImported> imported;
-{
-    PhaseProgress phases(context.progressMode());
-    imported = importAperture(
-        import, context.clock(), context.defaults(),
-        [&](const ApertureImporter::Progress& progress) { phases.show(progress); }, context.stop());
+        };
+    std::optional<ApertureImported> imported;
+    {
+        PhaseProgress phases(context.progressMode());
+        imported = importAperture(
+            request, context.clock(), context.defaults(),
+            [&](const ApertureImporter::Progress& progress) { phases.show(progress); }, context.stop());
+    }
+    if (!imported)
+        return ExitCode::interrupted;
+    printSummary(context, *imported, arguments.matchRenders ? Matching::on : Matching::off);
+    return ExitCode::done;
 }
-if (!imported)
-    return ExitCode::interrupted;
-printSummary(context, *imported, arguments.matchRenders ? Matching::on : Matching::off);
-return ExitCode::done;
-} // namespace korvo
 
 } // namespace korvo

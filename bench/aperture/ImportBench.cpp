@@ -12,7 +12,7 @@ namespace korvo {
 namespace {
 
 namespace fs = std::filesystem;
-using Plist = BinaryPlist::Value;
+using Plist = PlistDraft;
 
 constexpr int masters = 20'000;
 

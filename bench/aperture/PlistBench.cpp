@@ -13,7 +13,7 @@ namespace korvo {
 
 namespace {
 
-using Value = BinaryPlist::Value;
+using Value = PlistDraft;
 using Buffers = std::vector<std::string>;
 
 /// The archive of one adjustment: a dictionary of parameters inside another.
@@ -31,7 +31,7 @@ std::string rowsOfText()
 {
     Value::Array rows;
     for (int i = 0; i < 5000; ++i)
-        rows.push_back(plistDict({{"name", Value(SharedText(fmt::format("IMG_{:05}.JPG", i)))},
+        rows.push_back(plistDict({{"name", Value(fmt::format("IMG_{:05}.JPG", i))},
             {"rating", Value(std::int64_t(i % 6))}, {"date", Value(Value::Date{4e8 + i})},
             {"caption", Value("A walk along the river on a clear morning in early spring")}}));
     return plistBytes(Value(std::move(rows)));

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Plist = BinaryPlist::Value;
+using Plist = PlistDraft;
 using Phases = std::vector<std::string>;
 
 Plist whole(std::int64_t value)
@@ -139,6 +139,7 @@ TEST_F(Importing, keepsProjectsAlbumsStacksAndKeywords)
     bundle.addAlbum("Rome", 1, {version(0, 0).id}, rome); // implicit
     bundle.addStack({version(1, 0), version(0, 0), version(0, 1)}, version(0, 1));
     bundle.addStack({version(2, 0), version(2, 1)}, version(2, 0)); // of one master
+    const auto held = target.catalog->createKeyword("Parent", std::nullopt);
     const auto child = bundle.addKeyword("Child", 2);
     EXPECT_EQ(bundle.addKeyword("Parent"), child + 1); // comes after it
     bundle.library().exec("INSERT INTO RKKeyword (modelId, name, parentId) VALUES "
@@ -169,7 +170,8 @@ TEST_F(Importing, keepsProjectsAlbumsStacksAndKeywords)
     for (const auto& keyword : tree.keywords)
         keywords.emplace(keyword.name, keyword);
     ASSERT_EQ(keywords.size(), 5U);
-    EXPECT_EQ(keywords.at("Child").parentID, keywords.at("Parent").id);
+    EXPECT_EQ(keywords.at("Parent").id, held);
+    EXPECT_EQ(keywords.at("Child").parentID, held);
     EXPECT_EQ(keywords.at("below").parentID, keywords.at("circle 1").id);
     EXPECT_NE(keywords.at("circle 1").parentID.has_value(), keywords.at("circle 2").parentID.has_value());
 }
@@ -226,16 +228,28 @@ TEST_F(Importing, countsMissingFilesAndTakesAFileOnce)
     const auto held = folder.write("held.jpg", "x");
     NewPhoto known{.path = held.string()};
     const auto id = target.catalog->addPhotos(std::span(&known, 1)).front().id;
-    bundle.add({.imagePath = shared.string()});
+    target.catalog->setMetadata(id, {.title = "mine"}, WriteBack::done);
+    const auto project = bundle.addFolder("Project", 2);
+    bundle.add({.imagePath = shared.string(), .project = project});
     bundle.add({.imagePath = shared.string(), .rating = 4});
-    bundle.add({.imagePath = held.string()});
+    const auto taken
+        = bundle.add({.imagePath = held.string(), .versions = 2, .rating = 2, .project = project});
+    bundle.addIptc(taken.versions[0].id, "ObjectName", "theirs");
     bundle.add({.name = "lost.jpg", .contents = ""});
     bundle.add({.name = "hidden.jpg", .versions = 0});
     const auto summary = import();
     EXPECT_EQ(summary.masters, 1U);
-    EXPECT_EQ(summary.versions, 2U);
+    EXPECT_EQ(summary.versions, 3U);
     EXPECT_EQ(summary.missingFiles, 1U);
-    EXPECT_EQ(target.catalog->versions(id).size(), 1U);
+    ASSERT_EQ(target.catalog->versions(id).size(), 2U);
+    for (const auto& version : target.catalog->versions(id)) { // it shares what its file has here
+        EXPECT_EQ(version.rating, 2);
+        EXPECT_EQ(version.metadata.title, "mine");
+        EXPECT_FALSE(version.projectID);
+    }
+    const auto master = target.catalog->masterAt(shared.string()).value();
+    EXPECT_EQ(target.catalog->versions(master).at(0).projectID, target.item(master).projectID);
+    EXPECT_EQ(target.catalog->versions(master).at(0).rating, 4);
     EXPECT_EQ(summaryText({.masters = 1, .missingFiles = 2}, Matching::on),
         "1 photo. Compare mode shows Aperture's own render for every photo. Your Aperture library wasn't "
         "modified; "

@@ -48,6 +48,49 @@ TEST(ApertureLibrary, isKnownByItsDatabaseAlone)
     EXPECT_THROW(ApertureLibrary::open(folder / "no database").masters(), DatabaseError);
 }
 
+TEST_F(ApertureLibraryReading, runsNothingThatABundleDefines)
+{
+    ApertureBundle::finish(std::move(bundle));
+    const auto file = path / "Database/apdb/Library.apdb";
+    const auto sound = readFile(file);
+    for (const char* const schema :
+        {"CREATE VIEW RKMaster AS SELECT * FROM RKVersion", "CREATE VIEW RKMaster AS SELECT * FROM RKMaster",
+            "CREATE VIRTUAL TABLE RKMaster USING fts4(uuid, isInTrash)",
+            "CREATE TABLE RKMaster (uuid AS (hex(zeroblob(1000000000))), isInTrash)"}) {
+        folder.write(path.filename() / "Database/apdb/Library.apdb", sound);
+        Database(file).exec(std::string("PRAGMA journal_mode = DELETE; DROP TABLE RKMaster; ") + schema);
+        try {
+            ApertureLibrary::open(path);
+            ADD_FAILURE() << schema;
+        } catch (const DatabaseError& error) {
+            EXPECT_NE(std::string(error.what()).find("Library.apdb: "), std::string::npos) << error.what();
+        }
+    }
+}
+
+TEST_F(ApertureLibraryReading, endsWithAStopAndBeyondWhatAFileCanHold)
+{
+    ApertureBundle::finish(std::move(bundle));
+    std::stop_source stop;
+    BundleDatabase database(path / "Database/apdb/Library.apdb", stop.get_token());
+    const std::string endless = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) ";
+    const auto message = [&](const std::string& sql) {
+        try {
+            database.forEach(sql, [](const BundleRow& row) { row.text(0); });
+        } catch (const DatabaseError& error) {
+            return error.message();
+        }
+        return std::string();
+    };
+    EXPECT_NE(
+        message(endless + "SELECT i FROM n").find("more than its file has room for"), std::string::npos);
+    EXPECT_NE(message(endless + "SELECT hex(zeroblob(10000000)) FROM n").find("more than its file has room"),
+        std::string::npos);
+    EXPECT_EQ(message("SELECT uuid FROM RKFolder"), ""); // what went before does not count
+    stop.request_stop();
+    EXPECT_NE(message(endless + "SELECT i FROM n").find("interrupted"), std::string::npos);
+}
+
 TEST_F(ApertureLibraryReading, leavesNoTraceInTheBundle)
 {
     const auto master = bundle.add({.adjustments = {{"RKExposureOperation", {}}}, .hasPreview = true});
@@ -120,6 +163,7 @@ TEST_F(ApertureLibraryReading, findsTheFilesOfABundle)
     const auto absolute = bundle.add({.name = "b.jpg", .imagePath = elsewhere.string()});
     folder.write("disk/photos/c.jpg", "x");
     const auto onVolume = bundle.add({.name = "c.jpg", .imagePath = "photos/c.jpg", .volume = "Disk"});
+    const auto elsewhereThen = bundle.add({.imagePath = "/Volumes/Disk/photos/c.jpg", .volume = "Disk"});
     const auto escaping
         = bundle.add({.name = "d.jpg", .imagePath = "../../elsewhere/b.jpg", .volume = "Disk"});
     const auto offline = bundle.add({.imagePath = "photos/c.jpg", .volume = "Disk", .isMissing = true});
@@ -134,6 +178,7 @@ TEST_F(ApertureLibraryReading, findsTheFilesOfABundle)
     EXPECT_EQ(file(absolute).file, elsewhere);
     EXPECT_TRUE(file(absolute).isPresent);
     EXPECT_EQ(file(onVolume).file, folder / "disk/photos/c.jpg");
+    EXPECT_EQ(file(elsewhereThen).file, folder / "disk/photos/c.jpg");
     EXPECT_FALSE(file(escaping).isPresent);
     EXPECT_TRUE(file(offline).isPresent); // the user says where it is
     EXPECT_FALSE(file(missing).isPresent);

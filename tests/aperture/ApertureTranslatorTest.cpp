@@ -9,7 +9,7 @@ namespace korvo {
 
 namespace {
 
-using Value = BinaryPlist::Value;
+using Value = PlistDraft;
 using Step = TranslationStep;
 
 const std::string identityLevels
@@ -251,14 +251,14 @@ TEST(ApertureTranslator, passesOverWhatIsDisabledAndCountsTheUnknown)
 TEST(ApertureTranslator, readsParametersBesideOrInsideInputKeys)
 {
     const auto exposure = [](const char* root) {
-        const ApertureAdjustment adjustment{"RKExposureOperation", true, std::nullopt, plistOf(root)};
-        return translated({adjustment}).edits.exposure;
+        const auto parameters = BinaryPlist::parse(Bytes(plistBytes(plistOf(root))));
+        return translated({{"RKExposureOperation", true, std::nullopt, parameters}}).edits.exposure;
     };
     EXPECT_EQ(exposure(R"({"inputEV":1.5})"), 1.5);
     EXPECT_EQ(exposure(R"({"inputKeys":7,"inputEV":1.5})"), 1.5);
     EXPECT_EQ(exposure(R"({"inputKeys":{},"inputEV":1.5})"), 0);
     EXPECT_EQ(exposure("[1]"), 0);
-    EXPECT_EQ(translated({{"RKExposureOperation", true, std::nullopt, Value()}}).edits, PhotoEdits());
+    EXPECT_EQ(translated({{"RKExposureOperation", true, std::nullopt, {}}}).edits, PhotoEdits());
 }
 
 TEST(ApertureTranslator, findsTheCamerasWhiteBalance)
@@ -284,7 +284,7 @@ TEST(ApertureTranslator, valuesOfTheWrongKindAreAsGoodAsNone)
         for (const auto& test : *cases)
             for (const auto& step : test.steps)
                 for (const auto& value : wrong) {
-                    SCOPED_TRACE(step.name + std::to_string(static_cast<int>(value.kind())));
+                    SCOPED_TRACE(step.name + std::to_string(static_cast<int>(value.value.index())));
                     const auto result = translated({step.filledWith(value)}, test.photo);
                     const auto without = translated({step.with(plistDict({}))}, test.photo);
                     EXPECT_EQ(changes(result.edits), changes(without.edits));
@@ -315,12 +315,12 @@ TEST(ApertureTranslator, takesOnlySoManyPointsAndSpots)
     const auto point = plistDict({{"x", Value(0.5)}, {"y", Value(0.5)}});
     const auto stroke
         = plistDict({{"radius", Value(1.0)}, {"xLocation", Value(1.0)}, {"yLocation", Value(1.0)}});
-    const auto result = translated({
-        {"RKCurvesOperation", true, {}, plistDict({{"RGBCurvePoints", Value(Value::Array(100'000, point))}})},
-        {"RKRetouchOperation", true, {}, plistDict({{"inputStrokes", Value(Value::Array(9'999, stroke))}})},
-        {"RKRetouchOperation", true, {}, plistDict({{"inputStrokes", Value(Value::Array(9'999, stroke))}})},
-        {"RKRetouchOperation", true, {}, plistDict({{"inputStrokes", Value(Value::Array(9'999, stroke))}})},
-    });
+    const auto step = [](const char* name, const char* key, Value::Array list) {
+        return Step{name}.with(plistDict({{key, Value(std::move(list))}}));
+    };
+    const auto strokes = step("RKRetouchOperation", "inputStrokes", Value::Array(9'999, stroke));
+    const auto result = translated({step("RKCurvesOperation", "RGBCurvePoints", Value::Array(20'000, point)),
+        strokes, strokes, strokes});
     EXPECT_EQ(result.edits.curves->rgb.size(), 1'000);
     EXPECT_EQ(result.edits.retouches->size(), 10'000);
     EXPECT_EQ(result.report,

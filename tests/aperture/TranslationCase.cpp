@@ -9,7 +9,7 @@ namespace korvo {
 
 namespace {
 
-using Value = BinaryPlist::Value;
+using Value = PlistDraft;
 
 Value plist(const JsonValue& json)
 {
@@ -23,7 +23,7 @@ Value plist(const JsonValue& json)
     case JsonValue::Kind::text: {
         const auto text = json.text();
         return text.starts_with("data:") ? Value(Value::Data(text.begin() + 5, text.end()))
-                                         : Value(SharedText(text));
+                                         : Value(std::string(text));
     }
     case JsonValue::Kind::array: {
         Value::Array elements;
@@ -34,7 +34,7 @@ Value plist(const JsonValue& json)
     default: {
         Value::Dict members;
         for (const auto [key, value] : json.members())
-            members.push_back({Value(SharedText(key)), plist(value)});
+            members.push_back({Value(std::string(key)), plist(value)});
         return Value(std::move(members));
     }
     }
@@ -57,18 +57,16 @@ Value plistOf(const std::string& json)
 
 ApertureAdjustment TranslationStep::with(const Value& values) const
 {
-    const auto bytes
-        = archiveBytes(plistDict({{"inputKeys", values}, {"DGOperationIdentifier", Value(SharedText(name))},
-            {"DGOperationVersionNumber", Value(std::int64_t(0))}, {"enabled", Value(true)}}));
+    const auto bytes = archiveBytes(plistDict({{"inputKeys", values}, {"DGOperationIdentifier", Value(name)},
+        {"DGOperationVersionNumber", Value(std::int64_t(0))}, {"enabled", Value(true)}}));
     return {name, isEnabled, mask, BinaryPlist::unarchive(Bytes(bytes)).value()};
 }
 
 ApertureAdjustment TranslationStep::filledWith(const Value& value) const
 {
-    Value::Dict filled;
-    const auto own = plistOf(parameters);
-    for (const auto& member : own.members())
-        filled.push_back({member.key, value});
+    auto filled = std::get<Value::Dict>(plistOf(parameters).value);
+    for (auto& member : filled)
+        member.value = value;
     return with(Value(std::move(filled)));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "aperture/ApertureTranslator.h"
+#include "tests/support/PlistWriter.h"
 
 #include <string>
 #include <vector>
@@ -8,7 +9,7 @@
 namespace korvo {
 
 /// The values of a property list from JSON text; a text "data:..." becomes data.
-BinaryPlist::Value plistOf(const std::string& json);
+PlistDraft plistOf(const std::string& json);
 
 /// An adjustment; its parameters as JSON.
 struct TranslationStep {
@@ -20,9 +21,9 @@ struct TranslationStep {
     /// As it is read from an archive like Aperture's.
     ApertureAdjustment adjustment() const { return with(plistOf(parameters)); }
     /// The same with other parameters.
-    ApertureAdjustment with(const BinaryPlist::Value& values) const;
+    ApertureAdjustment with(const PlistDraft& values) const;
     /// The same with that value in place of each parameter's own.
-    ApertureAdjustment filledWith(const BinaryPlist::Value& value) const;
+    ApertureAdjustment filledWith(const PlistDraft& value) const;
 };
 
 constexpr ApertureTranslator::Photo usualPhoto{{5000, 10}, 4000, 3000};

@@ -1,7 +1,6 @@
 #include "tests/support/ApertureBundle.h"
 
 #include "platform/PosixFile.h"
-#include "tests/support/PlistWriter.h"
 
 #include <fmt/format.h>
 
@@ -13,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Plist = BinaryPlist::Value;
+using Plist = PlistDraft;
 
 void write(const fs::path& file, const std::string& contents)
 {
@@ -126,10 +125,9 @@ BundleVersion ApertureBundle::addVersion(
 
 void ApertureBundle::addAdjustment(const BundleAdjustment& adjustment, const std::string& version)
 {
-    const auto archive
-        = archiveBytes(plistDict({{"DGOperationIdentifier", Plist(SharedText(adjustment.name))},
-            {"DGOperationVersionNumber", Plist(std::int64_t(0))}, {"enabled", Plist(adjustment.isEnabled)},
-            {"inputKeys", plistDict(adjustment.parameters)}}));
+    const auto archive = archiveBytes(plistDict({{"DGOperationIdentifier", Plist(adjustment.name)},
+        {"DGOperationVersionNumber", Plist(std::int64_t(0))}, {"enabled", Plist(adjustment.isEnabled)},
+        {"inputKeys", plistDict(adjustment.parameters)}}));
     library_.run(
         "INSERT INTO RKImageAdjustment (uuid, name, versionUuid, maskUuid, adjIndex, isEnabled, data) "
         "VALUES (?, ?, ?, ?, ?, ?, ?)",
@@ -220,10 +218,9 @@ void ApertureBundle::finish(ApertureBundle bundle)
 
 Plist bundleRule(const std::string& key, std::int64_t qualifier, Plist value, bool isEnabled)
 {
-    return plistDict(
-        {{"queryClassName", Plist("RKSingleItemQuery")}, {"queryPropertyKey", Plist(SharedText(key))},
-            {"queryQualifier", Plist(qualifier)}, {"queryFirstValue", std::move(value)},
-            {"queryIsEnabled", Plist(isEnabled)}, {"queryTimeValue", Plist(std::int64_t(1))}});
+    return plistDict({{"queryClassName", Plist("RKSingleItemQuery")}, {"queryPropertyKey", Plist(key)},
+        {"queryQualifier", Plist(qualifier)}, {"queryFirstValue", std::move(value)},
+        {"queryIsEnabled", Plist(isEnabled)}, {"queryTimeValue", Plist(std::int64_t(1))}});
 }
 
 Plist bundleQuery(std::vector<Plist> rules, std::int64_t matchType)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "aperture/BinaryPlist.h"
 #include "catalog/Database.h"
+#include "tests/support/PlistWriter.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -14,7 +14,7 @@ namespace korvo {
 /// One adjustment to be stored: parameters one level down, as Aperture writes them.
 struct BundleAdjustment {
     std::string name; ///< "RKExposureOperation"
-    std::vector<std::pair<std::string, BinaryPlist::Value>> parameters;
+    std::vector<std::pair<std::string, PlistDraft>> parameters;
     bool isEnabled = true;
     std::optional<std::string> maskUuid;
 };
@@ -69,7 +69,7 @@ public:
     void addExif(std::int64_t version, const std::string& key, const std::string& text);
     void addExif(std::int64_t version, const std::string& key, double number);
     std::int64_t addAlbum(const std::string& name, int subclass, const std::vector<std::int64_t>& versions,
-        const std::string& folder = "TopLevelAlbums", const std::optional<BinaryPlist::Value>& query = {});
+        const std::string& folder = "TopLevelAlbums", const std::optional<PlistDraft>& query = {});
     void addStack(const std::vector<BundleVersion>& versions, const std::optional<BundleVersion>& pick);
 
     Database& library() { return library_; }
@@ -91,8 +91,8 @@ private:
 };
 
 /// A smart album's query as Aperture stores it: the rules behind the disabled ones that always stand first.
-BinaryPlist::Value bundleQuery(std::vector<BinaryPlist::Value> rules, std::int64_t matchType = 1);
-BinaryPlist::Value bundleRule(
-    const std::string& key, std::int64_t qualifier, BinaryPlist::Value value, bool isEnabled = true);
+PlistDraft bundleQuery(std::vector<PlistDraft> rules, std::int64_t matchType = 1);
+PlistDraft bundleRule(
+    const std::string& key, std::int64_t qualifier, PlistDraft value, bool isEnabled = true);
 
 } // namespace korvo

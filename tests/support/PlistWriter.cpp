@@ -6,7 +6,7 @@ namespace korvo {
 
 namespace {
 
-using Value = BinaryPlist::Value;
+using Draft = PlistDraft;
 
 std::string markerBytes(unsigned kind, std::uint64_t length)
 {
@@ -15,96 +15,111 @@ std::string markerBytes(unsigned kind, std::uint64_t length)
     return length < 15 ? marker(kind, length) : marker(kind, 15) + marker(1, 2) + bigEndianBytes(length, 4);
 }
 
-std::string scalarBytes(const Value& value)
+std::string doubleBytes(const char* marker, double value)
 {
-    switch (value.kind()) {
-    case Value::Kind::boolean:
-        return value.boolean() == true ? "\x09" : "\x08";
-    case Value::Kind::integer: {
-        const auto integer = static_cast<std::uint64_t>(*value.integer());
-        return integer < 256 ? "\x10" + bigEndianBytes(integer, 1) : "\x13" + bigEndianBytes(integer, 8);
-    }
-    case Value::Kind::real:
-        return "\x23" + bigEndianBytes(std::bit_cast<std::uint64_t>(*value.real()), 8);
-    case Value::Kind::date:
-        return "\x33" + bigEndianBytes(std::bit_cast<std::uint64_t>(*value.date()), 8);
-    case Value::Kind::data:
-        return markerBytes(4, value.data().size()) + std::string(value.data().begin(), value.data().end());
-    case Value::Kind::string: // ours are read as UTF-8 whatever the marker promises
-        return markerBytes(5, value.text()->size()) + std::string(*value.text());
-    case Value::Kind::uid:
-        return "\x83" + bigEndianBytes(static_cast<std::uint64_t>(*value.uid()), 4);
-    default:
-        return std::string(1, '\0');
-    }
+    return marker + bigEndianBytes(std::bit_cast<std::uint64_t>(value), 8);
 }
 
-/// Adds the value and all it holds to the list; returns the index of its object.
-std::uint64_t add(RawPlist& list, const Value& value)
-{
-    const auto index = list.objects.size();
-    list.objects.emplace_back();
-    std::string bytes = scalarBytes(value);
-    if (value.kind() == Value::Kind::array) {
-        bytes = markerBytes(0xA, value.elements().size());
-        for (const auto& element : value.elements())
-            bytes += bigEndianBytes(add(list, element), list.refSize);
-    } else if (value.kind() == Value::Kind::dict) {
-        bytes = markerBytes(0xD, value.members().size());
-        for (const auto& member : value.members())
-            bytes += bigEndianBytes(add(list, member.key), list.refSize);
-        for (const auto& member : value.members())
-            bytes += bigEndianBytes(add(list, member.value), list.refSize);
+/// Adds a value and all it holds to a list.
+struct Adding {
+    RawPlist& list;
+
+    /// Returns the index of its object.
+    std::uint64_t add(const Draft& draft) const
+    {
+        const auto index = list.objects.size();
+        list.objects.emplace_back();
+        auto bytes = std::visit(*this, draft.value);
+        list.objects[index] = std::move(bytes);
+        return index;
     }
-    list.objects[index] = std::move(bytes);
-    return index;
-}
+
+    std::string operator()(Draft::Null) const { return std::string(1, '\0'); }
+    std::string operator()(bool value) const { return value ? "\x09" : "\x08"; }
+    std::string operator()(std::int64_t value) const
+    {
+        const auto bits = static_cast<std::uint64_t>(value);
+        return bits < 256 ? "\x10" + bigEndianBytes(bits, 1) : "\x13" + bigEndianBytes(bits, 8);
+    }
+    std::string operator()(double value) const { return doubleBytes("\x23", value); }
+    std::string operator()(Draft::Date date) const { return doubleBytes("\x33", date.seconds); }
+    std::string operator()(Draft::Uid uid) const
+    {
+        return "\x83" + bigEndianBytes(static_cast<std::uint64_t>(uid.index), 4);
+    }
+    std::string operator()(const Draft::Data& data) const
+    {
+        return markerBytes(4, data.size()) + std::string(data.begin(), data.end());
+    }
+    /// Ours are read as UTF-8 whatever the marker promises.
+    std::string operator()(const std::string& text) const { return markerBytes(5, text.size()) + text; }
+    std::string operator()(const Draft::Array& elements) const
+    {
+        auto bytes = markerBytes(0xA, elements.size());
+        for (const auto& element : elements)
+            bytes += bigEndianBytes(add(element), list.refSize);
+        return bytes;
+    }
+    std::string operator()(const Draft::Dict& members) const
+    {
+        auto bytes = markerBytes(0xD, members.size());
+        for (const auto& member : members)
+            bytes += bigEndianBytes(add(member.key), list.refSize);
+        for (const auto& member : members)
+            bytes += bigEndianBytes(add(member.value), list.refSize);
+        return bytes;
+    }
+};
 
 class Archiver {
 public:
-    Value archive(const Value& root)
+    Draft archive(const Draft& root)
     {
         const auto top = object(root);
-        return plistDict({{"$version", Value(std::int64_t(100000))}, {"$objects", Value(std::move(objects_))},
-            {"$archiver", Value("NSKeyedArchiver")}, {"$top", plistDict({{"root", top}})}});
+        return plistDict({{"$version", Draft(std::int64_t(100000))}, {"$objects", Draft(std::move(objects_))},
+            {"$archiver", Draft("NSKeyedArchiver")}, {"$top", plistDict({{"root", top}})}});
     }
 
 private:
-    Value add(Value value)
+    Draft add(Draft value)
     {
         objects_.push_back(std::move(value));
-        return Value(Value::Uid{static_cast<std::int64_t>(objects_.size()) - 1});
+        return uid(objects_.size() - 1);
     }
 
-    Value object(const Value& value)
+    static Draft uid(std::size_t index) { return Draft(Draft::Uid{static_cast<std::int64_t>(index)}); }
+
+    Draft object(const Draft& draft)
     {
-        if (value.kind() != Value::Kind::dict && value.kind() != Value::Kind::array)
-            return add(value);
-        const auto own = add(Value());
-        Value::Array keys, values;
-        for (const auto& member : value.members()) {
+        const auto* const dict = std::get_if<Draft::Dict>(&draft.value);
+        const auto* const array = std::get_if<Draft::Array>(&draft.value);
+        if (!dict && !array)
+            return add(draft);
+        const auto own = objects_.size();
+        add(Draft());
+        Draft::Array keys, values;
+        for (const auto& member : dict ? *dict : Draft::Dict()) {
             keys.push_back(object(member.key));
             values.push_back(object(member.value));
         }
-        for (const auto& element : value.elements())
+        for (const auto& element : array ? *array : Draft::Array())
             values.push_back(object(element));
-        std::vector<std::pair<std::string, Value>> members;
-        const bool isDict = value.kind() == Value::Kind::dict;
-        if (isDict)
-            members.emplace_back("NS.keys", Value(std::move(keys)));
-        members.emplace_back("NS.objects", Value(std::move(values)));
-        members.emplace_back("$class", classNamed(isDict ? "NSMutableDictionary" : "NSArray"));
-        objects_[static_cast<std::size_t>(*own.uid())] = plistDict(std::move(members));
-        return own;
+        std::vector<std::pair<std::string, Draft>> members;
+        if (dict)
+            members.emplace_back("NS.keys", Draft(std::move(keys)));
+        members.emplace_back("NS.objects", Draft(std::move(values)));
+        members.emplace_back("$class", classNamed(dict ? "NSMutableDictionary" : "NSArray"));
+        objects_[own] = plistDict(std::move(members));
+        return uid(own);
     }
 
-    Value classNamed(const char* name)
+    Draft classNamed(const char* name)
     {
-        return add(plistDict({{"$classname", Value(name)},
-            {"$classes", Value(Value::Array{Value(name), Value("NSObject")})}}));
+        return add(plistDict({{"$classname", Draft(name)},
+            {"$classes", Draft(Draft::Array{Draft(name), Draft("NSObject")})}}));
     }
 
-    Value::Array objects_{Value("$null")};
+    Draft::Array objects_{Draft("$null")};
 };
 
 } // namespace
@@ -130,26 +145,26 @@ std::string RawPlist::bytes() const
         + bigEndianBytes(objects.size(), 8) + bigEndianBytes(top, 8) + bigEndianBytes(tableOffset, 8);
 }
 
-std::string plistBytes(const Value& value)
+std::string plistBytes(const Draft& value)
 {
     RawPlist list{.offsetSize = 4, .refSize = 2};
-    add(list, value);
+    Adding{list}.add(value);
     if (list.objects.size() >= 65536) {
         list = {.offsetSize = 4, .refSize = 4};
-        add(list, value);
+        Adding{list}.add(value);
     }
     return list.bytes();
 }
 
-Value plistDict(std::vector<std::pair<std::string, Value>> members)
+Draft plistDict(std::vector<std::pair<std::string, Draft>> members)
 {
-    Value::Dict dict;
+    Draft::Dict dict;
     for (auto& [key, value] : members)
-        dict.push_back({Value(SharedText(key)), std::move(value)});
-    return Value(std::move(dict));
+        dict.push_back({Draft(key), std::move(value)});
+    return Draft(std::move(dict));
 }
 
-std::string archiveBytes(const Value& root)
+std::string archiveBytes(const Draft& root)
 {
     return plistBytes(Archiver().archive(root));
 }
