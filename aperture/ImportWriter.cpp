@@ -197,15 +197,30 @@ private:
         summary_.smartAlbumsAsPlain = plan_.smartAlbumsAsPlain;
     }
 
+    /// Whether the library had put the photo into a stack of its own, where it stays.
+    bool isStacked(std::size_t photo) const
+    {
+        return isKnown_[photo] && catalog_.photo(masterIDs_[photo])->stackID;
+    }
+
+    void writeStack(const ApertureImportPlan::Stack& stack)
+    {
+        auto photos = stack.photos;
+        std::erase_if(photos, [&](std::size_t photo) { return isStacked(photo); });
+        if (photos.size() < 2)
+            return;
+        const bool hasPick = stack.pick && !isStacked(*stack.pick);
+        catalog_.createStack(idsOf(photos), hasPick ? std::optional(ids_[*stack.pick]) : std::nullopt);
+        ++summary_.stacks;
+    }
+
     void writeStacks()
     {
         for (const auto& stack : plan_.stacks) {
             throwIfStopped();
-            catalog_.createStack(
-                idsOf(stack.photos), stack.pick ? std::optional(ids_[*stack.pick]) : std::nullopt);
+            writeStack(stack);
             showGroup();
         }
-        summary_.stacks = plan_.stacks.size();
         summary_.missingFiles = plan_.missingFiles;
         summary_.adjustedVersions = plan_.adjustedVersions;
         summary_.matchedToPreview = plan_.matchedToPreview;

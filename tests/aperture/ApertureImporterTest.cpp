@@ -235,10 +235,14 @@ TEST_F(Importing, countsMissingFilesAndTakesAFileOnce)
     const auto taken
         = bundle.add({.imagePath = held.string(), .versions = 2, .rating = 2, .project = project});
     bundle.addIptc(taken.versions[0].id, "ObjectName", "theirs");
+    const auto stack = target.catalog->createStack(std::vector{id, target.photo("other.jpg")}, id);
+    bundle.addStack({taken.versions[0], bundle.add({.name = "stacked.jpg"}).versions[0]}, std::nullopt);
     bundle.add({.name = "lost.jpg", .contents = ""});
     bundle.add({.name = "hidden.jpg", .versions = 0});
     const auto summary = import();
-    EXPECT_EQ(summary.masters, 1U);
+    EXPECT_EQ(summary.masters, 2U);
+    EXPECT_EQ(summary.stacks, 0U);
+    EXPECT_EQ(target.item(id).stackID, stack);
     EXPECT_EQ(summary.versions, 3U);
     EXPECT_EQ(summary.missingFiles, 1U);
     ASSERT_EQ(target.catalog->versions(id).size(), 2U);
