@@ -9,7 +9,7 @@ using Value = BinaryPlist::Value;
 
 namespace {
 
-constexpr Value nothing;
+constexpr Value nothing{};
 
 } // namespace
 
