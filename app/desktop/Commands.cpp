@@ -78,6 +78,7 @@ void Commands::handle(Command command, Handler handler, Condition possible)
 void Commands::run(Command command)
 {
     advance_ = std::exchange(shiftOrCapsLock_, false);
+    desktop_.attempt([&] { desktop_.draft().keep(); }); // what a slider was moved to by keys, before all else
     if (const auto& handler = handlers_[indexOf(command)])
         desktop_.attempt(handler);
     advance_ = false;

@@ -8,7 +8,8 @@ Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clo
       session_(main, std::move(catalog), tool_.tool, defaults),
       previewCache_(store().catalog().previewsFolder(),
           PreviewCache::usualBound(store().catalog().previewsFolder()), clock),
-      browser_(store()), pictures_(main, reader_, previewCache_), jobs_(main)
+      browser_(store()), pictures_(main, reader_, previewCache_), decoded_(main, reader_), renders_(main),
+      draft_(store(), browser_), jobs_(main)
 { }
 
 void Desktop::say(std::string text, Offer offer)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "app/Browser.h"
+#include "app/EditDraft.h"
+#include "app/LiveRenders.h"
 #include "app/Session.h"
 #include "app/SystemExifTool.h"
 #include "app/desktop/Jobs.h"
@@ -33,6 +34,11 @@ public:
     Browser& browser() { return browser_; }
     QtMainThread& mainThread() { return main_; }
     Pictures& pictures() { return pictures_; }
+    /// What the viewer shows and will show next, before its edits, in memory.
+    DecodedPhotos& decoded() { return decoded_; }
+    LiveRenders& renders() { return renders_; }
+    /// The edits that are being made on the panel.
+    EditDraft& draft() { return draft_; }
     Jobs& jobs() { return jobs_; }
     const Clock& clock() const { return clock_; }
     Defaults& defaults() { return defaults_; }
@@ -65,6 +71,9 @@ private:
     PreviewCache previewCache_;
     Browser browser_;
     Pictures pictures_;
+    DecodedPhotos decoded_;
+    LiveRenders renders_;
+    EditDraft draft_;
     Jobs jobs_;
 };
 

@@ -119,6 +119,8 @@ void MainWindow::cycleModes()
 
 void MainWindow::leaveFieldOrCentre()
 {
+    if (desktop_.browser().mode() == ViewMode::fullScreen) // a window of its own has the focus
+        return desktop_.browser().setMode(ViewMode::viewer);
     if (centre() && !middle_->isAncestorOf(QApplication::focusWidget()))
         centre()->setFocus();
     else

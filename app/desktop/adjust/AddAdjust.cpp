@@ -1,8 +1,105 @@
+#include "app/AutoAdjust.h"
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
+#include "app/desktop/adjust/AdjustPanel.h"
+#include "app/desktop/adjust/ExportSheet.h"
+#include "base/Text.h"
+#include "edits/AdjustmentCopy.h"
+#include "edits/Geometry.h"
+
+#include <memory>
 
 namespace korvo {
 
-void addAdjust(MainWindow&) { }
+namespace {
+
+constexpr std::size_t manyPhotos = 20; // from more than that on, an undo is offered
+
+/// The commands on adjustments.
+class Adjusting : public QObject {
+public:
+    explicit Adjusting(MainWindow& window) : QObject(&window), window_(window), desktop_(window.desktop())
+    {
+        auto& commands = window.commands();
+        commands.handle(Command::copyAdjustments, [this] { copy(); });
+        commands.handle(
+            Command::pasteAdjustments, [this] { paste(); }, [this] { return copied_.has_value(); });
+        commands.handle(Command::rotateLeft, [this] { rotate("Rotate Left", -1); });
+        commands.handle(Command::rotateRight, [this] { rotate("Rotate Right", 1); });
+        commands.handle(Command::autoAdjust, [this] { enhance(); });
+        commands.handle(Command::resetAdjustments, [this] {
+            change(
+                "Reset Adjustments", "Reset", [](PhotoEdits& edits) { edits = withoutAdjustments(edits); });
+        });
+        commands.handle(Command::exportPhotos, [this] { showExportSheet(window_, targets()); });
+    }
+
+private:
+    /// The photos that the command acts on, as they are.
+    std::vector<PhotoItem> targets() const
+    {
+        std::vector<PhotoItem> photos;
+        for (const PhotoID id : desktop_.browser().targets())
+            if (const auto* const item = desktop_.store().list().find(id))
+                photos.push_back(*item);
+        return photos;
+    }
+
+    void copy()
+    {
+        const auto* const item = desktop_.browser().currentItem();
+        if (!item)
+            return;
+        copied_ = item->edits();
+        window_.commands().refresh();
+        desktop_.say("Copied the adjustments of " + item->filename.string() + ".");
+    }
+
+    void paste()
+    {
+        change("Paste Adjustments", "Pasted adjustments to",
+            [copied = *copied_](PhotoEdits& edits) { edits = withAdjustmentsOf(copied, edits); });
+    }
+
+    void rotate(const char* title, int quarters)
+    {
+        change(title, "Turned", [quarters](PhotoEdits& edits) { turn(edits, quarters); });
+    }
+
+    void change(const char* title, const char* done, const EditDraft::Change& how)
+    {
+        const auto photos = desktop_.browser().targets();
+        desktop_.store().changeEdits(title, photos, how);
+        if (photos.size() > manyPhotos)
+            desktop_.say(done + std::string(" ") + counted(photos.size(), "photo") + ".", Offer::undo);
+    }
+
+    void enhance()
+    {
+        auto proposals = std::make_shared<std::vector<AutoProposal>>();
+        const auto work = [proposals, photos = targets(), &reader = desktop_.imageReader()](JobContext& job) {
+            *proposals = autoProposals(
+                reader, photos, job.stop(), [&](std::size_t done) { job.progress(done, photos.size()); },
+                [&](std::string sentence) { job.fail(std::move(sentence)); });
+            return "Enhanced " + counted(proposals->size(), "photo") + ".";
+        };
+        desktop_.jobs().start("Auto Enhance", work, [this, proposals](const Job& job) {
+            if (!job.isCancelled())
+                desktop_.attempt([&] { applyAuto(desktop_.store(), *proposals); });
+        });
+    }
+
+    MainWindow& window_;
+    Desktop& desktop_;
+    std::optional<PhotoEdits> copied_;
+};
+
+} // namespace
+
+void addAdjust(MainWindow& window)
+{
+    window.addInspectorTab("Adjust", new AdjustPanel(window));
+    new Adjusting(window); // a child of the window
+}
 
 } // namespace korvo

@@ -1,0 +1,179 @@
+#include "app/desktop/adjust/ExportSheet.h"
+
+#include "app/desktop/Texts.h"
+#include "base/Json.h"
+#include "base/Record.h"
+#include "base/Text.h"
+#include "metadata/Naming.h"
+#include "metadata/NamingPreset.h"
+#include "platform/AppFolders.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSpinBox>
+
+namespace korvo {
+
+/// What the user chose last.
+struct ExportChoice {
+    std::string folder;
+    std::int64_t format = 0;
+    std::int64_t size = 0;
+    std::int64_t pixels = 2048;
+    std::int64_t quality = 90;
+    std::string pattern = "{name}";
+};
+KORVO_RECORD(ExportChoice, folder, format, size, pixels, quality, pattern)
+
+namespace {
+
+constexpr auto choiceKey = "korvo_export";
+constexpr int wholeSize = 0, limitedSize = 1; // the entries of the size's menu
+
+QSpinBox* spinBox(int lower, int upper, const QString& suffix)
+{
+    auto* const box = new QSpinBox;
+    box->setRange(lower, upper);
+    box->setSuffix(suffix);
+    return box;
+}
+
+QHBoxLayout* row(QWidget* first, QWidget* second)
+{
+    auto* const layout = new QHBoxLayout;
+    layout->addWidget(first, 1);
+    layout->addWidget(second);
+    return layout;
+}
+
+std::string exported(
+    const ExportTools& tools, const std::vector<PhotoItem>& photos, const ExportPlan& plan, JobContext& job)
+{
+    job.progress(0, photos.size());
+    const auto result = runExport(
+        tools, photos, plan, job.stop(), [&](std::size_t done) { job.progress(done, photos.size()); });
+    for (const auto& failure : result.failures)
+        job.fail(failure);
+    return "Exported " + counted(result.written, "photo") + " to " + plan.folder.string() + ".";
+}
+
+} // namespace
+
+void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
+{
+    if (photos.empty())
+        return;
+    auto* const sheet = new ExportSheet(window, std::move(photos));
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->open();
+}
+
+ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
+    : QDialog(&window), desktop_(window.desktop()), photos_(std::move(photos)), folder_(new QLineEdit),
+      format_(new QComboBox), size_(new QComboBox), pattern_(new QComboBox),
+      pixels_(spinBox(16, 100000, " pixels")), quality_(spinBox(1, 100, {})), example_(new QLabel)
+{
+    setWindowTitle("Export " + qt(counted(photos_.size(), "Photo")));
+    auto* const browse = new QPushButton("Choose…");
+    connect(browse, &QPushButton::clicked, this, [this] { chooseFolder(); });
+    format_->addItems({"JPEG", "PNG", "WebP", "TIFF"}); // in the order of PictureFormat
+    size_->addItems({"All pixels", "Longer side at most"});
+    pattern_->setEditable(true);
+    for (const auto& preset : NamingPreset::load(desktop_.defaults()))
+        pattern_->addItem(qt(preset.pattern));
+    auto* const tokens = new QLabel(qt(namingPresetEditor::help));
+    for (auto* const label : {tokens, example_}) {
+        label->setWordWrap(true);
+        label->setForegroundRole(QPalette::PlaceholderText);
+    }
+    auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
+    export_ = buttons->addButton("Export", QDialogButtonBox::AcceptRole);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+
+    auto* const form = new QFormLayout(this);
+    form->addRow("&Folder", row(folder_, browse));
+    form->addRow("F&ormat", format_);
+    form->addRow("&Quality", quality_);
+    form->addRow("&Size", row(size_, pixels_));
+    form->addRow("&Names", pattern_);
+    form->addRow(QString(), tokens);
+    form->addRow(QString(), example_);
+    form->addRow(buttons);
+    setMinimumWidth(540);
+    load();
+    for (auto* const box : {format_, size_, pattern_})
+        connect(box, &QComboBox::currentTextChanged, this, [this] { refresh(); });
+    connect(folder_, &QLineEdit::textChanged, this, [this] { refresh(); });
+    refresh();
+}
+
+void ExportSheet::load()
+{
+    ExportChoice choice;
+    choice.folder = (picturesFolder() / "Exported").string();
+    try {
+        if (const auto stored = desktop_.defaults().get(choiceKey))
+            choice = fromJson<ExportChoice>(*stored);
+    } catch (const JsonError&) { // a preference that cannot be read is none
+    }
+    folder_->setText(qt(choice.folder));
+    format_->setCurrentIndex(static_cast<int>(choice.format));
+    size_->setCurrentIndex(static_cast<int>(choice.size));
+    pixels_->setValue(static_cast<int>(choice.pixels));
+    quality_->setValue(static_cast<int>(choice.quality));
+    pattern_->setEditText(qt(choice.pattern));
+}
+
+void ExportSheet::save() const
+{
+    const ExportChoice choice{utf8(folder_->text()), format_->currentIndex(), size_->currentIndex(),
+        pixels_->value(), quality_->value(), utf8(pattern_->currentText())};
+    desktop_.defaults().set(choiceKey, toJson(choice));
+}
+
+ExportPlan ExportSheet::plan() const
+{
+    return {.folder = pathOf(folder_->text()),
+        .format = static_cast<PictureFormat>(format_->currentIndex()),
+        .size = size_->currentIndex() == limitedSize ? pixels_->value() : 0,
+        .quality = quality_->value(),
+        .pattern = utf8(pattern_->currentText())};
+}
+
+void ExportSheet::chooseFolder()
+{
+    const auto chosen = QFileDialog::getExistingDirectory(this, "Export to", folder_->text());
+    if (!chosen.isEmpty())
+        folder_->setText(chosen);
+}
+
+void ExportSheet::refresh()
+{
+    const auto choice = plan();
+    pixels_->setEnabled(size_->currentIndex() != wholeSize);
+    quality_->setEnabled(hasQuality(choice.format));
+    example_->setText(qt(std::string(namingPresetEditor::example) + " "
+        + baseName(photos_.front(), choice.pattern, 1, photos_.size())
+        + std::string(endingOf(choice.format))));
+    export_->setEnabled(choice.folder.is_absolute());
+}
+
+void ExportSheet::accept()
+{
+    desktop_.attempt([this] { save(); });
+    const auto work
+        = [photos = photos_, choice = plan(),
+              tools = ExportTools{desktop_.store().catalog(), desktop_.imageReader(), desktop_.exifTool()}](
+              JobContext& job) { return exported(tools, photos, choice, job); };
+    desktop_.jobs().start("Export", work);
+    QDialog::accept();
+}
+
+} // namespace korvo

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "app/ExportRun.h"
+#include "app/desktop/MainWindow.h"
+
+#include <QDialog>
+
+class QComboBox;
+class QLineEdit;
+class QSpinBox;
+class QPushButton;
+class QLabel;
+
+namespace korvo {
+
+/// Asks how photos are to be exported, and starts it as a job.
+void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos);
+
+/// The sheet itself. What was chosen comes back the next time.
+class ExportSheet : public QDialog {
+public:
+    ExportSheet(MainWindow& window, std::vector<PhotoItem> photos);
+
+    ExportPlan plan() const;
+
+private:
+    void load();
+    void save() const;
+    void chooseFolder();
+    void refresh();
+    void accept() override;
+
+    Desktop& desktop_;
+    std::vector<PhotoItem> photos_;
+    QLineEdit* folder_;
+    QComboBox *format_, *size_, *pattern_;
+    QSpinBox *pixels_, *quality_;
+    QLabel* example_;
+    QPushButton* export_;
+};
+
+} // namespace korvo

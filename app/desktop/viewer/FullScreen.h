@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/viewer/Pages.h"
+
+namespace korvo {
+
+/// The photo on the whole screen, on black: a window of its own while the browser is in that mode. It has the
+/// commands' keys too.
+class FullScreen : public QWidget {
+public:
+    /// Takes ownership of the page.
+    FullScreen(MainWindow& window, PhotoPage* page);
+
+    PhotoPage& page() { return *page_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void follow();
+
+    Desktop& desktop_;
+    PhotoPage* page_;
+    Connection browserChanged_;
+};
+
+} // namespace korvo

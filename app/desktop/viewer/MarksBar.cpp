@@ -1,0 +1,114 @@
+#include "app/desktop/viewer/MarksBar.h"
+
+#include "app/desktop/Texts.h"
+#include "app/desktop/viewer/MarkColors.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace korvo {
+
+namespace {
+
+constexpr int margin = 10;
+
+} // namespace
+
+MarksBar::MarksBar(Desktop& desktop)
+    : desktop_(desktop), storeChanged_(desktop.store().changed.connect([this](const LibraryChange& change) {
+          if (photo_ && std::ranges::find(change.photos, *photo_) != change.photos.end())
+              update();
+      }))
+{
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    setAccessibleName("Marks of the photo");
+}
+
+const PhotoItem* MarksBar::item() const
+{
+    return photo_ ? desktop_.store().list().find(*photo_) : nullptr;
+}
+
+void MarksBar::setPhoto(std::optional<PhotoID> photo)
+{
+    photo_ = photo;
+    update();
+}
+
+void MarksBar::setNote(const QString& note)
+{
+    if (std::exchange(note_, note) != note)
+        update();
+}
+
+int MarksBar::lineHeight() const
+{
+    return fontMetrics().height() + margin;
+}
+
+QSize MarksBar::sizeHint() const
+{
+    return {200, lineHeight()};
+}
+
+QRect MarksBar::starRect(int star) const
+{
+    const int side = fontMetrics().height();
+    return {margin + (star - 1) * side, 0, side, height()};
+}
+
+QRect MarksBar::flagRect() const
+{
+    return starRect(6).translated(margin / 2, 0);
+}
+
+void MarksBar::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const auto* const photo = item();
+    if (!photo)
+        return;
+    const QColor dim = palette().color(QPalette::Disabled, QPalette::WindowText);
+    const QColor text = palette().color(QPalette::WindowText);
+    for (int star = 1; star <= highestRating; ++star) {
+        painter.setPen(star <= photo->rating ? marks::star : dim);
+        painter.drawText(starRect(star), Qt::AlignCenter, star <= photo->rating ? "★" : "☆");
+    }
+    painter.setPen(photo->isRejected() ? marks::reject : photo->flagged ? text : dim);
+    painter.drawText(flagRect(), Qt::AlignCenter, photo->isRejected() ? "✕" : photo->flagged ? "⚑" : "⚐");
+    int left = flagRect().right() + margin;
+    if (photo->label != PhotoLabel::none) {
+        const QRect box(
+            left, (height() - fontMetrics().height()) / 2, fontMetrics().height(), fontMetrics().height());
+        marks::paintLabel(painter, box, photo->label);
+        left = box.right() + margin;
+    }
+    painter.setPen(dim);
+    const int noteWidth = fontMetrics().horizontalAdvance(note_);
+    painter.drawText(rect().adjusted(0, 0, -margin, 0), Qt::AlignRight | Qt::AlignVCenter, note_);
+    painter.setPen(text);
+    const QRect room(left, 0, std::max(0, width() - left - noteWidth - 2 * margin), height());
+    const auto name = qt(photo->filename.view())
+        + (photo->versionName.empty() ? QString() : " · " + qt(photo->versionName.view()));
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
+        fontMetrics().elidedText(name, Qt::ElideMiddle, room.width()));
+}
+
+void MarksBar::mousePressEvent(QMouseEvent* event)
+{
+    const auto* const photo = item();
+    if (!photo || event->button() != Qt::LeftButton)
+        return;
+    const std::vector ids{photo->id};
+    const auto at = event->position().toPoint();
+    for (int star = 1; star <= highestRating; ++star)
+        if (starRect(star).contains(at)) // a second click on the last star takes it away
+            return desktop_.attempt(
+                [&] { desktop_.store().setRating(ids, photo->rating == star ? star - 1 : star); });
+    if (flagRect().contains(at) && !photo->isRejected())
+        desktop_.attempt([&] { desktop_.store().setFlagged(ids, !photo->flagged); });
+}
+
+} // namespace korvo

@@ -1,0 +1,247 @@
+#include "app/desktop/viewer/Pages.h"
+
+#include "app/Survey.h"
+
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <limits>
+
+namespace korvo {
+
+namespace {
+
+constexpr int notch = 120; // of a wheel
+constexpr auto toTheEnd = std::numeric_limits<int>::max();
+
+QString percent(double scale)
+{
+    return QString("%1 %").arg(qRound(100 * scale));
+}
+
+} // namespace
+
+PhotoPane::PhotoPane(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours)
+    : desktop_(desktop), view_(new PhotoView(desktop, viewer, neighbours)), bar_(new MarksBar(desktop))
+{
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(view_, 1);
+    layout->addWidget(bar_);
+    setFocusProxy(view_);
+    feedChanged_ = view_->feed().changed.connect([this] { showNote(); });
+    zoomed_ = view_->zoomed.connect([this] { showNote(); });
+}
+
+void PhotoPane::setPhoto(std::optional<PhotoID> photo)
+{
+    bar_->setPhoto(photo);
+    view_->setPhoto(photo);
+    showNote();
+}
+
+void PhotoPane::setVersion(Version version)
+{
+    version_ = version;
+    view_->setVersion(version);
+    showNote();
+}
+
+void PhotoPane::showNote()
+{
+    const auto& list = desktop_.store().list();
+    const auto shown = photo();
+    const auto place = shown ? list.shownPosition(*shown) : std::nullopt;
+    QStringList parts;
+    if (version_ == Version::original)
+        parts << "Before";
+    else if (view_->feed().isLoading())
+        parts << "Loading…";
+    if (!view_->feed().screen().full.isEmpty())
+        parts << percent(view_->zoom().scale());
+    if (place)
+        parts << QString("%1 of %2").arg(*place + 1).arg(list.shown().size());
+    bar_->setNote(parts.join("  ·  "));
+}
+
+PhotoPage::PhotoPage(Desktop& desktop, ViewMode mode) : desktop_(desktop), mode_(mode) { }
+
+void PhotoPage::start()
+{
+    const auto look = [this] { follow(desktop_.browser().mode() == mode_); };
+    browserChanged_ = desktop_.browser().changed.connect(look);
+    look();
+}
+
+void PhotoPage::setVersion(Version version)
+{
+    for (auto* const pane : panes())
+        pane->setVersion(version);
+}
+
+void PhotoPage::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+    case Qt::Key_PageDown:
+        return step(1);
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+    case Qt::Key_PageUp:
+        return step(-1);
+    case Qt::Key_Home:
+        return step(-toTheEnd);
+    case Qt::Key_End:
+        return step(toTheEnd);
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void PhotoPage::wheelEvent(QWheelEvent* event)
+{
+    wheel_ += event->angleDelta().y();
+    if (std::abs(wheel_) < notch)
+        return;
+    step(wheel_ > 0 ? -1 : 1);
+    wheel_ = 0;
+}
+
+SinglePage::SinglePage(Desktop& desktop, ViewMode mode, int viewer)
+    : PhotoPage(desktop, mode), pane_(new PhotoPane(desktop, viewer, PhotoFeed::Neighbours::ahead))
+{
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(pane_);
+    setFocusProxy(pane_);
+    start();
+}
+
+void SinglePage::follow(bool isOn)
+{
+    pane_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
+}
+
+ComparePage::ComparePage(Desktop& desktop, int viewer)
+    : PhotoPage(desktop, ViewMode::compare),
+      left_(new PhotoPane(desktop, viewer + 1, PhotoFeed::Neighbours::none)),
+      right_(new PhotoPane(desktop, viewer, PhotoFeed::Neighbours::ahead))
+{
+    auto* const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(left_, 1);
+    layout->addWidget(right_, 1);
+    right_->view().setActive(true);
+    setFocusProxy(right_);
+    zoomed_[0] = left_->view().zoomed.connect([this] { right_->view().followZoom(left_->view().zoom()); });
+    zoomed_[1] = right_->view().zoomed.connect([this] { left_->view().followZoom(right_->view().zoom()); });
+    start();
+}
+
+void ComparePage::follow(bool isOn)
+{
+    if (!std::exchange(wasOn_, isOn) && isOn)
+        begin();
+    if (!isOn)
+        left_->setPhoto(std::nullopt);
+    else if (!left_->photo()) // it has left the list
+        left_->setPhoto(desktop_.browser().current());
+    right_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
+}
+
+/// The first two of the selected, else the current photo and the next one, or the one before it at the end.
+void ComparePage::begin()
+{
+    auto& browser = desktop_.browser();
+    const auto current = browser.current();
+    left_->setPhoto(current);
+    for (const PhotoID id : desktop_.store().selection())
+        if (id != current && desktop_.store().list().shownPosition(id))
+            return browser.setCurrent(id);
+    browser.step(1);
+    if (browser.current() == current)
+        browser.step(-1);
+}
+
+SurveyPage::SurveyPage(Desktop& desktop, int viewer) : PhotoPage(desktop, ViewMode::survey), viewer_(viewer)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
+        if (change.selection || change.list)
+            follow(desktop_.browser().mode() == mode());
+    });
+    start();
+}
+
+PhotoPane* SurveyPage::active()
+{
+    for (const auto& place : places_)
+        if (place.pane->photo() && place.pane->photo() == desktop_.browser().current())
+            return place.pane.get();
+    return nullptr;
+}
+
+std::vector<PhotoPane*> SurveyPage::panes()
+{
+    std::vector<PhotoPane*> result;
+    for (const auto& place : places_)
+        result.push_back(place.pane.get());
+    return result;
+}
+
+void SurveyPage::addPane()
+{
+    auto pane = std::make_unique<PhotoPane>(
+        desktop_, viewer_ + static_cast<int>(places_.size()), PhotoFeed::Neighbours::none);
+    pane->setParent(this);
+    pane->view().setClickZooms(false);
+    auto clicked = pane->view().clicked.connect([this, shown = pane.get()] {
+        if (shown->photo())
+            desktop_.browser().setCurrent(*shown->photo());
+    });
+    places_.push_back({std::move(pane), std::move(clicked)});
+}
+
+void SurveyPage::follow(bool isOn)
+{
+    const auto photos = isOn ? surveyed(desktop_.store()) : std::vector<PhotoID>();
+    while (places_.size() < photos.size())
+        addPane();
+    while (places_.size() > photos.size())
+        places_.pop_back();
+    arrange();
+    for (std::size_t i = 0; i < photos.size(); ++i) {
+        places_[i].pane->setPhoto(photos[i]);
+        places_[i].pane->view().setActive(photos[i] == desktop_.browser().current());
+    }
+}
+
+void SurveyPage::step(std::ptrdiff_t places)
+{
+    const auto photos = surveyed(desktop_.store());
+    const auto at = std::ranges::find(photos, desktop_.browser().current().value_or(0)) - photos.begin();
+    const auto last = std::ssize(photos) - 1;
+    if (last >= 0)
+        desktop_.browser().setCurrent(
+            photos[static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(at + places, 0, last))]);
+}
+
+void SurveyPage::resizeEvent(QResizeEvent*)
+{
+    arrange();
+}
+
+void SurveyPage::arrange()
+{
+    const auto cells = surveyCells(places_.size(), {width(), height()});
+    for (std::size_t i = 0; i < places_.size(); ++i) {
+        places_[i].pane->setGeometry(cells[i].left, cells[i].top, cells[i].width, cells[i].height);
+        places_[i].pane->show();
+    }
+}
+
+} // namespace korvo

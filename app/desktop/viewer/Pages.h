@@ -1,0 +1,115 @@
+#pragma once
+
+#include "app/desktop/viewer/MarksBar.h"
+#include "app/desktop/viewer/PhotoView.h"
+
+#include <array>
+
+namespace korvo {
+
+/// A photo with its line of marks below it.
+class PhotoPane : public QWidget {
+public:
+    PhotoPane(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours);
+
+    PhotoView& view() { return *view_; }
+    const PhotoView& view() const { return *view_; }
+    std::optional<PhotoID> photo() { return view_->feed().photo(); }
+    void setPhoto(std::optional<PhotoID> photo);
+    void setVersion(Version version);
+
+private:
+    void showNote();
+
+    Desktop& desktop_;
+    PhotoView* view_;
+    MarksBar* bar_;
+    Version version_ = Version::edited;
+    Connection feedChanged_, zoomed_;
+};
+
+/// What the centre shows in a mode that shows photos. Keys and the wheel go to other photos.
+class PhotoPage : public QWidget {
+public:
+    PhotoPage(Desktop& desktop, ViewMode mode);
+
+    ViewMode mode() const { return mode_; }
+    /// The one that commands act on; null when none is shown.
+    virtual PhotoPane* active() = 0;
+    virtual std::vector<PhotoPane*> panes() = 0;
+    void setVersion(Version version);
+
+protected:
+    /// Brings the panes in line with the browser; those of a mode that is not on show nothing.
+    virtual void follow(bool isOn) = 0;
+    virtual void step(std::ptrdiff_t places) { desktop_.browser().step(places); }
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void start(); ///< at the end of each constructor
+
+    Desktop& desktop_;
+
+private:
+    ViewMode mode_;
+    int wheel_ = 0; // what is left of a notch
+    Connection browserChanged_;
+};
+
+/// One photo, in the window or on the whole screen.
+class SinglePage : public PhotoPage {
+public:
+    SinglePage(Desktop& desktop, ViewMode mode, int viewer);
+
+    PhotoPane* active() override { return pane_; }
+    std::vector<PhotoPane*> panes() override { return {pane_}; }
+
+private:
+    void follow(bool isOn) override;
+
+    PhotoPane* pane_;
+};
+
+/// Two photos beside each other at one zoom: the left one stays, the right one is the current one.
+class ComparePage : public PhotoPage {
+public:
+    ComparePage(Desktop& desktop, int viewer);
+
+    PhotoPane* active() override { return right_; }
+    std::vector<PhotoPane*> panes() override { return {left_, right_}; }
+
+private:
+    void follow(bool isOn) override;
+    void begin();
+
+    PhotoPane *left_, *right_;
+    bool wasOn_ = false;
+    std::array<Connection, 3> zoomed_;
+};
+
+/// The selected photos beside each other, as large as they can be.
+class SurveyPage : public PhotoPage {
+public:
+    SurveyPage(Desktop& desktop, int viewer);
+
+    PhotoPane* active() override;
+    std::vector<PhotoPane*> panes() override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    struct Place {
+        std::unique_ptr<PhotoPane> pane;
+        Connection clicked;
+    };
+    void follow(bool isOn) override;
+    void step(std::ptrdiff_t places) override;
+    void arrange();
+    void addPane();
+
+    int viewer_;
+    std::vector<Place> places_;
+    Connection storeChanged_;
+};
+
+} // namespace korvo

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "app/ViewerWishes.h"
+#include "app/desktop/Desktop.h"
+
+#include <QImage>
+
+#include <optional>
+
+namespace korvo {
+
+enum class Version { edited, original };
+
+/// The pictures of one photo as they come: a thumbnail or what the cache still has, then the photo at the
+/// size of its view, and all its pixels where they are asked for. Follows the photo's edits, those that are
+/// being dragged too. Used on the main thread.
+class PhotoFeed {
+public:
+    /// What of the other photos is decoded besides.
+    enum class Neighbours { none, ahead };
+
+    struct Picture {
+        QImage image;
+        QSize full; ///< the photo's own pixels, once they are known
+        HistogramData histogram;
+    };
+
+    /// `desktop` must outlive it. `viewer` tells it apart from other feeds.
+    PhotoFeed(Desktop& desktop, int viewer, Neighbours neighbours);
+    ~PhotoFeed();
+    PhotoFeed(const PhotoFeed&) = delete;
+    PhotoFeed& operator=(const PhotoFeed&) = delete;
+
+    Signal<> changed; ///< one of the pictures, or the fault
+
+    void setPhoto(std::optional<PhotoID> photo);
+    /// Pixels of the longer side of the view.
+    void setSize(int size);
+    void setDetail(ViewDetail detail);
+    void setVersion(Version version);
+
+    std::optional<PhotoID> photo() const { return photo_; }
+    const PhotoItem* item() const;
+    /// At the size of the view, or less until it is there; null while there is none.
+    const Picture& screen() const { return screen_; }
+    /// All pixels; null while they are not asked for or not there.
+    const Picture& full() const { return full_; }
+    /// Whether what the screen shows is only a stand-in.
+    bool isPlaceholder() const { return shown_ == Shown::placeholder; }
+    bool isLoading() const;
+    /// Why there is no picture, or only an old one; empty when all is well.
+    const QString& fault() const { return fault_; }
+
+private:
+    enum class Shown { nothing, placeholder, quick, whole };
+
+    void wish();
+    void arrived(const DecodeWish& wish);
+    void storeChanged(const LibraryChange& change);
+    void editsChanged();
+    void clear();
+    bool isAtHand() const;
+    void dropFull();
+    void askForPlaceholder();
+    void renderScreen();
+    void renderFull();
+    PhotoEdits edits() const;
+    void render(const LiveRenders::Slot& slot, std::shared_ptr<const DecodedPhoto> photo, int size,
+        Picture& target, Shown shown);
+
+    Desktop& desktop_;
+    int viewer_;
+    Neighbours neighbours_;
+    std::optional<PhotoID> photo_;
+    std::size_t position_ = 0;
+    std::ptrdiff_t direction_ = 1;
+    int size_ = 0;
+    ViewDetail detail_ = ViewDetail::screen;
+    Version version_ = Version::edited;
+    PhotoEdits drawn_; // the last edits that were asked to be drawn
+    Picture screen_, full_;
+    Shown shown_ = Shown::nothing;
+    QString fault_;
+    LiveRenders::Slot screenSlot_, fullSlot_;
+    Pictures::Handle placeholder_;
+    Connection arrived_, storeChanged_, draftChanged_;
+};
+
+/// The bitmap as Qt sees it, without a copy.
+QImage imageOf(const LivePicture& picture);
+
+} // namespace korvo

@@ -1,0 +1,296 @@
+#include "app/desktop/viewer/PhotoView.h"
+
+#include "app/desktop/Texts.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace korvo {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr double mostZoom = 8;
+constexpr double zoomStep = 1.25;
+constexpr int loupeWidth = 320; // in points
+constexpr auto quietAfterResize = 150ms; // before a picture of the new size is decoded
+/// A placeholder's photo is taken for so much larger, so that it fills the view as the photo will.
+constexpr int placeholderGrowth = 16;
+
+} // namespace
+
+PhotoView::PhotoView(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours)
+    : desktop_(desktop), feed_(desktop, viewer, neighbours), backdrop_(0x1e, 0x1e, 0x1e),
+      feedChanged_(feed_.changed.connect([this] { feedChanged(); }))
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMinimumSize(120, 90);
+}
+
+void PhotoView::setPhoto(std::optional<PhotoID> photo)
+{
+    feed_.setPhoto(photo);
+    const auto* const item = feed_.item();
+    setAccessibleName(item ? "Photo " + qt(item->filename.view()) : QString("No photo"));
+}
+
+void PhotoView::setVersion(Version version)
+{
+    version_ = version;
+    feed_.setVersion(version);
+    update();
+}
+
+void PhotoView::setBackdrop(const QColor& color)
+{
+    backdrop_ = color;
+    update();
+}
+
+void PhotoView::setActive(bool active)
+{
+    if (std::exchange(active_, active) != active)
+        update();
+}
+
+void PhotoView::setLoupe(bool shown)
+{
+    loupe_ = shown;
+    setCursor(loupe_ ? Qt::BlankCursor : Qt::ArrowCursor);
+    updateDetail();
+    update();
+}
+
+ViewPoint PhotoView::devicePoint(const QPointF& point) const
+{
+    return {point.x() * devicePixelRatioF(), point.y() * devicePixelRatioF()};
+}
+
+void PhotoView::toggleZoom()
+{
+    const auto at = mapFromGlobal(QCursor::pos());
+    zoom_.toggle(devicePoint(rect().contains(at) ? at : rect().center()));
+    zoomChanged();
+}
+
+void PhotoView::followZoom(const ViewZoom& zoom)
+{
+    zoom_.follow(zoom);
+    updateDetail();
+    update();
+}
+
+void PhotoView::zoomChanged()
+{
+    updateDetail();
+    update();
+    zoomed.emit();
+}
+
+void PhotoView::updateDetail()
+{
+    feed_.setDetail(zoom_.isFit() && !loupe_ ? ViewDetail::screen : ViewDetail::full);
+}
+
+void PhotoView::feedChanged()
+{
+    const auto& picture = feed_.screen();
+    if (!picture.full.isEmpty())
+        zoom_.setPhoto({double(picture.full.width()), double(picture.full.height())});
+    else
+        zoom_.setPhoto({double(picture.image.width()) * placeholderGrowth,
+            double(picture.image.height()) * placeholderGrowth});
+    update();
+    if (!picture.full.isEmpty() && version_ == Version::edited)
+        drawn.emit(picture.histogram);
+}
+
+void PhotoView::measure()
+{
+    const auto view = devicePoint({double(width()), double(height())});
+    zoom_.setView(view);
+    feed_.setSize(static_cast<int>(std::lround(std::max(view.x, view.y))));
+}
+
+void PhotoView::resizeEvent(QResizeEvent*)
+{
+    zoom_.setView(devicePoint({double(width()), double(height())}));
+    if (!feed_.screen().image.isNull()) // while the window's border is dragged, the picture is stretched
+        resized_ = desktop_.mainThread().postAfter(quietAfterResize, [this] { measure(); });
+    else
+        measure();
+}
+
+bool PhotoView::event(QEvent* event)
+{
+    if (event->type() == QEvent::ScreenChangeInternal || event->type() == QEvent::Show)
+        measure();
+    return QWidget::event(event);
+}
+
+void PhotoView::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), backdrop_);
+    paintPhoto(painter);
+    if (loupe_ && rect().contains(pointer_.toPoint()))
+        paintLoupe(painter);
+    if (!feed_.item())
+        paintMessage(painter, "No photo is shown.");
+    else if (!feed_.fault().isEmpty())
+        paintMessage(painter, feed_.fault());
+    else if (feed_.screen().image.isNull())
+        paintMessage(painter, {});
+    if (active_) {
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 3));
+        painter.drawRect(rect().adjusted(1, 1, -2, -2));
+    }
+}
+
+void PhotoView::paintPhoto(QPainter& painter)
+{
+    const bool useFull = !zoom_.isFit() && !feed_.full().image.isNull();
+    const QImage& image = useFull ? feed_.full().image : feed_.screen().image;
+    const QSize full = feed_.screen().full;
+    if (image.isNull())
+        return;
+    const auto origin = zoom_.origin();
+    const QSizeF photo = full.isEmpty() ? QSizeF(image.size()) * placeholderGrowth : QSizeF(full);
+    const QRectF target(origin.x, origin.y, std::round(photo.width() * zoom_.scale()),
+        std::round(photo.height() * zoom_.scale()));
+    const double ratio = devicePixelRatioF();
+    painter.save();
+    painter.scale(1 / ratio, 1 / ratio); // device pixels from here on
+    if (image.hasAlphaChannel())
+        painter.fillRect(target, Qt::white);
+    // Enlarged pixels stay pixels from twice their size on: that is what one looks at them for.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, !useFull || zoom_.scale() < 2);
+    const QRectF visible = target.intersected(QRectF(0, 0, width() * ratio, height() * ratio));
+    const double across = image.width() / target.width(), down = image.height() / target.height();
+    const QRectF source((visible.x() - target.x()) * across, (visible.y() - target.y()) * down,
+        visible.width() * across, visible.height() * down);
+    painter.drawImage(visible, image, source);
+    painter.restore();
+}
+
+void PhotoView::paintLoupe(QPainter& painter)
+{
+    const QSize full = feed_.screen().full;
+    const QImage& image = feed_.full().image.isNull() ? feed_.screen().image : feed_.full().image;
+    if (image.isNull() || full.isEmpty())
+        return;
+    const double ratio = devicePixelRatioF();
+    const auto origin = zoom_.origin();
+    const auto at = devicePoint(pointer_);
+    // The place of the photo under the pointer, in the image's pixels.
+    const double across = double(image.width()) / full.width();
+    const double x = (at.x - origin.x) / zoom_.scale() * across,
+                 y = (at.y - origin.y) / zoom_.scale() * across;
+    const double side = loupeWidth * ratio * across * (zoom_.scale() < 1 ? 1 : 0.5 / zoom_.scale());
+    const QRectF glass(
+        pointer_.x() - loupeWidth / 2.0, pointer_.y() - loupeWidth / 2.0, loupeWidth, loupeWidth);
+    QPainterPath round;
+    round.addEllipse(glass);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setClipPath(round);
+    painter.fillRect(glass, backdrop_);
+    painter.drawImage(glass, image, QRectF(x - side / 2, y - side / 2, side, side));
+    painter.setClipping(false);
+    painter.setPen(QPen(QColor(255, 255, 255, 200), 2));
+    painter.drawEllipse(glass);
+    painter.restore();
+}
+
+void PhotoView::paintMessage(QPainter& painter, const QString& text)
+{
+    if (text.isEmpty())
+        return;
+    const int margin = 10;
+    const QRect room = rect().adjusted(3 * margin, 3 * margin, -3 * margin, -3 * margin);
+    const bool isAlone = feed_.screen().image.isNull();
+    const int where = Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::AlignHCenter
+        | (isAlone ? Qt::AlignVCenter : Qt::AlignBottom);
+    const QRect box = painter.boundingRect(room, where, text);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 190));
+    painter.drawRoundedRect(box.adjusted(-margin, -margin, margin, margin), 6, 6);
+    painter.setPen(Qt::white);
+    painter.drawText(room, where, text);
+}
+
+void PhotoView::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    setFocus(Qt::MouseFocusReason);
+    pressed_ = dragged_ = event->position();
+    isDragging_ = false;
+    clicked.emit();
+}
+
+void PhotoView::mouseMoveEvent(QMouseEvent* event)
+{
+    pointer_ = event->position();
+    if (loupe_)
+        update();
+    if (!event->buttons().testFlag(Qt::LeftButton))
+        return;
+    if (!isDragging_ && (event->position() - pressed_).manhattanLength() < QApplication::startDragDistance())
+        return;
+    isDragging_ = true;
+    if (zoom_.isFit())
+        return;
+    setCursor(Qt::ClosedHandCursor);
+    const auto way = event->position() - dragged_;
+    dragged_ = event->position();
+    zoom_.pan(devicePoint(way));
+    zoomChanged();
+}
+
+void PhotoView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    setCursor(loupe_ ? Qt::BlankCursor : Qt::ArrowCursor);
+    if (isDragging_ || !clickZooms_ || loupe_)
+        return;
+    zoom_.toggle(devicePoint(event->position()));
+    zoomChanged();
+}
+
+void PhotoView::leaveEvent(QEvent*)
+{
+    pointer_ = {-1, -1};
+    if (loupe_)
+        update();
+}
+
+void PhotoView::wheelEvent(QWheelEvent* event)
+{
+    const double notches = event->angleDelta().y() / 120.0;
+    if (event->modifiers().testFlag(Qt::ControlModifier)) {
+        const double scale = std::min(zoom_.scale() * std::pow(zoomStep, notches), mostZoom);
+        if (scale <= zoom_.fitScale())
+            zoom_.showWhole();
+        else
+            zoom_.zoomTo(scale, devicePoint(event->position()));
+        zoomChanged();
+    } else if (!zoom_.isFit()) {
+        const QPointF way = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) : event->pixelDelta();
+        zoom_.pan(devicePoint(way));
+        zoomChanged();
+    } else
+        event->ignore(); // the page steps to another photo
+}
+
+} // namespace korvo
