@@ -98,10 +98,10 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* const form = new QFormLayout(this);
-    form->addRow("&Folder", row(folder_, browse));
+    form->addRow("Folder", row(folder_, browse));
     form->addRow("F&ormat", format_);
     form->addRow("&Quality", quality_);
-    form->addRow("&Size", row(size_, pixels_));
+    form->addRow("Size", row(size_, pixels_));
     form->addRow("&Names", pattern_);
     form->addRow(QString(), tokens);
     form->addRow(QString(), example_);

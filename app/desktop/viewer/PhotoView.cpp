@@ -64,6 +64,7 @@ void PhotoView::setActive(bool active)
 void PhotoView::setLoupe(bool shown)
 {
     loupe_ = shown;
+    pointer_ = mapFromGlobal(QCursor::pos());
     setCursor(loupe_ ? Qt::BlankCursor : Qt::ArrowCursor);
     updateDetail();
     update();
