@@ -15,6 +15,11 @@ constexpr int apron = 3; // rows above and below that the sharpening looks at
 
 BandEncoder::~BandEncoder()
 {
+    giveUp();
+}
+
+void BandEncoder::giveUp()
+{
     {
         const std::scoped_lock lock(mutex_);
         isGivenUp_ = true;
@@ -26,10 +31,15 @@ BandEncoder::~BandEncoder()
 
 void BandEncoder::rowsReady(const Bitmap& image, int rows)
 {
+    if (rows == 0)
+        return giveUp();
     if (!hasBegun()) {
         bytes_ = image.bytes.data();
         width_ = image.width;
         height_ = image.height;
+        ready_ = 0;
+        isGivenUp_ = false;
+        failure_ = nullptr;
         thread_ = std::thread([this] { run(); });
     }
     {

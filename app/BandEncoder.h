@@ -23,7 +23,8 @@ public:
     BandEncoder(const BandEncoder&) = delete;
     BandEncoder& operator=(const BandEncoder&) = delete;
 
-    /// The first `rows` rows of the picture are there. Its bytes must stay until `finish` has returned.
+    /// The first `rows` rows of the picture are there. Its bytes must stay until `finish` has returned, or
+    /// until this was called with 0 rows, which gives up.
     void rowsReady(const Bitmap& image, int rows);
     bool hasBegun() const { return thread_.joinable(); }
 
@@ -31,6 +32,7 @@ public:
     std::vector<std::uint8_t> finish();
 
 private:
+    void giveUp();
     void run();
     void encodeBand(PictureWriter& writer, int top, int bottom);
     /// Waits for rows; whether they came.

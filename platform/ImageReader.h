@@ -25,7 +25,8 @@ enum class PictureSource {
 };
 
 /// Told on the reading thread how many rows of a bitmap are finished, so that work on them can begin. Its
-/// bytes stay where they are in the image that is returned in the end.
+/// bytes stay where they are in the image that is returned in the end. 0 rows: it cannot be finished, and its
+/// bytes go when the call returns.
 using RowsReady = std::function<void(const Bitmap& unfinished, int rows)>;
 
 struct ImageRequest {

@@ -52,6 +52,29 @@ protected:
     SystemImageReader reader{*launcher, KORVO_DECODER};
 };
 
+/// Ends the reading as soon as there are enough rows to be worked on.
+class StoppingReader : public ImageReader {
+public:
+    explicit StoppingReader(ImageReader& reader) : reader_(reader) { }
+
+    DecodedImage read(const fs::path& file, const ImageRequest& request, const std::stop_token& stop) override
+    {
+        auto watched = request;
+        watched.rowsReady = [&](const Bitmap& image, int rows) {
+            announced = rows;
+            request.rowsReady(image, rows);
+            if (rows > 300)
+                throw ImageError(ImageError::Case::stopped, file, "was stopped");
+        };
+        return reader_.read(file, watched, stop);
+    }
+
+    int announced = -1;
+
+private:
+    ImageReader& reader_;
+};
+
 bool contains(const fs::path& file, std::string_view text)
 {
     return readFile(file).find(text) != std::string::npos;
@@ -90,6 +113,13 @@ TEST_F(PhotoExport, rendersInBandsWhatItRendersAsAWhole)
         exported(file, folder / "bands.png", edits);
         EXPECT_EQ(bitmap(folder / "bands.png"), renderPhoto(reader, {file, edits}, {}).image);
     }
+}
+
+TEST_F(PhotoExport, looksAtNoRowsThatAreGone)
+{
+    StoppingReader stopping(reader);
+    EXPECT_THROW(encodePhoto(stopping, {noise(), {.sharpness = 1}}, PictureFormat::png, 90, {}), ImageError);
+    EXPECT_EQ(stopping.announced, 0) << "the rows were taken back";
 }
 
 TEST_F(PhotoExport, appliesEditsAndGeometryAndShrinksWhatIsLeft)

@@ -106,8 +106,8 @@ TEST_F(ImageReading, everyKindShowsTheSameColoursUpright)
              {"turned3.jpg", 2}, {"turned6.jpg", 2}, {"turned8.jpg", 2}, {"p3.jpg", 3}, {"lossy.webp", 8},
              {"half.webp", 1.1}, {"animated.webp", 8}, {"packed.tif", 0}, {"deep.tif", 0.5}, {"tiled.tif", 0},
              {"palette.tif", 0}, {"cmyk.tif", 1}, {"real.tif", 1}, {"turned6.tif", 0}, {"animated.gif", 0},
-             {"plain.bmp", 0}, {"plain.heic", 4}, {"deep.avif", 4}, {"camera.dng", 4}, {"film.mp4", 6},
-             {"turned.mov", 6}, {"oblong.mp4", 6}, {"film.avi", 6}, {"film.mpg", 8}}) {
+             {"plain.bmp", 0}, {"plain.heic", 4}, {"deep.avif", 4}, {"turned6.avif", 4}, {"camera.dng", 4},
+             {"film.mp4", 6}, {"turned.mov", 6}, {"oblong.mp4", 6}, {"film.avi", 6}, {"film.mpg", 8}}) {
         SCOPED_TRACE(name);
         const auto bitmap = read(picture(name));
         expectFields(bitmap, tolerance, isGrey);
@@ -168,6 +168,10 @@ TEST_F(ImageReading, saysWhatIsWrongWithAFile)
     EXPECT_EQ(failure(folder.write("text.jpg", "this is no picture"), "no picture"), Case::unknown);
     EXPECT_EQ(failure(folder.write("raw.x3f", "FOVb" + std::string(500, 'x')), "camera is not known"),
         Case::unsupported);
+    auto markers = readFile(picture("plain.jpg"));
+    for (std::string many = std::string("\xFF\xE1\0\2", 4); many.size() < 4 << 20;)
+        markers.insert(2, many += many);
+    EXPECT_EQ(failure(folder.write("markers.jpg", markers), "markers have no end"), Case::damaged);
     SystemImageReader without(*launcher, folder / "nothing");
     EXPECT_THROW(without.read(picture("plain.heic"), {}, {}), ImageError);
     std::stop_source stop;
@@ -231,10 +235,10 @@ TEST_F(ImageReading, whatIsCutOffShowsItsFirstRows)
 
 TEST(PictureRows, whatHoldsTheWholePictureIsBoundedInMemory)
 {
-    for (const auto& [name, open] :
-        {std::pair("progressive.jpg", OpenRows(openJpeg)), {"interlaced.png", OpenRows(openPng)}}) {
+    for (const auto& [name, open] : {std::pair("progressive.jpg", OpenRows(openJpeg)),
+             {"interlaced.png", OpenRows(openPng)}, {"lossy.webp", OpenRows(openWebp)}}) {
         PictureFile file(picture(name));
-        EXPECT_NE(open(file, {.mostMemory = 10'000}), nullptr);
+        EXPECT_NE(open(file, {.mostMemory = 20'000}), nullptr);
         try {
             open(file, {.mostMemory = 1000});
             ADD_FAILURE() << name;
@@ -250,6 +254,22 @@ TEST_F(ImageReading, aCutOffPhotoShowsWhatThereIs)
     const auto cut = read(folder.write("cut.jpg", whole.substr(0, whole.size() - 40)));
     EXPECT_NE(cut.note.find("damaged"), std::string::npos);
     EXPECT_NEAR(colourOf(cut, 3)[0], 128, 3) << "the first rows, which are the last ones upright";
+}
+
+TEST_F(ImageReading, aProfileThatDescribesNoPicturesColoursIsPassedOver)
+{
+    const auto whole = readFile(picture("p3.jpg"));
+    const auto profile = whole.find("ICC_PROFILE") + 14;
+    const auto stored = colourOf(read(picture("p3.jpg"), {0, PixelKind::linear}), 0);
+    for (const auto& [at, text] : {std::pair(12, "link"), {12, "abst"}, {12, "nmcl"}, {20, "?!?!"}}) {
+        auto changed = whole;
+        changed.replace(profile + static_cast<std::size_t>(at), 4, text);
+        const auto file = folder.write("changed.jpg", changed);
+        const auto bitmap = colourOf(read(file), 0), linear = colourOf(read(file, {0, PixelKind::linear}), 0);
+        EXPECT_LT(bitmap[0], stored[0] - 5) << text << ": wide colours, as if they were sRGB's";
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(bitmap[i], linear[i], 0.5) << text << ", channel " << i;
+    }
 }
 
 TEST_F(ImageReading, aProfileThatIsNoMoreThanAHeaderIsPassedOver)

@@ -103,10 +103,11 @@ const cmsToneCurve* curveOf(cmsHPROFILE profile, Model model, std::size_t channe
 /// Whether a profile is three curves and a matrix, or one curve of grey, and nothing more.
 bool isSimple(cmsHPROFILE profile, Model model)
 {
-    if (cmsIsTag(profile, cmsSigAToB0Tag) || cmsIsTag(profile, cmsSigAToB1Tag))
+    if (cmsIsTag(profile, cmsSigAToB0Tag) || cmsIsTag(profile, cmsSigAToB1Tag)
+        || cmsGetPCS(profile) != cmsSigXYZData)
         return false;
     if (model == Model::grey)
-        return curveOf(profile, model, 0) != nullptr && cmsGetPCS(profile) == cmsSigXYZData;
+        return curveOf(profile, model, 0) != nullptr;
     const auto isReadable = [&](cmsTagSignature tag) { return cmsReadTag(profile, tag) != nullptr; };
     return model == Model::rgb && cmsIsMatrixShaper(profile) && curveOf(profile, model, 0)
         && curveOf(profile, model, 1) && curveOf(profile, model, 2)
@@ -156,11 +157,20 @@ cmsHTRANSFORM transformOf(
         INTENT_RELATIVE_COLORIMETRIC, flags);
 }
 
+/// Whether a profile is one of a device or a colour space; links between two, and effects, say nothing of a
+/// picture's colours (ICC.1:2022, 7.2.7).
+bool describesColours(cmsHPROFILE profile)
+{
+    constexpr std::array classes{
+        cmsSigInputClass, cmsSigDisplayClass, cmsSigOutputClass, cmsSigColorSpaceClass};
+    return std::ranges::find(classes, cmsGetDeviceClass(profile)) != classes.end();
+}
+
 /// Whether colours of this format can be converted by the profile: it may be of other colours, or be no more
 /// than a header.
 bool isUsable(cmsHPROFILE profile, const RowFormat& format)
 {
-    if (cmsGetColorSpace(profile) != spaceOf(format.model))
+    if (cmsGetColorSpace(profile) != spaceOf(format.model) || !describesColours(profile))
         return false;
     if (isSimple(profile, format.model))
         return true;
@@ -307,15 +317,14 @@ bool ColourConversion::fitsBitmap(const PictureInfo& picture)
 ColourConversion::ColourConversion(const PictureInfo& picture, Target target) : format_(picture.format)
 {
     const auto profile = profileOf(picture);
-    const bool isKnown = !profile || isSrgb(profile.get(), format_.model);
-    if (target == Target::linear && format_.depth != Depth::real && format_.model != Model::cmyk
-        && (isKnown || isSimple(profile.get(), format_.model)))
-        makeTables(isKnown ? nullptr : profile.get());
-    else if (!isKnown) {
-        transform_.reset(transformOf(profile.get(), format_, target, cmsFLAGS_BLACKPOINTCOMPENSATION));
-        if (!transform_) // of a usable profile
-            throw std::bad_alloc();
-    }
+    auto* const applied = profile && !isSrgb(profile.get(), format_.model) ? profile.get() : nullptr;
+    const bool takesTables
+        = target == Target::linear && format_.depth != Depth::real && format_.model != Model::cmyk;
+    const bool fitsTables = takesTables && (!applied || isSimple(applied, format_.model));
+    if (applied && !fitsTables) // by a profile that lcms2 refuses after all nothing is converted
+        transform_.reset(transformOf(applied, format_, target, cmsFLAGS_BLACKPOINTCOMPENSATION));
+    if (takesTables && !transform_)
+        makeTables(fitsTables ? applied : nullptr);
 }
 
 void ColourConversion::makeTables(cmsHPROFILE profile)

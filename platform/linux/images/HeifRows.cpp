@@ -30,7 +30,15 @@ void check(const PictureFile& file, const heif_error& error)
         (isUnknown ? "cannot be decoded: " : "the file is damaged: ") + std::string(error.message));
 }
 
-/// The smallest of the stored thumbnails that has `size` pixels a side, or null.
+/// Whether two pictures have the same shape to 1 %: a thumbnail may lack the turn that the picture has.
+bool haveOneShape(const heif_image_handle* a, const heif_image_handle* b)
+{
+    const double ratio = double(heif_image_handle_get_width(a)) * heif_image_handle_get_height(b)
+        / (double(heif_image_handle_get_height(a)) * heif_image_handle_get_width(b));
+    return std::abs(ratio - 1) < 0.01;
+}
+
+/// The smallest of the stored thumbnails that has `size` pixels a side and the picture's shape, or null.
 Handle thumbnail(const heif_image_handle* image, int size)
 {
     std::vector<heif_item_id> ids(
@@ -44,7 +52,7 @@ Handle thumbnail(const heif_image_handle* image, int size)
             continue;
         Handle handle(it);
         const int side = std::max(heif_image_handle_get_width(it), heif_image_handle_get_height(it));
-        if (side >= size && (!best || side < bestSide)) {
+        if (side >= size && haveOneShape(it, image) && (!best || side < bestSide)) {
             best = std::move(handle);
             bestSide = side;
         }

@@ -22,6 +22,10 @@ constexpr unsigned longestMarker = 0xFFFF;
 constexpr int mostScans = 100;
 /// Two bits a block, and room for files that are cut off.
 constexpr std::uint64_t pixelsInByte = 4096;
+/// What the markers before the picture may hold in memory. Far beyond any that a camera or program writes.
+constexpr std::size_t mostMarkerBytes = std::size_t(64) << 20;
+/// What each counts for beside its length: the library walks past all of them to add one.
+constexpr std::size_t markerCost = 16 << 10;
 /// A progressive picture's coefficients are kept until the last scan.
 constexpr std::int64_t mostCoefficientBytes = std::int64_t(1) << 31;
 
@@ -114,9 +118,11 @@ private:
         if (setjmp(jump_))
             fail();
         connect();
+        boundMarkers();
         jpeg_save_markers(&jpeg_, exifMarker, longestMarker);
         jpeg_save_markers(&jpeg_, profileMarker, longestMarker);
         jpeg_read_header(&jpeg_, TRUE);
+        jpeg_.mem->alloc_large = allocate_;
         check(options.mostMemory);
         chooseColours();
         chooseScale(options.size);
@@ -124,6 +130,20 @@ private:
         jpeg_start_decompress(&jpeg_);
         info_.width = static_cast<int>(jpeg_.output_width);
         info_.height = static_cast<int>(jpeg_.output_height);
+    }
+
+    /// The library keeps every marker, however many there are, and a file of nothing else would take minutes
+    /// and gigabytes. Before the pixels, nothing else is large.
+    void boundMarkers()
+    {
+        allocate_ = jpeg_.mem->alloc_large;
+        jpeg_.mem->alloc_large = [](j_common_ptr jpeg, int pool, std::size_t size) {
+            auto& self = of(jpeg);
+            self.markerBytes_ += size + markerCost;
+            if (self.markerBytes_ > mostMarkerBytes)
+                self.giveUp(ImageError::Case::damaged, "its markers have no end");
+            return self.allocate_(jpeg, pool, size);
+        };
     }
 
     void check(std::int64_t mostMemory)
@@ -138,7 +158,7 @@ private:
                 "its " + std::to_string(info_.fullWidth) + " × " + std::to_string(info_.fullHeight)
                     + " pixels are more than can be decoded of a progressive JPEG");
         if (jpeg_has_multiple_scans(&jpeg_) && coefficients > mostMemory)
-            file_.fail(ImageError::Case::memory, "there is not enough memory to decode it");
+            file_.fail(ImageError::Case::memory, notEnoughMemory);
     }
 
     void chooseColours()
@@ -281,6 +301,8 @@ private:
     jpeg_error_mgr errors_{};
     jpeg_source_mgr source_{};
     jpeg_progress_mgr progress_{};
+    decltype(jpeg_memory_mgr::alloc_large) allocate_ = nullptr; ///< the library's own
+    std::size_t markerBytes_ = 0;
     std::jmp_buf jump_{};
     std::string message_;
     ImageError::Case which_ = ImageError::Case::damaged; ///< of the message

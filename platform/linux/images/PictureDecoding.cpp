@@ -31,7 +31,8 @@ public:
         : file_(file), rows_(rows), info_(rows.info()), stop_(stop), rowsReady_(request.rowsReady),
           isLinear_(request.kind == PixelKind::linear
               || (request.kind == PixelKind::asStored && !ColourConversion::fitsBitmap(info_))),
-          isCopied_(!isLinear_ && ColourConversion::isBitmap(info_))
+          isCopied_(!isLinear_ && ColourConversion::isBitmap(info_)),
+          announcesRows_(rowsReady_ && isCopied_ && info_.orientation == Orientation::upright)
     {
         std::tie(width_, height_) = hasOwnShape(info_)
             ? shrunkSize(info_.width, info_.height, request.size)
@@ -81,17 +82,25 @@ private:
         }
     }
 
+    void readBitmap(Bitmap& image)
+    try {
+        int rows = 0;
+        readBytes([&](int y) { return image.row(y); },
+            [&](const std::uint8_t*) {
+                if (announcesRows_ && (++rows % rowsBetweenCalls == 0 || rows == height_))
+                    rowsReady_(image, rows);
+            });
+    } catch (...) {
+        if (announcesRows_)
+            rowsReady_(image, 0);
+        throw;
+    }
+
     Bitmap bitmap()
     {
         Bitmap image(width_, height_);
         if (!isShrunk()) {
-            int rows = 0;
-            readBytes([&](int y) { return image.row(y); },
-                [&](const std::uint8_t*) {
-                    if (rowsReady_ && isCopied_ && info_.orientation == Orientation::upright
-                        && (++rows % rowsBetweenCalls == 0 || rows == height_))
-                        rowsReady_(image, rows);
-                });
+            readBitmap(image);
             return image;
         }
         Shrinking shrinking(info_.width, info_.height, width_, height_);
@@ -169,6 +178,7 @@ private:
     const RowsReady& rowsReady_;
     bool isLinear_;
     bool isCopied_; ///< the rows are a bitmap's as they come
+    bool announcesRows_;
     int width_ = 0, height_ = 0;
 };
 
@@ -187,7 +197,7 @@ OpenRows safeDecoder(const PictureFile& file)
 
 DecodedImage decodePicture(PictureFile& file, OpenRows open, const ImageRequest& request,
     const std::stop_token& stop, std::int64_t mostMemory)
-{
+try {
     const OpenOptions options{request.size, request.source == PictureSource::quick, mostMemory, stop};
     if (options.isQuick && open == openJpeg)
         try {
@@ -199,6 +209,8 @@ DecodedImage decodePicture(PictureFile& file, OpenRows open, const ImageRequest&
         }
     const auto rows = open(file, options);
     return Decoding(file, *rows, request, stop).run();
+} catch (const std::bad_alloc&) {
+    file.fail(ImageError::Case::memory, notEnoughMemory);
 }
 
 void checkSize(const PictureFile& file, std::int64_t width, std::int64_t height)

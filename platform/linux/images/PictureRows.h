@@ -37,6 +37,7 @@ struct RowFormat {
     }
 };
 
+inline constexpr auto notEnoughMemory = "there is not enough memory to decode it";
 inline constexpr auto unknownCurveNote = "its HDR tone curve is not known: it is shown as if it were sRGB";
 
 /// A picture as its file stores it.

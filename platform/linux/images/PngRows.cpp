@@ -50,7 +50,7 @@ private:
             PNG_LIBPNG_VER_STRING, this, onError, [](png_structp, png_const_charp) {});
         handle_.info = handle_.png ? png_create_info_struct(handle_.png) : nullptr;
         if (!handle_.info)
-            file_.fail(ImageError::Case::memory, "there is not enough memory");
+            file_.fail(ImageError::Case::memory, notEnoughMemory);
         png_set_read_fn(handle_.png, this, onRead);
         png_set_user_limits(handle_.png, 0x7fffffff, 0x7fffffff); // ours is one of pixels
         png_read_info(handle_.png, handle_.info);
@@ -103,7 +103,7 @@ private:
         const auto row = [&](int y) { return whole_.data() + rowBytes() * static_cast<std::size_t>(y); };
         const auto size = rowBytes() * static_cast<std::size_t>(info_.height);
         if (size > static_cast<std::uint64_t>(options.mostMemory))
-            file_.fail(ImageError::Case::memory, "there is not enough memory to decode it");
+            file_.fail(ImageError::Case::memory, notEnoughMemory);
         whole_.resize(size);
         for (int y = 0; y < info_.height; ++y)
             fill(row(y));

@@ -10,6 +10,8 @@ namespace korvo {
 namespace {
 
 constexpr std::uint64_t largestFile = std::uint64_t(1) << 29;
+/// What libwebp holds of a lossless picture, and we of any.
+constexpr std::int64_t bytesAPixel = 8;
 
 struct DeleteDemuxer {
     void operator()(WebPDemuxer* demuxer) const { WebPDemuxDelete(demuxer); }
@@ -47,7 +49,8 @@ VP8StatusCode decodeWhatThereIs(const WebPData& stream, WebPDecoderConfig& confi
 }
 
 /// Decodes, and shrinks on the way when no more than `size` pixels a side are wanted.
-PixelBuffer<std::uint8_t> decode(const PictureFile& file, const WebPData& stream, int size, PictureInfo& info)
+PixelBuffer<std::uint8_t> decode(
+    const PictureFile& file, const WebPData& stream, const OpenOptions& options, PictureInfo& info)
 {
     WebPDecoderConfig config;
     if (!WebPInitDecoderConfig(&config)
@@ -56,7 +59,9 @@ PixelBuffer<std::uint8_t> decode(const PictureFile& file, const WebPData& stream
     checkSize(file, config.input.width, config.input.height);
     info.fullWidth = config.input.width;
     info.fullHeight = config.input.height;
-    std::tie(info.width, info.height) = shrunkSize(info.fullWidth, info.fullHeight, size);
+    if (bytesAPixel * info.fullWidth * info.fullHeight > options.mostMemory)
+        file.fail(ImageError::Case::memory, notEnoughMemory);
+    std::tie(info.width, info.height) = shrunkSize(info.fullWidth, info.fullHeight, options.size);
     info.format.alpha = config.input.has_alpha ? RowFormat::Alpha::straight : RowFormat::Alpha::unused;
     config.options.use_scaling = info.width != info.fullWidth || info.height != info.fullHeight;
     if (config.options.use_scaling && config.input.has_alpha) // so that what is not seen does not bleed
@@ -96,7 +101,7 @@ std::unique_ptr<PictureRows> openWebp(PictureFile& file, const OpenOptions& opti
     const auto exif = chunk(demuxer.get(), "EXIF");
     const Bytes block(exif);
     info.orientation = exifPicture(block.startsWith("Exif") ? block.from(6) : block).orientation;
-    auto pixels = decode(file, firstFrame(file, demuxer.get()), options.size, info);
+    auto pixels = decode(file, firstFrame(file, demuxer.get()), options, info);
     return std::make_unique<WholeRows>(std::move(info), std::move(pixels));
 }
 
