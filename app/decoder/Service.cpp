@@ -83,10 +83,9 @@ DecoderAnswer failure(const DecoderRequest& request, Case which, std::string rea
 
 DecoderAnswer decode(const DecoderRequest& asked, const PosixFile& memory)
 try {
-    auto image = decodeAnyPicture(asked.file, asked.image, {});
-    storePixels(image, memory);
-    image.note = shortened(std::move(image.note));
-    return {asked.number, std::move(image)};
+    auto picture = storeImage(decodeAnyPicture(asked.file, asked.image, {}), memory);
+    picture.note = shortened(std::move(picture.note));
+    return {asked.number, std::move(picture)};
 } catch (const ImageError& error) {
     return failure(asked, error.which(), error.reason());
 } catch (const std::bad_alloc&) {
@@ -95,10 +94,19 @@ try {
     return failure(asked, Case::damaged, error.what());
 }
 
-/// The worker's part. Its parent has one answer from it at the most, whatever happens to it afterwards.
-[[noreturn]] void work(
-    const DecoderRequest& request, const PosixFile& memory, const PosixFile& answers, pid_t parent)
+/// Where requests come from, and answers go to.
+struct Streams {
+    int requests;
+    int answers;
+};
+
+/// The worker's part. Its parent has one answer from it at the most, whatever happens to it afterwards, and
+/// nobody else anything.
+[[noreturn]] void work(const DecoderRequest& request, const PosixFile& memory, const PosixFile& answers,
+    const Streams& ofParent, pid_t parent)
 {
+    close(ofParent.requests);
+    close(ofParent.answers);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) // it ended before we could ask to be told
         _exit(EXIT_FAILURE);
@@ -120,7 +128,7 @@ DecoderAnswer answerFor(const DecoderRequest& request, End end, int status)
 }
 
 /// Decodes in a process of its own. The memory is opened now, while the one who asks holds it for certain.
-std::string answerTo(const DecoderRequest& request)
+std::string answerTo(const DecoderRequest& request, const Streams& streams)
 {
     const auto memory = openSharedMemory(request.memory);
     std::array<int, 2> ends{-1, -1};
@@ -132,7 +140,7 @@ std::string answerTo(const DecoderRequest& request)
     if (worker < 0)
         return failure(request, Case::memory, "there is not enough memory to decode it").encoded();
     if (worker == 0)
-        work(request, memory, to, service);
+        work(request, memory, to, streams, service);
     to = {};
     std::string text;
     const auto end = readMessage(from.descriptor(), text, Clock::now() + mostTime);
@@ -149,7 +157,7 @@ int serveDecoding(int requests, int answers)
 try {
     std::string request; // nobody asks for the next before the answer to one
     while (readMessage(requests, request) == End::whole)
-        send(answers, answerTo(DecoderRequest::decoded(std::exchange(request, {}))));
+        send(answers, answerTo(DecoderRequest::decoded(std::exchange(request, {})), {requests, answers}));
     return EXIT_SUCCESS;
 } catch (const std::invalid_argument&) { // nobody that we could answer
     return EXIT_FAILURE;

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <memory>
+#include <sched.h>
 #include <seccomp.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -24,17 +25,17 @@ namespace {
 
 constexpr rlim_t mostWritten = rlim_t(8) << 30;
 
-constexpr int refused[] = {SCMP_SYS(execve), SCMP_SYS(execveat), SCMP_SYS(ptrace),
-    SCMP_SYS(process_vm_writev), SCMP_SYS(process_vm_readv), SCMP_SYS(pidfd_getfd), SCMP_SYS(io_uring_setup),
-    SCMP_SYS(bpf), SCMP_SYS(kill), SCMP_SYS(tkill), SCMP_SYS(socket), SCMP_SYS(socketpair), SCMP_SYS(connect),
-    SCMP_SYS(bind), SCMP_SYS(sendto), SCMP_SYS(creat), SCMP_SYS(openat2), SCMP_SYS(truncate),
-    SCMP_SYS(unlink), SCMP_SYS(unlinkat), SCMP_SYS(rename), SCMP_SYS(renameat), SCMP_SYS(renameat2),
-    SCMP_SYS(link), SCMP_SYS(linkat), SCMP_SYS(symlink), SCMP_SYS(symlinkat), SCMP_SYS(mkdir),
-    SCMP_SYS(mkdirat), SCMP_SYS(rmdir), SCMP_SYS(mknod), SCMP_SYS(mknodat), SCMP_SYS(chmod), SCMP_SYS(fchmod),
-    SCMP_SYS(fchmodat), SCMP_SYS(chown), SCMP_SYS(fchown), SCMP_SYS(lchown), SCMP_SYS(fchownat),
-    SCMP_SYS(utime), SCMP_SYS(utimes), SCMP_SYS(utimensat), SCMP_SYS(futimesat), SCMP_SYS(setxattr),
-    SCMP_SYS(lsetxattr), SCMP_SYS(fsetxattr), SCMP_SYS(removexattr), SCMP_SYS(lremovexattr),
-    SCMP_SYS(fremovexattr)};
+constexpr int refused[] = {SCMP_SYS(execve), SCMP_SYS(execveat), SCMP_SYS(fork), SCMP_SYS(vfork),
+    SCMP_SYS(ptrace), SCMP_SYS(process_vm_writev), SCMP_SYS(process_vm_readv), SCMP_SYS(pidfd_getfd),
+    SCMP_SYS(io_uring_setup), SCMP_SYS(bpf), SCMP_SYS(kill), SCMP_SYS(tkill), SCMP_SYS(socket),
+    SCMP_SYS(socketpair), SCMP_SYS(connect), SCMP_SYS(bind), SCMP_SYS(sendto), SCMP_SYS(creat),
+    SCMP_SYS(openat2), SCMP_SYS(truncate), SCMP_SYS(unlink), SCMP_SYS(unlinkat), SCMP_SYS(rename),
+    SCMP_SYS(renameat), SCMP_SYS(renameat2), SCMP_SYS(link), SCMP_SYS(linkat), SCMP_SYS(symlink),
+    SCMP_SYS(symlinkat), SCMP_SYS(mkdir), SCMP_SYS(mkdirat), SCMP_SYS(rmdir), SCMP_SYS(mknod),
+    SCMP_SYS(mknodat), SCMP_SYS(chmod), SCMP_SYS(fchmod), SCMP_SYS(fchmodat), SCMP_SYS(chown),
+    SCMP_SYS(fchown), SCMP_SYS(lchown), SCMP_SYS(fchownat), SCMP_SYS(utime), SCMP_SYS(utimes),
+    SCMP_SYS(utimensat), SCMP_SYS(futimesat), SCMP_SYS(setxattr), SCMP_SYS(lsetxattr), SCMP_SYS(fsetxattr),
+    SCMP_SYS(removexattr), SCMP_SYS(lremovexattr), SCMP_SYS(fremovexattr)};
 
 constexpr scmp_datum_t writing[] = {O_WRONLY, O_RDWR, O_CREAT, O_TRUNC};
 
@@ -60,6 +61,10 @@ void filterCalls()
         return;
     for (const int call : refused)
         seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), call, 0);
+    // Threads are made, other processes not. What clone3 is to make cannot be seen: clone is used instead.
+    seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0);
+    seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), SCMP_SYS(clone), 1,
+        SCMP_A0_64(SCMP_CMP_MASKED_EQ, scmp_datum_t(CLONE_THREAD), 0));
     for (const auto flag : writing) {
         seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), SCMP_SYS(open), 1,
             SCMP_A1_64(SCMP_CMP_MASKED_EQ, flag, flag));

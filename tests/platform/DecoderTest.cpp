@@ -80,6 +80,33 @@ TEST(Decoder, oneThatIsOutOfStepIsReplacedBeforeItIsBelieved)
     }
 }
 
+TEST(Decoder, whatItSaysOfAnImageIsBelievedOnlyAsFarAsTheMemoryGoes)
+{
+    using Picture = DecoderAnswer::Picture;
+    const auto launcher = systemProcessLauncher();
+    const auto answered = [](const Picture& picture) { return DecoderAnswer{0, picture}.encoded(); };
+    const auto image = [](const std::string& width, const std::string& kind, const std::string& full) {
+        return message({"0", "image", width, "4", kind, "0", full, "4", ""});
+    };
+    for (const auto& [what, answer] :
+        {std::pair("nothing in the memory", answered({4, 4, false, false, 4, 4})),
+            {"gigabytes of pixels", answered({32768, 16384, true, true, 32768, 16384})},
+            {"more pixels than may be", answered({32768, 16385, false, false, 4, 4})},
+            {"no pixels", image("0", "0", "4")}, {"fewer than none", image("-4", "0", "4")},
+            {"no number", image("4x", "0", "4")}, {"beyond all numbers", image("4294967300", "0", "4")},
+            {"another kind", image("4", "2", "4")}, {"no full size", image("4", "0", "0")},
+            {"a text too many", message({"0", "image", "4", "4", "0", "0", "4", "4", "", ""})},
+            {"an unknown failure", message({"0", "failure", "10", "why"})}}) {
+        SCOPED_TRACE(what);
+        const TemporaryFolder folder;
+        folder.write("answer", answer);
+        SystemImageReader reader(
+            *launcher, decoderThatFirst(folder, "cat '" + (folder / "answer").string() + "'"));
+        EXPECT_EQ(failure(reader), ImageError::Case::crashed);
+        EXPECT_EQ(failure(reader), std::nullopt) << "it is asked again, or another is";
+    }
+}
+
 TEST(Decoder, writesIntoMemoryOnlyAndNeverIntoAFile)
 {
     const TemporaryFolder folder;
@@ -125,6 +152,11 @@ TEST(ProcessFence, readingIsAllThatIsLeft)
         allowed += fchmod(open.descriptor(), 0777) == 0;
         allowed += socket(AF_UNIX, SOCK_STREAM, 0) >= 0;
         allowed += execl("/bin/true", "true", nullptr) == 0;
+        const pid_t made = fork();
+        if (made == 0)
+            _exit(0);
+        allowed += made > 0;
+        std::thread([] {}).join();
         _exit(openFile(path, O_RDONLY) ? allowed : 100);
     }
     int status = 0;

@@ -28,11 +28,11 @@ constexpr std::size_t longestMessage = 64 << 10; // two paths, or an error's tex
 
 constexpr int largest = std::numeric_limits<int>::max();
 
-int numberIn(const std::string& text, int most)
+int numberIn(const std::string& text, int most, int least = 0)
 {
     int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || value < 0 || value > most)
+    if (error != std::errc() || end != text.data() + text.size() || value < least || value > most)
         fail();
     return value;
 }
@@ -65,6 +65,26 @@ std::size_t sizeOf(const std::vector<std::span<std::uint8_t>>& parts)
     for (const auto& part : parts)
         size += part.size();
     return size;
+}
+
+/// What the pixels of a picture take.
+std::size_t bytesOf(const DecoderAnswer::Picture& picture)
+{
+    const std::size_t planes = picture.hasAlpha ? 4 : 3;
+    return static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height)
+        * (picture.isLinear ? planes * sizeof(float) : 4);
+}
+
+/// Room for its pixels.
+DecodedImage emptyImage(const DecoderAnswer::Picture& picture)
+{
+    DecodedImage image{{}, picture.fullWidth, picture.fullHeight, picture.note};
+    if (picture.isLinear)
+        image.pixels = LinearImage(
+            picture.width, picture.height, picture.hasAlpha ? AlphaPlane::present : AlphaPlane::absent);
+    else
+        image.pixels = Bitmap(picture.width, picture.height);
+    return image;
 }
 
 /// A view of shared memory.
@@ -140,13 +160,10 @@ std::string DecoderAnswer::encoded() const
     if (const auto* const failure = std::get_if<Failure>(&result))
         return message({std::to_string(number), failureWord, std::to_string(static_cast<int>(failure->which)),
             failure->reason});
-    const auto& image = std::get<DecodedImage>(result);
-    const auto* const linear = std::get_if<LinearImage>(&image.pixels);
-    const auto [width, height]
-        = std::visit([](const auto& pixels) { return std::pair(pixels.width, pixels.height); }, image.pixels);
-    return message({std::to_string(number), imageWord, std::to_string(width), std::to_string(height),
-        linear ? "1" : "0", linear && !linear->isOpaque() ? "1" : "0", std::to_string(image.fullWidth),
-        std::to_string(image.fullHeight), image.note});
+    const auto& picture = std::get<Picture>(result);
+    return message({std::to_string(number), imageWord, std::to_string(picture.width),
+        std::to_string(picture.height), std::to_string(picture.isLinear), std::to_string(picture.hasAlpha),
+        std::to_string(picture.fullWidth), std::to_string(picture.fullHeight), picture.note});
 }
 
 DecoderAnswer DecoderAnswer::decoded(std::string_view message)
@@ -159,19 +176,12 @@ DecoderAnswer DecoderAnswer::decoded(std::string_view message)
                 texts[3]}};
     if (texts.size() != 9 || texts[1] != imageWord)
         fail();
-    const int width = numberIn(texts[2], largest), height = numberIn(texts[3], largest);
-    if (width == 0 || height == 0 || width > mostPixels / height)
+    const Picture picture{numberIn(texts[2], largest, 1), numberIn(texts[3], largest, 1),
+        numberIn(texts[4], 1) == 1, numberIn(texts[5], 1) == 1, numberIn(texts[6], largest, 1),
+        numberIn(texts[7], largest, 1), texts[8]};
+    if (picture.width > mostPixels / picture.height)
         fail();
-    DecodedImage image;
-    if (numberIn(texts[4], 1) == 1)
-        image.pixels = LinearImage(
-            width, height, numberIn(texts[5], 1) == 1 ? AlphaPlane::present : AlphaPlane::absent);
-    else
-        image.pixels = Bitmap(width, height);
-    image.fullWidth = numberIn(texts[6], largest);
-    image.fullHeight = numberIn(texts[7], largest);
-    image.note = texts[8];
-    return {numberIn(texts[0], largest), std::move(image)};
+    return {numberIn(texts[0], largest), picture};
 }
 
 PosixFile openSharedMemory(const std::filesystem::path& memory)
@@ -182,7 +192,7 @@ PosixFile openSharedMemory(const std::filesystem::path& memory)
     return file;
 }
 
-void storePixels(const DecodedImage& image, const PosixFile& memory)
+DecoderAnswer::Picture storeImage(const DecodedImage& image, const PosixFile& memory)
 {
     const auto parts = partsOf(const_cast<DecodedImage&>(image));
     if (ftruncate(memory.descriptor(), static_cast<off_t>(sizeOf(parts))) != 0)
@@ -191,23 +201,30 @@ void storePixels(const DecodedImage& image, const PosixFile& memory)
     std::uint8_t* to = mapping.start();
     for (const auto& part : parts)
         to = std::copy(part.begin(), part.end(), to);
+    const auto* const linear = std::get_if<LinearImage>(&image.pixels);
+    const auto [width, height]
+        = std::visit([](const auto& pixels) { return std::pair(pixels.width, pixels.height); }, image.pixels);
+    return {width, height, linear != nullptr, linear && !linear->isOpaque(), image.fullWidth,
+        image.fullHeight, image.note};
 }
 
-void loadPixels(DecodedImage& image, const PosixFile& memory)
+DecodedImage loadImage(const DecoderAnswer::Picture& picture, const PosixFile& memory)
 {
-    const auto parts = partsOf(image);
     struct stat status { };
     // It must not shrink while we look at it: that would end us with a signal.
     if (fcntl(memory.descriptor(), F_ADD_SEALS, F_SEAL_SHRINK) != 0
         || fstat(memory.descriptor(), &status) != 0
-        || static_cast<std::size_t>(status.st_size) < sizeOf(parts))
+        || static_cast<std::size_t>(status.st_size) < bytesOf(picture))
         fail();
+    auto image = emptyImage(picture);
+    const auto parts = partsOf(image);
     const Mapping mapping(memory, sizeOf(parts), PROT_READ);
     const std::uint8_t* from = mapping.start();
     for (const auto& part : parts) {
         std::copy_n(from, part.size(), part.data());
         from += part.size();
     }
+    return image;
 }
 
 } // namespace korvo

@@ -29,20 +29,27 @@ struct DecoderRequest {
     static DecoderRequest decoded(std::string_view message);
 };
 
-/// What came of it: an image whose pixels are left out, or the error.
+/// What came of it: what is to be known of an image whose pixels lie in the shared memory, or the error.
 struct DecoderAnswer {
+    struct Picture {
+        int width = 0;
+        int height = 0;
+        bool isLinear = false;
+        bool hasAlpha = false; ///< a plane of it, in a linear image
+        int fullWidth = 0;
+        int fullHeight = 0;
+        std::string note;
+    };
     struct Failure {
         ImageError::Case which = ImageError::Case::damaged;
         std::string reason;
     };
 
     int number = 0; ///< of the request
-    std::variant<DecodedImage, Failure> result;
+    std::variant<Picture, Failure> result;
 
-    /// Images are told by their size and kind.
     std::string encoded() const;
-    /// Makes room for the pixels. Throws std::invalid_argument for what is no answer, and for images larger
-    /// than may be.
+    /// Throws std::invalid_argument for what is no answer, and for images larger than may be.
     static DecoderAnswer decoded(std::string_view message);
 };
 
@@ -50,8 +57,9 @@ struct DecoderAnswer {
 PosixFile openSharedMemory(const std::filesystem::path& memory);
 
 /// Copies an image's pixels into shared memory, which grows to hold them. Throws std::bad_alloc.
-void storePixels(const DecodedImage& image, const PosixFile& memory);
-/// Copies them out of it. Throws std::invalid_argument when the memory is too short, std::bad_alloc.
-void loadPixels(DecodedImage& image, const PosixFile& memory);
+DecoderAnswer::Picture storeImage(const DecodedImage& image, const PosixFile& memory);
+/// Copies them out of it. Throws std::invalid_argument, before anything is asked for, when the memory is too
+/// short, std::bad_alloc.
+DecodedImage loadImage(const DecoderAnswer::Picture& picture, const PosixFile& memory);
 
 } // namespace korvo

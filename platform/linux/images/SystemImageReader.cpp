@@ -47,8 +47,6 @@ DecodedImage SystemImageReader::read(
     } catch (const ImageError& error) {
         if (error.which() != ImageError::Case::memory)
             throw;
-    } catch (const std::bad_alloc&) {
-        file.fail(ImageError::Case::memory, "there is not enough memory to decode it");
     }
     return readOutside(path, request, stop);
 }
@@ -62,12 +60,14 @@ DecodedImage SystemImageReader::readOutside(
     if (reason)
         throw ImageError(ImageError::Case::open, path, "cannot be found: " + reason.message());
     try {
-        auto result = ask({requests_++ & 0xFFFFFF, absolute, request, nameOf(memory)}, stop).result;
-        if (const auto* const failure = std::get_if<DecoderAnswer::Failure>(&result))
+        auto [answer, process] = ask({requests_++ & 0xFFFFFF, absolute, request, nameOf(memory)}, stop);
+        const auto* const failure = std::get_if<DecoderAnswer::Failure>(&answer.result);
+        auto image
+            = failure ? DecodedImage() : loadImage(std::get<DecoderAnswer::Picture>(answer.result), memory);
+        keepProcess(std::move(process)); // which has told the truth
+        if (failure)
             throw ImageError(failure->which, path, failure->reason);
-        auto& image = std::get<DecodedImage>(result);
-        loadPixels(image, memory);
-        return std::move(image);
+        return image;
     } catch (const ProcessError& error) {
         switch (error.which()) {
         case ProcessError::Case::stopped:
@@ -82,13 +82,14 @@ DecodedImage SystemImageReader::readOutside(
     } catch (const std::invalid_argument& error) {
         throw ImageError(ImageError::Case::crashed, path, "the decoder gave no sensible answer");
     } catch (const std::bad_alloc&) {
-        throw ImageError(ImageError::Case::memory, path, "there is not enough memory to decode it");
+        throw ImageError(ImageError::Case::memory, path, notEnoughMemory);
     }
 }
 
-/// The decoder's answer. One that waited may have ended long ago, or be out of step: a new one is asked then.
-/// One that was not understood is never asked again.
-DecoderAnswer SystemImageReader::ask(const DecoderRequest& request, const std::stop_token& stop)
+/// The decoder's answer, and the decoder. One that waited may have ended long ago, or be out of step: a new
+/// one is asked then. One that was not understood is never asked again.
+std::pair<DecoderAnswer, SystemImageReader::Process> SystemImageReader::ask(
+    const DecoderRequest& request, const std::stop_token& stop)
 {
     const auto isWhole = [](const ProcessOutput& output) { return isWholeMessage(output.out); };
     for (auto waiting = takeProcess();; waiting = nullptr) {
@@ -98,8 +99,7 @@ DecoderAnswer SystemImageReader::ask(const DecoderRequest& request, const std::s
             auto answer = DecoderAnswer::decoded(process->ask(request.encoded(), isWhole, stop).out);
             if (answer.number != request.number)
                 throw std::invalid_argument("the answer is to another question");
-            keepProcess(std::move(process));
-            return answer;
+            return {std::move(answer), std::move(process)};
         } catch (const ProcessError& error) {
             if (isFresh || error.which() != ProcessError::Case::ended)
                 throw;

@@ -32,7 +32,7 @@ private:
 
     DecodedImage readOutside(
         const std::filesystem::path& file, const ImageRequest& request, const std::stop_token& stop);
-    DecoderAnswer ask(const DecoderRequest& request, const std::stop_token& stop);
+    std::pair<DecoderAnswer, Process> ask(const DecoderRequest& request, const std::stop_token& stop);
     Process takeProcess();
     void keepProcess(Process process);
 
