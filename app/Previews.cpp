@@ -38,6 +38,8 @@ Previews::Rendered Previews::render(
     rendered.bytes = encodedPreview(rendered.image, quality);
     if (key)
         cache_.store(*key, rendered.bytes);
+    if (!isOpaque(rendered.image)) // as it will be seen the next time
+        rendered.image = decodedPreview(rendered.bytes).value();
     return rendered;
 }
 

@@ -33,9 +33,10 @@ StatementHandle compile(sqlite3* connection, std::string_view sql)
 {
     const ConnectionLock lock(connection);
     sqlite3_stmt* compiled = nullptr;
-    if (sqlite3_prepare_v2(connection, sql.data(), static_cast<int>(sql.size()), &compiled, nullptr)
-        != SQLITE_OK)
-        throw DatabaseError::prepare(messageOf(connection), std::string(sql));
+    const int code
+        = sqlite3_prepare_v2(connection, sql.data(), static_cast<int>(sql.size()), &compiled, nullptr);
+    if (code != SQLITE_OK)
+        throw DatabaseError::prepare(messageOf(connection), std::string(sql), code);
     return StatementHandle(compiled);
 }
 
@@ -47,7 +48,7 @@ Database::Database(const std::string& name, int flags)
     const int code = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
     handle_.reset(opened);
     if (code != SQLITE_OK)
-        throw DatabaseError::open(messageOf(opened));
+        throw DatabaseError::open(messageOf(opened), code);
     sqlite3_busy_timeout(opened, busyMilliseconds);
 }
 
@@ -102,8 +103,9 @@ Database Database::openForALook(const std::filesystem::path& file)
 void Database::exec(const std::string& sql)
 {
     const ConnectionLock lock(handle());
-    if (sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-        throw DatabaseError::step(messageOf(handle()), sql);
+    const int code = sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        throw DatabaseError::step(messageOf(handle()), sql, code);
 }
 
 Statement Database::prepare(std::string_view sql)

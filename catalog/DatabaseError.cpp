@@ -2,19 +2,19 @@
 
 namespace korvo {
 
-DatabaseError DatabaseError::open(const std::string& message)
+DatabaseError DatabaseError::open(const std::string& message, int code)
 {
-    return {Case::open, message, {}, "Couldn't open library: " + message};
+    return {Case::open, message, {}, code, "Couldn't open library: " + message};
 }
 
-DatabaseError DatabaseError::prepare(const std::string& message, const std::string& sql)
+DatabaseError DatabaseError::prepare(const std::string& message, const std::string& sql, int code)
 {
-    return {Case::prepare, message, sql, "Catalog error: " + message + " [" + sql + "]"};
+    return {Case::prepare, message, sql, code, "Catalog error: " + message + " [" + sql + "]"};
 }
 
-DatabaseError DatabaseError::step(const std::string& message, const std::string& sql)
+DatabaseError DatabaseError::step(const std::string& message, const std::string& sql, int code)
 {
-    return {Case::step, message, sql, "Catalog error: " + message + " [" + sql + "]"};
+    return {Case::step, message, sql, code, "Catalog error: " + message + " [" + sql + "]"};
 }
 
 } // namespace korvo

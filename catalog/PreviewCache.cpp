@@ -18,20 +18,21 @@ namespace {
 /// Goes up when the same edits come to look different.
 constexpr auto renderer = "1";
 
-constexpr std::string_view schema = R"(
-    CREATE TABLE IF NOT EXISTS images (id INTEGER PRIMARY KEY, data BLOB NOT NULL);
-    CREATE TABLE IF NOT EXISTS previews (
+constexpr auto schema = R"(
+    CREATE TABLE images (id INTEGER PRIMARY KEY, data BLOB NOT NULL);
+    CREATE TABLE previews (
         key BLOB PRIMARY KEY, image INTEGER NOT NULL, bytes INTEGER NOT NULL, used INTEGER NOT NULL
     ) WITHOUT ROWID;
-    CREATE INDEX IF NOT EXISTS previews_used ON previews (used);
-    CREATE TABLE IF NOT EXISTS total (id INTEGER PRIMARY KEY CHECK (id = 1), bytes INTEGER NOT NULL);
-    INSERT OR IGNORE INTO total VALUES (1, 0);
+    CREATE INDEX previews_used ON previews (used);
+    CREATE TABLE total (id INTEGER PRIMARY KEY CHECK (id = 1), bytes INTEGER NOT NULL);
+    INSERT INTO total VALUES (1, 0);
 )";
 
 constexpr auto namePrefix = "previews-", nameEnding = ".sqlite";
 constexpr std::int64_t secondsBetweenUses = 600; // uses within it count as one, and cost no write
 constexpr std::size_t usesInOneWrite = 256;
-constexpr double keptOfBound = 0.95; // so that room is made seldom
+/// What one store removes at most, so that none keeps the others waiting.
+constexpr std::int64_t mostRemoved = 64;
 
 double rounded(double value, double steps)
 {
@@ -53,6 +54,7 @@ std::string textOf(PhotoEdits edits)
 bool isDamage(int code)
 {
     switch (code & 0xFF) {
+    case SQLITE_OK: // it was not SQLite that failed
     case SQLITE_FULL:
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -107,8 +109,10 @@ PreviewCache::PreviewCache(fs::path folder, std::int64_t mostBytes, const Clock&
     fs::create_directories(folder_, ignored);
     try {
         open(std::max(newestNumber(), 1));
-    } catch (const DatabaseError&) {
-        startAnew();
+    } catch (const DatabaseError& error) {
+        database_.reset();
+        if (isDamage(error.code()))
+            startAnew();
     }
 }
 
@@ -143,7 +147,13 @@ void PreviewCache::open(int number)
 {
     database_.emplace(file(number));
     number_ = number;
-    database_->exec(std::string(schema));
+    database_->exec("PRAGMA synchronous = NORMAL"); // a crash may cost the last previews, never the file
+    if (!database_->columnsOf("total").empty())
+        return;
+    Transaction transaction(*database_);
+    if (database_->columnsOf("total").empty()) // nobody else was faster
+        database_->exec(schema);
+    transaction.commit();
 }
 
 /// Under a new name: another process may still hold the old file, and would remove its log by name. Another
@@ -173,8 +183,8 @@ void PreviewCache::use(const Use& use)
         return;
     try {
         use(*database_);
-    } catch (const DatabaseError&) {
-        if (isDamage(sqlite3_errcode(database_->handle())))
+    } catch (const DatabaseError& error) {
+        if (isDamage(error.code()))
             startAnew();
     }
 }
@@ -243,13 +253,13 @@ void PreviewCache::flushUses(Database& database)
     transaction.commit();
 }
 
-/// Removes previews, the longest unused first, until less than the bound is left.
+/// Removes previews, the longest unused first, until no more than the bound is left, or the most for once.
 void PreviewCache::makeRoom(Database& database) const
 {
-    const auto wanted = static_cast<std::int64_t>(static_cast<double>(mostBytes_) * keptOfBound);
-    auto excess = database.scalar("SELECT bytes FROM total") - wanted;
+    const auto excess = database.scalar("SELECT bytes FROM total") - mostBytes_;
     std::vector<std::pair<std::vector<std::uint8_t>, std::int64_t>> oldest;
-    auto statement = database.kept("SELECT key, image, bytes FROM previews ORDER BY used");
+    auto statement = database.kept("SELECT key, image, bytes FROM previews ORDER BY used LIMIT ?");
+    statement.bind(mostRemoved);
     std::int64_t freed = 0;
     while (freed < excess && statement.step()) {
         const auto key = statement.text(0);

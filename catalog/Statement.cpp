@@ -85,7 +85,9 @@ void Statement::check(int code) const
 
 void Statement::fail() const
 {
-    throw DatabaseError::step(sqlite3_errmsg(sqlite3_db_handle(handle_.get())), sqlite3_sql(handle_.get()));
+    auto* const connection = sqlite3_db_handle(handle_.get());
+    throw DatabaseError::step(
+        sqlite3_errmsg(connection), sqlite3_sql(handle_.get()), sqlite3_errcode(connection));
 }
 
 } // namespace korvo

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -27,11 +29,12 @@ public:
     {
         ++reads;
         Bitmap image(request.size, request.size);
-        std::fill(image.bytes.begin(), image.bytes.end(), std::uint8_t(255));
+        std::fill(image.bytes.begin(), image.bytes.end(), value);
         return {std::move(image), 4 * request.size, 4 * request.size, {}};
     }
 
     int reads = 0;
+    std::uint8_t value = 255; ///< of all channels
 };
 
 class PreviewsTest : public ::testing::Test {
@@ -95,6 +98,15 @@ TEST_F(PreviewsTest, rendersOnceForEachStateOfFileAndEdit)
     EXPECT_EQ(readsFor({folder / "gone.jpg", {}, 16}), 1) << "without a state there is nothing to keep it by";
 }
 
+TEST_F(PreviewsTest, showsTransparentPicturesOverWhiteFromTheFirstTimeOn)
+{
+    reader.value = 0;
+    PreviewCache cache(folder / "Previews", bound, clock);
+    Previews previews(reader, cache);
+    for (int time = 0; time < 2; ++time)
+        EXPECT_EQ(previews.preview({photo, {}, 16}, {}).bytes.front(), 255);
+}
+
 TEST_F(PreviewsTest, forgetsWhatWasNotUsedForTheLongestTime)
 {
     const std::vector<std::uint8_t> image(1000);
@@ -104,7 +116,7 @@ TEST_F(PreviewsTest, forgetsWhatWasNotUsedForTheLongestTime)
     EXPECT_TRUE(cache.find(key(1)));
     clock.time += 1000;
     cache.store(key(11), image);
-    for (const auto& [size, isKept] : {std::pair(1, true), {2, false}, {3, false}, {4, true}, {11, true}})
+    for (const auto& [size, isKept] : {std::pair(1, true), {2, false}, {3, true}, {11, true}})
         EXPECT_EQ(cache.find(key(size)).has_value(), isKept) << size;
     cache.store(key(11), image);
     cache.remove(key(11));
@@ -138,6 +150,28 @@ TEST_F(PreviewsTest, aDamagedCacheIsThrownAwayAndRebuilt)
     folder.write("Previews", "a file in its place");
     EXPECT_EQ(readsFor(job), 1);
     EXPECT_EQ(readsFor(job), 1);
+}
+
+TEST_F(PreviewsTest, aFullDiskOrALockCostsNoCache)
+{
+    const RenderJob job{photo, {}, 16};
+    readsFor(job);
+    const auto before = cacheFile();
+    if (fork() == 0) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{65'536, 65'536}; // bytes of a file, of which the log needs more
+        setrlimit(RLIMIT_FSIZE, &small);
+        PreviewCache cache(folder / "Previews", bound, clock);
+        cache.store(key(1), std::vector<std::uint8_t>(100'000));
+        _exit(cache.find(key(1)) ? 1 : 0);
+    }
+    int status = 0;
+    wait(&status);
+    EXPECT_EQ(status, 0);
+    Database other(before);
+    const Transaction lock(other);
+    EXPECT_EQ(readsFor(job), 0);
+    EXPECT_EQ(cacheFile(), before);
 }
 
 TEST_F(PreviewsTest, severalProcessesAndThreadsWriteAtOnce)
