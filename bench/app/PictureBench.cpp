@@ -22,7 +22,7 @@ namespace {
 using namespace korvo;
 namespace fs = std::filesystem;
 
-constexpr int width = 6000, height = 4000, thumbnails = 50, workers = 2;
+constexpr int width = 6000, height = 4000, thumbnails = 500, workers = 2;
 const PhotoEdits allSix{.exposure = 0.5,
     .saturation = 1.15,
     .vibrance = 0.3,
@@ -131,7 +131,7 @@ void compareThumbnails(
             {"thumb_turbo", [&, turbo] {
                  run(turbo + " " + (folder / "list").string() + " " + folder.path().string() + " 2 512");
              }});
-    bench::compare(std::to_string(thumbnails) + " thumbnails of 512 pixels, two workers", contenders);
+    bench::compare(std::to_string(thumbnails) + " thumbnails of 512 pixels, two workers", contenders, 3);
 }
 
 void compareExport(ImageReader& reader, const fs::path& photo, const TemporaryFolder& folder)
