@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 namespace korvo {
 
@@ -100,5 +101,9 @@ enum class Matching { off, on };
 
 /// The whole text for the user.
 std::string summaryText(const ApertureImporter::Summary& summary, Matching matching);
+
+/// What of the adjustments did not come over as it was: "not translated: RKHighlights × 3",
+/// "translated roughly: RKRetouch × 1".
+std::vector<std::string> translationNotes(const ApertureTranslator::Report& report);
 
 } // namespace korvo

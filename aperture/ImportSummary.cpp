@@ -27,4 +27,14 @@ std::string summaryText(const ApertureImporter::Summary& summary, Matching match
     return text;
 }
 
+std::vector<std::string> translationNotes(const ApertureTranslator::Report& report)
+{
+    std::vector<std::string> notes;
+    for (const auto& [what, counts] : {std::pair("not translated", &report.unsupported),
+             std::pair("translated roughly", &report.approximated)})
+        for (const auto& [operation, count] : *counts)
+            notes.push_back(std::string(what) + ": " + operation + " × " + std::to_string(count));
+    return notes;
+}
+
 } // namespace korvo

@@ -63,6 +63,20 @@ fs::path libraryBeside(const fs::path& bundle)
     return named.parent_path() / (named.stem().string() + " Korvo");
 }
 
+std::map<std::string, std::size_t> unreachableVolumes(
+    const fs::path& bundle, const std::map<std::string, fs::path>& given, const std::stop_token& stop)
+{
+    auto library = ApertureLibrary::open(bundle, ApertureVolumes(given), stop);
+    std::map<std::string, std::size_t> volumes;
+    for (const auto& [uuid, master] : library.masters()) {
+        if (stop.stop_requested())
+            break;
+        if (master.isReferenced && !master.volume.empty() && !library.masterFile(master).isPresent)
+            ++volumes[master.volume];
+    }
+    return volumes;
+}
+
 std::optional<ApertureImported> importAperture(const ApertureImport& request, const Clock& clock,
     Defaults& defaults, const ApertureImporter::ShowProgress& progress, const std::stop_token& stop)
 {

@@ -29,6 +29,11 @@ struct ApertureImported {
 /// Where the library beside a bundle is made: "Photos Korvo" beside "Photos.aplibrary".
 std::filesystem::path libraryBeside(const std::filesystem::path& bundle);
 
+/// The volumes on which referenced originals of a bundle lie that are found nowhere, and how many each holds:
+/// those that the user may know a place for. Looks for each file. Throws as importAperture.
+std::map<std::string, std::size_t> unreachableVolumes(const std::filesystem::path& bundle,
+    const std::map<std::string, std::filesystem::path>& given, const std::stop_token& stop);
+
 /// Imports a bundle and remembers the library as the last one opened. Nothing when it was stopped. Throws
 /// ApertureLibrary::OpenError, ImportError and DatabaseError; whatever ends it, nothing of the import stays,
 /// nor of a library that was made for it.

@@ -4,9 +4,11 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 
 namespace korvo {
 
@@ -60,6 +62,31 @@ std::string plural(std::size_t count, std::string_view noun)
 std::string counted(std::size_t count, std::string_view noun)
 {
     return std::to_string(count) + " " + plural(count, noun);
+}
+
+std::string sizeText(std::uint64_t bytes)
+{
+    constexpr std::array units = {"kB", "MB", "GB", "TB"};
+    if (bytes < 1000)
+        return counted(bytes, "byte");
+    auto amount = static_cast<double>(bytes) / 1000;
+    std::size_t unit = 0;
+    for (; amount >= 999.95 && unit + 1 < units.size(); ++unit)
+        amount /= 1000;
+    char digits[32];
+    const auto end = std::to_chars(digits, std::end(digits), amount, std::chars_format::fixed, 1).ptr;
+    return std::string(digits, end) + " " + units[unit];
+}
+
+std::string asSentence(std::string text)
+{
+    if (text.empty())
+        return text;
+    if (std::string_view(".!?").find(text.back()) == std::string_view::npos)
+        text += '.';
+    if (text[0] >= 'a' && text[0] <= 'z')
+        text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    return text;
 }
 
 std::string_view trimmed(std::string_view text)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +14,12 @@ std::string counted(std::size_t count, std::string_view noun);
 
 /// `noun`, with an "s" unless `count` is 1.
 std::string plural(std::size_t count, std::string_view noun);
+
+/// "512 bytes", "12.3 MB": in powers of 1000.
+std::string sizeText(std::uint64_t bytes);
+
+/// An error's text as a sentence: with a capital letter and a full stop.
+std::string asSentence(std::string text);
 
 /// Without white space (blank, tab, line breaks, form feed, vertical tab) at both ends.
 std::string_view trimmed(std::string_view text);

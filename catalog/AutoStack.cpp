@@ -12,50 +12,61 @@ namespace {
 /// exactly one interval apart may come out a little more.
 constexpr double rounding = 1e-6;
 
-struct Shot {
-    double time;
-    std::uint32_t position;
-};
-
-std::vector<Shot> shotsInOrder(const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions)
+PhotoID pickOf(std::span<const AutoStackShot> group)
 {
-    std::vector<Shot> shots;
+    return std::max_element(group.begin(), group.end(), [](const auto& a, const auto& b) {
+        return a.rating < b.rating;
+    })->id;
+}
+
+std::vector<AutoStackShot> sortedShots(
+    const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions)
+{
+    auto shots = autoStackShots(items, positions);
+    sortByTime(shots);
+    return shots;
+}
+
+} // namespace
+
+std::vector<AutoStackShot> autoStackShots(
+    const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions)
+{
+    std::vector<AutoStackShot> shots;
     shots.reserve(positions.size());
     for (const auto position : positions) {
         const PhotoItem& item = items[position];
         const double time = item.captureDate ? *item.captureDate : item.fileDate.value_or(0);
         if (item.isMaster() && !item.stackID && time > 0)
-            shots.push_back({time, position});
+            shots.push_back({time, item.id, position, item.rating});
     }
-    std::sort(shots.begin(), shots.end(), [](const Shot& a, const Shot& b) {
-        return a.time < b.time || (a.time == b.time && a.position < b.position);
-    });
     return shots;
 }
 
-PhotoID pickOf(const std::vector<PhotoItem>& items, std::span<const Shot> group)
+void sortByTime(std::vector<AutoStackShot>& shots)
 {
-    const auto best = std::max_element(group.begin(), group.end(),
-        [&](const Shot& a, const Shot& b) { return items[a.position].rating < items[b.position].rating; });
-    return items[best->position].id;
+    std::sort(shots.begin(), shots.end(), [](const auto& a, const auto& b) {
+        return a.time < b.time || (a.time == b.time && a.position < b.position);
+    });
 }
-
-} // namespace
 
 AutoStackPlan::AutoStackPlan(
     const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions, double interval)
+    : AutoStackPlan(sortedShots(items, positions), interval)
+{ }
+
+AutoStackPlan::AutoStackPlan(std::span<const AutoStackShot> shots, double interval)
 {
-    const auto shots = shotsInOrder(items, positions);
     for (std::size_t first = 0, end = 0; first < shots.size(); first = end) {
         for (end = first + 1; end < shots.size(); ++end)
             if (shots[end].time - shots[end - 1].time > interval + rounding)
                 break;
         if (end - first < 2)
             continue;
-        const auto group = std::span(shots).subspan(first, end - first);
-        groups_.push_back({photos_.size(), group.size(), pickOf(items, group)});
-        for (const Shot& shot : group)
-            photos_.push_back(items[shot.position].id);
+        const auto group = shots.subspan(first, end - first);
+        groups_.push_back({photos_.size(), group.size(), pickOf(group)});
+        for (const auto& shot : group)
+            photos_.push_back(shot.id);
     }
 }
 

@@ -9,6 +9,20 @@
 
 namespace korvo {
 
+/// What counts of a photo that may be stacked.
+struct AutoStackShot {
+    double time = 0; // Unix time
+    PhotoID id = 0;
+    std::uint32_t position = 0; // of several shot at one time the first in the list comes first
+    std::int32_t rating = 0;
+};
+
+/// The shots of those of the photos that are masters, in no stack, and have a shot time after 1970 (the
+/// capture date, else the file's), in the order of the positions.
+std::vector<AutoStackShot> autoStackShots(
+    const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions);
+void sortByTime(std::vector<AutoStackShot>& shots);
+
 /// The stacks that photos shot close together would become: what the sheet previews.
 class AutoStackPlan {
 public:
@@ -18,9 +32,9 @@ public:
         PhotoID pick;
     };
 
-    /// Forms the stacks of those of the photos that are masters, in no stack, and have a shot time after 1970
-    /// (the capture date, else the file's). In order of time, a photo shot at most `interval` seconds after
-    /// the one before belongs to its stack. The pick is the highest rated one, of several the earliest.
+    /// Of shots sorted by time, one made at most `interval` seconds after the one before belongs to its
+    /// stack. The pick is the highest rated one, of several the earliest.
+    AutoStackPlan(std::span<const AutoStackShot> sorted, double interval);
     AutoStackPlan(
         const std::vector<PhotoItem>& items, std::span<const std::uint32_t> positions, double interval);
 

@@ -18,6 +18,7 @@
 #include <set>
 #include <span>
 #include <stdexcept>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -108,6 +109,8 @@ public:
     std::filesystem::path previewsFolder() const { return folder_ / "Previews"; }
     std::filesystem::path backupsFolder() const { return folder_ / "Backups"; }
     Database& database() { return database_; }
+    /// A further connection, for long reading beside everything else. Throws DatabaseError.
+    Database lookingConnection() const { return Database::openForALook(folder_ / "catalog.sqlite"); }
 
     // Photos (CatalogPhotos.cpp)
     std::vector<AddedPhoto> addPhotos(std::span<const NewPhoto> photos);
@@ -135,7 +138,7 @@ public:
     bool contains(PhotoID id);
     bool hasMaster(std::string_view path);
     /// File name and size of every master.
-    std::vector<std::pair<std::string, std::int64_t>> knownFiles();
+    std::vector<std::pair<std::string, std::int64_t>> knownFiles() const;
 
     // Files and the metadata in them (CatalogMetadata.cpp)
     /// Id and path of up to `limit` masters behind the id `after` whose camera data has not been read yet.
@@ -169,7 +172,7 @@ public:
 
     // Imported files (CatalogImportedFiles.cpp). A key is a file's name and size as its source had them.
     /// The keys of the files that were imported and whose photos the library still holds.
-    std::vector<std::string> importedKeys();
+    std::vector<std::string> importedKeys() const;
     void rememberImport(std::string_view key, PhotoID photo);
     /// Says beforehand which path a file is about to have, so that an import that is killed then finds it
     /// again.
@@ -281,10 +284,9 @@ public:
 
     // Smart albums (CatalogSmartAlbums.cpp)
     SmartAlbumRow smartAlbum(std::int64_t id);
-    /// How many masters the rules match.
-    std::size_t countMatching(const SmartAlbumRules& rules);
-    /// The keyword texts of all masters that have any.
-    std::vector<std::string> keywordsInUse();
+    /// How many masters the rules match, as far as it came at a stop request. On a connection of its own, so
+    /// that it keeps nobody waiting; what is not committed does not count.
+    std::size_t countMatching(const SmartAlbumRules& rules, const std::stop_token& stop = {}) const;
 
 private:
     std::vector<std::int64_t> withDescendants(std::int64_t project);

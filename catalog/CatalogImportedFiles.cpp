@@ -30,13 +30,14 @@ std::string leftKey(std::string_view key)
 
 } // namespace
 
-std::vector<std::string> Catalog::importedKeys()
+std::vector<std::string> Catalog::importedKeys() const
 {
     std::vector<std::string> keys;
+    auto database = lookingConnection();
     // "}" follows "|".
     auto statement
-        = database_.kept("SELECT substr(key, 8) FROM meta WHERE key > 'import|' AND key < 'import}' "
-                         "AND EXISTS (SELECT 1 FROM photos WHERE id = CAST(value AS INTEGER))");
+        = database.prepare("SELECT substr(key, 8) FROM meta WHERE key > 'import|' AND key < 'import}' "
+                           "AND EXISTS (SELECT 1 FROM photos WHERE id = CAST(value AS INTEGER))");
     while (statement.step())
         keys.emplace_back(statement.text(0));
     return keys;

@@ -205,10 +205,11 @@ bool Catalog::hasMaster(std::string_view path)
     return database_.scalar("SELECT COUNT(*) FROM photos WHERE path = ? AND version_of IS NULL", path) > 0;
 }
 
-std::vector<std::pair<std::string, std::int64_t>> Catalog::knownFiles()
+std::vector<std::pair<std::string, std::int64_t>> Catalog::knownFiles() const
 {
     std::vector<std::pair<std::string, std::int64_t>> files;
-    auto statement = database_.kept("SELECT filename, file_size FROM photos WHERE version_of IS NULL");
+    auto database = lookingConnection();
+    auto statement = database.prepare("SELECT filename, file_size FROM photos WHERE version_of IS NULL");
     while (statement.step())
         files.emplace_back(statement.text(0), statement.integer(1));
     return files;

@@ -1,6 +1,7 @@
 #include "catalog/Catalog.h"
 
 #include "base/JsonError.h"
+#include "catalog/PhotoRows.h"
 
 namespace korvo {
 
@@ -23,14 +24,15 @@ SmartAlbumMatcher Catalog::smartAlbumMatcher(std::int64_t id)
     }
 }
 
-std::size_t Catalog::countMatching(const SmartAlbumRules& rules)
+std::size_t Catalog::countMatching(const SmartAlbumRules& rules, const std::stop_token& stop) const
 {
+    auto database = lookingConnection();
+    auto statement = database.prepare("SELECT * FROM photos WHERE version_of IS NULL");
+    PhotoRows photos(statement);
     SmartAlbumMatcher matcher(rules);
     std::size_t count = 0;
-    forEachPhoto(std::nullopt, [&](PhotoItem&& item) {
-        count += matcher.matches(item) ? 1 : 0;
-        return true;
-    });
+    while (!stop.stop_requested() && statement.step())
+        count += matcher.matches(photos.item()) ? 1 : 0;
     return count;
 }
 

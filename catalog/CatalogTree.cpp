@@ -107,12 +107,6 @@ std::vector<KeywordRow> Catalog::keywords()
         });
 }
 
-std::vector<std::string> Catalog::keywordsInUse()
-{
-    return rowsOf(database_, "SELECT keywords FROM photos WHERE version_of IS NULL AND keywords != ''",
-        [](const Statement& row) { return text(row, 0); });
-}
-
 std::int64_t Catalog::addFolder(std::string_view path, UnixTime addedAt)
 {
     requireAbsolute(path);

@@ -4,8 +4,6 @@
 #include "catalog/LibraryStore.h"
 #include "catalog/SmartAlbumEditor.h"
 
-#include <algorithm>
-
 namespace korvo {
 
 PhotoID LibraryStore::createVersion(PhotoID photo, const std::optional<std::string>& name,
@@ -47,7 +45,11 @@ void LibraryStore::moveInStack(std::int64_t stack, PhotoID photo, std::size_t po
 
 void LibraryStore::autoStack(double interval)
 {
-    const AutoStackPlan plan(list_.items(), list_.shown(), interval);
+    autoStack(AutoStackPlan(list_.items(), list_.shown(), interval));
+}
+
+void LibraryStore::autoStack(const AutoStackPlan& plan)
+{
     perform(std::string(autoStackSheet::title), [&](Catalog& catalog) { catalog.createStacks(plan); });
 }
 
@@ -65,15 +67,6 @@ void LibraryStore::changeSmartAlbum(
     perform(std::string(smartAlbumEditor::editTitle), [&](Catalog& catalog) {
         catalog.changeSmartAlbum(id, name, rules ? toJson(*rules) : catalog.smartAlbum(id).rules);
     });
-}
-
-std::size_t LibraryStore::countMatching(const SmartAlbumRules& rules)
-{
-    if (source_)
-        return catalog_->countMatching(rules);
-    SmartAlbumMatcher matcher(rules); // the whole library is at hand, and the editor asks at every key
-    return static_cast<std::size_t>(std::count_if(list_.items().begin(), list_.items().end(),
-        [&](const PhotoItem& item) { return matcher.matches(item); }));
 }
 
 void LibraryStore::deleteSmartAlbum(std::int64_t id)

@@ -29,6 +29,28 @@ void LibraryStore::setMetadata(std::span<const PhotoID> ids, const MetadataChang
         [&](Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); });
 }
 
+void LibraryStore::setMetadataField(std::span<const PhotoID> ids, std::size_t field, std::string_view text)
+{
+    const auto& [title, value, member, undoTitle] = metadataFields()[field];
+    MetadataChange change;
+    change.*member = text;
+    perform(std::string(undoTitle),
+        [&](Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); });
+}
+
+void LibraryStore::editKeywords(std::span<const PhotoID> ids, const KeywordEdit& edit)
+{
+    std::unordered_map<SharedText, std::vector<PhotoID>> byKeywords;
+    for (const auto id : ids)
+        if (const PhotoItem* const item = list_.find(id))
+            byKeywords[item->metadata.keywords].push_back(id);
+    perform(std::string(metadataFields()[keywordsField].undoTitle), [&](Catalog& catalog) {
+        for (const auto& [keywords, photos] : byKeywords)
+            catalog.changeMetadata(
+                photos, {.keywords = SharedText(edit.appliedTo(keywords))}, WriteBack::pending);
+    });
+}
+
 void LibraryStore::setEdits(std::span<const PhotoID> ids, const PhotoEdits& edits)
 {
     perform("Adjust", [&](Catalog& catalog) { catalog.saveEdits(ids, edits); });

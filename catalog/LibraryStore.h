@@ -3,6 +3,7 @@
 #include "base/MainThread.h"
 #include "base/Signal.h"
 #include "catalog/Catalog.h"
+#include "catalog/CommonMetadata.h"
 #include "catalog/MetadataChange.h"
 #include "catalog/PhotoList.h"
 #include "catalog/UndoHistory.h"
@@ -50,6 +51,10 @@ public:
     void setFlagged(std::span<const PhotoID> ids, bool flagged);
     void setLabel(std::span<const PhotoID> ids, PhotoLabel label);
     void setMetadata(std::span<const PhotoID> ids, const MetadataChange& change);
+    /// The same in one field, under its title.
+    void setMetadataField(std::span<const PhotoID> ids, std::size_t field, std::string_view text);
+    /// Adds and takes away keywords; each photo keeps its others.
+    void editKeywords(std::span<const PhotoID> ids, const KeywordEdit& edit);
     void setEdits(std::span<const PhotoID> ids, const PhotoEdits& edits);
     /// Changes what each photo's own edits are, in one step of that title. Throws JsonError for a photo whose
     /// stored edits cannot be read, and then changes none.
@@ -82,13 +87,13 @@ public:
     void moveInStack(std::int64_t stack, PhotoID photo, std::size_t position);
     /// Stacks what is shown, as AutoStackPlan does. Nothing happens when no stack comes of it.
     void autoStack(double interval);
+    /// Makes the stacks of a plan, but for photos that have been stacked or removed since.
+    void autoStack(const AutoStackPlan& plan);
     std::int64_t createSmartAlbum(std::string_view name, const SmartAlbumRules& rules);
     /// Without rules those that are stored stay, even such as cannot be read.
     void changeSmartAlbum(
         std::int64_t id, std::string_view name, const std::optional<SmartAlbumRules>& rules);
     void deleteSmartAlbum(std::int64_t id);
-    /// How many masters the rules match now, for the line below them.
-    std::size_t countMatching(const SmartAlbumRules& rules);
 
     /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
     /// likes.

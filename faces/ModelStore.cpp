@@ -1,5 +1,7 @@
 #include "faces/ModelStore.h"
 
+#include "base/Text.h"
+
 #include "platform/PartFile.h"
 #include "platform/PosixFile.h"
 
@@ -102,6 +104,23 @@ void ModelStore::remove()
         throw;
     }
     set(found());
+}
+
+std::string stateText(const ModelStore::State& state)
+{
+    const auto& [received, fraction] = state.progress;
+    switch (state.which) {
+    case ModelStore::State::Case::missing:
+        return "Not installed";
+    case ModelStore::State::Case::downloading:
+        return "Downloading… "
+            + (fraction ? std::to_string(static_cast<int>(*fraction * 100)) + " %" : sizeText(received));
+    case ModelStore::State::Case::failed:
+        return state.message;
+    case ModelStore::State::Case::ready:
+        break;
+    }
+    return "Installed";
 }
 
 /// The last thing each function does: observers may change the state again.

@@ -71,4 +71,8 @@ private:
     Task task_; // the last, so that it ends before what it uses
 };
 
+/// The line for the user: "Not installed", "Downloading… 45 %", "Downloading… 3 MB", "Installed", or what
+/// went wrong.
+std::string stateText(const ModelStore::State& state);
+
 } // namespace korvo

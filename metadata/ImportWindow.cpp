@@ -2,6 +2,8 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
+
 namespace korvo {
 
 std::string nameOf(const Source& source)
@@ -44,6 +46,23 @@ std::string summary(const Candidate& candidate)
 {
     return candidate.file.path.filename().string() + ", " + counted(candidate.file.size, "byte")
         + (candidate.isDuplicate ? ", already in the library" : "");
+}
+
+std::size_t pickedCount(const ImportListing& listing)
+{
+    return static_cast<std::size_t>(std::count_if(listing.candidates.begin(), listing.candidates.end(),
+        [](const Candidate& candidate) { return candidate.picked; }));
+}
+
+std::string pickedText(const ImportListing& listing)
+{
+    const auto known = std::count_if(listing.candidates.begin(), listing.candidates.end(),
+        [](const Candidate& candidate) { return candidate.isDuplicate; });
+    auto text = std::to_string(pickedCount(listing)) + " of " + counted(listing.candidates.size(), "photo")
+        + " will be imported";
+    if (known > 0)
+        text += ", " + std::to_string(known) + (known == 1 ? " is" : " are") + " already in the library";
+    return text;
 }
 
 std::string statusText(std::size_t files)

@@ -59,6 +59,9 @@ inline constexpr std::string_view leaveOutDuplicates = "Don't import duplicates"
 inline constexpr std::string_view ejectAfterwards = "Eject after import";
 inline constexpr std::array<std::string_view, 4> projects
     = {"No project", "New project", "One project per day", "Selected"};
+inline constexpr std::string_view pickAll = "Pick All";
+inline constexpr std::string_view pickNone = "Pick None";
+inline constexpr std::string_view noThumbnails = "A camera shows its pictures when they have been copied.";
 inline constexpr std::string_view creator = "Creator";
 inline constexpr std::string_view copyright = "Copyright";
 inline constexpr std::string_view keywords = "Keywords";
@@ -81,6 +84,11 @@ std::string_view rowText(const Candidate& candidate);
 
 /// "IMG_0001.JPG, 2000000 bytes", and ", already in the library" for a duplicate.
 std::string summary(const Candidate& candidate);
+
+/// The line above the candidates: "24 of 30 photos will be imported, 6 are already in the library".
+std::string pickedText(const ImportListing& listing);
+/// How many are picked.
+std::size_t pickedCount(const ImportListing& listing);
 
 /// "Copying 1 file…", "Copying 300 files…".
 std::string statusText(std::size_t files);

@@ -120,15 +120,20 @@ void MetadataWriteBack::saveMetadataToFiles()
         });
 }
 
+void MetadataWriteBack::requireRevertible(std::span<const PhotoID> photos) const
+{
+    if (saving_)
+        throw RevertRefused(RevertRefused::Case::busy);
+    if (allInApertureLibraries(store_.catalog(), photos))
+        throw RevertRefused(RevertRefused::Case::apertureOriginals);
+}
+
 void MetadataWriteBack::revertMetadataToAsFound(std::span<const PhotoID> photos)
 {
     main_.assertCurrent();
     if (photos.empty())
         return;
-    if (saving_)
-        throw RevertRefused(RevertRefused::Case::busy);
-    if (allInApertureLibraries(store_.catalog(), photos))
-        throw RevertRefused(RevertRefused::Case::apertureOriginals);
+    requireRevertible(photos);
     begin("Reverting", revertSummary,
         [&tool = tool_, ids = std::vector(photos.begin(), photos.end())](Catalog& catalog,
             const std::stop_token& stop,
@@ -175,6 +180,7 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
 {
     saving_ = false;
     statusMessage_ = std::move(message);
+    failures_ = result.failures;
     store_.photosChanged(store_.catalog().withVersions(result.touched));
     dirtyCount_ = store_.catalog().dirtyCount();
     changed.emit();

@@ -48,6 +48,8 @@ public:
     bool isSaving() const { return saving_; }
     /// What is being done, or what came of it.
     const std::string& statusMessage() const { return statusMessage_; }
+    /// What went wrong with which photo in the last save or revert.
+    const std::vector<FileFailure>& failures() const { return failures_; }
     bool exiftoolMissing() const { return exiftoolMissing_; }
     Autosave autosaveToFiles() const { return autosave_; }
     /// Throws std::system_error when the preference cannot be kept.
@@ -59,6 +61,8 @@ public:
     void stopSaving() { stop_.request_stop(); }
     /// Saves a moment after the last call.
     void scheduleAutosave();
+    /// Throws RevertRefused when a revert of these photos would not be begun: to be asked before the user is.
+    void requireRevertible(std::span<const PhotoID> photos) const;
     /// Throws RevertRefused.
     void revertMetadataToAsFound(std::span<const PhotoID> photos);
 
@@ -80,6 +84,7 @@ private:
     bool exiftoolMissing_ = false;
     std::string statusMessage_;
     std::stop_source stop_; // of what is running
+    std::vector<FileFailure> failures_;
     Connection storeChanged_;
     MainThread::Timer autosaveTask_;
     Task task_; // last, so that it ends first

@@ -4,6 +4,7 @@
 #include "base/Uuid.h"
 #include "platform/Defaults.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +39,7 @@ inline constexpr std::string_view restoreDefaults = "Restore Defaults";
 inline constexpr std::string_view done = "Done";
 inline constexpr std::string_view help
     = "Tokens:  {name} original filename · {seq} sequence number · {date} file date · {title} photo title";
+inline constexpr std::array<std::string_view, 4> tokens = {"{name}", "{seq}", "{date}", "{title}"};
 inline constexpr std::string_view example = "Example:"; // before the name of the first selected photo
 
 } // namespace namingPresetEditor

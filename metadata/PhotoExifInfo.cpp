@@ -19,12 +19,6 @@ std::optional<std::string> nonEmptyText(std::string_view text)
     return text.empty() ? std::nullopt : std::optional(fromUnknownEncoding(text));
 }
 
-std::string exposureText(double seconds)
-{
-    return seconds >= 1 ? fmt::format(FMT_COMPILE("{:.1f} s"), seconds)
-                        : fmt::format(FMT_COMPILE("1/{:.0f} s"), std::round(1 / seconds));
-}
-
 void describeExposure(PhotoExifInfo& info, const ExifTags& tags)
 {
     if (tags.exposureTime && *tags.exposureTime > 0) {
@@ -33,17 +27,33 @@ void describeExposure(PhotoExifInfo& info, const ExifTags& tags)
     }
     if (tags.fNumber) {
         info.apertureValue = tags.fNumber;
-        info.aperture = fmt::format(FMT_COMPILE("ƒ/{:.1f}"), *tags.fNumber);
+        info.aperture = apertureText(*tags.fNumber);
     }
     if (tags.focalLength) {
         info.focalValue = tags.focalLength;
-        info.focalLength = fmt::format(FMT_COMPILE("{:.0f} mm"), *tags.focalLength);
+        info.focalLength = focalLengthText(*tags.focalLength);
     }
     if (tags.iso)
         info.isoValue = static_cast<int>(std::min<std::uint32_t>(*tags.iso, std::numeric_limits<int>::max()));
 }
 
 } // namespace
+
+std::string exposureText(double seconds)
+{
+    return seconds >= 1 ? fmt::format(FMT_COMPILE("{:.1f} s"), seconds)
+                        : fmt::format(FMT_COMPILE("1/{:.0f} s"), std::round(1 / seconds));
+}
+
+std::string apertureText(double number)
+{
+    return fmt::format(FMT_COMPILE("ƒ/{:.1f}"), number);
+}
+
+std::string focalLengthText(double millimetres)
+{
+    return fmt::format(FMT_COMPILE("{:.0f} mm"), millimetres);
+}
 
 PhotoExifInfo exifInfo(const ExifTags& tags, PixelSize size)
 {

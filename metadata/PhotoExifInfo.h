@@ -27,6 +27,13 @@ struct PhotoExifInfo {
     friend bool operator==(const PhotoExifInfo&, const PhotoExifInfo&) = default;
 };
 
+/// "1/250 s", of a second and more "2.0 s"; of more than 0 seconds.
+std::string exposureText(double seconds);
+/// "ƒ/2.8"
+std::string apertureText(double number);
+/// "50 mm"
+std::string focalLengthText(double millimetres);
+
 /// The facts of a file from its tags and the size of its picture.
 PhotoExifInfo exifInfo(const ExifTags& tags, PixelSize size);
 

@@ -76,12 +76,6 @@ std::string summaryJSON(const ApertureImported& imported)
     return json.take();
 }
 
-void printCounts(const Context& context, const char* what, const Counts& counts)
-{
-    for (const auto& [operation, count] : counts)
-        context.print(std::string(what) + ": " + operation + " × " + std::to_string(count));
-}
-
 void printSummary(const Context& context, const ApertureImported& imported, Matching matching)
 {
     if (context.options().json) {
@@ -90,8 +84,8 @@ void printSummary(const Context& context, const ApertureImported& imported, Matc
     }
     context.print(imported.library.string());
     context.print(summaryText(imported.summary, matching));
-    printCounts(context, "not translated", imported.summary.report.unsupported);
-    printCounts(context, "translated roughly", imported.summary.report.approximated);
+    for (const auto& note : translationNotes(imported.summary.report))
+        context.print(note);
 }
 
 /// A bar for each phase of the import.

@@ -1,10 +1,6 @@
-#include "app/ImportRun.h"
+#include "app/ImportSource.h"
 #include "app/cli/Commands.h"
 #include "app/cli/Progress.h"
-#include "base/Text.h"
-#include "metadata/FolderFiles.h"
-#include "metadata/ImportWindow.h"
-#include "platform/AppFolders.h"
 #include "platform/linux/LinuxCameras.h"
 #include "platform/linux/LinuxVolumes.h"
 
@@ -16,30 +12,6 @@ namespace {
 
 constexpr std::string_view cameraWord = "camera";
 
-/// What is offered; nothing when the system does not tell, since a path can be imported all the same.
-std::vector<Volume> knownVolumes()
-{
-    try {
-        return offeredVolumes(LinuxVolumes().mounted());
-    } catch (const VolumeError&) {
-        return {};
-    }
-}
-
-Source chosenSource(const std::vector<std::filesystem::path>& paths)
-{
-    Source source{.kind = Source::Kind::chosen, .chosen = paths};
-    const auto offered = knownVolumes();
-    for (const auto& path : paths) {
-        auto volume = offered.empty() ? fileSystemHolding(path) : volumeHolding(path, offered);
-        if (volume && (volume->isCard || paths.size() == 1)) {
-            source.kind = Source::Kind::volume;
-            source.volume = std::move(*volume);
-        }
-    }
-    return source;
-}
-
 /// "camera" for the one that is connected, "camera:PORT" for one of several, else files and folders.
 Source sourceOf(const std::vector<std::string>& names)
 {
@@ -47,27 +19,8 @@ Source sourceOf(const std::vector<std::string>& names)
         return {.kind = Source::Kind::camera};
     if (names.size() == 1 && names.front().starts_with("camera:"))
         return {.kind = Source::Kind::camera, .port = names.front().substr(cameraWord.size() + 1)};
-    return chosenSource({names.begin(), names.end()});
-}
-
-std::unique_ptr<FileSource> openCamera(const std::string& port)
-{
-    LinuxCameras cameras;
-    std::string others;
-    for (const auto& camera : cameras.connected()) {
-        if (port.empty() || camera.port == port)
-            return cameras.open(camera);
-        others += "\n  camera:" + camera.port + "  " + camera.name;
-    }
-    throw std::runtime_error(others.empty() ? std::string(importWindow::sections[1].emptyText)
-                                            : "no camera at " + port + "; there is" + others);
-}
-
-std::unique_ptr<FileSource> open(const Source& source)
-{
-    if (source.kind == Source::Kind::camera)
-        return openCamera(source.port);
-    return std::make_unique<FolderFiles>(source.chosen);
+    LinuxVolumes volumes;
+    return sourceOf({names.begin(), names.end()}, knownVolumes(volumes));
 }
 
 void printCandidates(const Context& context, const ImportListing& listing)
@@ -92,22 +45,23 @@ void printCandidates(const Context& context, const ImportListing& listing)
     }
 }
 
-ImportPlan planOf(const ImportArguments& arguments, const ImportListing& listing, const Source& source)
+ImportOptions optionsOf(const ImportArguments& arguments)
 {
-    auto plan = planFor(listing);
-    if (!arguments.reference || mustCopy(source))
-        plan.copyTo = arguments.copyTo ? std::filesystem::path(*arguments.copyTo)
-                                       : picturesFolder() / importWindow::destinationName;
-    if (source.kind == Source::Kind::volume && source.volume.isCard)
-        plan.card = source.volume.url;
-    plan.namingPattern = arguments.pattern;
-    plan.byDay = arguments.byDay;
-    plan.newProject = arguments.project;
-    plan.creator = arguments.creator;
-    plan.copyright = arguments.copyright;
-    plan.keywords = arguments.keywords;
-    plan.eject = arguments.eject;
-    return plan;
+    using Files = ImportOptions::Files;
+    using Project = ImportOptions::Project;
+    const bool named = !arguments.project.empty();
+    return {.files = arguments.reference ? Files::reference : Files::copy,
+        .destination
+        = arguments.copyTo ? std::optional(std::filesystem::path(*arguments.copyTo)) : std::nullopt,
+        .pattern = arguments.pattern,
+        .project = arguments.byDay ? Project::byDay
+            : named                ? Project::made
+                                   : Project::none,
+        .newProject = arguments.project,
+        .creator = arguments.creator,
+        .copyright = arguments.copyright,
+        .keywords = arguments.keywords,
+        .eject = arguments.eject};
 }
 
 ImportResult run(Context& context, FileSource& files, const ImportPlan& plan)
@@ -120,42 +74,28 @@ ImportResult run(Context& context, FileSource& files, const ImportPlan& plan)
     return result;
 }
 
-/// Lets the volume go. A failure leaves what was imported in place.
-void eject(Context& context, const Source& source)
+/// A failure leaves what was imported in place.
+void eject(Context& context, const Source& source, const ImportResult& result)
 {
-    if (source.kind == Source::Kind::camera)
-        return;
-    std::optional<std::string> failure;
-    try {
-        if (source.kind == Source::Kind::chosen)
-            throw VolumeError(VolumeError::Case::eject, "it is on no card or drive.");
-        LinuxVolumes().eject(source.volume.url);
-    } catch (const VolumeError& error) {
-        failure = error.what();
-    }
-    const auto text = ejectText(nameOf(source), failure);
-    if (failure)
-        context.fail(text);
-    else if (!context.options().json)
-        context.print(text);
+    LinuxVolumes volumes;
+    const auto ejected = ejectAfter(result, source, volumes);
+    if (ejected && !ejected->done)
+        context.fail(ejected->text);
+    else if (ejected && !context.options().json)
+        context.print(ejected->text);
 }
 
-/// A card from which photos could not be taken, or were left, is wanted again.
-void ejectUnlessNeeded(Context& context, const Source& source, const ImportResult& result)
+void noteFailures(Context& context, const ImportListing& listing, const ImportResult& result)
 {
-    const bool nothingWorked = result.photos.empty() && !result.failures.empty();
-    if (!result.broken.empty() || nothingWorked)
-        context.fail(nameOf(source) + " was not ejected: not all of its photos were imported.");
-    else
-        eject(context, source);
+    for (auto& text : failuresOf(listing, result))
+        context.fail(std::move(text));
 }
 
-void printResult(const Context& context, std::size_t imported, std::size_t duplicates, std::size_t failed)
+void printResult(const Context& context, const ImportCounts& counts)
 {
-    context.print(fmt::format(
-        fmt::runtime(context.options().json ? R"({{"imported":{0},"duplicates":{2},"failed":{3}}})"
-                                            : "{1} imported, {2} already in the library, {3} failed"),
-        imported, counted(imported, "photo"), duplicates, failed));
+    context.print(context.options().json ? fmt::format(R"({{"imported":{},"duplicates":{},"failed":{}}})",
+                      counts.imported, counts.duplicates, counts.failed)
+                                         : countsText(counts));
 }
 
 } // namespace
@@ -183,13 +123,14 @@ ExitCode importCommand(Context& context, const ImportArguments& arguments)
 {
     Catalog& library = context.library();
     const auto source = sourceOf(arguments.sources);
-    const auto files = open(source);
+    LinuxCameras cameras;
+    const auto files = openSource(source, cameras);
     auto listing = listImportable(*files, library, context.stop());
     if (!listing.isWhole)
         throw Interrupted();
     pick(listing.candidates, arguments.keepDuplicates ? Duplicates::take : Duplicates::leaveOut);
-    for (const auto& failure : listing.failures)
-        context.fail(failure.path.string() + ": " + failure.reason);
+    if (arguments.dryRun || listing.candidates.empty())
+        noteFailures(context, listing, {});
     if (arguments.dryRun) {
         printCandidates(context, listing);
         return context.finish(listing.candidates.size());
@@ -199,19 +140,17 @@ ExitCode importCommand(Context& context, const ImportArguments& arguments)
             context.fail(std::string(importWindow::nothingImportable));
         return context.finish(0);
     }
-    const auto plan = planOf(arguments, listing, source);
+    const auto plan = planOf(listing, source, optionsOf(arguments));
     if (arguments.reference && plan.copyTo)
         fmt::print(stderr, "{}\n", importWindow::cardsAreCopied);
     const auto result = run(context, *files, plan);
-    for (const auto& failure : result.failures)
-        context.fail(failure.message);
-    const auto left = listing.candidates.size() - plan.files.size() + result.known;
-    printResult(context, result.photos.size(), left, listing.failures.size() + result.failures.size());
-    if (!result.broken.empty())
-        context.fail("The import ended early; import again to go on. " + result.broken);
+    noteFailures(context, listing, result);
+    const auto counts = countsOf(listing, result);
+    printResult(context, counts);
     if (plan.eject && !result.cancelled)
-        ejectUnlessNeeded(context, source, result);
-    return context.finish(result.photos.size() + left, result.cancelled ? Ended::early : Ended::whole);
+        eject(context, source, result);
+    return context.finish(
+        counts.imported + counts.duplicates, result.cancelled ? Ended::early : Ended::whole);
 }
 
 } // namespace korvo

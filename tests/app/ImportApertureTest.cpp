@@ -70,6 +70,20 @@ TEST_F(ImportAperture, makesALibraryBesideTheBundleOnce)
     EXPECT_EQ(message, "My Photos.aplibrary is already in this library.");
 }
 
+TEST_F(ImportAperture, asksForTheVolumesThatAreNotThere)
+{
+    const auto bundlePath = folder / "Referenced.aplibrary";
+    ApertureBundle bundle(bundlePath);
+    bundle.add({.name = "in.jpg"});
+    bundle.add({.name = "a.jpg", .imagePath = "photos/a.jpg", .volume = "Disk"});
+    bundle.add({.name = "b.jpg", .imagePath = "photos/b.jpg", .volume = "Disk"});
+    ApertureBundle::finish(std::move(bundle));
+    using Volumes = std::map<std::string, std::size_t>;
+    EXPECT_EQ(unreachableVolumes(bundlePath, {}, {}), (Volumes{{"Disk", 2}}));
+    folder.write("disk/photos/a.jpg", "x");
+    EXPECT_EQ(unreachableVolumes(bundlePath, {{"Disk", folder / "disk"}}, {}), (Volumes{{"Disk", 1}}));
+}
+
 TEST_F(ImportAperture, joinsALibraryThatIsThere)
 {
     Catalog(folder / "Library", clock).createAlbum("mine", std::nullopt);

@@ -17,6 +17,16 @@ TEST(Text, whatIsShownGivesTerminalsNoOrders)
     EXPECT_EQ(printable("Jürgen 桜\u00A0\xFF\xC2"), "Jürgen 桜\u00A0\xFF\xC2");
 }
 
+TEST(Text, sizesAndSentencesAreForPeople)
+{
+    EXPECT_EQ(sizeText(999), "999 bytes");
+    EXPECT_EQ(sizeText(1234), "1.2 kB");
+    EXPECT_EQ(sizeText(999'950), "1.0 MB");
+    EXPECT_EQ(sizeText(24'316'000), "24.3 MB");
+    EXPECT_EQ(asSentence("no album with the id 3"), "No album with the id 3.");
+    EXPECT_EQ(asSentence("Choose another?"), "Choose another?");
+}
+
 TEST(Text, blankIsWhatShowsNothing)
 {
     for (const char* blank : {"", " \t\n", "\u00A0", "\u3000 \u2003"})

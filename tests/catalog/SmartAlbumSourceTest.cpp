@@ -3,6 +3,8 @@
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
 #include "catalog/LibraryStore.h"
+#include "catalog/MatchCounter.h"
+#include "catalog/SmartAlbumEditor.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -267,7 +269,12 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
     store.setMetadata(only(2), {.title = SharedText("Bridge")});
     store.changeSmartAlbum(album, "bridges", SmartAlbumRules{{{Field::text, Op::contains, "bridge"}}, true});
     EXPECT_EQ(shown(), Names{"b.jpg"});
-    EXPECT_EQ(store.countMatching(smartAlbumRules(threeStars)), 2U);
+    MatchCounter counter(main, store);
+    const auto counted = [&] { return main.runUntil([&] { return counter.result().has_value(); }); };
+    counter.count(smartAlbumRules(threeStars));
+    EXPECT_FALSE(counter.result()) << "read in the background";
+    ASSERT_TRUE(counted());
+    EXPECT_EQ(counter.result(), 2U);
     store.setMetadata(only(3), {.keywords = SharedText("bridges")});
     EXPECT_EQ(shown(), (Names{"b.jpg", "c.jpg"}));
 
@@ -286,7 +293,40 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
     store.changeSmartAlbum(album, "renamed", std::nullopt);
     EXPECT_EQ(store.catalog().smartAlbum(album).rules, "[]") << "untouched";
     store.chooseSource(std::nullopt);
-    EXPECT_EQ(store.countMatching(smartAlbumRules(threeStars)), 2U);
+    counter.count(smartAlbumRules(threeStars));
+    EXPECT_EQ(counter.result(), 2U);
+    store.setRating(only(2), 5);
+    EXPECT_EQ(counter.result(), 3U) << "it follows the library";
+}
+
+TEST(SmartAlbumEditor, anotherFieldKeepsWhatFits)
+{
+    struct Case {
+        SmartAlbumRule before;
+        Field field;
+        SmartAlbumRule after;
+    };
+    for (const auto& [before, field, after] : {
+             Case{newRule(), Field::focalLength, {Field::focalLength, Op::atLeast, "3"}},
+             {{Field::keyword, Op::is, "sea"}, Field::camera, {Field::camera, Op::is, "sea"}},
+             {{Field::keyword, Op::contains, "sea"}, Field::flagged, {Field::flagged, Op::is, "yes"}},
+             {{Field::flagged, Op::isNot, "yes"}, Field::kind, {Field::kind, Op::isNot, "photo"}},
+             {{Field::kind, Op::is, "video"}, Field::location, {Field::location, Op::near, ""}},
+         }) {
+        EXPECT_EQ(withField(before, field), after) << before.value;
+        EXPECT_FALSE(after.value.size() > 0 && fault(after)) << "what is offered can be read";
+    }
+}
+
+TEST(SmartAlbumEditor, aPlaceIsTypedAsTwoTexts)
+{
+    EXPECT_EQ(nearTexts("10 km of 48.1, 11.5"), (NearTexts{"10", "48.1, 11.5"}));
+    EXPECT_EQ(nearTexts("10;48.1;11.5"), (NearTexts{"10", "48.1, 11.5"}));
+    EXPECT_EQ(nearTexts("x km of Munich"), (NearTexts{"x", "Munich"})) << "kept as it was typed";
+    EXPECT_EQ(nearTexts("nowhere"), (NearTexts{"", "nowhere"}));
+    EXPECT_EQ(nearValue({"10", "48.1, 11.5"}), "10 km of 48.1, 11.5");
+    EXPECT_TRUE(isPlace("48.1° N, 11.5° E"));
+    EXPECT_FALSE(isPlace("Munich"));
 }
 
 } // namespace korvo

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "catalog/MetadataChange.h"
+
+#include <array>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvo {
+
+/// One of the descriptive fields as the inspector shows it.
+struct MetadataField {
+    std::string_view title;
+    SharedText PhotoMetadata::*value;
+    std::optional<SharedText> MetadataChange::*change;
+    std::string_view undoTitle; // of a step that changes this field alone
+};
+
+/// All six in the inspector's order.
+std::span<const MetadataField, 6> metadataFields();
+inline constexpr std::size_t keywordsField = 2; // its place among them
+
+/// The descriptive fields of several photos, seen as one: a text that differs between them is mixed, and
+/// shown as such. Of the keywords those count that all photos have.
+class CommonMetadata {
+public:
+    void add(const PhotoMetadata& metadata);
+
+    /// The text that all photos have in a field, given by its place; nothing when they differ. Of the
+    /// keywords, those in common.
+    const std::optional<SharedText>& text(std::size_t field) const { return texts_[field]; }
+    /// Whether some photos have keywords that others have not.
+    bool keywordsDiffer() const { return keywordsDiffer_; }
+    /// Whether no further photo can change anything.
+    bool isSettled() const;
+
+private:
+    void addKeywords(const SharedText& keywords);
+
+    bool isFirst_ = true;
+    std::array<std::optional<SharedText>, 6> texts_;
+    bool keywordsDiffer_ = false;
+    SharedText lastKeywords_; // neighbours often share theirs
+};
+
+/// What the inspector says in an empty field whose texts differ, and of keywords that not all photos have.
+inline constexpr std::string_view mixedText = "Multiple values";
+inline constexpr std::string_view mixedKeywordsText
+    = "Shown are the keywords that all photos have; each keeps its others";
+
+/// A change of a keyword list that fits photos with different ones.
+struct KeywordEdit {
+    std::vector<std::string> added, removed;
+
+    bool empty() const { return added.empty() && removed.empty(); }
+    /// The list afterwards, as one text.
+    std::string appliedTo(std::string_view keywords) const;
+};
+
+/// What was added to a list and what was taken from it. Entries are told apart with their case.
+KeywordEdit keywordEdit(std::string_view before, std::string_view after);
+
+/// The list as the catalog holds it: entries trimmed, none empty, none twice.
+std::string tidyKeywordText(std::string_view text);
+
+} // namespace korvo

@@ -1,0 +1,86 @@
+#include "metadata/InfoTexts.h"
+
+#include "base/Text.h"
+#include "metadata/ExifReader.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <initializer_list>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::string_view separator = " · ";
+
+std::string joined(std::initializer_list<std::string> parts)
+{
+    std::string line;
+    for (const auto& part : parts)
+        if (!part.empty())
+            line += (line.empty() ? "" : std::string(separator)) + part;
+    return line;
+}
+
+std::string degrees(double value, char positive, char negative)
+{
+    return fmt::format("{:.5f}° {}", std::abs(value), value < 0 ? negative : positive);
+}
+
+} // namespace
+
+std::string cameraLine(const PhotoItem& item)
+{
+    return joined({item.camera.string(), item.lens.string()});
+}
+
+std::string exposureLine(const PhotoItem& item)
+{
+    return joined({item.shutter && *item.shutter > 0 ? exposureText(*item.shutter) : "",
+        item.aperture ? apertureText(*item.aperture) : "",
+        item.focalLength ? focalLengthText(*item.focalLength) : "",
+        item.iso ? "ISO " + std::to_string(*item.iso) : ""});
+}
+
+std::string positionText(const PhotoItem& item)
+{
+    if (!item.latitude || !item.longitude)
+        return {};
+    return degrees(*item.latitude, 'N', 'S') + ", " + degrees(*item.longitude, 'E', 'W');
+}
+
+std::string dateText(const PhotoItem& item)
+{
+    if (item.captureDate)
+        return "Taken " + localDateTime(*item.captureDate);
+    return item.fileDate ? "File of " + localDateTime(*item.fileDate) : std::string();
+}
+
+std::string unwrittenText(std::size_t waiting, std::size_t photos)
+{
+    if (waiting == 0)
+        return {};
+    if (photos == 1)
+        return "Not yet written into the file";
+    return fmt::format("{} of {} not yet written into their files", waiting, counted(photos, "photo"));
+}
+
+FileFacts fileFacts(const std::filesystem::path& file)
+{
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file, error);
+    if (error)
+        return {.isMissing = true};
+    const auto info = readExif(file);
+    return {.size = size, .pixelSize = info ? info->pixelSize : std::nullopt};
+}
+
+std::string fileLine(const FileFacts& facts)
+{
+    if (facts.isMissing)
+        return "missing";
+    return joined({facts.pixelSize.value_or(""), facts.size ? sizeText(*facts.size) : ""});
+}
+
+} // namespace korvo
