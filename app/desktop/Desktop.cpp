@@ -1,5 +1,8 @@
 #include "app/desktop/Desktop.h"
 
+#include "base/Text.h"
+#include "platform/AppFolders.h"
+
 namespace korvo {
 
 Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults)
@@ -9,7 +12,7 @@ Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clo
       previewCache_(store().catalog().previewsFolder(),
           PreviewCache::usualBound(store().catalog().previewsFolder()), clock),
       browser_(store()), pictures_(main, reader_, previewCache_), decoded_(main, reader_), renders_(main),
-      draft_(store(), browser_), jobs_(main)
+      draft_(store(), browser_), faceModel_(main, downloader_, applicationDataFolder()), jobs_(main)
 { }
 
 void Desktop::say(std::string text, Offer offer)
@@ -19,12 +22,7 @@ void Desktop::say(std::string text, Offer offer)
 
 void Desktop::fail(const std::exception& error)
 {
-    std::string text = error.what();
-    if (!text.empty() && text.back() != '.')
-        text += '.';
-    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z')
-        text[0] = static_cast<char>(text[0] - 'a' + 'A');
-    noticed.emit({Notice::Kind::error, std::move(text), false});
+    noticed.emit({Notice::Kind::error, asSentence(error.what()), false});
 }
 
 } // namespace korvo

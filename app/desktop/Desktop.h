@@ -7,6 +7,8 @@
 #include "app/desktop/Jobs.h"
 #include "app/desktop/Pictures.h"
 #include "app/desktop/QtMainThread.h"
+#include "faces/FaceModelStore.h"
+#include "platform/linux/CurlDownloader.h"
 #include "platform/linux/images/SystemImageReader.h"
 
 namespace korvo {
@@ -39,6 +41,7 @@ public:
     LiveRenders& renders() { return renders_; }
     /// The edits that are being made on the panel.
     EditDraft& draft() { return draft_; }
+    FaceModelStore& faceModel() { return faceModel_; }
     Jobs& jobs() { return jobs_; }
     const Clock& clock() const { return clock_; }
     Defaults& defaults() { return defaults_; }
@@ -74,6 +77,8 @@ private:
     DecodedPhotos decoded_;
     LiveRenders renders_;
     EditDraft draft_;
+    CurlDownloader downloader_;
+    FaceModelStore faceModel_;
     Jobs jobs_;
 };
 

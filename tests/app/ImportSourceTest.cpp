@@ -38,7 +38,7 @@ TEST(ImportSource, whatTheUserChoseBecomesAPlan)
         EXPECT_EQ(plan.copyTo, copyTo) << nameOf(source);
         EXPECT_EQ(plan.card, onCard) << nameOf(source);
         ASSERT_EQ(plan.files.size(), 1U);
-        EXPECT_EQ(plan.files.front().path, "/c/2.jpg");
+        EXPECT_EQ(plan.files.front().file.path, "/c/2.jpg");
     }
     const ImportOptions unused{.newProject = "Trip", .chosenProject = 7};
     const auto with = [&](Project project) {

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QLabel>
+#include <QPalette>
+
+namespace korvo {
+
+/// A line of quiet explanation, or the name of a field.
+inline QLabel* dimmed(QLabel* label)
+{
+    label->setForegroundRole(QPalette::PlaceholderText);
+    label->setWordWrap(true);
+    return label;
+}
+
+inline QLabel* dimLabel(const QString& text)
+{
+    return dimmed(new QLabel(text));
+}
+
+/// The heading of a group.
+inline QLabel* headingLabel(const QString& text)
+{
+    auto* const label = new QLabel(text);
+    auto font = label->font();
+    font.setBold(true);
+    label->setFont(font);
+    return label;
+}
+
+/// A line that says what is wrong.
+inline QLabel* warning(QLabel* label)
+{
+    constexpr QColor color{0xff, 0x8a, 0x7a};
+    auto palette = label->palette();
+    palette.setColor(QPalette::WindowText, color);
+    label->setPalette(palette);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace korvo

@@ -1,0 +1,109 @@
+#include "app/desktop/info/DescriptiveForm.h"
+
+#include "app/desktop/Labels.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/info/KeywordField.h"
+#include "base/Text.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::size_t altTextField = 5;
+
+bool hasSeveralLines(std::size_t place)
+{
+    const auto value = metadataFields()[place].value;
+    return value == &PhotoMetadata::caption || value == &PhotoMetadata::altText;
+}
+
+} // namespace
+
+DescriptiveForm::DescriptiveForm(Desktop& desktop, QWidget* parent)
+    : QWidget(parent), desktop_(desktop), altHint_(dimLabel({}))
+{
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    for (std::size_t place = 0; place < fields_.size(); ++place)
+        add(place);
+    layout->addWidget(altHint_);
+    fields_[altTextField]->goOn = [this] { nextWithoutAltText(); };
+}
+
+void DescriptiveForm::add(std::size_t place)
+{
+    const auto title = qt(metadataFields()[place].title);
+    const auto lines = hasSeveralLines(place) ? FieldEdit::Lines::several : FieldEdit::Lines::one;
+    auto* const field
+        = place == keywordsField ? new KeywordField(desktop_, this) : new FieldEdit(lines, this);
+    auto* const label = dimLabel(title);
+    label->setBuddy(field);
+    field->setAccessibleName(title);
+    field->committed = [this, place](const QString& text) { changeField(place, text); };
+    fields_[place] = field;
+    if (place > 0)
+        static_cast<QVBoxLayout*>(layout())->addSpacing(6);
+    layout()->addWidget(label);
+    layout()->addWidget(field);
+}
+
+void DescriptiveForm::setPhotos(std::vector<PhotoID> photos)
+{
+    if (photos == photos_)
+        return;
+    for (auto* const field : fields_) {
+        field->commit();
+        field->reset();
+    }
+    photos_ = std::move(photos);
+    setEnabled(!photos_.empty());
+}
+
+void DescriptiveForm::show(const CommonMetadata& common)
+{
+    for (std::size_t place = 0; place < fields_.size(); ++place) {
+        const auto& text = common.text(place);
+        const bool mixed = place == keywordsField ? common.keywordsDiffer() : !text && !photos_.empty();
+        fields_[place]->show(text ? qt(*text) : QString(), mixed ? qt(mixedText) : QString());
+        fields_[place]->setToolTip(mixed && place == keywordsField ? qt(mixedKeywordsText) : QString());
+    }
+    keywords_ = common.text(keywordsField).value_or(SharedText());
+}
+
+void DescriptiveForm::workOffAltTexts(std::optional<std::size_t> left)
+{
+    fields_[altTextField]->setEnterGoesOn(left.has_value());
+    altHint_->setVisible(left.has_value());
+    if (left)
+        altHint_->setText(
+            qt("Enter writes it and goes to the next photo; " + counted(*left, "photo") + " left"));
+}
+
+void DescriptiveForm::changeField(std::size_t place, const QString& text)
+{
+    desktop_.attempt([&] {
+        if (place != keywordsField)
+            desktop_.store().setMetadataField(photos_, place, utf8(text));
+        else if (photos_.size() == 1)
+            desktop_.store().setMetadataField(photos_, place, tidyKeywordText(utf8(text)));
+        else
+            desktop_.store().editKeywords(photos_, keywordEdit(keywords_, utf8(text)));
+    });
+}
+
+/// The photos that were given a text leave the list, and the store has selected the next by then. One that
+/// was passed over stays.
+void DescriptiveForm::nextWithoutAltText()
+{
+    auto& browser = desktop_.browser();
+    const auto targets = browser.targets();
+    if (targets == photos_)
+        browser.step(1);
+    fields_[altTextField]->setFocus();
+}
+
+} // namespace korvo

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/desktop/Desktop.h"
+#include "app/desktop/info/FieldEdit.h"
+
+#include <QWidget>
+
+#include <array>
+#include <vector>
+
+class QLabel;
+
+namespace korvo {
+
+/// The six descriptive fields of one or many photos. What the user changes in a field becomes one step of
+/// undo when the field is left.
+class DescriptiveForm : public QWidget {
+public:
+    /// `desktop` must outlive it.
+    explicit DescriptiveForm(Desktop& desktop, QWidget* parent = nullptr);
+
+    /// The photos whose fields are shown. An unfinished text goes to those shown before.
+    void setPhotos(std::vector<PhotoID> photos);
+    const std::vector<PhotoID>& photos() const { return photos_; }
+    void show(const CommonMetadata& common);
+    /// In a list of photos without ALT text, Enter goes on to the next. `left` is how many there are.
+    void workOffAltTexts(std::optional<std::size_t> left);
+
+    FieldEdit& field(std::size_t place) { return *fields_[place]; }
+
+private:
+    void add(std::size_t place);
+    void changeField(std::size_t place, const QString& text);
+    void nextWithoutAltText();
+
+    Desktop& desktop_;
+    std::vector<PhotoID> photos_;
+    std::array<FieldEdit*, 6> fields_{};
+    SharedText keywords_; // those in common, as shown
+    QLabel* altHint_;
+};
+
+} // namespace korvo

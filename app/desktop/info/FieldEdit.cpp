@@ -1,0 +1,131 @@
+#include "app/desktop/info/FieldEdit.h"
+
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
+
+namespace korvo {
+
+namespace {
+
+constexpr int mostLines = 8; // beyond them the field scrolls
+
+bool isEnter(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+} // namespace
+
+FieldEdit::FieldEdit(Lines lines, QWidget* parent) : QPlainTextEdit(parent), lines_(lines)
+{
+    setTabChangesFocus(true);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    document()->setDocumentMargin(3);
+    connect(this, &QPlainTextEdit::textChanged, this, &FieldEdit::textEdited);
+    fitHeight();
+}
+
+void FieldEdit::show(const QString& text, const QString& placeholder)
+{
+    setPlaceholderText(placeholder);
+    if (touched_ || text == toPlainText())
+        return;
+    showing_ = true;
+    setPlainText(text);
+    showing_ = false;
+}
+
+void FieldEdit::textEdited()
+{
+    touched_ |= !showing_;
+    fitHeight();
+}
+
+void FieldEdit::commit()
+{
+    if (!touched_)
+        return;
+    touched_ = false;
+    if (committed)
+        committed(toPlainText());
+}
+
+void FieldEdit::keyPressEvent(QKeyEvent* event)
+{
+    const bool breaksLine = lines_ == Lines::several && !enterGoesOn_;
+    if (!isEnter(*event) || (breaksLine && !(event->modifiers() & Qt::ControlModifier))
+        || (lines_ == Lines::several && event->modifiers() & Qt::ShiftModifier)) {
+        QPlainTextEdit::keyPressEvent(event);
+        return;
+    }
+    commit();
+    if (enterGoesOn_ && goOn)
+        goOn();
+}
+
+void FieldEdit::focusInEvent(QFocusEvent* event)
+{
+    QPlainTextEdit::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        selectAll();
+}
+
+void FieldEdit::focusOutEvent(QFocusEvent* event)
+{
+    QPlainTextEdit::focusOutEvent(event);
+    if (event->reason() != Qt::PopupFocusReason)
+        commit();
+}
+
+void FieldEdit::hideEvent(QHideEvent* event)
+{
+    QPlainTextEdit::hideEvent(event);
+    commit();
+}
+
+void FieldEdit::resizeEvent(QResizeEvent* event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    fitHeight();
+}
+
+void FieldEdit::changeEvent(QEvent* event)
+{
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        fitHeight();
+}
+
+void FieldEdit::insertFromMimeData(const QMimeData* source)
+{
+    auto text = source->text();
+    if (lines_ == Lines::one)
+        text = text.simplified();
+    insertPlainText(text);
+}
+
+QSize FieldEdit::sizeHint() const
+{
+    const int lines = std::max(1, static_cast<int>(std::lround(document()->size().height())));
+    const int frame = isVisible() ? height() - viewport()->height() : 2 * frameWidth();
+    const auto around = 2 * document()->documentMargin() + frame;
+    return {
+        120, static_cast<int>(std::ceil(std::min(lines, mostLines) * fontMetrics().lineSpacing() + around))};
+}
+
+void FieldEdit::fitHeight()
+{
+    const auto height = sizeHint().height();
+    setVerticalScrollBarPolicy(
+        document()->size().height() > mostLines ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    if (height != this->height())
+        setFixedHeight(height);
+}
+
+} // namespace korvo

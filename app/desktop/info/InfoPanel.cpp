@@ -1,0 +1,244 @@
+#include "app/desktop/info/InfoPanel.h"
+
+#include "app/desktop/Labels.h"
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/sheets/FailureList.h"
+#include "base/Text.h"
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace korvo {
+
+namespace {
+
+constexpr int longestSlice = 5; // milliseconds
+constexpr int narrowest = 270; // for both buttons beside each other
+
+QLabel* factLabel(QVBoxLayout& layout, const char* name)
+{
+    auto* const label = new QLabel;
+    label->setObjectName(name);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setFocusPolicy(Qt::NoFocus);
+    layout.addWidget(label);
+    return label;
+}
+
+void setOrHide(QLabel& label, const QString& text)
+{
+    label.setText(text);
+    label.setVisible(!text.isEmpty());
+}
+
+/// A path may break behind each of its separators.
+QString breakable(const QString& path)
+{
+    return QString(path).replace('/', QStringLiteral("/\u200b"));
+}
+
+} // namespace
+
+InfoPanel::InfoPanel(MainWindow& window) : desktop_(window.desktop()), form_(new DescriptiveForm(desktop_))
+{
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setMinimumWidth(narrowest);
+    auto* const content = new QWidget;
+    auto* const layout = new QVBoxLayout(content);
+    layout->setContentsMargins(12, 12, 12, 12);
+    title_ = factLabel(*layout, "title");
+    auto bold = title_->font();
+    bold.setBold(true);
+    title_->setFont(bold);
+    writeBackRow_ = makeWriteBackRow(window);
+    layout->addWidget(writeBackRow_);
+    status_ = factLabel(*layout, "status");
+    layout->addSpacing(6);
+    layout->addWidget(form_);
+    layout->addSpacing(12);
+    camera_ = factLabel(*layout, "camera");
+    exposure_ = factLabel(*layout, "exposure");
+    date_ = factLabel(*layout, "date");
+    position_ = factLabel(*layout, "position");
+    file_ = factLabel(*layout, "file");
+    path_ = factLabel(*layout, "path");
+    dimmed(status_);
+    dimmed(path_);
+    layout->addStretch(1);
+    setWidget(content);
+
+    for (auto* const timer : {&loading_, &slices_}) {
+        timer->setSingleShot(true);
+        timer->setInterval(0);
+    }
+    connect(&loading_, &QTimer::timeout, this, [this] { load(); });
+    connect(&slices_, &QTimer::timeout, this, [this] { readSlice(); });
+    storeChanged_
+        = desktop_.store().changed.connect([this](const LibraryChange& change) { libraryChanged(change); });
+    browserChanged_ = desktop_.browser().changed.connect([this] { loadSoon(); });
+    writeBackChanged_ = desktop_.session().writeBack().changed.connect([this] { showWriteBack(); });
+    load();
+}
+
+InfoPanel::~InfoPanel() = default;
+
+QWidget* InfoPanel::makeWriteBackRow(MainWindow& window)
+{
+    auto* const row = new QWidget;
+    auto* const layout = new QVBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    unwritten_ = factLabel(*layout, "unwritten");
+    auto* const buttons = new QHBoxLayout;
+    const auto add = [&](const char* text, std::function<void()> act) {
+        auto* const button = new QPushButton(QString::fromUtf8(text));
+        connect(button, &QPushButton::clicked, this, std::move(act));
+        buttons->addWidget(button);
+        return button;
+    };
+    auto& writeBack = desktop_.session().writeBack();
+    save_ = add("Save Now", [&window] { window.commands().run(Command::saveMetadata); });
+    save_->setToolTip("Writes what waits, of these and of all other photos, into their files");
+    revert_ = add("Revert…", [&window] { window.commands().run(Command::revertMetadata); });
+    stop_ = add("Stop", [&writeBack] { writeBack.stopSaving(); });
+    failures_ = add("Failures…", [this, &writeBack] {
+        std::vector<std::string> texts;
+        for (const auto& failure : writeBack.failures())
+            texts.push_back(failure.message);
+        showFailures(*this, texts);
+    });
+    buttons->addStretch(1);
+    layout->addLayout(buttons);
+    return row;
+}
+
+void InfoPanel::libraryChanged(const LibraryChange& change)
+{
+    const auto& shown = form_->photos();
+    const bool concerns = change.list || change.selection || (shown.size() > 1 && !change.photos.empty())
+        || (shown.size() == 1
+            && std::find(change.photos.begin(), change.photos.end(), shown.front()) != change.photos.end());
+    if (concerns)
+        loadSoon();
+}
+
+void InfoPanel::load()
+{
+    form_->setPhotos(desktop_.browser().targets());
+    reading_ = {};
+    readSlice();
+    lookAtFile();
+}
+
+void InfoPanel::readSlice()
+{
+    QElapsedTimer time;
+    time.start();
+    const auto& ids = form_->photos();
+    auto& [common, next, waiting] = reading_;
+    while (next < ids.size()) {
+        if (const PhotoItem* const item = desktop_.store().list().find(ids[next++])) {
+            common.add(item->metadata);
+            waiting += item->dirty ? 1 : 0;
+        }
+        if (next % 256 == 0 && time.elapsed() >= longestSlice) {
+            slices_.start();
+            return;
+        }
+    }
+    showRead();
+}
+
+void InfoPanel::showRead()
+{
+    form_->show(reading_.common);
+    const auto& source = desktop_.store().source();
+    const bool worksOff = source && source->kind == LibrarySource::Kind::noAltText;
+    form_->workOffAltTexts(worksOff ? std::optional(desktop_.store().list().shown().size()) : std::nullopt);
+    setOrHide(*unwritten_, qt(unwrittenText(reading_.waiting, form_->photos().size())));
+    showFacts();
+    showWriteBack();
+}
+
+const PhotoItem* InfoPanel::onlyPhoto() const
+{
+    const auto& ids = form_->photos();
+    return ids.size() == 1 ? desktop_.store().list().find(ids.front()) : nullptr;
+}
+
+void InfoPanel::showFacts()
+{
+    const auto count = form_->photos().size();
+    const PhotoItem* const item = onlyPhoto();
+    if (item && item->versionOf)
+        title_->setText(qt(item->filename) + " · " + qt(item->versionName));
+    else
+        title_->setText(item ? qt(item->filename)
+                : count == 0 ? QObject::tr("No photo is selected")
+                             : qt(counted(count, "photo")));
+    form_->setVisible(count > 0);
+    setOrHide(*camera_, item ? qt(cameraLine(*item)) : QString());
+    setOrHide(*exposure_, item ? qt(exposureLine(*item)) : QString());
+    setOrHide(*date_, item ? qt(dateText(*item)) : QString());
+    setOrHide(*position_, item ? qt(positionText(*item)) : QString());
+    setOrHide(*path_, item ? breakable(qt(item->path().native())) : QString());
+    if (!item)
+        file_->hide();
+}
+
+/// One look at a time: a slow disk must not hold up the next photos.
+void InfoPanel::lookAtFile()
+{
+    const PhotoItem* const item = onlyPhoto();
+    const auto file = item ? item->path() : std::filesystem::path();
+    if (file != wantedFile_)
+        file_->clear();
+    wantedFile_ = file;
+    if (isLooking_ || wantedFile_.empty())
+        return;
+    isLooking_ = true;
+    fileTask_ = runInBackground(desktop_.mainThread(), [this, file](const Task::Context& context) {
+        const auto facts = fileFacts(file);
+        context.deliver([this, file, facts] { looked(file, facts); });
+    });
+}
+
+void InfoPanel::looked(const std::filesystem::path& file, const FileFacts& facts)
+{
+    isLooking_ = false;
+    if (file == wantedFile_)
+        showFile(facts);
+    else
+        lookAtFile();
+}
+
+void InfoPanel::showFile(const FileFacts& facts)
+{
+    setOrHide(*file_, qt((facts.isMissing ? "⚠ " : "") + fileLine(facts)));
+    file_->setPalette({});
+    if (facts.isMissing)
+        warning(file_);
+}
+
+void InfoPanel::showWriteBack()
+{
+    const auto& writeBack = desktop_.session().writeBack();
+    const bool waits = reading_.waiting > 0 && !writeBack.isSaving();
+    const bool failed = !writeBack.failures().empty() && !writeBack.isSaving();
+    save_->setVisible(waits);
+    revert_->setVisible(waits);
+    stop_->setVisible(writeBack.isSaving());
+    failures_->setVisible(failed);
+    writeBackRow_->setVisible(waits || failed || writeBack.isSaving());
+    setOrHide(*status_, qt(writeBack.statusMessage()));
+}
+
+} // namespace korvo

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/desktop/Desktop.h"
+#include "app/desktop/info/DescriptiveForm.h"
+#include "metadata/InfoTexts.h"
+
+#include <QScrollArea>
+#include <QTimer>
+
+class QLabel;
+class QPushButton;
+
+namespace korvo {
+
+class MainWindow;
+
+/// The inspector's tab that describes the photos a command would act on: their descriptive fields, what the
+/// camera and the file say, and whether the files hold it all.
+class InfoPanel : public QScrollArea {
+public:
+    explicit InfoPanel(MainWindow& window);
+    ~InfoPanel() override;
+
+    DescriptiveForm& form() { return *form_; }
+
+private:
+    void makeLabels();
+    QWidget* makeWriteBackRow(MainWindow& window);
+    void libraryChanged(const LibraryChange& change);
+    void loadSoon() { loading_.start(); }
+    void load();
+    void readSlice();
+    void showRead();
+    void showFacts();
+    void lookAtFile();
+    void looked(const std::filesystem::path& file, const FileFacts& facts);
+    void showFile(const FileFacts& facts);
+    void showWriteBack();
+    const PhotoItem* onlyPhoto() const;
+
+    /// What has been read of the photos so far: there may be a million.
+    struct Reading {
+        CommonMetadata common;
+        std::size_t next = 0;
+        std::size_t waiting = 0; // with metadata that is not in the file yet
+    };
+
+    Desktop& desktop_;
+    DescriptiveForm* form_;
+    QLabel* title_;
+    QLabel* unwritten_;
+    QWidget* writeBackRow_;
+    QPushButton* save_;
+    QPushButton* revert_;
+    QPushButton* stop_;
+    QPushButton* failures_;
+    QLabel* camera_;
+    QLabel* exposure_;
+    QLabel* date_;
+    QLabel* position_;
+    QLabel* file_;
+    QLabel* path_;
+    QLabel* status_;
+    Reading reading_;
+    std::filesystem::path wantedFile_; // to be looked at
+    bool isLooking_ = false;
+    QTimer loading_;
+    QTimer slices_;
+    Connection storeChanged_;
+    Connection browserChanged_;
+    Connection writeBackChanged_;
+    Task fileTask_; // last, so that it ends first
+};
+
+} // namespace korvo

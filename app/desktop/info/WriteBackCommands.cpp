@@ -1,0 +1,47 @@
+#include "app/desktop/info/WriteBackCommands.h"
+
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/Texts.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace korvo {
+
+namespace {
+
+bool isConfirmed(QWidget& window, std::size_t photos)
+{
+    QMessageBox question(&window);
+    question.setIcon(QMessageBox::Question);
+    question.setText(qt(revertTitle));
+    question.setInformativeText(qt(revertQuestion(photos)));
+    question.addButton(QMessageBox::Cancel);
+    question.setWindowModality(Qt::WindowModal);
+    const QAbstractButton* const revert
+        = question.addButton(QObject::tr("Revert"), QMessageBox::DestructiveRole);
+    question.exec();
+    return question.clickedButton() == revert;
+}
+
+void revert(MainWindow& window)
+{
+    auto& writeBack = window.desktop().session().writeBack();
+    const auto photos = window.desktop().store().catalog().mastersOf(window.desktop().browser().targets());
+    writeBack.requireRevertible(photos);
+    if (isConfirmed(window, photos.size()))
+        writeBack.revertMetadataToAsFound(photos);
+}
+
+} // namespace
+
+void addWriteBackCommands(MainWindow& window)
+{
+    auto& writeBack = window.desktop().session().writeBack();
+    window.commands().handle(
+        Command::saveMetadata, [&writeBack] { writeBack.saveMetadataToFiles(); },
+        [&writeBack] { return writeBack.dirtyCount() > 0 && !writeBack.isSaving(); });
+    window.commands().handle(Command::revertMetadata, [&window] { revert(window); });
+}
+
+} // namespace korvo

@@ -1,0 +1,149 @@
+#include "app/desktop/sheets/Sheet.h"
+#include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/sheets/StackPreview.h"
+
+#include <QDialogButtonBox>
+#include <QPushButton>
+#include <QSlider>
+#include <QVBoxLayout>
+
+namespace korvo {
+
+namespace {
+
+/// Plans the stacks of what the grid shows, and makes them when that is confirmed.
+class AutoStackSheet : public QDialog {
+public:
+    explicit AutoStackSheet(MainWindow& window);
+
+private:
+    QLayout* makeSlider();
+    void makeButtons();
+    void readShots();
+    void plan();
+    void showPlan(AutoStackPlan plan);
+    void stack();
+
+    Desktop& desktop_;
+    QSlider* slider_;
+    QLabel* result_;
+    StackPreview* preview_;
+    QDialogButtonBox* buttons_;
+    QPushButton* stack_;
+    std::shared_ptr<const std::vector<AutoStackShot>> shots_; // by time; none until they are sorted
+    bool planning_ = false;
+    int planned_ = 0; // the interval whose plan is shown
+    Connection storeChanged_;
+    Task task_; // last, so that it ends first
+};
+
+AutoStackSheet::AutoStackSheet(MainWindow& window)
+    : QDialog(&window), desktop_(window.desktop()), slider_(new QSlider(Qt::Horizontal)), result_(new QLabel),
+      preview_(new StackPreview(desktop_)), buttons_(new QDialogButtonBox)
+{
+    setWindowTitle(qt(autoStackSheet::title));
+    setWindowModality(Qt::WindowModal);
+    auto* const layout = new QVBoxLayout(this);
+    layout->addWidget(dimLabel(qt(autoStackSheet::explanation)));
+    layout->addSpacing(6);
+    layout->addLayout(makeSlider());
+    layout->addWidget(result_);
+    layout->addWidget(preview_, 1);
+    makeButtons();
+    layout->addWidget(buttons_);
+    resize(560, 520);
+    slider_->setFocus();
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
+        if (change.list || !change.photos.empty())
+            readShots();
+    });
+    readShots();
+}
+
+QLayout* AutoStackSheet::makeSlider()
+{
+    slider_->setRange(autoStackSheet::shortestInterval, autoStackSheet::longestInterval);
+    slider_->setValue(autoStackSheet::startInterval);
+    slider_->setAccessibleName(qt(autoStackSheet::interval));
+    connect(slider_, &QSlider::valueChanged, this, [this] { plan(); });
+    auto* const row = new QHBoxLayout;
+    auto* const label = new QLabel(qt(autoStackSheet::interval));
+    label->setBuddy(slider_);
+    row->addWidget(label);
+    row->addSpacing(12);
+    row->addWidget(new QLabel(qt(autoStackSheet::shortest)));
+    row->addWidget(slider_, 1);
+    row->addWidget(new QLabel(qt(autoStackSheet::longest)));
+    return row;
+}
+
+void AutoStackSheet::makeButtons()
+{
+    buttons_->addButton(qt(autoStackSheet::cancel), QDialogButtonBox::RejectRole);
+    stack_ = buttons_->addButton(qt(autoStackSheet::stack), QDialogButtonBox::AcceptRole);
+    stack_->setEnabled(false);
+    connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(buttons_, &QDialogButtonBox::accepted, this, [this] { stack(); });
+}
+
+/// Only what counts of the photos is copied here; a million of them are sorted elsewhere.
+void AutoStackSheet::readShots()
+{
+    const auto& list = desktop_.store().list();
+    task_.requestStop();
+    shots_.reset();
+    planned_ = 0;
+    planning_ = false;
+    stack_->setEnabled(false);
+    task_ = runInBackground(desktop_.mainThread(),
+        [this,
+            all = std::make_shared<std::vector<AutoStackShot>>(autoStackShots(list.items(), list.shown()))](
+            const Task::Context& context) {
+            sortByTime(*all);
+            context.deliver([this, all] {
+                shots_ = all;
+                plan();
+            });
+        });
+}
+
+void AutoStackSheet::plan()
+{
+    const int interval = slider_->value();
+    if (!shots_ || planning_ || interval == planned_)
+        return;
+    planning_ = true;
+    planned_ = interval;
+    stack_->setEnabled(false);
+    task_ = runInBackground(
+        desktop_.mainThread(), [this, shots = shots_, interval](const Task::Context& context) {
+            context.deliver([this, plan = AutoStackPlan(*shots, interval)] { showPlan(plan); });
+        });
+}
+
+void AutoStackSheet::showPlan(AutoStackPlan plan)
+{
+    result_->setText(qt(autoStackText(plan, planned_)));
+    stack_->setEnabled(!plan.groups().empty());
+    preview_->show(std::move(plan));
+    planning_ = false;
+    this->plan(); // the slider may have moved on
+}
+
+void AutoStackSheet::stack()
+{
+    storeChanged_ = {};
+    attemptIn(*this, [&] {
+        desktop_.store().autoStack(preview_->plan());
+        accept();
+    });
+}
+
+} // namespace
+
+QWidget* showAutoStackSheet(MainWindow& window)
+{
+    return showOne<AutoStackSheet>(window);
+}
+
+} // namespace korvo

@@ -1,0 +1,226 @@
+#include "app/desktop/sheets/ImportOptionsForm.h"
+
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/sheets/FolderField.h"
+#include "app/desktop/sheets/Sheet.h"
+#include "app/desktop/sheets/Sheets.h"
+#include "metadata/NamingPreset.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace korvo {
+
+namespace {
+
+using Project = ImportOptions::Project;
+
+void addNodes(QComboBox& box, const std::vector<ProjectNode>& nodes, int depth)
+{
+    for (const auto& node : nodes) {
+        box.addItem(QString(3 * depth, ' ') + qt(node.name), qlonglong(node.id));
+        addNodes(box, node.children, depth + 1);
+    }
+}
+
+Project projectOf(const QComboBox& box)
+{
+    return static_cast<Project>(box.currentIndex()); // both in the order of the menu
+}
+
+} // namespace
+
+ImportOptionsForm::ImportOptionsForm(MainWindow& window) : window_(window), layout_(new QVBoxLayout(this))
+{
+    layout_->setContentsMargins(12, 12, 12, 12);
+    layout_->setSpacing(4);
+    addFiles();
+    layout_->addSpacing(12);
+    addNames();
+    layout_->addSpacing(12);
+    addProjects();
+    layout_->addSpacing(12);
+    addTexts();
+    layout_->addSpacing(12);
+    leaveOutDuplicates_ = new QCheckBox(qt(importWindow::leaveOutDuplicates));
+    leaveOutDuplicates_->setChecked(true);
+    connect(leaveOutDuplicates_, &QCheckBox::toggled, this, [this] { duplicatesChanged(); });
+    eject_ = new QCheckBox(qt(importWindow::ejectAfterwards));
+    layout_->addWidget(leaveOutDuplicates_);
+    layout_->addWidget(eject_);
+    layout_->addStretch(1);
+    refresh();
+}
+
+void ImportOptionsForm::addFiles()
+{
+    copy_ = new QCheckBox(qt(importWindow::copyIntoFolder));
+    copy_->setChecked(true);
+    folder_ = new FolderField(qt(importWindow::copyIntoFolder));
+    try {
+        folder_->edit().setText(qt(defaultDestination().native()));
+    } catch (const std::runtime_error&) {
+        // Without a home folder there is no default: the user names a folder.
+    }
+    filesHelp_ = dimLabel({});
+    layout_->addWidget(copy_);
+    layout_->addWidget(folder_);
+    layout_->addWidget(filesHelp_);
+    connect(copy_, &QCheckBox::toggled, this, [this] { refresh(); });
+}
+
+void ImportOptionsForm::addNames()
+{
+    naming_ = new QComboBox;
+    naming_->addItems({qt(importWindow::keepNames), qt(importWindow::rename)});
+    naming_->setAccessibleName(tr("File names"));
+    patternRow_ = new QWidget;
+    auto* const row = new QHBoxLayout(patternRow_);
+    row->setContentsMargins(0, 0, 0, 0);
+    pattern_ = new QLineEdit(qt(importWindow::defaultPattern));
+    pattern_->setAccessibleName(qt(namingPresetEditor::pattern));
+    pattern_->setToolTip(qt(namingPresetEditor::help));
+    presets_ = new QToolButton;
+    presets_->setText(tr("Presets"));
+    presets_->setPopupMode(QToolButton::InstantPopup);
+    presets_->setMenu(new QMenu(presets_));
+    row->addWidget(pattern_, 1);
+    row->addWidget(presets_);
+    example_ = dimLabel({});
+    layout_->addWidget(naming_);
+    layout_->addWidget(patternRow_);
+    layout_->addWidget(example_);
+    connect(naming_, &QComboBox::currentIndexChanged, this, [this] { refresh(); });
+    connect(pattern_, &QLineEdit::textChanged, this, [this] { showExample(); });
+    connect(presets_->menu(), &QMenu::aboutToShow, this, [this] { fillPresets(); });
+}
+
+void ImportOptionsForm::fillPresets()
+{
+    auto* const menu = presets_->menu();
+    menu->clear();
+    for (const auto& preset : NamingPreset::load(window_.desktop().defaults()))
+        menu->addAction(qt(preset.name + "\t" + preset.pattern), this,
+            [this, pattern = preset.pattern] { pattern_->setText(qt(pattern)); });
+    menu->addSeparator();
+    menu->addAction(tr("Edit Presets…"), this, [this] { showNamingPresets(window_); });
+}
+
+void ImportOptionsForm::addProjects()
+{
+    project_ = new QComboBox;
+    project_->setAccessibleName(tr("Project"));
+    for (const auto text : importWindow::projects)
+        project_->addItem(qt(text));
+    newProject_ = new QLineEdit;
+    newProject_->setPlaceholderText(tr("Name of the project"));
+    chosenProject_ = new QComboBox;
+    chosenProject_->setAccessibleName(tr("Selected project"));
+    layout_->addWidget(project_);
+    layout_->addWidget(newProject_);
+    layout_->addWidget(chosenProject_);
+    fillProjects();
+    connect(project_, &QComboBox::currentIndexChanged, this, [this] { refresh(); });
+}
+
+/// The project that the window shows is offered first.
+void ImportOptionsForm::fillProjects()
+{
+    auto& store = window_.desktop().store();
+    addNodes(*chosenProject_, store.tree().projects, 0);
+    if (store.source() && store.source()->kind == LibrarySource::Kind::project)
+        chosenProject_->setCurrentIndex(std::max(0, chosenProject_->findData(qlonglong(store.source()->id))));
+}
+
+QLineEdit* ImportOptionsForm::addLine(const QString& title, const QString& hint)
+{
+    auto* const label = dimLabel(title);
+    auto* const edit = new QLineEdit;
+    edit->setPlaceholderText(hint);
+    edit->setAccessibleName(title);
+    label->setBuddy(edit);
+    layout_->addWidget(label);
+    layout_->addWidget(edit);
+    return edit;
+}
+
+void ImportOptionsForm::addTexts()
+{
+    creator_ = addLine(qt(importWindow::creator));
+    copyright_ = addLine(qt(importWindow::copyright));
+    keywords_ = addLine(qt(importWindow::keywords), qt(importWindow::keywordsHint));
+}
+
+void ImportOptionsForm::setSource(const Source& source)
+{
+    mustCopy_ = mustCopy(source);
+    canEject_ = source.kind == Source::Kind::volume;
+    refresh();
+}
+
+void ImportOptionsForm::setExample(const Candidate* candidate, std::size_t total)
+{
+    exampleFacts_ = {};
+    if (candidate) {
+        const auto name = candidate->file.path.filename();
+        exampleFacts_.name = name.stem().native();
+        exampleFacts_.fileDate = candidate->file.modified ? unixTime(*candidate->file.modified) : 0;
+        exampleExtension_ = name.extension().native();
+    }
+    exampleTotal_ = std::max<std::size_t>(1, total);
+    showExample();
+}
+
+/// The title of a photo is not known before it is imported.
+void ImportOptionsForm::showExample()
+{
+    const bool shown = naming_->currentIndex() == 1 && naming_->isEnabled() && !exampleFacts_.name.empty();
+    example_->setVisible(shown);
+    if (shown)
+        example_->setText(qt(namingPresetEditor::example) + " "
+            + qt(baseName(exampleFacts_, utf8(pattern_->text()), {1, exampleTotal_}) + exampleExtension_));
+}
+
+void ImportOptionsForm::refresh()
+{
+    const bool copies = copy_->isChecked() || mustCopy_;
+    copy_->setEnabled(!mustCopy_);
+    folder_->setEnabled(copies);
+    filesHelp_->setText(qt(mustCopy_ ? importWindow::cardsAreCopied : importWindow::filesStay));
+    filesHelp_->setVisible(mustCopy_ || !copies);
+    naming_->setEnabled(copies);
+    patternRow_->setVisible(naming_->currentIndex() == 1);
+    patternRow_->setEnabled(copies);
+    newProject_->setVisible(projectOf(*project_) == Project::made);
+    chosenProject_->setVisible(projectOf(*project_) == Project::chosen);
+    eject_->setEnabled(canEject_);
+    showExample();
+}
+
+Duplicates ImportOptionsForm::duplicates() const
+{
+    return leaveOutDuplicates_->isChecked() ? Duplicates::leaveOut : Duplicates::take;
+}
+
+ImportOptions ImportOptionsForm::options() const
+{
+    using Files = ImportOptions::Files;
+    const bool renames = naming_->currentIndex() == 1;
+    return {.files = copy_->isChecked() ? Files::copy : Files::reference,
+        .destination = pathOf(folder_->edit().text()),
+        .pattern = renames ? utf8(pattern_->text()) : std::string(importWindow::defaultPattern),
+        .project = projectOf(*project_),
+        .newProject = utf8(newProject_->text()),
+        .chosenProject = chosenProject_->currentData().toLongLong(),
+        .creator = utf8(creator_->text()),
+        .copyright = utf8(copyright_->text()),
+        .keywords = utf8(keywords_->text()),
+        .eject = eject_->isChecked() && canEject_};
+}
+
+} // namespace korvo

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/ImportSource.h"
+#include "app/desktop/Desktop.h"
+#include "metadata/Naming.h"
+
+#include <QWidget>
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QToolButton;
+class QVBoxLayout;
+
+namespace korvo {
+
+class FolderField;
+class MainWindow;
+
+/// What is done with the picked photos: where they go, how they are named, what is written about them.
+class ImportOptionsForm : public QWidget {
+public:
+    explicit ImportOptionsForm(MainWindow& window);
+
+    ImportOptions options() const;
+    Duplicates duplicates() const;
+    /// Offers what fits the source, and an example of a name with one of its files.
+    void setSource(const Source& source);
+    void setExample(const Candidate* candidate, std::size_t total);
+
+    std::function<void()> duplicatesChanged;
+
+private:
+    QLineEdit* addLine(const QString& title, const QString& hint = {});
+    void addFiles();
+    void addNames();
+    void addProjects();
+    void addTexts();
+    void fillPresets();
+    void fillProjects();
+    void refresh();
+    void showExample();
+
+    MainWindow& window_;
+    QVBoxLayout* layout_;
+    QCheckBox* copy_;
+    FolderField* folder_;
+    QLabel* filesHelp_;
+    QComboBox* naming_;
+    QWidget* patternRow_;
+    QLineEdit* pattern_;
+    QToolButton* presets_;
+    QLabel* example_;
+    QComboBox* project_;
+    QLineEdit* newProject_;
+    QComboBox* chosenProject_;
+    QLineEdit* creator_;
+    QLineEdit* copyright_;
+    QLineEdit* keywords_;
+    QCheckBox* leaveOutDuplicates_;
+    QCheckBox* eject_;
+    bool mustCopy_ = false;
+    bool canEject_ = false;
+    NamingFacts exampleFacts_;
+    std::string exampleExtension_;
+    std::size_t exampleTotal_ = 1;
+};
+
+} // namespace korvo

@@ -1,0 +1,366 @@
+#include "app/desktop/sheets/CandidateList.h"
+#include "app/desktop/sheets/FailureList.h"
+#include "app/desktop/sheets/ImportOptionsForm.h"
+#include "app/desktop/sheets/Sheet.h"
+#include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/sheets/SourceList.h"
+#include "base/Text.h"
+
+#include <QFileDialog>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace korvo {
+
+namespace {
+
+/// The import window: where from, what, and how. The import itself is a job of the main window, which goes on
+/// when this one is closed.
+class ImportSheet : public QDialog {
+public:
+    explicit ImportSheet(MainWindow& window);
+
+    void choose(const std::vector<std::filesystem::path>& paths) { sources_->add(paths); }
+
+private:
+    struct Listed {
+        std::shared_ptr<FileSource> files;
+        ImportListing listing;
+        std::string fault;
+    };
+
+    QWidget* makeSources();
+    QWidget* makeCandidates();
+    QWidget* makeOptions();
+    QLayout* makeBottom();
+    void chooseFolder();
+    void chooseFiles();
+    void list(const Source& source);
+    void forgetSource();
+    void listed(Listed found);
+    void pickAll(bool picked);
+    void showState();
+    void showPicked();
+    void start();
+    void importFrom(ImportPlan plan);
+    void finished(const Job& job);
+
+    MainWindow& window_;
+    Desktop& desktop_;
+    Source source_;
+    ListingState state_ = ListingState::nothingChosen;
+    Listed listed_;
+    bool running_ = false;
+    SourceList* sources_;
+    QStackedWidget* pane_;
+    QLabel* message_;
+    CandidateList* candidates_;
+    QLabel* picked_;
+    QPushButton* pickAll_;
+    QPushButton* pickNone_;
+    ImportOptionsForm* options_;
+    QLabel* status_;
+    QProgressBar* progress_;
+    QPushButton* failures_;
+    QPushButton* import_;
+    std::weak_ptr<Job> job_;
+    std::vector<Task> listings_; // last, so that they end first; earlier ones may still be leaving a camera
+};
+
+ImportSheet::ImportSheet(MainWindow& window)
+    : QDialog(&window, Qt::Window), window_(window), desktop_(window.desktop())
+{
+    setWindowTitle(tr("Import"));
+    auto* const columns = new QSplitter;
+    columns->addWidget(makeSources());
+    columns->addWidget(makeCandidates());
+    columns->addWidget(makeOptions());
+    columns->setStretchFactor(1, 1);
+    columns->setSizes({230, 700, 300});
+    columns->setChildrenCollapsible(false);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(columns, 1);
+    layout->addLayout(makeBottom());
+    resize(1180, 720);
+    sources_->setFocus();
+    showState();
+}
+
+QWidget* ImportSheet::makeSources()
+{
+    auto* const column = new QWidget;
+    auto* const layout = new QVBoxLayout(column);
+    layout->setContentsMargins(6, 8, 6, 8);
+    sources_ = new SourceList(desktop_);
+    sources_->chosen = [this](const Source& source) { list(source); };
+    sources_->gone = [this] { forgetSource(); };
+    layout->addWidget(sources_, 1);
+    const auto add = [&](const QString& text, void (ImportSheet::*act)()) {
+        auto* const button = new QPushButton(text);
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, act);
+        layout->addWidget(button);
+    };
+    add(tr("Choose Folder…"), &ImportSheet::chooseFolder);
+    add(tr("Choose Files…"), &ImportSheet::chooseFiles);
+    return column;
+}
+
+QWidget* ImportSheet::makeCandidates()
+{
+    auto* const column = new QWidget;
+    auto* const layout = new QVBoxLayout(column);
+    layout->setContentsMargins(6, 8, 6, 0);
+    auto* const line = new QHBoxLayout;
+    picked_ = new QLabel;
+    pickAll_ = new QPushButton(qt(importWindow::pickAll));
+    pickNone_ = new QPushButton(qt(importWindow::pickNone));
+    connect(pickAll_, &QPushButton::clicked, this, [this] { pickAll(true); });
+    connect(pickNone_, &QPushButton::clicked, this, [this] { pickAll(false); });
+    line->addWidget(picked_, 1);
+    for (auto* const button : {pickAll_, pickNone_}) {
+        button->setAutoDefault(false);
+        line->addWidget(button);
+    }
+    layout->addLayout(line);
+    message_ = new QLabel;
+    message_->setAlignment(Qt::AlignCenter);
+    message_->setWordWrap(true);
+    candidates_ = new CandidateList(desktop_.pictures());
+    candidates_->picked = [this] { showPicked(); };
+    pane_ = new QStackedWidget;
+    pane_->addWidget(message_);
+    pane_->addWidget(candidates_);
+    layout->addWidget(pane_, 1);
+    return column;
+}
+
+QWidget* ImportSheet::makeOptions()
+{
+    options_ = new ImportOptionsForm(window_);
+    options_->duplicatesChanged = [this] {
+        pick(listed_.listing.candidates, options_->duplicates());
+        showPicked();
+    };
+    auto* const area = new QScrollArea;
+    area->setWidget(options_);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setMinimumWidth(270);
+    return area;
+}
+
+QLayout* ImportSheet::makeBottom()
+{
+    status_ = new QLabel;
+    progress_ = new QProgressBar;
+    progress_->setMaximumWidth(200);
+    progress_->setTextVisible(false);
+    progress_->hide();
+    failures_ = new QPushButton(tr("Failures…"));
+    failures_->setAutoDefault(false);
+    failures_->hide();
+    connect(failures_, &QPushButton::clicked, this, [this] {
+        if (const auto job = job_.lock())
+            showFailures(*this, job->failures());
+    });
+    auto* const close = new QPushButton(tr("Close"));
+    close->setAutoDefault(false);
+    connect(close, &QPushButton::clicked, this, &QDialog::close);
+    import_ = new QPushButton(tr("Import"));
+    import_->setDefault(true);
+    connect(import_, &QPushButton::clicked, this, [this] { attemptIn(*this, [this] { start(); }); });
+    auto* const row = new QHBoxLayout;
+    row->setContentsMargins(12, 10, 12, 10);
+    row->setSpacing(8);
+    row->addWidget(status_, 1);
+    for (QWidget* const widget : std::initializer_list<QWidget*>{progress_, failures_, close, import_})
+        row->addWidget(widget);
+    return row;
+}
+
+void ImportSheet::chooseFolder()
+{
+    const auto folder = QFileDialog::getExistingDirectory(this, tr("Choose a Folder"));
+    if (!folder.isEmpty())
+        sources_->add({pathOf(folder)});
+}
+
+void ImportSheet::chooseFiles()
+{
+    std::vector<std::filesystem::path> paths;
+    for (const auto& file : QFileDialog::getOpenFileNames(this, tr("Choose Photos or Videos")))
+        paths.push_back(pathOf(file));
+    if (!paths.empty())
+        sources_->add(paths);
+}
+
+void ImportSheet::list(const Source& source)
+{
+    candidates_->show(nullptr, CandidateList::ShowPictures::no);
+    source_ = source;
+    listed_ = {};
+    state_ = ListingState::listing;
+    options_->setSource(source);
+    status_->clear();
+    failures_->hide();
+    for (auto& earlier : listings_)
+        earlier.requestStop();
+    listings_.push_back(runInBackground(desktop_.mainThread(),
+        [this, source, &catalog = desktop_.store().catalog()](const Task::Context& context) {
+            auto found = std::make_shared<Listed>();
+            try {
+                LinuxCameras cameras;
+                found->files = openSource(source, cameras);
+                found->listing = listImportable(*found->files, catalog, context.stopToken());
+            } catch (const std::exception& error) {
+                found->fault = error.what();
+            }
+            context.deliver([this, found] { listed(std::move(*found)); });
+        }));
+    showState();
+}
+
+void ImportSheet::forgetSource()
+{
+    for (auto& earlier : listings_)
+        earlier.requestStop();
+    candidates_->show(nullptr, CandidateList::ShowPictures::no);
+    listed_ = {};
+    state_ = ListingState::nothingChosen;
+    showState();
+}
+
+void ImportSheet::listed(Listed found)
+{
+    listed_ = std::move(found);
+    state_ = ListingState::listed;
+    pick(listed_.listing.candidates, options_->duplicates());
+    candidates_->show(&listed_.listing,
+        source_.kind == Source::Kind::camera ? CandidateList::ShowPictures::no
+                                             : CandidateList::ShowPictures::yes);
+    if (const auto left = listed_.listing.failures.size(); left > 0 && status_->text().isEmpty())
+        status_->setText(qt(counted(left, "place") + " could not be looked into"));
+    else if (source_.kind == Source::Kind::camera && status_->text().isEmpty())
+        status_->setText(qt(importWindow::noThumbnails));
+    showState();
+}
+
+void ImportSheet::pickAll(bool picked)
+{
+    if (picked)
+        pick(listed_.listing.candidates, options_->duplicates());
+    else
+        for (auto& candidate : listed_.listing.candidates)
+            candidate.picked = false;
+    showPicked();
+}
+
+void ImportSheet::showState()
+{
+    const auto text = paneText(state_, listed_.listing);
+    message_->setText(listed_.fault.empty() ? qt(text.value_or("")) : qt(listed_.fault));
+    pane_->setCurrentIndex(text ? 0 : 1);
+    showPicked();
+}
+
+void ImportSheet::showPicked()
+{
+    const auto& listing = listed_.listing;
+    const auto count = pickedCount(listing);
+    const bool lists = !listing.candidates.empty();
+    picked_->setText(lists ? qt(pickedText(listing)) : QString());
+    pickAll_->setEnabled(lists);
+    pickNone_->setEnabled(lists);
+    import_->setText(count > 0 ? tr("Import ") + qt(counted(count, "Photo")) : tr("Import"));
+    import_->setEnabled(count > 0 && !running_);
+    options_->setExample(lists ? &listing.candidates.front() : nullptr, count);
+    candidates_->refresh();
+}
+
+void ImportSheet::start()
+{
+    auto plan = planOf(listed_.listing, source_, options_->options());
+    if (plan.files.empty())
+        throw std::runtime_error(std::string(importWindow::nothingImportable));
+    if (plan.copyTo && plan.copyTo->empty())
+        throw std::runtime_error("Choose a folder for the copies.");
+    running_ = true;
+    failures_->hide();
+    status_->setText(qt(statusText(plan.files.size())));
+    progress_->setRange(0, static_cast<int>(plan.files.size()));
+    progress_->setValue(0);
+    progress_->show();
+    import_->setEnabled(false);
+    sources_->setEnabled(false);
+    importFrom(std::move(plan));
+}
+
+/// What the job needs goes with it: the window may be closed while it runs.
+void ImportSheet::importFrom(ImportPlan plan)
+{
+    const QPointer<ImportSheet> sheet(this);
+    const auto files = listed_.files;
+    auto& desktop = desktop_;
+    const auto work = [sheet, files, &desktop, plan = std::make_shared<ImportPlan>(std::move(plan)),
+                          listing = listed_.listing, source = source_](JobContext& job) {
+        const auto total = plan->files.size();
+        const auto result = runImport(
+            desktop.store().catalog(), *files, *plan, desktop.clock(), job.stop(), [&](std::size_t index) {
+                job.progress(index - 1, total);
+                job.deliver([sheet, index, text = progressText(index, total, nameOf(source))] {
+                    if (!sheet)
+                        return;
+                    sheet->status_->setText(qt(text));
+                    sheet->progress_->setValue(static_cast<int>(index));
+                });
+            });
+        for (auto& text : failuresOf(listing, result))
+            job.fail(std::move(text));
+        auto said = countsText(countsOf(listing, result));
+        if (plan->eject && !result.cancelled) {
+            LinuxVolumes volumes;
+            if (const auto ejected = ejectAfter(result, source, volumes))
+                said += ". " + ejected->text;
+        }
+        return said;
+    };
+    desktop_.jobs().start("Importing from " + nameOf(source_), work, [sheet, &desktop](const Job& job) {
+        desktop.session().photosAdded();
+        if (sheet)
+            sheet->finished(job);
+    });
+    job_ = desktop_.jobs().all().back();
+}
+
+/// The candidates are looked at again, since the library now holds what was imported.
+void ImportSheet::finished(const Job& job)
+{
+    running_ = false;
+    sources_->setEnabled(true);
+    progress_->hide();
+    const auto said = job.summary();
+    const bool failed = !job.failures().empty();
+    list(source_);
+    status_->setText(qt(said));
+    failures_->setVisible(failed);
+}
+
+} // namespace
+
+QWidget* showImportWindow(MainWindow& window, const std::vector<std::filesystem::path>& from)
+{
+    auto* const sheet = showOne<ImportSheet>(window);
+    if (!from.empty())
+        sheet->choose(from);
+    return sheet;
+}
+
+} // namespace korvo

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+class QWidget;
+
+namespace korvo {
+
+class MainWindow;
+
+// Each opens a sheet or window of the menus, or brings the one that is open forward, and returns it. They
+// close and go by themselves, and go with the window.
+
+/// Chooses these files and folders, if any.
+QWidget* showImportWindow(MainWindow& window, const std::vector<std::filesystem::path>& from = {});
+QWidget* showApertureImport(MainWindow& window);
+/// Changes a smart album; without an id makes one.
+QWidget* showSmartAlbumSheet(MainWindow& window, std::optional<std::int64_t> id);
+QWidget* showAutoStackSheet(MainWindow& window);
+QWidget* showNamingPresets(MainWindow& window);
+QWidget* showSettings(MainWindow& window);
+QWidget* showKeys(MainWindow& window);
+QWidget* showAbout(MainWindow& window);
+
+/// The sheet of a name: "import", "smart-album", "auto-stack", "naming", "settings", "keys", "about",
+/// "aperture". Nothing for any other.
+QWidget* showSheet(MainWindow& window, std::string_view name);
+
+} // namespace korvo

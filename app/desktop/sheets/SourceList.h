@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/ImportSource.h"
+#include "app/desktop/Desktop.h"
+#include "metadata/VolumeWatcher.h"
+#include "platform/linux/LinuxCameras.h"
+#include "platform/linux/LinuxVolumes.h"
+
+#include <QTimer>
+#include <QTreeWidget>
+
+namespace korvo {
+
+/// The places that photos can be imported from, in the three sections, kept current while it is shown.
+class SourceList : public QTreeWidget {
+public:
+    /// `desktop` must outlive it.
+    explicit SourceList(Desktop& desktop);
+
+    std::function<void(const Source&)> chosen;
+    std::function<void()> gone; ///< what was chosen is no longer there
+    /// Adds files and folders, and chooses them.
+    void add(const std::vector<std::filesystem::path>& paths);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void watchVolumes();
+    void lookForCameras();
+    void camerasFound(std::vector<ConnectedCamera> cameras, std::string fault);
+    void fill();
+    void fillSection(std::size_t section, const std::vector<Source>& sources, const std::string& fault);
+    void choose(QTreeWidgetItem* item);
+    std::vector<Source> volumeSources() const;
+    std::vector<Source> cameraSources() const;
+
+    Desktop& desktop_;
+    LinuxVolumes volumeService_;
+    std::unique_ptr<VolumeWatcher> watcher_; // none when the system cannot be watched
+    std::string volumeFault_;
+    std::vector<ConnectedCamera> cameras_;
+    std::string cameraFault_;
+    bool isLooking_ = false; // for cameras
+    std::vector<Source> added_;
+    std::vector<Source> listed_; // by the items' numbers
+    std::optional<std::string> current_; // what is chosen, by name and place
+    QTimer cameraTimer_;
+    Connection volumesChanged_;
+    Task cameraTask_; // last, so that it ends first
+};
+
+} // namespace korvo

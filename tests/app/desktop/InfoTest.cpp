@@ -1,0 +1,109 @@
+#include "app/desktop/info/DescriptiveForm.h"
+#include "tests/app/desktop/TestWindow.h"
+
+#include <QPlainTextEdit>
+
+namespace korvo {
+
+namespace {
+
+/// The field of that title in the Info tab.
+QPlainTextEdit& field(TestWindow& t, const char* title)
+{
+    for (auto* const edit : t.window->findChildren<QPlainTextEdit*>())
+        if (edit->accessibleName() == title)
+            return *edit;
+    throw std::out_of_range(title);
+}
+
+void type(TestWindow& t, const char* title, const char* text)
+{
+    auto& edit = field(t, title);
+    edit.setFocus();
+    edit.selectAll();
+    QTest::keyClicks(&edit, text);
+}
+
+void settle()
+{
+    QTest::qWait(20);
+}
+
+} // namespace
+
+TEST(Info, writesOnlyTheTouchedFieldOfManyAndAsOneStep)
+{
+    TestWindow t(3);
+    t.store().setMetadata(
+        std::vector<PhotoID>{1}, {.title = SharedText("One"), .creator = SharedText("Ann")});
+    t.store().select({1, 2});
+    settle();
+    EXPECT_EQ(field(t, "Title").toPlainText(), "");
+    EXPECT_EQ(field(t, "Title").placeholderText(), "Multiple values");
+    EXPECT_EQ(field(t, "Caption").placeholderText(), "") << "empty in both";
+    type(t, "Caption", "A bridge 5");
+    EXPECT_EQ(t.listed(1).metadata.caption, "") << "not before the field is left";
+    t.press(Qt::Key_Tab);
+    EXPECT_EQ(t.listed(1).metadata.caption, "A bridge 5");
+    EXPECT_EQ(t.listed(2).metadata.caption, "A bridge 5");
+    EXPECT_EQ(t.listed(1).metadata.title, "One");
+    EXPECT_EQ(t.listed(1).rating, 0) << "the number belonged to the field";
+    EXPECT_EQ(t.store().undoTitle(), "Change Caption");
+    t.store().undo();
+    settle();
+    EXPECT_EQ(t.listed(2).metadata.caption, "");
+    EXPECT_EQ(field(t, "Caption").toPlainText(), "");
+    EXPECT_EQ(t.listed(1).metadata.creator, "Ann");
+}
+
+TEST(Info, keepsATextForThePhotosItWasTypedFor)
+{
+    TestWindow t(2);
+    t.store().select({1});
+    settle();
+    type(t, "Title", "First");
+    t.store().select({2});
+    settle();
+    EXPECT_EQ(t.listed(1).metadata.title, "First");
+    EXPECT_EQ(t.listed(2).metadata.title, "");
+    EXPECT_EQ(field(t, "Title").toPlainText(), "");
+}
+
+TEST(Info, worksOffAltTextsWithEnter)
+{
+    TestWindow t(4);
+    t.store().chooseSource(LibrarySource{LibrarySource::Kind::noAltText});
+    t.store().select({1});
+    settle();
+    type(t, "ALT Text", "a cat");
+    t.press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(t.store().selection(), std::vector<PhotoID>{2});
+    t.press(Qt::Key_Return); // passed over
+    settle();
+    EXPECT_EQ(t.store().selection(), std::vector<PhotoID>{3});
+    QTest::keyClicks(&field(t, "ALT Text"), "a dog");
+    t.press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(t.store().selection(), std::vector<PhotoID>{4});
+    t.store().chooseSource(std::nullopt);
+    EXPECT_EQ(t.listed(1).metadata.altText, "a cat");
+    EXPECT_EQ(t.listed(2).metadata.altText, "");
+    EXPECT_EQ(t.listed(3).metadata.altText, "a dog");
+}
+
+TEST(Info, editsTheKeywordsThatManyHaveInCommon)
+{
+    TestWindow t(2);
+    t.store().setMetadata(std::vector<PhotoID>{1}, {.keywords = SharedText("sea, sky")});
+    t.store().setMetadata(std::vector<PhotoID>{2}, {.keywords = SharedText("sky")});
+    t.store().select({1, 2});
+    settle();
+    EXPECT_EQ(field(t, "Keywords").toPlainText(), "sky");
+    type(t, "Keywords", "sky, night");
+    t.press(Qt::Key_Tab);
+    EXPECT_EQ(t.listed(1).metadata.keywords, "sea, sky, night");
+    EXPECT_EQ(t.listed(2).metadata.keywords, "sky, night");
+}
+
+} // namespace korvo

@@ -1,0 +1,160 @@
+#include "app/desktop/sheets/Sheets.h"
+#include "metadata/NamingPreset.h"
+#include "tests/app/desktop/TestWindow.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSlider>
+#include <QToolButton>
+
+namespace korvo {
+
+namespace {
+
+template <typename Widget>
+Widget& named(QWidget& sheet, const QString& name)
+{
+    for (auto* const widget : sheet.findChildren<Widget*>())
+        if (widget->isVisibleTo(&sheet)
+            && (widget->accessibleName() == name || widget->property("text") == name))
+            return *widget;
+    throw std::out_of_range(name.toStdString());
+}
+
+bool says(const QWidget& sheet, const QString& text)
+{
+    for (const auto* const label : sheet.findChildren<QLabel*>())
+        if (label->text().contains(text))
+            return true;
+    return false;
+}
+
+bool comesToSay(const QWidget& sheet, const char* text)
+{
+    return QTest::qWaitFor([&] { return says(sheet, text); }, 10'000);
+}
+
+void click(QWidget& sheet, const char* button)
+{
+    named<QPushButton>(sheet, button).click();
+}
+
+} // namespace
+
+TEST(SmartAlbumSheet, countsWhileTypingAndMakesTheAlbum)
+{
+    TestWindow t(3);
+    t.store().setRating(std::vector<PhotoID>{1, 2}, 4);
+    QWidget& sheet = *showSmartAlbumSheet(*t.window, std::nullopt);
+    EXPECT_TRUE(comesToSay(sheet, "2 photos match")) << "three stars to begin with";
+    auto& value = named<QLineEdit>(sheet, "Value");
+    value.setText("many");
+    EXPECT_TRUE(says(sheet, "“Rating” needs a number, as 3, not “many”"));
+    EXPECT_TRUE(comesToSay(sheet, "0 photos match"));
+    value.setText("4");
+    EXPECT_FALSE(named<QPushButton>(sheet, "Create").isEnabled()) << "it has no name yet";
+    sheet.findChildren<QLineEdit*>().front()->setText("Best");
+    click(sheet, "Create");
+    EXPECT_EQ(t.store().tree().smartAlbums.at(0).name, "Best");
+    EXPECT_EQ(t.store().list().shown().size(), 2U) << "it is shown";
+}
+
+TEST(SmartAlbumSheet, keepsRulesThatCannotBeReadHere)
+{
+    TestWindow t(1);
+    constexpr auto later = R"({"rules":[{"field":"mood","op":"is","value":"glad"}]})";
+    const auto id = t.store().catalog().createSmartAlbum("Mood", later);
+    QWidget& sheet = *showSmartAlbumSheet(*t.window, id);
+    EXPECT_TRUE(says(sheet, "cannot be read")) << "and why";
+    EXPECT_TRUE(says(sheet, later));
+    sheet.findChildren<QLineEdit*>().front()->setText("Moods");
+    click(sheet, "Save");
+    EXPECT_EQ(t.store().catalog().smartAlbum(id).name, "Moods");
+    EXPECT_EQ(t.store().catalog().smartAlbum(id).rules, later);
+}
+
+TEST(AutoStackSheet, previewsBeforeAnythingIsWritten)
+{
+    TestWindow t(3);
+    const auto shoot = [&](PhotoID id, double time) { t.store().catalog().shiftCaptureDate(id, time); };
+    shoot(1, 1000);
+    shoot(2, 1020);
+    shoot(3, 5000);
+    t.store().reload();
+    QWidget& sheet = *showAutoStackSheet(*t.window);
+    EXPECT_TRUE(comesToSay(sheet, "Within 10 seconds: No stack"));
+    EXPECT_FALSE(named<QPushButton>(sheet, "Stack").isEnabled());
+    named<QSlider>(sheet, "Interval in seconds").setValue(20);
+    EXPECT_TRUE(comesToSay(sheet, "Within 20 seconds: 1 stack from 2 photos"));
+    EXPECT_TRUE(t.store().catalog().stacks().empty());
+    click(sheet, "Stack");
+    EXPECT_EQ(t.store().catalog().stacks().size(), 1U);
+    EXPECT_EQ(t.store().undoTitle(), "Auto-Stack");
+}
+
+TEST(ImportSheet, importsWhatIsPickedAndLeavesWhatTheLibraryHas)
+{
+    TestWindow t(0);
+    t.folder.write("card/DCIM/100TEST/IMG_1.JPG", "one");
+    t.folder.write("card/DCIM/100TEST/IMG_2.JPG", "two");
+    QWidget& sheet = *showImportWindow(*t.window, {t.folder / "card"});
+    const auto import = [&](const char* expected) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return says(sheet, "will be imported"); }, 10'000));
+        named<QLineEdit>(sheet, "Copy into a folder").setText((t.folder / "Copies").c_str());
+        for (auto* const button : sheet.findChildren<QPushButton*>())
+            if (button->text().startsWith("Import"))
+                button->click();
+        EXPECT_TRUE(comesToSay(sheet, expected));
+    };
+    import("2 photos imported, 0 already in the library, 0 failed");
+    EXPECT_TRUE(std::filesystem::exists(t.folder / "Copies/IMG_1.JPG"));
+    EXPECT_EQ(t.store().list().shown().size(), 2U);
+    EXPECT_TRUE(comesToSay(sheet, "0 of 2 photos will be imported, 2 are already in the library"));
+    auto* const list = sheet.findChild<QListView*>();
+    list->setCurrentIndex(list->model()->index(1, 0));
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_TRUE(says(sheet, "1 of 2 photos will be imported"));
+    import("1 photo imported, 1 already in the library, 0 failed");
+    EXPECT_TRUE(std::filesystem::exists(t.folder / "Copies/IMG_2-2.JPG"))
+        << "the same again, beside the other";
+    sheet.close();
+}
+
+TEST(NamingSheet, keepsEachChange)
+{
+    TestWindow t(1);
+    QWidget& sheet = *showNamingPresets(*t.window);
+    const auto stored = [&] { return NamingPreset::load(t.defaults); };
+    EXPECT_TRUE(says(sheet, "Example: a.jpg"));
+    named<QToolButton>(sheet, "Add a preset").click();
+    auto& pattern = *sheet.findChildren<QLineEdit*>().back();
+    pattern.clear();
+    named<QToolButton>(sheet, "{seq}").click();
+    EXPECT_TRUE(says(sheet, "Example: 001.jpg"));
+    sheet.close();
+    EXPECT_EQ(stored().back().pattern, "{seq}");
+    EXPECT_EQ(stored().back().name, "New Preset");
+    QWidget& again = *showNamingPresets(*t.window);
+    click(again, "Restore Defaults");
+    EXPECT_EQ(stored().size(), NamingPreset::defaults().size());
+}
+
+TEST(Sheets, eachHasAName)
+{
+    TestWindow t(1);
+    for (const auto* name :
+        {"import", "aperture", "smart-album", "auto-stack", "naming", "settings", "keys", "about"}) {
+        QWidget* const sheet = showSheet(*t.window, name);
+        ASSERT_TRUE(sheet) << name;
+        EXPECT_FALSE(sheet->windowTitle().isEmpty()) << name;
+        sheet->close();
+        QTest::qWait(1); // for it to go
+    }
+    EXPECT_FALSE(showSheet(*t.window, "moon"));
+}
+
+} // namespace korvo
