@@ -1,5 +1,6 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
+#include "app/desktop/viewer/Filmstrip.h"
 #include "app/desktop/viewer/FullScreen.h"
 #include "app/desktop/viewer/Pages.h"
 
@@ -23,6 +24,7 @@ public:
         window.setCentre(ViewMode::viewer, single_);
         window.setCentre(ViewMode::compare, compare_);
         window.setCentre(ViewMode::survey, survey_);
+        window.setFilmstrip(new Filmstrip(desktop_));
         commands_.handle(Command::actualSize, [this] { toggleZoom(); });
         commands_.handle(Command::loupe, [this] { toggleLoupe(); });
         commands_.handle(Command::beforeAfter, [this] { toggleVersion(); });

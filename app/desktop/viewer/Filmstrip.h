@@ -1,0 +1,50 @@
+#pragma once
+
+#include "app/desktop/Desktop.h"
+
+#include <QAbstractScrollArea>
+#include <QPixmap>
+
+#include <unordered_map>
+
+namespace korvo {
+
+/// The shown photos in one row, in the grid's order and with its filter, the current one in the middle. It
+/// holds nothing per photo.
+class Filmstrip : public QAbstractScrollArea {
+public:
+    explicit Filmstrip(Desktop& desktop);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    struct Picture {
+        QPixmap pixmap; // null until it is there
+        SharedText edits;
+        Pictures::Handle handle;
+    };
+
+    const PhotoItem& itemAt(std::size_t index) const;
+    std::size_t count() const;
+    /// From the first cell that is in sight to one behind the last.
+    std::pair<std::size_t, std::size_t> visible() const;
+    QRect cell(std::size_t index) const;
+    int cellWidth() const;
+    void layOut();
+    void showCurrent();
+    void want();
+    void load(const PhotoItem& item, PicturePriority priority);
+    void paintCell(QPainter& painter, std::size_t index);
+
+    Desktop& desktop_;
+    std::unordered_map<PhotoID, Picture> pictures_; // of the cells in sight and those next to them
+    Connection storeChanged_, browserChanged_;
+};
+
+} // namespace korvo
