@@ -15,6 +15,8 @@ class Filmstrip : public QAbstractScrollArea {
 public:
     explicit Filmstrip(Desktop& desktop);
 
+    QSize sizeHint() const override { return {cellWidth(), minimumHeight()}; }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
