@@ -4,40 +4,19 @@
 
 namespace korvo {
 
-namespace {
-
-struct NamedSheet {
-    std::string_view name;
-    Command command;
-    QWidget* (*show)(MainWindow&);
-};
-
-constexpr NamedSheet sheets[] = {
-    {"import", Command::import, [](MainWindow& window) { return showImportWindow(window); }},
-    {"aperture", Command::importAperture, showApertureImport},
-    {"smart-album", Command::newSmartAlbum,
-        [](MainWindow& window) { return showSmartAlbumSheet(window, std::nullopt); }},
-    {"auto-stack", Command::autoStack, showAutoStackSheet},
-    {"naming", Command::namingPresets, showNamingPresets},
-    {"settings", Command::settings, showSettings},
-    {"keys", Command::keys, showKeys},
-    {"about", Command::about, showAbout},
-};
-
-} // namespace
-
-QWidget* showSheet(MainWindow& window, std::string_view name)
-{
-    for (const auto& sheet : sheets)
-        if (sheet.name == name)
-            return sheet.show(window);
-    return nullptr;
-}
-
 void addSheets(MainWindow& window)
 {
-    for (const auto& sheet : sheets)
-        window.commands().handle(sheet.command, [&window, show = sheet.show] { show(window); });
+    const auto handle = [&window](Command command, auto show) {
+        window.commands().handle(command, [&window, show] { show(window); });
+    };
+    handle(Command::import, [](MainWindow& over) { showImportWindow(over); });
+    handle(Command::importAperture, showApertureImport);
+    handle(Command::newSmartAlbum, [](MainWindow& over) { showSmartAlbumSheet(over, std::nullopt); });
+    handle(Command::autoStack, showAutoStackSheet);
+    handle(Command::namingPresets, showNamingPresets);
+    handle(Command::settings, showSettings);
+    handle(Command::keys, showKeys);
+    handle(Command::about, showAbout);
 }
 
 } // namespace korvo

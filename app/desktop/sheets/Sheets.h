@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 class QWidget;
@@ -25,9 +24,5 @@ QWidget* showNamingPresets(MainWindow& window);
 QWidget* showSettings(MainWindow& window);
 QWidget* showKeys(MainWindow& window);
 QWidget* showAbout(MainWindow& window);
-
-/// The sheet of a name: "import", "smart-album", "auto-stack", "naming", "settings", "keys", "about",
-/// "aperture". Nothing for any other.
-QWidget* showSheet(MainWindow& window, std::string_view name);
 
 } // namespace korvo

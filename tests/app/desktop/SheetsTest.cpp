@@ -3,6 +3,7 @@
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -143,18 +144,20 @@ TEST(NamingSheet, keepsEachChange)
     EXPECT_EQ(stored().size(), NamingPreset::defaults().size());
 }
 
-TEST(Sheets, eachHasAName)
+TEST(Sheets, openByTheirCommands)
 {
     TestWindow t(1);
-    for (const auto* name :
-        {"import", "aperture", "smart-album", "auto-stack", "naming", "settings", "keys", "about"}) {
-        QWidget* const sheet = showSheet(*t.window, name);
-        ASSERT_TRUE(sheet) << name;
-        EXPECT_FALSE(sheet->windowTitle().isEmpty()) << name;
+    for (const auto command : {Command::import, Command::importAperture, Command::newSmartAlbum,
+             Command::autoStack, Command::namingPresets, Command::settings, Command::keys, Command::about}) {
+        t.window->commands().run(command);
+        auto* const sheet = t.window->findChild<QDialog*>();
+        ASSERT_TRUE(sheet) << static_cast<int>(command);
+        EXPECT_TRUE(sheet->isVisible());
+        EXPECT_FALSE(sheet->windowTitle().isEmpty());
         sheet->close();
-        QTest::qWait(1); // for it to go
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !t.window->findChild<QDialog*>(); }))
+            << "it goes when it is closed";
     }
-    EXPECT_FALSE(showSheet(*t.window, "moon"));
 }
 
 } // namespace korvo
