@@ -66,6 +66,11 @@ std::vector<PhotoID> Browser::targets() const
     return current_ ? std::vector{*current_} : std::vector<PhotoID>();
 }
 
+std::size_t Browser::targetCount() const
+{
+    return mode_ == ViewMode::grid ? store_.selection().size() : current_.has_value();
+}
+
 std::optional<std::size_t> Browser::place() const
 {
     const auto& list = store_.list();

@@ -33,6 +33,7 @@ public:
 
     /// The photos that a command acts on: in the grid all selected, else the current one alone.
     std::vector<PhotoID> targets() const;
+    std::size_t targetCount() const;
 
 private:
     void storeChanged(const LibraryChange& change);

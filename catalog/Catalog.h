@@ -267,10 +267,14 @@ public:
     /// Puts every project and album that has no parent under a new project at the root.
     std::int64_t gatherUnderProject(std::string_view name);
     void renameProject(std::int64_t id, std::string_view name);
+    /// Puts a project below another, or at the root. Throws std::invalid_argument for one that would lie in
+    /// itself.
+    void moveProject(std::int64_t id, std::optional<std::int64_t> parent);
     void deleteProject(std::int64_t id);
     /// No project takes the photos out of theirs. Versions follow their master.
     void assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project);
     std::int64_t createAlbum(std::string_view name, std::optional<std::int64_t> parentProject);
+    void renameAlbum(std::int64_t id, std::string_view name);
     void moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject);
     void deleteAlbum(std::int64_t id);
     void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);

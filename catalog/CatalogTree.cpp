@@ -185,6 +185,17 @@ void Catalog::renameProject(std::int64_t id, std::string_view name)
     changeRow(database_, "project", id, "UPDATE projects SET name = ? WHERE id = ?", name, id);
 }
 
+void Catalog::moveProject(std::int64_t id, std::optional<std::int64_t> parent)
+{
+    Transaction transaction(database_);
+    requireProject(database_, parent);
+    const auto below = withDescendants(id);
+    if (parent && std::find(below.begin(), below.end(), *parent) != below.end())
+        throw std::invalid_argument("a project cannot be put into itself");
+    changeRow(database_, "project", id, "UPDATE projects SET parent_id = ? WHERE id = ?", parent, id);
+    transaction.commit();
+}
+
 void Catalog::deleteProject(std::int64_t id)
 {
     changeRow(database_, "project", id, "DELETE FROM projects WHERE id = ?", id);
@@ -209,6 +220,12 @@ std::int64_t Catalog::createAlbum(std::string_view name, std::optional<std::int6
         "INSERT INTO albums (name, position, parent_id) VALUES (?, ?, ?)", name, position, parentProject);
     transaction.commit();
     return id;
+}
+
+void Catalog::renameAlbum(std::int64_t id, std::string_view name)
+{
+    requireName(name);
+    changeRow(database_, "album", id, "UPDATE albums SET name = ? WHERE id = ?", name, id);
 }
 
 void Catalog::moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject)

@@ -94,13 +94,18 @@ bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key)
     return a.id < b.id;
 }
 
+PhotoTest testOf(std::optional<GridFilter> filter)
+{
+    return [filter](const PhotoItem& item) { return !filter || passes(item, *filter); };
+}
+
 std::vector<std::uint32_t> gridOrder(
-    const std::vector<PhotoItem>& items, std::optional<SortKey> key, std::optional<GridFilter> filter)
+    const std::vector<PhotoItem>& items, std::optional<SortKey> key, const PhotoTest& isShown)
 {
     std::vector<std::uint32_t> order;
     order.reserve(items.size());
     for (std::uint32_t position = 0; position < items.size(); ++position)
-        if (!filter || passes(items[position], *filter))
+        if (isShown(items[position]))
             order.push_back(position);
     if (key)
         std::sort(order.begin(), order.end(), byKey(items, key));
@@ -108,7 +113,7 @@ std::vector<std::uint32_t> gridOrder(
 }
 
 void updateGridOrder(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items,
-    const std::vector<std::uint32_t>& changed, std::optional<SortKey> key, std::optional<GridFilter> filter)
+    const std::vector<std::uint32_t>& changed, std::optional<SortKey> key, const PhotoTest& isShown)
 {
     const auto isChanged = [&](std::uint32_t position) {
         return std::binary_search(changed.begin(), changed.end(), position);
@@ -116,7 +121,7 @@ void updateGridOrder(std::vector<std::uint32_t>& order, const std::vector<PhotoI
     std::erase_if(order, isChanged);
     const auto kept = static_cast<std::ptrdiff_t>(order.size());
     for (const auto position : changed)
-        if (!filter || passes(items[position], *filter))
+        if (isShown(items[position]))
             order.push_back(position);
     std::sort(order.begin() + kept, order.end(), byKey(items, key));
     std::inplace_merge(order.begin(), order.begin() + kept, order.end(), byKey(items, key));

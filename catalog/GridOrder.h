@@ -3,6 +3,7 @@
 #include "catalog/PhotoItem.h"
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -70,12 +71,18 @@ bool passes(const PhotoItem& item, GridFilter filter);
 /// Whether `a` stands before `b`; ties go by file name, then by id. The order is total.
 bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key);
 
+/// Whether a photo is shown.
+using PhotoTest = std::function<bool(const PhotoItem&)>;
+
+/// The test of a filter; every photo passes without one.
+PhotoTest testOf(std::optional<GridFilter> filter);
+
 /// The positions in `items` of the photos shown, in the order shown.
 std::vector<std::uint32_t> gridOrder(
-    const std::vector<PhotoItem>& items, std::optional<SortKey> key, std::optional<GridFilter> filter);
+    const std::vector<PhotoItem>& items, std::optional<SortKey> key, const PhotoTest& isShown);
 
 /// Brings `order` up to date after the items at `changed` (ascending positions) took new values in place.
 void updateGridOrder(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items,
-    const std::vector<std::uint32_t>& changed, std::optional<SortKey> key, std::optional<GridFilter> filter);
+    const std::vector<std::uint32_t>& changed, std::optional<SortKey> key, const PhotoTest& isShown);
 
 } // namespace korvo

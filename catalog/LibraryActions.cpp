@@ -110,6 +110,11 @@ void LibraryStore::renameProject(std::int64_t id, std::string_view name)
     perform("Rename Project", [&](Catalog& catalog) { catalog.renameProject(id, name); });
 }
 
+void LibraryStore::moveProject(std::int64_t id, std::optional<std::int64_t> parent)
+{
+    perform("Move Project", [&](Catalog& catalog) { catalog.moveProject(id, parent); });
+}
+
 void LibraryStore::deleteProject(std::int64_t id)
 {
     perform("Delete Project", [&](Catalog& catalog) { catalog.deleteProject(id); });
@@ -125,6 +130,11 @@ std::int64_t LibraryStore::createAlbum(std::string_view name, std::optional<std:
     std::int64_t id = 0;
     perform("New Album", [&](Catalog& catalog) { id = catalog.createAlbum(name, parentProject); });
     return id;
+}
+
+void LibraryStore::renameAlbum(std::int64_t id, std::string_view name)
+{
+    perform("Rename Album", [&](Catalog& catalog) { catalog.renameAlbum(id, name); });
 }
 
 void LibraryStore::moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject)

@@ -48,4 +48,17 @@ std::optional<LibrarySource> parseSource(std::string_view text)
           "an id");
 }
 
+std::string sourceText(const std::optional<LibrarySource>& source)
+{
+    if (!source)
+        return "all";
+    for (const auto& [name, kind] : fixed)
+        if (kind == source->kind)
+            return std::string(name);
+    for (const auto& [prefix, kind] : numbered)
+        if (kind == source->kind)
+            return std::string(prefix) + std::to_string(source->id);
+    return "all";
+}
+
 } // namespace korvo

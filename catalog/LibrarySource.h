@@ -36,6 +36,9 @@ struct LibrarySource {
 /// "person:3", "flagged", "no-alt", "recent", "videos", "faces", "places". Throws std::invalid_argument.
 std::optional<LibrarySource> parseSource(std::string_view text);
 
+/// The text that parseSource reads; "all" for a source that it cannot name.
+std::string sourceText(const std::optional<LibrarySource>& source);
+
 } // namespace korvo
 
 template <>

@@ -92,6 +92,14 @@ void LibraryStore::arrange(std::optional<SortKey> key, std::optional<GridFilter>
     changed.emit({.photos = {}, .list = true, .selection = repairSelection(first)});
 }
 
+void LibraryStore::narrow(std::span<const SmartAlbumRules> rules)
+{
+    main_.assertCurrent();
+    const auto first = firstSelectedPosition();
+    list_.narrow(rules);
+    changed.emit({.photos = {}, .list = true, .selection = repairSelection(first)});
+}
+
 void LibraryStore::select(std::vector<PhotoID> ids)
 {
     main_.assertCurrent();

@@ -44,6 +44,8 @@ public:
 
     void chooseSource(std::optional<LibrarySource> source);
     void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
+    /// Shows only photos that match all of these too; what the search field and the filter bar leave.
+    void narrow(std::span<const SmartAlbumRules> rules);
     void select(std::vector<PhotoID> ids);
 
     // What the user does
@@ -67,9 +69,11 @@ public:
         std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
     std::int64_t gatherUnderProject(std::string_view name);
     void renameProject(std::int64_t id, std::string_view name);
+    void moveProject(std::int64_t id, std::optional<std::int64_t> parent);
     void deleteProject(std::int64_t id);
     void assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project);
     std::int64_t createAlbum(std::string_view name, std::optional<std::int64_t> parentProject);
+    void renameAlbum(std::int64_t id, std::string_view name);
     void moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject);
     void deleteAlbum(std::int64_t id);
     void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);

@@ -55,8 +55,21 @@ void PhotoList::arrange(std::optional<SortKey> key, std::optional<GridFilter> fi
 {
     sortKey_ = key;
     filter_ = filter;
-    order_ = gridOrder(items_, sortKey_, filter_);
+    order_ = gridOrder(items_, sortKey_, test());
     arrangeStacks();
+}
+
+void PhotoList::narrow(std::span<const SmartAlbumRules> rules)
+{
+    narrowing_ = {rules.begin(), rules.end()};
+    arrange(sortKey_, filter_);
+}
+
+bool PhotoList::isShown(const PhotoItem& item) const
+{
+    return (!filter_ || passes(item, *filter_))
+        && std::all_of(narrowing_.begin(), narrowing_.end(),
+            [&](SmartAlbumMatcher& matcher) { return matcher.matches(item); });
 }
 
 void PhotoList::arrangeStacks()
@@ -75,7 +88,7 @@ void PhotoList::setStacks(const std::vector<Stack>& stacks)
 std::optional<PhotoID> PhotoList::shownFor(PhotoID id) const
 {
     const PhotoItem* const item = find(id);
-    if (!item || (filter_ && !passes(*item, *filter_)))
+    if (!item || !isShown(*item))
         return std::nullopt;
     const auto hidden = hidden_.find(id);
     return hidden == hidden_.end() ? id : hidden->second;
@@ -97,7 +110,7 @@ bool PhotoList::update(std::vector<PhotoItem> changed, const std::unordered_set<
 bool PhotoList::updateInPlace(std::vector<PhotoItem> changed)
 {
     const auto standsElsewhere = [this](const PhotoItem& before, const PhotoItem& after) {
-        if (filter_ && passes(before, *filter_) != passes(after, *filter_))
+        if (isShown(before) != isShown(after))
             return true;
         return sortKey_ && (standsBefore(before, after, *sortKey_) || standsBefore(after, before, *sortKey_));
     };
@@ -113,7 +126,7 @@ bool PhotoList::updateInPlace(std::vector<PhotoItem> changed)
     moved.erase(std::unique(moved.begin(), moved.end()), moved.end());
     if (moved.empty())
         return false;
-    updateGridOrder(order_, items_, moved, sortKey_, filter_);
+    updateGridOrder(order_, items_, moved, sortKey_, test());
     arrangeStacks();
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "catalog/GridOrder.h"
 #include "catalog/PhotoItem.h"
+#include "catalog/SmartAlbumMatcher.h"
 #include "catalog/StackPlaces.h"
 
 #include <optional>
@@ -20,6 +21,8 @@ public:
     const std::vector<std::uint32_t>& shown() const { return shown_; }
     std::optional<SortKey> sortKey() const { return sortKey_; }
     std::optional<GridFilter> filter() const { return filter_; }
+    /// Whether rules hide photos that pass the filter.
+    bool isNarrowed() const { return !narrowing_.empty(); }
 
     /// The photo of an id; null when it is not in the list.
     const PhotoItem* find(PhotoID id) const;
@@ -34,6 +37,8 @@ public:
     /// All stacks of the library, whose members stand together or behind their pick.
     void setStacks(const std::vector<Stack>& stacks);
     void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
+    /// Shows only photos that match all of these too.
+    void narrow(std::span<const SmartAlbumRules> rules);
 
     /// Takes new values for listed photos, adds others, and drops `gone`. A photo that was not listed goes
     /// where its file name stands, as in every source whose membership can change photo by photo. Returns
@@ -46,6 +51,11 @@ private:
     void rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone);
     void index();
     void arrangeStacks();
+    bool isShown(const PhotoItem& item) const;
+    PhotoTest test() const
+    {
+        return [this](const PhotoItem& item) { return isShown(item); };
+    }
 
     std::vector<PhotoItem> items_;
     std::vector<std::uint32_t> byID_; // positions in items_, ascending by id
@@ -55,6 +65,7 @@ private:
     StackPlaces stacks_;
     std::optional<SortKey> sortKey_;
     std::optional<GridFilter> filter_ = GridFilter::unratedOrBetter;
+    mutable std::vector<SmartAlbumMatcher> narrowing_; // they keep room for the texts they fold
 };
 
 } // namespace korvo

@@ -29,6 +29,7 @@ constexpr CommandInfo table[] = {
     {C::newProject, M::library, nullptr, "New Project…", ""},
     {C::newAlbum, M::library, nullptr, "New Album…", "Ctrl+N"},
     {C::newSmartAlbum, M::library, nullptr, "New Smart Album…", "Ctrl+Alt+N"},
+    {C::editSmartAlbum, M::library, nullptr, "Edit Smart Album…", ""},
     {C::newKeyword, M::library, nullptr, "New Keyword…", ""},
     line(M::library),
     {C::saveMetadata, M::library, nullptr, "Write Metadata to Files", "Ctrl+S"},
@@ -48,7 +49,7 @@ constexpr CommandInfo table[] = {
     {C::selectNone, M::edit, nullptr, "Select None", "Ctrl+D", N::photos},
     {C::find, M::edit, nullptr, "Search", "Ctrl+F"},
     line(M::edit),
-    {C::rename, M::edit, nullptr, "Rename", ""},
+    {C::rename, M::edit, nullptr, "Rename", "F2"},
     {C::remove, M::edit, nullptr, "Remove from Album or Reject", "Del", N::photos},
     {C::removeFromLibrary, M::edit, nullptr, "Remove from Library…", "Ctrl+Del", N::photos},
 

@@ -18,6 +18,8 @@ constexpr std::array<std::pair<CommandMenu, const char*>, 5> menus{
     {{CommandMenu::library, "&Library"}, {CommandMenu::edit, "&Edit"}, {CommandMenu::photo, "&Photo"},
         {CommandMenu::view, "&View"}, {CommandMenu::help, "&Help"}}};
 
+constexpr std::size_t mostLookedThrough = 1000;
+
 std::size_t indexOf(Command command)
 {
     return static_cast<std::size_t>(command);
@@ -90,25 +92,36 @@ void Commands::setChecked(Command command, bool checked)
     action(command)->setChecked(checked);
 }
 
-bool Commands::isPossible(const CommandInfo& info) const
+Commands::Situation Commands::situation() const
 {
     auto& store = desktop_.store();
+    const auto photos = desktop_.browser().targetCount();
+    return {.shown = !store.list().shown().empty(),
+        .photos = photos,
+        // Looking through very many takes longer than a click that does nothing.
+        .stacked = photos > mostLookedThrough || isStacked(store, desktop_.browser().targets()),
+        .undo = store.undoTitle().has_value(),
+        .redo = store.redoTitle().has_value()};
+}
+
+bool Commands::isPossible(const CommandInfo& info, const Situation& now) const
+{
     const auto has = [&] {
         switch (info.needs) {
         case CommandNeeds::nothing:
             return true;
         case CommandNeeds::shown:
-            return !store.list().shown().empty();
+            return now.shown;
         case CommandNeeds::photos:
-            return !desktop_.browser().targets().empty();
+            return now.photos > 0;
         case CommandNeeds::several:
-            return desktop_.browser().targets().size() > 1;
+            return now.photos > 1;
         case CommandNeeds::stacked:
-            return isStacked(store, desktop_.browser().targets());
+            return now.stacked;
         case CommandNeeds::undo:
-            return store.undoTitle().has_value();
+            return now.undo;
         case CommandNeeds::redo:
-            return store.redoTitle().has_value();
+            return now.redo;
         }
         return false;
     };
@@ -118,9 +131,10 @@ bool Commands::isPossible(const CommandInfo& info) const
 
 void Commands::refresh()
 {
+    const auto now = situation();
     for (const auto& info : commandTable())
         if (info.text)
-            action(info.id)->setEnabled(isPossible(info));
+            action(info.id)->setEnabled(isPossible(info, now));
     const auto title = [](const char* verb, const std::optional<std::string>& step) {
         return QString(verb) + (step ? " " + qt(*step) : QString());
     };
@@ -130,22 +144,25 @@ void Commands::refresh()
 
 void Commands::fillMenus(QMenuBar& bar)
 {
-    for (const auto& [id, title] : menus) {
-        QMenu* const menu = bar.addMenu(QString::fromUtf8(title));
-        QMenu* sub = nullptr;
-        for (const auto& info : commandTable()) {
-            if (info.menu != id)
-                continue;
-            if (!info.submenu)
-                sub = nullptr;
-            else if (!sub || sub->title() != QString::fromUtf8(info.submenu))
-                sub = menu->addMenu(QString::fromUtf8(info.submenu));
-            QMenu* const target = sub ? sub : menu;
-            if (info.text)
-                target->addAction(action(info.id));
-            else
-                target->addSeparator();
-        }
+    for (const auto& [id, title] : menus)
+        fillMenu(*bar.addMenu(QString::fromUtf8(title)), id);
+}
+
+void Commands::fillMenu(QMenu& menu, CommandMenu which)
+{
+    QMenu* sub = nullptr;
+    for (const auto& info : commandTable()) {
+        if (info.menu != which)
+            continue;
+        if (!info.submenu)
+            sub = nullptr;
+        else if (!sub || sub->title() != QString::fromUtf8(info.submenu))
+            sub = menu.addMenu(QString::fromUtf8(info.submenu));
+        QMenu& target = sub ? *sub : menu;
+        if (info.text)
+            target.addAction(action(info.id));
+        else
+            target.addSeparator();
     }
 }
 

@@ -24,6 +24,7 @@
 #include <functional>
 #include <span>
 
+class QMenu;
 class QMenuBar;
 
 namespace korvo {
@@ -32,7 +33,7 @@ namespace korvo {
 enum class Command {
     // Library
     newLibrary, openLibrary, addFolder, import, importAperture, exportPhotos, saveMetadata, revertMetadata,
-    newProject, newAlbum, newSmartAlbum, newKeyword, autoStack, namingPresets, settings, quit,
+    newProject, newAlbum, newSmartAlbum, editSmartAlbum, newKeyword, autoStack, namingPresets, settings, quit,
     // Edit
     undo, redo, selectAll, selectNone, remove, removeFromLibrary, rename, find, copyAdjustments, pasteAdjustments,
     // Photo
@@ -102,6 +103,7 @@ public:
     bool advance() const { return advance_; }
 
     void fillMenus(QMenuBar& bar);
+    void fillMenu(QMenu& menu, CommandMenu which);
     /// Makes the keys that count in the centre work in this widget and what is in it.
     void addCentre(QWidget& widget);
     /// Looks again at which commands are possible; done by itself when the library or the browser changes.
@@ -112,7 +114,14 @@ protected:
 
 private:
     void makeActions(QWidget& window);
-    bool isPossible(const CommandInfo& info) const;
+
+    struct Situation {
+        bool shown;
+        std::size_t photos;
+        bool stacked, undo, redo;
+    };
+    Situation situation() const;
+    bool isPossible(const CommandInfo& info, const Situation& now) const;
 
     Desktop& desktop_;
     std::array<QAction*, static_cast<std::size_t>(Command::count)> actions_{};

@@ -48,6 +48,9 @@ public:
     ImageReader& imageReader() { return reader_; }
     const ExifTool& exifTool() const { return tool_.tool; }
 
+    /// Whether pictures or jobs are still to come.
+    bool isBusy() const { return pictures_.waiting() > 0 || jobs_.running(); }
+
     Signal<const Notice&> noticed;
     /// Shows a line that goes after five seconds, with a button that takes the last action back if offered.
     void say(std::string text, Offer offer = Offer::nothing);

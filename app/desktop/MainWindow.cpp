@@ -1,16 +1,30 @@
 #include "app/desktop/MainWindow.h"
 
+#include "app/desktop/Adding.h"
 #include "app/desktop/Parts.h"
+#include "app/desktop/PhotoDrag.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/WindowMemory.h"
 
 #include <QApplication>
+#include <QDataStream>
+#include <QDropEvent>
+#include <QIODevice>
+#include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTabWidget>
 
 namespace korvo {
+
+namespace {
+
+constexpr std::chrono::seconds lookForOthers{2};
+
+} // namespace
 
 MainWindow::MainWindow(Desktop& desktop)
     : desktop_(desktop), commands_(desktop, *this), columns_(new QSplitter(Qt::Horizontal)),
@@ -24,9 +38,18 @@ MainWindow::MainWindow(Desktop& desktop)
     for (const auto splitter : {middle_, columns_})
         splitter->setChildrenCollapsible(false);
     setCentralWidget(columns_);
+    setAcceptDrops(true);
+    setWindowTitle(qt(desktop.store().catalog().libraryURL().filename().string()) + " — Korvo");
+    inspector_->setMinimumWidth(250);
+    inspector_->setAccessibleName("Inspector");
+    inspector_->setDocumentMode(true);
     makeCommands();
+    addMarking(*this);
+    addLibraryCommands(*this);
     addSidebar(*this);
     addGrid(*this);
+    addToolbar(*this);
+    addStatusLine(*this);
     addViewer(*this);
     addInfo(*this);
     addAdjust(*this);
@@ -34,7 +57,15 @@ MainWindow::MainWindow(Desktop& desktop)
     commands_.fillMenus(*menuBar());
     commands_.addCentre(*middle_);
     browserChanged_ = desktop_.browser().changed.connect([this] { showMode(); });
+    connect(&otherProcesses_, &QTimer::timeout, this,
+        [this] { desktop_.attempt([this] { desktop_.store().reloadIfChangedElsewhere(); }); });
+    otherProcesses_.start(lookForOthers);
+    for (const auto command : {Command::sidebar, Command::inspector, Command::filmstrip})
+        commands_.setChecked(command, true);
     showMode();
+    columns_->setSizes({220, 780, 280});
+    if (centre())
+        centre()->setFocus();
 }
 
 MainWindow::~MainWindow()
@@ -69,6 +100,101 @@ void MainWindow::addInspectorTab(const QString& title, QWidget* widget)
     inspector_->addTab(widget, title);
 }
 
+void MainWindow::search(const std::string& words)
+{
+    if (desktop_.store().source())
+        desktop_.store().chooseSource(std::nullopt);
+    searchField(words);
+}
+
+void MainWindow::addDropped(const QMimeData& dropped)
+{
+    std::vector<std::filesystem::path> paths;
+    for (const auto& url : dropped.urls())
+        if (url.isLocalFile())
+            paths.push_back(pathOf(url.toLocalFile()));
+    addToLibrary(desktop_, std::move(paths));
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls() && draggedPhotos(*event->mimeData()).empty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction); // the files stay where they are
+    event->accept();
+    addDropped(*event->mimeData());
+}
+
+QByteArray MainWindow::saveSides() const
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << columns_->saveState() << middle_->saveState() << !sidebar_->isHidden()
+           << !inspector_->isHidden() << filmstripWanted_ << inspector_->currentIndex();
+    return bytes;
+}
+
+void MainWindow::restoreSides(const QByteArray& bytes)
+{
+    QDataStream stream(bytes);
+    QByteArray columns, middle;
+    bool sidebar = true, inspector = true, filmstrip = true;
+    int tab = 0;
+    stream >> columns >> middle >> sidebar >> inspector >> filmstrip >> tab;
+    if (stream.status() != QDataStream::Ok)
+        return;
+    columns_->restoreState(columns);
+    middle_->restoreState(middle);
+    sidebar_->setVisible(sidebar);
+    inspector_->setVisible(inspector);
+    inspector_->setCurrentIndex(tab);
+    filmstripWanted_ = filmstrip;
+    commands_.setChecked(Command::sidebar, sidebar);
+    commands_.setChecked(Command::inspector, inspector);
+    commands_.setChecked(Command::filmstrip, filmstrip);
+    showMode();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    rememberWindow(*this);
+    QMainWindow::closeEvent(event);
+    QApplication::quit(); // also while a full-screen photo or a sheet is open
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        desktop_.attempt([this] { desktop_.store().reloadIfChangedElsewhere(); });
+}
+
+void MainWindow::showPhotoMenu(QPoint at)
+{
+    if (desktop_.browser().targets().empty())
+        return;
+    QMenu menu(this);
+    commands_.fillMenu(menu, CommandMenu::photo);
+    menu.addSeparator();
+    for (const auto command : {Command::copyAdjustments, Command::pasteAdjustments, Command::exportPhotos,
+             Command::remove, Command::removeFromLibrary})
+        menu.addAction(commands_.action(command));
+    menu.exec(at);
+}
+
+void MainWindow::showLabelMenu(QPoint at)
+{
+    QMenu menu(this);
+    for (const auto& info : commandTable())
+        if (info.submenu && info.text && QString("Label") == info.submenu)
+            menu.addAction(commands_.action(info.id));
+    menu.exec(at);
+}
+
 QWidget* MainWindow::centre() const
 {
     return stack_->currentWidget();
@@ -100,11 +226,12 @@ void MainWindow::makeCommands()
     commands_.handle(Command::undo, [this] { desktop_.store().undo(); });
     commands_.handle(Command::redo, [this] { desktop_.store().redo(); });
     commands_.handle(Command::quit, [this] { close(); });
-    commands_.handle(Command::hideSides, [this] { setSidesShown(!inspector_->isVisible()); });
+    commands_.handle(Command::hideSides, [this] { setSidesShown(inspector_->isHidden()); });
     commands_.handle(Command::sidebar, [this] { toggle(Command::sidebar, sidebar_); });
     commands_.handle(Command::inspector, [this] { toggle(Command::inspector, inspector_); });
     commands_.handle(Command::filmstrip, [this] {
         filmstripWanted_ = !filmstripWanted_;
+        commands_.setChecked(Command::filmstrip, filmstripWanted_);
         showMode();
     });
     commands_.handle(
@@ -132,14 +259,16 @@ void MainWindow::setSidesShown(bool shown)
     inspector_->setVisible(shown);
     if (sidebar_)
         sidebar_->setVisible(shown);
+    for (const auto command : {Command::sidebar, Command::inspector})
+        commands_.setChecked(command, shown);
 }
 
 void MainWindow::toggle(Command command, QWidget* widget)
 {
     if (!widget)
         return;
-    widget->setVisible(!widget->isVisible());
-    commands_.setChecked(command, widget->isVisible());
+    widget->setVisible(widget->isHidden());
+    commands_.setChecked(command, !widget->isHidden());
 }
 
 void MainWindow::showMode()

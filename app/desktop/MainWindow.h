@@ -3,7 +3,9 @@
 #include "app/desktop/Commands.h"
 
 #include <QMainWindow>
+#include <QTimer>
 
+class QMimeData;
 class QSplitter;
 class QStackedWidget;
 class QTabWidget;
@@ -29,8 +31,28 @@ public:
     void setFilmstrip(QWidget* widget);
     void addInspectorTab(const QString& title, QWidget* widget);
 
+    /// Which sides are shown and how wide they are, as bytes to be kept.
+    QByteArray saveSides() const;
+    void restoreSides(const QByteArray& bytes);
+
+    /// Searches all photos for these words, as if they were typed into the search field.
+    void search(const std::string& words);
+    std::function<void(const std::string&)> searchField; ///< set by the toolbar
+    /// Takes dropped files and folders into the library.
+    void addDropped(const QMimeData& dropped);
+
+    // Menus at a place of the screen, for the photos that commands act on.
+    void showPhotoMenu(QPoint at);
+    void showLabelMenu(QPoint at);
+
     /// The widget the centre shows now, for the focus.
     QWidget* centre() const;
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void makeCommands();
@@ -50,6 +72,7 @@ private:
     QWidget* filmstrip_ = nullptr;
     bool filmstripWanted_ = true;
     std::array<QWidget*, 5> centres_{}; // by mode
+    QTimer otherProcesses_; // when to look for what they have changed
     Connection browserChanged_;
 };
 

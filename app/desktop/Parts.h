@@ -8,6 +8,10 @@ class MainWindow;
 // are children of the window and live as long as it.
 
 void addGrid(MainWindow& window);
+void addMarking(MainWindow& window); ///< the keys that rate, flag, reject and label
+void addLibraryCommands(MainWindow& window); ///< libraries, folders, albums, stacks, removing
+void addToolbar(MainWindow& window);
+void addStatusLine(MainWindow& window);
 void addSidebar(MainWindow& window);
 void addViewer(MainWindow& window); ///< viewer, compare, survey, full screen, filmstrip
 void addAdjust(MainWindow& window); ///< the Adjust tab, and the commands on adjustments

@@ -70,9 +70,11 @@ Pictures::Handle Pictures::load(PictureRequest request, Done done)
         waiting_[priority].push_back(order);
     }
     asked_.notify_one();
+    ++waitingFor_;
     // The handle is not the order: a worker that holds one would keep it from being dropped.
-    return {order.get(), [order](void*) {
-                order->done = nullptr;
+    return {order.get(), [this, order](void*) {
+                if (std::exchange(order->done, nullptr))
+                    --waitingFor_;
                 order->stop.request_stop();
             }};
 }
@@ -104,24 +106,35 @@ void Pictures::work(const std::stop_token& stop)
         } catch (const std::exception& error) { // it is shown in the picture's place
             fault = qt(error.what());
         }
-        main_.post([order, image, fault] {
-            if (order->done)
-                std::exchange(order->done, nullptr)(image, fault);
+        main_.post([this, order, image, fault] {
+            if (const auto done = std::exchange(order->done, nullptr)) {
+                --waitingFor_;
+                done(image, fault);
+            }
         });
     }
 }
 
-QImage Pictures::picture(const Order& order)
+namespace {
+
+RenderJob jobOf(const PictureRequest& request)
 {
-    const auto& request = order.request;
     RenderJob job{
         .file = request.file, .edits = {}, .size = keptSize(request.size), .source = request.source};
     if (!request.editsJSON.empty())
         job.edits = fromJson<PhotoEdits>(request.editsJSON.view());
+    return job;
+}
+
+} // namespace
+
+QImage Pictures::picture(const Order& order)
+{
+    const auto job = jobOf(order.request);
     const auto stop = order.stop.get_token();
     if (job.size == 0) // too large to be kept
-        return fitted(imageOf(renderPhoto(reader_, job, stop).image), request.size);
-    return fitted(imageOf(previews_.preview(job, stop)), request.size);
+        return fitted(imageOf(renderPhoto(reader_, job, stop).image), order.request.size);
+    return fitted(imageOf(previews_.preview(job, stop)), order.request.size);
 }
 
 } // namespace korvo

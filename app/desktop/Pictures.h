@@ -49,6 +49,9 @@ public:
     /// `done` is called later, on the main thread. Those of one priority are served in the order of asking.
     [[nodiscard]] Handle load(PictureRequest request, Done done);
 
+    /// How many were asked for and are not there yet.
+    std::size_t waiting() const { return waitingFor_; }
+
 private:
     struct Order;
 
@@ -59,6 +62,7 @@ private:
     MainThread& main_;
     ImageReader& reader_;
     Previews previews_;
+    std::size_t waitingFor_ = 0;
     std::mutex mutex_;
     std::condition_variable_any asked_;
     std::array<std::list<std::weak_ptr<Order>>, 3> waiting_; // by priority

@@ -1,31 +1,145 @@
 #include "app/Libraries.h"
+#include "app/desktop/Adding.h"
+#include "app/desktop/FirstStart.h"
+#include "app/desktop/Instance.h"
 #include "app/desktop/MainWindow.h"
+#include "app/desktop/Screenshot.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/Theme.h"
+#include "app/desktop/WindowMemory.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
+#include <QMessageBox>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+namespace korvo {
+
+namespace {
+
+struct Options {
+    std::optional<std::filesystem::path> library;
+    std::optional<ScreenshotRequest> screenshot;
+    std::vector<std::filesystem::path> add;
+};
+
+/// Pictures are taken without a display.
+void chooseSystem(int argc, char** argv)
+{
+    const bool takesPicture = std::any_of(
+        argv, argv + argc, [](const char* text) { return std::strncmp(text, "--screenshot", 12) == 0; });
+    if (takesPicture && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+QSize sizeOf(const QString& text)
+{
+    const auto sides = text.split('x');
+    const QSize size = sides.size() == 2 ? QSize(sides[0].toInt(), sides[1].toInt()) : QSize();
+    if (size.width() < 320 || size.height() < 240 || size.width() > 16384 || size.height() > 16384)
+        throw std::invalid_argument("--size takes WIDTHxHEIGHT, such as 1280x800");
+    return size;
+}
+
+Options parsed(const QApplication& application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Manages and edits photos that stay where they are.");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOption({"library", "The folder of the library; else the one opened last.", "DIR"});
+    parser.addOption({"screenshot", "Writes a picture of the window as PNG and ends.", "FILE"});
+    parser.addOption({"view",
+        "What the picture shows: grid, viewer, compare, survey, import, smart-album, auto-stack, "
+        "naming or settings.",
+        "VIEW", "grid"});
+    parser.addOption({"size", "The size of the picture's window.", "WxH", "1280x800"});
+    parser.addPositionalArgument("FOLDER", "Photos to add to the library.", "[FOLDER…]");
+    parser.process(application);
+    Options options;
+    if (parser.isSet("library"))
+        options.library = std::filesystem::absolute(pathOf(parser.value("library")));
+    if (parser.isSet("screenshot"))
+        options.screenshot = {parser.value("screenshot"), parser.value("view"), sizeOf(parser.value("size"))};
+    for (const auto& path : parser.positionalArguments())
+        options.add.push_back(std::filesystem::absolute(pathOf(path)));
+    return options;
+}
+
+/// The library that is asked for, the one opened last, or what the user chooses at the first start; nothing
+/// when the user does not want any.
+std::optional<FirstStart> startWith(const Options& options, const Defaults& defaults)
+{
+    if (options.library)
+        return FirstStart{*options.library, options.add};
+    if (const char* const named = std::getenv("KORVO_LIBRARY"); named && *named)
+        return FirstStart{named, options.add};
+    if (const auto last = lastLibrary(defaults))
+        return FirstStart{*last, options.add};
+    if (options.screenshot)
+        throw std::runtime_error("no library yet: name one with --library DIR");
+    if (!options.add.empty())
+        return FirstStart{picturesFolder() / "Korvo Library", options.add};
+    return askAtFirstStart();
+}
+
+int run(const Options& options)
+{
+    FileDefaults defaults(userDefaultsFolder());
+    const SystemClock clock;
+    const auto start = startWith(options, defaults);
+    if (!start)
+        return 0;
+    if (!options.screenshot && Instance::bringForward(start->library, start->add))
+        return 0;
+    QtMainThread main;
+    Desktop desktop(main, openLibrary(start->library, clock, defaults), clock, defaults);
+    MainWindow window(desktop);
+    if (options.screenshot) {
+        window.resize(options.screenshot->size);
+        window.show();
+        takeScreenshot(window, *options.screenshot);
+        return QApplication::exec();
+    }
+    const Instance instance(start->library, [&](Instance::Paths add) {
+        window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+        window.raise();
+        window.activateWindow();
+        addToLibrary(desktop, std::move(add));
+    });
+    restoreWindow(window);
+    window.show();
+    addToLibrary(desktop, start->add);
+    return QApplication::exec();
+}
+
+} // namespace
+
+} // namespace korvo
 
 int main(int argc, char** argv)
 {
     using namespace korvo;
+    chooseSystem(argc, argv);
     QApplication application(argc, argv);
     QApplication::setApplicationName("korvo-desktop");
     QApplication::setApplicationDisplayName("Korvo");
     QApplication::setApplicationVersion(KORVO_VERSION);
+    QGuiApplication::setDesktopFileName("korvo");
+    applyTheme(application);
     try {
-        FileDefaults defaults(userDefaultsFolder());
-        const SystemClock clock;
-        QtMainThread main;
-        const auto folder = lastLibrary(defaults).value_or(picturesFolder() / "Korvo Library");
-        Desktop desktop(main, openLibrary(folder, clock, defaults), clock, defaults);
-        MainWindow window(desktop);
-        window.resize(1280, 800);
-        window.show();
-        return QApplication::exec();
+        return run(parsed(application));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "korvo-desktop: %s\n", error.what());
-        return 1;
+        if (QGuiApplication::platformName() != "offscreen")
+            QMessageBox::critical(nullptr, "Korvo", qt(error.what()));
+        return dynamic_cast<const std::invalid_argument*>(&error) ? 2 : 1;
     }
 }

@@ -1,8 +1,18 @@
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
+#include "app/desktop/grid/GridView.h"
 
 namespace korvo {
 
-void addGrid(MainWindow&) { }
+void addGrid(MainWindow& window)
+{
+    auto* const grid = new GridView(window);
+    window.setCentre(ViewMode::grid, grid);
+    auto& commands = window.commands();
+    constexpr int step = 24;
+    commands.handle(
+        Command::largerThumbnails, [grid] { grid->setThumbnailSize(grid->thumbnailSize() + step); });
+    commands.handle(
+        Command::smallerThumbnails, [grid] { grid->setThumbnailSize(grid->thumbnailSize() - step); });
+}
 
 } // namespace korvo

@@ -1,0 +1,243 @@
+#include "app/SidebarTree.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <map>
+
+namespace korvo {
+
+namespace {
+
+using Kind = SidebarNode::Kind;
+using Source = LibrarySource::Kind;
+using Parent = std::optional<std::int64_t>;
+
+enum Heading : std::int64_t { library, folders, projects, smartAlbums, keywords, people };
+
+struct OwnSource {
+    Source source;
+    const char* name;
+};
+constexpr std::array ownSources{OwnSource{Source::flagged, "Flagged"},
+    OwnSource{Source::recentlyAdded, "Recently Added"}, OwnSource{Source::videos, "Videos"},
+    OwnSource{Source::noAltText, "No ALT Text"}, OwnSource{Source::faces, "Faces"},
+    OwnSource{Source::places, "Places"}};
+
+SidebarNode heading(Heading which, const char* name, std::vector<SidebarNode> children)
+{
+    return {Kind::heading, which, name, std::nullopt, {}, std::move(children)};
+}
+
+std::vector<SidebarNode> libraryLines(const LibraryTotals& totals)
+{
+    std::vector<SidebarNode> lines{{Kind::all, 0, "All Photos", totals.photos}};
+    for (const auto& own : ownSources)
+        lines.push_back({Kind::source, static_cast<std::int64_t>(own.source), own.name,
+            own.source == Source::noAltText ? std::optional(totals.withoutAltText) : std::nullopt});
+    return lines;
+}
+
+std::vector<SidebarNode> folderLines(const std::vector<FolderRow>& rows)
+{
+    std::vector<SidebarNode> lines;
+    for (const auto& row : rows) {
+        const auto name = std::filesystem::path(row.path).filename().string();
+        lines.push_back({Kind::folder, row.id, name.empty() ? row.path : name, std::nullopt, row.path});
+    }
+    return lines;
+}
+
+using AlbumsByParent = std::map<Parent, std::vector<SidebarNode>>;
+
+AlbumsByParent albumLines(const std::vector<AlbumRow>& rows)
+{
+    AlbumsByParent lines;
+    for (const auto& row : rows)
+        lines[row.parentID].push_back({Kind::album, row.id, row.name, row.count});
+    return lines;
+}
+
+std::vector<SidebarNode> projectLines(const std::vector<ProjectNode>& nodes, AlbumsByParent& albums)
+{
+    std::vector<SidebarNode> lines;
+    for (const auto& node : nodes) {
+        SidebarNode line{
+            Kind::project, node.id, node.name, node.count, {}, projectLines(node.children, albums)};
+        if (auto own = albums.extract(node.id))
+            std::move(own.mapped().begin(), own.mapped().end(), std::back_inserter(line.children));
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+std::vector<SidebarNode> keywordLines(const std::vector<KeywordRow>& rows, Parent parent)
+{
+    std::vector<SidebarNode> lines;
+    for (const auto& row : rows)
+        if (row.parentID == parent)
+            lines.push_back({Kind::keyword, row.id, row.name, std::nullopt, {}, keywordLines(rows, row.id)});
+    return lines;
+}
+
+template <typename Row>
+std::vector<SidebarNode> lines(Kind kind, const std::vector<Row>& rows)
+{
+    std::vector<SidebarNode> result;
+    for (const auto& row : rows)
+        result.push_back({kind, row.id, row.name, std::nullopt});
+    return result;
+}
+
+void addKeyword(LibraryStore& store, const std::string& keyword, std::span<const PhotoID> ids)
+{
+    store.perform("Add Keyword", [&](Catalog& catalog) {
+        for (const auto& item : catalog.photosByID(ids)) {
+            auto words = splitKeywords(item.metadata.keywords);
+            if (std::find(words.begin(), words.end(), keyword) != words.end())
+                continue;
+            words.push_back(keyword);
+            MetadataChange change;
+            change.keywords = joinKeywords(words);
+            catalog.changeMetadata({{item.id}}, change, WriteBack::pending);
+        }
+    });
+}
+
+} // namespace
+
+std::vector<SidebarNode> sidebarTree(const LibraryTree& tree)
+{
+    auto albums = albumLines(tree.albums);
+    auto projectsAndAlbums = projectLines(tree.projects, albums);
+    for (auto& [parent, left] : albums) // at the root, and any whose project is gone
+        std::move(left.begin(), left.end(), std::back_inserter(projectsAndAlbums));
+    auto persons = lines(Kind::person, tree.people);
+    for (std::size_t i = 0; i < persons.size(); ++i)
+        persons[i].count = tree.people[i].count;
+    return {heading(Heading::library, "Library", libraryLines(tree.totals)),
+        heading(Heading::folders, "Folders", folderLines(tree.folders)),
+        heading(Heading::projects, "Projects & Albums", std::move(projectsAndAlbums)),
+        heading(Heading::smartAlbums, "Smart Albums", lines(Kind::smartAlbum, tree.smartAlbums)),
+        heading(Heading::keywords, "Keywords", keywordLines(tree.keywords, std::nullopt)),
+        heading(Heading::people, "People", std::move(persons))};
+}
+
+std::optional<std::optional<LibrarySource>> sourceOf(const SidebarKey& key)
+{
+    const auto of = [&](Source source) { return std::optional(LibrarySource{source, key.id, {}}); };
+    switch (key.kind) {
+    case Kind::all:
+        return std::optional<LibrarySource>();
+    case Kind::source:
+        return std::optional(LibrarySource{static_cast<Source>(key.id), 0, {}});
+    case Kind::folder:
+        return of(Source::folder);
+    case Kind::project:
+        return of(Source::project);
+    case Kind::album:
+        return of(Source::album);
+    case Kind::smartAlbum:
+        return of(Source::smartAlbum);
+    case Kind::person:
+        return of(Source::person);
+    case Kind::heading:
+    case Kind::keyword:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+SidebarKey keyOf(const std::optional<LibrarySource>& source)
+{
+    if (!source)
+        return {Kind::all, 0};
+    for (const auto kind : {Kind::folder, Kind::project, Kind::album, Kind::smartAlbum, Kind::person})
+        if (sourceOf({kind, source->id}) == std::optional(source))
+            return {kind, source->id};
+    return {Kind::source, static_cast<std::int64_t>(source->kind)};
+}
+
+bool canBeRenamed(Kind kind)
+{
+    return kind == Kind::project || kind == Kind::album || kind == Kind::smartAlbum;
+}
+
+bool canBeDeleted(Kind kind)
+{
+    return canBeRenamed(kind) || kind == Kind::folder || kind == Kind::keyword;
+}
+
+bool takesPhotos(const SidebarKey& key)
+{
+    return key.kind == Kind::album || key.kind == Kind::project || key.kind == Kind::keyword
+        || key == SidebarKey{Kind::source, static_cast<std::int64_t>(Source::flagged)};
+}
+
+bool canBeMoved(const SidebarKey& what, const SidebarKey& onto)
+{
+    const bool isPlace = onto.kind == Kind::project || onto == SidebarKey{Kind::heading, Heading::projects};
+    return isPlace && what != onto && (what.kind == Kind::project || what.kind == Kind::album);
+}
+
+void renameLine(LibraryStore& store, const SidebarKey& key, std::string_view name)
+{
+    if (key.kind == Kind::project)
+        store.renameProject(key.id, name);
+    else if (key.kind == Kind::album)
+        store.renameAlbum(key.id, name);
+    else if (key.kind == Kind::smartAlbum)
+        store.changeSmartAlbum(key.id, name, std::nullopt);
+}
+
+void deleteLine(LibraryStore& store, const SidebarKey& key)
+{
+    switch (key.kind) {
+    case Kind::folder:
+        return store.removeFolder(key.id);
+    case Kind::project:
+        return store.deleteProject(key.id);
+    case Kind::album:
+        return store.deleteAlbum(key.id);
+    case Kind::smartAlbum:
+        return store.deleteSmartAlbum(key.id);
+    case Kind::keyword:
+        return store.deleteKeyword(key.id);
+    default:
+        return;
+    }
+}
+
+std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<const PhotoID> ids)
+{
+    const auto photos = counted(ids.size(), "photo");
+    switch (onto.kind) {
+    case Kind::album:
+        store.addToAlbum(onto.id, ids);
+        return "Added " + photos + " to “" + onto.name + "”.";
+    case Kind::project:
+        store.assignToProject(ids, onto.id);
+        return "Moved " + photos + " to “" + onto.name + "”.";
+    case Kind::keyword:
+        addKeyword(store, onto.name, ids);
+        return "Gave " + photos + " the keyword “" + onto.name + "”.";
+    case Kind::source:
+        store.setFlagged(ids, true);
+        return "Flagged " + photos + ".";
+    default:
+        return {};
+    }
+}
+
+void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto)
+{
+    const auto parent = onto.kind == Kind::project ? std::optional(onto.id) : std::nullopt;
+    if (what.kind == Kind::project)
+        store.moveProject(what.id, parent);
+    else if (what.kind == Kind::album)
+        store.moveAlbum(what.id, parent);
+}
+
+} // namespace korvo

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "catalog/LibrarySource.h"
+#include "catalog/LibraryStore.h"
+
+namespace korvo {
+
+/// One line of the sidebar.
+struct SidebarNode {
+    enum class Kind { heading, all, source, folder, project, album, smartAlbum, keyword, person };
+
+    Kind kind = Kind::heading;
+    std::int64_t id = 0; ///< of the folder, project…; of a source its kind; of a heading its number
+    std::string name;
+    std::optional<std::int64_t> count;
+    std::string hint = {}; ///< a folder's whole path
+    std::vector<SidebarNode> children = {};
+};
+
+/// Which line it is, whatever it is called.
+struct SidebarKey {
+    SidebarNode::Kind kind = SidebarNode::Kind::heading;
+    std::int64_t id = 0;
+    auto operator<=>(const SidebarKey&) const = default;
+};
+
+/// The sidebar's lines: headings with the library's own sources, folders, projects with their albums, smart
+/// albums, keywords and people below them.
+std::vector<SidebarNode> sidebarTree(const LibraryTree& tree);
+
+/// What choosing a line lists; nothing at all for a heading. Keywords have no source of their own.
+std::optional<std::optional<LibrarySource>> sourceOf(const SidebarKey& key);
+/// The line that stands for a source.
+SidebarKey keyOf(const std::optional<LibrarySource>& source);
+
+bool canBeRenamed(SidebarNode::Kind kind);
+bool canBeDeleted(SidebarNode::Kind kind);
+bool takesPhotos(const SidebarKey& key);
+/// Whether one line can be dragged onto another.
+bool canBeMoved(const SidebarKey& what, const SidebarKey& onto);
+
+// What is done to a line, each one step of undo. All throw DatabaseError.
+void renameLine(LibraryStore& store, const SidebarKey& key, std::string_view name);
+/// Folders, albums, projects, smart albums and keywords; photos' files always stay.
+void deleteLine(LibraryStore& store, const SidebarKey& key);
+/// Puts photos where they were dropped: into an album, a project, under a keyword, or among the flagged.
+/// Returns a sentence that says so.
+std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<const PhotoID> ids);
+/// Puts a project or an album below a project, or at the root when dropped on the heading.
+void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto);
+
+} // namespace korvo

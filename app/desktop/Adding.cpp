@@ -1,0 +1,60 @@
+#include "app/desktop/Adding.h"
+
+#include "app/AddFiles.h"
+#include "app/desktop/Desktop.h"
+#include "base/Text.h"
+
+namespace korvo {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Shows what was added so far, the more seldom the longer it takes, so that large libraries do not stutter.
+struct Showing {
+    Clock::time_point next = Clock::now();
+
+    void show(Desktop& desktop)
+    {
+        const auto begun = Clock::now();
+        if (begun < next)
+            return;
+        desktop.attempt([&] { desktop.session().photosAdded(); });
+        const auto taken = Clock::now() - begun;
+        next = Clock::now() + std::max<Clock::duration>(std::chrono::seconds(1), taken * 20);
+    }
+};
+
+std::string summaryOf(const AddResult& result)
+{
+    auto text = "Added " + counted(result.added, "photo");
+    if (result.known > 0)
+        text += ", " + std::to_string(result.known) + " in the library already";
+    return text + (result.cancelled ? ", then stopped." : ".");
+}
+
+} // namespace
+
+void addToLibrary(Desktop& desktop, std::vector<std::filesystem::path> paths)
+{
+    if (paths.empty())
+        return;
+    auto showing = std::make_shared<Showing>();
+    auto work = [&desktop, &catalog = desktop.store().catalog(), &clock = desktop.clock(),
+                    paths = std::move(paths), showing](JobContext& job) {
+        const auto result
+            = addFiles(catalog, paths, clock, ReadCameraData::later, job.stop(), [&](std::size_t done) {
+                  job.progress(done, 0);
+                  job.deliver([&desktop, showing] { showing->show(desktop); });
+              });
+        for (const auto& failure : result.failures)
+            job.fail(failure.message);
+        return summaryOf(result);
+    };
+    desktop.jobs().start("Adding", std::move(work), [&desktop](const Job& job) {
+        desktop.attempt([&] { desktop.session().photosAdded(); });
+        desktop.say(job.summary());
+    });
+}
+
+} // namespace korvo

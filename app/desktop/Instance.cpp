@@ -1,0 +1,68 @@
+#include "app/desktop/Instance.h"
+
+#include <QCryptographicHash>
+#include <QLocalServer>
+#include <QLocalSocket>
+
+namespace korvo {
+
+namespace {
+
+constexpr int patience = 1000; // milliseconds
+
+/// The same for every path that leads to the library; sockets belong to one user by where they lie.
+QString serverName(const std::filesystem::path& library)
+{
+    std::error_code none;
+    const auto path = std::filesystem::weakly_canonical(library, none);
+    const auto bytes = QByteArray::fromStdString((none ? library : path).native());
+    return "korvo-"
+        + QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(24));
+}
+
+/// What another program wrote until it closed its end: paths, each ended by a NUL.
+Instance::Paths pathsIn(const QByteArray& bytes)
+{
+    Instance::Paths paths;
+    for (const auto& path : bytes.split('\0'))
+        if (!path.isEmpty())
+            paths.emplace_back(path.toStdString());
+    return paths;
+}
+
+} // namespace
+
+bool Instance::bringForward(const std::filesystem::path& library, const Paths& add)
+{
+    QLocalSocket socket;
+    socket.connectToServer(serverName(library));
+    if (!socket.waitForConnected(patience))
+        return false;
+    for (const auto& path : add)
+        socket.write(QByteArray::fromStdString(path.native()).append('\0'));
+    socket.disconnectFromServer();
+    return socket.state() == QLocalSocket::UnconnectedState || socket.waitForDisconnected(patience);
+}
+
+Instance::Instance(const std::filesystem::path& library, std::function<void(Paths add)> asked)
+    : server_(std::make_unique<QLocalServer>())
+{
+    server_->setSocketOptions(QLocalServer::UserAccessOption);
+    QObject::connect(
+        server_.get(), &QLocalServer::newConnection, server_.get(), [this, asked = std::move(asked)] {
+            while (auto* const socket = server_->nextPendingConnection())
+                QObject::connect(socket, &QLocalSocket::disconnected, socket, [socket, asked] {
+                    asked(pathsIn(socket->readAll()));
+                    socket->deleteLater();
+                });
+        });
+    const auto name = serverName(library);
+    if (!server_->listen(name)) { // what a killed program left
+        QLocalServer::removeServer(name);
+        server_->listen(name);
+    }
+}
+
+Instance::~Instance() = default;
+
+} // namespace korvo

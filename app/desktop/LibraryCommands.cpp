@@ -1,0 +1,216 @@
+// Libraries, folders, albums, stacks, versions, and taking photos out.
+
+#include "app/Marking.h"
+#include "app/desktop/Adding.h"
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/Parts.h"
+#include "app/desktop/Texts.h"
+#include "base/Text.h"
+#include "platform/AppFolders.h"
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QUrl>
+
+#include <set>
+
+namespace korvo {
+
+namespace {
+
+QString startFolder()
+{
+    return QFile::decodeName(picturesFolder().c_str());
+}
+
+/// Each library has a program of its own.
+void openInNewWindow(const QString& folder)
+{
+    if (!folder.isEmpty())
+        QProcess::startDetached(QCoreApplication::applicationFilePath(), {"--library", folder});
+}
+
+void openLibrary(MainWindow& window)
+{
+    const QString folder = QFileDialog::getExistingDirectory(&window, "Open Library", startFolder());
+    if (folder.isEmpty())
+        return;
+    if (!std::filesystem::exists(pathOf(folder) / "catalog.sqlite"))
+        throw std::runtime_error(
+            "There is no library in " + utf8(folder) + ". Choose the folder that holds its catalog.sqlite.");
+    openInNewWindow(folder);
+}
+
+void newLibrary(MainWindow& window)
+{
+    openInNewWindow(QFileDialog::getSaveFileName(&window, "New Library", startFolder() + "/New Library", {},
+        nullptr, QFileDialog::DontConfirmOverwrite));
+}
+
+void addFolder(MainWindow& window)
+{
+    const QString folder = QFileDialog::getExistingDirectory(&window, "Add Folder", startFolder());
+    if (!folder.isEmpty())
+        addToLibrary(window.desktop(), {pathOf(folder)});
+}
+
+/// Asks for a name and makes something of it.
+template <typename Make>
+void makeNamed(MainWindow& window, const QString& title, Make make)
+{
+    bool accepted = false;
+    const QString name
+        = QInputDialog::getText(&window, title, "Name", QLineEdit::Normal, QString(), &accepted).trimmed();
+    if (accepted && !name.isEmpty())
+        make(window.desktop().store(), utf8(name));
+}
+
+/// The project that is shown, below which new ones belong.
+std::optional<std::int64_t> shownProject(const LibraryStore& store)
+{
+    const auto& source = store.source();
+    return source && source->kind == LibrarySource::Kind::project ? std::optional(source->id) : std::nullopt;
+}
+
+void newAlbum(MainWindow& window)
+{
+    makeNamed(window, "New Album", [&](LibraryStore& store, const std::string& name) {
+        const auto photos = window.desktop().browser().targets();
+        std::int64_t album = 0;
+        const auto parent = shownProject(store);
+        store.perform("New Album", [&](Catalog& catalog) {
+            album = catalog.createAlbum(name, parent);
+            catalog.addToAlbum(album, photos);
+        });
+        if (!photos.empty())
+            window.desktop().say(
+                "Put " + counted(photos.size(), "photo") + " into “" + name + "”.", Offer::undo);
+    });
+}
+
+std::set<std::int64_t> stacksOf(const PhotoList& list, std::span<const PhotoID> ids)
+{
+    std::set<std::int64_t> stacks;
+    for (const PhotoID id : ids)
+        if (const auto* const item = list.find(id); item && item->stackID)
+            stacks.insert(*item->stackID);
+    return stacks;
+}
+
+void unstack(LibraryStore& store, std::span<const PhotoID> ids)
+{
+    const auto stacks = stacksOf(store.list(), ids);
+    store.perform("Unstack", [&](Catalog& catalog) {
+        for (const auto stack : stacks)
+            catalog.unstack(stack);
+    });
+}
+
+/// All become as the first of them is not.
+void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
+{
+    const auto stacks = stacksOf(store.list(), ids);
+    const auto all = store.catalog().stacks();
+    const auto first
+        = std::find_if(all.begin(), all.end(), [&](const Stack& stack) { return stacks.contains(stack.id); });
+    if (first == all.end())
+        return;
+    const auto state = first->collapsed ? StackState::expanded : StackState::collapsed;
+    store.perform(first->collapsed ? "Expand Stack" : "Collapse Stack", [&](Catalog& catalog) {
+        for (const auto stack : stacks)
+            catalog.setStackState(stack, state);
+    });
+}
+
+void newVersions(Desktop& desktop)
+{
+    const auto ids = desktop.browser().targets();
+    desktop.store().perform("New Version", [&](Catalog& catalog) {
+        for (const PhotoID id : ids)
+            catalog.createVersion(id, std::nullopt, std::nullopt, desktop.clock().now());
+    });
+    desktop.say("Made " + counted(ids.size(), "version") + ".", Offer::undo);
+}
+
+void removeFromLibrary(MainWindow& window)
+{
+    auto& store = window.desktop().store();
+    const auto ids = window.desktop().browser().targets();
+    const auto title = "Remove " + counted(ids.size(), "photo") + " from the library?";
+    QMessageBox box(QMessageBox::Question, "Korvo", qt(title), QMessageBox::Cancel, &window);
+    box.setInformativeText("The files stay where they are on disk.");
+    const QAbstractButton* const remove = box.addButton("Remove", QMessageBox::DestructiveRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    if (box.clickedButton() != remove)
+        return;
+    store.removePhotos(ids);
+    window.desktop().say("Removed " + counted(ids.size(), "photo") + " from the library.", Offer::undo);
+}
+
+void selectAll(LibraryStore& store)
+{
+    std::vector<PhotoID> ids;
+    ids.reserve(store.list().shown().size());
+    for (const auto position : store.list().shown())
+        ids.push_back(store.list().items()[position].id);
+    store.select(std::move(ids));
+}
+
+void showInFolder(Desktop& desktop)
+{
+    if (const auto* const item = desktop.store().list().find(desktop.browser().targets().front()))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QFile::decodeName(item->path().parent_path().c_str())));
+}
+
+void addStackCommands(MainWindow& window)
+{
+    auto& commands = window.commands();
+    auto& desktop = window.desktop();
+    auto& store = desktop.store();
+    commands.handle(
+        Command::stack, [&] { store.createStack(desktop.browser().targets(), desktop.browser().current()); });
+    commands.handle(Command::unstack, [&] { unstack(store, desktop.browser().targets()); });
+    commands.handle(Command::toggleStack, [&] { toggleStacks(store, desktop.browser().targets()); });
+    commands.handle(Command::setPick, [&] {
+        if (const auto* const item = desktop.browser().currentItem(); item && item->stackID)
+            store.setPick(*item->stackID, item->id);
+    });
+    commands.handle(Command::newVersion, [&] { newVersions(desktop); });
+}
+
+} // namespace
+
+void addLibraryCommands(MainWindow& window)
+{
+    auto& commands = window.commands();
+    auto& desktop = window.desktop();
+    auto& store = desktop.store();
+    commands.handle(Command::newLibrary, [&] { newLibrary(window); });
+    commands.handle(Command::openLibrary, [&] { openLibrary(window); });
+    commands.handle(Command::addFolder, [&] { addFolder(window); });
+    commands.handle(Command::newProject, [&] {
+        makeNamed(window, "New Project", [](LibraryStore& all, const std::string& name) {
+            all.createProject(name, "project", shownProject(all));
+        });
+    });
+    commands.handle(Command::newAlbum, [&] { newAlbum(window); });
+    commands.handle(Command::newKeyword, [&] {
+        makeNamed(window, "New Keyword",
+            [](LibraryStore& all, const std::string& name) { all.createKeyword(name, std::nullopt); });
+    });
+    commands.handle(Command::selectAll, [&] { selectAll(store); });
+    commands.handle(Command::selectNone, [&] { store.select({}); });
+    commands.handle(Command::remove,
+        [&] { desktop.say(removeOrReject(store, desktop.browser().targets()), Offer::undo); });
+    commands.handle(Command::removeFromLibrary, [&] { removeFromLibrary(window); });
+    commands.handle(Command::showInFolder, [&] { showInFolder(desktop); });
+    addStackCommands(window);
+}
+
+} // namespace korvo

@@ -1,0 +1,81 @@
+#include "app/desktop/PhotoDrag.h"
+
+#include "app/desktop/Theme.h"
+
+#include <QDataStream>
+#include <QDrag>
+#include <QFile>
+#include <QIODevice>
+#include <QMimeData>
+#include <QPainter>
+#include <QUrl>
+
+namespace korvo {
+
+namespace {
+
+constexpr auto photosType = "application/x-korvo-photos";
+
+/// The picture with the number of photos on it.
+QPixmap dragPicture(const QWidget& widget, const QPixmap& picture, std::size_t count)
+{
+    constexpr int side = 96;
+    const double ratio = widget.devicePixelRatioF();
+    QPixmap shown(QSizeF(side * ratio, side * ratio).toSize());
+    shown.setDevicePixelRatio(ratio);
+    shown.fill(Qt::transparent);
+    QPainter painter(&shown);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (!picture.isNull()) {
+        QRectF place({}, picture.size().scaled(side, side, Qt::KeepAspectRatio));
+        place.moveCenter({side / 2.0, side / 2.0});
+        painter.drawPixmap(place, picture, QRectF(picture.rect()));
+    }
+    if (count > 1) {
+        const QString text = QString::number(count);
+        const QRect plate(0, 0, painter.fontMetrics().horizontalAdvance(text) + 14, 22);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme::accentFill);
+        painter.drawRoundedRect(plate, 11, 11);
+        painter.setPen(Qt::white);
+        painter.drawText(plate, Qt::AlignCenter, text);
+    }
+    return shown;
+}
+
+} // namespace
+
+void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QPixmap& picture)
+{
+    if (items.empty())
+        return;
+    QByteArray ids;
+    QDataStream stream(&ids, QIODevice::WriteOnly);
+    QList<QUrl> files;
+    for (const PhotoItem* const item : items) {
+        stream << static_cast<qint64>(item->id);
+        files << QUrl::fromLocalFile(QFile::decodeName(item->path().c_str()));
+    }
+    auto* const data = new QMimeData;
+    data->setData(photosType, ids);
+    data->setUrls(files);
+    auto* const drag = new QDrag(&from);
+    drag->setMimeData(data);
+    drag->setPixmap(dragPicture(from, picture, items.size()));
+    // Never a move: whoever takes the files would take the originals away.
+    drag->exec(Qt::CopyAction | Qt::LinkAction, Qt::CopyAction);
+}
+
+std::vector<PhotoID> draggedPhotos(const QMimeData& data)
+{
+    QDataStream stream(data.data(photosType));
+    std::vector<PhotoID> ids;
+    while (!stream.atEnd()) {
+        qint64 id = 0;
+        stream >> id;
+        ids.push_back(id);
+    }
+    return ids;
+}
+
+} // namespace korvo

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "catalog/PhotoItem.h"
+
+#include <QPixmap>
+#include <QWidget>
+
+#include <span>
+#include <vector>
+
+class QMimeData;
+
+namespace korvo {
+
+/// Drags photos: within the window as photos, out of it as their files. Returns when they were dropped.
+void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QPixmap& picture);
+
+/// The photos that are being dragged; none for anything else.
+std::vector<PhotoID> draggedPhotos(const QMimeData& data);
+
+} // namespace korvo

@@ -1,0 +1,79 @@
+#include "app/desktop/Screenshot.h"
+
+#include "app/desktop/MainWindow.h"
+
+#include <QApplication>
+#include <QPainter>
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::chrono::milliseconds look{100};
+constexpr int quietLooks = 4; // in a row, until the picture is taken
+constexpr int mostLooks = 600; // a minute
+
+struct View {
+    const char* name;
+    Command command;
+};
+constexpr View views[] = {{"grid", Command::grid}, {"viewer", Command::viewer}, {"compare", Command::compare},
+    {"survey", Command::survey}, {"import", Command::import}, {"smart-album", Command::newSmartAlbum},
+    {"auto-stack", Command::autoStack}, {"naming", Command::namingPresets}, {"settings", Command::settings},
+    {"keys", Command::keys}, {"about", Command::about}};
+
+Command commandOf(const QString& view)
+{
+    for (const auto& [name, command] : views)
+        if (view == name)
+            return command;
+    throw std::invalid_argument("no view \"" + view.toStdString()
+        + "\": use grid, viewer, compare, survey, import, smart-album, auto-stack, naming or settings");
+}
+
+/// The window with the sheets that are open above it.
+QImage pictureOf(MainWindow& window)
+{
+    QPixmap picture = window.grab();
+    QPainter painter(&picture);
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (widget == &window || !widget->isVisible() || !widget->isWindow()
+            || widget->windowType() == Qt::ToolTip)
+            continue;
+        QPoint at = widget->mapToGlobal(QPoint(0, 0)) - window.mapToGlobal(QPoint(0, 0));
+        if (widget->parentWidget()) // no window manager has put it in the middle
+            at = QPoint((window.width() - widget->width()) / 2, (window.height() - widget->height()) / 2);
+        painter.fillRect(picture.rect(), QColor(0, 0, 0, 90));
+        painter.drawPixmap(at, widget->grab());
+    }
+    return picture.toImage();
+}
+
+} // namespace
+
+void takeScreenshot(MainWindow& window, const ScreenshotRequest& request)
+{
+    const auto command = commandOf(request.view);
+    if (!window.desktop().browser().current())
+        window.desktop().browser().step(0);
+    auto* const timer = new QTimer(&window);
+    QObject::connect(timer, &QTimer::timeout, &window,
+        [&window, timer, file = request.file, quiet = 0, looks = 0]() mutable {
+            quiet = window.desktop().isBusy() ? 0 : quiet + 1;
+            if (quiet < quietLooks && ++looks < mostLooks)
+                return;
+            timer->stop();
+            const bool written = pictureOf(window).save(file, "PNG");
+            if (!written)
+                std::fprintf(
+                    stderr, "korvo-desktop: the picture could not be written to %s\n", qPrintable(file));
+            QApplication::exit(written ? 0 : 1);
+        });
+    timer->start(look);
+    window.commands().run(command); // last: a sheet may not return before it is closed
+}
+
+} // namespace korvo

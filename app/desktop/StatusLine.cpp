@@ -1,0 +1,200 @@
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/Parts.h"
+#include "app/desktop/Texts.h"
+#include "base/Text.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLocale>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QToolButton>
+
+namespace korvo {
+
+namespace {
+
+constexpr std::chrono::seconds noticeStays{5};
+constexpr std::chrono::milliseconds jobShown{150};
+
+QString number(std::size_t value)
+{
+    return QLocale().toString(static_cast<qulonglong>(value));
+}
+
+/// How many photos, the last notice, what waits to be written, and the running job.
+class StatusLine : public QObject {
+public:
+    explicit StatusLine(MainWindow& window);
+
+private:
+    void showCounts();
+    void showNotice(const Notice& notice);
+    void hideNotice();
+    void showUnwritten();
+    void showJob();
+    void showFailures();
+    template <typename Widget>
+    Widget* add(Widget* widget, const char* accessibleName);
+
+    MainWindow& window_;
+    Desktop& desktop_;
+    QLabel* counts_;
+    QLabel* notice_;
+    QToolButton* undo_;
+    QToolButton* close_;
+    QToolButton* unwritten_;
+    QLabel* job_;
+    QProgressBar* progress_;
+    QToolButton* cancel_;
+    QToolButton* failures_;
+    QTimer noticeTimer_, jobTimer_;
+    Connection storeChanged_, noticed_, jobsChanged_, writeBackChanged_;
+};
+
+template <typename Widget>
+Widget* StatusLine::add(Widget* widget, const char* accessibleName)
+{
+    widget->setAccessibleName(accessibleName);
+    window_.statusBar()->addPermanentWidget(widget);
+    widget->hide();
+    return widget;
+}
+
+StatusLine::StatusLine(MainWindow& window)
+    : QObject(&window), window_(window), desktop_(window.desktop()), counts_(new QLabel), notice_(new QLabel),
+      undo_(new QToolButton), close_(new QToolButton),
+      unwritten_(add(new QToolButton, "Not yet written to files")), job_(add(new QLabel, "Running job")),
+      progress_(add(new QProgressBar, "Progress")), cancel_(add(new QToolButton, "Cancel the job")),
+      failures_(add(new QToolButton, "Failures"))
+{
+    auto* const bar = window_.statusBar();
+    bar->setSizeGripEnabled(false);
+    counts_->setContentsMargins(8, 3, 12, 3);
+    bar->addWidget(counts_);
+    bar->addWidget(notice_);
+    bar->addWidget(undo_);
+    bar->addWidget(close_);
+    notice_->setTextFormat(Qt::PlainText);
+    undo_->setText("Undo");
+    close_->setText("Close");
+    cancel_->setText("Cancel");
+    progress_->setMaximumWidth(140);
+    progress_->setMaximumHeight(14);
+    progress_->setTextVisible(false);
+    unwritten_->setToolTip("Write metadata to the files now (Ctrl+S)");
+    connect(undo_, &QToolButton::clicked, this, [this] {
+        hideNotice();
+        window_.commands().run(Command::undo);
+    });
+    connect(close_, &QToolButton::clicked, this, [this] { hideNotice(); });
+    connect(
+        unwritten_, &QToolButton::clicked, this, [this] { window_.commands().run(Command::saveMetadata); });
+    connect(cancel_, &QToolButton::clicked, this, [this] {
+        if (const auto job = desktop_.jobs().running())
+            job->cancel();
+    });
+    connect(failures_, &QToolButton::clicked, this, [this] { showFailures(); });
+    noticeTimer_.setSingleShot(true);
+    connect(&noticeTimer_, &QTimer::timeout, this, [this] { hideNotice(); });
+    connect(&jobTimer_, &QTimer::timeout, this, [this] { showJob(); });
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { showCounts(); });
+    noticed_ = desktop_.noticed.connect([this](const Notice& notice) { showNotice(notice); });
+    jobsChanged_ = desktop_.jobs().changed.connect([this] { showJob(); });
+    writeBackChanged_ = desktop_.session().writeBack().changed.connect([this] { showUnwritten(); });
+    hideNotice();
+    showCounts();
+    showUnwritten();
+}
+
+void StatusLine::showCounts()
+{
+    const auto shown = desktop_.store().list().shown().size();
+    const auto selected = desktop_.store().selection().size();
+    QString text = number(shown) + " " + qt(plural(shown, "photo"));
+    if (selected > 0)
+        text += ", " + number(selected) + " selected";
+    counts_->setText(text);
+}
+
+void StatusLine::showNotice(const Notice& notice)
+{
+    const bool isError = notice.kind == Notice::Kind::error;
+    notice_->setText(qt(notice.text));
+    notice_->setStyleSheet(isError ? "color: #ff8a7a" : "");
+    notice_->setToolTip(qt(notice.text));
+    notice_->show();
+    undo_->setVisible(notice.offersUndo);
+    close_->setVisible(isError);
+    if (isError)
+        noticeTimer_.stop();
+    else
+        noticeTimer_.start(noticeStays);
+}
+
+void StatusLine::hideNotice()
+{
+    for (QWidget* const widget : std::initializer_list<QWidget*>{notice_, undo_, close_})
+        widget->hide();
+}
+
+void StatusLine::showUnwritten()
+{
+    auto& writeBack = desktop_.session().writeBack();
+    const auto count = static_cast<std::size_t>(writeBack.dirtyCount());
+    const QString text
+        = writeBack.isSaving() ? qt(writeBack.statusMessage()) : number(count) + " not yet written";
+    unwritten_->setText(text);
+    unwritten_->setVisible(count > 0 || writeBack.isSaving());
+    window_.commands().refresh();
+}
+
+void StatusLine::showJob()
+{
+    const auto job = desktop_.jobs().running();
+    for (QWidget* const widget : std::initializer_list<QWidget*>{job_, progress_, cancel_})
+        widget->setVisible(job != nullptr);
+    std::size_t failed = 0;
+    for (const auto& each : desktop_.jobs().all())
+        failed += each->failures().size();
+    failures_->setVisible(failed > 0);
+    failures_->setText(qt(counted(failed, "failure")));
+    if (!job)
+        return jobTimer_.stop();
+    jobTimer_.start(jobShown);
+    QString text = qt(job->title()) + " " + number(job->done());
+    if (job->total() > 0)
+        text += " of " + number(job->total());
+    if (const double rate = job->perSecond(); rate >= 1)
+        text += ", " + number(static_cast<std::size_t>(rate)) + " a second";
+    job_->setText(job->isCancelled() ? qt(job->title()) + ": stopping…" : text);
+    progress_->setRange(0, job->total() > 0 ? 1000 : 0);
+    if (job->total() > 0)
+        progress_->setValue(static_cast<int>(1000 * job->done() / job->total()));
+}
+
+void StatusLine::showFailures()
+{
+    std::vector<std::string> failures;
+    for (const auto& job : desktop_.jobs().all())
+        for (auto& failure : job->failures())
+            failures.push_back(std::move(failure));
+    QString text;
+    for (const auto& failure : failures)
+        text += qt(failure) + "\n";
+    QMessageBox box(
+        QMessageBox::Warning, "Korvo", qt(counted(failures.size(), "failure")), QMessageBox::Ok, &window_);
+    box.setDetailedText(text);
+    box.exec();
+}
+
+} // namespace
+
+void addStatusLine(MainWindow& window)
+{
+    new StatusLine(window); // the window's child
+}
+
+} // namespace korvo

@@ -1,0 +1,266 @@
+#include "app/SearchFilter.h"
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/Parts.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/Theme.h"
+#include "app/desktop/grid/Glyphs.h"
+#include "app/desktop/grid/GridView.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPainter>
+#include <QSlider>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace korvo {
+
+namespace {
+
+QIcon icon(const QPainterPath& glyph, const QColor& color, const QSize& size)
+{
+    QPixmap picture(size * 2);
+    picture.setDevicePixelRatio(2);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(glyph, color);
+    return picture;
+}
+
+QIcon labelIcon(PhotoLabel label)
+{
+    QPixmap picture(32, 32);
+    picture.setDevicePixelRatio(2);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(labelColor(label));
+    painter.setPen(Qt::NoPen);
+    painter.drawRoundedRect(QRectF(1, 1, 14, 14), 3, 3);
+    painter.setPen(Qt::black);
+    painter.drawText(QRectF(1, 1, 14, 14), Qt::AlignCenter, qt(name(label)).left(1));
+    return picture;
+}
+
+/// The toolbar's parts and what they ask for together.
+class Toolbar : public QToolBar {
+public:
+    explicit Toolbar(MainWindow& window);
+
+private:
+    void addSearch();
+    void addStars();
+    void addFlagAndLabels();
+    void addKind();
+    void addFilterAndSort();
+    void addSize();
+    void apply();
+    void arrange();
+    void showArrangement();
+    QToolButton* addButton(const QString& text, const QIcon& icon, const QString& help);
+
+    MainWindow& window_;
+    SearchFilter asked_;
+    QLineEdit* search_ = nullptr;
+    std::vector<QToolButton*> stars_;
+    QToolButton* labels_ = nullptr;
+    QComboBox* filter_ = nullptr;
+    QComboBox* sort_ = nullptr;
+    QTimer typed_; // searching a large library waits for the end of a word
+    Connection storeChanged_;
+    Connection sizeChanged_;
+};
+
+Toolbar::Toolbar(MainWindow& window) : QToolBar("Toolbar"), window_(window)
+{
+    setObjectName("toolbar");
+    setMovable(false);
+    setContextMenuPolicy(Qt::PreventContextMenu);
+    addAction(window_.commands().action(Command::import));
+    addSearch();
+    addStars();
+    addFlagAndLabels();
+    addKind();
+    addFilterAndSort();
+    addSize();
+    storeChanged_ = window_.desktop().store().changed.connect([this](const LibraryChange& change) {
+        if (change.list)
+            showArrangement();
+    });
+}
+
+void Toolbar::addSearch()
+{
+    search_ = new QLineEdit;
+    search_->setPlaceholderText("Search");
+    search_->setAccessibleName("Search");
+    search_->setToolTip("Words in names, texts, keywords, people, cameras and lenses (Ctrl+F)");
+    search_->setClearButtonEnabled(true);
+    search_->setMinimumWidth(110);
+    search_->setMaximumWidth(260);
+    addWidget(search_);
+    typed_.setSingleShot(true);
+    connect(search_, &QLineEdit::textChanged, this, [this] { typed_.start(150); });
+    connect(&typed_, &QTimer::timeout, this, [this] {
+        asked_.words = utf8(search_->text());
+        apply();
+    });
+    window_.searchField = [this](const std::string& words) {
+        search_->setText(qt(words));
+        asked_.words = words;
+        apply();
+    };
+    window_.commands().handle(Command::find, [this] {
+        search_->setFocus();
+        search_->selectAll();
+    });
+}
+
+QToolButton* Toolbar::addButton(const QString& text, const QIcon& picture, const QString& help)
+{
+    auto* const button = new QToolButton;
+    button->setAutoRaise(true);
+    button->setIcon(picture);
+    button->setIconSize({16, 16});
+    button->setToolTip(help);
+    button->setAccessibleName(text);
+    button->setFocusPolicy(Qt::TabFocus);
+    addWidget(button);
+    return button;
+}
+
+void Toolbar::addStars()
+{
+    const auto show = [this] {
+        for (std::size_t i = 0; i < stars_.size(); ++i)
+            stars_[i]->setIcon(icon(starGlyph({0, 0, 16, 16}),
+                static_cast<int>(i) < asked_.leastStars ? theme::star : QColor(0x70, 0x70, 0x70), {16, 16}));
+    };
+    for (int stars = 1; stars <= highestRating; ++stars) {
+        const QString help = "Only " + qt(ratingText(stars)) + (stars < highestRating ? " or more" : "");
+        auto* const button = addButton(help, {}, help + "; again: all");
+        button->setFixedWidth(20);
+        stars_.push_back(button);
+        connect(button, &QToolButton::clicked, this, [this, stars, show] {
+            asked_.leastStars = asked_.leastStars == stars ? 0 : stars;
+            show();
+            apply();
+        });
+    }
+    show();
+}
+
+void Toolbar::addFlagAndLabels()
+{
+    auto* const flag
+        = addButton("Flagged only", icon(flagGlyph({1, 1, 14, 14}), theme::flag, {16, 16}), "Only flagged");
+    flag->setCheckable(true);
+    connect(flag, &QToolButton::toggled, this, [this](bool on) {
+        asked_.flaggedOnly = on;
+        apply();
+    });
+    labels_ = addButton("Labels", {}, "Only photos with these labels");
+    labels_->setText("Label");
+    labels_->setPopupMode(QToolButton::InstantPopup);
+    labels_->setCheckable(true);
+    auto* const menu = new QMenu(labels_);
+    for (int number = 1; number < static_cast<int>(photoLabelNames.size()); ++number) {
+        const auto label = static_cast<PhotoLabel>(number);
+        auto* const action = menu->addAction(labelIcon(label), qt(name(label)));
+        action->setCheckable(true);
+        connect(action, &QAction::toggled, this, [this, label](bool on) {
+            if (on)
+                asked_.labels.insert(label);
+            else
+                asked_.labels.erase(label);
+            labels_->setChecked(!asked_.labels.empty());
+            apply();
+        });
+    }
+    labels_->setMenu(menu);
+}
+
+void Toolbar::addKind()
+{
+    auto* const kind = new QComboBox;
+    kind->setAccessibleName("Kind");
+    kind->addItems({"All Kinds", "Photos", "Videos"});
+    connect(kind, &QComboBox::activated, this, [this](int index) {
+        asked_.kind = static_cast<SearchFilter::Kind>(index);
+        apply();
+    });
+    addWidget(kind);
+}
+
+void Toolbar::addFilterAndSort()
+{
+    filter_ = new QComboBox;
+    filter_->setAccessibleName("Filter");
+    filter_->setToolTip("Which photos are shown");
+    filter_->addItem("All", -1);
+    for (const auto& [filter, raw, title] : gridFilterNames)
+        filter_->addItem(qt(title), static_cast<int>(filter));
+    sort_ = new QComboBox;
+    sort_->setAccessibleName("Order");
+    sort_->setToolTip("The order of the photos");
+    sort_->addItem("As in the Source", -1);
+    for (const auto& [title, key] :
+        {std::pair{"By Name", SortKey::name}, {"By Date Added", SortKey::imported},
+            {"By File Date", SortKey::fileDate}, {"By Rating", SortKey::rating}})
+        sort_->addItem(title, static_cast<int>(key));
+    for (auto* const box : {filter_, sort_}) {
+        box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        connect(box, &QComboBox::activated, this, [this] { arrange(); });
+        addWidget(box);
+    }
+    showArrangement();
+}
+
+void Toolbar::arrange()
+{
+    const int filter = filter_->currentData().toInt();
+    const int key = sort_->currentData().toInt();
+    window_.desktop().store().arrange(key < 0 ? std::nullopt : std::optional(static_cast<SortKey>(key)),
+        filter < 0 ? std::nullopt : std::optional(static_cast<GridFilter>(filter)));
+}
+
+void Toolbar::showArrangement()
+{
+    const auto& list = window_.desktop().store().list();
+    const auto number = [](const auto& value) { return value ? static_cast<int>(*value) : -1; };
+    filter_->setCurrentIndex(filter_->findData(number(list.filter())));
+    sort_->setCurrentIndex(sort_->findData(number(list.sortKey())));
+}
+
+void Toolbar::addSize()
+{
+    auto* const grid = gridOf(window_);
+    auto* const size = new QSlider(Qt::Horizontal);
+    size->setAccessibleName("Thumbnail size");
+    size->setToolTip("Size of the thumbnails (Ctrl and the wheel)");
+    size->setRange(GridView::smallest, GridView::largest);
+    size->setValue(grid->thumbnailSize());
+    size->setMaximumWidth(120);
+    connect(size, &QSlider::valueChanged, grid, [grid](int value) { grid->setThumbnailSize(value); });
+    sizeChanged_ = grid->thumbnailSizeChanged.connect([size](int value) { size->setValue(value); });
+    auto* const space = new QWidget;
+    space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    addWidget(space);
+    addWidget(size);
+}
+
+void Toolbar::apply()
+{
+    window_.desktop().store().narrow(rulesOf(asked_));
+}
+
+} // namespace
+
+void addToolbar(MainWindow& window)
+{
+    window.addToolBar(new Toolbar(window));
+}
+
+} // namespace korvo

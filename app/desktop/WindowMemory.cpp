@@ -1,0 +1,59 @@
+#include "app/desktop/WindowMemory.h"
+
+#include "app/ViewMemory.h"
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/grid/GridView.h"
+
+#include <QCryptographicHash>
+
+#include <charconv>
+
+namespace korvo {
+
+namespace {
+
+constexpr auto geometryKey = "korvo_window_geometry";
+constexpr auto sidesKey = "korvo_window_sides";
+constexpr auto thumbSizeKey = "korvo_thumb_size"; // device-independent pixels
+
+/// Each library has its own.
+std::string viewKey(const Catalog& catalog)
+{
+    const auto path = QByteArray::fromStdString(catalog.libraryURL().native());
+    return "korvo_view_"
+        + QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(16).toStdString();
+}
+
+} // namespace
+
+void rememberWindow(MainWindow& window)
+{
+    auto& desktop = window.desktop();
+    auto& defaults = desktop.defaults();
+    try {
+        defaults.set(geometryKey, window.saveGeometry().toBase64().toStdString());
+        defaults.set(sidesKey, window.saveSides().toBase64().toStdString());
+        defaults.set(thumbSizeKey, std::to_string(gridOf(window)->thumbnailSize()));
+        defaults.set(viewKey(desktop.store().catalog()), textOf(viewMemory(desktop.store())));
+    } catch (const std::exception&) { // only a convenience: no reason to keep a window from closing
+    }
+}
+
+void restoreWindow(MainWindow& window)
+{
+    auto& desktop = window.desktop();
+    const auto value = [&](const std::string& key) { return desktop.defaults().get(key).value_or(""); };
+    const auto bytes
+        = [&](const char* key) { return QByteArray::fromBase64(QByteArray::fromStdString(value(key))); };
+    if (!window.restoreGeometry(bytes(geometryKey)))
+        window.resize(1280, 800);
+    window.restoreSides(bytes(sidesKey));
+    const auto text = value(thumbSizeKey);
+    int size = 0;
+    if (std::from_chars(text.data(), text.data() + text.size(), size).ec == std::errc())
+        gridOf(window)->setThumbnailSize(size);
+    desktop.attempt(
+        [&] { restoreView(desktop.store(), viewMemoryOf(value(viewKey(desktop.store().catalog())))); });
+}
+
+} // namespace korvo

@@ -1,0 +1,251 @@
+// What the user does in the grid with mouse and keys.
+
+#include "app/Marking.h"
+#include "app/desktop/PhotoDrag.h"
+#include "app/desktop/grid/GridView.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QRubberBand>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace korvo {
+
+std::optional<GridView::Index> GridView::indexAt(QPoint point) const
+{
+    return layout_.indexAt(point + QPoint(0, verticalScrollBar()->value()));
+}
+
+std::optional<GridView::Index> GridView::currentIndex() const
+{
+    const auto current = desktop_.browser().current();
+    return current ? store().list().shownPosition(*current) : std::nullopt;
+}
+
+void GridView::choose(Index index, Qt::KeyboardModifiers modifiers)
+{
+    const PhotoID id = itemAt(index).id;
+    if (modifiers.testFlag(Qt::ShiftModifier)) {
+        const auto from = anchor_ ? store().list().shownPosition(*anchor_) : std::nullopt;
+        chooseRange(from.value_or(index), index);
+        return;
+    }
+    anchor_ = id;
+    auto ids = store().selection();
+    if (!modifiers.testFlag(Qt::ControlModifier))
+        ids = {id};
+    else if (std::erase(ids, id) == 0)
+        ids.push_back(id);
+    const bool chosen = std::find(ids.begin(), ids.end(), id) != ids.end();
+    store().select(std::move(ids));
+    if (chosen)
+        desktop_.browser().setCurrent(id);
+}
+
+void GridView::chooseRange(Index from, Index to)
+{
+    anchor_ = itemAt(from).id;
+    std::vector<PhotoID> ids;
+    for (Index index = std::min(from, to); index <= std::max(from, to); ++index)
+        ids.push_back(itemAt(index).id);
+    store().select(std::move(ids));
+    desktop_.browser().setCurrent(itemAt(to).id);
+}
+
+bool GridView::mark(Index index, const CellPart& part)
+{
+    const auto& item = itemAt(index);
+    const bool isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id);
+    const auto ids = isSelected ? store().selection() : std::vector{item.id};
+    switch (part.kind) {
+    case CellPart::Kind::star: // a click on the last star that is lit puts it out
+        desktop_.attempt([&] { store().setRating(ids, item.rating == part.stars ? 0 : part.stars); });
+        return true;
+    case CellPart::Kind::flag:
+        desktop_.attempt([&] { setMark(store(), ids, Mark::toggleFlag); });
+        return true;
+    case CellPart::Kind::label:
+        if (!isSelected)
+            choose(index, {});
+        window_.showLabelMenu(viewport()->mapToGlobal(geometry_.label(cellPosition(index)).bottomLeft()));
+        return true;
+    default:
+        return false;
+    }
+}
+
+void GridView::mousePressEvent(QMouseEvent* event)
+{
+    const auto index = indexAt(event->pos());
+    chooseOnRelease_ = false;
+    if (event->button() == Qt::LeftButton) {
+        pressed_ = event->pos();
+        beforeSweep_ = event->modifiers() ? store().selection() : std::vector<PhotoID>();
+    }
+    if (!index) {
+        if (!event->modifiers())
+            store().select({});
+        return;
+    }
+    const auto part = geometry_.partAt(cellPosition(*index), event->pos());
+    if (event->button() == Qt::LeftButton && !event->modifiers() && mark(*index, part)) {
+        pressed_.reset();
+        return;
+    }
+    const bool isSelected = std::binary_search(selected_.begin(), selected_.end(), itemAt(*index).id);
+    if (isSelected && !event->modifiers()) { // it may become a drag of all of them
+        chooseOnRelease_ = event->button() == Qt::LeftButton;
+        desktop_.browser().setCurrent(itemAt(*index).id);
+    } else {
+        choose(*index, event->modifiers());
+    }
+}
+
+void GridView::mouseMoveEvent(QMouseEvent* event)
+{
+    hover(event->buttons() ? std::nullopt : indexAt(event->pos()));
+    if (!pressed_ || !event->buttons().testFlag(Qt::LeftButton)
+        || (event->pos() - *pressed_).manhattanLength() < QApplication::startDragDistance())
+        return;
+    if (!band_ && indexAt(*pressed_))
+        dragOut();
+    else
+        sweep(event->pos());
+}
+
+void GridView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (std::exchange(chooseOnRelease_, false))
+        if (const auto index = indexAt(event->pos()))
+            choose(*index, {});
+    delete std::exchange(band_, nullptr);
+    pressed_.reset();
+}
+
+void GridView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    const auto index = indexAt(event->pos());
+    if (index && geometry_.partAt(cellPosition(*index), event->pos()).kind <= CellPart::Kind::picture)
+        window_.commands().run(Command::viewer);
+    else
+        mousePressEvent(event);
+}
+
+void GridView::dragOut()
+{
+    pressed_.reset();
+    chooseOnRelease_ = false;
+    std::vector<const PhotoItem*> items;
+    for (const PhotoID id : store().selection())
+        if (const auto* const item = store().list().find(id))
+            items.push_back(item);
+    const auto current = desktop_.browser().current();
+    dragPhotos(*this, items, current ? thumbnails_.find(*current).pixmap : QPixmap());
+}
+
+void GridView::sweep(QPoint to)
+{
+    if (!band_) {
+        band_ = new QRubberBand(QRubberBand::Rectangle, viewport());
+        band_->show();
+    }
+    const QRect swept = QRect(*pressed_, to).normalized();
+    band_->setGeometry(swept);
+    auto ids = beforeSweep_;
+    const auto [first, last] = visible();
+    for (Index index = first; index < last; ++index)
+        if (swept.intersects(geometry_.picture(cellPosition(index))))
+            ids.push_back(itemAt(index).id);
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    store().select(std::move(ids));
+}
+
+void GridView::hover(std::optional<Index> index)
+{
+    if (index == hovered_)
+        return;
+    for (const auto changed : {std::exchange(hovered_, index), index})
+        if (changed)
+            updateCell(*changed);
+}
+
+void GridView::leaveEvent(QEvent* event)
+{
+    QAbstractScrollArea::leaveEvent(event);
+    hover(std::nullopt);
+}
+
+void GridView::moveTo(Index index, Qt::KeyboardModifiers modifiers)
+{
+    choose(index, modifiers & Qt::ShiftModifier);
+    makeVisible(index);
+}
+
+void GridView::keyPressEvent(QKeyEvent* event)
+{
+    if (layout_.count == 0 || event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier))
+        return QAbstractScrollArea::keyPressEvent(event);
+    const auto columns = static_cast<std::ptrdiff_t>(layout_.columns());
+    const auto page = columns * std::max(1, viewport()->height() / layout_.cell.height());
+    const auto last = static_cast<std::ptrdiff_t>(layout_.count) - 1;
+    const auto current = currentIndex();
+    const auto from = static_cast<std::ptrdiff_t>(current.value_or(0));
+    const auto target = [&]() -> std::optional<std::ptrdiff_t> {
+        switch (event->key()) {
+        case Qt::Key_Left:
+            return from - 1;
+        case Qt::Key_Right:
+            return from + 1;
+        case Qt::Key_Up:
+            return from < columns ? from : from - columns;
+        case Qt::Key_Down:
+            return from + columns > last && from / columns == last / columns ? from : from + columns;
+        case Qt::Key_PageUp:
+            return from - page;
+        case Qt::Key_PageDown:
+            return from + page;
+        case Qt::Key_Home:
+            return 0;
+        case Qt::Key_End:
+            return last;
+        default:
+            return std::nullopt;
+        }
+    }();
+    if (!target)
+        return QAbstractScrollArea::keyPressEvent(event);
+    const auto index = current ? std::clamp<std::ptrdiff_t>(*target, 0, last) : 0;
+    moveTo(static_cast<Index>(index), event->modifiers());
+}
+
+void GridView::wheelEvent(QWheelEvent* event)
+{
+    if (event->modifiers().testFlag(Qt::ControlModifier))
+        setThumbnailSize(thumbnailSize() + event->angleDelta().y() / 8);
+    else
+        QAbstractScrollArea::wheelEvent(event);
+}
+
+void GridView::contextMenuEvent(QContextMenuEvent* event)
+{
+    window_.showPhotoMenu(event->globalPos());
+}
+
+void GridView::focusInEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    showCurrent();
+}
+
+void GridView::focusOutEvent(QFocusEvent* event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    showCurrent();
+}
+
+} // namespace korvo

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "app/desktop/MainWindow.h"
+#include "app/desktop/grid/Cell.h"
+#include "app/desktop/grid/GridLayout.h"
+#include "app/desktop/grid/GroupSizes.h"
+#include "app/desktop/grid/Thumbnails.h"
+
+#include <QAbstractScrollArea>
+#include <QTimer>
+
+class QRubberBand;
+
+namespace korvo {
+
+/// All shown photos as cells. It holds nothing per photo: what it paints it takes from the store's list, and
+/// where a cell lies is arithmetic, so that a million photos cost no more than a hundred.
+class GridView : public QAbstractScrollArea {
+public:
+    static constexpr int smallest = 90, largest = 420; ///< longer side of a thumbnail
+
+    explicit GridView(MainWindow& window);
+
+    int thumbnailSize() const { return geometry_.pictureSize(); }
+    /// Keeps the current photo, or else what is in the middle, in sight.
+    void setThumbnailSize(int size);
+    Signal<int> thumbnailSizeChanged;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    using Index = std::size_t;
+
+    // What is shown (GridView.cpp)
+    LibraryStore& store() const { return desktop_.store(); }
+    const PhotoItem& itemAt(Index index) const;
+    Cell cellAt(Index index) const;
+    void layOut();
+    void libraryChanged(const LibraryChange& change);
+    void selectionChanged();
+    void updatePhotos(std::span<const PhotoID> ids);
+    void updateCell(Index index);
+    std::pair<Index, Index> visible() const;
+    QPoint cellPosition(Index index) const;
+    void makeVisible(Index index);
+    void showCurrent();
+    void wantPictures();
+    void paintEmpty();
+
+    // What the user does (GridInput.cpp)
+    std::optional<Index> indexAt(QPoint point) const;
+    void choose(Index index, Qt::KeyboardModifiers modifiers);
+    void chooseRange(Index from, Index to);
+    bool mark(Index index, const CellPart& part);
+    void dragOut();
+    void hover(std::optional<Index> index);
+    void sweep(QPoint to);
+    std::optional<Index> currentIndex() const;
+    void moveTo(Index index, Qt::KeyboardModifiers modifiers);
+
+    MainWindow& window_;
+    Desktop& desktop_;
+    CellGeometry geometry_;
+    GridLayout layout_;
+    Thumbnails thumbnails_;
+    GroupSizes groups_;
+    std::vector<PhotoID> selected_; // ascending
+    QTimer wantTimer_; // pictures are asked for once a frame, not for each step of scrolling
+    std::optional<LibrarySource> source_; // that was shown last
+    int direction_ = 1; // of the last scrolling
+    std::optional<Index> hovered_;
+    std::optional<PhotoID> anchor_; // of a range
+    std::optional<QPoint> pressed_;
+    bool chooseOnRelease_ = false;
+    QRubberBand* band_ = nullptr;
+    std::vector<PhotoID> beforeSweep_;
+    Connection storeChanged_;
+    Connection browserChanged_;
+};
+
+/// The window's grid.
+inline GridView* gridOf(const MainWindow& window)
+{
+    return static_cast<GridView*>(window.findChild<QAbstractScrollArea*>("grid"));
+}
+
+} // namespace korvo

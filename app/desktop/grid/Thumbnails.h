@@ -1,0 +1,61 @@
+#pragma once
+
+#include "app/desktop/Desktop.h"
+
+#include <QCache>
+#include <QPixmap>
+
+#include <span>
+#include <unordered_map>
+
+namespace korvo {
+
+/// The pictures of a grid's cells: those that were asked for last are loaded, and as many as fit are kept.
+/// Used on the main thread.
+class Thumbnails {
+public:
+    using Arrived = std::function<void(PhotoID)>;
+
+    /// `desktop` must outlive it. `arrived` is told that a photo's cell has something new to show.
+    Thumbnails(Desktop& desktop, Arrived arrived) : desktop_(desktop), arrived_(std::move(arrived)) { }
+
+    /// Loads these, the shown ones first, each in its order, and nothing else any more. `pixels` is the
+    /// longer side in device pixels.
+    void want(std::span<const PhotoItem* const> shown, std::span<const PhotoItem* const> soon, int pixels,
+        double devicePixelRatio);
+
+    struct Picture {
+        QPixmap pixmap; ///< of an earlier edit or another size till the wanted one is there; null if there is
+                        ///< none
+        bool isBroken = false; ///< the file is missing or cannot be read
+    };
+    Picture find(PhotoID id) const;
+
+private:
+    struct Kept {
+        QPixmap pixmap;
+        bool isBroken = false;
+        SharedText file;
+        SharedText edits;
+        int pixels = 0;
+
+        bool shows(const PhotoItem& item, int wantedPixels) const
+        {
+            return pixels == wantedPixels && edits == item.editsJSON && file == item.filename;
+        }
+    };
+    struct Loading {
+        PicturePriority priority;
+        Kept result; // but for the pixmap
+        Pictures::Handle handle;
+    };
+
+    void load(const PhotoItem& item, PicturePriority priority, int pixels, double ratio);
+
+    Desktop& desktop_;
+    Arrived arrived_;
+    QCache<PhotoID, Kept> kept_{256 << 10}; // KiB
+    std::unordered_map<PhotoID, Loading> loading_;
+};
+
+} // namespace korvo

@@ -1,0 +1,278 @@
+#include "app/desktop/sidebar/Sidebar.h"
+
+#include "app/desktop/PhotoDrag.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/Theme.h"
+#include "base/Text.h"
+
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QLocale>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTreeWidgetItemIterator>
+
+namespace korvo {
+
+namespace {
+
+using Kind = SidebarNode::Kind;
+constexpr int keyRole = Qt::UserRole;
+constexpr int idRole = Qt::UserRole + 1;
+
+SidebarKey keyOf(const QTreeWidgetItem& item)
+{
+    return {static_cast<Kind>(item.data(0, keyRole).toInt()), item.data(0, idRole).toLongLong()};
+}
+
+QString question(Kind kind, const QString& name)
+{
+    switch (kind) {
+    case Kind::folder:
+        return "Remove the folder “" + name
+            + "” and its photos from the library? The files stay where they are.";
+    case Kind::project:
+        return "Delete the project “" + name + "” with what lies in it? Its photos stay in the library.";
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop())
+{
+    setObjectName("sidebar");
+    setAccessibleName("Sources");
+    setHeaderHidden(true);
+    setColumnCount(2);
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    setFrameShape(QFrame::NoFrame);
+    setIndentation(14);
+    setUniformRowHeights(true);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
+    setTextElideMode(Qt::ElideMiddle);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    refillTimer_.setSingleShot(true);
+    connect(&refillTimer_, &QTimer::timeout, this, [this] { desktop_.attempt([this] { refill(); }); });
+    connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) { choose(item); });
+    connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item) { renamed(item); });
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
+        if (change.tree)
+            refillTimer_.start(0);
+        if (change.list)
+            showSource();
+    });
+    refill();
+}
+
+void Sidebar::refill()
+{
+    filling_ = true;
+    sync(*invisibleRootItem(), sidebarTree(desktop_.store().tree()));
+    filling_ = false;
+    filter(filter_);
+    showSource();
+}
+
+/// Lines that stay keep their items, and with them whether they are open.
+void Sidebar::sync(QTreeWidgetItem& parent, const std::vector<SidebarNode>& nodes)
+{
+    for (std::size_t place = 0; place < nodes.size(); ++place) {
+        const auto& node = nodes[place];
+        const int at = static_cast<int>(place);
+        const auto isNode = [&](const QTreeWidgetItem* item) {
+            return keyOf(*item) == SidebarKey{node.kind, node.id};
+        };
+        int found = at;
+        while (found < parent.childCount() && !isNode(parent.child(found)))
+            ++found;
+        const bool isNew = found == parent.childCount();
+        auto* const item = isNew ? new QTreeWidgetItem : parent.child(found);
+        if (isNew)
+            parent.insertChild(at, item);
+        else if (found != at)
+            parent.insertChild(at, parent.takeChild(found));
+        show(*item, node);
+        if (isNew && (node.kind == Kind::heading))
+            item->setExpanded(true);
+        sync(*item, node.children);
+    }
+    while (parent.childCount() > static_cast<int>(nodes.size()))
+        delete parent.takeChild(parent.childCount() - 1);
+}
+
+void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
+{
+    item.setData(0, keyRole, static_cast<int>(node.kind));
+    item.setData(0, idRole, static_cast<qlonglong>(node.id));
+    const QString name = qt(repairedUtf8(node.name));
+    item.setText(0, name);
+    item.setToolTip(0, node.hint.empty() ? name : qt(repairedUtf8(node.hint)));
+    const QString count = node.count ? QLocale().toString(static_cast<qlonglong>(*node.count)) : QString();
+    item.setText(1, count);
+    item.setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
+    item.setForeground(1, theme::mutedText);
+    item.setData(0, Qt::AccessibleTextRole, count.isEmpty() ? name : name + ", " + count);
+    auto flags = Qt::ItemIsEnabled | Qt::ItemIsDropEnabled;
+    if (node.kind == Kind::heading) {
+        QFont bold = font();
+        bold.setBold(true);
+        item.setFont(0, bold);
+        item.setForeground(0, theme::mutedText);
+    } else {
+        flags |= Qt::ItemIsSelectable;
+    }
+    if (canBeRenamed(node.kind))
+        flags |= Qt::ItemIsEditable;
+    if (node.kind == Kind::project || node.kind == Kind::album)
+        flags |= Qt::ItemIsDragEnabled;
+    item.setFlags(flags);
+}
+
+void Sidebar::showSource()
+{
+    if (auto* const item = itemOf(korvo::keyOf(desktop_.store().source())); item && item != currentItem()) {
+        filling_ = true;
+        setCurrentItem(item);
+        filling_ = false;
+    }
+}
+
+QTreeWidgetItem* Sidebar::itemOf(const SidebarKey& key) const
+{
+    for (QTreeWidgetItemIterator at(invisibleRootItem()); *at; ++at)
+        if (keyOf(**at) == key)
+            return *at;
+    return nullptr;
+}
+
+void Sidebar::choose(QTreeWidgetItem* item)
+{
+    if (filling_ || !item)
+        return;
+    const auto key = keyOf(*item);
+    if (key.kind == Kind::keyword && keywordChosen)
+        keywordChosen(utf8(item->text(0)));
+    else if (const auto source = sourceOf(key); source && *source != desktop_.store().source())
+        desktop_.attempt([&] { desktop_.store().chooseSource(*source); });
+}
+
+void Sidebar::filter(const QString& text)
+{
+    filter_ = text;
+    const auto apply = [&](const auto& self, QTreeWidgetItem& item) -> bool {
+        bool shown = text.isEmpty() || item.text(0).contains(text, Qt::CaseInsensitive);
+        for (int i = 0; i < item.childCount(); ++i)
+            shown = self(self, *item.child(i)) || shown;
+        item.setHidden(!shown);
+        return shown;
+    };
+    for (int i = 0; i < topLevelItemCount(); ++i)
+        apply(apply, *topLevelItem(i));
+}
+
+bool Sidebar::canRenameChosen() const
+{
+    return currentItem() && canBeRenamed(keyOf(*currentItem()).kind);
+}
+
+void Sidebar::renameChosen()
+{
+    if (canRenameChosen())
+        editItem(currentItem(), 0);
+}
+
+void Sidebar::renamed(QTreeWidgetItem* item)
+{
+    if (filling_)
+        return;
+    desktop_.attempt([&] { renameLine(desktop_.store(), keyOf(*item), utf8(item->text(0))); });
+    refillTimer_.start(0); // a name that was refused goes back
+}
+
+void Sidebar::remove(const SidebarKey& key, const QString& name)
+{
+    if (const QString asked = question(key.kind, name); !asked.isEmpty()
+        && QMessageBox::question(
+               &window_, "Korvo", asked, QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel)
+            != QMessageBox::Yes)
+        return;
+    desktop_.attempt([&] {
+        const bool shown = sourceOf(key) == std::optional(desktop_.store().source());
+        deleteLine(desktop_.store(), key);
+        if (shown)
+            desktop_.store().chooseSource(std::nullopt);
+        desktop_.say("Deleted “" + utf8(name) + "”.", Offer::undo);
+    });
+}
+
+void Sidebar::contextMenuEvent(QContextMenuEvent* event)
+{
+    auto* const item = event->reason() == QContextMenuEvent::Keyboard ? currentItem() : itemAt(event->pos());
+    const auto key = item ? keyOf(*item) : SidebarKey();
+    QMenu menu(this);
+    auto& commands = window_.commands();
+    if (canBeRenamed(key.kind))
+        menu.addAction("Rename", QKeySequence(Qt::Key_F2), [this, item] { editItem(item, 0); });
+    if (key.kind == Kind::smartAlbum)
+        menu.addAction(commands.action(Command::editSmartAlbum));
+    if (canBeDeleted(key.kind)) {
+        const QString verb = key.kind == Kind::folder ? "Remove from Library…" : "Delete";
+        menu.addAction(verb, [this, key, name = item->text(0)] { remove(key, name); });
+    }
+    if (!menu.isEmpty())
+        menu.addSeparator();
+    for (const auto command : {Command::newProject, Command::newAlbum, Command::newSmartAlbum,
+             Command::newKeyword, Command::addFolder})
+        menu.addAction(commands.action(command));
+    menu.exec(event->globalPos());
+}
+
+void Sidebar::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->acceptProposedAction();
+}
+
+void Sidebar::dragMoveEvent(QDragMoveEvent* event)
+{
+    QTreeWidget::dragMoveEvent(event); // scrolls, and shows the line
+    const auto* const item = itemAt(event->position().toPoint());
+    const bool photos = !draggedPhotos(*event->mimeData()).empty();
+    const bool takes = item
+        && (photos ? takesPhotos(keyOf(*item))
+                   : event->source() == this && currentItem()
+                    && canBeMoved(keyOf(*currentItem()), keyOf(*item)));
+    event->setAccepted(takes || (!photos && event->mimeData()->hasUrls()));
+}
+
+void Sidebar::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction); // after a move, whoever it came from would remove it there
+    event->accept();
+    const auto ids = draggedPhotos(*event->mimeData());
+    auto* const item = itemAt(event->position().toPoint());
+    if (ids.empty() && event->mimeData()->hasUrls())
+        return window_.addDropped(*event->mimeData());
+    if (!item)
+        return;
+    if (!ids.empty()) {
+        const auto key = keyOf(*item);
+        desktop_.attempt([&] {
+            desktop_.say(
+                dropPhotos(desktop_.store(), {key.kind, key.id, utf8(item->text(0)), {}}, ids), Offer::undo);
+        });
+    } else if (currentItem() && canBeMoved(keyOf(*currentItem()), keyOf(*item))) {
+        desktop_.attempt([&] { moveLine(desktop_.store(), keyOf(*currentItem()), keyOf(*item)); });
+    }
+}
+
+} // namespace korvo

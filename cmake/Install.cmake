@@ -1,0 +1,28 @@
+# What is installed where, and the Debian package: cmake --install build/release; cpack --config build/release/CPackConfig.cmake
+
+include(GNUInstallDirs)
+
+# The decoder is looked for beside the programs.
+install(TARGETS korvo korvo-desktop korvo-decoder RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES share/korvo.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES share/korvo.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+install(FILES share/korvo.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(FILES share/korvo.1 share/korvo-desktop.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES share/copyright README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME korvo)
+set(CPACK_PACKAGE_CONTACT "The Korvo developers <korvo@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libimage-exiftool-perl")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "udisks2")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-wayland")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "photo-library manager and non-destructive photo editor
+ Korvo keeps a catalog of photos and videos that stay in their folders. It
+ rates, labels, files and describes them, adjusts them without touching the
+ originals, and writes descriptive metadata into the files.")
+include(CPack)

@@ -1,0 +1,131 @@
+#include "app/Marking.h"
+#include "tests/app/desktop/TestWindow.h"
+
+#include <QLineEdit>
+
+namespace korvo {
+
+namespace {
+
+using IDs = std::vector<PhotoID>;
+
+/// Notes what is said to the user.
+struct Heard {
+    explicit Heard(Desktop& desktop)
+        : connection(desktop.noticed.connect([this](const Notice& notice) { notices.push_back(notice); }))
+    { }
+    std::vector<Notice> notices;
+    Connection connection;
+};
+
+} // namespace
+
+TEST(Culling, aKeyActsOnAllSelectedInTheGridAndElsewhereOnThePhotoShown)
+{
+    TestWindow t(4);
+    t.store().select({1, 2, 3});
+    t.press(Qt::Key_4);
+    EXPECT_EQ(t.listed(1).rating + t.listed(2).rating + t.listed(3).rating, 12);
+    t.desktop->browser().setCurrent(2);
+    t.desktop->browser().setMode(ViewMode::viewer);
+    t.press(Qt::Key_1);
+    t.press(Qt::Key_6);
+    EXPECT_EQ(t.listed(2).rating, 1);
+    EXPECT_EQ(t.listed(2).label, PhotoLabel::red);
+    EXPECT_EQ(t.listed(1).rating, 4);
+    EXPECT_EQ(t.listed(3).label, PhotoLabel::none);
+}
+
+TEST(Culling, shiftGoesOnToTheNextPhotoBothInTheGridAndInTheViewer)
+{
+    TestWindow t(4);
+    for (const auto mode : {ViewMode::grid, ViewMode::viewer}) {
+        t.store().select({1});
+        t.desktop->browser().setMode(mode);
+        t.press(Qt::Key_P, Qt::ShiftModifier);
+        EXPECT_EQ(t.desktop->browser().current(), 2);
+        EXPECT_EQ(t.store().selection(), IDs{2});
+        t.press(Qt::Key_P);
+        EXPECT_EQ(t.desktop->browser().current(), 2) << "without Shift it stays";
+    }
+    t.desktop->browser().setMode(ViewMode::grid);
+    t.store().select({1, 3});
+    t.press(Qt::Key_3, Qt::ShiftModifier);
+    EXPECT_EQ(t.store().selection(), IDs{4}) << "behind the last of several";
+}
+
+TEST(Culling, aPhotoThatTheFilterHidesMakesRoomForTheNextAndUndoBringsItBackSelected)
+{
+    TestWindow t(3);
+    t.store().select({2});
+    t.press(Qt::Key_X);
+    EXPECT_EQ(t.store().selection(), IDs{3});
+    t.press(Qt::Key_X, Qt::ShiftModifier); // the last one: back to what is before it
+    EXPECT_EQ(t.store().selection(), IDs{1});
+    t.press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(t.store().selection(), IDs{3});
+    t.press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(t.store().selection(), IDs{2});
+    t.press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(t.store().catalog().photo(2)->isRejected());
+}
+
+TEST(Culling, offersUndoInALineWhenOneKeyChangedManyPhotos)
+{
+    TestWindow t(22);
+    const Heard heard(*t.desktop);
+    t.store().select({1, 2});
+    t.press(Qt::Key_P);
+    EXPECT_TRUE(heard.notices.empty());
+    t.press(Qt::Key_A, Qt::ControlModifier);
+    t.press(Qt::Key_P);
+    ASSERT_EQ(heard.notices.size(), 1U);
+    EXPECT_EQ(heard.notices[0].text, "Pick: 22 photos.");
+    EXPECT_TRUE(heard.notices[0].offersUndo);
+}
+
+TEST(Culling, deleteSaysThatItRejects)
+{
+    TestWindow t(2);
+    const Heard heard(*t.desktop);
+    t.store().select({1});
+    t.press(Qt::Key_Delete);
+    EXPECT_TRUE(t.store().catalog().photo(1)->isRejected());
+    ASSERT_EQ(heard.notices.size(), 1U);
+    EXPECT_NE(heard.notices[0].text.find("Rejected 1 photo"), std::string::npos);
+}
+
+TEST(Culling, keysBelongToAFieldWhileTypingAndEscapeLeavesIt)
+{
+    TestWindow t(2);
+    t.store().select({1});
+    t.press(Qt::Key_F, Qt::ControlModifier);
+    auto* const field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(field);
+    for (const auto key : {Qt::Key_5, Qt::Key_X, Qt::Key_Space})
+        t.press(key);
+    EXPECT_EQ(field->text(), "5x ");
+    EXPECT_EQ(t.listed(1).rating, 0);
+    t.press(Qt::Key_Escape);
+    t.press(Qt::Key_5);
+    EXPECT_EQ(t.listed(1).rating, 5);
+}
+
+TEST(Culling, arrowsMoveAndShiftExtends)
+{
+    TestWindow t(3);
+    t.press(Qt::Key_Right); // the first one, where none was chosen
+    EXPECT_EQ(t.store().selection(), IDs{1});
+    t.press(Qt::Key_Right);
+    t.press(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(t.store().selection(), (IDs{2, 3}));
+    t.press(Qt::Key_Home);
+    EXPECT_EQ(t.store().selection(), IDs{1});
+    t.press(Qt::Key_E);
+    EXPECT_EQ(t.desktop->browser().mode(), ViewMode::viewer);
+    t.press(Qt::Key_Escape);
+    EXPECT_EQ(t.desktop->browser().mode(), ViewMode::grid);
+    EXPECT_EQ(t.store().selection(), IDs{1});
+}
+
+} // namespace korvo

@@ -1,0 +1,151 @@
+#include "app/SearchFilter.h"
+#include "app/SidebarTree.h"
+#include "app/ViewMemory.h"
+#include "app/desktop/Instance.h"
+#include "app/desktop/WindowMemory.h"
+#include "app/desktop/grid/GridLayout.h"
+#include "tests/app/desktop/TestWindow.h"
+
+namespace korvo {
+
+using IDs = std::vector<PhotoID>;
+
+TEST(GridLayout, findsEachOfAMillionCellsAgain)
+{
+    const GridLayout layout{1000, {180, 220}, 1'000'000};
+    EXPECT_EQ(layout.columns(), 5);
+    for (const std::size_t index : {0UL, 4UL, 5UL, 999'998UL, 999'999UL}) {
+        const QRect cell = layout.rect(index);
+        EXPECT_EQ(layout.indexAt(cell.center()), index);
+        const auto [first, last] = layout.between(cell.top(), cell.bottom());
+        EXPECT_TRUE(first <= index && index < last && last - first <= 5) << index;
+    }
+    EXPECT_EQ(layout.indexAt({2, 100}), std::nullopt) << "in the margin";
+    EXPECT_EQ(layout.indexAt({500, layout.height()}), std::nullopt);
+}
+
+TEST(SearchFilter, leavesWhatHasAllThatIsAskedFor)
+{
+    TestWindow t(0);
+    auto& catalog = t.store().catalog();
+    const auto add = [&](const char* name, const char* title, int rating, PhotoLabel label) {
+        const NewPhoto photo{
+            .folderID = {}, .path = std::string("/photos/") + name, .metadata = {.title = title}};
+        const auto id = catalog.addPhotos({{photo}})[0].id;
+        catalog.setRating(only(id), rating);
+        catalog.setLabel(only(id), label);
+    };
+    add("1.jpg", "Sea and sand", 3, PhotoLabel::red);
+    add("2.mov", "Sea", 5, PhotoLabel::blue);
+    add("sea.jpg", "", 0, PhotoLabel::none);
+    t.store().reload();
+    struct Case {
+        SearchFilter filter;
+        IDs left;
+    };
+    for (const auto& [filter, left] : {
+             Case{{}, {1, 2, 3}},
+             {{.words = "SEA"}, {1, 2, 3}},
+             {{.words = " sand  sea "}, {1}},
+             {{.words = "mountain"}, {}},
+             {{.leastStars = 3}, {1, 2}},
+             {{.words = "sea", .leastStars = 4, .kind = SearchFilter::Kind::videos}, {2}},
+             {{.labels = {PhotoLabel::red, PhotoLabel::blue}, .kind = SearchFilter::Kind::photos}, {1}},
+             {{.flaggedOnly = true}, {}},
+         }) {
+        t.store().narrow(rulesOf(filter));
+        IDs shown;
+        for (const auto position : t.store().list().shown())
+            shown.push_back(t.store().list().items()[position].id);
+        std::sort(shown.begin(), shown.end());
+        EXPECT_EQ(shown, left) << filter.words << " " << filter.leastStars;
+    }
+}
+
+TEST(SidebarTree, nestsAlbumsAndTakesPhotosAndLinesWhereTheyFit)
+{
+    using Kind = SidebarNode::Kind;
+    TestWindow t(2);
+    auto& store = t.store();
+    const auto trip = store.createProject("Trip", "project", {});
+    const auto day = store.createProject("Day", "project", trip);
+    const auto best = store.createAlbum("Best", {});
+    moveLine(store, {Kind::album, best}, {Kind::project, day});
+    const auto projects = sidebarTree(store.tree())[2];
+    ASSERT_EQ(projects.children.size(), 1U);
+    EXPECT_EQ(projects.children[0].children[0].children[0].name, "Best");
+    EXPECT_FALSE(canBeMoved({Kind::project, trip}, {Kind::project, trip}));
+    EXPECT_THROW(moveLine(store, {Kind::project, trip}, {Kind::project, day}), std::invalid_argument);
+
+    store.select({1, 2});
+    EXPECT_EQ(
+        dropPhotos(store, {Kind::album, best, "Best", {}}, store.selection()), "Added 2 photos to “Best”.");
+    EXPECT_EQ(sidebarTree(store.tree())[2].children[0].children[0].children[0].count, 2);
+    const auto keyword = store.createKeyword("sea", {});
+    dropPhotos(store, {Kind::keyword, keyword, "sea", {}}, IDs{1});
+    dropPhotos(store, {Kind::keyword, keyword, "sea", {}}, IDs{1});
+    EXPECT_EQ(t.listed(1).metadata.keywords, "sea");
+    renameLine(store, {Kind::album, best}, "Finest");
+    EXPECT_EQ(store.tree().albums[0].name, "Finest");
+    EXPECT_EQ(keyOf(sourceOf({Kind::album, best}).value()), (SidebarKey{Kind::album, best}));
+}
+
+TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)
+{
+    TestWindow t(3);
+    auto& store = t.store();
+    const auto album = store.createAlbum("Best", {});
+    store.addToAlbum(album, IDs{1, 2, 3});
+    store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    store.arrange(SortKey::rating, std::nullopt);
+    store.select({3, 1});
+    const auto memory = viewMemoryOf(textOf(viewMemory(store)));
+
+    store.chooseSource({});
+    store.arrange({}, GridFilter::starred);
+    restoreView(store, memory);
+    EXPECT_EQ(store.source()->id, album);
+    EXPECT_EQ(store.list().sortKey(), SortKey::rating);
+    EXPECT_EQ(store.list().filter(), std::nullopt);
+    EXPECT_EQ(store.selection(), (IDs{3, 1}));
+
+    store.chooseSource({});
+    store.deleteAlbum(album);
+    store.removePhotos(IDs{3});
+    restoreView(store, memory);
+    EXPECT_EQ(store.source(), std::nullopt);
+    EXPECT_EQ(store.selection(), IDs{1});
+    restoreView(store, viewMemoryOf("{\"source\": 3"));
+    EXPECT_EQ(store.list().filter(), GridFilter::unratedOrBetter);
+}
+
+TEST(Window, comesBackAsItWasLeft)
+{
+    TestWindow t(3);
+    t.store().select({2});
+    t.press(Qt::Key_F7);
+    t.window->resize(900, 650);
+    t.window->close();
+    t.window.reset();
+    t.store().select({});
+    MainWindow again(*t.desktop);
+    restoreWindow(again);
+    again.show();
+    EXPECT_EQ(t.store().selection(), IDs{2});
+    EXPECT_FALSE(again.commands().action(Command::sidebar)->isChecked());
+    EXPECT_EQ(again.size(), QSize(900, 650));
+}
+
+TEST(Instance, aSecondStartBringsTheFirstWindowForward)
+{
+    const TemporaryFolder folder;
+    EXPECT_FALSE(Instance::bringForward(folder.path()));
+    int asked = 0;
+    const Instance first(
+        folder.path(), [&](const Instance::Paths& add) { asked += 1 + static_cast<int>(add.size()); });
+    EXPECT_TRUE(Instance::bringForward(folder.path() / "." / "", {"/a photo", "/b"}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 3; }));
+    EXPECT_FALSE(Instance::bringForward(folder / "another"));
+}
+
+} // namespace korvo
