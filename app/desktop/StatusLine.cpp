@@ -1,12 +1,12 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/sheets/FailureList.h"
 #include "base/Text.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QLocale>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
@@ -181,13 +181,7 @@ void StatusLine::showFailures()
     for (const auto& job : desktop_.jobs().all())
         for (auto& failure : job->failures())
             failures.push_back(std::move(failure));
-    QString text;
-    for (const auto& failure : failures)
-        text += qt(failure) + "\n";
-    QMessageBox box(
-        QMessageBox::Warning, "Korvo", qt(counted(failures.size(), "failure")), QMessageBox::Ok, &window_);
-    box.setDetailedText(text);
-    box.exec();
+    korvo::showFailures(window_, failures);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sidebar/Sidebar.h"
 
 #include <QLineEdit>
@@ -24,6 +25,12 @@ void addSidebar(MainWindow& window)
     layout->addWidget(filter);
     layout->addWidget(sidebar);
     window.setSidebar(place);
+    auto& store = window.desktop().store();
+    const auto isSmartAlbum
+        = [&store] { return store.source() && store.source()->kind == LibrarySource::Kind::smartAlbum; };
+    window.commands().handle(
+        Command::editSmartAlbum, [&window, &store] { showSmartAlbumSheet(window, store.source()->id); },
+        isSmartAlbum);
     window.commands().handle(
         Command::rename, [sidebar] { sidebar->renameChosen(); },
         [sidebar] { return sidebar->canRenameChosen(); });
