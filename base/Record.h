@@ -3,6 +3,7 @@
 #include "base/ForEach.h"
 #include "base/Hash.h"
 
+#include <concepts>
 #include <cstddef>
 #include <functional>
 #include <string_view>
@@ -53,9 +54,11 @@ bool equalFields(const T& a, const T& b)
 
 /// Lists the fields of a struct, after it and in its namespace: KORVO_RECORD(CropRect, x, y, w, h). Equality,
 /// hashing and JSON follow from the list. A field that is forgotten, surplus or misspelt does not compile: a
-/// structured binding takes exactly as many names as there are fields, and each name must be a member's.
+/// structured binding takes exactly as many names as there are fields, and each name must be a member's. What
+/// is defined are templates, so that only those sources pay for a long list that use it.
 #define KORVO_RECORD(Type, ...)                                                                              \
-    [[maybe_unused]] constexpr auto recordFields(const Type*)                                                \
+    template <std::same_as<Type> T>                                                                          \
+    [[maybe_unused]] constexpr auto recordFields(const T*)                                                   \
     {                                                                                                        \
         return std::tuple{KORVO_FOR_EACH(KORVO_RECORD_FIELD, Type, __VA_ARGS__)};                            \
     }                                                                                                        \
@@ -63,7 +66,8 @@ bool equalFields(const T& a, const T& b)
     {                                                                                                        \
         [[maybe_unused]] const auto& [__VA_ARGS__] = korvoRecord;                                            \
     }                                                                                                        \
-    [[maybe_unused]] inline bool operator==(const Type& a, const Type& b)                                    \
+    template <std::same_as<Type> T>                                                                          \
+    [[maybe_unused]] bool operator==(const T& a, const T& b)                                                 \
     {                                                                                                        \
         return korvo::equalFields(a, b);                                                                     \
     }

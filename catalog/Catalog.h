@@ -1,12 +1,12 @@
 #pragma once
 
-#include "base/Dates.h"
 #include "catalog/AutoStack.h"
+#include "catalog/CatalogErrors.h"
+#include "catalog/CatalogRecords.h"
 #include "catalog/Database.h"
 #include "catalog/FileRecord.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/MetadataChange.h"
-#include "catalog/PhotoItem.h"
 #include "catalog/SmartAlbumMatcher.h"
 #include "catalog/Stack.h"
 #include "catalog/Tree.h"
@@ -17,7 +17,6 @@
 #include <optional>
 #include <set>
 #include <span>
-#include <stdexcept>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -27,71 +26,8 @@
 
 namespace korvo {
 
-/// A file to be taken into the library.
-struct NewPhoto {
-    std::optional<std::int64_t> folderID; // the added folder it lies in
-    std::string path; // absolute
-    UnixTime addedAt = 0;
-    std::optional<UnixTime> fileDate;
-    std::optional<std::int64_t> fileSize; // not set when the file could not be read
-    PhotoMetadata metadata; // as read from the file
-};
-
-struct AddedPhoto {
-    PhotoID id;
-    bool isNew; // false: the file had a master already
-};
-
-/// What the files themselves say about how a photo was taken.
-struct CameraData {
-    std::string camera;
-    std::string lens;
-    std::optional<std::int64_t> iso;
-    std::optional<double> focalLength;
-    std::optional<double> aperture;
-    std::optional<double> shutter;
-    std::optional<UnixTime> captureDate;
-};
-
-/// A photo of another program's library, with all that is known of it.
-struct ImportedPhoto {
-    std::string path; // absolute
-    UnixTime addedAt = 0;
-    std::optional<UnixTime> fileDate;
-    std::optional<std::int64_t> fileSize;
-    PhotoMetadata metadata;
-    int rating = 0;
-    bool flagged = false;
-    PhotoLabel label = PhotoLabel::none;
-    std::string edits; // as stored
-    std::string versionName;
-    std::string referencePath; // the other program's own render
-    std::optional<std::int64_t> projectID;
-    CameraData camera;
-    bool isCameraRead = false; // else it is read from the file later
-    std::optional<double> latitude;
-    std::optional<double> longitude;
-};
-
 /// Whether a change of metadata still has to be written into the file.
 enum class WriteBack { done, pending };
-
-/// An operation on a project, album, folder, keyword or smart album that the library does not hold.
-class NotFoundError : public std::runtime_error {
-public:
-    NotFoundError(std::string_view noun, std::int64_t id)
-        : std::runtime_error("no " + std::string(noun) + " with the id " + std::to_string(id))
-    { }
-};
-
-/// A smart album whose stored rules this program cannot read. They stay as they are.
-class SmartAlbumError : public std::runtime_error {
-public:
-    SmartAlbumError(std::string_view name, std::string_view reason)
-        : std::runtime_error(
-            "the rules of the smart album “" + std::string(name) + "” cannot be read: " + std::string(reason))
-    { }
-};
 
 /// The open library: its folder, its database, and every statement over them. Calls may come from any thread.
 /// Each throws DatabaseError, those that change one row of an id NotFoundError when there is none, and those
