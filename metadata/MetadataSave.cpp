@@ -207,20 +207,16 @@ private:
         written_.clear();
     }
 
+    /// A file that holds what was found, as one does that was never written or cannot be, is left as it is.
     void revertOne(const FileRecord& record)
     {
-        if (record.backup.empty())
-            return readAgain(record);
-        const auto found = fromJson<PhotoMetadata>(record.backup);
-        // It waits until the file is written, so that a failure or a crash leaves it marked.
-        catalog_.setMetadata(record.id, found, WriteBack::pending);
-        write(record, found);
-    }
-
-    void readAgain(const FileRecord& record)
-    {
         const auto state = fileState(record.path);
-        const auto found = photoMetadata(readDescriptive(record.path));
+        const auto inFile = photoMetadata(readDescriptive(record.path));
+        const auto found = record.backup.empty() ? inFile : fromJson<PhotoMetadata>(record.backup);
+        if (inFile != found) { // it waits until the file is written, whatever comes between
+            catalog_.setMetadata(record.id, found, WriteBack::pending);
+            return write(record, found);
+        }
         Transaction transaction(catalog_.database());
         catalog_.setMetadata(record.id, found, WriteBack::done);
         catalog_.fileChanged(record.id, state.date, state.size);

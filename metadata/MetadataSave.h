@@ -40,8 +40,8 @@ FilesWritten saveMetadata(
     Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
 
 /// Brings the descriptive fields of photos, in the catalog and in their files, back to what the files held
-/// when they were found. A file that was never written holds that still: its fields are read again. The
-/// originals inside an Aperture library are passed over. Throws likewise.
+/// when they were found. A file that holds that still is not written, and of one that never was the fields
+/// are read again. The originals inside an Aperture library are passed over. Throws likewise.
 FilesWritten revertMetadata(Catalog& catalog, std::span<const PhotoID> photos, const ExifTool& tool,
     const std::stop_token& stop, const FileProgress& progress);
 
