@@ -200,11 +200,16 @@ TEST_F(Import, twoFilesOfOneNameAndCompleteCopiesOfOthersAreToldApart)
     fs::create_directories(destination);
     fs::copy(card.folder / "DCIM/100CANON/IMG_0003.JPG",
         destination / "IMG_0003.JPG"); // by hand, or before a kill
+    const auto killed = card.folder / "DCIM/100CANON/IMG_0004.JPG"; // by an import under other names
+    fs::copy(killed, destination / "other-017.JPG");
+    library.catalog->announceImport(
+        duplicateKey("IMG_0004.JPG", fs::file_size(killed)), (destination / "other-017.JPG").native());
     EXPECT_EQ(run({.copyTo = destination}).photos.size(), 302U);
     const auto copies = contents(destination);
     EXPECT_EQ(copies.at("IMG_0149.JPG"), photo("DCIM/100CANON/IMG_0149.JPG"));
     EXPECT_EQ(copies.at("IMG_0149-2.JPG"), photo("DCIM/101CANON/IMG_0149.JPG"));
     EXPECT_FALSE(copies.contains("IMG_0003-2.JPG"));
+    EXPECT_FALSE(copies.contains("IMG_0004.JPG"));
     EXPECT_EQ(copies.size(), inLibrary() + 1);
 }
 
