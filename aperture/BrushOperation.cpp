@@ -58,12 +58,12 @@ std::optional<PhotoEdits> brushEffect(const BrushOperation& operation, const Adj
         effect.chromaticAberration = ChromaticAberration{value, value};
         return value != 0 ? std::optional(effect) : std::nullopt;
     }
-    const auto& spec = slider(*operation.brush);
-    if (value < spec.lower) // a share of the effect where the slider starts at 1
-        value += spec.lower;
-    if (value <= spec.neutral())
+    const auto& range = slider(*operation.brush);
+    if (value < range.lower) // a share of the effect where the slider starts at 1
+        value += range.lower;
+    if (value <= range.neutral())
         return std::nullopt;
-    spec.setValue(effect, std::min(value, spec.upper));
+    range.setValue(effect, std::min(value, range.upper));
     return effect;
 }
 
