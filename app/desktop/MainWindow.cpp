@@ -16,6 +16,7 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QTabBar>
 #include <QTabWidget>
 
 namespace korvo {
@@ -43,6 +44,7 @@ MainWindow::MainWindow(Desktop& desktop)
     inspector_->setMinimumWidth(250);
     inspector_->setAccessibleName("Inspector");
     inspector_->setDocumentMode(true);
+    inspector_->tabBar()->setDrawBase(false);
     makeCommands();
     addMarking(*this);
     addLibraryCommands(*this);

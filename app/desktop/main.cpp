@@ -132,7 +132,7 @@ int main(int argc, char** argv)
     QApplication::setApplicationName("korvo-desktop");
     QApplication::setApplicationDisplayName("Korvo");
     QApplication::setApplicationVersion(KORVO_VERSION);
-    QGuiApplication::setDesktopFileName("korvo");
+    QGuiApplication::setDesktopFileName("org.korvo.Korvo");
     applyTheme(application);
     try {
         return run(parsed(application));
