@@ -100,8 +100,10 @@ private:
         } catch (const fs::filesystem_error& error) { // it has gone since it was scanned
             candidate.failure = sentence(candidate.file.path, error.code().message());
             candidate.photo.path.clear();
-        } catch (const MetadataError& error) { // it is there, and is taken in unread
+        } catch (const MetadataError& error) { // if it is there, it is taken in unread
             candidate.photo.fileSize.reset();
+            if (std::error_code unknown; !fs::exists(candidate.file.path, unknown))
+                candidate.photo.path.clear(); // known unread it would never be read when its disk comes back
             candidate.failure
                 = (candidate.file.path.parent_path() / error.what()).string(); // it begins with the name
         }
