@@ -9,7 +9,12 @@
 #include "metadata/MetadataError.h"
 #include "metadata/MetadataFiles.h"
 
+#include <fmt/format.h>
+
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <unordered_map>
 
@@ -27,6 +32,19 @@ constexpr std::size_t mostSingleCalls = 3;
 /// what the tool needs for a small file. A crash leaves those of this time waiting, and they are written once
 /// more.
 constexpr std::chrono::milliseconds timeBetweenStores(250);
+
+/// What exiftool leaves out when it says that it cannot write a file beside this one.
+std::string whyNotWritable(const fs::path& file)
+{
+    constexpr std::uintmax_t growth = 1 << 20; // more than what is written makes a file grow by
+    const auto folder = file.parent_path();
+    if (::access(folder.c_str(), W_OK) != 0)
+        return fmt::format(" ({})", std::generic_category().message(errno));
+    std::error_code unknown;
+    const auto needed = fs::file_size(file, unknown) + growth;
+    const auto space = fs::space(folder, unknown);
+    return !unknown && space.available < needed ? " (its disk is full)" : "";
+}
 
 /// The steps of one save or revert over some masters.
 class Writing {
@@ -114,7 +132,7 @@ private:
             work(*record);
         } catch (const ExifToolError& error) {
             if (!stop_.stop_requested()) // else it is we who ended the tool
-                fail(*record, error.what());
+                fail(*record, error.what() + whyNotWritable(record->path));
         } catch (const NotFoundError&) {
             // It was removed meanwhile.
         } catch (const fs::filesystem_error& error) {
