@@ -1,6 +1,7 @@
 #include "catalog/LibraryStore.h"
 #include "base/JsonError.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/Soak.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
@@ -261,7 +262,9 @@ TEST(LibraryStore, seesWhatOtherProcessesChange)
     EXPECT_TRUE(t.published.empty()) << "its own changes are no news";
 }
 
-TEST(LibraryStore, randomActionsAreUndoneAndRedoneStepByStep)
+namespace {
+
+void undoAndRedoRandomActions(unsigned seed)
 {
     TestStore t(8);
     LibraryStore& store = *t.store;
@@ -270,7 +273,7 @@ TEST(LibraryStore, randomActionsAreUndoneAndRedoneStepByStep)
                                     "INSERT INTO folders (path, added_at) VALUES ('/photos', 1);"
                                     "UPDATE photos SET folder_id = 1 WHERE id IN (1, 2, 9)");
     store.reload();
-    std::mt19937 random(11);
+    std::mt19937 random(seed);
     const auto upTo = [&](std::size_t n) { return static_cast<std::int64_t>(random() % n); };
     const auto photos = [&] {
         std::vector<PhotoID> ids;
@@ -401,6 +404,13 @@ TEST(LibraryStore, randomActionsAreUndoneAndRedoneStepByStep)
         store.redo();
     EXPECT_EQ(contentOf(store.catalog()), states.back());
     EXPECT_TRUE(listIsTrue());
+}
+
+} // namespace
+
+TEST(LibraryStore, randomActionsAreUndoneAndRedoneStepByStep)
+{
+    forSeeds(undoAndRedoRandomActions);
 }
 
 } // namespace korvo
