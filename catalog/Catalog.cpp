@@ -4,6 +4,11 @@
 #include "catalog/Migration.h"
 #include "catalog/MovedLibrary.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
 namespace korvo {
 
 namespace {
@@ -30,6 +35,8 @@ std::filesystem::path prepareFolder(const std::filesystem::path& folder)
     try {
         refuseForeignFile(folder / "catalog.sqlite");
         std::filesystem::create_directories(folder / "Previews");
+        if (::access(folder.c_str(), W_OK) != 0) // SQLite would fail, and not say why
+            throw DatabaseError::open(std::generic_category().message(errno) + " (" + folder.string() + ")");
         return std::filesystem::canonical(folder);
     } catch (const std::filesystem::filesystem_error& error) {
         throw DatabaseError::open(error.code().message() + " (" + error.path1().string() + ")");

@@ -61,10 +61,10 @@ class Workplace:
                f"korvo {' '.join(map(str, arguments[:2]))} ended with {process.returncode}: {err.strip()[-300:]}")
         return out, err
 
-    def kill(self, longest, *arguments, whole_group=False):
+    def kill(self, longest, *arguments, earliest=0, whole_group=False):
         """Kills the program at a random moment, alone or with its helpers. Returns whether it was still running."""
         process = self.start(*arguments)
-        time.sleep(random.uniform(0, longest))
+        time.sleep(random.uniform(earliest, longest))
         (os.killpg if whole_group else os.kill)(process.pid, signal.SIGKILL)
         process.communicate()
         with contextlib.suppress(ProcessLookupError):

@@ -216,6 +216,20 @@ TEST(Catalog, aReaderHoldsUpNoBackupAndHidesNothingFromIt)
     EXPECT_EQ(reader.scalar("SELECT COUNT(*) FROM photos"), 1) << "it goes on reading what it read";
 }
 
+TEST(Catalog, aReadOnlyDiskIsNamed)
+{
+    const TemporaryFolder folder;
+    const auto disk = folder / "disk";
+    fs::create_directory(disk);
+    if (mount("none", disk.c_str(), "tmpfs", 0, "size=2m") != 0)
+        GTEST_SKIP() << "a disk cannot be mounted here: " << std::strerror(errno);
+    EXPECT_EQ(openingError(disk / "Library"), "opened");
+    EXPECT_EQ(mount("none", disk.c_str(), "tmpfs", MS_REMOUNT | MS_RDONLY, ""), 0);
+    EXPECT_EQ(openingError(disk / "Library"),
+        "Couldn't open library: Read-only file system (" + (disk / "Library").string() + ")");
+    EXPECT_EQ(umount(disk.c_str()), 0);
+}
+
 TEST(Catalog, aFullDiskLosesNothingAndSaysSo)
 {
     const TemporaryFolder folder;
