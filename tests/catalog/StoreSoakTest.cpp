@@ -55,6 +55,10 @@ public:
     {
         for (int i = 0; i < 40; ++i)
             now_.photos[library_.photo(std::to_string(i) + ".jpg")];
+        for (int i = 0; i < 3; ++i) {
+            now_.albums[library_.catalog->createAlbum("album", std::nullopt)];
+            now_.projects[library_.catalog->createProject("project", "project", std::nullopt)] = "project";
+        }
         open();
     }
 
@@ -62,13 +66,13 @@ public:
     {
         const auto before = now_;
         const auto kind = upTo(100);
-        if (kind < 20) {
+        if (kind < 12) {
             travel(past_, future_, [&] { store_->undo(); });
-        } else if (kind < 35) {
+        } else if (kind < 22) {
             travel(future_, past_, [&] { store_->redo(); });
-        } else if (kind == 35) {
+        } else if (kind == 22) {
             open();
-        } else if (kind < 42) {
+        } else if (kind < 32) {
             chooseSource();
         } else {
             actions_[upTo(actions_.size())]();
@@ -139,7 +143,7 @@ private:
 
     void travel(std::vector<Model>& from, std::vector<Model>& to, const std::function<void()>& step)
     {
-        for (auto steps = 1 + upTo(8); steps > 0; --steps) {
+        for (auto steps = 1 + upTo(4); steps > 0; --steps) {
             step();
             if (from.empty())
                 return;
