@@ -135,12 +135,15 @@ void compare(const std::vector<fs::path>& files, unsigned threads)
     std::printf(
         "%u thread%s, %zu files: us a file by the clock and of the processors, each beside the bare reads\n",
         threads, threads == 1 ? "" : "s", files.size());
+    std::vector<korvo::bench::Timing> timings;
     for (std::size_t i = 0; i < contestants.size(); ++i) {
         const double clock = median(times[i], &Times::clock), processor = median(times[i], &Times::processor);
         std::printf("  %-34s %9.2f x %-8.2f %9.2f x %-8.2f %10.0f files/s\n", contestants[i].name, clock,
             clock / median(times[0], &Times::clock), processor,
             processor / median(times[0], &Times::processor), 1e6 / clock);
+        timings.push_back({contestants[i].name, clock / 1e6, processor / 1e6});
     }
+    korvo::bench::keepResult("Camera facts of a file, " + std::to_string(threads) + " threads", timings);
 }
 
 std::mutex xmpMutex;

@@ -1,5 +1,7 @@
 #include "bench/support/Compare.h"
 
+#include "base/Json.h"
+
 #include <fmt/format.h>
 
 #include <malloc.h>
@@ -10,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 
 namespace korvo::bench {
@@ -63,15 +66,36 @@ std::vector<double> compare(const std::string& title, const std::vector<Contende
             seconds[i].push_back(secondsOf(contenders[i].run));
             processors[i].push_back(processorSeconds() - before);
         }
+    std::vector<Timing> timings;
     std::vector<double> medians;
-    for (const auto& runs : seconds)
-        medians.push_back(median(runs));
+    for (std::size_t i = 0; i < contenders.size(); ++i) {
+        medians.push_back(median(seconds[i]));
+        timings.push_back({contenders[i].name, medians.back(), median(processors[i])});
+    }
     fmt::print("{}\n", title);
-    for (std::size_t i = 0; i < contenders.size(); ++i)
-        fmt::print("  {:<44}{:>9.4f} s  x {:.2f}  processors {:.4f} s\n", contenders[i].name, medians[i],
-            medians[i] / medians.back(), median(processors[i]));
+    for (const auto& [name, clock, processor] : timings)
+        fmt::print("  {:<44}{:>9.4f} s  x {:.2f}  processors {:.4f} s\n", name, clock, clock / medians.back(),
+            processor);
     std::fflush(stdout);
+    keepResult(title, timings);
     return medians;
+}
+
+void keepResult(const std::string& title, const std::vector<Timing>& timings)
+{
+    const char* const file = std::getenv("KORVO_BENCH_RESULTS");
+    if (!file)
+        return;
+    JsonWriter json;
+    json.beginObject();
+    json.member("title", title);
+    json.key("seconds");
+    json.beginObject();
+    for (const auto& timing : timings)
+        json.member(timing.name, timing.clock);
+    json.endObject();
+    json.endObject();
+    std::ofstream(file, std::ios::app) << json.take() << '\n';
 }
 
 double peakMemory()

@@ -13,11 +13,22 @@ struct Contender {
     std::function<void()> prepare = [] {}; // before each run, not timed
 };
 
+/// What one contender took: medians, in seconds.
+struct Timing {
+    std::string name;
+    double clock;
+    double processors;
+};
+
 /// Runs the contenders in turn, `rounds` times each, so that whatever else the machine does meets all of
 /// them, and prints the median seconds of each, its ratio to the last one, the yardstick, and the seconds of
-/// processors, which others disturb less. Returns the medians.
+/// processors, which others disturb less. Returns the medians. Keeps them as keepResult does.
 std::vector<double> compare(
     const std::string& title, const std::vector<Contender>& contenders, int rounds = 5);
+
+/// Appends a comparison as a line of JSON, {"title", "seconds": {name: clock}}, to the file that
+/// $KORVO_BENCH_RESULTS names, if it does; bench/compare/run makes its page of them.
+void keepResult(const std::string& title, const std::vector<Timing>& timings);
 
 /// The memory that `work` leaves in use, in bytes: measured in a process of its own.
 double memoryTakenBy(const std::function<void()>& work);
