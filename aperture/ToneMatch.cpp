@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t levels = 256;
 constexpr std::size_t points = 17;
-constexpr double lowered = 0.05; // of 255: a smaller gain is noise
+constexpr double leastGain = 0.05; // of 255: a smaller gain is noise
 
 /// What stands against each level of ours, over all pixels and channels.
 struct Pairs {
@@ -121,7 +121,7 @@ std::optional<ToneCurves> fitToneCurve(const Bitmap& ours, const Bitmap& theirs)
         return std::nullopt;
     const auto pairs = pairsOf(ours, theirs);
     auto curve = curveThrough(risingFit(pairs));
-    if (differenceThrough(curve, ours, theirs) >= pairs.difference - lowered * pairs.total)
+    if (differenceThrough(curve, ours, theirs) >= pairs.difference - leastGain * pairs.total)
         return std::nullopt;
     return ToneCurves{.rgb = std::move(curve)};
 }

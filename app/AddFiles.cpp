@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t batchSize = 256;
 
 /// One file on its way into the catalog.
-struct Candidate {
+struct NewFile {
     ScannedFile file;
     NewPhoto photo;
     FileContents contents;
@@ -31,7 +31,7 @@ std::string sentence(const fs::path& path, const std::string& reason)
     return path.string() + ": " + reason;
 }
 
-using Batch = std::vector<Candidate>;
+using Batch = std::vector<NewFile>;
 
 /// The steps of one run. Scanning and storing each go through the batches one after the other, in the order
 /// of the scan; reading happens to several batches at once.
@@ -55,7 +55,7 @@ public:
                 })
                 & tbb::make_filter<std::shared_ptr<Batch>, std::shared_ptr<Batch>>(tbb::filter_mode::parallel,
                     [this](std::shared_ptr<Batch> batch) {
-                        for (Candidate& candidate : *batch)
+                        for (NewFile& candidate : *batch)
                             read(candidate);
                         return batch;
                     })
@@ -81,7 +81,7 @@ private:
         return batch;
     }
 
-    void read(Candidate& candidate) const
+    void read(NewFile& candidate) const
     {
         if (!candidate.file.failure.empty()) {
             candidate.failure = sentence(candidate.file.path, candidate.file.failure);
@@ -112,9 +112,9 @@ private:
     void store(Batch& batch)
     {
         std::vector<NewPhoto> photos;
-        std::vector<const Candidate*> sources;
+        std::vector<const NewFile*> sources;
         Transaction transaction(catalog_.database());
-        for (Candidate& candidate : batch) {
+        for (NewFile& candidate : batch) {
             if (!candidate.failure.empty())
                 result_.failures.push_back({candidate.file.path, candidate.failure});
             if (candidate.photo.path.empty())

@@ -14,7 +14,7 @@ namespace korvo {
 
 namespace {
 
-constexpr char lowered(char c)
+constexpr char lowerByte(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -137,7 +137,7 @@ std::string joinKeywords(const std::vector<std::string>& keywords)
 std::string asciiLower(std::string_view text)
 {
     std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), lowered);
+    std::transform(lower.begin(), lower.end(), lower.begin(), lowerByte);
     return lower;
 }
 
@@ -146,7 +146,7 @@ int compareNoCase(std::string_view a, std::string_view b)
     const auto common = std::min(a.size(), b.size());
     for (std::size_t i = 0; i < common; ++i)
         if (const int difference
-            = static_cast<std::uint8_t>(lowered(a[i])) - static_cast<std::uint8_t>(lowered(b[i])))
+            = static_cast<std::uint8_t>(lowerByte(a[i])) - static_cast<std::uint8_t>(lowerByte(b[i])))
             return difference;
     return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }

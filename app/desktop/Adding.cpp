@@ -8,20 +8,20 @@ namespace korvo {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Steady = std::chrono::steady_clock;
 
 /// Shows what was added so far, the more seldom the longer it takes, so that large libraries do not stutter.
 struct Showing {
-    Clock::time_point next = Clock::now();
+    Steady::time_point next = Steady::now();
 
     void show(Desktop& desktop)
     {
-        const auto begun = Clock::now();
+        const auto begun = Steady::now();
         if (begun < next)
             return;
         desktop.attempt([&] { desktop.session().photosAdded(); });
-        const auto taken = Clock::now() - begun;
-        next = Clock::now() + std::max<Clock::duration>(std::chrono::seconds(1), taken * 20);
+        const auto taken = Steady::now() - begun;
+        next = Steady::now() + std::max<Steady::duration>(std::chrono::seconds(1), taken * 20);
     }
 };
 

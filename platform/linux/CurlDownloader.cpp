@@ -14,7 +14,7 @@ namespace korvo {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Steady = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr std::uint64_t leastWithinTimeout = 1024; // bytes of a body
@@ -73,7 +73,7 @@ private:
     DownloadProgress progress_;
     std::size_t headerBytes_ = 0;
     bool headIsWhole_ = false;
-    Clock::time_point lifeSign_ = Clock::now();
+    Steady::time_point lifeSign_ = Steady::now();
     std::uint64_t receivedAtLifeSign_ = 0;
     std::unique_ptr<CURL, CleanUpEasy> easy_{curl_easy_init()};
     std::unique_ptr<CURLM, CleanUpMulti> multi_{curl_multi_init()};
@@ -138,7 +138,7 @@ void Transfer::run()
 
 milliseconds Transfer::untilSilence() const
 {
-    return std::chrono::ceil<milliseconds>(lifeSign_ + silenceTimeout_ - Clock::now());
+    return std::chrono::ceil<milliseconds>(lifeSign_ + silenceTimeout_ - Steady::now());
 }
 
 void Transfer::finish() const
@@ -226,7 +226,7 @@ void Transfer::header(std::string_view line)
     if (!line.starts_with("HTTP/"))
         return;
     headIsWhole_ = false;
-    lifeSign_ = Clock::now();
+    lifeSign_ = Steady::now();
     if (isSecure())
         set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
 }
@@ -246,7 +246,7 @@ void Transfer::body(Bytes bytes)
         throw DownloadError(DownloadError::Case::tooLarge);
     if (progress_.received - receivedAtLifeSign_ >= leastWithinTimeout) {
         receivedAtLifeSign_ = progress_.received;
-        lifeSign_ = Clock::now();
+        lifeSign_ = Steady::now();
     }
     download_.write(bytes);
     download_.progress(progress_);

@@ -18,7 +18,7 @@ using Depth = RowFormat::Depth;
 struct CloseProfile {
     void operator()(void* profile) const { cmsCloseProfile(profile); }
 };
-using Profile = std::unique_ptr<void, CloseProfile>;
+using LcmsProfile = std::unique_ptr<void, CloseProfile>;
 
 struct FreeCurve {
     void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
@@ -28,11 +28,11 @@ constexpr cmsCIExyY d65{0.3127, 0.3290, 1};
 constexpr cmsCIExyYTRIPLE srgbPrimaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
 constexpr cmsCIExyYTRIPLE adobePrimaries{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
 
-Profile profileOf(const cmsCIExyYTRIPLE& primaries, double gamma)
+LcmsProfile profileOf(const cmsCIExyYTRIPLE& primaries, double gamma)
 {
     const std::unique_ptr<cmsToneCurve, FreeCurve> curve(cmsBuildGamma(nullptr, gamma));
     cmsToneCurve* const curves[] = {curve.get(), curve.get(), curve.get()};
-    return Profile(cmsCreateRGBProfile(&d65, &primaries, curves));
+    return LcmsProfile(cmsCreateRGBProfile(&d65, &primaries, curves));
 }
 
 cmsColorSpaceSignature spaceOf(Model model)
@@ -152,7 +152,7 @@ cmsHTRANSFORM transformOf(
     cmsHPROFILE profile, const RowFormat& format, ColourConversion::Target target, cmsUInt32Number flags)
 {
     const bool isLinear = target == ColourConversion::Target::linear;
-    const Profile srgb = isLinear ? profileOf(srgbPrimaries, 1) : Profile(cmsCreate_sRGBProfile());
+    const LcmsProfile srgb = isLinear ? profileOf(srgbPrimaries, 1) : LcmsProfile(cmsCreate_sRGBProfile());
     return cmsCreateTransform(profile, lcmsFormat(format), srgb.get(), isLinear ? TYPE_RGB_FLT : TYPE_RGBA_8,
         INTENT_RELATIVE_COLORIMETRIC, flags);
 }
@@ -181,13 +181,13 @@ bool isUsable(cmsHPROFILE profile, const RowFormat& format)
 }
 
 /// The picture's profile, if it has one that can be used.
-Profile profileOf(const PictureInfo& picture)
+LcmsProfile profileOf(const PictureInfo& picture)
 {
     if (picture.profile.empty() && picture.isAdobeRGB && picture.format.model == Model::rgb)
         return profileOf(adobePrimaries, 563.0 / 256);
     if (picture.profile.empty())
         return {};
-    Profile profile(
+    LcmsProfile profile(
         cmsOpenProfileFromMem(picture.profile.data(), static_cast<cmsUInt32Number>(picture.profile.size())));
     if (profile && !isUsable(profile.get(), picture.format))
         profile.reset();

@@ -21,7 +21,7 @@ constexpr unsigned longestMarker = 0xFFFF;
 /// Sets of scans beyond any in use: a small file may hold thousands, each over the whole picture.
 constexpr int mostScans = 100;
 /// Two bits a block, and room for files that are cut off.
-constexpr std::uint64_t pixelsInByte = 4096;
+constexpr std::uint64_t jpegPixelsInByte = 4096;
 /// What the markers before the picture may hold in memory. Far beyond any that a camera or program writes.
 constexpr std::size_t mostMarkerBytes = std::size_t(64) << 20;
 /// What each counts for beside its length: the library walks past all of them to add one.
@@ -151,7 +151,7 @@ private:
         info_.fullWidth = static_cast<int>(jpeg_.image_width);
         info_.fullHeight = static_cast<int>(jpeg_.image_height);
         checkSize(file_, info_.fullWidth, info_.fullHeight);
-        checkContents(file_, info_.fullWidth, info_.fullHeight, pixelsInByte);
+        checkContents(file_, info_.fullWidth, info_.fullHeight, jpegPixelsInByte);
         const auto coefficients = std::int64_t(2) * info_.fullWidth * info_.fullHeight * jpeg_.num_components;
         if (jpeg_has_multiple_scans(&jpeg_) && coefficients > mostCoefficientBytes)
             file_.fail(ImageError::Case::tooLarge,

@@ -13,7 +13,7 @@ namespace korvo {
 namespace {
 
 /// Deflate's best, 1032 to 1, on pixels of one bit.
-constexpr std::uint64_t pixelsInByte = 8 * 1032;
+constexpr std::uint64_t pngPixelsInByte = 8 * 1032;
 
 /// A PNG, decoded by libpng. As with JPEG, the library's errors are jumps.
 class PngRows : public PictureRows {
@@ -57,7 +57,7 @@ private:
         info_.fullWidth = static_cast<int>(png_get_image_width(handle_.png, handle_.info));
         info_.fullHeight = static_cast<int>(png_get_image_height(handle_.png, handle_.info));
         checkSize(file_, info_.fullWidth, info_.fullHeight);
-        checkContents(file_, info_.fullWidth, info_.fullHeight, pixelsInByte);
+        checkContents(file_, info_.fullWidth, info_.fullHeight, pngPixelsInByte);
         chooseFormat();
         isInterlaced_ = png_set_interlace_handling(handle_.png) > 1;
         png_read_update_info(handle_.png, handle_.info);
