@@ -7,7 +7,7 @@ install(TARGETS korvo korvo-desktop korvo-decoder RUNTIME DESTINATION ${CMAKE_IN
 install(FILES share/org.korvo.Korvo.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES share/org.korvo.Korvo.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES share/korvo.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
-install(FILES share/korvo.1 share/org.korvo.Korvo.desktop.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES share/korvo.1 share/korvo-desktop.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES share/copyright README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 set(CPACK_GENERATOR DEB)

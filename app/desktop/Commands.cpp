@@ -15,7 +15,7 @@ namespace korvo {
 namespace {
 
 constexpr std::array<std::pair<CommandMenu, const char*>, 5> menus{
-    {{CommandMenu::library, "&Library"}, {CommandMenu::edit, "&Edit"}, {CommandMenu::photo, "&Photo"},
+    {{CommandMenu::file, "&File"}, {CommandMenu::edit, "&Edit"}, {CommandMenu::photo, "&Photo"},
         {CommandMenu::view, "&View"}, {CommandMenu::help, "&Help"}}};
 
 constexpr std::size_t mostLookedThrough = 1000;

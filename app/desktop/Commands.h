@@ -31,8 +31,8 @@ namespace korvo {
 
 // clang-format off
 enum class Command {
-    // Library
-    newLibrary, openLibrary, addFolder, import, importAperture, exportPhotos, saveMetadata, revertMetadata,
+    // File
+    newLibrary, openLibrary, addFolder, importPhotos, importAperture, exportPhotos, saveMetadata, revertMetadata,
     newProject, newAlbum, newSmartAlbum, editSmartAlbum, newKeyword, autoStack, namingPresets, settings, quit,
     // Edit
     undo, redo, selectAll, selectNone, remove, removeFromLibrary, rename, find, copyAdjustments, pasteAdjustments,
@@ -49,7 +49,7 @@ enum class Command {
 };
 // clang-format on
 
-enum class CommandMenu { none, library, edit, photo, view, help };
+enum class CommandMenu { none, file, edit, photo, view, help };
 
 /// What a command needs to be there.
 enum class CommandNeeds {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/desktop/Theme.h"
+
 #include <QLabel>
 #include <QPalette>
 
@@ -31,9 +33,8 @@ inline QLabel* headingLabel(const QString& text)
 /// A line that says what is wrong.
 inline QLabel* warning(QLabel* label)
 {
-    constexpr QColor color{0xff, 0x8a, 0x7a};
     auto palette = label->palette();
-    palette.setColor(QPalette::WindowText, color);
+    palette.setColor(QPalette::WindowText, theme::warning);
     label->setPalette(palette);
     label->setWordWrap(true);
     return label;

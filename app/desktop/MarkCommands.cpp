@@ -15,15 +15,18 @@ void markTargets(MainWindow& window, const std::function<std::string(LibraryStor
 {
     auto& desktop = window.desktop();
     const auto ids = desktop.browser().targets();
-    const auto next = window.commands().advance() ? photoAfter(desktop.store().list(), ids) : std::nullopt;
+    std::vector<PhotoID> next; // none, or the one to go on to
+    if (window.commands().advance())
+        if (const auto after = photoAfter(desktop.store().list(), ids))
+            next = {*after};
     const auto done = act(desktop.store(), ids);
     if (ids.size() > photosBeforeUndoIsOffered)
         desktop.say(done + ": " + counted(ids.size(), "photo") + ".", Offer::undo);
-    if (next) {
-        if (desktop.browser().mode() == ViewMode::grid)
-            desktop.store().select({*next});
-        desktop.browser().setCurrent(*next);
-    }
+    if (next.empty())
+        return;
+    if (desktop.browser().mode() == ViewMode::grid)
+        desktop.store().select(next);
+    desktop.browser().setCurrent(next.front());
 }
 
 void addMark(MainWindow& window, Command command, Mark mark)

@@ -21,7 +21,7 @@ struct View {
     Command command;
 };
 constexpr View views[] = {{"grid", Command::grid}, {"viewer", Command::viewer}, {"compare", Command::compare},
-    {"survey", Command::survey}, {"import", Command::import}, {"smart-album", Command::newSmartAlbum},
+    {"survey", Command::survey}, {"import", Command::importPhotos}, {"smart-album", Command::newSmartAlbum},
     {"auto-stack", Command::autoStack}, {"naming", Command::namingPresets}, {"settings", Command::settings},
     {"keys", Command::keys}, {"about", Command::about}};
 

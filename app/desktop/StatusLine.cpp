@@ -1,6 +1,7 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/Theme.h"
 #include "app/desktop/sheets/FailureList.h"
 #include "base/Text.h"
 
@@ -123,7 +124,7 @@ void StatusLine::showNotice(const Notice& notice)
 {
     const bool isError = notice.kind == Notice::Kind::error;
     notice_->setText(qt(notice.text));
-    notice_->setStyleSheet(isError ? "color: #ff8a7a" : "");
+    notice_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
     notice_->setToolTip(qt(notice.text));
     notice_->show();
     undo_->setVisible(notice.offersUndo);

@@ -5,6 +5,8 @@
 #include <QColor>
 
 class QApplication;
+class QPainter;
+class QRect;
 
 namespace korvo {
 
@@ -24,12 +26,15 @@ inline constexpr QColor accent{0x4f, 0xa3, 0xf7}; // focus and selection
 inline constexpr QColor accentFill{0x1f, 0x5a, 0x99}; // behind text
 inline constexpr QColor star{0xf2, 0xc1, 0x4e};
 inline constexpr QColor flag{0xff, 0xff, 0xff};
-inline constexpr QColor warning{0xff, 0x8a, 0x7a};
+inline constexpr QColor warning{0xff, 0x8a, 0x7a}; // also what is rejected
+inline constexpr QColor plate{0, 0, 0, 190}; // behind what is written on photos
 
 } // namespace theme
 
 /// The fill of a label, on which black reads well.
 QColor labelColor(PhotoLabel label);
+/// The label as its colour with its initial, in a square; nothing for none.
+void paintLabel(QPainter& painter, const QRect& box, PhotoLabel label);
 
 /// Makes the program dark, with fonts as the system has them.
 void applyTheme(QApplication& application);

@@ -78,7 +78,7 @@ Toolbar::Toolbar(MainWindow& window) : QToolBar("Toolbar"), window_(window)
     setObjectName("toolbar");
     setMovable(false);
     setContextMenuPolicy(Qt::PreventContextMenu);
-    addAction(window_.commands().action(Command::import));
+    addAction(window_.commands().action(Command::importPhotos));
     addSearch();
     addStars();
     addFlagAndLabels();

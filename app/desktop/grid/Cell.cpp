@@ -84,7 +84,7 @@ void paintBadges(QPainter& painter, const QRect& place, const std::vector<Badge>
         if (plate.left() < place.left())
             return;
         painter.setPen(Qt::NoPen);
-        painter.setBrush(QColor(0, 0, 0, 190));
+        painter.setBrush(theme::plate);
         painter.drawRoundedRect(plate, 3, 3);
         painter.fillPath(glyph(QRectF(plate.left() + 3.5, top + 3.5, badge - 3, badge - 3)), color);
         if (!text.isEmpty()) {
@@ -113,11 +113,7 @@ void paintMarks(QPainter& painter, const CellGeometry& geometry, QPoint at, cons
     else if (cell.isHovered)
         painter.strokePath(flagGlyph(flag), QPen(theme::mutedText, 1));
     if (const QRect label = geometry.label(at).adjusted(1, 1, -1, -1); item.label != PhotoLabel::none) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(labelColor(item.label));
-        painter.drawRoundedRect(label, 3, 3);
-        painter.setPen(Qt::black);
-        painter.drawText(label, Qt::AlignCenter, qt(name(item.label)).left(1));
+        paintLabel(painter, label, item.label);
     } else if (cell.isHovered) {
         painter.setPen(theme::mutedText);
         painter.setBrush(Qt::NoBrush);

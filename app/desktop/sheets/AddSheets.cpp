@@ -9,7 +9,7 @@ void addSheets(MainWindow& window)
     const auto handle = [&window](Command command, auto show) {
         window.commands().handle(command, [&window, show] { show(window); });
     };
-    handle(Command::import, [](MainWindow& over) { showImportWindow(over); });
+    handle(Command::importPhotos, [](MainWindow& over) { showImportWindow(over); });
     handle(Command::importAperture, showApertureImport);
     handle(Command::newSmartAlbum, [](MainWindow& over) { showSmartAlbumSheet(over, std::nullopt); });
     handle(Command::autoStack, showAutoStackSheet);

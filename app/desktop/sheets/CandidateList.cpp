@@ -1,6 +1,7 @@
 #include "app/desktop/sheets/CandidateList.h"
 
 #include "app/desktop/Texts.h"
+#include "app/desktop/Theme.h"
 #include "metadata/ImportWindow.h"
 
 #include <QAbstractListModel>
@@ -50,7 +51,7 @@ void paintBadge(QPainter& painter, const QRect& thumbnail, const QString& text)
     const auto height = painter.fontMetrics().height() + 2;
     const QRect place(thumbnail.right() - width - 3, thumbnail.bottom() - height - 3, width, height);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, 190));
+    painter.setBrush(theme::plate);
     painter.drawRoundedRect(place, 4, 4);
     painter.setPen(Qt::white);
     painter.drawText(place, Qt::AlignCenter, text);

@@ -18,7 +18,7 @@ struct MenuTitle {
 };
 constexpr MenuTitle menus[]
     = {{CommandMenu::photo, "Photo"}, {CommandMenu::view, "View"}, {CommandMenu::edit, "Edit"},
-        {CommandMenu::library, "Library"}, {CommandMenu::none, "In the Centre"}, {CommandMenu::help, "Help"}};
+        {CommandMenu::file, "File"}, {CommandMenu::none, "In the Centre"}, {CommandMenu::help, "Help"}};
 
 /// "Ctrl+Shift+Z or Ctrl+Y", as the system writes them.
 QString keysOf(const CommandInfo& info)

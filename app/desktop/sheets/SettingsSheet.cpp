@@ -29,6 +29,7 @@ private:
     void showModel();
 
     Desktop& desktop_;
+    QString saveKey_;
     QVBoxLayout* layout_;
     QCheckBox* autosave_;
     QLabel* autosaveHelp_;
@@ -43,7 +44,10 @@ private:
 };
 
 SettingsSheet::SettingsSheet(MainWindow& window)
-    : QDialog(&window), desktop_(window.desktop()), layout_(new QVBoxLayout(this))
+    : QDialog(&window), desktop_(window.desktop()),
+      saveKey_(
+          window.commands().action(Command::saveMetadata)->shortcut().toString(QKeySequence::NativeText)),
+      layout_(new QVBoxLayout(this))
 {
     setWindowTitle(tr("Settings"));
     layout_->setContentsMargins(18, 18, 18, 12);
@@ -90,7 +94,8 @@ void SettingsSheet::showMetadata()
 {
     const auto autosave = desktop_.session().writeBack().autosaveToFiles();
     autosave_->setChecked(autosave == Autosave::on);
-    autosaveHelp_->setText(qt(autosaveTexts(autosave).explanation));
+    // The core's text names the key of another system.
+    autosaveHelp_->setText(qt(autosaveTexts(autosave).explanation).replace(QStringLiteral("⌘S"), saveKey_));
     toolMissing_->setVisible(!locateExifTool(SystemExifTool::places()));
 }
 

@@ -1,6 +1,8 @@
 #include "app/desktop/viewer/Filmstrip.h"
 
-#include "app/desktop/viewer/MarkColors.h"
+#include "app/Marking.h"
+#include "app/desktop/Theme.h"
+#include "app/desktop/grid/Glyphs.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -21,7 +23,8 @@ constexpr std::size_t ahead = 12; // thumbnails that are loaded on each side of 
 } // namespace
 
 Filmstrip::Filmstrip(Desktop& desktop)
-    : desktop_(desktop), storeChanged_(desktop.store().changed.connect([this](const LibraryChange& change) {
+    : desktop_(desktop), thumbnails_(desktop, [this](PhotoID) { viewport()->update(); }),
+      storeChanged_(desktop.store().changed.connect([this](const LibraryChange& change) {
           if (change.list)
               layOut();
           want();
@@ -90,34 +93,15 @@ void Filmstrip::want()
     if (!isVisible())
         return;
     const auto [first, last] = visible();
-    const auto from = first - std::min(first, ahead), to = std::min(count(), last + ahead);
-    std::unordered_map<PhotoID, Picture> kept;
-    for (auto i = from; i < to; ++i)
-        if (auto node = pictures_.extract(itemAt(i).id))
-            kept.insert(std::move(node));
-    pictures_ = std::move(kept);
+    std::vector<const PhotoItem*> shown, soon;
     for (auto i = first; i < last; ++i)
-        load(itemAt(i), PicturePriority::next);
-    for (auto i = from; i < to; ++i)
-        load(itemAt(i), PicturePriority::prefetch);
-}
-
-/// An older picture is shown until the new one is there.
-void Filmstrip::load(const PhotoItem& item, PicturePriority priority)
-{
-    auto& picture = pictures_[item.id];
-    if (picture.handle && picture.edits == item.editsJSON)
-        return;
-    picture.edits = item.editsJSON;
+        shown.push_back(&itemAt(i));
+    for (auto i = last; i < std::min(count(), last + ahead); ++i)
+        soon.push_back(&itemAt(i));
+    for (auto i = first; i-- > first - std::min(first, ahead);)
+        soon.push_back(&itemAt(i));
     const double ratio = devicePixelRatioF();
-    const auto pixels = static_cast<int>(std::lround(pictureSide * ratio));
-    picture.handle = desktop_.pictures().load(
-        pictureOf(item, pixels, priority), [this, id = item.id, ratio](const QImage& image, const QString&) {
-            auto& pixmap = pictures_[id].pixmap;
-            pixmap = QPixmap::fromImage(image);
-            pixmap.setDevicePixelRatio(ratio);
-            viewport()->update();
-        });
+    thumbnails_.want(shown, soon, static_cast<int>(std::lround(pictureSide * ratio)), ratio);
 }
 
 void Filmstrip::resizeEvent(QResizeEvent*)
@@ -156,29 +140,36 @@ void Filmstrip::paintCell(QPainter& painter, std::size_t index)
     painter.setBrush(palette().color(isCurrent ? QPalette::Mid : QPalette::Base));
     painter.drawRoundedRect(QRectF(place).adjusted(2, 2, -2, -2), 3, 3);
     const QRect room(place.left() + gap, place.top() + gap, pictureSide, pictureSide);
-    if (const auto picture = pictures_.find(item.id);
-        picture != pictures_.end() && !picture->second.pixmap.isNull()) {
-        const auto& pixmap = picture->second.pixmap;
-        const QSizeF size
-            = pixmap.deviceIndependentSize().scaled(pictureSide - 4, pictureSide - 4, Qt::KeepAspectRatio);
-        QRectF target(QPointF(), size);
+    if (const auto [pixmap, isBroken] = thumbnails_.find(item.id); !pixmap.isNull()) {
+        QRectF target(QPointF(),
+            pixmap.deviceIndependentSize().scaled(pictureSide - 4, pictureSide - 4, Qt::KeepAspectRatio));
         target.moveCenter(QRectF(room).center());
         painter.setOpacity(item.isRejected() ? 0.4 : 1);
         painter.drawPixmap(target, pixmap, QRectF(pixmap.rect()));
         painter.setOpacity(1);
+    } else if (isBroken) {
+        painter.fillPath(warningGlyph(QRectF(room).adjusted(28, 28, -28, -28)), theme::warning);
     }
-    const QRect line(room.left() + 2, room.bottom() + 1, room.width() - 4, marksHeight);
+    paintMarks(painter, {room.left() + 2, room.bottom() + 1, room.width() - 4, marksHeight}, item);
+}
+
+/// Stars on the left; flag or cross and the label on the right, as below a cell of the grid.
+void Filmstrip::paintMarks(QPainter& painter, const QRect& line, const PhotoItem& item)
+{
+    const QRect first(line.left(), line.top(), marksHeight, marksHeight);
+    for (int star = 0; star < starsOf(item); ++star)
+        painter.fillPath(
+            starGlyph(QRectF(first.translated(star * (marksHeight - 2), 0)).adjusted(1, 1, -1, -1)),
+            item.isRejected() ? theme::mutedText : theme::star);
+    const QRect flag(line.right() + 1 - marksHeight, line.top(), marksHeight, marksHeight);
+    if (item.isRejected())
+        painter.fillPath(crossGlyph(QRectF(flag).adjusted(1, 1, -1, -1)), theme::warning);
+    else if (item.flagged)
+        painter.fillPath(flagGlyph(QRectF(flag).adjusted(1, 1, -1, -1)), theme::flag);
     auto small = font();
-    small.setPixelSize(marksHeight);
+    small.setPixelSize(marksHeight - 2);
     painter.setFont(small);
-    painter.setPen(item.isRejected() ? marks::reject : marks::star);
-    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
-        item.isRejected() ? QString("✕") : QString("★").repeated(std::max(0, item.rating)));
-    painter.setPen(palette().color(QPalette::WindowText));
-    if (item.flagged)
-        painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, "⚑");
-    marks::paintLabel(
-        painter, QRect(line.right() - 2 * marksHeight, line.top(), marksHeight, marksHeight), item.label);
+    paintLabel(painter, flag.translated(-marksHeight - 2, 0), item.label);
 }
 
 void Filmstrip::mousePressEvent(QMouseEvent* event)

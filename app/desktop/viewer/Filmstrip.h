@@ -1,11 +1,8 @@
 #pragma once
 
-#include "app/desktop/Desktop.h"
+#include "app/desktop/grid/Thumbnails.h"
 
 #include <QAbstractScrollArea>
-#include <QPixmap>
-
-#include <unordered_map>
 
 namespace korvo {
 
@@ -26,12 +23,6 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    struct Picture {
-        QPixmap pixmap; // null until it is there
-        SharedText edits;
-        Pictures::Handle handle;
-    };
-
     const PhotoItem& itemAt(std::size_t index) const;
     std::size_t count() const;
     /// From the first cell that is in sight to one behind the last.
@@ -41,11 +32,11 @@ private:
     void layOut();
     void showCurrent();
     void want();
-    void load(const PhotoItem& item, PicturePriority priority);
     void paintCell(QPainter& painter, std::size_t index);
+    void paintMarks(QPainter& painter, const QRect& line, const PhotoItem& item);
 
     Desktop& desktop_;
-    std::unordered_map<PhotoID, Picture> pictures_; // of the cells in sight and those next to them
+    Thumbnails thumbnails_;
     Connection storeChanged_, browserChanged_;
 };
 

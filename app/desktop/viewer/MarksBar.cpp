@@ -1,7 +1,9 @@
 #include "app/desktop/viewer/MarksBar.h"
 
+#include "app/Marking.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/viewer/MarkColors.h"
+#include "app/desktop/Theme.h"
+#include "app/desktop/grid/Glyphs.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -64,31 +66,46 @@ QRect MarksBar::flagRect() const
     return starRect(6).translated(margin / 2, 0);
 }
 
+void MarksBar::paintMarks(QPainter& painter, const PhotoItem& photo)
+{
+    const auto glyphPlace = [](const QRect& place) {
+        QRectF square(0, 0, place.width() - 3, place.width() - 3);
+        square.moveCenter(QRectF(place).center());
+        return square;
+    };
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (int star = 1; star <= highestRating; ++star)
+        if (const auto path = starGlyph(glyphPlace(starRect(star))); star <= starsOf(photo))
+            painter.fillPath(path, photo.isRejected() ? theme::mutedText : theme::star);
+        else
+            painter.strokePath(path, QPen(theme::mutedText, 1));
+    const auto place = glyphPlace(flagRect());
+    if (photo.isRejected())
+        painter.fillPath(crossGlyph(place), theme::warning);
+    else if (photo.flagged)
+        painter.fillPath(flagGlyph(place), theme::flag);
+    else
+        painter.strokePath(flagGlyph(place), QPen(theme::mutedText, 1));
+}
+
 void MarksBar::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const auto* const photo = item();
     if (!photo)
         return;
-    const QColor dim = palette().color(QPalette::Disabled, QPalette::WindowText);
-    const QColor text = palette().color(QPalette::WindowText);
-    for (int star = 1; star <= highestRating; ++star) {
-        painter.setPen(star <= photo->rating ? marks::star : dim);
-        painter.drawText(starRect(star), Qt::AlignCenter, star <= photo->rating ? "★" : "☆");
-    }
-    painter.setPen(photo->isRejected() ? marks::reject : photo->flagged ? text : dim);
-    painter.drawText(flagRect(), Qt::AlignCenter, photo->isRejected() ? "✕" : photo->flagged ? "⚑" : "⚐");
+    paintMarks(painter, *photo);
     int left = flagRect().right() + margin;
     if (photo->label != PhotoLabel::none) {
         const QRect box(
             left, (height() - fontMetrics().height()) / 2, fontMetrics().height(), fontMetrics().height());
-        marks::paintLabel(painter, box, photo->label);
+        paintLabel(painter, box, photo->label);
         left = box.right() + margin;
     }
-    painter.setPen(dim);
+    painter.setPen(theme::mutedText);
     const int noteWidth = fontMetrics().horizontalAdvance(note_);
     painter.drawText(rect().adjusted(0, 0, -margin, 0), Qt::AlignRight | Qt::AlignVCenter, note_);
-    painter.setPen(text);
+    painter.setPen(theme::text);
     const QRect room(left, 0, std::max(0, width() - left - noteWidth - 2 * margin), height());
     const auto name = qt(photo->filename.view())
         + (photo->versionName.empty() ? QString() : " · " + qt(photo->versionName.view()));

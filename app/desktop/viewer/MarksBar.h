@@ -25,6 +25,7 @@ private:
     QRect starRect(int star) const; ///< 1 to 5
     QRect flagRect() const;
     int lineHeight() const;
+    void paintMarks(QPainter& painter, const PhotoItem& photo);
 
     Desktop& desktop_;
     std::optional<PhotoID> photo_;

@@ -1,6 +1,7 @@
 #include "app/desktop/viewer/PhotoView.h"
 
 #include "app/desktop/Texts.h"
+#include "app/desktop/Theme.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -26,7 +27,7 @@ constexpr int placeholderGrowth = 16;
 } // namespace
 
 PhotoView::PhotoView(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours)
-    : desktop_(desktop), feed_(desktop, viewer, neighbours), backdrop_(0x1e, 0x1e, 0x1e),
+    : desktop_(desktop), feed_(desktop, viewer, neighbours), backdrop_(theme::centre),
       feedChanged_(feed_.changed.connect([this] { feedChanged(); }))
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -223,7 +224,7 @@ void PhotoView::paintMessage(QPainter& painter, const QString& text)
     const QRect box = painter.boundingRect(room, where, text);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, 190));
+    painter.setBrush(theme::plate);
     painter.drawRoundedRect(box.adjusted(-margin, -margin, margin, margin), 6, 6);
     painter.setPen(Qt::white);
     painter.drawText(room, where, text);

@@ -147,7 +147,7 @@ TEST(NamingSheet, keepsEachChange)
 TEST(Sheets, openByTheirCommands)
 {
     TestWindow t(1);
-    for (const auto command : {Command::import, Command::importAperture, Command::newSmartAlbum,
+    for (const auto command : {Command::importPhotos, Command::importAperture, Command::newSmartAlbum,
              Command::autoStack, Command::namingPresets, Command::settings, Command::keys, Command::about}) {
         t.window->commands().run(command);
         auto* const sheet = t.window->findChild<QDialog*>();
