@@ -63,10 +63,12 @@ void addFolder(MainWindow& window)
 template <typename Make>
 void makeNamed(MainWindow& window, const QString& title, Make make)
 {
-    bool accepted = false;
-    const QString name
-        = QInputDialog::getText(&window, title, "Name", QLineEdit::Normal, QString(), &accepted).trimmed();
-    if (accepted && !name.isEmpty())
+    QInputDialog dialog(&window);
+    dialog.setWindowTitle(title);
+    dialog.setLabelText("Name");
+    dialog.resize(380, dialog.sizeHint().height());
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    if (const QString name = dialog.textValue().trimmed(); accepted && !name.isEmpty())
         make(window.desktop().store(), utf8(name));
 }
 

@@ -3,9 +3,11 @@
 #include "app/desktop/Texts.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QPainter>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
+#include <QStyleOption>
 
 #include <array>
 
@@ -37,6 +39,42 @@ QPalette darkPalette()
     return palette;
 }
 
+/// Fusion with edges that show on dark grounds, and without what does not belong there.
+class DarkStyle : public QProxyStyle {
+public:
+    DarkStyle() : QProxyStyle("Fusion") { }
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+        const QWidget* widget) const override
+    {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (element != PE_IndicatorCheckBox && element != PE_IndicatorRadioButton && element != PE_FrameMenu
+            && element != PE_IndicatorItemViewItemDrop)
+            return;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setBrush(Qt::NoBrush);
+        const auto edge = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+        const bool isOn = option->state.testFlag(State_Enabled);
+        painter->setPen(element == PE_IndicatorItemViewItemDrop ? theme::accent
+                : isOn && element != PE_FrameMenu               ? theme::edge
+                                                                : theme::line);
+        if (element == PE_IndicatorRadioButton)
+            painter->drawEllipse(edge);
+        else
+            painter->drawRoundedRect(edge, 2, 2);
+        painter->restore();
+    }
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+        QStyleHintReturn* result) const override
+    {
+        if (hint == SH_EtchDisabledText || hint == SH_DialogButtonBox_ButtonsHaveIcons)
+            return 0;
+        return QProxyStyle::styleHint(hint, option, widget, result);
+    }
+};
+
 /// Where the style alone would not show enough: focus, the lines between the places, sliders.
 constexpr auto sheet = R"(
 QToolTip { color: #e6e6e6; background: #2c2c2c; border: 1px solid #5a5a5a; padding: 3px; }
@@ -50,6 +88,10 @@ QLineEdit:focus, QPlainTextEdit:focus, QTextEdit:focus, QSpinBox:focus, QDoubleS
     border: 1px solid #4fa3f7; }
 QLineEdit, QPlainTextEdit, QTextEdit { background: #1b1b1b; border: 1px solid #4a4a4a; border-radius: 3px;
     padding: 2px 4px; selection-background-color: #1f5a99; }
+#sidebar::item { padding: 2px 0; }
+#completion { background: #2c2c2c; border: 1px solid #5a5a5a; }
+#completion::item { padding: 3px 6px; }
+#completion::item:selected { color: #ffffff; background: #1f5a99; }
 QTabWidget::pane { border: 0; }
 QTabBar::tab { padding: 6px 14px; color: #b4b4b4; border-bottom: 2px solid transparent; background: #262626; }
 QTabBar::tab:selected { color: #ffffff; border-bottom-color: #4fa3f7; }
@@ -87,9 +129,10 @@ void paintLabel(QPainter& painter, const QRect& box, PhotoLabel label)
 
 void applyTheme(QApplication& application)
 {
-    application.setStyle(QStyleFactory::create("Fusion"));
+    application.setStyle(new DarkStyle); // which takes it over
     application.setPalette(darkPalette());
     application.setStyleSheet(sheet);
+    QGuiApplication::setWindowIcon(QIcon::fromTheme("korvo"));
 }
 
 } // namespace korvo

@@ -5,6 +5,7 @@
 #include "app/desktop/grid/GridView.h"
 
 #include <QCryptographicHash>
+#include <QScreen>
 
 #include <charconv>
 
@@ -22,6 +23,15 @@ std::string viewKey(const Catalog& catalog)
     const auto path = QByteArray::fromStdString(catalog.libraryURL().native());
     return "korvo_view_"
         + QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(16).toStdString();
+}
+
+void showFirst(MainWindow& window)
+{
+    constexpr QSize usual{1280, 800}, withFrame{1320, 860};
+    const QSize room = window.screen()->availableSize();
+    window.resize(usual);
+    if (room.width() < withFrame.width() || room.height() < withFrame.height())
+        window.setWindowState(Qt::WindowMaximized);
 }
 
 } // namespace
@@ -46,7 +56,7 @@ void restoreWindow(MainWindow& window)
     const auto bytes
         = [&](const char* key) { return QByteArray::fromBase64(QByteArray::fromStdString(value(key))); };
     if (!window.restoreGeometry(bytes(geometryKey)))
-        window.resize(1280, 800);
+        showFirst(window);
     window.restoreSides(bytes(sidesKey));
     const auto text = value(thumbSizeKey);
     int size = 0;

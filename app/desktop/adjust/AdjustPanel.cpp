@@ -44,7 +44,7 @@ AdjustPanel::AdjustPanel(MainWindow& window)
     buttons->addWidget(commandButton(window.commands(), Command::resetAdjustments, "Reset All",
         "Take all adjustments back; the crop and the turn stay"));
     layout->addLayout(buttons);
-    hint_->setWordWrap(true);
+    hint_->setMinimumHeight(hint_->fontMetrics().height()); // so that the sliders keep their places
     hint_->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(hint_);
 
@@ -105,7 +105,6 @@ void AdjustPanel::refresh()
     hint_->setText(!item || count == 0 ? "Select a photo to adjust it."
             : count > 1                ? "Changes apply to " + qt(counted(count, "photo")) + "."
                                        : QString());
-    hint_->setVisible(!hint_->text().isEmpty());
     const auto edits = item ? desktop_.draft().editsOf(*item) : PhotoEdits();
     for (auto* const brick : bricks_)
         brick->show(edits);

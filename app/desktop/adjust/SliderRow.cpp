@@ -5,6 +5,7 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -49,8 +50,8 @@ SliderRow::SliderRow(Desktop& desktop, const PanelSlider& slider)
     field_->setAccessibleName(qt(slider.label));
     if (!slider.unit.empty())
         field_->setSuffix(" " + qt(slider.unit));
-    for (QWidget* const part :
-        {static_cast<QWidget*>(name_), static_cast<QWidget*>(bar_), static_cast<QWidget*>(field_)})
+    auto* const line = field_->findChild<QLineEdit*>();
+    for (QWidget* const part : std::initializer_list<QWidget*>{name_, bar_, field_, line})
         part->installEventFilter(this);
     connect(bar_, &QSlider::valueChanged, this, [this](int step) { moved(step); });
     connect(
@@ -114,8 +115,11 @@ void SliderRow::reset()
 
 bool SliderRow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::MouseButtonDblClick && watched != field_) {
-        reset();
+    if (event->type() == QEvent::MouseButtonDblClick) {
+        if (watched == name_ || watched == bar_)
+            reset();
+        else
+            field_->selectAll(); // a word would end at the point
         return true;
     }
     if (event->type() == QEvent::Wheel && !static_cast<QWidget*>(watched)->hasFocus()) {

@@ -126,6 +126,8 @@ void FieldEdit::fitHeight()
         document()->size().height() > mostLines ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
     if (height != this->height())
         setFixedHeight(height);
+    if (document()->size().height() <= mostLines) // it scrolled as it was still too low
+        verticalScrollBar()->setValue(0);
 }
 
 } // namespace korvo

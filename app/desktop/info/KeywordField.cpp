@@ -29,6 +29,7 @@ KeywordField::KeywordField(Desktop& desktop, QWidget* parent)
       completer_(new QCompleter(model_, this))
 {
     completer_->setWidget(this);
+    completer_->popup()->setObjectName("completion");
     completer_->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
     connect(completer_, qOverload<const QString&>(&QCompleter::activated), this, &KeywordField::take);
 }
@@ -82,10 +83,7 @@ void KeywordField::suggest()
         return;
     }
     model_->setStringList(list);
-    auto place = cursorRect();
-    place.translate(viewport()->pos());
-    place.setWidth(std::min(width(), 260));
-    completer_->complete(place);
+    completer_->complete(rect());
 }
 
 void KeywordField::take(const QString& keyword)

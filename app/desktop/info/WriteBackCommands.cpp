@@ -20,6 +20,7 @@ bool isConfirmed(QWidget& window, std::size_t photos)
     question.setWindowModality(Qt::WindowModal);
     const QAbstractButton* const revert
         = question.addButton(QObject::tr("Revert"), QMessageBox::DestructiveRole);
+    question.setDefaultButton(QMessageBox::Cancel);
     question.exec();
     return question.clickedButton() == revert;
 }

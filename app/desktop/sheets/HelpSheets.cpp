@@ -64,7 +64,7 @@ std::vector<QWidget*> rowsOf(const MenuTitle& menu)
     if (rows.empty())
         return rows;
     auto* const heading = headingLabel(QString::fromUtf8(menu.title));
-    heading->setContentsMargins(0, 10, 0, 2);
+    heading->setContentsMargins(0, menu.menu == CommandMenu::photo ? 0 : 10, 0, 2);
     rows.insert(rows.begin(), heading);
     return rows;
 }

@@ -125,7 +125,7 @@ void Filmstrip::paintEvent(QPaintEvent*)
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.fillRect(viewport()->rect(), palette().color(QPalette::Window));
+    painter.fillRect(viewport()->rect(), theme::centre);
     const auto [first, last] = visible();
     for (auto i = first; i < last; ++i)
         paintCell(painter, i);
@@ -136,8 +136,8 @@ void Filmstrip::paintCell(QPainter& painter, std::size_t index)
     const auto& item = itemAt(index);
     const QRect place = cell(index);
     const bool isCurrent = desktop_.browser().current() == item.id;
-    painter.setPen(isCurrent ? QPen(palette().color(QPalette::Highlight), 2) : QPen(Qt::NoPen));
-    painter.setBrush(palette().color(isCurrent ? QPalette::Mid : QPalette::Base));
+    painter.setPen(isCurrent ? QPen(theme::accent, 2) : QPen(Qt::NoPen));
+    painter.setBrush(isCurrent ? theme::selectedCell : theme::cell);
     painter.drawRoundedRect(QRectF(place).adjusted(2, 2, -2, -2), 3, 3);
     const QRect room(place.left() + gap, place.top() + gap, pictureSide, pictureSide);
     if (const auto [pixmap, isBroken] = thumbnails_.find(item.id); !pixmap.isNull()) {
