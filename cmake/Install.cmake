@@ -8,7 +8,7 @@ install(FILES share/org.korvo.Korvo.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}
 install(FILES share/org.korvo.Korvo.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES share/korvo.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES share/korvo.1 share/korvo-desktop.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES share/copyright README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES share/copyright README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvo)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME korvo)
@@ -18,11 +18,10 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libimage-exiftool-perl")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libimage-exiftool-perl, libqt6svg6") # what is not linked: the icon is an SVG
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "udisks2")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-wayland")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "photo-library manager and non-destructive photo editor
- Korvo keeps a catalog of photos and videos that stay in their folders. It
- rates, labels, files and describes them, adjusts them without touching the
- originals, and writes descriptive metadata into the files.")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Korvo keeps a catalog of photos and videos that stay in their folders. It
+rates, labels, files and describes them, adjusts them without touching the
+originals, and writes descriptive metadata into the files.")
 include(CPack)

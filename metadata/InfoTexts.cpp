@@ -37,10 +37,11 @@ std::string cameraLine(const PhotoItem& item)
 
 std::string exposureLine(const PhotoItem& item)
 {
-    return joined({item.shutter && *item.shutter > 0 ? exposureText(*item.shutter) : "",
-        item.aperture ? apertureText(*item.aperture) : "",
-        item.focalLength ? focalLengthText(*item.focalLength) : "",
-        item.iso ? "ISO " + std::to_string(*item.iso) : ""});
+    // A camera that does not know writes 0.
+    return joined({item.shutter.value_or(0) > 0 ? exposureText(*item.shutter) : "",
+        item.aperture.value_or(0) > 0 ? apertureText(*item.aperture) : "",
+        item.focalLength.value_or(0) > 0 ? focalLengthText(*item.focalLength) : "",
+        item.iso.value_or(0) > 0 ? "ISO " + std::to_string(*item.iso) : ""});
 }
 
 std::string positionText(const PhotoItem& item)

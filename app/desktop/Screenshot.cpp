@@ -1,6 +1,7 @@
 #include "app/desktop/Screenshot.h"
 
 #include "app/desktop/MainWindow.h"
+#include "app/desktop/Theme.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -48,6 +49,8 @@ QImage pictureOf(MainWindow& window)
             at = QPoint((window.width() - widget->width()) / 2, (window.height() - widget->height()) / 2);
         painter.fillRect(picture.rect(), QColor(0, 0, 0, 90));
         painter.drawPixmap(at, widget->grab());
+        painter.setPen(theme::edge); // as a window manager's frame
+        painter.drawRect(QRect(at, widget->size()));
     }
     return picture.toImage();
 }

@@ -145,8 +145,9 @@ void StatusLine::showUnwritten()
 {
     auto& writeBack = desktop_.session().writeBack();
     const auto count = static_cast<std::size_t>(writeBack.dirtyCount());
-    const QString text
-        = writeBack.isSaving() ? qt(writeBack.statusMessage()) : number(count) + " not yet written";
+    const QString text = !writeBack.isSaving() ? number(count) + " not yet written"
+        : writeBack.statusMessage().empty()    ? QString("Saving…")
+                                               : qt(writeBack.statusMessage());
     unwritten_->setText(text);
     unwritten_->setVisible(count > 0 || writeBack.isSaving());
     window_.commands().refresh();

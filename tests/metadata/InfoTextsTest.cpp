@@ -21,8 +21,10 @@ TEST(InfoTexts, linesHoldWhatIsKnown)
     item.aperture = 2.8;
     item.focalLength = 50.0;
     item.shutter = 2.0;
-    EXPECT_EQ(cameraLine(item), "Canon EOS R5 · RF50mm");
     EXPECT_EQ(exposureLine(item), "2.0 s · ƒ/2.8 · 50 mm · ISO 400");
+    item.aperture = item.focalLength = 0.0; // a lens that tells nothing
+    EXPECT_EQ(cameraLine(item), "Canon EOS R5 · RF50mm");
+    EXPECT_EQ(exposureLine(item), "2.0 s · ISO 400");
     EXPECT_EQ(positionText(item), "33.85680° S, 151.21530° E");
     EXPECT_EQ(unwrittenText(0, 3), "");
     EXPECT_EQ(unwrittenText(1, 1), "Not yet written into the file");

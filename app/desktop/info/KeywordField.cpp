@@ -30,6 +30,8 @@ KeywordField::KeywordField(Desktop& desktop, QWidget* parent)
 {
     completer_->setWidget(this);
     completer_->popup()->setObjectName("completion");
+    for (QObject* const either : std::initializer_list<QObject*>{this, completer_->popup()})
+        either->installEventFilter(this);
     completer_->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
     connect(completer_, qOverload<const QString&>(&QCompleter::activated), this, &KeywordField::take);
 }
@@ -59,6 +61,18 @@ void KeywordField::readKnown()
                 isReading_ = false;
             });
         });
+}
+
+/// While the popup is open, its keys are no commands: Esc would leave the field beneath it, which then never
+/// heard of that.
+bool KeywordField::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride && completer_->popup()->isVisible()
+        && belongsToPopup(static_cast<QKeyEvent*>(event)->key())) {
+        event->accept();
+        return true;
+    }
+    return FieldEdit::eventFilter(watched, event);
 }
 
 void KeywordField::keyPressEvent(QKeyEvent* event)

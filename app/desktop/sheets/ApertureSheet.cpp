@@ -46,7 +46,7 @@ private:
     QLabel* status_;
     QProgressBar* progress_;
     QPushButton* close_;
-    QPushButton* open_;
+    QDialogButtonBox* buttons_;
     QPushButton* import_;
     std::weak_ptr<Job> job_;
     std::filesystem::path imported_;
@@ -100,20 +100,17 @@ QLayout* ApertureSheet::makeForm()
 
 void ApertureSheet::makeButtons()
 {
-    auto* const buttons = new QDialogButtonBox;
-    open_ = buttons->addButton(tr("Open the New Library"), QDialogButtonBox::ActionRole);
-    close_ = buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-    import_ = buttons->addButton(tr("Import"), QDialogButtonBox::AcceptRole);
-    open_->hide();
-    connect(open_, &QPushButton::clicked, this, [this] { openImported(); });
-    connect(buttons, &QDialogButtonBox::rejected, this, [this] {
+    buttons_ = new QDialogButtonBox;
+    close_ = buttons_->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
+    import_ = buttons_->addButton(tr("Import"), QDialogButtonBox::AcceptRole);
+    connect(buttons_, &QDialogButtonBox::rejected, this, [this] {
         if (const auto job = job_.lock(); job && job->isRunning())
             job->cancel();
         else
             close();
     });
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] { start(); });
-    layout()->addWidget(buttons);
+    connect(buttons_, &QDialogButtonBox::accepted, this, [this] { start(); });
+    layout()->addWidget(buttons_);
 }
 
 void ApertureSheet::bundleChanged()
@@ -228,7 +225,11 @@ void ApertureSheet::finished(const Job& job, const std::optional<ApertureImporte
         return;
     close_->setText(tr("Close"));
     imported_ = imported->library;
-    open_->setVisible(imported_ != desktop_.store().catalog().libraryURL());
+    if (imported_ == desktop_.store().catalog().libraryURL())
+        return;
+    // Not before: a box of buttons shows again those that were hidden.
+    auto* const open = buttons_->addButton(tr("Open the New Library"), QDialogButtonBox::ActionRole);
+    connect(open, &QPushButton::clicked, this, [this] { openImported(); });
 }
 
 /// Each library has a window of its own.

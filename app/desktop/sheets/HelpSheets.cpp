@@ -113,13 +113,14 @@ private:
     }
 };
 
-constexpr auto aboutText = "<h2>Korvo %1</h2><p>Photo library and non-destructive editor. Originals stay "
-                           "where they are, and as they are."
-                           "</p><p>The sources are under the MIT license; this program, with exiv2 and "
-                           "FFmpeg in it, under the GNU "
-                           "General Public License 3.</p><p>Built with Qt %2, SQLite, libjpeg-turbo, libpng, "
-                           "libwebp, libtiff, libheif, "
-                           "LibRaw, FFmpeg, Little CMS, exiftool and others.</p>";
+constexpr auto aboutText
+    = "<h2>Korvo %1</h2><p>Photo library and non-destructive editor. Originals stay "
+      "where they are, and as they are."
+      "</p><p>The sources are under the MIT license; this program, with FFmpeg as Debian "
+      "builds it, under the GNU "
+      "General Public License 3.</p><p>Built with Qt %2, SQLite, libjpeg-turbo, libpng, "
+      "libwebp, libtiff, libheif, "
+      "LibRaw, FFmpeg, Little CMS, exiftool and others.</p>";
 
 class AboutSheet : public QDialog {
 public:

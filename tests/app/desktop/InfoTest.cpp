@@ -1,6 +1,8 @@
 #include "app/desktop/info/DescriptiveForm.h"
 #include "tests/app/desktop/TestWindow.h"
 
+#include <QAbstractItemView>
+#include <QCompleter>
 #include <QPlainTextEdit>
 
 namespace korvo {
@@ -104,6 +106,28 @@ TEST(Info, editsTheKeywordsThatManyHaveInCommon)
     t.press(Qt::Key_Tab);
     EXPECT_EQ(t.listed(1).metadata.keywords, "sea, sky, night");
     EXPECT_EQ(t.listed(2).metadata.keywords, "sky, night");
+}
+
+TEST(Info, closesTheListOfKnownKeywordsBeforeTheField)
+{
+    TestWindow t(2);
+    t.store().setMetadata(std::vector<PhotoID>{2}, {.keywords = SharedText("garden")});
+    t.store().select({1});
+    settle();
+    auto& edit = field(t, "Keywords");
+    edit.setFocus();
+    auto* const popup = edit.findChild<QCompleter*>()->popup();
+    EXPECT_TRUE(QTest::qWaitFor([&] { // the known ones are read in the background
+        edit.clear();
+        QTest::keyClicks(&edit, "gar");
+        return popup->isVisible();
+    }));
+    t.press(Qt::Key_Escape);
+    EXPECT_TRUE(edit.hasFocus());
+    popup->hide();
+    t.press(Qt::Key_Escape);
+    EXPECT_FALSE(edit.hasFocus());
+    EXPECT_EQ(t.listed(1).metadata.keywords, "gar");
 }
 
 } // namespace korvo
