@@ -2,6 +2,7 @@
 
 #include "app/FileContents.h"
 #include "catalog/FolderScan.h"
+#include "catalog/UnreadPhotos.h"
 #include "metadata/MetadataError.h"
 
 #include <tbb/parallel_pipeline.h>
@@ -24,6 +25,7 @@ struct NewFile {
     NewPhoto photo;
     FileContents contents;
     std::string failure; // a sentence; empty when nothing went wrong
+    bool wasUnread = false; // the catalog has it, but it could not be read when it was added
 };
 
 std::string sentence(const fs::path& path, const std::string& reason)
@@ -91,7 +93,9 @@ private:
         try {
             candidate.photo.fileSize = static_cast<std::int64_t>(fs::file_size(candidate.file.path));
             candidate.photo.fileDate = modificationTime(candidate.file.path);
-            if (catalog_.hasMaster(candidate.photo.path))
+            const bool isKnown = catalog_.hasMaster(candidate.photo.path);
+            candidate.wasUnread = isKnown && isUnread(catalog_, candidate.photo.path);
+            if (isKnown && !candidate.wasUnread)
                 return;
             if (candidate.photo.fileSize == 0)
                 candidate.failure = sentence(candidate.file.path, "the file is empty");
@@ -127,7 +131,10 @@ private:
         const auto added = catalog_.addPhotos(photos);
         for (std::size_t i = 0; i < added.size(); ++i) {
             ++(added[i].isNew ? result_.added : result_.known);
-            if (added[i].isNew && mode_ == ReadCameraData::now)
+            const bool isReadLate = !added[i].isNew && sources[i]->wasUnread && photos[i].fileSize;
+            if (isReadLate)
+                storeLateReading(catalog_, added[i].id, photos[i]);
+            if ((added[i].isNew || isReadLate) && mode_ == ReadCameraData::now)
                 storeCameraFacts(catalog_, added[i].id, sources[i]->contents);
         }
         transaction.commit();

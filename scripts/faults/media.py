@@ -1,5 +1,6 @@
 """Media that are full, read-only or gone: nothing half done, a reason that names the fault, and the job done once it is
 mended."""
+import contextlib
 import itertools
 import json
 import os
@@ -255,3 +256,82 @@ def vanished_photos(work, rounds):
         return was_running and stored < 3000, f"{stored} stored"
 
     yield from itertools.repeat(once, min(rounds, 20))
+
+
+class FailingDisk:
+    """A disk with these files, which answers with errors from where one of them begins when that is asked for: a
+    block that is cut in two would be read as zeros."""
+
+    def __init__(self, work, files):
+        self.files = [file.relative_to(files) for file in files.rglob("*.JPG")]
+        self.sound, self.image, self.place = work.folder / "sound", work.folder / "image", work.folder / "disk"
+        self.place.mkdir()
+        self.sound.touch()
+        os.truncate(self.sound, 64 << 20)
+        subprocess.run(["mkfs.ext4", "-q", "-b", "4096", "-d", files, self.sound], check=True)
+
+    def any_place(self):
+        blocks = subprocess.run(["debugfs", "-R", f"blocks /{random.choice(self.files)}", self.sound], check=True,
+                                capture_output=True, text=True).stdout
+        return 4096 * int(blocks.split()[0])
+
+    @contextlib.contextmanager
+    def mounted(self, good_bytes=64 << 20):
+        shutil.copyfile(self.sound, self.image)
+        subprocess.run(["mount", "-o", "loop,ro", self.image, self.place], check=True)
+        try:
+            for file in self.place.rglob("*"):
+                file.stat()  # the system remembers names and sizes, as it does of a card that is pulled
+            os.truncate(self.image, good_bytes)
+            yield
+        finally:
+            subprocess.run(["umount", "-l", self.place], check=True)
+
+
+def failing_add(work, rounds):
+    """add of 1,000 photos from a disk that answers with errors"""
+    disk = FailingDisk(work, work.make_photos("source", 1000, padding=20_000))
+    work.run("create", work.library)
+    with disk.mounted():
+        work.run("add", disk.place)
+    reference = work.photos()
+
+    def once():
+        work.forget_library()
+        work.run("create", work.library)
+        with disk.mounted(disk.any_place()):
+            _, err = work.run("add", disk.place, codes=(0, 1, 3))
+        says(("error",), err)
+        with disk.mounted():
+            work.expect_sound()
+            unread = sum(row["file_size"] is None for row in work.photos())
+            work.run("add", disk.place)
+        expect(work.photos() == reference, "the second run does not end as a whole one")
+        return bool(err), f"{unread} taken in unread"
+
+    yield from itertools.repeat(once, min(rounds, 10))
+
+
+def failing_import(work, rounds):
+    """import of 120 files of 300 KB from a card that answers with errors"""
+    source = work.make_photos("source", 120, padding=300_000)
+    disk, copies = FailingDisk(work, source), work.folder / "Imported"
+    wanted = sorted(hashes(source).values())
+
+    def once():
+        work.forget_library()
+        shutil.rmtree(copies, ignore_errors=True)
+        work.run("create", work.library)
+        with disk.mounted(disk.any_place()):
+            _, err = work.run("import", disk.place, "--copy-to", copies, codes=(0, 1, 3))
+        says(("error",), err)
+        work.expect_sound()
+        there = hashes(copies) if copies.exists() else {}
+        expect(set(there.values()) <= set(wanted), "a half file")
+        expect(len(work.photos()) == len(there), "photos and files do not agree")
+        with disk.mounted():
+            work.run("import", disk.place, "--copy-to", copies)
+        expect(sorted(hashes(copies).values()) == wanted, "not each file once")
+        return bool(err), f"{len(there)} stored"
+
+    yield from itertools.repeat(once, min(rounds, 10))

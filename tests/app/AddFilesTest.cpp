@@ -48,6 +48,31 @@ TEST(AddFiles, takesWhatTheFilesHoldAndReportsThoseItCannotRead)
     EXPECT_EQ(again.known, 3U);
 }
 
+TEST(AddFiles, readsWhatCouldNotBeReadWhenItIsAddedAgain)
+{
+    TestLibrary library;
+    const TemporaryFolder folder;
+    const auto names = {"unread.jpg", "described.jpg"};
+    for (const char* name : names) {
+        fs::copy(photoWithMetadata, folder / name);
+        const NewPhoto unread{.path = folder / name}; // as one from a disk that failed
+        const auto id = library.catalog->addPhotos(std::span(&unread, 1)).front().id;
+        library.catalog->storeCameraData(id, {});
+        library.catalog->storeReadPosition(id, std::nullopt, std::nullopt);
+    }
+    library.catalog->setMetadata(2, {.title = SharedText("mine")}, WriteBack::pending);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(add(library, {folder.path()}).known, 2U);
+        const auto unread = library.item(1);
+        EXPECT_EQ(unread.metadata.title, "xmp-title");
+        EXPECT_EQ(unread.fileDate, modificationTime(folder / "unread.jpg"));
+        EXPECT_FALSE(unread.dirty);
+        EXPECT_TRUE(library.catalog->photosToRead(9).empty());
+        EXPECT_EQ(library.item(2).metadata.title, "mine")
+            << "it is merged with the file's when it is written";
+    }
+}
+
 TEST(AddFiles, keepsTheOrderOfTheNamesOverManyBatches)
 {
     TestLibrary library;
