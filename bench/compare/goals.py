@@ -85,7 +85,7 @@ def rows(sizes, import_title):
                   "decode, render, encode, one after the other", most=1.2),
             Ratio("export beside libvips (yardstick)", EXPORT, "korvo", "vips_render", faster=6),
             Ratio("whole `korvo render` beside ImageMagick", WHOLE_EXPORT, "korvo", "ImageMagick"),
-            Ratio("whole `korvo render` beside darktable-cli", WHOLE_EXPORT, "korvo", "darktable-cli"),
+            Ratio("whole `korvo render` beside darktable-cli, its default modules", WHOLE_EXPORT, "korvo", "darktable-cli"),
             Ratio("whole `korvo render` beside rawtherapee-cli", WHOLE_EXPORT, "korvo", "rawtherapee-cli"),
             Ratio("whole `korvo render` beside `vips` (exposure and sharpening alone)", WHOLE_EXPORT, "korvo", "vips"),
             Figure("most memory of an export", "export MB", "MB", 300),
