@@ -1,6 +1,7 @@
 #include "app/SidebarTree.h"
 
 #include "base/Text.h"
+#include "catalog/RenameKeyword.h"
 
 #include <algorithm>
 #include <array>
@@ -162,12 +163,12 @@ SidebarKey keyOf(const std::optional<LibrarySource>& source)
 
 bool canBeRenamed(Kind kind)
 {
-    return kind == Kind::project || kind == Kind::album || kind == Kind::smartAlbum;
+    return kind == Kind::project || kind == Kind::album || kind == Kind::smartAlbum || kind == Kind::keyword;
 }
 
 bool canBeDeleted(Kind kind)
 {
-    return canBeRenamed(kind) || kind == Kind::folder || kind == Kind::keyword;
+    return canBeRenamed(kind) || kind == Kind::folder;
 }
 
 bool takesPhotos(const SidebarKey& key)
@@ -190,6 +191,8 @@ void renameLine(LibraryStore& store, const SidebarKey& key, std::string_view nam
         store.renameAlbum(key.id, name);
     else if (key.kind == Kind::smartAlbum)
         store.changeSmartAlbum(key.id, name, std::nullopt);
+    else if (key.kind == Kind::keyword)
+        store.perform("Rename Keyword", [&](Catalog& catalog) { renameKeyword(catalog, key.id, name); });
 }
 
 void deleteLine(LibraryStore& store, const SidebarKey& key)

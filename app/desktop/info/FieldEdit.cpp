@@ -110,23 +110,34 @@ void FieldEdit::insertFromMimeData(const QMimeData* source)
     insertPlainText(text);
 }
 
+/// In points: lines in a script that another font has are higher than the font's own.
+double FieldEdit::textHeight() const
+{
+    double height = 0;
+    for (auto block = document()->begin(); block.isValid() && height <= mostHeight(); block = block.next())
+        height += blockBoundingRect(block).height();
+    return height;
+}
+
+double FieldEdit::mostHeight() const
+{
+    return mostLines * fontMetrics().lineSpacing();
+}
+
 QSize FieldEdit::sizeHint() const
 {
-    const int lines = std::max(1, static_cast<int>(std::lround(document()->size().height())));
+    const double text = std::clamp<double>(textHeight(), fontMetrics().lineSpacing(), mostHeight());
     const int frame = isVisible() ? height() - viewport()->height() : 2 * frameWidth();
-    const auto around = 2 * document()->documentMargin() + frame;
-    return {
-        120, static_cast<int>(std::ceil(std::min(lines, mostLines) * fontMetrics().lineSpacing() + around))};
+    return {120, static_cast<int>(std::ceil(text + 2 * document()->documentMargin() + frame))};
 }
 
 void FieldEdit::fitHeight()
 {
-    const auto height = sizeHint().height();
-    setVerticalScrollBarPolicy(
-        document()->size().height() > mostLines ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
-    if (height != this->height())
+    const bool scrolls = textHeight() > mostHeight();
+    setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    if (const auto height = sizeHint().height(); height != this->height())
         setFixedHeight(height);
-    if (document()->size().height() <= mostLines) // it scrolled as it was still too low
+    if (!scrolls) // it did as it was still too low
         verticalScrollBar()->setValue(0);
 }
 

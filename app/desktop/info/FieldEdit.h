@@ -43,6 +43,8 @@ protected:
 
 private:
     void textEdited();
+    double textHeight() const;
+    double mostHeight() const;
     void fitHeight();
 
     Lines lines_;

@@ -85,6 +85,15 @@ TEST(SidebarTree, nestsAlbumsAndTakesPhotosAndLinesWhereTheyFit)
     dropPhotos(store, {Kind::keyword, keyword, "sea", {}}, IDs{1});
     dropPhotos(store, {Kind::keyword, keyword, "sea", {}}, IDs{1});
     EXPECT_EQ(t.listed(1).metadata.keywords, "sea");
+    store.setMetadata(IDs{2}, {.keywords = SharedText("seagull, sea, coast")});
+    renameLine(store, {Kind::keyword, keyword}, "coast");
+    EXPECT_EQ(store.tree().keywords[0].name, "coast");
+    EXPECT_EQ(t.listed(1).metadata.keywords, "coast");
+    EXPECT_EQ(t.listed(2).metadata.keywords, "seagull, coast") << "once, in its place, and as a whole entry";
+    EXPECT_THROW(renameLine(store, {Kind::keyword, keyword}, "sea, sand"), std::invalid_argument);
+    store.undo();
+    EXPECT_EQ(t.listed(2).metadata.keywords, "seagull, sea, coast");
+    EXPECT_EQ(store.tree().keywords[0].name, "sea");
     renameLine(store, {Kind::album, best}, "Finest");
     EXPECT_EQ(store.tree().albums[0].name, "Finest");
     EXPECT_EQ(keyOf(sourceOf({Kind::album, best}).value()), (SidebarKey{Kind::album, best}));
