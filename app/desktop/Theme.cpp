@@ -1,8 +1,10 @@
 #include "app/desktop/Theme.h"
 
 #include "app/desktop/Texts.h"
+#include "platform/AppFolders.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QIcon>
 #include <QPainter>
 #include <QPalette>
@@ -107,6 +109,13 @@ QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: none; }
 )";
 
+/// Not looked up in a theme, since not every desktop names one.
+QIcon installedIcon()
+{
+    const auto file = resourceFolder().parent_path() / "icons/hicolor/scalable/apps/korvo.svg";
+    return QIcon(QFile::decodeName(file.c_str())); // null where there is no such file
+}
+
 } // namespace
 
 QColor labelColor(PhotoLabel label)
@@ -132,7 +141,7 @@ void applyTheme(QApplication& application)
     application.setStyle(new DarkStyle); // which takes it over
     application.setPalette(darkPalette());
     application.setStyleSheet(sheet);
-    QGuiApplication::setWindowIcon(QIcon::fromTheme("korvo"));
+    QGuiApplication::setWindowIcon(installedIcon());
 }
 
 } // namespace korvo
