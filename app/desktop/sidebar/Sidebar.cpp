@@ -27,6 +27,11 @@ SidebarKey keyOf(const QTreeWidgetItem& item)
     return {static_cast<Kind>(item.data(0, keyRole).toInt()), item.data(0, idRole).toLongLong()};
 }
 
+bool isKeyword(const QTreeWidgetItem* item)
+{
+    return item && keyOf(*item).kind == Kind::keyword;
+}
+
 QString question(Kind kind, const QString& name)
 {
     switch (kind) {
@@ -63,7 +68,8 @@ Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop(
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     refillTimer_.setSingleShot(true);
     connect(&refillTimer_, &QTimer::timeout, this, [this] { desktop_.attempt([this] { refill(); }); });
-    connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) { choose(item); });
+    connect(this, &QTreeWidget::currentItemChanged, this,
+        [this](QTreeWidgetItem* item, QTreeWidgetItem* before) { choose(item, before); });
     connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item) { renamed(item); });
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
         if (change.tree)
@@ -140,6 +146,8 @@ void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
 
 void Sidebar::showSource()
 {
+    if (!desktop_.store().source() && isKeyword(currentItem()))
+        return; // its photos are searched for among all
     if (auto* const item = itemOf(korvo::keyOf(desktop_.store().source())); item && item != currentItem()) {
         filling_ = true;
         setCurrentItem(item);
@@ -155,14 +163,14 @@ QTreeWidgetItem* Sidebar::itemOf(const SidebarKey& key) const
     return nullptr;
 }
 
-void Sidebar::choose(QTreeWidgetItem* item)
+void Sidebar::choose(QTreeWidgetItem* item, QTreeWidgetItem* before)
 {
     if (filling_ || !item)
         return;
     const auto key = keyOf(*item);
-    if (key.kind == Kind::keyword && keywordChosen)
-        keywordChosen(utf8(item->text(0)));
-    else if (const auto source = sourceOf(key); source && *source != desktop_.store().source())
+    if (isKeyword(item) || isKeyword(before)) // the search for one ends when another line is chosen
+        keywordChosen(isKeyword(item) ? utf8(item->text(0)) : "");
+    if (const auto source = sourceOf(key); source && *source != desktop_.store().source())
         desktop_.attempt([&] { desktop_.store().chooseSource(*source); });
 }
 
@@ -195,7 +203,11 @@ void Sidebar::renamed(QTreeWidgetItem* item)
 {
     if (filling_)
         return;
-    desktop_.attempt([&] { renameLine(desktop_.store(), keyOf(*item), utf8(item->text(0))); });
+    desktop_.attempt([&] {
+        renameLine(desktop_.store(), keyOf(*item), utf8(item->text(0)));
+        if (isKeyword(item) && item == currentItem()) // what is searched for is called so now
+            keywordChosen(utf8(item->text(0)));
+    });
     refillTimer_.start(0); // a name that was refused goes back
 }
 

@@ -21,7 +21,8 @@ public:
     void renameChosen();
     bool canRenameChosen() const;
 
-    std::function<void(const std::string&)> keywordChosen; ///< a keyword was chosen, to be searched for
+    std::function<void(const std::string&)>
+        keywordChosen; ///< a keyword was chosen, to be searched for; empty: no longer
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -34,7 +35,7 @@ private:
     void sync(QTreeWidgetItem& parent, const std::vector<SidebarNode>& nodes);
     void show(QTreeWidgetItem& item, const SidebarNode& node);
     void showSource();
-    void choose(QTreeWidgetItem* item);
+    void choose(QTreeWidgetItem* item, QTreeWidgetItem* before);
     void renamed(QTreeWidgetItem* item);
     void remove(const SidebarKey& key, const QString& name);
     QTreeWidgetItem* itemOf(const SidebarKey& key) const;
