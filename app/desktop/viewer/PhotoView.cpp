@@ -152,7 +152,7 @@ void PhotoView::paintEvent(QPaintEvent*)
     else if (feed_.screen().image.isNull())
         paintMessage(painter, {});
     if (active_) {
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 3));
+        painter.setPen(QPen(theme::accent, 3));
         painter.drawRect(rect().adjusted(1, 1, -2, -2));
     }
 }
