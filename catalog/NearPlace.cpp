@@ -99,6 +99,19 @@ double reachOfLongitude(double angle, double latitude)
     return std::asin(std::min(1.0, std::sin(angle) / std::cos(latitude * toRadians))) / toRadians;
 }
 
+double squared(double number)
+{
+    return number * number;
+}
+
+/// Of the angle between two positions in degrees.
+double haversine(double cosine1, double latitude1, double longitude1, double latitude2, double longitude2)
+{
+    constexpr double toHalf = toRadians / 2;
+    return squared(std::sin((latitude2 - latitude1) * toHalf))
+        + cosine1 * std::cos(latitude2 * toRadians) * squared(std::sin((longitude2 - longitude1) * toHalf));
+}
+
 } // namespace
 
 std::string text(const NearPlace& place)
@@ -116,20 +129,14 @@ std::optional<NearPlace> parseNearPlace(std::string_view text)
 
 double distanceInKilometres(double latitude1, double longitude1, double latitude2, double longitude2)
 {
-    const auto squaredSine = [](double degrees) {
-        const double sine = std::sin(degrees * toRadians / 2);
-        return sine * sine;
-    };
-    const double a = squaredSine(latitude2 - latitude1)
-        + std::cos(latitude1 * toRadians) * std::cos(latitude2 * toRadians)
-            * squaredSine(longitude2 - longitude1);
+    const double a = haversine(std::cos(latitude1 * toRadians), latitude1, longitude1, latitude2, longitude2);
     return earthDiameter * std::asin(std::min(1.0, std::sqrt(a)));
 }
 
-NearTest::NearTest(const NearPlace& place) : place_(place)
+NearTest::NearTest(const NearPlace& place) : place_(place), cosine_(std::cos(place.latitude * toRadians))
 {
-    place_.kilometres += millimetre;
-    const double angle = std::min(place_.kilometres / (earthDiameter / 2), std::numbers::pi);
+    const double angle = std::min((place.kilometres + millimetre) / (earthDiameter / 2), std::numbers::pi);
+    haversineReach_ = squared(std::sin(angle / 2));
     latitudeReach_ = angle / toRadians + margin;
     longitudeReach_ = reachOfLongitude(angle, place.latitude) + margin;
 }
@@ -141,7 +148,8 @@ bool NearTest::holds(double latitude, double longitude) const
     const double apart = std::abs(longitude - place_.longitude);
     if (std::min(apart, 360 - apart) > longitudeReach_)
         return false;
-    return distanceInKilometres(place_.latitude, place_.longitude, latitude, longitude) <= place_.kilometres;
+    const double a = haversine(cosine_, place_.latitude, place_.longitude, latitude, longitude);
+    return std::min(1.0, a) <= haversineReach_;
 }
 
 } // namespace korvo

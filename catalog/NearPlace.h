@@ -36,6 +36,8 @@ public:
 
 private:
     NearPlace place_;
+    double cosine_; // of its latitude
+    double haversineReach_; // of the radius
     double latitudeReach_; // degrees to either side
     double longitudeReach_;
 };

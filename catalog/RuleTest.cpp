@@ -78,7 +78,10 @@ std::optional<RuleTest> ready(std::optional<Test> test)
 
 std::optional<RuleTest> positiveTest(const SmartAlbumRule& rule)
 {
-    const auto numberTest = [&](double wanted) { return NumberTest{rule.field, rule.op, wanted}; };
+    const auto numberTest = [&](double wanted) {
+        return NumberTest{
+            rule.field, rule.op == Op::atMost ? -forever : wanted, rule.op == Op::atLeast ? forever : wanted};
+    };
     const auto mapped
         = [](const auto& value, auto make) { return value ? std::optional(make(*value)) : std::nullopt; };
     switch (fieldOf(rule).value) {
@@ -103,7 +106,8 @@ std::optional<RuleTest> positiveTest(const SmartAlbumRule& rule)
     return std::nullopt;
 }
 
-CompactOptional<double> numberOf(const PhotoItem& item, Field field)
+/// NaN where there is none, which lies in no range.
+double numberOf(const PhotoItem& item, Field field)
 {
     switch (field) {
     case Field::rating:
@@ -111,7 +115,7 @@ CompactOptional<double> numberOf(const PhotoItem& item, Field field)
     case Field::label:
         return static_cast<double>(item.label);
     default:
-        return item.focalLength;
+        return item.focalLength.value_or(std::numeric_limits<double>::quiet_NaN());
     }
 }
 
@@ -142,17 +146,8 @@ bool YesNoTest::holds(const PhotoItem& item) const
 
 bool NumberTest::holds(const PhotoItem& item) const
 {
-    const auto value = numberOf(item, field);
-    if (!value)
-        return false;
-    switch (op) {
-    case Op::atLeast:
-        return *value >= number;
-    case Op::atMost:
-        return *value <= number;
-    default:
-        return *value == number;
-    }
+    const double value = numberOf(item, field);
+    return value >= least && value <= most;
 }
 
 bool DateTest::holds(const PhotoItem& item) const
@@ -210,8 +205,10 @@ bool TextTest::holdsFor(std::string_view folded) const
 
 bool TextTest::holdsFor(const SharedText& text, std::size_t place, TextFolder& folder)
 {
+    if (text.empty()) // as most are: without folding and searching
+        return wanted_.empty();
     auto& known = known_[place];
-    if (!known.text.empty() && known.text.sharesWith(text))
+    if (known.text.sharesWith(text))
         return known.holds;
     const bool holds = holdsFor(folder.fold(text));
     if (!folder.lastWasAscii())

@@ -22,11 +22,11 @@ struct YesNoTest {
     bool holds(const PhotoItem& item) const;
 };
 
-/// A photo without the number passes none.
+/// The photo's number lies in [least, most]. A photo without the number passes none.
 struct NumberTest {
     SmartAlbumRule::Field field;
-    SmartAlbumRule::Op op;
-    double number;
+    double least;
+    double most;
 
     bool holds(const PhotoItem& item) const;
 };

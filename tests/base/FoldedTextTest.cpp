@@ -1,5 +1,7 @@
 #include "base/FoldedText.h"
 
+#include "base/Text.h"
+
 #include <gtest/gtest.h>
 
 namespace korvo {
@@ -38,6 +40,25 @@ TEST(FoldedText, aFolderTakesTextsOfAnyLengthOneAfterTheOther)
         EXPECT_EQ(folder.fold(std::string(length, 'X')), std::string(length, 'x'));
         EXPECT_TRUE(folder.lastWasAscii());
     }
+}
+
+TEST(FoldedText, foldsEachCharacterAlikeWhereverItStands)
+{
+    std::string all;
+    for (char c = 0; c < 127; ++c)
+        all += c;
+    TextFolder folder;
+    for (std::size_t length = 0; length <= 17; ++length)
+        for (std::size_t start = 0; start + length <= all.size(); ++start) {
+            auto text = all.substr(start, length);
+            auto lower = asciiLower(text);
+            ASSERT_EQ(folder.fold(text), lower);
+            ASSERT_TRUE(folder.lastWasAscii());
+            text.insert(start % (length + 1), "É");
+            lower.insert(start % (length + 1), "é");
+            ASSERT_EQ(folder.fold(text), lower);
+            ASSERT_FALSE(folder.lastWasAscii());
+        }
 }
 
 } // namespace korvo

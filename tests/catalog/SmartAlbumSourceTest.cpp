@@ -141,7 +141,7 @@ struct Draw {
     std::string words()
     {
         return of({"", "Ana", "ÄRGER", "a\u0308rger", "Ana, Bo", "bo", "An", "Ana,  ärger ", "x", "a,,b",
-            "An, ", ","});
+            "An, ", ",", "Boats of ANA in the bay", "Bäche und Ärger, BO", "ANA, Boats of ANA in the bay"});
     }
 
     PhotoItem photo()
