@@ -2,6 +2,7 @@
 
 #include "catalog/FileTypes.h"
 #include "catalog/PhotoRows.h"
+#include "platform/LargePages.h"
 
 namespace korvo {
 
@@ -129,9 +130,11 @@ void Catalog::forEachPhoto(
 std::vector<PhotoItem> Catalog::photos(const std::optional<LibrarySource>& source)
 {
     std::vector<PhotoItem> items;
-    if (!source) // the one list that is long enough for its growth to be felt
+    if (!source) { // the one list that is long enough for its growth and its pages to be felt
         items.reserve(static_cast<std::size_t>(
             database_.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL")));
+        preferLargePages(items.data(), items.capacity() * sizeof(PhotoItem));
+    }
     forEachPhoto(source, [&](PhotoItem&& item) {
         items.push_back(std::move(item));
         return true;

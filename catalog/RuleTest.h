@@ -72,6 +72,7 @@ private:
     bool fitsAnEntry(std::string_view list) const;
     bool holdsFor(std::string_view folded) const;
     bool holdsFor(const SharedText& text, std::size_t place, TextFolder& folder);
+    bool holdsForOneOf(const PhotoMetadata& texts, TextFolder& folder);
 
     SmartAlbumRule::Field field_;
     bool whole_;

@@ -1,8 +1,9 @@
 #include "platform/PixelMemory.h"
 
+#include "platform/LargePages.h"
+
 #include <cstdlib>
 #include <new>
-#include <sys/mman.h>
 
 namespace korvo {
 
@@ -19,9 +20,8 @@ void* allocatePixels(std::size_t bytes)
     void* memory = nullptr;
     if (::posix_memalign(&memory, alignment, bytes) != 0)
         throw std::bad_alloc();
-    // Only advice: where it is not taken, small pages do.
     if (alignment == largePage)
-        ::madvise(memory, bytes / largePage * largePage, MADV_HUGEPAGE);
+        preferLargePages(memory, bytes);
     return memory;
 }
 
