@@ -1,6 +1,7 @@
 #include "aperture/ApertureImporter.h"
 #include "base/Json.h"
 #include "base/Text.h"
+#include "catalog/NewAlbum.h"
 
 #include <unordered_map>
 
@@ -182,10 +183,13 @@ private:
 
     void writeAlbums()
     {
-        for (const auto& album : plan_.albums) {
+        std::vector<NewAlbum> made;
+        for (const auto& album : plan_.albums)
+            made.push_back({named(album.name), projectOf(album.folderUuid)});
+        const auto albums = createAlbums(catalog_.database(), made);
+        for (std::size_t i = 0; i < albums.size(); ++i) {
             throwIfStopped();
-            catalog_.addToAlbum(
-                catalog_.createAlbum(named(album.name), projectOf(album.folderUuid)), idsOf(album.photos));
+            catalog_.addToAlbum(albums[i], idsOf(plan_.albums[i].photos));
             showGroup();
         }
         for (const auto& album : plan_.smartAlbums) {

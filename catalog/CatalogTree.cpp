@@ -1,4 +1,5 @@
 #include "catalog/ChangeRow.h"
+#include "catalog/NewAlbum.h"
 
 namespace korvo {
 
@@ -212,14 +213,23 @@ void Catalog::assignToProject(std::span<const PhotoID> ids, std::optional<std::i
 
 std::int64_t Catalog::createAlbum(std::string_view name, std::optional<std::int64_t> parentProject)
 {
-    requireName(name);
-    Transaction transaction(database_);
-    requireProject(database_, parentProject);
-    const auto position = database_.scalar("SELECT COALESCE(MAX(position), 0) + 1 FROM albums");
-    const auto id = database_.insert(
-        "INSERT INTO albums (name, position, parent_id) VALUES (?, ?, ?)", name, position, parentProject);
+    const NewAlbum album{std::string(name), parentProject};
+    return createAlbums(database_, std::span(&album, 1)).front();
+}
+
+std::vector<std::int64_t> createAlbums(Database& database, std::span<const NewAlbum> albums)
+{
+    std::vector<std::int64_t> ids;
+    Transaction transaction(database);
+    auto position = database.scalar("SELECT COALESCE(MAX(position), 0) + 1 FROM albums");
+    for (const auto& [name, parentProject] : albums) {
+        requireName(name);
+        requireProject(database, parentProject);
+        ids.push_back(database.insert("INSERT INTO albums (name, position, parent_id) VALUES (?, ?, ?)", name,
+            position++, parentProject));
+    }
     transaction.commit();
-    return id;
+    return ids;
 }
 
 void Catalog::renameAlbum(std::int64_t id, std::string_view name)

@@ -1,5 +1,6 @@
 // Importing a bundle of 20,000 masters with 25,000 versions: the time of each step, the writes beside a bare
-// loop of prepared inserts of the same rows, and the peak of memory.
+// loop of prepared inserts of the same rows, and the peak of memory; then bundles of many albums and
+// keywords, each twice the size of the one before: the time should double too.
 #include "aperture/ApertureImporter.h"
 #include "bench/support/Compare.h"
 #include "tests/support/ApertureBundle.h"
@@ -152,6 +153,34 @@ void measure(const fs::path& path, const fs::path& target)
             {"prepared inserts", [&] { insertAll(empty->database(), rows); }, fresh}});
 }
 
+void makeBundleOfGroups(const fs::path& path, int size)
+{
+    ApertureBundle bundle(path);
+    const auto version = bundle.add({}).versions[0].id;
+    for (int i = 0; i < 20 * size; ++i)
+        bundle.addKeyword(fmt::format("keyword {}", i));
+    for (int i = 0; i < 5 * size; ++i)
+        bundle.addAlbum(fmt::format("Album {}", i), 3, {version});
+    ApertureBundle::finish(std::move(bundle));
+}
+
+void measureGroups(const fs::path& folder)
+{
+    const SystemClock clock;
+    for (const int size : {500, 1000, 2000}) {
+        const auto path = folder / fmt::format("{}.aplibrary", size);
+        makeBundleOfGroups(path, size);
+        auto library = ApertureLibrary::open(path);
+        Catalog catalog(folder / fmt::format("Groups {}", size), clock);
+        ApertureImporter importer(library, [](const auto&) {}, {});
+        ApertureImportPlan plan;
+        const double planned = bench::secondsOf([&] { plan = importer.plan({}).value(); });
+        const double written = bench::secondsOf([&] { importer.write(plan, catalog, clock); });
+        fmt::print("{} keywords in one list, {} albums: reading {:.2f} s, writing {:.2f} s\n", 20 * size,
+            5 * size, planned, written);
+    }
+}
+
 } // namespace
 
 } // namespace korvo
@@ -161,4 +190,5 @@ int main()
     const korvo::TemporaryFolder folder;
     korvo::makeBundle(folder / "Photos.aplibrary");
     korvo::measure(folder / "Photos.aplibrary", folder.path());
+    korvo::measureGroups(folder.path());
 }
