@@ -41,6 +41,22 @@ QPalette darkPalette()
     return palette;
 }
 
+/// The colour of what is drawn around an element where Fusion's own cannot be seen; invalid for the others.
+QColor edgeOf(QStyle::PrimitiveElement element, const QStyleOption& option)
+{
+    switch (element) {
+    case QStyle::PE_IndicatorItemViewItemDrop:
+        return theme::accent;
+    case QStyle::PE_IndicatorCheckBox:
+    case QStyle::PE_IndicatorRadioButton:
+        return option.state.testFlag(QStyle::State_Enabled) ? theme::edge : theme::selectedCell;
+    case QStyle::PE_FrameMenu:
+        return theme::selectedCell;
+    default:
+        return {};
+    }
+}
+
 /// Fusion with edges that show on dark grounds, and without what does not belong there.
 class DarkStyle : public QProxyStyle {
 public:
@@ -50,22 +66,24 @@ public:
         const QWidget* widget) const override
     {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
-        if (element != PE_IndicatorCheckBox && element != PE_IndicatorRadioButton && element != PE_FrameMenu
-            && element != PE_IndicatorItemViewItemDrop)
+        const QColor color = edgeOf(element, *option);
+        if (!color.isValid())
             return;
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setBrush(Qt::NoBrush);
+        painter->setPen(color);
         const auto edge = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
-        const bool isOn = option->state.testFlag(State_Enabled);
-        painter->setPen(element == PE_IndicatorItemViewItemDrop ? theme::accent
-                : isOn && element != PE_FrameMenu               ? theme::edge
-                                                                : theme::line);
         if (element == PE_IndicatorRadioButton)
             painter->drawEllipse(edge);
         else
             painter->drawRoundedRect(edge, 2, 2);
         painter->restore();
+    }
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        return metric == PM_MenuPanelWidth ? 1 : QProxyStyle::pixelMetric(metric, option, widget);
     }
 
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
