@@ -1,7 +1,7 @@
 #include "aperture/ApertureImporter.h"
 #include "base/Json.h"
 #include "base/Text.h"
-#include "catalog/NewAlbum.h"
+#include "catalog/NewGroups.h"
 
 #include <unordered_map>
 
@@ -86,11 +86,12 @@ private:
 
     void writeProjects()
     {
-        for (const auto& project : plan_.projects) {
-            throwIfStopped();
-            projects_[project.uuid]
-                = catalog_.createProject(named(project.name), "project", folder(project.folderPath));
-        }
+        std::vector<NewProject> made;
+        for (const auto& project : plan_.projects)
+            made.push_back({named(project.name), "project", folder(project.folderPath)});
+        const auto projects = createProjects(catalog_.database(), made);
+        for (std::size_t i = 0; i < projects.size(); ++i)
+            projects_[plan_.projects[i].uuid] = projects[i];
         summary_.projects = plan_.projects.size();
     }
 

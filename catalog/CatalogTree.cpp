@@ -1,5 +1,7 @@
 #include "catalog/ChangeRow.h"
-#include "catalog/NewAlbum.h"
+#include "catalog/NewGroups.h"
+
+#include <map>
 
 namespace korvo {
 
@@ -158,16 +160,29 @@ void Catalog::fileRenamed(PhotoID id, const std::filesystem::path& path)
 std::int64_t Catalog::createProject(
     std::string_view name, std::string_view kind, std::optional<std::int64_t> parent)
 {
-    requireName(name);
-    Transaction transaction(database_);
-    requireProject(database_, parent);
-    const auto position = database_.scalar(
-        "SELECT COALESCE(MAX(position), 0) + 1 FROM projects WHERE parent_id IS ?", parent);
-    const auto id
-        = database_.insert("INSERT INTO projects (name, kind, parent_id, position) VALUES (?, ?, ?, ?)", name,
-            kind, parent, position);
+    const NewProject project{std::string(name), std::string(kind), parent};
+    return createProjects(database_, std::span(&project, 1)).front();
+}
+
+std::vector<std::int64_t> createProjects(Database& database, std::span<const NewProject> projects)
+{
+    std::vector<std::int64_t> ids;
+    std::map<std::optional<std::int64_t>, std::int64_t> positions; // the next one below each parent
+    Transaction transaction(database);
+    for (const auto& [name, kind, parent] : projects) {
+        requireName(name);
+        const auto [position, isNew] = positions.try_emplace(parent, 0);
+        if (isNew) {
+            requireProject(database, parent);
+            position->second = database.scalar(
+                "SELECT COALESCE(MAX(position), 0) + 1 FROM projects WHERE parent_id IS ?", parent);
+        }
+        ids.push_back(
+            database.insert("INSERT INTO projects (name, kind, parent_id, position) VALUES (?, ?, ?, ?)",
+                name, kind, parent, position->second++));
+    }
     transaction.commit();
-    return id;
+    return ids;
 }
 
 std::int64_t Catalog::gatherUnderProject(std::string_view name)

@@ -159,8 +159,10 @@ void makeBundleOfGroups(const fs::path& path, int size)
     const auto version = bundle.add({}).versions[0].id;
     for (int i = 0; i < 20 * size; ++i)
         bundle.addKeyword(fmt::format("keyword {}", i));
-    for (int i = 0; i < 5 * size; ++i)
+    for (int i = 0; i < 5 * size; ++i) {
         bundle.addAlbum(fmt::format("Album {}", i), 3, {version});
+        bundle.addFolder(fmt::format("Project {}", i), 2);
+    }
     ApertureBundle::finish(std::move(bundle));
 }
 
@@ -176,8 +178,9 @@ void measureGroups(const fs::path& folder)
         ApertureImportPlan plan;
         const double planned = bench::secondsOf([&] { plan = importer.plan({}).value(); });
         const double written = bench::secondsOf([&] { importer.write(plan, catalog, clock); });
-        fmt::print("{} keywords in one list, {} albums: reading {:.2f} s, writing {:.2f} s\n", 20 * size,
-            5 * size, planned, written);
+        fmt::print(
+            "{} keywords, {} albums and projects, each in one list: reading {:.2f} s, writing {:.2f} s\n",
+            20 * size, 5 * size, planned, written);
     }
 }
 

@@ -60,6 +60,9 @@ protected:
 
 TEST_F(ImportAperture, makesALibraryBesideTheBundleOnce)
 {
+    for (const char* const name : {"Library.apdb-wal", "Library.apdb-journal"}) // as a crash leaves them
+        folder.write(path.filename() / "Database/apdb" / name, std::string(4096, '\x37'));
+    const auto before = bundleState(path);
     const auto imported = import();
     ASSERT_TRUE(imported);
     EXPECT_EQ(imported->library, fs::canonical(folder.path()) / "My Photos Korvo");
@@ -68,6 +71,7 @@ TEST_F(ImportAperture, makesALibraryBesideTheBundleOnce)
     EXPECT_EQ(message, "There's already an Korvo library at My Photos Korvo.");
     EXPECT_EQ(refused(imported->library), ImportError::Case::alreadyImported);
     EXPECT_EQ(message, "My Photos.aplibrary is already in this library.");
+    EXPECT_EQ(bundleState(path), before);
 }
 
 TEST_F(ImportAperture, asksForTheVolumesThatAreNotThere)
