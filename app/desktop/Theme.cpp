@@ -130,8 +130,9 @@ QScrollBar::add-page, QScrollBar::sub-page { background: none; }
 /// Not looked up in a theme, since not every desktop names one.
 QIcon installedIcon()
 {
-    const auto file = resourceFolder().parent_path() / "icons/hicolor/scalable/apps/korvo.svg";
-    return QIcon(QFile::decodeName(file.c_str())); // null where there is no such file
+    const auto folder = resourceFolder().parent_path() / "icons/hicolor/scalable/apps";
+    const QString file = QFile::decodeName((folder / "korvo.svg").c_str());
+    return QFile::exists(file) ? QIcon(file) : QIcon(); // there is none where the program is not installed
 }
 
 } // namespace
