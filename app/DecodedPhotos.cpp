@@ -76,6 +76,12 @@ std::shared_ptr<const DecodedPhoto> DecodedPhotos::find(const DecodeWish& wish) 
     return kept == kept_.end() ? nullptr : kept->second.photo;
 }
 
+bool DecodedPhotos::isBusy()
+{
+    const std::scoped_lock lock(mutex_);
+    return !waiting_.empty() || !underWay_.empty();
+}
+
 bool DecodedPhotos::isWished(const DecodeWish& wish) const
 {
     return std::ranges::any_of(wishes_, [&](const auto& list) { return contains(list.second, wish); });

@@ -53,6 +53,8 @@ public:
     void wish(int viewer, std::vector<DecodeWish> wishes);
     /// Null while it is not there.
     std::shared_ptr<const DecodedPhoto> find(const DecodeWish& wish) const;
+    /// Whether wished pictures are still to come.
+    bool isBusy();
 
 private:
     struct Kept {

@@ -63,8 +63,10 @@ void LiveRenders::render(const Slot& slot, LiveJob job, Done done)
     {
         const std::scoped_lock lock(mutex_);
         *slot = {std::move(job), std::move(done)};
-        if (std::ranges::none_of(waiting_, [&](const auto& other) { return other.lock() == slot; }))
+        if (std::ranges::none_of(waiting_, [&](const auto& other) { return other.lock() == slot; })) {
             waiting_.push_back(slot);
+            ++*toCome_;
+        }
     }
     asked_.notify_one();
 }
@@ -87,14 +89,17 @@ void LiveRenders::work(const std::stop_token& stop)
     while (!stop.stop_requested()) {
         LiveSlot taken;
         const auto place = next(stop, taken);
-        if (!taken.done)
+        if (!taken.done) { // the view has gone meanwhile
+            --*toCome_;
             continue;
+        }
         LivePicture picture;
         try {
             picture = livePicture(taken.job);
         } catch (const std::bad_alloc&) { // the view keeps what it shows
         }
-        main_.post([place, done = std::move(taken.done), shown = std::move(picture)] {
+        main_.post([place, done = std::move(taken.done), shown = std::move(picture), toCome = toCome_] {
+            --*toCome;
             if (place.lock())
                 done(shown);
         });

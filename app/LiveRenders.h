@@ -4,6 +4,8 @@
 #include "edits/HistogramData.h"
 #include "edits/PhotoEdits.h"
 
+#include <atomic>
+
 namespace korvo {
 
 /// A decoded photo to be shown with edits.
@@ -41,12 +43,15 @@ public:
 
     /// `done` is called later, on the main thread. The photo must be there.
     void render(const Slot& slot, LiveJob job, Done done);
+    /// Whether pictures are still to come.
+    bool isBusy() const { return *toCome_ > 0; }
 
 private:
     std::weak_ptr<LiveSlot> next(const std::stop_token& stop, LiveSlot& taken);
     void work(const std::stop_token& stop);
 
     MainThread& main_;
+    std::shared_ptr<std::atomic<int>> toCome_ = std::make_shared<std::atomic<int>>(0); // one a slot
     std::mutex mutex_;
     std::condition_variable_any asked_;
     std::list<std::weak_ptr<LiveSlot>> waiting_;

@@ -2,8 +2,10 @@
 
 namespace korvo {
 
-Session::Session(MainThread& main, std::unique_ptr<Catalog> catalog, const ExifTool& tool, Defaults& defaults)
-    : store_(main, std::move(catalog)), writeBack_(main, store_, tool, defaults), backfills_(main, store_)
+Session::Session(MainThread& main, std::unique_ptr<Catalog> catalog, const ExifTool& tool, Defaults& defaults,
+    std::chrono::milliseconds patience)
+    : store_(main, std::move(catalog), patience), writeBack_(main, store_, tool, defaults),
+      backfills_(main, store_)
 {
     readWhatIsNew();
 }

@@ -11,8 +11,9 @@ namespace korvo {
 /// Used on the main thread.
 class Session {
 public:
-    /// All but the catalog must outlive this.
-    Session(MainThread& main, std::unique_ptr<Catalog> catalog, const ExifTool& tool, Defaults& defaults);
+    /// All but the catalog must outlive this. `patience` is the store's.
+    Session(MainThread& main, std::unique_ptr<Catalog> catalog, const ExifTool& tool, Defaults& defaults,
+        std::chrono::milliseconds patience = LibraryStore::untilItIsRead);
 
     LibraryStore& store() { return store_; }
     MetadataWriteBack& writeBack() { return writeBack_; }

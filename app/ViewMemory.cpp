@@ -39,7 +39,8 @@ void restoreView(LibraryStore& store, const ViewMemory& memory)
     } catch (const NotFoundError&) { // deleted meanwhile by another program: the same
     }
     auto selection = memory.selection;
-    std::erase_if(selection, [&](PhotoID id) { return !store.list().shownFor(id); });
+    if (!store.isReading())
+        std::erase_if(selection, [&](PhotoID id) { return !store.list().shownFor(id); });
     store.select(std::move(selection));
 }
 

@@ -7,7 +7,7 @@
 #include "catalog/FileRecord.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/MetadataChange.h"
-#include "catalog/SmartAlbumMatcher.h"
+#include "catalog/SmartAlbumRules.h"
 #include "catalog/Stack.h"
 #include "catalog/Tree.h"
 #include "catalog/UnfinishedImport.h"
@@ -229,9 +229,6 @@ public:
     std::size_t countMatching(const SmartAlbumRules& rules, const std::stop_token& stop = {}) const;
 
 private:
-    std::vector<std::int64_t> withDescendants(std::int64_t project);
-    std::string sourceCondition(const LibrarySource& source);
-    SmartAlbumMatcher smartAlbumMatcher(std::int64_t id);
     std::set<std::int64_t> stacksOf(std::string_view selectStack, std::span<const std::int64_t> ids);
     void dissolve(std::int64_t stack);
     void requireStack(std::int64_t id);

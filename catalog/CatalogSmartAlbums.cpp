@@ -1,22 +1,32 @@
 #include "catalog/Catalog.h"
 
 #include "base/JsonError.h"
+#include "catalog/PhotoLists.h"
 #include "catalog/PhotoRows.h"
 
 namespace korvo {
 
-SmartAlbumRow Catalog::smartAlbum(std::int64_t id)
+namespace {
+
+SmartAlbumRow smartAlbumIn(Database& database, std::int64_t id)
 {
-    auto statement = database_.kept("SELECT name, rules FROM smart_albums WHERE id = ?");
+    auto statement = database.kept("SELECT name, rules FROM smart_albums WHERE id = ?");
     statement.bind(id);
     if (!statement.step())
         throw NotFoundError("smart album", id);
     return {id, std::string(statement.text(0)), std::string(statement.text(1))};
 }
 
-SmartAlbumMatcher Catalog::smartAlbumMatcher(std::int64_t id)
+} // namespace
+
+SmartAlbumRow Catalog::smartAlbum(std::int64_t id)
 {
-    const auto album = smartAlbum(id);
+    return smartAlbumIn(database_, id);
+}
+
+SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id)
+{
+    const auto album = smartAlbumIn(database, id);
     try {
         return SmartAlbumMatcher(smartAlbumRules(album.rules));
     } catch (const JsonError& error) {

@@ -1,6 +1,8 @@
 #include "catalog/Catalog.h"
 
 #include "catalog/FileTypes.h"
+#include "catalog/GridOrder.h"
+#include "catalog/PhotoLists.h"
 #include "catalog/PhotoRows.h"
 #include "platform/LargePages.h"
 
@@ -10,12 +12,8 @@ namespace {
 
 using Kind = LibrarySource::Kind;
 
-/// Masters that also meet a condition, by file name.
-std::string masters(const std::string& condition = {})
-{
-    return "SELECT p.* FROM photos p WHERE p.version_of IS NULL" + condition
-        + " ORDER BY p.filename COLLATE NOCASE, p.id";
-}
+constexpr auto masters = "SELECT p.* FROM photos p WHERE p.version_of IS NULL";
+constexpr auto byName = " ORDER BY p.filename COLLATE NOCASE, p.id";
 
 constexpr auto albumMembers = "SELECT p.* FROM photos p JOIN album_items ai ON ai.photo_id = p.id "
                               "WHERE ai.album_id = ?1 ORDER BY ai.position, p.filename COLLATE NOCASE";
@@ -65,12 +63,12 @@ std::string conditionOf(Kind kind)
 
 } // namespace
 
-std::vector<std::int64_t> Catalog::withDescendants(std::int64_t project)
+std::vector<std::int64_t> withDescendants(Database& database, std::int64_t project)
 {
     std::vector<std::int64_t> all{project};
     for (std::vector<std::int64_t> level{project}; !level.empty();) {
         auto statement
-            = database_.prepare("SELECT id FROM projects WHERE parent_id IN (" + joinedIDs(level) + ")");
+            = database.prepare("SELECT id FROM projects WHERE parent_id IN (" + joinedIDs(level) + ")");
         level.clear();
         while (statement.step())
             level.push_back(statement.integer(0));
@@ -96,50 +94,77 @@ void Catalog::requireSource(const LibrarySource& source)
             throw NotFoundError(noun, source.id);
 }
 
-std::string Catalog::sourceCondition(const LibrarySource& source)
+namespace {
+
+std::string sourceCondition(Database& database, const LibrarySource& source)
 {
     if (source.kind == Kind::project)
-        return " AND p.project_id IN (" + joinedIDs(withDescendants(source.id)) + ")";
+        return " AND p.project_id IN (" + joinedIDs(withDescendants(database, source.id)) + ")";
     return conditionOf(source.kind);
 }
 
-void Catalog::forEachPhoto(
-    const std::optional<LibrarySource>& source, const std::function<bool(PhotoItem&&)>& use)
+/// Whether a source lists masters by their names.
+bool isByName(const std::optional<LibrarySource>& source)
+{
+    return !source || (source->kind != Kind::album && source->kind != Kind::recentlyAdded);
+}
+
+std::string listing(
+    Database& database, const std::optional<LibrarySource>& source, std::string_view orderOfMasters)
+{
+    if (!isByName(source))
+        return source->kind == Kind::album ? albumMembers : recentlyAdded;
+    auto sql = masters + (source ? sourceCondition(database, *source) : std::string());
+    return sql.append(orderOfMasters);
+}
+
+using Use = std::function<bool(PhotoItem&&)>;
+
+void forEachPhotoIn(Database& database, const std::optional<LibrarySource>& source,
+    std::string_view orderOfMasters, const Use& use)
 {
     if (source && source->kind == Kind::smartAlbum) {
-        auto matcher = smartAlbumMatcher(source->id);
-        return forEachPhoto(
-            std::nullopt, [&](PhotoItem&& item) { return !matcher.matches(item) || use(std::move(item)); });
+        auto matcher = smartAlbumMatcher(database, source->id);
+        return forEachPhotoIn(database, std::nullopt, orderOfMasters,
+            [&](PhotoItem&& item) { return !matcher.matches(item) || use(std::move(item)); });
     }
-    std::string sql;
-    if (!source)
-        sql = masters();
-    else if (source->kind == Kind::album)
-        sql = albumMembers;
-    else if (source->kind == Kind::recentlyAdded)
-        sql = recentlyAdded;
-    else
-        sql = masters(sourceCondition(*source));
-    auto statement = database_.prepare(sql);
+    const auto sql = listing(database, source, orderOfMasters);
+    auto statement = database.prepare(sql);
     if (sql.find("?1") != sql.npos)
         statement.bind(source->id);
     PhotoRows rows(statement);
     while (statement.step() && use(rows.item())) { }
 }
 
-std::vector<PhotoItem> Catalog::photos(const std::optional<LibrarySource>& source)
+} // namespace
+
+void Catalog::forEachPhoto(const std::optional<LibrarySource>& source, const Use& use)
+{
+    forEachPhotoIn(database_, source, byName, use);
+}
+
+std::vector<PhotoItem> photosIn(
+    Database& database, const std::optional<LibrarySource>& source, const std::stop_token& stop)
 {
     std::vector<PhotoItem> items;
     if (!source) { // the one list that is long enough for its growth and its pages to be felt
         items.reserve(static_cast<std::size_t>(
-            database_.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL")));
+            database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL")));
         preferLargePages(items.data(), items.capacity() * sizeof(PhotoItem));
     }
-    forEachPhoto(source, [&](PhotoItem&& item) {
+    // Put in order here: SQLite would write each row several times for it.
+    forEachPhotoIn(database, source, "", [&](PhotoItem&& item) {
         items.push_back(std::move(item));
-        return true;
+        return !stop.stop_requested();
     });
+    if (isByName(source) && !stop.stop_requested())
+        sortByName(items);
     return items;
+}
+
+std::vector<PhotoItem> Catalog::photos(const std::optional<LibrarySource>& source)
+{
+    return photosIn(database_, source);
 }
 
 std::vector<PhotoItem> Catalog::photosByID(std::span<const PhotoID> ids)
@@ -162,12 +187,12 @@ std::vector<PhotoItem> Catalog::photosOfSource(
     if (source && (source->kind == Kind::album || source->kind == Kind::recentlyAdded))
         return photosByID(ids);
     if (source && source->kind == Kind::smartAlbum) {
-        auto matcher = smartAlbumMatcher(source->id);
+        auto matcher = smartAlbumMatcher(database_, source->id);
         auto items = photosOfSource(std::nullopt, ids);
         std::erase_if(items, [&](const PhotoItem& item) { return !matcher.matches(item); });
         return items;
     }
-    const auto condition = source ? sourceCondition(*source) : std::string();
+    const auto condition = source ? sourceCondition(database_, *source) : std::string();
     auto statement
         = database_.prepare("SELECT p.* FROM photos p WHERE p.version_of IS NULL AND p.id = ?2" + condition);
     PhotoRows rows(statement);

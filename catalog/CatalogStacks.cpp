@@ -1,5 +1,6 @@
 #include "catalog/ChangeRow.h"
 #include "catalog/Meta.h"
+#include "catalog/PhotoLists.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -31,8 +32,13 @@ std::vector<PhotoID> membersOf(Database& database, std::string_view select, std:
 
 std::vector<Stack> Catalog::stacks()
 {
+    return stacksIn(database_);
+}
+
+std::vector<Stack> stacksIn(Database& database)
+{
     std::vector<Stack> stacks;
-    auto statement = database_.kept(R"(SELECT s.id, s.collapsed, p.id
+    auto statement = database.kept(R"(SELECT s.id, s.collapsed, p.id
 FROM stacks s JOIN photos p ON p.stack_id = s.id AND p.version_of IS NULL
 ORDER BY s.id, (p.id = s.pick_photo_id) DESC, p.stack_position, p.filename COLLATE NOCASE, p.id)");
     while (statement.step()) {

@@ -1,5 +1,6 @@
 #include "catalog/ChangeRow.h"
 #include "catalog/NewGroups.h"
+#include "catalog/PhotoLists.h"
 
 #include <map>
 
@@ -42,19 +43,14 @@ std::string text(const Statement& row, int column)
     return std::string(row.text(column));
 }
 
-std::vector<ProjectNode> projects(Database& database)
+std::vector<ProjectRow> projects(Database& database)
 {
-    const auto rows = rowsOf(database,
+    return rowsOf(database,
         "SELECT id, name, kind, parent_id, position FROM projects ORDER BY position, name COLLATE NOCASE",
         [](const Statement& row) {
             return ProjectRow{
                 row.integer(0), text(row, 1), text(row, 2), row.optionalInteger(3), row.integer(4)};
         });
-    const auto counts = rowsOf(database,
-        "SELECT project_id, COUNT(*) AS n FROM photos WHERE version_of IS NULL AND project_id IS NOT NULL "
-        "GROUP BY project_id",
-        [](const Statement& row) { return std::pair(row.integer(0), row.integer(1)); });
-    return projectTree(rows, counts);
 }
 
 std::vector<AlbumRow> albums(Database& database)
@@ -68,46 +64,61 @@ std::vector<AlbumRow> albums(Database& database)
         });
 }
 
-LibraryTotals totals(Database& database)
+std::vector<KeywordRow> keywordsIn(Database& database)
 {
-    return {database.scalar("SELECT COUNT(*) FROM photos"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE alt_text = ''"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE dirty = 1"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND project_id IS NULL")};
+    return rowsOf(database, "SELECT id, name, parent_id FROM keywords ORDER BY name COLLATE NOCASE",
+        [](const Statement& row) {
+            return KeywordRow{row.integer(0), text(row, 1), row.optionalInteger(2)};
+        });
 }
 
 } // namespace
 
-LibraryTree Catalog::tree()
+LibraryCounts countsIn(Database& database)
+{
+    const LibraryTotals totals{database.scalar("SELECT COUNT(*) FROM photos"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE alt_text = ''"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE dirty = 1"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND project_id IS NULL")};
+    return {totals,
+        rowsOf(database,
+            "SELECT project_id, COUNT(*) AS n FROM photos WHERE version_of IS NULL AND project_id IS NOT "
+            "NULL GROUP BY project_id",
+            [](const Statement& row) { return std::pair(row.integer(0), row.integer(1)); })};
+}
+
+LibraryTree treeIn(Database& database, const LibraryCounts& counts)
 {
     LibraryTree tree;
-    tree.folders = rowsOf(database_, "SELECT id, path FROM folders ORDER BY path", [](const Statement& row) {
+    tree.folders = rowsOf(database, "SELECT id, path FROM folders ORDER BY path", [](const Statement& row) {
         return FolderRow{row.integer(0), text(row, 1)};
     });
-    tree.projects = projects(database_);
-    tree.albums = albums(database_);
+    tree.projects = projectTree(projects(database), counts.inProjects);
+    tree.albums = albums(database);
     tree.smartAlbums
-        = rowsOf(database_, "SELECT id, name, rules FROM smart_albums ORDER BY position, name COLLATE NOCASE",
+        = rowsOf(database, "SELECT id, name, rules FROM smart_albums ORDER BY position, name COLLATE NOCASE",
             [](const Statement& row) {
                 return SmartAlbumRow{row.integer(0), text(row, 1), text(row, 2)};
             });
-    tree.keywords = keywords();
-    tree.people = rowsOf(database_,
+    tree.keywords = keywordsIn(database);
+    tree.people = rowsOf(database,
         "SELECT pe.id, pe.name, (SELECT COUNT(DISTINCT f.photo_id) FROM faces f WHERE f.person_id = pe.id) "
         "FROM people pe ORDER BY pe.position, pe.name COLLATE NOCASE",
         [](const Statement& row) {
             return PersonRow{row.integer(0), text(row, 1), row.integer(2)};
         });
-    tree.totals = totals(database_);
+    tree.totals = counts.totals;
     return tree;
+}
+
+LibraryTree Catalog::tree()
+{
+    return treeIn(database_, countsIn(database_));
 }
 
 std::vector<KeywordRow> Catalog::keywords()
 {
-    return rowsOf(database_, "SELECT id, name, parent_id FROM keywords ORDER BY name COLLATE NOCASE",
-        [](const Statement& row) {
-            return KeywordRow{row.integer(0), text(row, 1), row.optionalInteger(2)};
-        });
+    return keywordsIn(database_);
 }
 
 std::int64_t Catalog::addFolder(std::string_view path, UnixTime addedAt)
@@ -205,7 +216,7 @@ void Catalog::moveProject(std::int64_t id, std::optional<std::int64_t> parent)
 {
     Transaction transaction(database_);
     requireProject(database_, parent);
-    const auto below = withDescendants(id);
+    const auto below = withDescendants(database_, id);
     if (parent && std::find(below.begin(), below.end(), *parent) != below.end())
         throw std::invalid_argument("a project cannot be put into itself");
     changeRow(database_, "project", id, "UPDATE projects SET parent_id = ? WHERE id = ?", parent, id);

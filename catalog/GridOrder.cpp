@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <tuple>
 
 namespace korvo {
 
@@ -12,19 +13,18 @@ namespace {
 
 constexpr double unknownDate = -std::numeric_limits<double>::infinity();
 
-/// Less than 0 when a comes first by the key alone.
-int compareByKey(const PhotoItem& a, const PhotoItem& b, SortKey key)
+/// A number that orders as the key does; 0 for the name.
+double numberOf(const PhotoItem& item, SortKey key)
 {
-    const auto ascending = [](auto x, auto y) { return x < y ? -1 : y < x ? 1 : 0; };
     switch (key) {
-    case SortKey::name:
-        return 0;
     case SortKey::imported:
-        return ascending(a.addedAt, b.addedAt);
+        return item.addedAt;
     case SortKey::fileDate:
-        return ascending(a.fileDate.value_or(unknownDate), b.fileDate.value_or(unknownDate));
+        return item.fileDate.value_or(unknownDate);
     case SortKey::rating:
-        return ascending(b.rating, a.rating);
+        return -static_cast<double>(item.rating);
+    case SortKey::name:
+        break;
     }
     return 0;
 }
@@ -87,8 +87,9 @@ bool passes(const PhotoItem& item, GridFilter filter)
 
 bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key)
 {
-    if (const int byValue = compareByKey(a, b, key))
-        return byValue < 0;
+    const double numberA = numberOf(a, key), numberB = numberOf(b, key);
+    if (numberA != numberB)
+        return numberA < numberB;
     if (const int byName = compareNoCase(a.filename, b.filename))
         return byName < 0;
     return a.id < b.id;
@@ -99,16 +100,85 @@ PhotoTest testOf(std::optional<GridFilter> filter)
     return [filter](const PhotoItem& item) { return !filter || passes(item, *filter); };
 }
 
-std::vector<std::uint32_t> gridOrder(
-    const std::vector<PhotoItem>& items, std::optional<SortKey> key, const PhotoTest& isShown)
+namespace {
+
+/// What is compared of a name, so that hardly ever the name itself has to be looked up: its first 16 bytes,
+/// without case.
+struct NamePrefix {
+    std::uint64_t first = 0;
+    std::uint64_t second = 0;
+    std::uint32_t position = 0;
+
+    NamePrefix(std::string_view name, std::size_t at) : position(static_cast<std::uint32_t>(at))
+    {
+        for (std::size_t i = 0; i < 16; ++i) {
+            auto& half = i < 8 ? first : second;
+            half = half << 8 | (i < name.size() ? lowered(static_cast<std::uint8_t>(name[i])) : 0U);
+        }
+    }
+
+private:
+    static std::uint8_t lowered(std::uint8_t c) { return c >= 'A' && c <= 'Z' ? c | 0x20 : c; }
+};
+
+/// Moves what stands at `from[i].position` to i.
+void permute(std::vector<PhotoItem>& items, std::vector<NamePrefix>& from)
+{
+    for (std::uint32_t start = 0; start < items.size(); ++start) {
+        if (from[start].position == start)
+            continue;
+        PhotoItem kept = std::move(items[start]);
+        auto to = start;
+        for (auto next = from[to].position; next != start; next = from[to].position) {
+            items[to] = std::move(items[next]);
+            from[to].position = to;
+            to = next;
+        }
+        items[to] = std::move(kept);
+        from[to].position = to;
+    }
+}
+
+/// The same order as byKey, of photos that stand by name already.
+void sortNamed(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, SortKey key)
+{
+    std::vector<std::pair<double, std::uint32_t>> numbers;
+    numbers.reserve(order.size());
+    for (const auto position : order)
+        numbers.emplace_back(numberOf(items[position], key), position);
+    std::sort(numbers.begin(), numbers.end());
+    std::transform(
+        numbers.begin(), numbers.end(), order.begin(), [](const auto& number) { return number.second; });
+}
+
+} // namespace
+
+void sortByName(std::vector<PhotoItem>& items)
+{
+    std::vector<NamePrefix> prefixes;
+    prefixes.reserve(items.size());
+    for (std::size_t i = 0; i < items.size(); ++i)
+        prefixes.emplace_back(items[i].filename.view(), i);
+    std::sort(prefixes.begin(), prefixes.end(), [&](const NamePrefix& a, const NamePrefix& b) {
+        if (a.first != b.first || a.second != b.second)
+            return std::tie(a.first, a.second) < std::tie(b.first, b.second);
+        return standsBefore(items[a.position], items[b.position], SortKey::name);
+    });
+    permute(items, prefixes);
+}
+
+std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, ListedBy listedBy,
+    std::optional<SortKey> key, const PhotoTest& isShown)
 {
     std::vector<std::uint32_t> order;
     order.reserve(items.size());
     for (std::uint32_t position = 0; position < items.size(); ++position)
         if (isShown(items[position]))
             order.push_back(position);
-    if (key)
+    if (key && listedBy == ListedBy::hand)
         std::sort(order.begin(), order.end(), byKey(items, key));
+    else if (key && key != SortKey::name)
+        sortNamed(order, items, *key);
     return order;
 }
 

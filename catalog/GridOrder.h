@@ -71,15 +71,21 @@ bool passes(const PhotoItem& item, GridFilter filter);
 /// Whether `a` stands before `b`; ties go by file name, then by id. The order is total.
 bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key);
 
+/// Puts photos in the order of their names, as SortKey::name does.
+void sortByName(std::vector<PhotoItem>& items);
+
 /// Whether a photo is shown.
 using PhotoTest = std::function<bool(const PhotoItem&)>;
 
 /// The test of a filter; every photo passes without one.
 PhotoTest testOf(std::optional<GridFilter> filter);
 
+/// How photos stand in their list before they are sorted by anything else.
+enum class ListedBy : std::uint8_t { name, hand };
+
 /// The positions in `items` of the photos shown, in the order shown.
-std::vector<std::uint32_t> gridOrder(
-    const std::vector<PhotoItem>& items, std::optional<SortKey> key, const PhotoTest& isShown);
+std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, ListedBy listedBy,
+    std::optional<SortKey> key, const PhotoTest& isShown);
 
 /// Brings `order` up to date after the items at `changed` (ascending positions) took new values in place.
 void updateGridOrder(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items,

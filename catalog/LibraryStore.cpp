@@ -30,20 +30,6 @@ std::vector<PhotoID> onceEach(std::vector<PhotoID> ids)
     return ids;
 }
 
-/// The photos that a source lists; none, and the reason, for one that cannot be listed.
-template <typename Ask>
-std::vector<PhotoItem> listedBy(Ask ask, std::optional<std::string>& fault)
-{
-    try {
-        return ask();
-    } catch (const SmartAlbumError& error) {
-        fault = error.what(); // the album stays to be mended in the editor, and lists nothing till then
-    } catch (const NotFoundError& error) {
-        fault = error.what(); // it was deleted while it was shown; undo may bring it back
-    }
-    return {};
-}
-
 /// Each change another connection commits gives a new number.
 std::int64_t dataVersion(Catalog& catalog)
 {
@@ -52,27 +38,117 @@ std::int64_t dataVersion(Catalog& catalog)
 
 } // namespace
 
-LibraryStore::LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog)
-    : main_(main), catalog_(std::move(catalog)), dataVersion_(dataVersion(*catalog_))
+LibraryStore::LibraryStore(
+    MainThread& main, std::unique_ptr<Catalog> catalog, std::chrono::milliseconds patience)
+    : main_(main), catalog_(std::move(catalog)), patience_(patience), dataVersion_(dataVersion(*catalog_))
 {
-    list_.setStacks(catalog_->stacks());
     load(source_);
 }
 
-void LibraryStore::load(std::optional<LibrarySource> source)
+LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
 {
-    std::optional<std::string> fault;
-    auto items = listedBy([&] { return catalog_->photos(source); }, fault);
-    list_.assign(std::move(items));
-    source_ = std::move(source);
-    sourceFault_ = std::move(fault);
+    auto reader = std::make_unique<Reading<ReadList>>(
+        main_, *catalog_,
+        [source, like = list_.emptied()](Database& database, const std::stop_token& stop) {
+            return readList(database, source, like, stop);
+        },
+        [this] { listArrived(); });
+    std::optional<ReadList> read;
+    if (reader->waitFor(patience_))
+        read = reader->take();
+    reader_ = read ? nullptr : std::move(reader);
+    sinceReading_.clear();
+    readAgain_ = false;
+    if (source != source_) {
+        source_ = std::move(source);
+        isListed_ = false;
+        toSelect_.clear();
+    }
+    if (read)
+        show(*std::move(read));
+    else if (!isListed_) // nothing can be done with photos that are of another source
+        discard(std::exchange(list_, list_.emptied()));
+    return reader_ ? Shown::later : Shown::yes;
+}
+
+void LibraryStore::show(ReadList read)
+{
+    read.list.takeOverFrom(list_);
+    discard(std::exchange(list_, std::move(read.list)));
+    sourceFault_ = std::move(read.fault);
+    isListed_ = true;
+    if (!toSelect_.empty())
+        selection_ = std::exchange(toSelect_, {});
+}
+
+void LibraryStore::discard(PhotoList list)
+{
+    constexpr std::size_t fewEnough = 10'000; // to be freed at once
+    if (list.items().size() > fewEnough)
+        discarding_ = runInBackground(main_,
+            [old = std::make_shared<PhotoList>(std::move(list))](const Task::Context&) mutable { old = {}; });
+}
+
+void LibraryStore::listArrived()
+{
+    main_.assertCurrent();
+    const auto first = firstSelectedPosition();
+    const auto reader = std::move(reader_);
+    try {
+        show(reader->take());
+        for (const auto& rows : std::exchange(sinceReading_, {}))
+            updateList(rows);
+    } catch (const std::exception& error) { // it is read again when others' changes are looked for
+        sourceFault_ = error.what();
+        dataVersion_ = -1;
+    }
+    const bool selected = repairSelection(first);
+    changed.emit({.photos = {}, .list = true, .selection = selected});
+    if (readAgain_ && !reader_)
+        reload();
 }
 
 const LibraryTree& LibraryStore::tree()
 {
+    if (countAgain_ && !counting_)
+        count();
     if (!tree_)
-        tree_ = catalog_->tree();
+        tree_ = treeIn(catalog_->database(), counts_);
     return *tree_;
+}
+
+void LibraryStore::treeChanged()
+{
+    tree_.reset();
+    countAgain_ = true;
+}
+
+void LibraryStore::count()
+{
+    countAgain_ = false;
+    counting_ = std::make_unique<Reading<LibraryCounts>>(
+        main_, *catalog_, [](Database& database, const std::stop_token&) { return countsIn(database); },
+        [this] { countsArrived(); });
+    if (counting_->waitFor(patience_)) {
+        const auto counting = std::move(counting_);
+        counts_ = counting->take();
+        tree_.reset();
+    }
+}
+
+void LibraryStore::countsArrived()
+{
+    const auto counting = std::move(counting_);
+    try {
+        const auto before = std::exchange(counts_, counting->take());
+        if (before != counts_) {
+            tree_.reset();
+            changed.emit({.photos = {}, .tree = true});
+        }
+    } catch (const DatabaseError&) { // the counts of before stay; the next change counts again
+    }
+    if (countAgain_ && !counting_)
+        count();
 }
 
 void LibraryStore::chooseSource(std::optional<LibrarySource> source)
@@ -89,7 +165,7 @@ void LibraryStore::arrange(std::optional<SortKey> key, std::optional<GridFilter>
     main_.assertCurrent();
     const auto first = firstSelectedPosition();
     list_.arrange(key, filter);
-    changed.emit({.photos = {}, .list = true, .selection = repairSelection(first)});
+    arranged(first);
 }
 
 void LibraryStore::narrow(std::span<const SmartAlbumRules> rules)
@@ -97,16 +173,27 @@ void LibraryStore::narrow(std::span<const SmartAlbumRules> rules)
     main_.assertCurrent();
     const auto first = firstSelectedPosition();
     list_.narrow(rules);
-    changed.emit({.photos = {}, .list = true, .selection = repairSelection(first)});
+    arranged(first);
+}
+
+void LibraryStore::arranged(std::optional<std::size_t> firstPosition)
+{
+    if (reader_) // into a list that is arranged as this one was
+        load(source_);
+    const bool selected = repairSelection(firstPosition);
+    changed.emit({.photos = {}, .list = true, .selection = selected});
 }
 
 void LibraryStore::select(std::vector<PhotoID> ids)
 {
     main_.assertCurrent();
-    if (ids == selection_)
-        return;
-    selection_ = std::move(ids);
-    changed.emit({.photos = {}, .selection = true});
+    toSelect_.clear();
+    if (!isListed_)
+        toSelect_ = std::move(ids);
+    else if (ids != selection_) {
+        selection_ = std::move(ids);
+        changed.emit({.photos = {}, .selection = true});
+    }
 }
 
 void LibraryStore::perform(std::string title, const std::function<void(Catalog&)>& change)
@@ -212,10 +299,11 @@ void LibraryStore::reload()
 {
     main_.assertCurrent();
     const auto first = firstSelectedPosition();
-    list_.setStacks(catalog_->stacks());
-    load(source_);
-    tree_.reset();
-    changed.emit({.photos = {}, .list = true, .tree = true, .selection = repairSelection(first)});
+    readAgain_ = reader_ != nullptr;
+    const bool shown = !readAgain_ && load(source_) == Shown::yes;
+    treeChanged();
+    const bool selected = shown && repairSelection(first);
+    changed.emit({.photos = {}, .list = shown, .tree = true, .selection = selected});
 }
 
 void LibraryStore::reloadIfChangedElsewhere()
@@ -234,16 +322,14 @@ void LibraryStore::publish(const ChangedRows& rows, std::span<const PhotoID> sel
     change.tree
         = rows.tree || !rows.inserted.empty() || !rows.deleted.empty() || touches(rows, countedColumns);
     if (change.tree)
-        tree_.reset();
+        treeChanged();
     const auto first = firstSelectedPosition();
     change.list = updateList(rows);
-    if (rows.stacks) {
-        list_.setStacks(catalog_->stacks());
-        change.list = true;
-    }
     const auto before = selection_;
     if (!select.empty())
         selection_.assign(select.begin(), select.end());
+    if (!select.empty() && reader_)
+        toSelect_ = selection_;
     repairSelection(first);
     change.selection = selection_ != before;
     changed.emit(change);
@@ -272,31 +358,47 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
 
 bool LibraryStore::updateList(const ChangedRows& rows)
 {
+    if (reader_)
+        sinceReading_.push_back(rows);
     if (mustReload(rows)) {
-        load(source_);
-        return true;
+        readAgain_ = reader_ != nullptr;
+        if (!readAgain_ && load(source_) == Shown::yes)
+            return true;
     }
-    if (sourceFault_)
-        return false;
+    const bool changesPhotos = isListed_ && !sourceFault_ && updatePhotos(rows);
+    if (rows.stacks && isListed_)
+        list_.setStacks(catalog_->stacks());
+    return changesPhotos || rows.stacks;
+}
+
+std::optional<std::vector<PhotoItem>> LibraryStore::listedOf(std::span<const PhotoID> ids)
+{
+    try {
+        return catalog_->photosOfSource(source_, ids);
+    } catch (const SmartAlbumError&) { // another process has made it unreadable
+    } catch (const NotFoundError&) { // or deleted it
+    }
+    return std::nullopt;
+}
+
+bool LibraryStore::updatePhotos(const ChangedRows& rows)
+{
     auto ids = rows.updated;
     ids.insert(ids.end(), rows.inserted.begin(), rows.inserted.end());
-    std::optional<std::string> fault;
-    auto current = listedBy([&] { return catalog_->photosOfSource(source_, ids); }, fault);
-    if (fault) { // another process has deleted it or made it unreadable
-        load(source_);
-        return true;
-    }
+    auto current = listedOf(ids);
+    if (!current) // the source can no longer be listed
+        return load(source_) == Shown::yes;
     // The members of these are not decided by the photos' own values.
     if (source_ && (source_->kind == Kind::album || source_->kind == Kind::recentlyAdded))
-        std::erase_if(current, [this](const PhotoItem& item) { return !list_.find(item.id); });
+        std::erase_if(*current, [this](const PhotoItem& item) { return !list_.find(item.id); });
     std::unordered_set<PhotoID> gone;
     for (const auto& touched : {rows.updated, rows.deleted})
         for (const PhotoID id : touched)
             if (list_.find(id))
                 gone.insert(id);
-    for (const auto& item : current)
+    for (const auto& item : *current)
         gone.erase(item.id);
-    return list_.update(std::move(current), gone);
+    return list_.update(*std::move(current), gone);
 }
 
 std::optional<std::size_t> LibraryStore::firstSelectedPosition() const

@@ -5,9 +5,12 @@
 #include "catalog/Catalog.h"
 #include "catalog/CommonMetadata.h"
 #include "catalog/MetadataChange.h"
-#include "catalog/PhotoList.h"
+#include "catalog/PhotoLists.h"
+#include "catalog/ReadList.h"
+#include "catalog/Reading.h"
 #include "catalog/UndoHistory.h"
 
+#include <chrono>
 #include <memory>
 
 namespace korvo {
@@ -26,26 +29,36 @@ struct LibraryChange {
 /// fails throws DatabaseError and leaves everything as it was. Used on the main thread.
 class LibraryStore {
 public:
-    /// Loads the whole library. `main` must outlive the store.
-    LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog);
+    static constexpr std::chrono::hours untilItIsRead{24};
+
+    /// Reads the whole library. `main` must outlive the store. Lists are read in the background, and waited
+    /// for as long as `patience` says; one that takes longer is shown when it is there.
+    LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog,
+        std::chrono::milliseconds patience = untilItIsRead);
 
     Catalog& catalog() { return *catalog_; }
     Signal<const LibraryChange&> changed;
 
     // What is shown
     const PhotoList& list() const { return list_; }
+    /// Whether a list is being read. Till it is there, a source that was just chosen lists nothing, and one
+    /// that is read again what it did before.
+    bool isReading() const { return reader_ != nullptr; }
     const std::optional<LibrarySource>& source() const { return source_; }
     /// Why a source that cannot be listed shows nothing: a smart album whose rules cannot be read, or that is
     /// gone.
     const std::optional<std::string>& sourceFault() const { return sourceFault_; }
     const std::vector<PhotoID>& selection() const { return selection_; }
-    /// The sidebar, read again after it has changed.
+    /// The sidebar, read again after it has changed. Its counts of photos may follow, as another change.
     const LibraryTree& tree();
+    /// Whether counts are to follow.
+    bool isCounting() const { return counting_ != nullptr; }
 
     void chooseSource(std::optional<LibrarySource> source);
     void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
     /// Shows only photos that match all of these too; what the search field and the filter bar leave.
     void narrow(std::span<const SmartAlbumRules> rules);
+    /// While a source that was just chosen is read, they are selected when it is there.
     void select(std::vector<PhotoID> ids);
 
     // What the user does
@@ -121,14 +134,30 @@ public:
     void reloadIfChangedElsewhere();
 
 private:
-    /// Reads all photos of a source and makes it the current one.
-    void load(std::optional<LibrarySource> source);
+    enum class Shown { yes, later };
+
+    /// Reads all photos of a source and makes it the current one. Throws, with nothing changed, when it
+    /// cannot be read and that shows in time.
+    Shown load(std::optional<LibrarySource> source);
+    /// What was waited for is there.
+    void listArrived();
+    void show(ReadList read);
+    /// After the list was arranged anew.
+    void arranged(std::optional<std::size_t> firstPosition);
+    void treeChanged();
+    void count();
+    void countsArrived();
+    /// Frees a list that may be long, in the background.
+    void discard(PhotoList list);
     /// Makes the changes, which touch these rows, again, and returns what really happened.
     ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
     void publish(const ChangedRows& rows, std::span<const PhotoID> select = {});
     bool mustReload(const ChangedRows& rows) const;
     bool updateList(const ChangedRows& rows);
+    bool updatePhotos(const ChangedRows& rows);
+    /// Those of the photos that the source lists; nothing when it cannot be listed any more.
+    std::optional<std::vector<PhotoItem>> listedOf(std::span<const PhotoID> ids);
     /// Drops from the selection what is no longer shown, taking the pick for what a collapsed stack hides;
     /// when nothing is left of it, the photo that took the place of the first one is selected. Returns
     /// whether the selection changed.
@@ -137,13 +166,23 @@ private:
 
     MainThread& main_;
     std::unique_ptr<Catalog> catalog_;
+    std::chrono::milliseconds patience_;
     std::optional<LibrarySource> source_;
     std::optional<std::string> sourceFault_;
     PhotoList list_;
+    bool isListed_ = false; // list_ is the source's, though maybe of an earlier moment
     std::vector<PhotoID> selection_;
+    std::vector<PhotoID> toSelect_; // once the list that is being read is there
+    std::vector<ChangedRows> sinceReading_; // may be missing in what is being read
+    bool readAgain_ = false; // when it is there: more than rows may be missing
     std::optional<LibraryTree> tree_;
+    LibraryCounts counts_;
+    bool countAgain_ = true; // what was counted last, or is being counted, may have changed
     UndoHistory history_;
     std::int64_t dataVersion_;
+    Task discarding_;
+    std::unique_ptr<Reading<LibraryCounts>> counting_;
+    std::unique_ptr<Reading<ReadList>> reader_; // last, so that they end first
 };
 
 } // namespace korvo

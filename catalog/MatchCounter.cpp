@@ -34,7 +34,7 @@ void MatchCounter::begin()
     nextSlice_ = nullptr;
     result_.reset();
     fault_.clear();
-    if (store_.source()) {
+    if (store_.source() || store_.isReading()) {
         changed.emit();
         countInBackground();
     } else {

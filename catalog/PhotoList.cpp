@@ -6,6 +6,15 @@
 
 namespace korvo {
 
+namespace {
+
+bool standsBeforeByName(const PhotoItem& a, const PhotoItem& b)
+{
+    return standsBefore(a, b, SortKey::name);
+}
+
+} // namespace
+
 std::optional<std::uint32_t> PhotoList::position(PhotoID id) const
 {
     const auto found = std::lower_bound(byID_.begin(), byID_.end(), id,
@@ -36,26 +45,37 @@ void PhotoList::index()
         [this](std::uint32_t a, std::uint32_t b) { return items_[a].id < items_[b].id; });
 }
 
+PhotoList PhotoList::emptied() const
+{
+    PhotoList list;
+    list.sortKey_ = sortKey_;
+    list.filter_ = filter_;
+    list.narrowing_ = narrowing_;
+    return list;
+}
+
 void PhotoList::assign(std::vector<PhotoItem> items)
 {
-    // What is being done with a photo just now stands in no row, and goes on while its list is read again.
-    std::vector<std::pair<PhotoID, PhotoItem::Status>> busy;
-    for (const PhotoItem& item : items_)
-        if (item.status.kind != PhotoItem::Status::Kind::idle)
-            busy.emplace_back(item.id, item.status);
     items_ = std::move(items);
+    listedBy_
+        = std::is_sorted(items_.begin(), items_.end(), standsBeforeByName) ? ListedBy::name : ListedBy::hand;
     index();
-    for (auto& [id, status] : busy)
-        if (const auto at = position(id))
-            items_[*at].status = std::move(status);
     arrange(sortKey_, filter_);
+}
+
+void PhotoList::takeOverFrom(const PhotoList& earlier)
+{
+    for (const PhotoItem& item : earlier.items_) // a status stands in no row
+        if (item.status.kind != PhotoItem::Status::Kind::idle)
+            if (const auto at = position(item.id))
+                items_[*at].status = item.status;
 }
 
 void PhotoList::arrange(std::optional<SortKey> key, std::optional<GridFilter> filter)
 {
     sortKey_ = key;
     filter_ = filter;
-    order_ = gridOrder(items_, sortKey_, test());
+    order_ = gridOrder(items_, listedBy_, sortKey_, test());
     arrangeStacks();
 }
 
@@ -140,12 +160,10 @@ void PhotoList::rearrange(std::vector<PhotoItem> changed, const std::unordered_s
         return !replaced.insert(item.id).second; // given twice
     });
     std::erase_if(items_, [&](const PhotoItem& item) { return replaced.contains(item.id); });
-    const auto byName
-        = [](const PhotoItem& a, const PhotoItem& b) { return standsBefore(a, b, SortKey::name); };
-    std::sort(changed.begin(), changed.end(), byName);
+    std::sort(changed.begin(), changed.end(), standsBeforeByName);
     const auto kept = static_cast<std::ptrdiff_t>(items_.size());
     items_.insert(items_.end(), std::move_iterator(changed.begin()), std::move_iterator(changed.end()));
-    std::inplace_merge(items_.begin(), items_.begin() + kept, items_.end(), byName);
+    std::inplace_merge(items_.begin(), items_.begin() + kept, items_.end(), standsBeforeByName);
     index();
     arrange(sortKey_, filter_);
 }

@@ -33,7 +33,11 @@ public:
     /// it is not in the list or the filter hides it.
     std::optional<PhotoID> shownFor(PhotoID id) const;
 
+    /// An empty list that is sorted, filtered and narrowed as this one.
+    PhotoList emptied() const;
     void assign(std::vector<PhotoItem> items);
+    /// Takes the place of a list that was read earlier: what is being done with its photos goes on here.
+    void takeOverFrom(const PhotoList& earlier);
     /// All stacks of the library, whose members stand together or behind their pick.
     void setStacks(const std::vector<Stack>& stacks);
     void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
@@ -62,6 +66,7 @@ private:
     std::vector<std::uint32_t> order_; // by sort key and filter alone
     std::vector<std::uint32_t> shown_; // the same with the stacks in their places
     std::unordered_map<PhotoID, PhotoID> hidden_; // in collapsed stacks, and who is shown for them
+    ListedBy listedBy_ = ListedBy::name;
     StackPlaces stacks_;
     std::optional<SortKey> sortKey_;
     std::optional<GridFilter> filter_ = GridFilter::unratedOrBetter;

@@ -1,6 +1,7 @@
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOutput.h"
 #include "base/Text.h"
+#include "catalog/RuleTest.h"
 #include "catalog/SmartAlbumEditor.h"
 
 #include <fmt/format.h>
@@ -114,7 +115,7 @@ ExitCode autoStackCommand(Context& context, const AutoStackArguments& arguments)
     // What the plan is made from must not change before it is carried out.
     Transaction transaction(context.library().database());
     const auto items = context.library().photos(context.existingSource(arguments.source));
-    const auto shown = gridOrder(items, std::nullopt, testOf(std::nullopt));
+    const auto shown = gridOrder(items, ListedBy::hand, std::nullopt, testOf(std::nullopt));
     const AutoStackPlan plan(items, shown, arguments.interval);
     if (!arguments.dryRun)
         context.library().createStacks(plan);

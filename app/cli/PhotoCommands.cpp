@@ -41,7 +41,7 @@ ExitCode listCommand(Context& context, const ListArguments& arguments)
         return context.finish(1);
     }
     const auto items = context.library().photos(source);
-    for (const auto position : gridOrder(items, arguments.sort, testOf(arguments.filter))) {
+    for (const auto position : gridOrder(items, ListedBy::hand, arguments.sort, testOf(arguments.filter))) {
         if (context.isStopped())
             break;
         printPhoto(context, items[position]);

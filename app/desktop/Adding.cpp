@@ -10,18 +10,20 @@ namespace {
 
 using Steady = std::chrono::steady_clock;
 
-/// Shows what was added so far, the more seldom the longer it takes, so that large libraries do not stutter.
+/// Shows what was added so far, the more seldom the longer it takes, so that large libraries are not read all
+/// the time.
 struct Showing {
     Steady::time_point next = Steady::now();
 
     void show(Desktop& desktop)
     {
         const auto begun = Steady::now();
-        if (begun < next)
+        if (begun < next || desktop.store().isReading())
             return;
         desktop.attempt([&] { desktop.session().photosAdded(); });
-        const auto taken = Steady::now() - begun;
-        next = Steady::now() + std::max<Steady::duration>(std::chrono::seconds(1), taken * 20);
+        const auto photos = desktop.store().list().items().size();
+        next = begun
+            + std::max<Steady::duration>(std::chrono::seconds(1), photos * std::chrono::microseconds(50));
     }
 };
 

@@ -5,15 +5,22 @@
 
 namespace korvo {
 
-Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults)
+Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults,
+    std::chrono::milliseconds patience)
     : main_(main), clock_(clock), defaults_(defaults),
       reader_(*tool_.launcher, SystemImageReader::installedDecoder()),
-      session_(main, std::move(catalog), tool_.tool, defaults),
+      session_(main, std::move(catalog), tool_.tool, defaults, patience),
       previewCache_(store().catalog().previewsFolder(),
           PreviewCache::usualBound(store().catalog().previewsFolder()), clock),
       browser_(store()), pictures_(main, reader_, previewCache_), decoded_(main, reader_), renders_(main),
       draft_(store(), browser_), faceModel_(main, downloader_, applicationDataFolder()), jobs_(main)
 { }
+
+bool Desktop::isBusy()
+{
+    return store().isReading() || store().isCounting() || pictures_.waiting() > 0 || decoded_.isBusy()
+        || renders_.isBusy() || jobs_.running();
+}
 
 void Desktop::say(std::string text, Offer offer)
 {

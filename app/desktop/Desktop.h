@@ -27,8 +27,12 @@ enum class Offer { nothing, undo };
 /// outlives them all. Used on the main thread.
 class Desktop {
 public:
-    /// `main`, `clock` and `defaults` must outlive it.
-    Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults);
+    /// As long as a window may stand still for a list that is just being read.
+    static constexpr std::chrono::milliseconds usualPatience{10};
+
+    /// `main`, `clock` and `defaults` must outlive it. `patience` is the store's.
+    Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults,
+        std::chrono::milliseconds patience = usualPatience);
 
     Session& session() { return session_; }
     LibraryStore& store() { return session_.store(); }
@@ -48,8 +52,8 @@ public:
     ImageReader& imageReader() { return reader_; }
     const ExifTool& exifTool() const { return tool_.tool; }
 
-    /// Whether pictures or jobs are still to come.
-    bool isBusy() const { return pictures_.waiting() > 0 || jobs_.running(); }
+    /// Whether photos, pictures or jobs are still to come.
+    bool isBusy();
 
     Signal<const Notice&> noticed;
     /// Shows a line that goes after five seconds, with a button that takes the last action back if offered.

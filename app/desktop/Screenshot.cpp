@@ -55,16 +55,21 @@ QImage pictureOf(MainWindow& window)
     return picture.toImage();
 }
 
-} // namespace
-
-void takeScreenshot(MainWindow& window, const ScreenshotRequest& request)
+void whenRead(MainWindow& window, const std::function<void()>& then)
 {
-    const auto command = commandOf(request.view);
+    if (window.desktop().store().isReading())
+        QTimer::singleShot(look, &window, [&window, then] { whenRead(window, then); });
+    else
+        then();
+}
+
+void show(MainWindow& window, Command command, const QString& file)
+{
     if (!window.desktop().browser().current())
         window.desktop().browser().step(0);
     auto* const timer = new QTimer(&window);
-    QObject::connect(timer, &QTimer::timeout, &window,
-        [&window, timer, file = request.file, quiet = 0, looks = 0]() mutable {
+    QObject::connect(
+        timer, &QTimer::timeout, &window, [&window, timer, file, quiet = 0, looks = 0]() mutable {
             quiet = window.desktop().isBusy() ? 0 : quiet + 1;
             if (quiet < quietLooks && ++looks < mostLooks)
                 return;
@@ -77,6 +82,14 @@ void takeScreenshot(MainWindow& window, const ScreenshotRequest& request)
         });
     timer->start(look);
     window.commands().run(command); // last: a sheet may not return before it is closed
+}
+
+} // namespace
+
+void takeScreenshot(MainWindow& window, const ScreenshotRequest& request)
+{
+    const auto command = commandOf(request.view);
+    whenRead(window, [&window, command, file = request.file] { show(window, command, file); });
 }
 
 } // namespace korvo

@@ -114,7 +114,8 @@ void StatusLine::showCounts()
 {
     const auto shown = desktop_.store().list().shown().size();
     const auto selected = desktop_.store().selection().size();
-    QString text = number(shown) + " " + qt(plural(shown, "photo"));
+    const bool isReading = desktop_.store().isReading() && desktop_.store().list().items().empty();
+    QString text = isReading ? QString("Reading…") : number(shown) + " " + qt(plural(shown, "photo"));
     if (selected > 0)
         text += ", " + number(selected) + " selected";
     counts_->setText(text);

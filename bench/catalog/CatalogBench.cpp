@@ -5,6 +5,7 @@
 #include "bench/catalog/BareLoops.h"
 #include "bench/catalog/GroupBench.h"
 #include "bench/support/Compare.h"
+#include "bench/support/MadeLibrary.h"
 #include "catalog/LibraryStore.h"
 #include "catalog/PhotoRows.h"
 #include "tests/support/ManualMainThread.h"
@@ -20,37 +21,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A library as one finds them: 60 % described, a fifth edited, half with a position.
-constexpr auto fillLibrary = R"(
-INSERT INTO folders (path, added_at) VALUES ('/home/ana/Pictures', 1);
-WITH RECURSIVE i(n) AS (SELECT 0 UNION ALL SELECT n + 1 FROM i WHERE n + 1 < {0})
-INSERT INTO photos (folder_id, path, filename, added_at, mtime, file_size, rating, flagged, alt_text, title, caption,
-  keywords, creator, copyright, edits, label, camera, lens, iso, focal_length, aperture, shutter, exif_read,
-  capture_date, capture_read, latitude, longitude, gps_read, place)
-SELECT 1, printf('/home/ana/Pictures/Archive/%d/%02d-%02d Some event name %d/IMG_%06d.JPG', 2005 + n / 500 % 20,
-    1 + n / 100 % 12, 1 + n / 40 % 28, n / 500, (n * 7919) % 1000003),
-  printf('IMG_%06d.JPG', (n * 7919) % 1000003), 1.7e9 + n * 0.37, 1.2e9 + n * 400.5, 4000000 + n % 6000000, n % 6,
-  n % 10 = 0,
-  CASE WHEN n % 5 < 3 THEN printf('Photo of a %s temple gate in Kyoto', CASE n % 3 WHEN 0 THEN 'quiet' ELSE 'crowded' END) ELSE '' END,
-  CASE WHEN n % 5 < 3 THEN printf('Temple gate %d in Kyoto', n) ELSE '' END,
-  CASE WHEN n % 5 < 3 THEN printf('Temple gate %d in Kyoto, photographed in Kyoto on 15 January 2022. Shot for the autumn issue; cleared for print and web, no crop below the waterline.', n) ELSE '' END,
-  CASE WHEN n % 5 < 3 THEN printf('travel, architecture, night, people, event %d', n / 40) ELSE '' END,
-  'Ana Müller', '© 2022 Ana Müller',
-  CASE WHEN n % 5 = 4 THEN printf('{{"exposure":%.2f,"contrast":1,"saturation":1.12,"vibrance":0.2,"temperature":4,"tint":-3,"sharpness":0.5,"straighten":0.7,"crop":{{"x":0.05,"y":0.02,"w":0.9,"h":0.93}},"highlights":0.4,"shadows":0.25,"disabledBricks":[]}}', n % 200 / 50.0) ELSE '' END,
-  n % 8,
-  CASE n % 4 WHEN 0 THEN 'Canon EOS R5' WHEN 1 THEN 'NIKON Z 6_2' WHEN 2 THEN 'SONY ILCE-7M4' ELSE 'FUJIFILM X-T5' END,
-  CASE n % 4 WHEN 0 THEN 'RF24-70mm F2.8 L IS USM' WHEN 1 THEN 'NIKKOR Z 24-70mm f/4 S' WHEN 2 THEN 'FE 24-105mm F4 G OSS' ELSE 'XF18-55mmF2.8-4 R LM OIS' END,
-  100 << n % 6, 24 + n % 100, 2.8, 1.0 / (1 + n % 2000), 1, 1.2e9 + n * 400.5, 1,
-  CASE WHEN n % 2 THEN 35 + n * 1e-6 END, CASE WHEN n % 2 THEN 135 + n * 1e-6 END, 1,
-  CASE WHEN n % 2 THEN 'Kyoto, Japan' ELSE '' END
-FROM i;)";
-
 fs::path libraryOf(const fs::path& folder, std::size_t photos)
 {
     const auto library = folder / std::to_string(photos);
     Catalog catalog(library, SystemClock());
     if (catalog.database().scalar("SELECT COUNT(*) FROM photos") == 0)
-        catalog.database().exec(fmt::format(fillLibrary, photos));
+        catalog.database().exec(fmt::format(fillLibrary, photos, "/home/ana/Pictures",
+            "printf('Archive/%d/%02d-%02d Some event name %d', 2005 + n / 500 % 20, 1 + n / 100 % 12, "
+            "1 + n / 40 % 28, n / 500)",
+            "printf('IMG_%06d.JPG', (n * 7919) % 1000003)"));
     return library;
 }
 

@@ -2,6 +2,7 @@
 
 #include "bench/support/Compare.h"
 #include "catalog/Catalog.h"
+#include "catalog/SmartAlbumMatcher.h"
 
 #include <fmt/format.h>
 

@@ -4,6 +4,7 @@
 #include "app/AddFiles.h"
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/viewer/PhotoView.h"
+#include "bench/support/MadePhoto.h"
 #include "platform/FileDefaults.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -13,8 +14,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <fstream>
 
 namespace korvo::bench {
 
@@ -24,27 +23,6 @@ namespace fs = std::filesystem;
 
 constexpr int photoCount = 12, width = 6000, height = 4000;
 constexpr QSize viewSize(1732, 1155); // 2 megapixels of 3 by 2
-
-/// A photo of waves and noise, another for each number.
-fs::path madePhoto(const fs::path& file, int number)
-{
-    const auto writer = pictureWriter(PictureFormat::jpeg, {width, height}, 89, file);
-    std::vector<std::uint8_t> row(4 * width);
-    auto state = static_cast<unsigned>(number);
-    for (int y = 0; y < height; ++y) {
-        for (int i = 0; i < 4 * width; ++i) {
-            const double wave = std::sin(i * 0.002 + number) * std::cos(y * 0.003) * 80
-                + std::sin(i * 0.07 + y * 0.05) * 20;
-            state = state * 1664525 + 1013904223;
-            row[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(128 + wave + (state >> 28));
-        }
-        writer->write(row.data());
-    }
-    const auto bytes = writer->finish();
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return file;
-}
 
 void wait(int milliseconds)
 {
@@ -168,7 +146,8 @@ int main(int count, char** arguments)
     const TemporaryFolder folder;
     std::vector<std::filesystem::path> files(arguments + 1, arguments + count);
     for (int number = 1; count == 1 && number <= bench::photoCount; ++number)
-        files.push_back(bench::madePhoto(folder / fmt::format("{:02}.jpg", number), number));
+        files.push_back(
+            bench::madePhoto(folder / fmt::format("{:02}.jpg", number), bench::width, bench::height, number));
     bench::Bench bench(files);
     bench.sliders();
     bench.steps();

@@ -99,7 +99,9 @@ TEST(PhotoList, whatIsBeingDoneWithAPhotoGoesOnWhileItIsReadAnew)
     busy.status.kind = PhotoItem::Status::Kind::saving;
     list.assign({busy, photo(2, "b.jpg")});
     const auto isSaving = [&] { return list.find(1)->status == busy.status; };
+    const PhotoList earlier = std::exchange(list, list.emptied());
     list.assign({photo(1, "a.jpg"), photo(3, "c.jpg")});
+    list.takeOverFrom(earlier);
     EXPECT_TRUE(isSaving());
     auto renamed = photo(1, "z.jpg");
     list.update({renamed, renamed}, {});

@@ -206,6 +206,8 @@ void GridView::paintEvent(QPaintEvent* event)
 void GridView::paintEmpty()
 {
     const auto& list = store().list();
+    if (store().isReading() && list.items().empty()) // they are about to come: nothing that would flicker
+        return;
     QString title = "No photos here";
     QString help;
     if (const auto& fault = store().sourceFault()) {

@@ -12,11 +12,11 @@ namespace korvo {
 
 /// The window over a library of photos a.jpg, b.jpg… whose files are not there, shown without a display.
 struct TestWindow : TestLibrary {
-    explicit TestWindow(int photos)
+    explicit TestWindow(int photos, std::chrono::milliseconds patience = LibraryStore::untilItIsRead)
     {
         for (int i = 0; i < photos; ++i)
             photo(std::string(1, static_cast<char>('a' + i)) + ".jpg");
-        desktop = std::make_unique<Desktop>(main, std::move(catalog), clock, defaults);
+        desktop = std::make_unique<Desktop>(main, std::move(catalog), clock, defaults, patience);
         window = std::make_unique<MainWindow>(*desktop);
         window->resize(1000, 700);
         window->show();

@@ -1,0 +1,33 @@
+#include "bench/desktop/WatchedApplication.h"
+
+#include <QEvent>
+#include <QMetaEnum>
+
+#include <utility>
+
+namespace korvo::bench {
+
+double millisecondsSince(std::chrono::steady_clock::time_point begun)
+{
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begun).count();
+}
+
+bool WatchedApplication::notify(QObject* receiver, QEvent* event)
+{
+    const auto begun = Clock::now();
+    const auto type = event->type();
+    const std::string receiverClass = receiver->metaObject()->className(); // it may not outlive the event
+    const bool paintsGrid = type == QEvent::Paint && receiver->parent()
+        && receiver->parent()->objectName() == QLatin1String("grid");
+    ++depth_;
+    const bool handled = QApplication::notify(receiver, event);
+    --depth_;
+    paints_ += paintsGrid ? 1 : 0;
+    if (const double taken = millisecondsSince(begun); depth_ == 0 && taken > longest_.milliseconds) {
+        const char* const name = QMetaEnum::fromType<QEvent::Type>().valueToKey(type);
+        longest_ = {taken, std::string(name ? name : "event") + " of " + receiverClass};
+    }
+    return handled;
+}
+
+} // namespace korvo::bench

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "catalog/LibrarySource.h"
+#include "catalog/PhotoItem.h"
+#include "catalog/SmartAlbumMatcher.h"
+#include "catalog/Stack.h"
+#include "catalog/Tree.h"
+
+#include <stop_token>
+#include <vector>
+
+namespace korvo {
+
+class Database;
+
+// What the library lists, read from any connection to it. Catalog does so from its own.
+
+/// The photos of a source in its order, as far as it came at a stop request. Throws as Catalog::photos does.
+std::vector<PhotoItem> photosIn(
+    Database& database, const std::optional<LibrarySource>& source, const std::stop_token& stop = {});
+/// Throws NotFoundError and SmartAlbumError.
+SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id);
+/// A project and all that lie in it.
+std::vector<std::int64_t> withDescendants(Database& database, std::int64_t project);
+std::vector<Stack> stacksIn(Database& database);
+
+/// How many photos there are of some kinds. Takes long in a large library, whose photos are all looked at.
+struct LibraryCounts {
+    LibraryTotals totals;
+    std::vector<std::pair<std::int64_t, std::int64_t>> inProjects; // id and count
+
+    bool operator==(const LibraryCounts&) const = default;
+};
+LibraryCounts countsIn(Database& database);
+/// The tree with these counts. Does not take long.
+LibraryTree treeIn(Database& database, const LibraryCounts& counts);
+
+} // namespace korvo

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "catalog/PhotoList.h"
+
+#include <stop_token>
+
+namespace korvo {
+
+class Database;
+struct LibrarySource;
+
+/// The photos of a source as they were read.
+struct ReadList {
+    PhotoList list;
+    std::optional<std::string> fault; ///< why the source cannot be listed; the list is empty then
+};
+
+/// Reads the photos of a source into a list that is ready to be shown, arranged as the one given.
+ReadList readList(Database& database, const std::optional<LibrarySource>& source, const PhotoList& like,
+    const std::stop_token& stop);
+
+} // namespace korvo
