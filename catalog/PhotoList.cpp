@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <numeric>
 
 namespace korvo {
 
@@ -39,10 +38,13 @@ std::optional<std::size_t> PhotoList::shownPosition(PhotoID id) const
 
 void PhotoList::index()
 {
-    byID_.resize(items_.size());
-    std::iota(byID_.begin(), byID_.end(), 0U);
-    std::sort(byID_.begin(), byID_.end(),
-        [this](std::uint32_t a, std::uint32_t b) { return items_[a].id < items_[b].id; });
+    std::vector<std::pair<PhotoID, std::uint32_t>> ids; // sorted without a look at the items
+    ids.reserve(items_.size());
+    for (std::uint32_t at = 0; at < items_.size(); ++at)
+        ids.emplace_back(items_[at].id, at);
+    std::sort(ids.begin(), ids.end());
+    byID_.resize(ids.size());
+    std::transform(ids.begin(), ids.end(), byID_.begin(), [](const auto& id) { return id.second; });
 }
 
 PhotoList PhotoList::emptied() const

@@ -40,6 +40,11 @@ public:
     void takeOverFrom(const PhotoList& earlier);
     /// All stacks of the library, whose members stand together or behind their pick.
     void setStacks(const std::vector<Stack>& stacks);
+    /// How many members the photo's stack has; 0 for one that is in none.
+    std::size_t stackSize(const PhotoItem& item) const
+    {
+        return item.stackID ? stacks_.size(*item.stackID) : 0;
+    }
     void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
     /// Shows only photos that match all of these too.
     void narrow(std::span<const SmartAlbumRules> rules);

@@ -7,9 +7,11 @@ namespace korvo {
 
 StackPlaces::StackPlaces(const std::vector<Stack>& stacks)
 {
-    for (const Stack& stack : stacks)
+    for (const Stack& stack : stacks) {
+        sizes_.emplace(stack.id, stack.members.size());
         for (std::size_t rank = 0; rank < stack.members.size(); ++rank)
             places_.emplace(stack.members[rank], Place{stack.id, rank, stack.collapsed});
+    }
 }
 
 std::vector<StackPlaces::ShownMember> StackPlaces::membersIn(

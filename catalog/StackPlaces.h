@@ -26,6 +26,13 @@ public:
     /// Brings the stacks into an order of positions in `items`.
     Arrangement arranged(const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const;
 
+    /// How many members a stack has.
+    std::size_t size(std::int64_t stack) const
+    {
+        const auto found = sizes_.find(stack);
+        return found == sizes_.end() ? 0 : found->second;
+    }
+
 private:
     struct Place {
         std::int64_t stack;
@@ -41,6 +48,7 @@ private:
         const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const;
 
     std::unordered_map<PhotoID, Place> places_;
+    std::unordered_map<std::int64_t, std::size_t> sizes_;
 };
 
 } // namespace korvo

@@ -122,8 +122,7 @@ void GridView::mouseReleaseEvent(QMouseEvent* event)
     if (std::exchange(chooseOnRelease_, false))
         if (const auto index = indexAt(event->pos()))
             choose(*index, {});
-    delete std::exchange(band_, nullptr);
-    pressed_.reset();
+    endSweep();
 }
 
 void GridView::mouseDoubleClickEvent(QMouseEvent* event)
@@ -147,22 +146,43 @@ void GridView::dragOut()
     dragPhotos(*this, items, current ? thumbnails_.find(*current).pixmap : QPixmap());
 }
 
+/// How far a sweep scrolls at once when it is at or beyond an edge.
+int GridView::scrollAtEdge(QPoint at) const
+{
+    constexpr int edge = 24;
+    const int bottom = viewport()->height() - edge;
+    return at.y() < edge ? at.y() - edge : std::max(0, at.y() - bottom);
+}
+
 void GridView::sweep(QPoint to)
 {
     if (!band_) {
         band_ = new QRubberBand(QRubberBand::Rectangle, viewport());
         band_->show();
     }
+    sweptTo_ = to;
+    if (scrollAtEdge(to) == 0)
+        sweepTimer_.stop();
+    else if (!sweepTimer_.isActive())
+        sweepTimer_.start();
     const QRect swept = QRect(*pressed_, to).normalized();
-    band_->setGeometry(swept);
+    band_->setGeometry(swept.intersected(viewport()->rect().adjusted(-1, -1, 1, 1)));
     auto ids = beforeSweep_;
-    const auto [first, last] = visible();
+    const int top = verticalScrollBar()->value();
+    const auto [first, last] = layout_.between(top + swept.top(), top + swept.bottom());
     for (Index index = first; index < last; ++index)
         if (swept.intersects(geometry_.picture(cellPosition(index))))
             ids.push_back(itemAt(index).id);
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     store().select(std::move(ids));
+}
+
+void GridView::endSweep()
+{
+    sweepTimer_.stop();
+    delete std::exchange(band_, nullptr);
+    pressed_.reset();
 }
 
 void GridView::hover(std::optional<Index> index)

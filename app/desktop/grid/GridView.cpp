@@ -36,9 +36,14 @@ GridView::GridView(MainWindow& window)
     wantTimer_.setSingleShot(true);
     wantTimer_.setInterval(0);
     connect(&wantTimer_, &QTimer::timeout, this, [this] { wantPictures(); });
+    sweepTimer_.setInterval(16);
+    connect(&sweepTimer_, &QTimer::timeout, this, [this] {
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + scrollAtEdge(sweptTo_));
+        sweep(sweptTo_);
+    });
     storeChanged_ = store().changed.connect([this](const LibraryChange& change) { libraryChanged(change); });
     browserChanged_ = desktop_.browser().changed.connect([this] { showCurrent(); });
-    groups_.read(store().catalog());
+    versions_ = store().catalog().versionCounts();
     layOut();
 }
 
@@ -52,14 +57,15 @@ Cell GridView::cellAt(Index index) const
 {
     const auto& item = itemAt(index);
     auto [pixmap, isBroken] = thumbnails_.find(item.id);
+    const auto versions = versions_.find(item.id); // of masters only
     return {.item = &item,
         .picture = std::move(pixmap),
         .isBroken = isBroken,
         .isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id),
         .isCurrent = hasFocus() && desktop_.browser().current() == item.id,
         .isHovered = hovered_ == index,
-        .versions = item.isMaster() ? groups_.versions(item.id) : 0,
-        .stackSize = groups_.stackSize(item)};
+        .versions = versions == versions_.end() ? 0 : static_cast<int>(versions->second),
+        .stackSize = static_cast<int>(store().list().stackSize(item))};
 }
 
 void GridView::layOut()
@@ -90,8 +96,8 @@ void GridView::setThumbnailSize(int size)
 
 void GridView::libraryChanged(const LibraryChange& change)
 {
-    if (change.list || change.tree)
-        groups_.read(store().catalog());
+    if (change.tree)
+        versions_ = store().catalog().versionCounts();
     if (change.list) {
         hovered_.reset();
         layOut();
@@ -250,6 +256,8 @@ void GridView::showEvent(QShowEvent* event)
 void GridView::scrollContentsBy(int, int dy)
 {
     direction_ = dy < 0 ? 1 : -1;
+    if (band_)
+        pressed_->ry() += dy;
     hovered_.reset();
     viewport()->update();
     wantTimer_.start();

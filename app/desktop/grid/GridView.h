@@ -3,11 +3,12 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/grid/Cell.h"
 #include "app/desktop/grid/GridLayout.h"
-#include "app/desktop/grid/GroupSizes.h"
 #include "app/desktop/grid/Thumbnails.h"
 
 #include <QAbstractScrollArea>
 #include <QTimer>
+
+#include <unordered_map>
 
 class QRubberBand;
 
@@ -70,6 +71,8 @@ private:
     void dragOut();
     void hover(std::optional<Index> index);
     void sweep(QPoint to);
+    int scrollAtEdge(QPoint at) const;
+    void endSweep();
     std::optional<Index> currentIndex() const;
     void moveTo(Index index, Qt::KeyboardModifiers modifiers);
 
@@ -78,14 +81,16 @@ private:
     CellGeometry geometry_;
     GridLayout layout_;
     Thumbnails thumbnails_;
-    GroupSizes groups_;
+    std::unordered_map<PhotoID, std::int64_t> versions_; // how many the photos have, themselves left out
     std::vector<PhotoID> selected_; // ascending
     QTimer wantTimer_; // pictures are asked for once a frame, not for each step of scrolling
     std::optional<LibrarySource> source_; // that was shown last
     int direction_ = 1; // of the last scrolling
     std::optional<Index> hovered_;
     std::optional<PhotoID> anchor_; // of a range
-    std::optional<QPoint> pressed_;
+    std::optional<QPoint> pressed_; // moves with what it is on
+    QPoint sweptTo_;
+    QTimer sweepTimer_; // runs while a sweep is at an edge
     bool chooseOnRelease_ = false;
     QRubberBand* band_ = nullptr;
     std::vector<PhotoID> beforeSweep_;

@@ -4,7 +4,10 @@
 #include "app/desktop/Instance.h"
 #include "app/desktop/WindowMemory.h"
 #include "app/desktop/grid/GridLayout.h"
+#include "app/desktop/grid/GridView.h"
 #include "tests/app/desktop/TestWindow.h"
+
+#include <QScrollBar>
 
 namespace korvo {
 
@@ -155,6 +158,36 @@ TEST(Instance, aSecondStartBringsTheFirstWindowForward)
     EXPECT_TRUE(Instance::bringForward(folder.path() / "." / "", {"/a photo", "/b"}));
     EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 3; }));
     EXPECT_FALSE(Instance::bringForward(folder / "another"));
+}
+
+TEST(MainWindow, livesBeforeItsPhotosAreThere)
+{
+    TestWindow window(5, std::chrono::milliseconds(0));
+    window.press(Qt::Key_Right);
+    window.press(Qt::Key_E);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window.store().isReading(); }));
+    window.press(Qt::Key_Right);
+    window.press(Qt::Key_3);
+    EXPECT_EQ(window.store().list().shown().size(), 5U);
+    EXPECT_EQ(window.listed(window.desktop->browser().current().value()).rating, 3);
+}
+
+TEST(GridView, aSweepBeyondTheEdgeScrollsAndKeepsWhatItPassed)
+{
+    TestWindow window(26);
+    auto* const grid = gridOf(*window.window);
+    auto* const bar = grid->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 0);
+    const QPoint from(2, 2), to(grid->viewport()->width() - 2, grid->viewport()->height() + 60);
+    QTest::mousePress(grid->viewport(), Qt::LeftButton, {}, from);
+    QMouseEvent move(
+        QEvent::MouseMove, to, grid->viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(grid->viewport(), &move);
+    EXPECT_LT(window.store().selection().size(), 26U);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return bar->value() == bar->maximum(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.store().selection().size() == 26; }));
+    QTest::mouseRelease(grid->viewport(), Qt::LeftButton, {}, to);
+    EXPECT_EQ(window.store().selection().size(), 26U);
 }
 
 } // namespace korvo
