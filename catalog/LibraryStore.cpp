@@ -226,6 +226,17 @@ std::optional<std::string> LibraryStore::redoTitle() const
     return step ? std::optional(step->title) : std::nullopt;
 }
 
+namespace {
+
+/// Whether what the library has become stands in a step's way for good; a lock or a full disk passes.
+bool neverSucceeds(const DatabaseError& error)
+{
+    constexpr int withoutDetails = 0xff;
+    return (error.code() & withoutDetails) == SQLITE_CONSTRAINT || error.code() == SQLITE_OK;
+}
+
+} // namespace
+
 void LibraryStore::undo()
 {
     main_.assertCurrent();
@@ -237,8 +248,9 @@ void LibraryStore::undo()
     ChangedRows rows;
     try {
         rows = replay(inverse, touched);
-    } catch (const DatabaseError&) { // it can never be undone; the steps before it still may
-        history_.forgetUndo();
+    } catch (const DatabaseError& error) {
+        if (neverSucceeds(error)) // the steps before it still may
+            history_.forgetUndo();
         throw;
     }
     history_.undone();
@@ -255,8 +267,9 @@ void LibraryStore::redo()
     ChangedRows rows;
     try {
         rows = replay(step->changes, touched);
-    } catch (const DatabaseError&) {
-        history_.forgetRedo();
+    } catch (const DatabaseError& error) {
+        if (neverSucceeds(error))
+            history_.forgetRedo();
         throw;
     }
     history_.redone();

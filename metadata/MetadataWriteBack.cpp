@@ -90,6 +90,8 @@ void MetadataWriteBack::setAutosaveToFiles(Autosave autosave)
 
 void MetadataWriteBack::libraryChanged(const LibraryChange& change)
 {
+    if (change.photos.empty() && !change.list && !change.tree && !change.metadata)
+        return; // the selection alone: arrow keys must not wait for the catalog
     if (const auto count = store_.catalog().dirtyCount(); count != dirtyCount_) {
         dirtyCount_ = count;
         changed.emit();

@@ -33,7 +33,7 @@ constexpr CommandInfo table[] = {
     {C::newKeyword, M::file, nullptr, "New Keyword…", ""},
     line(M::file),
     {C::saveMetadata, M::file, nullptr, "Write Metadata to Files", "Ctrl+S"},
-    {C::revertMetadata, M::file, nullptr, "Revert Metadata…", "", N::photos},
+    {C::revertMetadata, M::file, nullptr, "Revert Metadata to As-Found…", "", N::photos},
     {C::namingPresets, M::file, nullptr, "Naming Presets…", ""},
     {C::settings, M::file, nullptr, "Settings…", "Ctrl+,"},
     line(M::file),

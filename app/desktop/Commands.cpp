@@ -1,6 +1,7 @@
 #include "app/desktop/Commands.h"
 
 #include "app/desktop/Texts.h"
+#include "app/desktop/info/FieldEdit.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -80,7 +81,10 @@ void Commands::handle(Command command, Handler handler, Condition possible)
 void Commands::run(Command command)
 {
     advance_ = std::exchange(shiftOrCapsLock_, false);
-    desktop_.attempt([&] { desktop_.draft().keep(); }); // what a slider was moved to by keys, before all else
+    // Before all else: the text being typed, and what a slider was moved to by keys.
+    if (auto* const field = dynamic_cast<FieldEdit*>(QApplication::focusWidget()))
+        field->commit();
+    desktop_.attempt([&] { desktop_.draft().keep(); });
     if (const auto& handler = handlers_[indexOf(command)])
         desktop_.attempt(handler);
     advance_ = false;

@@ -12,7 +12,9 @@
 #include <QIODevice>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -163,9 +165,25 @@ void MainWindow::restoreSides(const QByteArray& bytes)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (const auto job = desktop_.jobs().running(); job && !isEndWished(*job))
+        return event->ignore();
     rememberWindow(*this);
     QMainWindow::closeEvent(event);
     QApplication::quit(); // also while a full-screen photo or a sheet is open
+}
+
+bool MainWindow::isEndWished(const Job& job)
+{
+    QMessageBox question(QMessageBox::Warning, "Korvo", qt("“" + job.title() + "” is still going on."),
+        QMessageBox::NoButton, this);
+    const auto done = job.total() > 0
+        ? std::to_string(job.done()) + " of " + std::to_string(job.total()) + " are done. "
+        : std::string();
+    question.setInformativeText(qt(done + "Quitting ends it here; what is done stays."));
+    const auto* const quit = question.addButton(tr("Quit"), QMessageBox::DestructiveRole);
+    question.setDefaultButton(question.addButton(tr("Go On"), QMessageBox::RejectRole));
+    question.exec();
+    return question.clickedButton() == quit;
 }
 
 void MainWindow::changeEvent(QEvent* event)

@@ -9,12 +9,20 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QUrl>
+#include <QUuid>
 
 namespace korvo {
 
 namespace {
 
 constexpr auto photosType = "application/x-korvo-photos";
+
+/// A library is open in one process: the ids of another's mean other photos here.
+const QUuid& thisProcess()
+{
+    static const QUuid id = QUuid::createUuid();
+    return id;
+}
 
 /// The picture with the number of photos on it.
 QPixmap dragPicture(const QWidget& widget, const QPixmap& picture, std::size_t count)
@@ -51,6 +59,7 @@ void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QP
         return;
     QByteArray ids;
     QDataStream stream(&ids, QIODevice::WriteOnly);
+    stream << thisProcess();
     QList<QUrl> files;
     for (const PhotoItem* const item : items) {
         stream << static_cast<qint64>(item->id);
@@ -69,7 +78,11 @@ void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QP
 std::vector<PhotoID> draggedPhotos(const QMimeData& data)
 {
     QDataStream stream(data.data(photosType));
+    QUuid process;
+    stream >> process;
     std::vector<PhotoID> ids;
+    if (process != thisProcess())
+        return ids;
     while (!stream.atEnd()) {
         qint64 id = 0;
         stream >> id;

@@ -15,7 +15,7 @@ namespace korvo {
 /// Drags photos: within the window as photos, out of it as their files. Returns when they were dropped.
 void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QPixmap& picture);
 
-/// The photos that are being dragged; none for anything else.
+/// The photos of this library that are being dragged; none for anything else.
 std::vector<PhotoID> draggedPhotos(const QMimeData& data);
 
 } // namespace korvo

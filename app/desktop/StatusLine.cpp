@@ -13,6 +13,8 @@
 #include <QStatusBar>
 #include <QToolButton>
 
+#include <utility>
+
 namespace korvo {
 
 namespace {
@@ -35,6 +37,7 @@ private:
     void showNotice(const Notice& notice);
     void hideNotice();
     void showUnwritten();
+    void sayWhatWasWritten();
     void showJob();
     void showFailures();
     template <typename Widget>
@@ -42,6 +45,7 @@ private:
 
     MainWindow& window_;
     Desktop& desktop_;
+    bool saving_ = false;
     QLabel* counts_;
     QLabel* notice_;
     QToolButton* undo_;
@@ -152,6 +156,15 @@ void StatusLine::showUnwritten()
     unwritten_->setText(text);
     unwritten_->setVisible(count > 0 || writeBack.isSaving());
     window_.commands().refresh();
+    if (std::exchange(saving_, writeBack.isSaving()) && !saving_)
+        sayWhatWasWritten();
+}
+
+void StatusLine::sayWhatWasWritten()
+{
+    const auto& writeBack = desktop_.session().writeBack();
+    const bool failed = writeBack.exiftoolMissing() || !writeBack.failures().empty();
+    showNotice({failed ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
 }
 
 void StatusLine::showJob()

@@ -1,5 +1,6 @@
 #include "app/Libraries.h"
 #include "app/desktop/Adding.h"
+#include "app/desktop/Application.h"
 #include "app/desktop/FirstStart.h"
 #include "app/desktop/Instance.h"
 #include "app/desktop/MainWindow.h"
@@ -90,7 +91,16 @@ std::optional<FirstStart> startWith(const Options& options, const Defaults& defa
     return askAtFirstStart();
 }
 
-int run(const Options& options)
+/// Runs the window; errors of events are its to show as long as it is there.
+int show(Application& application, Desktop& desktop)
+{
+    application.failed = [&](const std::exception& error) { desktop.fail(error); };
+    const int status = QApplication::exec();
+    application.failed = nullptr;
+    return status;
+}
+
+int run(Application& application, const Options& options)
 {
     FileDefaults defaults(userDefaultsFolder());
     const SystemClock clock;
@@ -106,7 +116,7 @@ int run(const Options& options)
         window.resize(options.screenshot->size);
         window.show();
         takeScreenshot(window, *options.screenshot);
-        return QApplication::exec();
+        return show(application, desktop);
     }
     const Instance instance(start->library, [&](Instance::Paths add) {
         window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
@@ -117,7 +127,7 @@ int run(const Options& options)
     restoreWindow(window);
     window.show();
     addToLibrary(desktop, start->add);
-    return QApplication::exec();
+    return show(application, desktop);
 }
 
 } // namespace
@@ -128,14 +138,14 @@ int main(int argc, char** argv)
 {
     using namespace korvo;
     chooseSystem(argc, argv);
-    QApplication application(argc, argv);
+    Application application(argc, argv);
     QApplication::setApplicationName("korvo-desktop");
     QApplication::setApplicationDisplayName("Korvo");
     QApplication::setApplicationVersion(KORVO_VERSION);
     QGuiApplication::setDesktopFileName("org.korvo.Korvo");
     applyTheme(application);
     try {
-        return run(parsed(application));
+        return run(application, parsed(application));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "korvo-desktop: %s\n", error.what());
         if (QGuiApplication::platformName() != "offscreen")

@@ -206,6 +206,22 @@ TEST(LibraryStore, undoGivesWayToWhatCannotBeUndone)
     EXPECT_FALSE(t.store->undoTitle()) << "what can never be undone does not stand before what can";
 }
 
+TEST(LibraryStore, aStepStaysWhileTheCatalogCannotBeWritten)
+{
+    TestStore t(1);
+    t.store->setRating(only(1), 3);
+    t.store->catalog().database().exec("PRAGMA query_only = ON");
+    EXPECT_THROW(t.store->undo(), DatabaseError);
+    t.store->catalog().database().exec("PRAGMA query_only = OFF");
+    t.store->undo();
+    EXPECT_EQ(t.listed(1).rating, 0);
+    t.store->catalog().database().exec("PRAGMA query_only = ON");
+    EXPECT_THROW(t.store->redo(), DatabaseError);
+    t.store->catalog().database().exec("PRAGMA query_only = OFF");
+    t.store->redo();
+    EXPECT_EQ(t.listed(1).rating, 3);
+}
+
 TEST(LibraryStore, photosMayChangePlacesAndComeBackWhereAnotherGoes)
 {
     TestStore t(2);

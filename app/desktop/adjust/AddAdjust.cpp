@@ -84,8 +84,12 @@ private:
             return "Enhanced " + counted(proposals->size(), "photo") + ".";
         };
         desktop_.jobs().start("Auto Enhance", work, [this, proposals](const Job& job) {
-            if (!job.isCancelled())
-                desktop_.attempt([&] { applyAuto(desktop_.store(), *proposals); });
+            if (job.isCancelled())
+                return;
+            desktop_.attempt([&] {
+                applyAuto(desktop_.store(), *proposals);
+                desktop_.say(job.summary(), proposals->empty() ? Offer::nothing : Offer::undo);
+            });
         });
     }
 

@@ -121,6 +121,8 @@ void GridView::selectionChanged()
         std::sort(selected_.begin(), selected_.end());
     const auto holds
         = [](const auto& ids, PhotoID id) { return std::binary_search(ids.begin(), ids.end(), id); };
+    if (selected_.size() == 1 || (anchor_ && !holds(selected_, *anchor_)))
+        anchor_ = desktop_.browser().current(); // chosen elsewhere, in the viewer for one
     const auto [first, last] = visible();
     for (Index index = first; index < last; ++index)
         if (const PhotoID id = itemAt(index).id; holds(before, id) != holds(selected_, id))

@@ -43,7 +43,7 @@ void DescriptiveForm::add(std::size_t place)
     auto* const label = dimLabel(title);
     label->setBuddy(field);
     field->setAccessibleName(title);
-    field->committed = [this, place](const QString& text) { changeField(place, text); };
+    field->committed = [this, place](const QString& text) { return changeField(place, text); };
     fields_[place] = field;
     if (place > 0)
         static_cast<QVBoxLayout*>(layout())->addSpacing(6);
@@ -71,7 +71,8 @@ void DescriptiveForm::show(const CommonMetadata& common)
         fields_[place]->show(text ? qt(*text) : QString(), mixed ? qt(mixedText) : QString());
         fields_[place]->setToolTip(mixed && place == keywordsField ? qt(mixedKeywordsText) : QString());
     }
-    keywords_ = common.text(keywordsField).value_or(SharedText());
+    if (!fields_[keywordsField]->isTouched()) // else the user edits those of before
+        keywords_ = common.text(keywordsField).value_or(SharedText());
 }
 
 void DescriptiveForm::workOffAltTexts(std::optional<std::size_t> left)
@@ -83,8 +84,9 @@ void DescriptiveForm::workOffAltTexts(std::optional<std::size_t> left)
             qt("Enter writes it and goes to the next photo; " + counted(*left, "photo") + " left"));
 }
 
-void DescriptiveForm::changeField(std::size_t place, const QString& text)
+bool DescriptiveForm::changeField(std::size_t place, const QString& text)
 {
+    bool kept = false;
     desktop_.attempt([&] {
         if (place != keywordsField)
             desktop_.store().setMetadataField(photos_, place, utf8(text));
@@ -92,7 +94,9 @@ void DescriptiveForm::changeField(std::size_t place, const QString& text)
             desktop_.store().setMetadataField(photos_, place, tidyKeywordText(utf8(text)));
         else
             desktop_.store().editKeywords(photos_, keywordEdit(keywords_, utf8(text)));
+        kept = true;
     });
+    return kept;
 }
 
 /// The photos that were given a text leave the list, and the store has selected the next by then. One that

@@ -30,7 +30,7 @@ public:
 
 private:
     void add(std::size_t place);
-    void changeField(std::size_t place, const QString& text);
+    bool changeField(std::size_t place, const QString& text);
     void nextWithoutAltText();
 
     Desktop& desktop_;

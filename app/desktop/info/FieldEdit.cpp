@@ -54,7 +54,7 @@ void FieldEdit::commit()
         return;
     touched_ = false;
     if (committed)
-        committed(toPlainText());
+        touched_ = !committed(toPlainText());
 }
 
 void FieldEdit::keyPressEvent(QKeyEvent* event)

@@ -29,7 +29,8 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
-    std::function<void(const QString& text)> committed; ///< takes the user's text
+    std::function<bool(const QString& text)>
+        committed; ///< takes the user's text; false when it could not be kept
     std::function<void()> goOn; ///< after Enter, when the text was handed over
 
 protected:

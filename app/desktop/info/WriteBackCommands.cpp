@@ -41,7 +41,7 @@ void addWriteBackCommands(MainWindow& window)
     auto& writeBack = window.desktop().session().writeBack();
     window.commands().handle(
         Command::saveMetadata, [&writeBack] { writeBack.saveMetadataToFiles(); },
-        [&writeBack] { return writeBack.dirtyCount() > 0 && !writeBack.isSaving(); });
+        [&writeBack] { return !writeBack.isSaving(); }); // also for a text that is still being typed
     window.commands().handle(Command::revertMetadata, [&window] { revert(window); });
 }
 

@@ -172,6 +172,15 @@ ApertureImport ApertureSheet::chosen() const
     return import;
 }
 
+/// The rendering of ours that Aperture's is compared with. `reader` must outlive it.
+MatchRender matchBy(ImageReader& reader, std::stop_token stop)
+{
+    return [&reader, stop = std::move(stop)](const std::filesystem::path& original, const PhotoEdits& edits,
+               const std::filesystem::path& preview) {
+        return matchRender(reader, original, edits, preview, stop);
+    };
+}
+
 void ApertureSheet::start()
 {
     const QPointer<ApertureSheet> sheet(this);
@@ -182,27 +191,26 @@ void ApertureSheet::start()
     progress_->show();
     const auto work = [sheet, &desktop, matching, imported, import = chosen()](JobContext& job) mutable {
         if (matching == Matching::on)
-            import.match = [&](const auto& original, const auto& edits, const auto& preview) {
-                return matchRender(desktop.imageReader(), original, edits, preview, job.stop());
+            import.match = matchBy(desktop.imageReader(), job.stop());
+        const auto show = [&](const ApertureImporter::Progress& progress) {
+            job.progress(progress.done, progress.total);
+            job.deliver([sheet, progress] {
+                if (sheet)
+                    sheet->showProgress(progress);
+            });
+        };
+        *imported = importAperture(import, desktop.clock(), desktop.defaults(), show, job.stop());
+        return *imported ? summaryText((*imported)->summary, matching) : std::string("Nothing was imported.");
     };
-    const auto show = [&](const ApertureImporter::Progress& progress) {
-        job.progress(progress.done, progress.total);
-        job.deliver([sheet, progress] {
-            if (sheet)
-                sheet->showProgress(progress);
-        });
-    };
-    *imported = importAperture(import, desktop.clock(), desktop.defaults(), show, job.stop());
-    return *imported ? summaryText((*imported)->summary, matching) : std::string("Nothing was imported.");
-};
-desktop_.jobs().start(
-    "Importing " + chosen().bundle.filename().native(), work, [sheet, &desktop, imported](const Job& job) {
+    const auto finish = [sheet, &desktop, imported](const Job& job) {
         if (*imported && (*imported)->library == desktop.store().catalog().libraryURL())
             desktop.session().photosAdded();
+        desktop.say(job.summary());
         if (sheet)
             sheet->finished(job, *imported);
-    });
-job_ = desktop_.jobs().all().back();
+    };
+    desktop_.jobs().start("Importing " + chosen().bundle.filename().native(), work, finish);
+    job_ = desktop_.jobs().all().back();
 }
 
 void ApertureSheet::showProgress(const ApertureImporter::Progress& progress)

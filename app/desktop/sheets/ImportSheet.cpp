@@ -293,6 +293,7 @@ void ImportSheet::start()
     if (plan.copyTo && plan.copyTo->empty())
         throw std::runtime_error("Choose a folder for the copies.");
     running_ = true;
+    setAttribute(Qt::WA_DeleteOnClose, false); // closed meanwhile, it comes back with what it runs
     failures_->hide();
     status_->setText(qt(statusText(plan.files.size())));
     progress_->setRange(0, static_cast<int>(plan.files.size()));
@@ -344,6 +345,12 @@ void ImportSheet::importFrom(ImportPlan plan)
 void ImportSheet::finished(const Job& job)
 {
     running_ = false;
+    desktop_.say(job.summary());
+    setAttribute(Qt::WA_DeleteOnClose);
+    if (!isVisible()) {
+        deleteLater();
+        return;
+    }
     sources_->setEnabled(true);
     progress_->hide();
     const auto said = job.summary();

@@ -219,7 +219,8 @@ void Sidebar::remove(const SidebarKey& key, const QString& name)
             != QMessageBox::Yes)
         return;
     desktop_.attempt([&] {
-        const bool shown = sourceOf(key) == std::optional(desktop_.store().source());
+        const auto source = sourceOf(key);
+        const bool shown = source && *source == desktop_.store().source();
         deleteLine(desktop_.store(), key);
         if (shown)
             desktop_.store().chooseSource(std::nullopt);
@@ -234,7 +235,10 @@ void Sidebar::contextMenuEvent(QContextMenuEvent* event)
     QMenu menu(this);
     auto& commands = window_.commands();
     if (canBeRenamed(key.kind))
-        menu.addAction("Rename", QKeySequence(Qt::Key_F2), [this, item] { editItem(item, 0); });
+        menu.addAction("Rename", QKeySequence(Qt::Key_F2), [this, key] {
+            if (auto* const line = itemOf(key)) // another process may have taken it away meanwhile
+                editItem(line, 0);
+        });
     if (key.kind == Kind::smartAlbum)
         menu.addAction(commands.action(Command::editSmartAlbum));
     if (canBeDeleted(key.kind)) {

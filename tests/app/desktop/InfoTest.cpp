@@ -71,6 +71,22 @@ TEST(Info, keepsATextForThePhotosItWasTypedFor)
     EXPECT_EQ(field(t, "Title").toPlainText(), "");
 }
 
+TEST(Info, keepsATextUntilItIsStored)
+{
+    TestWindow t(1);
+    t.store().select({1});
+    settle();
+    type(t, "Title", "First");
+    auto& database = t.store().catalog().database();
+    database.exec("PRAGMA query_only = ON");
+    t.press(Qt::Key_Tab);
+    EXPECT_EQ(field(t, "Title").toPlainText(), "First");
+    database.exec("PRAGMA query_only = OFF");
+    field(t, "Title").setFocus();
+    t.window->commands().run(Command::sidebar);
+    EXPECT_EQ(t.listed(1).metadata.title, "First") << "a command acts on what was typed before it";
+}
+
 TEST(Info, worksOffAltTextsWithEnter)
 {
     TestWindow t(4);
