@@ -12,7 +12,7 @@ namespace {
 /// Aperture takes blank names, the catalog does not.
 std::string named(const std::string& name)
 {
-    return trimmed(name).empty() ? "Untitled" : name;
+    return isBlank(name) ? "Untitled" : name;
 }
 
 /// Finds and makes keywords. Those of the catalog are read once: it has no index of their names.
@@ -87,8 +87,10 @@ private:
     void writeProjects()
     {
         std::vector<NewProject> made;
-        for (const auto& project : plan_.projects)
+        for (const auto& project : plan_.projects) {
+            throwIfStopped();
             made.push_back({named(project.name), "project", folder(project.folderPath)});
+        }
         const auto projects = createProjects(catalog_.database(), made);
         for (std::size_t i = 0; i < projects.size(); ++i)
             projects_[plan_.projects[i].uuid] = projects[i];
@@ -137,7 +139,7 @@ private:
     /// own description of the file.
     PhotoID addToKnown(PhotoID master, const ImportedPhoto& row)
     {
-        const auto name = trimmed(row.versionName).empty() ? std::nullopt : std::optional(row.versionName);
+        const auto name = isBlank(row.versionName) ? std::nullopt : std::optional(row.versionName);
         const auto edits = row.edits.empty() ? PhotoEdits() : fromJson<PhotoEdits>(row.edits);
         const auto id = catalog_.createVersion(master, name, edits, now_);
         const std::span only(&id, 1);

@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -136,7 +137,8 @@ double distanceInKilometres(double latitude1, double longitude1, double latitude
 NearTest::NearTest(const NearPlace& place) : place_(place), cosine_(std::cos(place.latitude * toRadians))
 {
     const double angle = std::min((place.kilometres + millimetre) / (earthDiameter / 2), std::numbers::pi);
-    haversineReach_ = squared(std::sin(angle / 2));
+    // The function is flat near the antipode: rounding there is more than the millimetre.
+    haversineReach_ = squared(std::sin(angle / 2)) * (1 + 4 * std::numeric_limits<double>::epsilon());
     latitudeReach_ = angle / toRadians + margin;
     longitudeReach_ = reachOfLongitude(angle, place.latitude) + margin;
 }

@@ -10,6 +10,7 @@ target_compile_options(korvo_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # GCC 12 warns of std::string itself (its bug 105329)
   -Wno-missing-field-initializers # designated initialisers leave the rest to its default on purpose
+  $<$<AND:$<BOOL:${CMAKE_UNITY_BUILD}>,$<CXX_COMPILER_ID:GNU>>:-Wno-shadow;-Wno-subobject-linkage> # they see other sources there
   $<$<BOOL:${KORVO_WERROR}>:-Werror>)
 
 # korvo_library(catalog SOURCES Catalog.cpp ... DEPENDS base edits LIBRARIES PkgConfig::SQLITE)

@@ -1,3 +1,4 @@
+#include "catalog/NewGroups.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
@@ -32,6 +33,32 @@ TEST(Catalog, treeNestsProjectsInTheirOrderWithCounts)
     ASSERT_EQ(tree.keywords.size(), 3U);
     EXPECT_EQ(tree.keywords[1].name, "ape") << "by name without regard to case";
     EXPECT_EQ(tree.totals, (LibraryTotals{4, 3, 0, 1}));
+}
+
+TEST(Catalog, manyProjectsAndAlbumsAreMadeBehindThoseThatAreThere)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    auto& database = catalog.database();
+    const auto left = catalog.createProject("left", "folder", std::nullopt);
+    const auto right = catalog.createProject("right", "folder", std::nullopt);
+    catalog.createProject("there", "project", right);
+    catalog.createAlbum("there", std::nullopt);
+    const auto made = createProjects(database,
+        std::vector<NewProject>{{"z", "project", right}, {"y", "project", left}, {"b", "project", right},
+            {"a", "project", left}});
+    EXPECT_EQ(made.size(), 4U);
+    createAlbums(database, std::vector<NewAlbum>{{"z", left}, {"a", std::nullopt}});
+    const std::vector<NewAlbum> nameless{{"lost", left}, {"\u00A0", left}};
+    EXPECT_THROW(createAlbums(database, nameless), std::invalid_argument);
+    std::string names;
+    for (const auto& project : catalog.tree().projects)
+        for (const auto& child : project.children)
+            names += child.name + " ";
+    for (const auto& album : catalog.tree().albums)
+        names += album.name + " ";
+    EXPECT_EQ(names, "y a there z b there z a ");
+    EXPECT_EQ(catalog.tree().projects[0].children[0].id, made[1]);
 }
 
 TEST(Catalog, deletingPartsOfTheTreeNeverDeletesPhotos)

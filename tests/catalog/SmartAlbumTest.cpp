@@ -206,6 +206,13 @@ TEST(NearPlace, theBoxNeverRejectsWhatIsNearEnough)
     item.longitude = 0.0;
     EXPECT_TRUE(matches({Field::location, Op::near, "10 km of 0, 0"}, item));
     EXPECT_FALSE(matches({Field::location, Op::near, "9.9 km of 0, 0"}, item));
+    for (const double all : {20'015.1, 40'000.0, 1e300}) // half the earth's way round and more
+        EXPECT_TRUE(NearTest({all, 90, 0}).holds(-90, 120)) << all;
+    EXPECT_TRUE(NearTest({0, 90, 10}).holds(90, 10));
+    const double antipode = distanceInKilometres(
+        -41.758210088007814, -60.395947873032284, 41.7582082420158, 119.60405091132395);
+    EXPECT_TRUE(NearTest({antipode, -41.758210088007814, -60.395947873032284})
+                    .holds(41.7582082420158, 119.60405091132395));
     std::mt19937 random(5);
     const auto between
         = [&](double low, double high) { return std::uniform_real_distribution<double>(low, high)(random); };
