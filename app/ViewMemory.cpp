@@ -15,8 +15,10 @@ constexpr std::size_t mostSelected = 10'000;
 ViewMemory viewMemory(const LibraryStore& store)
 {
     const auto& list = store.list();
-    ViewMemory memory{
-        .source = sourceText(store.source()), .order = {}, .filter = {}, .selection = store.selection()};
+    ViewMemory memory{.source = sourceText(store.source()),
+        .order = {},
+        .filter = {},
+        .selection = store.wishedSelection()};
     memory.selection.resize(std::min(memory.selection.size(), mostSelected));
     for (const auto& [key, raw] : sortKeyNames)
         if (key == list.sortKey())

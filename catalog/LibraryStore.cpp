@@ -77,8 +77,6 @@ void LibraryStore::show(ReadList read)
     discard(std::exchange(list_, std::move(read.list)));
     sourceFault_ = std::move(read.fault);
     isListed_ = true;
-    if (!toSelect_.empty())
-        selection_ = std::exchange(toSelect_, {});
 }
 
 void LibraryStore::discard(PhotoList list)
@@ -157,6 +155,7 @@ void LibraryStore::chooseSource(std::optional<LibrarySource> source)
     load(std::move(source));
     const bool selected = !selection_.empty();
     selection_.clear();
+    toSelect_.clear();
     changed.emit({.photos = {}, .list = true, .selection = selected});
 }
 
@@ -422,6 +421,8 @@ std::optional<std::size_t> LibraryStore::firstSelectedPosition() const
 bool LibraryStore::repairSelection(std::optional<std::size_t> firstPosition)
 {
     const auto before = selection_;
+    if (!reader_ && !toSelect_.empty())
+        selection_ = std::exchange(toSelect_, {});
     std::vector<PhotoID> kept;
     for (const PhotoID id : selection_)
         if (const auto shownID = list_.shownFor(id))

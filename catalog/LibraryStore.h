@@ -49,6 +49,8 @@ public:
     /// gone.
     const std::optional<std::string>& sourceFault() const { return sourceFault_; }
     const std::vector<PhotoID>& selection() const { return selection_; }
+    /// The same, or what will be selected once the list that is being read is there.
+    const std::vector<PhotoID>& wishedSelection() const { return toSelect_.empty() ? selection_ : toSelect_; }
     /// The sidebar, read again after it has changed. Its counts of photos may follow, as another change.
     const LibraryTree& tree();
     /// Whether counts are to follow.
@@ -158,9 +160,9 @@ private:
     bool updatePhotos(const ChangedRows& rows);
     /// Those of the photos that the source lists; nothing when it cannot be listed any more.
     std::optional<std::vector<PhotoItem>> listedOf(std::span<const PhotoID> ids);
-    /// Drops from the selection what is no longer shown, taking the pick for what a collapsed stack hides;
-    /// when nothing is left of it, the photo that took the place of the first one is selected. Returns
-    /// whether the selection changed.
+    /// Selects what was to be once the list is there. Drops from the selection what is no longer shown,
+    /// taking the pick for what a collapsed stack hides; when nothing is left of it, the photo that took the
+    /// place of the first one is selected. Returns whether the selection changed.
     bool repairSelection(std::optional<std::size_t> firstPosition);
     std::optional<std::size_t> firstSelectedPosition() const;
 

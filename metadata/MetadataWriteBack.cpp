@@ -92,12 +92,20 @@ void MetadataWriteBack::libraryChanged(const LibraryChange& change)
 {
     if (change.photos.empty() && !change.list && !change.tree && !change.metadata)
         return; // the selection alone: arrow keys must not wait for the catalog
+    try {
+        count();
+        if (autosave_ == Autosave::on && change.metadata && store_.catalog().anyDirty(change.photos))
+            scheduleAutosave();
+    } catch (const DatabaseError&) { // the next change counts again; others still hear of this one
+    }
+}
+
+void MetadataWriteBack::count()
+{
     if (const auto count = store_.catalog().dirtyCount(); count != dirtyCount_) {
         dirtyCount_ = count;
         changed.emit();
     }
-    if (autosave_ == Autosave::on && change.metadata && store_.catalog().anyDirty(change.photos))
-        scheduleAutosave();
 }
 
 void MetadataWriteBack::scheduleAutosave()
@@ -164,9 +172,10 @@ void MetadataWriteBack::begin(std::string verb, std::string (*summary)(const Fil
                 const auto message = result.fault.empty() ? summary(result) : result.fault;
                 deliver(std::move(result), message, false);
             } catch (const ExifToolError& error) {
-                deliver({}, textForUser(error), error.which() == ExifToolError::Case::notFound);
+                deliver({.fault = textForUser(error)}, textForUser(error),
+                    error.which() == ExifToolError::Case::notFound);
             } catch (const std::exception& error) { // of the catalog: what was not written waits on
-                deliver({}, error.what(), false);
+                deliver({.fault = error.what()}, error.what(), false);
             }
         });
     changed.emit();
@@ -183,6 +192,7 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
     saving_ = false;
     statusMessage_ = std::move(message);
     failures_ = result.failures;
+    failed_ = !result.failures.empty() || !result.fault.empty();
     store_.photosChanged(store_.catalog().withVersions(result.touched));
     dirtyCount_ = store_.catalog().dirtyCount();
     changed.emit();

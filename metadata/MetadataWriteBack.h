@@ -50,6 +50,8 @@ public:
     const std::string& statusMessage() const { return statusMessage_; }
     /// What went wrong with which photo in the last save or revert.
     const std::vector<FileFailure>& failures() const { return failures_; }
+    /// Whether it could not write all that it was to, or nothing.
+    bool hasFailed() const { return failed_; }
     bool exiftoolMissing() const { return exiftoolMissing_; }
     Autosave autosaveToFiles() const { return autosave_; }
     /// Throws std::system_error when the preference cannot be kept.
@@ -70,6 +72,7 @@ private:
     using Work = std::function<FilesWritten(Catalog&, const std::stop_token&, const FileProgress&)>;
 
     void libraryChanged(const LibraryChange& change);
+    void count();
     void begin(std::string verb, std::string (*summary)(const FilesWritten&), Work work);
     void say(std::string message);
     void finish(const FilesWritten& result, std::string message);
@@ -81,6 +84,7 @@ private:
     Autosave autosave_;
     std::int64_t dirtyCount_;
     bool saving_ = false;
+    bool failed_ = false;
     bool exiftoolMissing_ = false;
     std::string statusMessage_;
     std::stop_source stop_; // of what is running

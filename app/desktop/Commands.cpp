@@ -82,8 +82,11 @@ void Commands::run(Command command)
 {
     advance_ = std::exchange(shiftOrCapsLock_, false);
     // Before all else: the text being typed, and what a slider was moved to by keys.
-    if (auto* const field = dynamic_cast<FieldEdit*>(QApplication::focusWidget()))
+    if (auto* const field = dynamic_cast<FieldEdit*>(QApplication::focusWidget())) {
         field->commit();
+        if (field->isTouched())
+            return; // it could not be kept, which the user was told
+    }
     desktop_.attempt([&] { desktop_.draft().keep(); });
     if (const auto& handler = handlers_[indexOf(command)])
         desktop_.attempt(handler);

@@ -128,6 +128,8 @@ void StatusLine::showCounts()
 void StatusLine::showNotice(const Notice& notice)
 {
     const bool isError = notice.kind == Notice::Kind::error;
+    if (!isError && !notice.offersUndo && !close_->isHidden())
+        return; // an error stays until it is closed
     notice_->setText(qt(notice.text));
     notice_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
     notice_->setToolTip(qt(notice.text));
@@ -163,8 +165,7 @@ void StatusLine::showUnwritten()
 void StatusLine::sayWhatWasWritten()
 {
     const auto& writeBack = desktop_.session().writeBack();
-    const bool failed = writeBack.exiftoolMissing() || !writeBack.failures().empty();
-    showNotice({failed ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
+    showNotice({writeBack.hasFailed() ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
 }
 
 void StatusLine::showJob()

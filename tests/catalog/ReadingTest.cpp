@@ -60,6 +60,18 @@ TEST_F(StoreReading, whatHappensMeanwhileIsInTheListThatComes)
     EXPECT_EQ(store->list().items().size(), 300U);
 }
 
+TEST_F(StoreReading, whatWasToBeSelectedIsToldWithTheList)
+{
+    bool told = !store->isReading();
+    const auto connection
+        = store->changed.connect([&](const LibraryChange& change) { told |= change.selection; });
+    store->select({ids[5]});
+    EXPECT_EQ(store->wishedSelection(), only(ids[5]));
+    ASSERT_TRUE(isRead());
+    EXPECT_EQ(store->selection(), only(ids[5]));
+    EXPECT_TRUE(told);
+}
+
 TEST_F(StoreReading, aSourceThatIsChosenListsNothingOfTheOneBefore)
 {
     ASSERT_TRUE(isRead());

@@ -17,7 +17,8 @@ namespace korvo {
 
 std::optional<GridView::Index> GridView::indexAt(QPoint point) const
 {
-    return layout_.indexAt(point + QPoint(0, verticalScrollBar()->value()));
+    const auto index = layout_.indexAt(point + QPoint(0, verticalScrollBar()->value()));
+    return index && *index < store().list().shown().size() ? index : std::nullopt;
 }
 
 std::optional<GridView::Index> GridView::currentIndex() const
@@ -156,6 +157,8 @@ int GridView::scrollAtEdge(QPoint at) const
 
 void GridView::sweep(QPoint to)
 {
+    if (!pressed_)
+        return;
     if (!band_) {
         band_ = new QRubberBand(QRubberBand::Rectangle, viewport());
         band_->show();

@@ -258,7 +258,7 @@ void GridView::showEvent(QShowEvent* event)
 void GridView::scrollContentsBy(int, int dy)
 {
     direction_ = dy < 0 ? 1 : -1;
-    if (band_)
+    if (band_ && pressed_)
         pressed_->ry() += dy;
     hovered_.reset();
     viewport()->update();

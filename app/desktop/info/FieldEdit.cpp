@@ -66,7 +66,7 @@ void FieldEdit::keyPressEvent(QKeyEvent* event)
         return;
     }
     commit();
-    if (enterGoesOn_ && goOn)
+    if (enterGoesOn_ && goOn && !touched_)
         goOn();
 }
 

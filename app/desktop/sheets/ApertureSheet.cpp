@@ -204,7 +204,7 @@ void ApertureSheet::start()
     };
     const auto finish = [sheet, &desktop, imported](const Job& job) {
         if (*imported && (*imported)->library == desktop.store().catalog().libraryURL())
-            desktop.session().photosAdded();
+            desktop.attempt([&] { desktop.session().photosAdded(); });
         desktop.say(job.summary());
         if (sheet)
             sheet->finished(job, *imported);

@@ -334,7 +334,7 @@ void ImportSheet::importFrom(ImportPlan plan)
         return said;
     };
     desktop_.jobs().start("Importing from " + nameOf(source_), work, [sheet, &desktop](const Job& job) {
-        desktop.session().photosAdded();
+        desktop.attempt([&] { desktop.session().photosAdded(); });
         if (sheet)
             sheet->finished(job);
     });
