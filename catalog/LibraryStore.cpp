@@ -36,6 +36,13 @@ std::int64_t dataVersion(Catalog& catalog)
     return catalog.database().scalar("PRAGMA data_version");
 }
 
+/// Whether what the library has become stands in a step's way for good; a lock or a full disk passes.
+bool neverSucceeds(const DatabaseError& error)
+{
+    constexpr int withoutDetails = 0xff;
+    return (error.code() & withoutDetails) == SQLITE_CONSTRAINT || error.code() == SQLITE_OK;
+}
+
 } // namespace
 
 LibraryStore::LibraryStore(
@@ -137,16 +144,17 @@ void LibraryStore::count()
 void LibraryStore::countsArrived()
 {
     const auto counting = std::move(counting_);
+    const auto before = counts_;
     try {
-        const auto before = std::exchange(counts_, counting->take());
-        if (before != counts_) {
-            tree_.reset();
-            changed.emit({.photos = {}, .tree = true});
-        }
+        counts_ = counting->take();
     } catch (const DatabaseError&) { // the counts of before stay; the next change counts again
     }
-    if (countAgain_ && !counting_)
+    if (countAgain_)
         count();
+    if (before != counts_) {
+        tree_.reset();
+        changed.emit({.photos = {}, .tree = true});
+    }
 }
 
 void LibraryStore::chooseSource(std::optional<LibrarySource> source)
@@ -162,6 +170,8 @@ void LibraryStore::chooseSource(std::optional<LibrarySource> source)
 void LibraryStore::arrange(std::optional<SortKey> key, std::optional<GridFilter> filter)
 {
     main_.assertCurrent();
+    if (key == list_.sortKey() && filter == list_.filter())
+        return; // a list that is being read is not begun anew
     const auto first = firstSelectedPosition();
     list_.arrange(key, filter);
     arranged(first);
@@ -224,17 +234,6 @@ std::optional<std::string> LibraryStore::redoTitle() const
     const UndoStep* const step = history_.toRedo();
     return step ? std::optional(step->title) : std::nullopt;
 }
-
-namespace {
-
-/// Whether what the library has become stands in a step's way for good; a lock or a full disk passes.
-bool neverSucceeds(const DatabaseError& error)
-{
-    constexpr int withoutDetails = 0xff;
-    return (error.code() & withoutDetails) == SQLITE_CONSTRAINT || error.code() == SQLITE_OK;
-}
-
-} // namespace
 
 void LibraryStore::undo()
 {
