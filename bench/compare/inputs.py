@@ -12,13 +12,15 @@ CAPTION = ("Temple gate 000000 in Kyoto, photographed on 15 January 2022. Shot f
            "print and web, no crop below the waterline.")
 
 
-def small_photos(folder, count):
-    """JPEGs of some kilobytes with camera facts, a position and all descriptive fields."""
+def small_photos(folder, korvo, count):
+    """JPEGs of some 25 KB with a thumbnail, camera facts, a position and all descriptive fields."""
     if folder.exists():
         return folder
-    template = folder.with_suffix(".jpg")
-    template.write_bytes(TEMPLATE.read_bytes())
+    template, thumbnail = folder.with_suffix(".jpg"), folder.with_suffix(".thumbnail.jpg")
+    rendered(template, korvo, 320, 240, 0)
+    rendered(thumbnail, korvo, 160, 120, 0)
     subprocess.run(["exiftool", "-overwrite_original", "-q", "-m", "-codedcharacterset=utf8", "-sep", ", ",
+                    "-tagsFromFile", TEMPLATE, "-all:all", f"-ThumbnailImage<={thumbnail}",
                     "-XMP-dc:Title=Temple gate 000000", "-IPTC:ObjectName=Temple gate 000000",
                     "-XMP-dc:Description=" + CAPTION, "-IPTC:Caption-Abstract=" + CAPTION,
                     "-XMP-dc:Subject=travel, night, event 000000", "-IPTC:Keywords=travel, night, event 000000",
@@ -56,17 +58,22 @@ def png(file, width, height, seed):
                      + chunk(b"IDAT", data) + chunk(b"IEND", b""))
 
 
+def rendered(photo, korvo, width, height, seed):
+    """A JPEG of waves."""
+    made, making = photo.with_suffix(".made.png"), photo.with_suffix(".making.jpg")
+    png(made, width, height, seed)
+    subprocess.run([korvo, "render", made, "--out", making, "--quality", "89"], check=True, stdout=subprocess.DEVNULL)
+    making.rename(photo)
+    made.unlink()
+
+
 def large_photos(folder, korvo, count):
     """JPEGs of 24 megapixels."""
     folder.mkdir(parents=True, exist_ok=True)
     photos = [folder / f"{number}.jpg" for number in range(count)]
     for number, photo in enumerate(photos):
         if not photo.exists():
-            png(folder / "made.png", 6000, 4000, number)
-            making = folder / "making.jpg"
-            subprocess.run([korvo, "render", folder / "made.png", "--out", making, "--quality", "89"], check=True,
-                           stdout=subprocess.DEVNULL)
-            making.rename(photo)
+            rendered(photo, korvo, 6000, 4000, number)
     return photos
 
 
