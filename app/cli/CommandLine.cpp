@@ -4,7 +4,9 @@
 #include "app/cli/Parser.h"
 #include "base/Text.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <fmt/ranges.h>
 
 namespace korvo {
 
@@ -48,13 +50,21 @@ void addLibraryCommands(Parser& parser)
         [](Context& context, const None&) { return treeCommand(context); });
 }
 
+/// Adds an option that is one of the names; another word is refused with all of them.
 template <typename T, std::size_t N, typename Entry>
-std::vector<std::pair<std::string, T>> choices(const std::array<Entry, N>& names, T Entry::*value)
+CLI::Option* addChoice(CLI::App& sub, const char* option, const char* noun, std::optional<T>& choice,
+    const std::array<Entry, N>& names, T Entry::*value)
 {
-    std::vector<std::pair<std::string, T>> all;
-    for (const auto& name : names)
-        all.emplace_back(name.rawValue, name.*value);
-    return all;
+    std::vector<std::string_view> rawValues;
+    std::ranges::transform(names, std::back_inserter(rawValues), &Entry::rawValue);
+    const auto all = fmt::format("{}", fmt::join(rawValues, ", "));
+    const auto take = [=, &choice, &names](const std::string& text) {
+        const auto found = std::ranges::find(names, text, &Entry::rawValue);
+        if (found == names.end())
+            throw CLI::ValidationError(fmt::format("\"{}\" is no {}: use {}", text, noun, all));
+        choice = *found.*value;
+    };
+    return sub.add_option_function<std::string>(option, take, all);
 }
 
 void addReadingCommands(Parser& parser)
@@ -65,13 +75,9 @@ void addReadingCommands(Parser& parser)
         [](CLI::App& sub, ListArguments& list) {
             sub.add_option("--source", list.source,
                 "all, folder:ID, album:ID, smart:ID, project:ID, person:ID, flagged, no-alt, recent, videos");
-            sub.add_option("--sort", list.sort, "name, imported, fileDate or rating")
-                ->transform(CLI::CheckedTransformer(choices(sortKeyNames, &SortKeyName::key)).description(""))
+            addChoice(sub, "--sort", "sort key", list.sort, sortKeyNames, &SortKeyName::key)
                 ->type_name("KEY");
-            sub.add_option(
-                   "--filter", list.filter, "unratedOrBetter, starred, flagged, rejected, videos, hasGPS, …")
-                ->transform(CLI::CheckedTransformer(choices(gridFilterNames, &GridFilterName::filter))
-                                .description(""))
+            addChoice(sub, "--filter", "filter", list.filter, gridFilterNames, &GridFilterName::filter)
                 ->type_name("FILTER");
         },
         listCommand);

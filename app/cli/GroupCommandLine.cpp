@@ -1,6 +1,9 @@
 #include "app/cli/Commands.h"
 #include "app/cli/Parser.h"
 
+#include <algorithm>
+#include <fmt/ranges.h>
+
 namespace korvo {
 
 namespace {
@@ -105,8 +108,22 @@ void addSmartAlbumID(CLI::App& sub, SmartAlbumArguments& album)
     sub.add_option("ID", album.id, "the smart album's id")->required();
 }
 
+/// What a rule may say, a field a line.
+std::string rulesHelp()
+{
+    std::string help = "Fields and what each may be asked:\n";
+    for (const auto& field : smartAlbumFields()) {
+        std::vector<std::string_view> ops;
+        std::ranges::transform(field.ops, std::back_inserter(ops), nameOf<SmartAlbumRule::Op>);
+        help += fmt::format("  {:<13}{}{}{}\n", nameOf(field.field), fmt::join(ops, ", "),
+            field.needs.empty() ? "" : "; ", field.needs);
+    }
+    return help;
+}
+
 CLI::Option* addRules(CLI::App& sub, SmartAlbumArguments& album)
 {
+    sub.footer(rulesHelp);
     return sub.add_option("--rules", album.rules,
         R"(as {"rules":[{"field":"rating","op":"atLeast","value":"3"}],"matchAll":true})");
 }
