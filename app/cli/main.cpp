@@ -15,10 +15,10 @@ int main(int argc, char** argv)
     if (!parsed.command)
         return static_cast<int>(parsed.exitCode);
     const Interrupt interrupt;
-    FileDefaults defaults(userDefaultsFolder());
-    const SystemClock clock;
-    Context context(parsed.command->options, defaults, clock, interrupt.token());
     try {
+        FileDefaults defaults(userDefaultsFolder());
+        const SystemClock clock;
+        Context context(parsed.command->options, defaults, clock, interrupt.token());
         const auto code = parsed.command->run(context);
         if (std::fflush(stdout) != 0 || std::ferror(stdout))
             throw std::runtime_error("the output could not be written");

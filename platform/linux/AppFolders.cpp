@@ -28,7 +28,7 @@ fs::path homeFolder()
     passwd entry{};
     passwd* found = nullptr;
     if (getpwuid_r(getuid(), &entry, room.data(), room.size(), &found) != 0 || !found || !found->pw_dir)
-        throw std::runtime_error("The home folder of this user is not known.");
+        throw std::runtime_error("The home folder of this user is not known: set $HOME.");
     return found->pw_dir;
 }
 

@@ -184,6 +184,17 @@ TEST_F(CommandLine, anInterruptEndsTheWaitForInputWithNothingDone)
     EXPECT_NE(json("show 1").find("\"rating\":0"), std::string::npos);
 }
 
+TEST_F(CommandLine, aPlaceForPreferencesThatCannotBeToldIsAnError)
+{
+    // A relative place has no meaning in a folder that is gone.
+    const int status = std::system(("cd " + folder.write("gone/x", "").parent_path().string()
+        + " && rm x && rmdir ../gone && KORVO_CONFIG=config " + std::string(KORVO_PROGRAM) + " library 2>"
+        + (folder / "err").string())
+                                       .c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_TRUE(readFile(folder / "err").starts_with("korvo: ")) << readFile(folder / "err");
+}
+
 TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
 {
     EXPECT_EQ(json("version create 1"), "{\"id\":4}\n");
