@@ -38,7 +38,7 @@ std::vector<AutoStackShot> autoStackShots(
         const PhotoItem& item = items[position];
         const double time = item.captureDate ? *item.captureDate : item.fileDate.value_or(0);
         if (item.isMaster() && !item.stackID && time > 0)
-            shots.push_back({time, item.id, position, item.rating});
+            shots.push_back({time, item.id, static_cast<std::uint32_t>(shots.size()), item.rating});
     }
     return shots;
 }
@@ -46,7 +46,7 @@ std::vector<AutoStackShot> autoStackShots(
 void sortByTime(std::vector<AutoStackShot>& shots)
 {
     std::sort(shots.begin(), shots.end(), [](const auto& a, const auto& b) {
-        return a.time < b.time || (a.time == b.time && a.position < b.position);
+        return a.time < b.time || (a.time == b.time && a.place < b.place);
     });
 }
 

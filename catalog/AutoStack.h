@@ -13,7 +13,7 @@ namespace korvo {
 struct AutoStackShot {
     double time = 0; // Unix time
     PhotoID id = 0;
-    std::uint32_t position = 0; // of several shot at one time the first in the list comes first
+    std::uint32_t place = 0; // among the shots as given: of several made at one time the first comes first
     std::int32_t rating = 0;
 };
 

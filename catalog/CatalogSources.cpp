@@ -94,6 +94,12 @@ void Catalog::requireSource(const LibrarySource& source)
             throw NotFoundError(noun, source.id);
 }
 
+ListedBy listedBy(const std::optional<LibrarySource>& source)
+{
+    const bool byHand = source && (source->kind == Kind::album || source->kind == Kind::recentlyAdded);
+    return byHand ? ListedBy::hand : ListedBy::name;
+}
+
 namespace {
 
 std::string sourceCondition(Database& database, const LibrarySource& source)
@@ -103,16 +109,10 @@ std::string sourceCondition(Database& database, const LibrarySource& source)
     return conditionOf(source.kind);
 }
 
-/// Whether a source lists masters by their names.
-bool isByName(const std::optional<LibrarySource>& source)
-{
-    return !source || (source->kind != Kind::album && source->kind != Kind::recentlyAdded);
-}
-
 std::string listing(
     Database& database, const std::optional<LibrarySource>& source, std::string_view orderOfMasters)
 {
-    if (!isByName(source))
+    if (listedBy(source) == ListedBy::hand)
         return source->kind == Kind::album ? albumMembers : recentlyAdded;
     auto sql = masters + (source ? sourceCondition(database, *source) : std::string());
     return sql.append(orderOfMasters);
@@ -152,19 +152,19 @@ std::vector<PhotoItem> photosIn(
             database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL")));
         preferLargePages(items.data(), items.capacity() * sizeof(PhotoItem));
     }
-    // Put in order here: SQLite would write each row several times for it.
+    // Put in order later: SQLite would write each row several times for it.
     forEachPhotoIn(database, source, "", [&](PhotoItem&& item) {
         items.push_back(std::move(item));
         return !stop.stop_requested();
     });
-    if (isByName(source) && !stop.stop_requested())
-        sortByName(items);
     return items;
 }
 
 std::vector<PhotoItem> Catalog::photos(const std::optional<LibrarySource>& source)
 {
-    return photosIn(database_, source);
+    auto items = photosIn(database_, source);
+    putInOrder(items, listed(items, listedBy(source)));
+    return items;
 }
 
 std::vector<PhotoItem> Catalog::photosByID(std::span<const PhotoID> ids)
@@ -184,7 +184,7 @@ std::vector<PhotoItem> Catalog::photosByID(std::span<const PhotoID> ids)
 std::vector<PhotoItem> Catalog::photosOfSource(
     const std::optional<LibrarySource>& source, std::span<const PhotoID> ids)
 {
-    if (source && (source->kind == Kind::album || source->kind == Kind::recentlyAdded))
+    if (listedBy(source) == ListedBy::hand)
         return photosByID(ids);
     if (source && source->kind == Kind::smartAlbum) {
         auto matcher = smartAlbumMatcher(database_, source->id);

@@ -2,9 +2,12 @@
 
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
+#include "catalog/PutInto.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <numeric>
 #include <tuple>
 
 namespace korvo {
@@ -27,14 +30,6 @@ double numberOf(const PhotoItem& item, SortKey key)
         break;
     }
     return 0;
-}
-
-/// Orders positions as the grid shows them; without a key, as the source does.
-auto byKey(const std::vector<PhotoItem>& items, std::optional<SortKey> key)
-{
-    return [&items, key](std::uint32_t a, std::uint32_t b) {
-        return key ? standsBefore(items[a], items[b], *key) : a < b;
-    };
 }
 
 } // namespace
@@ -121,39 +116,8 @@ private:
     static std::uint8_t lowered(std::uint8_t c) { return c >= 'A' && c <= 'Z' ? c | 0x20 : c; }
 };
 
-/// Moves what stands at `from[i].position` to i.
-void permute(std::vector<PhotoItem>& items, std::vector<NamePrefix>& from)
-{
-    for (std::uint32_t start = 0; start < items.size(); ++start) {
-        if (from[start].position == start)
-            continue;
-        PhotoItem kept = std::move(items[start]);
-        auto to = start;
-        for (auto next = from[to].position; next != start; next = from[to].position) {
-            items[to] = std::move(items[next]);
-            from[to].position = to;
-            to = next;
-        }
-        items[to] = std::move(kept);
-        from[to].position = to;
-    }
-}
-
-/// The same order as byKey, of photos that stand by name already.
-void sortNamed(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, SortKey key)
-{
-    std::vector<std::pair<double, std::uint32_t>> numbers;
-    numbers.reserve(order.size());
-    for (const auto position : order)
-        numbers.emplace_back(numberOf(items[position], key), position);
-    std::sort(numbers.begin(), numbers.end());
-    std::transform(
-        numbers.begin(), numbers.end(), order.begin(), [](const auto& number) { return number.second; });
-}
-
-} // namespace
-
-void sortByName(std::vector<PhotoItem>& items)
+/// The positions of photos by their names, as SortKey::name orders them.
+std::vector<std::uint32_t> orderByName(const std::vector<PhotoItem>& items)
 {
     std::vector<NamePrefix> prefixes;
     prefixes.reserve(items.size());
@@ -164,37 +128,103 @@ void sortByName(std::vector<PhotoItem>& items)
             return std::tie(a.first, a.second) < std::tie(b.first, b.second);
         return standsBefore(items[a.position], items[b.position], SortKey::name);
     });
-    permute(items, prefixes);
+    std::vector<std::uint32_t> order(items.size());
+    std::transform(prefixes.begin(), prefixes.end(), order.begin(),
+        [](const NamePrefix& prefix) { return prefix.position; });
+    return order;
 }
 
-std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, ListedBy listedBy,
+/// Sorts photos that stand as their list does by the numbers of a key.
+void sortListed(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, SortKey key)
+{
+    struct Number {
+        double number;
+        std::uint32_t place, position;
+    };
+    std::vector<Number> numbers;
+    numbers.reserve(order.size());
+    for (const auto position : order)
+        numbers.push_back(
+            {numberOf(items[position], key), static_cast<std::uint32_t>(numbers.size()), position});
+    std::sort(numbers.begin(), numbers.end(), [](const Number& a, const Number& b) {
+        return a.number < b.number || (a.number == b.number && a.place < b.place);
+    });
+    std::transform(
+        numbers.begin(), numbers.end(), order.begin(), [](const Number& number) { return number.position; });
+}
+
+/// Where each item stands in the listing.
+std::vector<std::uint32_t> places(const Listing& listing)
+{
+    std::vector<std::uint32_t> places(listing.order.size());
+    for (std::uint32_t place = 0; place < places.size(); ++place)
+        places[listing.order[place]] = place;
+    return places;
+}
+
+} // namespace
+
+Listing listed(const std::vector<PhotoItem>& items, ListedBy by)
+{
+    if (by == ListedBy::name)
+        return {by, orderByName(items)};
+    std::vector<std::uint32_t> order(items.size());
+    std::iota(order.begin(), order.end(), 0U);
+    return {by, std::move(order)};
+}
+
+void putInOrder(std::vector<PhotoItem>& items, Listing listing)
+{
+    auto& from = listing.order;
+    for (std::uint32_t start = 0; start < items.size(); ++start) {
+        if (from[start] == start)
+            continue;
+        PhotoItem kept = std::move(items[start]);
+        auto to = start;
+        for (auto next = from[to]; next != start; next = from[to]) {
+            items[to] = std::move(items[next]);
+            from[to] = to;
+            to = next;
+        }
+        items[to] = std::move(kept);
+        from[to] = to;
+    }
+}
+
+std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, const Listing& listing,
     std::optional<SortKey> key, const PhotoTest& isShown)
 {
+    std::vector<bool> shown(items.size()); // found in the order in which the items lie
+    for (std::size_t position = 0; position < items.size(); ++position)
+        shown[position] = isShown(items[position]);
     std::vector<std::uint32_t> order;
     order.reserve(items.size());
-    for (std::uint32_t position = 0; position < items.size(); ++position)
-        if (isShown(items[position]))
-            order.push_back(position);
-    if (key && listedBy == ListedBy::hand)
-        std::sort(order.begin(), order.end(), byKey(items, key));
+    std::copy_if(listing.order.begin(), listing.order.end(), std::back_inserter(order),
+        [&](std::uint32_t position) { return shown[position]; });
+    if (key && listing.by == ListedBy::hand)
+        std::sort(order.begin(), order.end(),
+            [&](std::uint32_t a, std::uint32_t b) { return standsBefore(items[a], items[b], *key); });
     else if (key && key != SortKey::name)
-        sortNamed(order, items, *key);
+        sortListed(order, items, *key);
     return order;
 }
 
 void updateGridOrder(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items,
-    const std::vector<std::uint32_t>& changed, std::optional<SortKey> key, const PhotoTest& isShown)
+    const Listing& listing, std::vector<std::uint32_t> changed, std::optional<SortKey> key,
+    const PhotoTest& isShown)
 {
-    const auto isChanged = [&](std::uint32_t position) {
-        return std::binary_search(changed.begin(), changed.end(), position);
-    };
-    std::erase_if(order, isChanged);
-    const auto kept = static_cast<std::ptrdiff_t>(order.size());
+    std::vector<bool> isChanged(items.size());
     for (const auto position : changed)
-        if (isShown(items[position]))
-            order.push_back(position);
-    std::sort(order.begin() + kept, order.end(), byKey(items, key));
-    std::inplace_merge(order.begin(), order.begin() + kept, order.end(), byKey(items, key));
+        isChanged[position] = true;
+    std::erase_if(order, [&](std::uint32_t position) { return isChanged[position]; });
+    std::erase_if(changed, [&](std::uint32_t position) { return !isShown(items[position]); });
+    if (!key && listing.by == ListedBy::hand)
+        putInto(order, std::move(changed),
+            [place = places(listing)](std::uint32_t a, std::uint32_t b) { return place[a] < place[b]; });
+    else
+        putInto(order, std::move(changed), [&](std::uint32_t a, std::uint32_t b) {
+            return standsBefore(items[a], items[b], key.value_or(SortKey::name));
+        });
 }
 
 } // namespace korvo

@@ -71,24 +71,36 @@ bool passes(const PhotoItem& item, GridFilter filter);
 /// Whether `a` stands before `b`; ties go by file name, then by id. The order is total.
 bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key);
 
-/// Puts photos in the order of their names, as SortKey::name does.
-void sortByName(std::vector<PhotoItem>& items);
-
 /// Whether a photo is shown.
 using PhotoTest = std::function<bool(const PhotoItem&)>;
 
 /// The test of a filter; every photo passes without one.
 PhotoTest testOf(std::optional<GridFilter> filter);
 
-/// How photos stand in their list before they are sorted by anything else.
+/// How a source orders its photos before they are sorted by anything else.
 enum class ListedBy : std::uint8_t { name, hand };
 
+/// The order of a source. Photos themselves stay where their texts lie in memory, which makes looking at all
+/// of them several times as fast.
+struct Listing {
+    ListedBy by = ListedBy::name;
+    std::vector<std::uint32_t> order; // positions in the items
+};
+
+/// The listing of photos as they were read: by their names, or as they stand.
+Listing listed(const std::vector<PhotoItem>& items, ListedBy by);
+
+/// Moves photos to where the listing has them.
+void putInOrder(std::vector<PhotoItem>& items, Listing listing);
+
 /// The positions in `items` of the photos shown, in the order shown.
-std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, ListedBy listedBy,
+std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, const Listing& listing,
     std::optional<SortKey> key, const PhotoTest& isShown);
 
-/// Brings `order` up to date after the items at `changed` (ascending positions) took new values in place.
+/// Brings an order that has a key, or is the listing's own, up to date after the items at `changed` (each
+/// once) took new values in place or came.
 void updateGridOrder(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items,
-    const std::vector<std::uint32_t>& changed, std::optional<SortKey> key, const PhotoTest& isShown);
+    const Listing& listing, std::vector<std::uint32_t> changed, std::optional<SortKey> key,
+    const PhotoTest& isShown);
 
 } // namespace korvo

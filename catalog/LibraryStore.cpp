@@ -400,7 +400,7 @@ bool LibraryStore::updatePhotos(const ChangedRows& rows)
     if (!current) // the source can no longer be listed
         return load(source_) == Shown::yes;
     // The members of these are not decided by the photos' own values.
-    if (source_ && (source_->kind == Kind::album || source_->kind == Kind::recentlyAdded))
+    if (listedBy(source_) == ListedBy::hand)
         std::erase_if(*current, [this](const PhotoItem& item) { return !list_.find(item.id); });
     std::unordered_set<PhotoID> gone;
     for (const auto& touched : {rows.updated, rows.deleted})

@@ -1,18 +1,13 @@
 #include "catalog/PhotoList.h"
 
+#include "catalog/PutInto.h"
+
 #include <algorithm>
-#include <iterator>
+#include <limits>
+#include <numeric>
+#include <utility>
 
 namespace korvo {
-
-namespace {
-
-bool standsBeforeByName(const PhotoItem& a, const PhotoItem& b)
-{
-    return standsBefore(a, b, SortKey::name);
-}
-
-} // namespace
 
 std::optional<std::uint32_t> PhotoList::position(PhotoID id) const
 {
@@ -56,11 +51,10 @@ PhotoList PhotoList::emptied() const
     return list;
 }
 
-void PhotoList::assign(std::vector<PhotoItem> items)
+void PhotoList::assign(std::vector<PhotoItem> items, ListedBy by)
 {
     items_ = std::move(items);
-    listedBy_
-        = std::is_sorted(items_.begin(), items_.end(), standsBeforeByName) ? ListedBy::name : ListedBy::hand;
+    listing_ = listed(items_, by);
     index();
     arrange(sortKey_, filter_);
 }
@@ -77,7 +71,7 @@ void PhotoList::arrange(std::optional<SortKey> key, std::optional<GridFilter> fi
 {
     sortKey_ = key;
     filter_ = filter;
-    order_ = gridOrder(items_, listedBy_, sortKey_, test());
+    order_ = gridOrder(items_, listing_, sortKey_, test());
     arrangeStacks();
 }
 
@@ -116,58 +110,116 @@ std::optional<PhotoID> PhotoList::shownFor(PhotoID id) const
     return hidden == hidden_.end() ? id : hidden->second;
 }
 
+namespace {
+
+void keepOneOfEach(std::vector<std::uint32_t>& positions)
+{
+    std::sort(positions.begin(), positions.end());
+    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+}
+
+} // namespace
+
 bool PhotoList::update(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone)
 {
-    const bool inPlace
-        = gone.empty() && std::all_of(changed.begin(), changed.end(), [this](const PhotoItem& item) {
-              const PhotoItem* const listed = find(item.id);
-              return listed && listed->filename == item.filename;
-          });
-    if (inPlace)
-        return updateInPlace(std::move(changed));
-    rearrange(std::move(changed), gone);
-    return true;
-}
-
-bool PhotoList::updateInPlace(std::vector<PhotoItem> changed)
-{
-    const auto standsElsewhere = [this](const PhotoItem& before, const PhotoItem& after) {
-        if (isShown(before) != isShown(after))
-            return true;
-        return sortKey_ && (standsBefore(before, after, *sortKey_) || standsBefore(after, before, *sortKey_));
-    };
-    std::vector<std::uint32_t> moved;
+    const bool dropped = drop(gone);
+    std::vector<PhotoItem> added;
+    std::vector<std::uint32_t> unlisted, moved; // in listing_, in order_
     for (PhotoItem& item : changed) {
-        const auto at = *position(item.id);
-        if (standsElsewhere(items_[at], item))
-            moved.push_back(at);
-        item.status = items_[at].status;
-        items_[at] = std::move(item);
+        const auto at = position(item.id);
+        if (!at) {
+            added.push_back(std::move(item));
+            continue;
+        }
+        if (listing_.by == ListedBy::name && items_[*at].filename != item.filename)
+            unlisted.push_back(*at);
+        if (replace(*at, std::move(item)))
+            moved.push_back(*at);
     }
-    std::sort(moved.begin(), moved.end());
-    moved.erase(std::unique(moved.begin(), moved.end()), moved.end());
-    if (moved.empty())
+    for (const auto at : add(std::move(added))) {
+        unlisted.push_back(at);
+        moved.push_back(at);
+    }
+    keepOneOfEach(unlisted);
+    keepOneOfEach(moved);
+    if (unlisted.empty() && moved.empty() && !dropped)
         return false;
-    updateGridOrder(order_, items_, moved, sortKey_, test());
-    arrangeStacks();
+    reorder(std::move(unlisted), std::move(moved));
     return true;
 }
 
-void PhotoList::rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone)
+bool PhotoList::replace(std::uint32_t at, PhotoItem item)
 {
-    std::unordered_set<PhotoID> replaced = gone;
-    std::erase_if(changed, [&](PhotoItem& item) {
-        if (const PhotoItem* const listed = find(item.id))
-            item.status = listed->status;
-        return !replaced.insert(item.id).second; // given twice
-    });
-    std::erase_if(items_, [&](const PhotoItem& item) { return replaced.contains(item.id); });
-    std::sort(changed.begin(), changed.end(), standsBeforeByName);
-    const auto kept = static_cast<std::ptrdiff_t>(items_.size());
-    items_.insert(items_.end(), std::move_iterator(changed.begin()), std::move_iterator(changed.end()));
-    std::inplace_merge(items_.begin(), items_.begin() + kept, items_.end(), standsBeforeByName);
-    index();
-    arrange(sortKey_, filter_);
+    const PhotoItem before = std::exchange(items_[at], std::move(item));
+    PhotoItem& after = items_[at];
+    after.status = before.status;
+    if (isShown(before) != isShown(after))
+        return true;
+    const auto key = sortKey_ || listing_.by == ListedBy::hand ? sortKey_ : SortKey::name;
+    return key && (standsBefore(before, after, *key) || standsBefore(after, before, *key));
+}
+
+bool PhotoList::drop(const std::unordered_set<PhotoID>& gone)
+{
+    std::vector<std::uint32_t> holes;
+    for (const PhotoID id : gone)
+        if (const auto at = position(id))
+            holes.push_back(*at);
+    if (holes.empty())
+        return false;
+    std::sort(holes.begin(), holes.end());
+    constexpr auto none = std::numeric_limits<std::uint32_t>::max();
+    std::vector<std::uint32_t> now(items_.size()); // where each photo is then
+    std::iota(now.begin(), now.end(), 0U);
+    for (const auto hole : holes)
+        now[hole] = none;
+    auto end = static_cast<std::uint32_t>(items_.size());
+    for (const auto hole : holes) { // filled from the end, so that few photos are moved
+        while (end > 0 && now[end - 1] == none)
+            --end;
+        if (hole >= end)
+            break;
+        items_[hole] = std::move(items_[--end]);
+        now[end] = hole;
+    }
+    items_.resize(items_.size() - holes.size());
+    for (auto* const order : {&byID_, &listing_.order, &order_}) {
+        std::erase_if(*order, [&](std::uint32_t position) { return now[position] == none; });
+        std::transform(order->begin(), order->end(), order->begin(),
+            [&](std::uint32_t position) { return now[position]; });
+    }
+    return true;
+}
+
+std::vector<std::uint32_t> PhotoList::add(std::vector<PhotoItem> added)
+{
+    std::unordered_set<PhotoID> given;
+    std::vector<std::uint32_t> positions;
+    for (PhotoItem& item : added)
+        if (given.insert(item.id).second) {
+            positions.push_back(static_cast<std::uint32_t>(items_.size()));
+            items_.push_back(std::move(item));
+        }
+    putInto(
+        byID_, positions, [this](std::uint32_t a, std::uint32_t b) { return items_[a].id < items_[b].id; });
+    return positions;
+}
+
+void PhotoList::reorder(std::vector<std::uint32_t> unlisted, std::vector<std::uint32_t> moved)
+{
+    const bool isMuch = moved.size() > items_.size() / 8; // more than ordering anew takes
+    if (listing_.by == ListedBy::hand)
+        listing_.order.insert(listing_.order.end(), unlisted.begin(), unlisted.end());
+    else if (isMuch)
+        listing_ = listed(items_, ListedBy::name);
+    else if (!unlisted.empty())
+        updateGridOrder(
+            listing_.order, items_, listing_, std::move(unlisted), std::nullopt, testOf(std::nullopt));
+    if (isMuch)
+        order_ = gridOrder(items_, listing_, sortKey_, test());
+    else if (!moved.empty())
+        updateGridOrder(order_, items_, listing_, std::move(moved), sortKey_, test());
+    arrangeStacks();
 }
 
 } // namespace korvo

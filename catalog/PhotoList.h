@@ -15,7 +15,7 @@ namespace korvo {
 /// The loaded photos of a source, and which of them the grid shows in which order.
 class PhotoList {
 public:
-    /// All photos, in the source's order.
+    /// All photos, in no order that means anything: as they were read.
     const std::vector<PhotoItem>& items() const { return items_; }
     /// Positions in items() of the photos shown, in the order shown.
     const std::vector<std::uint32_t>& shown() const { return shown_; }
@@ -35,7 +35,8 @@ public:
 
     /// An empty list that is sorted, filtered and narrowed as this one.
     PhotoList emptied() const;
-    void assign(std::vector<PhotoItem> items);
+    /// Takes the photos of a source that lists them by their names, or as they stand here.
+    void assign(std::vector<PhotoItem> items, ListedBy by);
     /// Takes the place of a list that was read earlier: what is being done with its photos goes on here.
     void takeOverFrom(const PhotoList& earlier);
     /// All stacks of the library, whose members stand together or behind their pick.
@@ -50,14 +51,20 @@ public:
     void narrow(std::span<const SmartAlbumRules> rules);
 
     /// Takes new values for listed photos, adds others, and drops `gone`. A photo that was not listed goes
-    /// where its file name stands, as in every source whose membership can change photo by photo. Returns
-    /// whether the photos shown or their order may have changed.
+    /// where its file name stands, and to the end of a list that was ordered by hand. Returns whether the
+    /// photos shown or their order may have changed.
     bool update(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone);
 
 private:
     std::optional<std::uint32_t> position(PhotoID id) const;
-    bool updateInPlace(std::vector<PhotoItem> changed);
-    void rearrange(std::vector<PhotoItem> changed, const std::unordered_set<PhotoID>& gone);
+    /// Takes the new value of a photo; returns whether it may now be shown elsewhere.
+    bool replace(std::uint32_t at, PhotoItem item);
+    /// Returns whether any was there.
+    bool drop(const std::unordered_set<PhotoID>& gone);
+    /// Adds the photos, each once, to all but the orders; returns their positions.
+    std::vector<std::uint32_t> add(std::vector<PhotoItem> added);
+    /// Puts photos where they belong now, each once: in the listing, and among the shown.
+    void reorder(std::vector<std::uint32_t> unlisted, std::vector<std::uint32_t> moved);
     void index();
     void arrangeStacks();
     bool isShown(const PhotoItem& item) const;
@@ -68,10 +75,10 @@ private:
 
     std::vector<PhotoItem> items_;
     std::vector<std::uint32_t> byID_; // positions in items_, ascending by id
+    Listing listing_;
     std::vector<std::uint32_t> order_; // by sort key and filter alone
     std::vector<std::uint32_t> shown_; // the same with the stacks in their places
     std::unordered_map<PhotoID, PhotoID> hidden_; // in collapsed stacks, and who is shown for them
-    ListedBy listedBy_ = ListedBy::name;
     StackPlaces stacks_;
     std::optional<SortKey> sortKey_;
     std::optional<GridFilter> filter_ = GridFilter::unratedOrBetter;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "catalog/GridOrder.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/PhotoItem.h"
 #include "catalog/SmartAlbumMatcher.h"
@@ -15,9 +16,11 @@ class Database;
 
 // What the library lists, read from any connection to it. Catalog does so from its own.
 
-/// The photos of a source in its order, as far as it came at a stop request. Throws as Catalog::photos does.
+/// The photos of a source, as far as it came at a stop request: in its order when that was made by hand, else
+/// as they come. Throws as Catalog::photos does.
 std::vector<PhotoItem> photosIn(
     Database& database, const std::optional<LibrarySource>& source, const std::stop_token& stop = {});
+ListedBy listedBy(const std::optional<LibrarySource>& source);
 /// Throws NotFoundError and SmartAlbumError.
 SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id);
 /// A project and all that lie in it.

@@ -21,7 +21,7 @@ ReadList readList(Database& database, const std::optional<LibrarySource>& source
         read.fault = error.what(); // it was deleted while it was shown; undo may bring it back
     }
     if (!stop.stop_requested())
-        read.list.assign(std::move(items));
+        read.list.assign(std::move(items), listedBy(source));
     return read;
 }
 

@@ -115,8 +115,7 @@ ExitCode autoStackCommand(Context& context, const AutoStackArguments& arguments)
     // What the plan is made from must not change before it is carried out.
     Transaction transaction(context.library().database());
     const auto items = context.library().photos(context.existingSource(arguments.source));
-    const auto shown = gridOrder(items, ListedBy::hand, std::nullopt, testOf(std::nullopt));
-    const AutoStackPlan plan(items, shown, arguments.interval);
+    const AutoStackPlan plan(items, listed(items, ListedBy::hand).order, arguments.interval);
     if (!arguments.dryRun)
         context.library().createStacks(plan);
     transaction.commit();

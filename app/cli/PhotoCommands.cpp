@@ -41,7 +41,9 @@ ExitCode listCommand(Context& context, const ListArguments& arguments)
         return context.finish(1);
     }
     const auto items = context.library().photos(source);
-    for (const auto position : gridOrder(items, ListedBy::hand, arguments.sort, testOf(arguments.filter))) {
+    const auto order
+        = gridOrder(items, listed(items, ListedBy::hand), arguments.sort, testOf(arguments.filter));
+    for (const auto position : order) {
         if (context.isStopped())
             break;
         printPhoto(context, items[position]);

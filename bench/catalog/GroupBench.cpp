@@ -2,6 +2,7 @@
 
 #include "bench/support/Compare.h"
 #include "catalog/Catalog.h"
+#include "catalog/ReadList.h"
 #include "catalog/SmartAlbumMatcher.h"
 
 #include <fmt/format.h>
@@ -90,7 +91,8 @@ void compareAutoStack(std::vector<PhotoItem>& items)
 void compareGroups(const std::filesystem::path& library)
 {
     const auto file = library / "catalog.sqlite";
-    auto items = Catalog(library, SystemClock()).photos(std::nullopt);
+    Catalog catalog(library, SystemClock());
+    auto items = readList(catalog.database(), std::nullopt, PhotoList(), {}).list.items();
     compareMatching(fmt::format("A smart album of four rules over {} photos", items.size()), items, fourRules,
         file, closestQuery);
     compareMatching(fmt::format("A text rule alone over {} photos", items.size()), items,

@@ -18,7 +18,7 @@ PhotoList listOf(const std::vector<std::string>& names)
         items.push_back(item);
     }
     PhotoList list;
-    list.assign(std::move(items));
+    list.assign(std::move(items), ListedBy::name);
     return list;
 }
 

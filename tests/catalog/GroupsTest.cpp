@@ -1,4 +1,5 @@
 #include "catalog/LibraryStore.h"
+#include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -27,13 +28,7 @@ struct Photos : TestLibrary {
 struct Grid : Photos {
     explicit Grid(int count) : Photos(count), store(main, std::move(catalog)) { }
 
-    IDs shown() const
-    {
-        IDs ids;
-        for (const auto position : store.list().shown())
-            ids.push_back(store.list().items()[position].id);
-        return ids;
-    }
+    IDs shown() const { return shownIDs(store.list()); }
 
     ManualMainThread main;
     LibraryStore store;
@@ -195,8 +190,8 @@ namespace {
     PhotoList fresh;
     auto& catalog = const_cast<LibraryStore&>(t.store).catalog();
     fresh.setStacks(catalog.stacks());
-    fresh.assign(catalog.photos(t.store.source()));
-    if (t.store.list().items() != fresh.items() || t.store.list().shown() != fresh.shown())
+    fresh.assign(catalog.photos(t.store.source()), listedBy(t.store.source()));
+    if (!listTheSame(t.store.list(), fresh))
         return ::testing::AssertionFailure() << "the list is not what it is when read anew";
     if (catalog.database().scalar("SELECT COUNT(*) FROM photos p JOIN stacks s ON s.id = p.stack_id "
                                   "WHERE p.version_of IS NULL GROUP BY s.id HAVING COUNT(*) < 2 "

@@ -1,5 +1,6 @@
 #include "catalog/LibraryStore.h"
 #include "base/JsonError.h"
+#include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/Soak.h"
 #include "tests/support/TestLibrary.h"
@@ -388,8 +389,8 @@ void undoAndRedoRandomActions(unsigned seed)
         PhotoList fresh;
         fresh.setStacks(store.catalog().stacks());
         if (!store.sourceFault())
-            fresh.assign(store.catalog().photos(store.source()));
-        return store.list().items() == fresh.items() && store.list().shown() == fresh.shown();
+            fresh.assign(store.catalog().photos(store.source()), listedBy(store.source()));
+        return listTheSame(store.list(), fresh);
     };
     const auto stacksAreSound = [&] {
         for (const auto& stack : store.catalog().stacks())

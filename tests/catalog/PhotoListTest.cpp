@@ -1,4 +1,5 @@
 #include "catalog/PhotoList.h"
+#include "tests/support/ListedPhotos.h"
 
 #include <gtest/gtest.h>
 
@@ -16,14 +17,6 @@ PhotoItem photo(PhotoID id, const std::string& name)
     item.folder = "/p";
     item.filename = name;
     return item;
-}
-
-std::vector<PhotoID> shownIDs(const PhotoList& list)
-{
-    std::vector<PhotoID> ids;
-    for (const auto position : list.shown())
-        ids.push_back(list.items()[position].id);
-    return ids;
 }
 
 using IDs = std::vector<PhotoID>;
@@ -44,7 +37,7 @@ TEST(GridFilter, eachCaseIsOneTest)
     rich.editsJSON = "{}";
     rich.memeJSON = "{}";
     PhotoList list;
-    list.assign({plain, rejected, rich});
+    list.assign({plain, rejected, rich}, ListedBy::name);
     EXPECT_EQ(shownIDs(list), (IDs{1, 3})) << "rejected photos are hidden at first";
     struct Case {
         GridFilter filter;
@@ -80,7 +73,7 @@ TEST(SortKey, datesRunForwardStarsDownAndTiesGoByName)
     b.fileDate = 9;
     c.fileDate = 4;
     PhotoList list;
-    list.assign({a, b, c});
+    list.assign({a, b, c}, ListedBy::hand);
     struct Case {
         std::optional<SortKey> key;
         IDs shown;
@@ -97,10 +90,10 @@ TEST(PhotoList, whatIsBeingDoneWithAPhotoGoesOnWhileItIsReadAnew)
     PhotoList list;
     auto busy = photo(1, "a.jpg");
     busy.status.kind = PhotoItem::Status::Kind::saving;
-    list.assign({busy, photo(2, "b.jpg")});
+    list.assign({busy, photo(2, "b.jpg")}, ListedBy::name);
     const auto isSaving = [&] { return list.find(1)->status == busy.status; };
     const PhotoList earlier = std::exchange(list, list.emptied());
-    list.assign({photo(1, "a.jpg"), photo(3, "c.jpg")});
+    list.assign({photo(1, "a.jpg"), photo(3, "c.jpg")}, ListedBy::name);
     list.takeOverFrom(earlier);
     EXPECT_TRUE(isSaving());
     auto renamed = photo(1, "z.jpg");
@@ -109,45 +102,60 @@ TEST(PhotoList, whatIsBeingDoneWithAPhotoGoesOnWhileItIsReadAnew)
     EXPECT_EQ(shownIDs(list), (IDs{3, 1})) << "once, though it was given twice";
 }
 
-TEST(PhotoList, updatingEqualsLoadingAnew)
+class UpdatedPhotoList : public ::testing::TestWithParam<ListedBy> { };
+
+TEST_P(UpdatedPhotoList, equalsOneThatIsLoadedAnew)
 {
+    const bool byName = GetParam() == ListedBy::name;
     std::mt19937 random(7);
     const auto upTo = [&](unsigned n) { return random() % n; };
     const auto name = [&] { return "img" + std::to_string(upTo(40)) + ".jpg"; };
     PhotoID nextID = 1;
-    std::vector<PhotoItem> model;
+    std::vector<PhotoItem> model; // by hand in its order
     PhotoList list;
-    for (int round = 0; round < 400; ++round) {
+    list.assign({}, GetParam());
+    for (int round = 0; round < 600; ++round) {
         std::vector<PhotoItem> changed;
         std::unordered_set<PhotoID> gone;
+        const auto oneIn = upTo(2) ? 6U : 60U; // many at once are done otherwise than few
         for (auto& item : model)
-            if (upTo(6) == 0) {
+            if (upTo(oneIn) == 0) {
                 item.rating = static_cast<int>(upTo(7)) - 1;
-                if (upTo(8) == 0)
+                if (byName && upTo(8) == 0)
                     item.filename = name();
                 changed.push_back(item);
-            } else if (upTo(30) == 0) {
+            } else if (upTo(5 * oneIn) == 0) {
                 gone.insert(item.id);
             }
         std::erase_if(model, [&](const PhotoItem& item) { return gone.contains(item.id); });
-        if (upTo(3) == 0) {
-            model.push_back(photo(nextID++, name()));
+        for (auto added = model.size() < 80 ? upTo(3) : 0; added > 0; --added) {
+            model.push_back(photo(nextID, name()));
             changed.push_back(model.back());
+            nextID += upTo(2) ? 1 : 2;
         }
-        std::sort(model.begin(), model.end(),
-            [](const PhotoItem& a, const PhotoItem& b) { return standsBefore(a, b, SortKey::name); });
+        if (upTo(5) == 0 && nextID > 2) // one comes back that has stood there before
+            if (const auto id = static_cast<PhotoID>(1 + upTo(static_cast<unsigned>(nextID)));
+                std::none_of(model.begin(), model.end(), [&](const auto& item) { return item.id == id; })) {
+                model.push_back(photo(id, name()));
+                changed.push_back(model.back());
+                nextID = std::max(nextID, id + 1);
+            }
         const auto before = shownIDs(list);
         const bool moved = list.update(changed, gone);
         PhotoList fresh;
         fresh.arrange(list.sortKey(), list.filter());
-        fresh.assign(model);
-        ASSERT_EQ(list.items(), fresh.items());
-        ASSERT_EQ(shownIDs(list), shownIDs(fresh));
+        fresh.assign(model, GetParam());
+        ASSERT_EQ(photosByID(list), photosByID(fresh));
+        ASSERT_EQ(shownIDs(list), shownIDs(fresh)) << "round " << round;
         ASSERT_TRUE(moved || before == shownIDs(list)) << "a change of what is shown went unsaid";
+        for (const auto& item : model)
+            ASSERT_EQ(*list.find(item.id), item);
         if (upTo(20) == 0)
             list.arrange(upTo(2) ? std::optional(SortKey::rating) : std::nullopt,
                 upTo(2) ? std::optional(GridFilter::starred) : GridFilter::unratedOrBetter);
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(, UpdatedPhotoList, ::testing::Values(ListedBy::name, ListedBy::hand));
 
 } // namespace korvo

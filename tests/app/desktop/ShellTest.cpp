@@ -6,6 +6,7 @@
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/grid/GridView.h"
 #include "tests/app/desktop/TestWindow.h"
+#include "tests/support/ListedPhotos.h"
 
 #include <QScrollBar>
 
@@ -57,9 +58,7 @@ TEST(SearchFilter, leavesWhatHasAllThatIsAskedFor)
              {{.flaggedOnly = true}, {}},
          }) {
         t.store().narrow(rulesOf(filter));
-        IDs shown;
-        for (const auto position : t.store().list().shown())
-            shown.push_back(t.store().list().items()[position].id);
+        auto shown = shownIDs(t.store().list());
         std::sort(shown.begin(), shown.end());
         EXPECT_EQ(shown, left) << filter.words << " " << filter.leastStars;
     }
