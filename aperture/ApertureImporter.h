@@ -1,8 +1,8 @@
 #pragma once
 
+#include "aperture/ApertureImportPlan.h"
 #include "aperture/ApertureLibrary.h"
 #include "aperture/ApertureTranslator.h"
-#include "aperture/ImportPlan.h"
 #include "catalog/Catalog.h"
 
 #include <filesystem>
@@ -58,8 +58,8 @@ public:
     std::optional<Summary> write(const ApertureImportPlan& plan, Catalog& catalog, const Clock& clock);
 
 private:
-    friend class ImportPlanner;
-    friend class ImportWriter;
+    friend class AperturePlanner;
+    friend class ApertureWriter;
     struct ImportStopped { };
     void show(const char* phase, std::size_t done = 0, std::size_t total = 0);
     void throwIfStopped() const;

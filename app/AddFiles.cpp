@@ -1,8 +1,8 @@
 #include "app/AddFiles.h"
 
-#include "app/FileContents.h"
 #include "catalog/FolderScan.h"
 #include "catalog/UnreadPhotos.h"
+#include "metadata/FileContents.h"
 #include "metadata/MetadataError.h"
 
 #include <tbb/parallel_pipeline.h>

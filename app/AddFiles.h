@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/PathFailure.h"
 #include "catalog/Catalog.h"
 
 #include <cstddef>
@@ -7,16 +8,9 @@
 #include <functional>
 #include <span>
 #include <stop_token>
-#include <string>
 #include <vector>
 
 namespace korvo {
-
-/// Something that could not be taken in, or could be only without being read.
-struct AddFailure {
-    std::filesystem::path path;
-    std::string message; // a sentence that names the file
-};
 
 /// What became of the files. A file that is added but cannot be read counts as added and is listed as a
 /// failure.
@@ -24,7 +18,7 @@ struct AddResult {
     std::size_t added = 0;
     std::size_t known = 0; // had a master already
     std::size_t ignored = 0; // of a kind that a library does not hold
-    std::vector<AddFailure> failures;
+    std::vector<PathFailure> failures;
     bool cancelled = false;
 };
 

@@ -1,6 +1,6 @@
 #include "app/ExportRun.h"
 
-#include "metadata/Naming.h"
+#include "imports/Naming.h"
 
 #include <array>
 

@@ -146,9 +146,9 @@ public:
     std::vector<PhotoItem> photosOfSource(
         const std::optional<LibrarySource>& source, std::span<const PhotoID> ids);
 
-    // Imports of Aperture libraries (CatalogImports.cpp)
+    // Imports of Aperture libraries (CatalogAperture.cpp)
     /// Adds a master, or a version of one.
-    PhotoID addImportedPhoto(const ImportedPhoto& photo, std::optional<PhotoID> versionOf);
+    PhotoID addImportedPhoto(const AperturePhoto& photo, std::optional<PhotoID> versionOf);
     std::optional<PhotoID> masterAt(std::string_view path);
     /// Whether an Aperture library, known by what identifies it, has been imported.
     bool hasImported(std::string_view identity);

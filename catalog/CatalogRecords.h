@@ -38,7 +38,7 @@ struct CameraData {
 };
 
 /// A photo of another program's library, with all that is known of it.
-struct ImportedPhoto {
+struct AperturePhoto {
     std::string path; // absolute
     UnixTime addedAt = 0;
     std::optional<UnixTime> fileDate;

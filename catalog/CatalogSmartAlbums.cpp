@@ -1,7 +1,7 @@
 #include "catalog/Catalog.h"
 
 #include "base/JsonError.h"
-#include "catalog/PhotoLists.h"
+#include "catalog/LibraryReading.h"
 #include "catalog/PhotoRows.h"
 
 namespace korvo {

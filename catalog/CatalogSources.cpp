@@ -2,7 +2,7 @@
 
 #include "catalog/FileTypes.h"
 #include "catalog/GridOrder.h"
-#include "catalog/PhotoLists.h"
+#include "catalog/LibraryReading.h"
 #include "catalog/PhotoRows.h"
 #include "platform/LargePages.h"
 

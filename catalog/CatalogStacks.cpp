@@ -1,6 +1,6 @@
 #include "catalog/ChangeRow.h"
+#include "catalog/LibraryReading.h"
 #include "catalog/Meta.h"
-#include "catalog/PhotoLists.h"
 
 #include <algorithm>
 #include <stdexcept>

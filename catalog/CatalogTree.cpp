@@ -1,6 +1,6 @@
 #include "catalog/ChangeRow.h"
+#include "catalog/LibraryReading.h"
 #include "catalog/NewGroups.h"
-#include "catalog/PhotoLists.h"
 
 #include <map>
 

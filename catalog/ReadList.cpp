@@ -2,7 +2,7 @@
 
 #include "catalog/CatalogErrors.h"
 #include "catalog/Database.h"
-#include "catalog/PhotoLists.h"
+#include "catalog/LibraryReading.h"
 
 namespace korvo {
 

@@ -1,6 +1,6 @@
-#include "app/ImportSource.h"
 #include "app/cli/Commands.h"
 #include "app/cli/Progress.h"
+#include "imports/ImportSource.h"
 #include "platform/linux/LinuxCameras.h"
 #include "platform/linux/LinuxVolumes.h"
 

@@ -1,6 +1,6 @@
 #include "app/cli/Commands.h"
-#include "metadata/Naming.h"
-#include "metadata/NamingPreset.h"
+#include "imports/Naming.h"
+#include "imports/NamingPreset.h"
 #include "platform/PosixFile.h"
 
 #include <fmt/format.h>

@@ -3,9 +3,9 @@
 // read again; the import waits for the disk, reads from it, reads what the photos say, and keeps the catalog.
 // KORVO_BENCH_FILES files (200) of KORVO_BENCH_MB (6) are made in $TMPDIR, where there must be room for two
 // copies of them.
-#include "app/ImportRun.h"
 #include "bench/support/Compare.h"
-#include "metadata/FolderFiles.h"
+#include "imports/FolderFiles.h"
+#include "imports/ImportRun.h"
 #include "platform/Sha256.h"
 #include "tests/support/TestLibrary.h"
 

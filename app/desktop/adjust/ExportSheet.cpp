@@ -4,8 +4,8 @@
 #include "base/Json.h"
 #include "base/Record.h"
 #include "base/Text.h"
-#include "metadata/Naming.h"
-#include "metadata/NamingPreset.h"
+#include "imports/Naming.h"
+#include "imports/NamingPreset.h"
 #include "platform/AppFolders.h"
 
 #include <QComboBox>

@@ -2,7 +2,7 @@
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
-#include "metadata/ImportWindow.h"
+#include "imports/ImportWindow.h"
 
 #include <QAbstractListModel>
 #include <QKeyEvent>

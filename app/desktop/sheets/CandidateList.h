@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/desktop/sheets/FileThumbnails.h"
-#include "metadata/ImportPlan.h"
+#include "imports/ImportPlan.h"
 
 #include <QListView>
 

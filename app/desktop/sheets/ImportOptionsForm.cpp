@@ -5,7 +5,7 @@
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
-#include "metadata/NamingPreset.h"
+#include "imports/NamingPreset.h"
 
 #include <QCheckBox>
 #include <QComboBox>

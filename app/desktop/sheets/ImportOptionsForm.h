@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/ImportSource.h"
 #include "app/desktop/Desktop.h"
-#include "metadata/Naming.h"
+#include "imports/ImportSource.h"
+#include "imports/Naming.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
-#include "metadata/Naming.h"
-#include "metadata/NamingPreset.h"
+#include "imports/Naming.h"
+#include "imports/NamingPreset.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/ImportSource.h"
 #include "app/desktop/Desktop.h"
-#include "metadata/VolumeWatcher.h"
+#include "imports/ImportSource.h"
+#include "imports/VolumeWatcher.h"
 #include "platform/linux/LinuxCameras.h"
 #include "platform/linux/LinuxVolumes.h"
 

@@ -1,5 +1,5 @@
 #include "app/desktop/sheets/Sheets.h"
-#include "metadata/NamingPreset.h"
+#include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QComboBox>

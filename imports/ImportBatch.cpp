@@ -1,0 +1,242 @@
+#include "imports/ImportBatch.h"
+
+#include "base/Text.h"
+#include "platform/FileSync.h"
+
+#include <algorithm>
+
+namespace korvo {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// What a kill may cost at most: so much is copied again. More would make the steps between files dearer.
+constexpr std::size_t mostShots = 32;
+constexpr std::uint64_t mostBytes = 256 << 20;
+
+/// The keywords of the file and those of the plan, none twice.
+std::string mergedKeywords(std::string_view own, std::string_view added)
+{
+    auto keywords = splitKeywords(own);
+    for (auto& keyword : splitKeywords(added))
+        if (std::find(keywords.begin(), keywords.end(), keyword) == keywords.end())
+            keywords.push_back(std::move(keyword));
+    return joinKeywords(keywords);
+}
+
+MetadataChange plannedChange(const ImportPlan& plan, const PhotoMetadata& own)
+{
+    const auto unlessEmpty = [](const std::string& text) {
+        return text.empty() ? std::nullopt : std::optional(SharedText(text));
+    };
+    MetadataChange change{.creator = unlessEmpty(plan.creator), .copyright = unlessEmpty(plan.copyright)};
+    if (!plan.keywords.empty())
+        change.keywords = SharedText(mergedKeywords(own.keywords.view(), plan.keywords));
+    return change;
+}
+
+} // namespace
+
+std::string failureText(const fs::path& file, const std::string& reason)
+{
+    return file.string() + ": " + reason;
+}
+
+ImportBatch::ImportBatch(Catalog& catalog, const ImportPlan& plan, const ImportFolder& folder,
+    std::size_t shots, const Clock& clock, ImportResult& result)
+    : catalog_(catalog), plan_(plan), folder_(folder), clock_(clock), result_(result),
+      names_(catalog, folder.path(), plan.namingPattern, shots)
+{ }
+
+void ImportBatch::add(ImportedShot shot)
+{
+    for (ImportedFile& file : shot.files) {
+        if (!file.failure.empty())
+            result_.failures.push_back(
+                {file.file->file.path, failureText(file.file->file.path, file.failure)});
+        bytes_ += file.copy ? file.copy->size : 0;
+    }
+    shots_.push_back(std::move(shot));
+    if (shots_.size() >= mostShots || bytes_ >= mostBytes)
+        flush();
+}
+
+void ImportBatch::flush()
+{
+    const auto stored = result_.photos.size();
+    const auto known = result_.known;
+    try {
+        keep();
+    } catch (const std::exception& error) {
+        result_.photos.resize(stored);
+        result_.known = known;
+        for (ImportedShot& shot : shots_)
+            for (ImportedFile& file : shot.files)
+                if (file.copy || !file.path.empty())
+                    fail(file, std::string("could not be kept: ") + error.what());
+        shots_.clear();
+        throw;
+    }
+    shots_.clear();
+    bytes_ = 0;
+}
+
+void ImportBatch::keep()
+{
+    if (folder_) {
+        folder_.requireThere();
+        for (ImportedShot& shot : shots_)
+            name(shot);
+        announce();
+        for (ImportedShot& shot : shots_)
+            move(shot);
+        syncFolder(folder_.path());
+        folder_.requireThere();
+    }
+    store();
+}
+
+void ImportBatch::name(ImportedShot& shot)
+{
+    std::vector<UnnamedFile> unnamed;
+    std::vector<ImportedFile*> files;
+    NamingFacts facts{shot.shot->name, {}, clock_.now()};
+    if (const auto modified = shot.shot->files.front().file.modified)
+        facts.fileDate = unixTime(*modified);
+    for (ImportedFile& file : shot.files) {
+        if (!file.copy)
+            continue;
+        if (facts.title.empty())
+            facts.title = file.contents.metadata.title.string();
+        unnamed.push_back({file.file->suffix, duplicateKey(file.file->file), file.file->file.path,
+            file.copy->size, file.copy->digest, !file.file->isSidecar});
+        files.push_back(&file);
+    }
+    if (files.empty())
+        return;
+    try {
+        const auto names = names_.claim(facts, *shot.shot, unnamed);
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            files[i]->path = names[i].path;
+            if (names[i].isThere)
+                files[i]->copy.reset();
+        }
+    } catch (const std::system_error& error) {
+        for (ImportedFile* const file : files) {
+            fail(*file, std::string("could not be given a name: ") + error.what());
+            file->copy.reset();
+        }
+    }
+}
+
+void ImportBatch::announce()
+{
+    Transaction transaction(catalog_.database());
+    for (const ImportedShot& shot : shots_)
+        for (const ImportedFile& file : shot.files)
+            if (!file.path.empty())
+                catalog_.announceImport(duplicateKey(file.file->file), file.path.native());
+    transaction.commit();
+}
+
+void ImportBatch::move(ImportedShot& shot)
+{
+    for (ImportedFile& file : shot.files) {
+        if (!file.copy)
+            continue;
+        try {
+            if (!file.copy->part.moveTo(file.path))
+                notMoved(file, file.path.string() + " has come into being meanwhile; import it again");
+        } catch (const std::system_error& error) {
+            notMoved(file, "could not be moved to " + file.path.string() + ": " + error.code().message());
+        }
+        file.copy.reset();
+    }
+}
+
+void ImportBatch::notMoved(ImportedFile& file, const std::string& reason)
+{
+    catalog_.forgetAnnounced(file.path.native());
+    fail(file, reason);
+}
+
+void ImportBatch::fail(ImportedFile& file, const std::string& reason)
+{
+    const auto& source = file.file->file.path;
+    result_.failures.push_back({source, failureText(source, reason)});
+    file.path.clear();
+}
+
+void ImportBatch::store()
+{
+    Transaction transaction(catalog_.database());
+    for (ImportedShot& shot : shots_)
+        for (ImportedFile& file : shot.files) {
+            if (file.path.empty())
+                continue;
+            if (folder_)
+                catalog_.forgetAnnounced(file.path.native());
+            if (!file.file->isSidecar)
+                storePhoto(file);
+        }
+    transaction.commit();
+}
+
+void ImportBatch::storePhoto(ImportedFile& file)
+{
+    NewPhoto photo{.path = file.path.native(), .addedAt = clock_.now(), .metadata = file.contents.metadata};
+    try {
+        photo.fileDate = modificationTime(file.path);
+        photo.fileSize = static_cast<std::int64_t>(fs::file_size(file.path));
+    } catch (const fs::filesystem_error& error) { // it has gone
+        return fail(file, error.code().message());
+    }
+    photo.folderID = folderOf(file);
+    const auto [id, isNew] = catalog_.addPhotos(std::span(&photo, 1)).front();
+    if (!isNew && folder_)
+        return fail(file, file.path.string() + " has become another photo's meanwhile; import it again");
+    catalog_.forgetLeft(file.file->key);
+    if (!isNew) {
+        ++result_.known;
+        return;
+    }
+    result_.photos.push_back(id);
+    storeCameraFacts(catalog_, id, file.contents);
+    const std::vector<PhotoID> ids = {id};
+    catalog_.changeMetadata(ids, plannedChange(plan_, photo.metadata), WriteBack::pending);
+    if (const auto into = project(file, photo.fileDate.value()))
+        catalog_.assignToProject(ids, into);
+    catalog_.rememberImport(duplicateKey(file.file->file), id);
+}
+
+std::optional<std::int64_t> ImportBatch::project(const ImportedFile& file, UnixTime fileDate)
+{
+    if (plan_.byDay)
+        return projectNamed(localDay(file.contents.camera.captureDate.value_or(fileDate)));
+    return plan_.newProject.empty() ? plan_.project : std::optional(projectNamed(plan_.newProject));
+}
+
+std::int64_t ImportBatch::projectNamed(const std::string& name)
+{
+    const auto [entry, isNew] = projects_.try_emplace(name, 0);
+    if (isNew)
+        entry->second = catalog_.projectAtRoot(name);
+    return entry->second;
+}
+
+std::optional<std::int64_t> ImportBatch::folderOf(const ImportedFile& file)
+{
+    const auto& added = folder_ ? folder_.path() : file.file->file.chosen;
+    if (added.empty())
+        return catalog_.folderContaining(file.path.native());
+    const auto [entry, isNew] = folders_.try_emplace(added.native(), 0);
+    if (isNew) {
+        // Copies need no folder of their own in the sidebar when one that is there shows them.
+        const auto around = folder_ ? catalog_.folderContaining(file.path.native()) : std::nullopt;
+        entry->second = around ? *around : catalog_.addFolder(added.native(), clock_.now());
+    }
+    return entry->second;
+}
+
+} // namespace korvo

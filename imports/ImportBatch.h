@@ -1,0 +1,74 @@
+#pragma once
+
+#include "imports/ImportCopy.h"
+#include "imports/ImportFolder.h"
+#include "imports/ImportNames.h"
+#include "imports/ImportRun.h"
+#include "metadata/FileContents.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace korvo {
+
+/// One file on its way.
+struct ImportedFile {
+    const Shot::File* file = nullptr;
+    std::optional<FileCopy> copy; // of files that are copied
+    FileContents contents; // of photos
+    std::string failure; // a sentence; empty when nothing went wrong
+    std::filesystem::path path; // where it stands in the end; empty when it does not
+};
+
+/// The files of one shot.
+struct ImportedShot {
+    const Shot* shot = nullptr;
+    std::vector<ImportedFile> files;
+};
+
+/// Takes shots, copied and verified, gives them their names and stores them in the catalog, several at a
+/// time.
+class ImportBatch {
+public:
+    /// All must outlive this.
+    ImportBatch(Catalog& catalog, const ImportPlan& plan, const ImportFolder& folder, std::size_t shots,
+        const Clock& clock, ImportResult& result);
+
+    /// Takes a shot; keeps what has come so far when that has become much. Throws as flush().
+    void add(ImportedShot shot);
+    /// Keeps what has come so far. When that fails its files are listed as failures, and it throws
+    /// DatabaseError, NotFoundError or std::system_error; what has its name already is found by the next
+    /// import.
+    void flush();
+
+private:
+    void keep();
+    void name(ImportedShot& shot);
+    void announce();
+    void move(ImportedShot& shot);
+    void store();
+    void storePhoto(ImportedFile& file);
+    std::optional<std::int64_t> project(const ImportedFile& file, UnixTime fileDate);
+    std::int64_t projectNamed(const std::string& name);
+    std::optional<std::int64_t> folderOf(const ImportedFile& file);
+    void notMoved(ImportedFile& file, const std::string& reason);
+    void fail(ImportedFile& file, const std::string& reason);
+
+    Catalog& catalog_;
+    const ImportPlan& plan_;
+    const ImportFolder& folder_;
+    const Clock& clock_;
+    ImportResult& result_;
+    ImportNames names_;
+    std::vector<ImportedShot> shots_;
+    std::uint64_t bytes_ = 0;
+    std::map<std::string, std::int64_t> projects_;
+    std::map<std::string, std::int64_t> folders_;
+};
+
+/// "/card/DCIM/IMG_1.CR3: " and the reason.
+std::string failureText(const std::filesystem::path& file, const std::string& reason);
+
+} // namespace korvo

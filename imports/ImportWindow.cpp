@@ -1,0 +1,85 @@
+#include "imports/ImportWindow.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+
+namespace korvo {
+
+std::string nameOf(const Source& source)
+{
+    switch (source.kind) {
+    case Source::Kind::volume:
+        return source.volume.name;
+    case Source::Kind::camera:
+        return "Camera";
+    case Source::Kind::chosen:
+        break;
+    }
+    if (source.chosen.size() != 1)
+        return counted(source.chosen.size(), "place");
+    const auto path = source.chosen.front().lexically_normal();
+    return (path.has_filename() ? path : path.parent_path()).filename().string();
+}
+
+bool mustCopy(const Source& source)
+{
+    return source.kind == Source::Kind::camera
+        || (source.kind == Source::Kind::volume && source.volume.isCard);
+}
+
+std::optional<std::string_view> paneText(ListingState state, const ImportListing& listing)
+{
+    if (state == ListingState::nothingChosen)
+        return importWindow::nothingChosen;
+    if (state == ListingState::listing)
+        return importWindow::listing;
+    return listing.candidates.empty() ? std::optional(importWindow::nothingFound) : std::nullopt;
+}
+
+std::string_view rowText(const Candidate& candidate)
+{
+    return candidate.picked ? importWindow::willImport : importWindow::wontImport;
+}
+
+std::string summary(const Candidate& candidate)
+{
+    return candidate.file.path.filename().string() + ", " + counted(candidate.file.size, "byte")
+        + (candidate.isDuplicate ? ", already in the library" : "");
+}
+
+std::size_t pickedCount(const ImportListing& listing)
+{
+    return static_cast<std::size_t>(std::count_if(listing.candidates.begin(), listing.candidates.end(),
+        [](const Candidate& candidate) { return candidate.picked; }));
+}
+
+std::string pickedText(const ImportListing& listing)
+{
+    const auto known = std::count_if(listing.candidates.begin(), listing.candidates.end(),
+        [](const Candidate& candidate) { return candidate.isDuplicate; });
+    auto text = std::to_string(pickedCount(listing)) + " of " + counted(listing.candidates.size(), "photo")
+        + " will be imported";
+    if (known > 0)
+        text += ", " + std::to_string(known) + (known == 1 ? " is" : " are") + " already in the library";
+    return text;
+}
+
+std::string statusText(std::size_t files)
+{
+    return "Copying " + counted(files, "file") + "…";
+}
+
+std::string progressText(std::size_t index, std::size_t total, std::string_view sourceName)
+{
+    return "Copying " + std::to_string(index) + " of " + std::to_string(total) + " from "
+        + std::string(sourceName);
+}
+
+std::string ejectText(std::string_view name, const std::optional<std::string>& failure)
+{
+    return failure ? "Couldn't eject " + std::string(name) + ": " + *failure
+                   : std::string(name) + " ejected.";
+}
+
+} // namespace korvo
