@@ -7,7 +7,7 @@ install(TARGETS korvo korvo-desktop korvo-decoder RUNTIME DESTINATION ${CMAKE_IN
 install(FILES share/org.korvo.Korvo.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES share/org.korvo.Korvo.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES share/korvo.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
-install(FILES share/copyright README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvo)
+install(FILES share/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvo)
 foreach(page korvo.1 korvo-desktop.1 changelog)
   set(packed ${CMAKE_CURRENT_BINARY_DIR}/${page}.gz)
   add_custom_command(OUTPUT ${packed} DEPENDS share/${page}
