@@ -10,7 +10,6 @@
 #include "catalog/SmartAlbumRules.h"
 #include "catalog/Stack.h"
 #include "catalog/Tree.h"
-#include "catalog/UnfinishedImport.h"
 
 #include <filesystem>
 #include <functional>
@@ -106,27 +105,6 @@ public:
     /// unless its metadata has changed meanwhile.
     void metadataWritten(PhotoID id, const PhotoMetadata& written, UnixTime fileDate, std::int64_t fileSize);
 
-    // Imported files (CatalogImportedFiles.cpp). A key is a file's name and size as its source had them.
-    /// The keys of the files that were imported and whose photos the library still holds.
-    std::vector<std::string> importedKeys() const;
-    void rememberImport(std::string_view key, PhotoID photo);
-    /// Says beforehand which path a file is about to have, so that an import that is killed then finds it
-    /// again.
-    void announceImport(std::string_view key, std::string_view path);
-    std::vector<std::string> announcedPaths(std::string_view key);
-    /// Takes back what was announced: the file has been stored, or does not stand there.
-    void forgetAnnounced(std::string_view path);
-    /// The path of the photo that was imported from such a file.
-    std::optional<std::string> importedPath(std::string_view key);
-    /// Notes what an import is about to do, in place of what an earlier one left.
-    void beginImport(const UnfinishedImport& import);
-    /// What is left of the import that was noted last; nothing when all of it is stored.
-    UnfinishedImport unfinishedImport();
-    /// A file that was left is stored now.
-    void forgetLeft(std::string_view key);
-    /// The project of that name that has no parent, made when there is none.
-    std::int64_t projectAtRoot(std::string_view name);
-
     // Lists (CatalogSources.cpp)
     /// The photos of a source in its order. For a smart album throws NotFoundError when there is none and
     /// SmartAlbumError when its rules cannot be read, here and in what follows.
@@ -200,6 +178,8 @@ public:
     void fileRenamed(PhotoID id, const std::filesystem::path& path);
     std::int64_t createProject(
         std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
+    /// The project of that name that has no parent, made when there is none.
+    std::int64_t projectAtRoot(std::string_view name);
     /// Puts every project and album that has no parent under a new project at the root.
     std::int64_t gatherUnderProject(std::string_view name);
     void renameProject(std::int64_t id, std::string_view name);

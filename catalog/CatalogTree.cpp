@@ -331,4 +331,15 @@ void Catalog::deleteSmartAlbum(std::int64_t id)
     changeRow(database_, "smart album", id, "DELETE FROM smart_albums WHERE id = ?", id);
 }
 
+std::int64_t Catalog::projectAtRoot(std::string_view name)
+{
+    Transaction transaction(database_);
+    auto id = database_.scalar(
+        "SELECT id FROM projects WHERE parent_id IS NULL AND name = ? ORDER BY id LIMIT 1", name);
+    if (id == 0)
+        id = createProject(name, "project", std::nullopt);
+    transaction.commit();
+    return id;
+}
+
 } // namespace korvo

@@ -45,7 +45,7 @@ std::string failureText(const fs::path& file, const std::string& reason)
 
 ImportBatch::ImportBatch(Catalog& catalog, const ImportPlan& plan, const ImportFolder& folder,
     std::size_t shots, const Clock& clock, ImportResult& result)
-    : catalog_(catalog), plan_(plan), folder_(folder), clock_(clock), result_(result),
+    : catalog_(catalog), memory_(catalog), plan_(plan), folder_(folder), clock_(clock), result_(result),
       names_(catalog, folder.path(), plan.namingPattern, shots)
 { }
 
@@ -136,7 +136,7 @@ void ImportBatch::announce()
     for (const ImportedShot& shot : shots_)
         for (const ImportedFile& file : shot.files)
             if (!file.path.empty())
-                catalog_.announceImport(duplicateKey(file.file->file), file.path.native());
+                memory_.announce(duplicateKey(file.file->file), file.path.native());
     transaction.commit();
 }
 
@@ -157,7 +157,7 @@ void ImportBatch::move(ImportedShot& shot)
 
 void ImportBatch::notMoved(ImportedFile& file, const std::string& reason)
 {
-    catalog_.forgetAnnounced(file.path.native());
+    memory_.forgetAnnounced(file.path.native());
     fail(file, reason);
 }
 
@@ -176,7 +176,7 @@ void ImportBatch::store()
             if (file.path.empty())
                 continue;
             if (folder_)
-                catalog_.forgetAnnounced(file.path.native());
+                memory_.forgetAnnounced(file.path.native());
             if (!file.file->isSidecar)
                 storePhoto(file);
         }
@@ -196,7 +196,7 @@ void ImportBatch::storePhoto(ImportedFile& file)
     const auto [id, isNew] = catalog_.addPhotos(std::span(&photo, 1)).front();
     if (!isNew && folder_)
         return fail(file, file.path.string() + " has become another photo's meanwhile; import it again");
-    catalog_.forgetLeft(file.file->key);
+    memory_.forgetLeft(file.file->key);
     if (!isNew) {
         ++result_.known;
         return;
@@ -207,7 +207,7 @@ void ImportBatch::storePhoto(ImportedFile& file)
     catalog_.changeMetadata(ids, plannedChange(plan_, photo.metadata), WriteBack::pending);
     if (const auto into = project(file, photo.fileDate.value()))
         catalog_.assignToProject(ids, into);
-    catalog_.rememberImport(duplicateKey(file.file->file), id);
+    memory_.remember(duplicateKey(file.file->file), id);
 }
 
 std::optional<std::int64_t> ImportBatch::project(const ImportedFile& file, UnixTime fileDate)

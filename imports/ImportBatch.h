@@ -57,6 +57,7 @@ private:
     void fail(ImportedFile& file, const std::string& reason);
 
     Catalog& catalog_;
+    ImportMemory memory_;
     const ImportPlan& plan_;
     const ImportFolder& folder_;
     const Clock& clock_;

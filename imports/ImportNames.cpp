@@ -27,7 +27,7 @@ std::optional<std::string> knownBase(
     Catalog& catalog, const fs::path& folder, const std::vector<Shot::File>& known)
 {
     for (const auto& file : known)
-        if (const auto path = catalog.importedPath(duplicateKey(file.file)))
+        if (const auto path = ImportMemory(catalog).path(duplicateKey(file.file)))
             if (auto base = baseIn(folder, *path, file.suffix))
                 return base;
     return std::nullopt;
@@ -58,7 +58,7 @@ std::vector<NamedFile> ImportNames::claim(
 ImportNames::Names ImportNames::announced(std::span<const UnnamedFile> files)
 {
     for (const auto& file : files)
-        for (const fs::path path : catalog_.announcedPaths(file.key)) {
+        for (const fs::path path : memory_.announcedPaths(file.key)) {
             const auto base = baseIn(folder_, path, file.suffix);
             if (base && holdsSame(path, file))
                 if (auto names = tryBase(*base, files))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalog/Catalog.h"
+#include "catalog/ImportMemory.h"
 #include "imports/ImportPlan.h"
 #include "imports/Naming.h"
 
@@ -42,7 +42,8 @@ class ImportNames {
 public:
     /// `catalog` must outlive this. `total` is the number of shots.
     ImportNames(Catalog& catalog, std::filesystem::path folder, std::string pattern, std::size_t total)
-        : catalog_(catalog), folder_(std::move(folder)), pattern_(std::move(pattern)), total_(total)
+        : catalog_(catalog), memory_(catalog), folder_(std::move(folder)), pattern_(std::move(pattern)),
+          total_(total)
     { }
 
     /// The names of the files of one shot, which have the base name in common, also with those of its photos
@@ -61,6 +62,7 @@ private:
     bool holdsSame(const std::filesystem::path& path, const UnnamedFile& file);
 
     Catalog& catalog_;
+    ImportMemory memory_;
     std::filesystem::path folder_;
     std::string pattern_;
     std::size_t total_;

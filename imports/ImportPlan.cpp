@@ -3,6 +3,7 @@
 #include "base/FoldedText.h"
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
+#include "catalog/ImportMemory.h"
 #include "imports/Naming.h"
 
 #include <algorithm>
@@ -36,7 +37,7 @@ std::unordered_set<std::string> knownKeys(Catalog& catalog)
     std::unordered_set<std::string> keys;
     for (const auto& [filename, size] : catalog.knownFiles())
         keys.insert(duplicateKey(filename, static_cast<std::uint64_t>(size)));
-    for (auto& key : catalog.importedKeys())
+    for (auto& key : ImportMemory(catalog).keys())
         keys.insert(std::move(key));
     return keys;
 }
@@ -117,7 +118,7 @@ ImportListing listImportable(FileSource& source, Catalog& catalog, const std::st
         listing.candidates.push_back(
             {.file = std::move(file), .isDuplicate = known.contains(key), .twins = seen[key]++});
     }
-    const auto unfinished = catalog.unfinishedImport();
+    const auto unfinished = ImportMemory(catalog).unfinished();
     for (Candidate& candidate : listing.candidates)
         if (seen.at(duplicateKey(candidate.file)) > 1
             && unfinished.left.contains(keyAmongTwins(candidate.file, candidate.twins)))

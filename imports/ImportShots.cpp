@@ -41,7 +41,7 @@ void note(Catalog& catalog, const std::vector<Shot>& shots, UnfinishedImport imp
         for (const Shot::File& file : shot.files)
             if (!file.isSidecar)
                 import.left.emplace(file.key, shot.number);
-    catalog.beginImport(import);
+    ImportMemory(catalog).begin(import);
 }
 
 } // namespace
@@ -63,7 +63,7 @@ std::size_t numberShots(Catalog& catalog, std::vector<Shot>& shots, const std::s
     const auto total = static_cast<std::size_t>(end - shots.begin());
     if (total == 0)
         return 0;
-    const auto earlier = catalog.unfinishedImport();
+    const auto earlier = ImportMemory(catalog).unfinished();
     for (auto shot = shots.begin(); shot != end; ++shot)
         shot->number = earlierNumber(*shot, earlier);
     if (earlier.target == target

@@ -1,3 +1,4 @@
+#include "catalog/ImportMemory.h"
 #include "imports/FolderFiles.h"
 #include "imports/ImportWindow.h"
 #include "tests/support/TestLibrary.h"
@@ -53,12 +54,12 @@ TEST(ImportPlan, duplicatesAreKnownByNameAndSizeOfMastersAndOfEarlierImports)
     addMaster(library, "/p/img_0002.jpg", 7);
     addMaster(library, "/p/Straße.jpg", 4); // folds to the same, but is another name
     const auto umlaut = addMaster(library, "/p/äb.JPG", 3);
-    library.catalog->rememberImport(duplicateKey("Renamed.JPG", 5), umlaut);
-    library.catalog->rememberImport(duplicateKey("gone.jpg", 9), 999);
+    ImportMemory(*library.catalog).remember(duplicateKey("Renamed.JPG", 5), umlaut);
+    ImportMemory(*library.catalog).remember(duplicateKey("gone.jpg", 9), 999);
     for (const char* name : {"twin.jpg", "left.jpg"})
-        library.catalog->rememberImport(duplicateKey(name, 2), umlaut);
-    library.catalog->beginImport({"", 3, {{"twin.jpg|2|1", 2}, {"left.jpg|2", 3}}});
-    library.catalog->announceImport(duplicateKey("IMG_0002.JPG", 10), "/p/on-its-way.jpg");
+        ImportMemory(*library.catalog).remember(duplicateKey(name, 2), umlaut);
+    ImportMemory(*library.catalog).begin({"", 3, {{"twin.jpg|2|1", 2}, {"left.jpg|2", 3}}});
+    ImportMemory(*library.catalog).announce(duplicateKey("IMG_0002.JPG", 10), "/p/on-its-way.jpg");
     library.catalog->database().exec("INSERT INTO photos (path, filename, added_at, file_size, version_of) "
                                      "VALUES ('/p/version.jpg', 'version.jpg', 1, 7, 1)");
     auto listing = list(library, {card.path()});

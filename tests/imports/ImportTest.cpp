@@ -1,5 +1,6 @@
 #include "app/AddFiles.h"
 #include "base/Text.h"
+#include "catalog/ImportMemory.h"
 #include "imports/FolderFiles.h"
 #include "imports/ImportRun.h"
 #include "tests/support/TestLibrary.h"
@@ -203,8 +204,9 @@ TEST_F(Import, twoFilesOfOneNameAndCompleteCopiesOfOthersAreToldApart)
         destination / "IMG_0003.JPG"); // by hand, or before a kill
     const auto killed = card.folder / "DCIM/100CANON/IMG_0004.JPG"; // by an import under other names
     fs::copy(killed, destination / "other-017.JPG");
-    library.catalog->announceImport(
-        duplicateKey("IMG_0004.JPG", fs::file_size(killed)), (destination / "other-017.JPG").native());
+    ImportMemory(*library.catalog)
+        .announce(
+            duplicateKey("IMG_0004.JPG", fs::file_size(killed)), (destination / "other-017.JPG").native());
     EXPECT_EQ(run({.copyTo = destination}).photos.size(), 302U);
     const auto copies = contents(destination);
     EXPECT_EQ(copies.at("IMG_0149.JPG"), photo("DCIM/100CANON/IMG_0149.JPG"));

@@ -1,4 +1,5 @@
-#include "catalog/Catalog.h"
+#include "catalog/ImportMemory.h"
+
 #include "catalog/Meta.h"
 
 #include <charconv>
@@ -7,7 +8,7 @@ namespace korvo {
 
 namespace {
 
-/// What the library remembers of imported files stands in its key/value store: "import|" and the file's key
+/// All of it stands in the library's key/value store: "import|" and the file's key
 /// lead to the photo's id, and, while the file is on its way, "importing|" and the path that it is about to
 /// have to its key. "importleft|" and the key of a file that is not stored yet lead to the number of its
 /// shot, and this to how many there are and where they go:
@@ -30,10 +31,10 @@ std::string leftKey(std::string_view key)
 
 } // namespace
 
-std::vector<std::string> Catalog::importedKeys() const
+std::vector<std::string> ImportMemory::keys() const
 {
     std::vector<std::string> keys;
-    auto database = lookingConnection();
+    auto database = catalog_.lookingConnection();
     // "}" follows "|".
     auto statement
         = database.prepare("SELECT substr(key, 8) FROM meta WHERE key > 'import|' AND key < 'import}' "
@@ -43,17 +44,17 @@ std::vector<std::string> Catalog::importedKeys() const
     return keys;
 }
 
-void Catalog::rememberImport(std::string_view key, PhotoID photo)
+void ImportMemory::remember(std::string_view key, PhotoID photo)
 {
     writeMeta(database_, metaKey(key), std::to_string(photo));
 }
 
-void Catalog::announceImport(std::string_view key, std::string_view path)
+void ImportMemory::announce(std::string_view key, std::string_view path)
 {
     writeMeta(database_, announcedKey(path), key);
 }
 
-std::vector<std::string> Catalog::announcedPaths(std::string_view key)
+std::vector<std::string> ImportMemory::announcedPaths(std::string_view key)
 {
     std::vector<std::string> paths;
     auto statement = database_.kept("SELECT substr(key, 11) FROM meta WHERE key > 'importing|' "
@@ -64,12 +65,12 @@ std::vector<std::string> Catalog::announcedPaths(std::string_view key)
     return paths;
 }
 
-void Catalog::forgetAnnounced(std::string_view path)
+void ImportMemory::forgetAnnounced(std::string_view path)
 {
     database_.run("DELETE FROM meta WHERE key = ?", announcedKey(path));
 }
 
-std::optional<std::string> Catalog::importedPath(std::string_view key)
+std::optional<std::string> ImportMemory::path(std::string_view key)
 {
     auto statement = database_.kept(
         "SELECT path FROM photos WHERE id = (SELECT CAST(value AS INTEGER) FROM meta WHERE key = ?)");
@@ -78,7 +79,7 @@ std::optional<std::string> Catalog::importedPath(std::string_view key)
     return statement.step() ? std::optional<std::string>(statement.text(0)) : std::nullopt;
 }
 
-void Catalog::beginImport(const UnfinishedImport& import)
+void ImportMemory::begin(const UnfinishedImport& import)
 {
     Transaction transaction(database_);
     database_.run("DELETE FROM meta WHERE key > 'importleft|' AND key < 'importleft}'");
@@ -88,7 +89,7 @@ void Catalog::beginImport(const UnfinishedImport& import)
     transaction.commit();
 }
 
-UnfinishedImport Catalog::unfinishedImport()
+UnfinishedImport ImportMemory::unfinished()
 {
     UnfinishedImport import;
     const auto begun = readMeta(database_, begunKey).value_or("");
@@ -104,20 +105,9 @@ UnfinishedImport Catalog::unfinishedImport()
     return import;
 }
 
-void Catalog::forgetLeft(std::string_view key)
+void ImportMemory::forgetLeft(std::string_view key)
 {
     database_.run("DELETE FROM meta WHERE key = ?", leftKey(key));
-}
-
-std::int64_t Catalog::projectAtRoot(std::string_view name)
-{
-    Transaction transaction(database_);
-    auto id = database_.scalar(
-        "SELECT id FROM projects WHERE parent_id IS NULL AND name = ? ORDER BY id LIMIT 1", name);
-    if (id == 0)
-        id = createProject(name, "project", std::nullopt);
-    transaction.commit();
-    return id;
 }
 
 } // namespace korvo
