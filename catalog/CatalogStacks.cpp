@@ -28,6 +28,15 @@ std::vector<PhotoID> membersOf(Database& database, std::string_view select, std:
     return members;
 }
 
+/// Of masters that are in no other stack, in their order.
+std::int64_t insertStack(Database& database, std::span<const PhotoID> masters, PhotoID pick)
+{
+    const auto id = database.insert("INSERT INTO stacks (pick_photo_id, collapsed) VALUES (?, 1)", pick);
+    for (std::int64_t position = 0; const PhotoID master : masters)
+        database.run(setPlace, id, position++, master, master);
+    return id;
+}
+
 } // namespace
 
 std::vector<Stack> Catalog::stacks()
@@ -75,9 +84,7 @@ std::int64_t Catalog::createStack(std::span<const PhotoID> photos, std::optional
     if (std::find(members.begin(), members.end(), top) == members.end())
         throw std::invalid_argument("the pick of a stack is one of its photos");
     const auto before = stacksOf("SELECT stack_id FROM photos WHERE id = ?", members);
-    const auto id = database_.insert("INSERT INTO stacks (pick_photo_id, collapsed) VALUES (?, 1)", top);
-    for (std::int64_t position = 0; const PhotoID member : members)
-        database_.run(setPlace, id, position++, member, member);
+    const auto id = insertStack(database_, members, top);
     repairStacks(before);
     transaction.commit();
     return id;
@@ -90,11 +97,13 @@ void Catalog::createStacks(const AutoStackPlan& plan)
         // The plan may be older than a stack that another process made, or a removal.
         std::vector<PhotoID> free;
         for (const PhotoID photo : plan.photos(group))
-            if (database_.scalar("SELECT COUNT(*) FROM photos WHERE id = ? AND stack_id IS NULL", photo) > 0)
+            if (database_.scalar(
+                    "SELECT 1 FROM photos WHERE id = ? AND stack_id IS NULL AND version_of IS NULL", photo)
+                != 0)
                 free.push_back(photo);
         const bool hasPick = std::find(free.begin(), free.end(), group.pick) != free.end();
         if (free.size() >= 2)
-            createStack(free, hasPick ? std::optional(group.pick) : std::nullopt);
+            insertStack(database_, free, hasPick ? group.pick : free.front());
     }
     transaction.commit();
 }

@@ -40,6 +40,8 @@ void MatchCounter::begin()
     } else {
         slices_.emplace(Slices{SmartAlbumMatcher(*rules_)});
         countSlice();
+        if (!result_)
+            changed.emit();
     }
 }
 

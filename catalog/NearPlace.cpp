@@ -10,12 +10,14 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace korvo {
 
 namespace {
 
+constexpr std::string_view northSouth = "ns", eastWest = "ew"; // positive first
 constexpr double earthDiameter = 12742; // kilometres
 constexpr double toRadians = std::numbers::pi / 180;
 /// Rounding must not put into the far what is just near enough.
@@ -35,33 +37,84 @@ bool isWord(std::string_view token)
     return std::find(words.begin(), words.end(), token) != words.end();
 }
 
-/// The three numbers of a text in words; nothing for any other number of them and for unknown words.
+bool isOfAxis(char letter, std::string_view letters)
+{
+    return letters.find(letter) != std::string_view::npos;
+}
+
+bool isCompassLetter(char letter)
+{
+    return isOfAxis(letter, "nesw");
+}
+
+struct WrittenNumber {
+    double value = 0;
+    char side = 0; // the compass letter beside it
+};
+
+/// A number with what people write at its ends: "10km", "48.1°n", "w11.5".
+std::optional<WrittenNumber> writtenNumber(std::string_view token)
+{
+    char side = 0;
+    for (const std::string_view unit : {"km", "kilometres", "kilometers"})
+        if (token.ends_with(unit))
+            token.remove_suffix(unit.size());
+    if (!token.empty() && isCompassLetter(token.back())) {
+        side = token.back();
+        token.remove_suffix(1);
+    } else if (!token.empty() && isCompassLetter(token.front())) {
+        side = token.front();
+        token.remove_prefix(1);
+    }
+    if (token.ends_with("°"))
+        token.remove_suffix(std::string_view("°").size());
+    const auto number = typedNumber(token);
+    return number ? std::optional(WrittenNumber{*number, side}) : std::nullopt;
+}
+
+/// The numbers of a text in words. A letter that stands by itself belongs to the number before it, where that
+/// has none yet and is of its axis, else to the next one. Nothing for unknown words and letters of no number.
+std::optional<std::vector<WrittenNumber>> writtenNumbers(std::string_view text)
+{
+    std::vector<WrittenNumber> numbers;
+    char sideOfNext = 0;
+    while (!text.empty()) {
+        const auto end = std::min(text.find_first_of(" \t\r\n,;|/"), text.size());
+        const auto token = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (token.empty() || isWord(token))
+            continue;
+        if (token.size() == 1 && isCompassLetter(token.front())) {
+            const bool closes = sideOfNext == 0 && numbers.size() > 1 && numbers.back().side == 0
+                && isOfAxis(token.front(), numbers.size() == 2 ? northSouth : eastWest);
+            (closes ? numbers.back().side : sideOfNext) = token.front();
+        } else if (auto number = writtenNumber(token); number && (sideOfNext == 0 || number->side == 0)) {
+            number->side = std::max(number->side, std::exchange(sideOfNext, '\0'));
+            numbers.push_back(*number);
+        } else {
+            return std::nullopt;
+        }
+    }
+    return sideOfNext == 0 ? std::optional(numbers) : std::nullopt;
+}
+
+/// A coordinate with its sign, where its letter is one of its axis and says nothing that the sign says too.
+double signedBy(const WrittenNumber& number, std::string_view axis)
+{
+    if (number.side == 0)
+        return number.value;
+    if (number.value < 0 || !isOfAxis(number.side, axis))
+        return std::nan("");
+    return number.side == axis[1] ? -number.value : number.value;
+}
+
 std::optional<NearPlace> fromWords(std::string_view text)
 {
-    std::vector<double> numbers;
-    while (!text.empty()) {
-        const auto end = std::min(text.find_first_of(" \t,;|/"), text.size());
-        auto token = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (token.ends_with("km"))
-            token.remove_suffix(2);
-        double side = 1;
-        if (!token.empty() && std::string_view("nesw").find(token.back()) != std::string_view::npos) {
-            side = token.back() == 's' || token.back() == 'w' ? -1 : 1;
-            token.remove_suffix(1);
-        }
-        if (token.ends_with("°"))
-            token.remove_suffix(std::string_view("°").size());
-        if (const auto number = typedNumber(token))
-            numbers.push_back(*number * side);
-        else if (token.empty() && side < 0 && !numbers.empty())
-            numbers.back() *= side; // "48.1 S"
-        else if (!token.empty() && !isWord(token))
-            return std::nullopt;
-    }
-    if (numbers.size() != 3)
+    const auto numbers = writtenNumbers(text);
+    if (!numbers || numbers->size() != 3 || numbers->front().side != 0)
         return std::nullopt;
-    return NearPlace{numbers[0], numbers[1], numbers[2]};
+    return NearPlace{
+        numbers->front().value, signedBy((*numbers)[1], northSouth), signedBy((*numbers)[2], eastWest)};
 }
 
 /// The member of the first name that is there.

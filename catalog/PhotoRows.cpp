@@ -1,5 +1,7 @@
 #include "catalog/PhotoRows.h"
 
+#include "base/Json.h"
+
 #include <algorithm>
 #include <functional>
 #include <iterator>
@@ -53,6 +55,13 @@ constexpr const char* columnNames[]
         "shutter", "capture_date", "people", "latitude", "longitude", "gps_read", "place"};
 static_assert(std::size(columnNames) == columnCount);
 
+/// What says that nothing is edited, written out.
+const std::string& noEdits()
+{
+    static const std::string json = toJson(PhotoEdits());
+    return json;
+}
+
 } // namespace
 
 /// The texts seen last, found by their hash: neighbours repeat each other's folder, camera and keywords. A
@@ -100,7 +109,8 @@ PhotoItem PhotoRows::item()
     item.filename = SharedText(file.substr(separator + 1));
     item.metadata
         = {text(altText), text(title), text(caption), shared(keywords), shared(creator), shared(copyright)};
-    item.editsJSON = text(edits);
+    if (const auto stored = statement_.text(at(edits)); stored != noEdits())
+        item.editsJSON = SharedText(stored);
     item.rating = static_cast<std::int32_t>(integer(rating));
     item.label = photoLabel(integer(Column::label)).value_or(PhotoLabel::none);
     item.flagged = flag(flagged);

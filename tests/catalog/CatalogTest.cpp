@@ -1,3 +1,4 @@
+#include "base/Json.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
@@ -208,6 +209,8 @@ TEST(Catalog, editsComeBackAndTheIdentityIsStoredAsNothing)
     library.catalog->saveEdits(only(id), PhotoEdits());
     EXPECT_FALSE(library.item(id).hasEdits());
     EXPECT_EQ(library.item(id).edits(), PhotoEdits());
+    library.catalog->database().run("UPDATE photos SET edits = ?", toJson(PhotoEdits())); // as others may
+    EXPECT_FALSE(library.item(id).hasEdits());
 }
 
 } // namespace korvo

@@ -187,13 +187,16 @@ TEST(NearPlace, isReadFromWhatItWritesAndFromWhatPeopleWrite)
 {
     const NearPlace place{10, 48.137, -11.575};
     EXPECT_EQ(text(place), "10 km of 48.137, -11.575");
-    for (const auto& written :
-        {text(place), std::string("10;48.137;-11.575"), std::string(" 10km of 48.137,-11.575"),
-            std::string("+10 KM of 48.137° N, 11.575°W"), std::string("10 48.137 n 11.575 W"),
-            std::string(R"({"kilometres":10,"latitude":48.137,"longitude":-11.575})"),
-            std::string(R"({"radius":10,"lat":48.137,"lng":-11.575})")})
+    for (const auto& written : {text(place), std::string("10;48.137;-11.575"),
+             std::string(" 10km of 48.137,-11.575"), std::string("+10 KM of 48.137° N, 11.575°W"),
+             std::string("10 48.137 n 11.575 W"), std::string("10 km of N 48.137, W 11.575"),
+             std::string("within 10 kilometres of N48.137° W11.575"),
+             std::string("10kilometers\tof 48.137\nW 11.575"),
+             std::string(R"({"kilometres":10,"latitude":48.137,"longitude":-11.575})"),
+             std::string(R"({"radius":10,"lat":48.137,"lng":-11.575})")})
         EXPECT_EQ(parseNearPlace(written), place) << written;
     for (const char* none : {"", "10", "10 km of Berlin", "1 2 3 4", "-1 2 3", "1 91 3", "1 2 181", "nan 2 3",
+             "10 km of 48W, 11N", "10 km of -48 S, 11", "10 S 48 11 W N", "10 km of N 48 S, 11", "10n 48 11",
              "{", "{}", R"({"km":"10","lat":1,"lon":2})"})
         EXPECT_FALSE(parseNearPlace(none)) << none;
 }
