@@ -9,6 +9,8 @@ namespace korvo {
 class Previews {
 public:
     static constexpr int thumbnailSize = 512; ///< pixels of the longer side
+    /// The sizes at which previews are kept.
+    static constexpr std::array sizes = {thumbnailSize, 1024, 2048, 4096};
 
     /// Both must outlive it.
     Previews(ImageReader& reader, PreviewCache& cache) : reader_(reader), cache_(cache) { }
@@ -16,15 +18,13 @@ public:
     /// The photo with its edits. Transparent pictures are shown over white. Throws ImageError.
     Bitmap preview(const RenderJob& job, const std::stop_token& stop);
 
-    /// The same as the JPEG that the cache holds.
-    std::vector<std::uint8_t> encoded(const RenderJob& job, const std::stop_token& stop);
+    /// The photo as it was shown last, for a file that is missing: at the size that comes nearest among those
+    /// kept. With edits that it was never shown with, they are drawn over what is kept of it without any.
+    std::optional<Bitmap> lastShown(const RenderJob& job, const std::stop_token& stop);
 
 private:
-    struct Rendered {
-        Bitmap image;
-        std::vector<std::uint8_t> bytes;
-    };
-    Rendered render(const RenderJob& job, const std::optional<PreviewKey>& key, const std::stop_token& stop);
+    std::optional<Bitmap> kept(const PreviewKey& key, const std::optional<std::string>& fileState);
+    std::optional<Bitmap> keptAtAnySize(RenderJob job, const std::stop_token& stop);
 
     ImageReader& reader_;
     PreviewCache& cache_;

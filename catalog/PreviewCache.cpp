@@ -18,10 +18,15 @@ namespace {
 /// Goes up when the same edits come to look different.
 constexpr auto renderer = "1";
 
+/// What stood there in an earlier form goes: it can be made again.
 constexpr auto schema = R"(
+    DROP TABLE IF EXISTS previews;
+    DROP TABLE IF EXISTS images;
+    DROP TABLE IF EXISTS total;
     CREATE TABLE images (id INTEGER PRIMARY KEY, data BLOB NOT NULL);
     CREATE TABLE previews (
-        key BLOB PRIMARY KEY, image INTEGER NOT NULL, bytes INTEGER NOT NULL, used INTEGER NOT NULL
+        key BLOB PRIMARY KEY, image INTEGER NOT NULL, bytes INTEGER NOT NULL, used INTEGER NOT NULL,
+        file_state TEXT NOT NULL
     ) WITHOUT ROWID;
     CREATE INDEX previews_used ON previews (used);
     CREATE TABLE total (id INTEGER PRIMARY KEY CHECK (id = 1), bytes INTEGER NOT NULL);
@@ -68,6 +73,11 @@ bool isDamage(int code)
     }
 }
 
+bool isReady(Database& database)
+{
+    return std::ranges::count(database.columnsOf("previews"), "file_state") > 0;
+}
+
 std::int64_t secondsOf(const Clock& clock)
 {
     return static_cast<std::int64_t>(clock.now());
@@ -75,22 +85,26 @@ std::int64_t secondsOf(const Clock& clock)
 
 } // namespace
 
-std::optional<PreviewKey> previewKey(const PreviewSubject& subject)
+PreviewKey previewKey(const PreviewSubject& subject)
 {
-    struct stat status { };
-    if (stat(subject.file.c_str(), &status) != 0)
-        return std::nullopt;
     Sha256 digest;
-    for (const auto& part :
-        {subject.file.native(), std::to_string(status.st_size), std::to_string(status.st_mtim.tv_sec),
-            std::to_string(status.st_mtim.tv_nsec), std::to_string(subject.size),
-            std::to_string(subject.variant), textOf(subject.edits), std::string(renderer)})
+    for (const auto& part : {subject.file.native(), std::to_string(subject.size),
+             std::to_string(subject.variant), textOf(subject.edits), std::string(renderer)})
         digest.add(Bytes(part.c_str(), part.size() + 1)); // with the NUL, which no path has inside
     const auto text = digest.finish();
     PreviewKey key{};
     for (std::size_t i = 0; i < key.size(); ++i)
         std::from_chars(&text[2 * i], &text[2 * i] + 2, key[i], 16);
     return key;
+}
+
+std::optional<std::string> previewState(const fs::path& file)
+{
+    struct stat status { };
+    if (stat(file.c_str(), &status) != 0)
+        return std::nullopt;
+    return std::to_string(status.st_size) + " " + std::to_string(status.st_mtim.tv_sec) + " "
+        + std::to_string(status.st_mtim.tv_nsec);
 }
 
 std::int64_t PreviewCache::usualBound(const fs::path& folder)
@@ -148,10 +162,10 @@ void PreviewCache::open(int number)
     database_.emplace(file(number));
     number_ = number;
     database_->exec("PRAGMA synchronous = NORMAL"); // a crash may cost the last previews, never the file
-    if (!database_->columnsOf("total").empty())
+    if (isReady(*database_))
         return;
     Transaction transaction(*database_);
-    if (database_->columnsOf("total").empty()) // nobody else was faster
+    if (!isReady(*database_)) // nobody else was faster
         database_->exec(schema);
     transaction.commit();
 }
@@ -189,35 +203,38 @@ void PreviewCache::use(const Use& use)
     }
 }
 
-std::optional<std::vector<std::uint8_t>> PreviewCache::find(const PreviewKey& key)
+std::optional<KeptPreview> PreviewCache::find(const PreviewKey& key)
 {
-    std::optional<std::vector<std::uint8_t>> image;
+    std::optional<KeptPreview> kept;
     use([&](Database& database) {
-        auto statement = database.kept(
-            "SELECT data, used FROM previews JOIN images ON images.id = previews.image WHERE key = ?");
+        auto statement = database.kept("SELECT data, used, file_state FROM previews JOIN images ON images.id "
+                                       "= previews.image WHERE key = ?");
         statement.bind(std::span<const std::uint8_t>(key));
         if (!statement.step())
             return;
         const auto bytes = statement.text(0);
-        image.emplace(bytes.begin(), bytes.end());
+        kept = {{bytes.begin(), bytes.end()}, std::string(statement.text(2))};
         if (statement.integer(1) + secondsBetweenUses < secondsOf(clock_))
             used_.push_back(key);
     });
     if (used_.size() >= usesInOneWrite)
         use([&](Database& database) { flushUses(database); });
-    return image;
+    return kept;
 }
 
-void PreviewCache::store(const PreviewKey& key, std::span<const std::uint8_t> image)
+void PreviewCache::store(
+    const PreviewKey& key, std::string_view fileState, std::span<const std::uint8_t> image)
 {
     use([&](Database& database) {
         Transaction transaction(database);
         const auto bytes = static_cast<std::int64_t>(image.size());
-        if (database.scalar("SELECT COUNT(*) FROM previews WHERE key = ?", std::span<const std::uint8_t>(key))
+        if (database.scalar("SELECT COUNT(*) FROM previews WHERE key = ? AND file_state = ?",
+                std::span<const std::uint8_t>(key), fileState)
             == 0) {
+            drop(database, key);
             const auto id = database.insert("INSERT INTO images (data) VALUES (?)", image);
-            database.run("INSERT INTO previews VALUES (?, ?, ?, ?)", std::span<const std::uint8_t>(key), id,
-                bytes, secondsOf(clock_));
+            database.run("INSERT INTO previews VALUES (?, ?, ?, ?, ?)", std::span<const std::uint8_t>(key),
+                id, bytes, secondsOf(clock_), fileState);
             database.run("UPDATE total SET bytes = bytes + ?", bytes);
             if (database.scalar("SELECT bytes FROM total") > mostBytes_) {
                 flushUses(database);
@@ -232,13 +249,18 @@ void PreviewCache::remove(const PreviewKey& key)
 {
     use([&](Database& database) {
         Transaction transaction(database);
-        const std::span<const std::uint8_t> bytes(key);
-        database.run(
-            "UPDATE total SET bytes = bytes - IFNULL((SELECT bytes FROM previews WHERE key = ?), 0)", bytes);
-        database.run("DELETE FROM images WHERE id = (SELECT image FROM previews WHERE key = ?)", bytes);
-        database.run("DELETE FROM previews WHERE key = ?", bytes);
+        drop(database, key);
         transaction.commit();
     });
+}
+
+void PreviewCache::drop(Database& database, const PreviewKey& key)
+{
+    const std::span<const std::uint8_t> bytes(key);
+    database.run(
+        "UPDATE total SET bytes = bytes - IFNULL((SELECT bytes FROM previews WHERE key = ?), 0)", bytes);
+    database.run("DELETE FROM images WHERE id = (SELECT image FROM previews WHERE key = ?)", bytes);
+    database.run("DELETE FROM previews WHERE key = ?", bytes);
 }
 
 void PreviewCache::flushUses(Database& database)

@@ -9,13 +9,11 @@ namespace korvo {
 
 namespace {
 
-/// The sizes at which previews are kept.
-constexpr std::array steps = {Previews::thumbnailSize, 1024, 2048, 4096};
-
+/// The size at which a preview for this one is kept; 0 for one that is too large.
 int keptSize(int size)
 {
-    const auto step = std::find_if(steps.begin(), steps.end(), [size](int s) { return s >= size; });
-    return size == 0 || step == steps.end() ? 0 : *step;
+    const auto kept = std::ranges::find_if(Previews::sizes, [size](int each) { return each >= size; });
+    return size == 0 || kept == Previews::sizes.end() ? 0 : *kept;
 }
 
 QImage imageOf(const Bitmap& bitmap)
@@ -23,6 +21,12 @@ QImage imageOf(const Bitmap& bitmap)
     const QImage view(bitmap.bytes.data(), bitmap.width, bitmap.height,
         static_cast<qsizetype>(bitmap.rowBytes()), QImage::Format_RGBX8888);
     return view.convertToFormat(QImage::Format_RGB32);
+}
+
+QString missingText(const std::filesystem::path& file)
+{
+    return "This is the last preview: the file is missing. Connect the disk that holds " + qt(file.native())
+        + ", or bring the file back there.";
 }
 
 /// Shrunk to the size, never enlarged.
@@ -105,6 +109,9 @@ void Pictures::work(const std::stop_token& stop)
             image = picture(*order);
         } catch (const std::exception& error) { // it is shown in the picture's place
             fault = qt(error.what());
+            image = lastPicture(*order);
+            if (!image.isNull())
+                fault = missingText(order->request.file);
         }
         main_.post([this, order, image, fault] {
             if (const auto done = std::exchange(order->done, nullptr)) {
@@ -135,6 +142,19 @@ QImage Pictures::picture(const Order& order)
     if (job.size == 0) // too large to be kept
         return fitted(imageOf(renderPhoto(reader_, job, stop).image), order.request.size);
     return fitted(imageOf(previews_.preview(job, stop)), order.request.size);
+}
+
+/// Of a file that is missing; null for others.
+QImage Pictures::lastPicture(const Order& order)
+{
+    if (previewState(order.request.file))
+        return {};
+    try {
+        const auto last = previews_.lastShown(jobOf(order.request), order.stop.get_token());
+        return last ? fitted(imageOf(*last), order.request.size) : QImage();
+    } catch (const std::exception&) { // why there is none has been said already
+        return {};
+    }
 }
 
 } // namespace korvo

@@ -35,7 +35,8 @@ PictureRequest pictureOf(const PhotoItem& item, int size, PicturePriority priori
 /// the main thread.
 class Pictures {
 public:
-    /// Exactly one of the two: a picture, or a sentence that says why there is none.
+    /// A picture, or a sentence that says why there is none. Both for a file that is missing: the picture is
+    /// then what was shown of it last.
     using Done = std::function<void(QImage picture, QString fault)>;
     /// Destroying it cancels the request; nothing is delivered then.
     using Handle = std::shared_ptr<void>;
@@ -58,6 +59,7 @@ private:
     void work(const std::stop_token& stop);
     std::shared_ptr<Order> next(const std::stop_token& stop);
     QImage picture(const Order& order);
+    QImage lastPicture(const Order& order);
 
     MainThread& main_;
     ImageReader& reader_;

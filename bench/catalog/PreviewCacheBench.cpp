@@ -28,6 +28,8 @@ PreviewKey keyOf(std::uint64_t number)
     return key;
 }
 
+constexpr auto state = "2000000 1700000000 123456789";
+
 /// Does the work for each number and prints how long one takes: in the middle, the longest.
 template <typename Work>
 void measure(const char* name, std::int64_t count, Work work)
@@ -56,7 +58,7 @@ int main(int argc, char** arguments)
     fmt::print("{} previews of {} bytes\n", count, bytes);
     measure("stored", count, [&](std::int64_t i) {
         clock.time += 1;
-        cache.store(keyOf(static_cast<std::uint64_t>(i)), image);
+        cache.store(keyOf(static_cast<std::uint64_t>(i)), state, image);
     });
     std::mt19937_64 random(1);
     measure("found", count / 100, [&](std::int64_t) {
@@ -67,7 +69,7 @@ int main(int argc, char** arguments)
         [&](std::int64_t i) { cache.find(keyOf(static_cast<std::uint64_t>(count + i))); });
     measure("stored in the place of the oldest", count / 100, [&](std::int64_t i) {
         clock.time += 1;
-        cache.store(keyOf(static_cast<std::uint64_t>(2 * count + i)), image);
+        cache.store(keyOf(static_cast<std::uint64_t>(2 * count + i)), state, image);
     });
     measure("opened", 20, [&](std::int64_t) {
         const PreviewCache other(folder.path(), count * static_cast<std::int64_t>(bytes), clock);

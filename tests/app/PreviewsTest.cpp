@@ -30,11 +30,13 @@ public:
         ++reads;
         Bitmap image(request.size, request.size);
         std::fill(image.bytes.begin(), image.bytes.end(), value);
+        for (std::size_t alpha = 3; value > 0 && alpha < image.bytes.size(); alpha += 4)
+            image.bytes[alpha] = 255;
         return {std::move(image), 4 * request.size, 4 * request.size, {}};
     }
 
     int reads = 0;
-    std::uint8_t value = 255; ///< of all channels
+    std::uint8_t value = 255; ///< of all colours; 0 is transparent
 };
 
 class PreviewsTest : public ::testing::Test {
@@ -49,7 +51,7 @@ protected:
         return reader.reads - before;
     }
 
-    PreviewKey key(int size) const { return *previewKey({photo, {}, size}); }
+    PreviewKey key(int size) const { return previewKey({photo, {}, size}); }
 
     fs::path cacheFile() const
     {
@@ -98,6 +100,38 @@ TEST_F(PreviewsTest, rendersOnceForEachStateOfFileAndEdit)
     EXPECT_EQ(readsFor({folder / "gone.jpg", {}, 16}), 1) << "without a state there is nothing to keep it by";
 }
 
+TEST_F(PreviewsTest, showsAMissingFileAsItWasLast)
+{
+    PreviewCache cache(folder / "Previews", bound, clock);
+    Previews previews(reader, cache);
+    const RenderJob job{photo, {}, Previews::thumbnailSize};
+    auto larger = job, edited = job;
+    larger.size = 4096;
+    edited.edits.exposure = -1;
+    EXPECT_FALSE(previews.lastShown(job, {})) << "never shown";
+    previews.preview(job, {});
+    reader.value = 100;
+    folder.write("a.jpg", "written by another program");
+    previews.preview(job, {});
+    fs::remove(photo);
+    const auto green = [&](const RenderJob& of) { return previews.lastShown(of, {}).value().bytes[1]; };
+    EXPECT_NEAR(green(job), 100, 3) << "the newest";
+    EXPECT_NEAR(green(larger), 100, 3) << "at the size there is";
+    EXPECT_LT(green(edited), 80) << "edited since then";
+    folder.write("a.jpg", "back, but another picture");
+    reader.value = 200;
+    EXPECT_NEAR(previews.preview(job, {}).bytes[1], 200, 3);
+}
+
+TEST_F(PreviewsTest, aCacheOfAnEarlierFormIsMadeAnew)
+{
+    const RenderJob job{photo, {}, 16};
+    readsFor(job);
+    Database(cacheFile()).exec("ALTER TABLE previews DROP COLUMN file_state");
+    EXPECT_EQ(readsFor(job), 1);
+    EXPECT_EQ(readsFor(job), 0);
+}
+
 TEST_F(PreviewsTest, showsTransparentPicturesOverWhiteFromTheFirstTimeOn)
 {
     reader.value = 0;
@@ -112,17 +146,17 @@ TEST_F(PreviewsTest, forgetsWhatWasNotUsedForTheLongestTime)
     const std::vector<std::uint8_t> image(1000);
     PreviewCache cache(folder / "Previews", 10'500, clock);
     for (int size = 1; size <= 10; ++size, clock.time += 1000)
-        cache.store(key(size), image);
+        cache.store(key(size), "as it is", image);
     EXPECT_TRUE(cache.find(key(1)));
     clock.time += 1000;
-    cache.store(key(11), image);
+    cache.store(key(11), "as it is", image);
     for (const auto& [size, isKept] : {std::pair(1, true), {2, false}, {3, true}, {11, true}})
         EXPECT_EQ(cache.find(key(size)).has_value(), isKept) << size;
-    cache.store(key(11), image);
+    cache.store(key(11), "as it is", image);
     cache.remove(key(11));
     EXPECT_FALSE(cache.find(key(11)));
     for (int size = 12; size < 200; ++size)
-        cache.store(key(size), image);
+        cache.store(key(size), "as it is", image);
     EXPECT_LT(fs::file_size(cacheFile()), 200'000);
 }
 
@@ -141,8 +175,8 @@ TEST_F(PreviewsTest, aDamagedCacheIsThrownAwayAndRebuilt)
     {
         PreviewCache cache(folder / "Previews", bound, clock);
         const auto key = previewKey({photo, {}, job.size, static_cast<int>(job.source)});
-        cache.remove(key.value());
-        cache.store(key.value(), std::vector<std::uint8_t>(9));
+        cache.remove(key);
+        cache.store(key, previewState(photo).value(), std::vector<std::uint8_t>(9));
     }
     EXPECT_EQ(readsFor(job), 1) << "an image that is damaged";
     EXPECT_EQ(readsFor(job), 0);
@@ -162,7 +196,7 @@ TEST_F(PreviewsTest, aFullDiskOrALockCostsNoCache)
         const rlimit small{65'536, 65'536}; // bytes of a file, of which the log needs more
         setrlimit(RLIMIT_FSIZE, &small);
         PreviewCache cache(folder / "Previews", bound, clock);
-        cache.store(key(1), std::vector<std::uint8_t>(100'000));
+        cache.store(key(1), {}, std::vector<std::uint8_t>(100'000));
         _exit(cache.find(key(1)) ? 1 : 0);
     }
     int status = 0;
@@ -184,7 +218,7 @@ TEST_F(PreviewsTest, severalProcessesAndThreadsWriteAtOnce)
             workers.emplace_back([&, thread] {
                 for (int i = thread; i < images; i += threads)
                     cache.store(
-                        key(first + i), std::vector<std::uint8_t>(2000, static_cast<std::uint8_t>(i)));
+                        key(first + i), {}, std::vector<std::uint8_t>(2000, static_cast<std::uint8_t>(i)));
             });
     };
     for (int process = 0; process < processes; ++process)

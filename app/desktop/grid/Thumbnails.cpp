@@ -26,7 +26,7 @@ void Thumbnails::want(std::span<const PhotoItem* const> shown, std::span<const P
 
 void Thumbnails::load(const PhotoItem& item, PicturePriority priority, int pixels, double ratio)
 {
-    if (const Kept* const kept = kept_.object(item.id); kept && kept->shows(item, pixels))
+    if (const Kept* const kept = kept_.object(item.id); kept && kept->shows(item, pixels) && !kept->isDue())
         return;
     if (const auto running = loading_.find(item.id); running != loading_.end()
         && running->second.result.shows(item, pixels) && running->second.priority <= priority)

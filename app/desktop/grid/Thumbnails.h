@@ -27,7 +27,7 @@ public:
     struct Picture {
         QPixmap pixmap; ///< of an earlier edit or another size till the wanted one is there; null if there is
                         ///< none
-        bool isBroken = false; ///< the file is missing or cannot be read
+        bool isBroken = false; ///< the file is missing or cannot be read; what it showed before may be there
     };
     Picture find(PhotoID id) const;
 
@@ -38,10 +38,16 @@ private:
         SharedText file;
         SharedText edits;
         int pixels = 0;
+        std::chrono::steady_clock::time_point asked = std::chrono::steady_clock::now();
 
         bool shows(const PhotoItem& item, int wantedPixels) const
         {
             return pixels == wantedPixels && edits == item.editsJSON && file == item.filename;
+        }
+        /// Whether it is time to look again for a file that may be back.
+        bool isDue() const
+        {
+            return isBroken && std::chrono::steady_clock::now() - asked > std::chrono::seconds(2);
         }
     };
     struct Loading {

@@ -98,6 +98,7 @@ void PhotoFeed::clear()
     dropFull();
     shown_ = Shown::nothing;
     fault_.clear();
+    missing_.clear();
     screenSlot_ = LiveRenders::slot();
     placeholder_.reset();
 }
@@ -113,21 +114,21 @@ void PhotoFeed::wish()
     desktop_.decoded().wish(viewer_, std::move(wishes));
     renderScreen();
     renderFull();
-    if (shown_ == Shown::nothing && !isAtHand())
+    if (shown_ == Shown::nothing && !placeholder_ && !isAtHand())
         askForPlaceholder();
 }
 
 void PhotoFeed::askForPlaceholder()
 {
     const auto* const photo = item();
-    if (placeholder_ || !photo)
+    if (!photo)
         return;
     placeholder_
         = desktop_.pictures().load(pictureOf(*photo, Previews::thumbnailSize, PicturePriority::shown),
             [this](const QImage& image, const QString& fault) {
-                if (shown_ != Shown::nothing || image.isNull())
+                if (shown_ > Shown::placeholder || image.isNull())
                     return;
-                Q_UNUSED(fault); // the whole picture's own says more
+                missing_ = fault;
                 screen_ = {image, {}, {}};
                 shown_ = Shown::placeholder;
                 changed.emit();
@@ -171,9 +172,12 @@ void PhotoFeed::editsChanged()
         return;
     dropFull();
     if (desktop_.draft().isOpen()) // all pixels follow once the slider is let go
-        renderScreen();
-    else
-        wish();
+        return renderScreen();
+    if (!fault_.isEmpty()) { // of a missing photo, the stand-in is all there is
+        drawn_ = edits();
+        askForPlaceholder();
+    }
+    wish();
 }
 
 void PhotoFeed::dropFull()
@@ -222,6 +226,7 @@ void PhotoFeed::render(const LiveRenders::Slot& slot, std::shared_ptr<const Deco
         slot, {std::move(photo), edits(), size}, [this, &target, shown](const LivePicture& picture) {
             if (!picture.image)
                 return;
+            missing_.clear(); // it is back
             target = {imageOf(picture), {picture.fullWidth, picture.fullHeight}, picture.histogram};
             shown_ = std::max(shown_, shown);
             changed.emit();

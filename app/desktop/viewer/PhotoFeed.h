@@ -49,7 +49,7 @@ public:
     bool isPlaceholder() const { return shown_ == Shown::placeholder; }
     bool isLoading() const;
     /// Why there is no picture, or only an old one; empty when all is well.
-    const QString& fault() const { return fault_; }
+    const QString& fault() const { return missing_.isEmpty() ? fault_ : missing_; }
 
 private:
     enum class Shown { nothing, placeholder, quick, whole };
@@ -81,6 +81,7 @@ private:
     Picture screen_, full_;
     Shown shown_ = Shown::nothing;
     QString fault_;
+    QString missing_; // what is shown is what was kept of a file that is missing
     LiveRenders::Slot screenSlot_, fullSlot_;
     Pictures::Handle placeholder_;
     Connection arrived_, storeChanged_, draftChanged_;
