@@ -108,6 +108,12 @@ void MetadataWriteBack::count()
     }
 }
 
+const std::string* MetadataWriteBack::failureOf(PhotoID photo) const
+{
+    const auto found = failed_.find(photo);
+    return found == failed_.end() ? nullptr : &found->second;
+}
+
 void MetadataWriteBack::scheduleAutosave()
 {
     main_.assertCurrent();
@@ -192,7 +198,11 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
     saving_ = false;
     statusMessage_ = std::move(message);
     failures_ = result.failures;
-    failed_ = !result.failures.empty() || !result.fault.empty();
+    hasFailed_ = !result.failures.empty() || !result.fault.empty();
+    for (const PhotoID photo : result.touched)
+        failed_.erase(photo);
+    for (const auto& [photo, why] : result.failures)
+        failed_[photo] = why;
     store_.photosChanged(store_.catalog().withVersions(result.touched));
     dirtyCount_ = store_.catalog().dirtyCount();
     changed.emit();

@@ -7,6 +7,7 @@
 
 #include <stop_token>
 #include <string>
+#include <unordered_map>
 
 namespace korvo {
 
@@ -50,8 +51,10 @@ public:
     const std::string& statusMessage() const { return statusMessage_; }
     /// What went wrong with which photo in the last save or revert.
     const std::vector<FileFailure>& failures() const { return failures_; }
+    /// Why the photo's last save or revert failed, until it is saved or reverted; null when it did not.
+    const std::string* failureOf(PhotoID photo) const;
     /// Whether it could not write all that it was to, or nothing.
-    bool hasFailed() const { return failed_; }
+    bool hasFailed() const { return hasFailed_; }
     bool exiftoolMissing() const { return exiftoolMissing_; }
     Autosave autosaveToFiles() const { return autosave_; }
     /// Throws std::system_error when the preference cannot be kept.
@@ -84,11 +87,12 @@ private:
     Autosave autosave_;
     std::int64_t dirtyCount_;
     bool saving_ = false;
-    bool failed_ = false;
+    bool hasFailed_ = false;
     bool exiftoolMissing_ = false;
     std::string statusMessage_;
     std::stop_source stop_; // of what is running
     std::vector<FileFailure> failures_;
+    std::unordered_map<PhotoID, std::string> failed_; // also in saves before the last
     Connection storeChanged_;
     MainThread::Timer autosaveTask_;
     Task task_; // last, so that it ends first

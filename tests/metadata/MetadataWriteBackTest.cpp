@@ -102,6 +102,8 @@ TEST(MetadataWriteBack, countsWhatFailsAndDoesNotTryAgainByItself)
     EXPECT_EQ(library.writeBack->statusMessage(), "Saved 2, failed 1 — see marked photos.");
     EXPECT_EQ(library.writeBack->dirtyCount(), 1);
     EXPECT_TRUE(library.isDirty(2));
+    EXPECT_FALSE(library.writeBack->failureOf(1));
+    EXPECT_NE(library.writeBack->failureOf(2)->find("2.jpg"), std::string::npos);
     library.main.advance(1h);
     EXPECT_FALSE(library.writeBack->isSaving());
 
@@ -109,6 +111,7 @@ TEST(MetadataWriteBack, countsWhatFailsAndDoesNotTryAgainByItself)
     library.writeBack->saveMetadataToFiles();
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(library.writeBack->statusMessage(), "Saved metadata into 1 file.");
+    EXPECT_FALSE(library.writeBack->failureOf(2)) << "the mark goes with the save";
     library.writeBack->saveMetadataToFiles();
     EXPECT_FALSE(library.writeBack->isSaving()) << "nothing waits";
 }

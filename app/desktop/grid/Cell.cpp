@@ -62,7 +62,7 @@ std::vector<Badge> badgesOf(const Cell& cell)
                   badges.push_back({glyph, number, color});
           };
     add(cell.isBroken, warningGlyph, 0, theme::warning);
-    add(item.status.kind == PhotoItem::Status::Kind::error, warningGlyph, 0, theme::star);
+    add(cell.isUnsaved, warningGlyph, 0, theme::star);
     add(item.dirty, pencilGlyph);
     add(item.hasEdits(), slidersGlyph);
     add(cell.versions > 0, versionsGlyph, cell.versions + 1);

@@ -17,6 +17,7 @@ struct Cell {
     const PhotoItem* item = nullptr;
     QPixmap picture; // null while it is not there yet
     bool isBroken = false; // the file is missing or cannot be read
+    bool isUnsaved = false; // its metadata could not be written into the file
     bool isSelected = false;
     bool isCurrent = false; // and the grid has the focus
     bool isHovered = false;

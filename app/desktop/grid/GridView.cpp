@@ -6,6 +6,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include <algorithm>
 #include <unordered_set>
@@ -61,6 +62,7 @@ Cell GridView::cellAt(Index index) const
     return {.item = &item,
         .picture = std::move(pixmap),
         .isBroken = isBroken,
+        .isUnsaved = desktop_.session().writeBack().failureOf(item.id) != nullptr,
         .isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id),
         .isCurrent = hasFocus() && desktop_.browser().current() == item.id,
         .isHovered = hovered_ == index,
@@ -265,9 +267,35 @@ void GridView::scrollContentsBy(int, int dy)
     wantTimer_.start();
 }
 
+bool GridView::event(QEvent* event)
+{
+    if (event->type() == QEvent::ScreenChangeInternal) // its pixels may be finer
+        wantTimer_.start();
+    return QAbstractScrollArea::event(event);
+}
+
+/// What the warning signs of a cell mean.
+bool GridView::viewportEvent(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QAbstractScrollArea::viewportEvent(event);
+    const auto* const help = static_cast<QHelpEvent*>(event);
+    const auto index = indexAt(help->pos());
+    const auto* const item = index ? &itemAt(*index) : nullptr;
+    QStringList lines;
+    if (item && thumbnails_.find(item->id).isBroken)
+        lines << "The file is missing or cannot be read: " + qt(item->path().native());
+    if (const auto* const why = item ? desktop_.session().writeBack().failureOf(item->id) : nullptr)
+        lines << qt(*why);
+    QToolTip::showText(help->globalPos(), lines.join("\n"), viewport());
+    return true;
+}
+
 void GridView::changeEvent(QEvent* event)
 {
     QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange) // a disk may have been connected meanwhile
+        wantTimer_.start();
     if (event->type() == QEvent::FontChange) {
         geometry_ = CellGeometry(geometry_.pictureSize(), font());
         layOut();

@@ -57,15 +57,30 @@ void DescriptiveForm::setPhotos(std::vector<PhotoID> photos)
         return;
     for (auto* const field : fields_) {
         field->commit();
+        if (field->isTouched())
+            desktop_.fail(std::runtime_error("This was typed and could not be kept: " + utf8(field->text())));
         field->reset();
     }
     photos_ = std::move(photos);
+    isRead_ = false;
     setEnabled(!photos_.empty());
+}
+
+void DescriptiveForm::waitForTexts()
+{
+    if (isRead_)
+        return;
+    for (auto* const field : fields_) {
+        field->show({}, {});
+        field->setReadOnly(true);
+    }
 }
 
 void DescriptiveForm::show(const CommonMetadata& common)
 {
+    isRead_ = true;
     for (std::size_t place = 0; place < fields_.size(); ++place) {
+        fields_[place]->setReadOnly(false);
         const auto& text = common.text(place);
         const bool mixed = place == keywordsField ? common.keywordsDiffer() : !text && !photos_.empty();
         fields_[place]->show(text ? qt(*text) : QString(), mixed ? qt(mixedText) : QString());

@@ -23,6 +23,8 @@ public:
     void setPhotos(std::vector<PhotoID> photos);
     const std::vector<PhotoID>& photos() const { return photos_; }
     void show(const CommonMetadata& common);
+    /// Shows nothing and takes nothing until show(): those of the photos before would go to all of these.
+    void waitForTexts();
     /// In a list of photos without ALT text, Enter goes on to the next. `left` is how many there are.
     void workOffAltTexts(std::optional<std::size_t> left);
 
@@ -35,6 +37,7 @@ private:
 
     Desktop& desktop_;
     std::vector<PhotoID> photos_;
+    bool isRead_ = true; // the fields show those photos' texts
     std::array<FieldEdit*, 6> fields_{};
     SharedText keywords_; // those in common, as shown
     QLabel* altHint_;

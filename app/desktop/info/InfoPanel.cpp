@@ -61,6 +61,7 @@ InfoPanel::InfoPanel(MainWindow& window) : desktop_(window.desktop()), form_(new
     title_->setFont(bold);
     writeBackRow_ = makeWriteBackRow(window);
     layout->addWidget(writeBackRow_);
+    failure_ = warning(factLabel(*layout, "failure"));
     status_ = factLabel(*layout, "status");
     layout->addSpacing(6);
     layout->addWidget(form_);
@@ -151,7 +152,7 @@ void InfoPanel::readSlice()
         }
         if (next % 256 == 0 && time.elapsed() >= longestSlice) {
             slices_.start();
-            return;
+            return form_->waitForTexts();
         }
     }
     showRead();
@@ -164,6 +165,9 @@ void InfoPanel::showRead()
     const bool worksOff = source && source->kind == LibrarySource::Kind::noAltText;
     form_->workOffAltTexts(worksOff ? std::optional(desktop_.store().list().shown().size()) : std::nullopt);
     setOrHide(*unwritten_, qt(unwrittenText(reading_.waiting, form_->photos().size())));
+    const auto* const item = onlyPhoto();
+    const auto* const failure = item ? desktop_.session().writeBack().failureOf(item->id) : nullptr;
+    setOrHide(*failure_, failure ? "⚠ " + qt(*failure) : QString());
     showFacts();
     showWriteBack();
 }

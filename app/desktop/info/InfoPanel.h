@@ -60,6 +60,7 @@ private:
     QLabel* position_;
     QLabel* file_;
     QLabel* path_;
+    QLabel* failure_;
     QLabel* status_;
     Reading reading_;
     std::filesystem::path wantedFile_; // to be looked at

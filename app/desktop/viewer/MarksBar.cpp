@@ -20,8 +20,8 @@ constexpr int margin = 10;
 
 MarksBar::MarksBar(Desktop& desktop)
     : desktop_(desktop), storeChanged_(desktop.store().changed.connect([this](const LibraryChange& change) {
-          if (photo_ && std::ranges::find(change.photos, *photo_) != change.photos.end())
-              update();
+          if (photo_ && (change.list || std::ranges::find(change.photos, *photo_) != change.photos.end()))
+              update(); // another process's changes are told as a new list
       }))
 {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);

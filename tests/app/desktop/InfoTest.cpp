@@ -87,6 +87,27 @@ TEST(Info, keepsATextUntilItIsStored)
     EXPECT_EQ(t.listed(1).metadata.title, "First") << "a command acts on what was typed before it";
 }
 
+TEST(Info, takesNoTextForPhotosThatAreNotReadYet)
+{
+    TestWindow t(3);
+    DescriptiveForm form(*t.desktop);
+    CommonMetadata one;
+    one.add({.title = SharedText("One")});
+    form.setPhotos({1});
+    form.show(one);
+    form.setPhotos({2, 3});
+    form.waitForTexts();
+    QTest::keyClicks(&form.field(0), "more");
+    form.setPhotos({});
+    EXPECT_EQ(t.listed(2).metadata.title, "");
+    form.setPhotos({1});
+    form.show(one);
+    EXPECT_EQ(form.field(0).text(), "One");
+    QTest::keyClicks(&form.field(0), "+");
+    form.waitForTexts(); // they are only read again
+    EXPECT_TRUE(form.field(0).isTouched());
+}
+
 TEST(Info, worksOffAltTextsWithEnter)
 {
     TestWindow t(4);
