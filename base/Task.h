@@ -2,11 +2,13 @@
 
 #include "base/MainThread.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <stop_token>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace korvo {
 
@@ -48,6 +50,7 @@ public:
     {
         cancel();
         alive_ = std::move(other.alive_);
+        done_ = std::move(other.done_);
         thread_ = std::move(other.thread_);
         return *this;
     }
@@ -55,6 +58,9 @@ public:
 
     /// Whether the task holds work that has not been cancelled; it may have finished.
     explicit operator bool() const { return thread_.joinable(); }
+
+    /// Whether the work has come to its end, so that nobody would wait for it.
+    bool isDone() const { return !done_ || *done_; }
 
     /// Asks the work to stop without waiting. Nothing is delivered from now on.
     void requestStop()
@@ -70,17 +76,34 @@ public:
         requestStop();
         thread_ = {};
         alive_ = nullptr;
+        done_ = nullptr;
     }
 
 private:
     friend Task runInBackground(MainThread&, std::function<void(const Context&)>);
 
     std::shared_ptr<bool> alive_; // touched on the main thread only
+    std::shared_ptr<std::atomic<bool>> done_;
     std::jthread thread_;
 };
 
 /// Runs `work` on a thread of its own. `main` must outlive the task. Work catches its own errors and delivers
 /// them as results: one that escapes ends the program.
 [[nodiscard]] Task runInBackground(MainThread& main, std::function<void(const Task::Context&)> work);
+
+/// Tasks that were begun in vain and may take long to notice it, as those that wait for a disk or a camera:
+/// whoever leaves them here goes on at once. Destroying it waits for them. Used on the main thread.
+class LeftTasks {
+public:
+    void take(Task task)
+    {
+        task.requestStop();
+        std::erase_if(tasks_, [](const Task& left) { return left.isDone(); });
+        tasks_.push_back(std::move(task));
+    }
+
+private:
+    std::vector<Task> tasks_;
+};
 
 } // namespace korvo

@@ -43,7 +43,7 @@ DownloadError DownloadError::http(long status)
 
 DownloadError DownloadError::transport(const std::string& reason)
 {
-    return {Case::transport, "The download failed: " + reason};
+    return {Case::transport, "The download failed: " + reason + ". Check the connection and try again."};
 }
 
 DownloadError DownloadError::insecure(const std::string& reason)

@@ -16,6 +16,13 @@ Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clo
       draft_(store(), browser_), faceModel_(main, downloader_, applicationDataFolder()), jobs_(main)
 { }
 
+VolumeWatcher& Desktop::volumes()
+{
+    if (!volumes_)
+        volumes_ = std::make_unique<VolumeWatcher>(main_, volumeService_);
+    return *volumes_;
+}
+
 bool Desktop::isBusy()
 {
     return store().isReading() || store().isCounting() || pictures_.waiting() > 0 || decoded_.isBusy()

@@ -8,7 +8,9 @@
 #include "app/desktop/Pictures.h"
 #include "app/desktop/QtMainThread.h"
 #include "faces/FaceModelStore.h"
+#include "imports/VolumeWatcher.h"
 #include "platform/linux/CurlDownloader.h"
+#include "platform/linux/LinuxVolumes.h"
 #include "platform/linux/images/SystemImageReader.h"
 
 namespace korvo {
@@ -47,6 +49,10 @@ public:
     EditDraft& draft() { return draft_; }
     FaceModelStore& faceModel() { return faceModel_; }
     Jobs& jobs() { return jobs_; }
+    /// For tasks that nobody wants any more: the window never waits for them.
+    LeftTasks& leftTasks() { return leftTasks_; }
+    /// What photos can be imported from. Throws std::system_error when the system cannot be watched.
+    VolumeWatcher& volumes();
     const Clock& clock() const { return clock_; }
     Defaults& defaults() { return defaults_; }
     ImageReader& imageReader() { return reader_; }
@@ -87,6 +93,9 @@ private:
     CurlDownloader downloader_;
     FaceModelStore faceModel_;
     Jobs jobs_;
+    LinuxVolumes volumeService_;
+    std::unique_ptr<VolumeWatcher> volumes_; // from the first time on that it is asked for
+    LeftTasks leftTasks_;
 };
 
 } // namespace korvo

@@ -18,6 +18,12 @@ std::filesystem::path askFolder(const QString& title)
         QFileDialog::getExistingDirectory(nullptr, title, QFile::decodeName(picturesFolder().c_str())));
 }
 
+bool isLibrary(const std::filesystem::path& folder)
+{
+    std::error_code unreadable; // which the user is told
+    return !folder.empty() && std::filesystem::exists(folder / "catalog.sqlite", unreadable);
+}
+
 } // namespace
 
 std::optional<FirstStart> askAtFirstStart()
@@ -36,9 +42,12 @@ std::optional<FirstStart> askAtFirstStart()
             if (const auto folder = askFolder("Folder of Photos"); !folder.empty())
                 return FirstStart{library, {folder}};
         } else if (box.clickedButton() == other) {
-            if (const auto folder = askFolder("Open Library");
-                std::filesystem::exists(folder / "catalog.sqlite"))
+            if (const auto folder = askFolder("Open Library"); isLibrary(folder))
                 return FirstStart{folder, {}};
+            else if (!folder.empty())
+                QMessageBox::warning(nullptr, "Korvo",
+                    "There is no library in " + qt(folder.string())
+                        + ", or it cannot be read. Choose the folder that holds its catalog.sqlite.");
         } else {
             return std::nullopt;
         }

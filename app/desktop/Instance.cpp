@@ -30,12 +30,11 @@ Instance::Paths pathsIn(const QByteArray& bytes)
     return paths;
 }
 
-} // namespace
-
-bool Instance::bringForward(const std::filesystem::path& library, const Paths& add)
+/// Whether a program listens by that name, and has been told. One that is just loading is told later.
+bool bringForward(const QString& name, const Instance::Paths& add)
 {
     QLocalSocket socket;
-    socket.connectToServer(serverName(library));
+    socket.connectToServer(name);
     if (!socket.waitForConnected(patience))
         return false;
     for (const auto& path : add)
@@ -44,23 +43,40 @@ bool Instance::bringForward(const std::filesystem::path& library, const Paths& a
     return socket.state() == QLocalSocket::UnconnectedState || socket.waitForDisconnected(patience);
 }
 
-Instance::Instance(const std::filesystem::path& library, std::function<void(Paths add)> asked)
-    : server_(std::make_unique<QLocalServer>())
+} // namespace
+
+std::unique_ptr<Instance> Instance::begin(
+    const std::filesystem::path& library, const Paths& add, std::function<void(Paths add)> asked)
+{
+    const auto name = serverName(library);
+    if (bringForward(name, add))
+        return nullptr;
+    std::unique_ptr<Instance> instance(new Instance(std::move(asked)));
+    if (instance->server_->listen(name))
+        return instance;
+    if (bringForward(name, add)) // it began at the same time
+        return nullptr;
+    QLocalServer::removeServer(name); // what a killed program left
+    instance->server_->listen(name);
+    return instance;
+}
+
+Instance::Instance(std::function<void(Paths add)> asked) : server_(std::make_unique<QLocalServer>())
 {
     server_->setSocketOptions(QLocalServer::UserAccessOption);
     QObject::connect(
         server_.get(), &QLocalServer::newConnection, server_.get(), [this, asked = std::move(asked)] {
-            while (auto* const socket = server_->nextPendingConnection())
-                QObject::connect(socket, &QLocalSocket::disconnected, socket, [socket, asked] {
+            while (auto* const socket = server_->nextPendingConnection()) {
+                const auto read = [socket, asked] {
                     asked(pathsIn(socket->readAll()));
                     socket->deleteLater();
-                });
+                };
+                if (socket->state() == QLocalSocket::UnconnectedState)
+                    read();
+                else
+                    QObject::connect(socket, &QLocalSocket::disconnected, socket, read);
+            }
         });
-    const auto name = serverName(library);
-    if (!server_->listen(name)) { // what a killed program left
-        QLocalServer::removeServer(name);
-        server_->listen(name);
-    }
 }
 
 Instance::~Instance() = default;

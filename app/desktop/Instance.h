@@ -14,14 +14,17 @@ class Instance {
 public:
     using Paths = std::vector<std::filesystem::path>;
 
-    /// Whether a window of the library was there and has been told to come forward, and to add these.
-    static bool bringForward(const std::filesystem::path& library, const Paths& add = {});
+    /// From now on this program has the library's window: `asked` is called when another one wants it, not
+    /// before events are handled. Null when another program has it; that one has been told to come forward,
+    /// and to add these.
+    static std::unique_ptr<Instance> begin(
+        const std::filesystem::path& library, const Paths& add, std::function<void(Paths add)> asked);
 
-    /// From now on this program has the library's window. `asked` is called when another one wants it.
-    Instance(const std::filesystem::path& library, std::function<void(Paths add)> asked);
     ~Instance();
 
 private:
+    explicit Instance(std::function<void(Paths add)> asked);
+
     std::unique_ptr<QLocalServer> server_;
 };
 

@@ -81,9 +81,19 @@ std::shared_ptr<Job> Jobs::running() const
     return found == jobs_.end() ? nullptr : *found;
 }
 
+void Jobs::forget(std::span<const std::shared_ptr<Job>> seen)
+{
+    std::erase_if(jobs_,
+        [&](const auto& job) { return !job->isRunning() && std::ranges::find(seen, job) != seen.end(); });
+    changed.emit();
+}
+
 void Jobs::forgetEnded()
 {
-    std::erase_if(jobs_, [](const auto& job) { return !job->isRunning(); });
+    std::erase_if(jobs_, [](const auto& job) { return !job->isRunning() && job->failures().empty(); });
+    const auto hasEnded = [](const auto& job) { return !job->isRunning(); };
+    for (auto many = std::ranges::count_if(jobs_, hasEnded); many > mostKept; --many)
+        jobs_.erase(std::ranges::find_if(jobs_, hasEnded));
 }
 
 } // namespace korvo

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -72,7 +73,7 @@ private:
 };
 
 /// The long jobs of the window: each on a thread of its own, shown in the status line with progress, rate and
-/// cancel, never modal. Their failures are kept until the next job begins. Used on the main thread;
+/// cancel, never modal. Their failures are kept until the user has seen them. Used on the main thread;
 /// destroying it stops them all.
 class Jobs {
 public:
@@ -88,12 +89,18 @@ public:
     /// Starts a job; `finished` is called on the main thread at its end, cancelled or not.
     void start(std::string title, Work work, Finished finished = {});
 
-    /// The running ones, oldest first, after those that have ended lately and have failures.
+    /// Those that run and those that ended with failures that were not seen yet, oldest first.
     const std::vector<std::shared_ptr<Job>>& all() const { return jobs_; }
+    /// The oldest one that runs.
     std::shared_ptr<Job> running() const;
-    void forgetEnded();
+    /// The failures of these have been seen; those that run still are kept.
+    void forget(std::span<const std::shared_ptr<Job>> seen);
 
 private:
+    static constexpr std::ptrdiff_t mostKept = 20; // that have ended with failures
+
+    void forgetEnded();
+
     MainThread& main_;
     std::vector<std::shared_ptr<Job>> jobs_;
 };

@@ -3,17 +3,16 @@
 #include "app/Marking.h"
 #include "app/desktop/Adding.h"
 #include "app/desktop/MainWindow.h"
+#include "app/desktop/NewWindow.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
 #include "base/Text.h"
 #include "platform/AppFolders.h"
 
-#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
 #include <QUrl>
 
@@ -28,13 +27,6 @@ QString startFolder()
     return QFile::decodeName(picturesFolder().c_str());
 }
 
-/// Each library has a program of its own.
-void openInNewWindow(const QString& folder)
-{
-    if (!folder.isEmpty())
-        QProcess::startDetached(QCoreApplication::applicationFilePath(), {"--library", folder});
-}
-
 void openLibrary(MainWindow& window)
 {
     const QString folder = QFileDialog::getExistingDirectory(&window, "Open Library", startFolder());
@@ -43,13 +35,15 @@ void openLibrary(MainWindow& window)
     if (!std::filesystem::exists(pathOf(folder) / "catalog.sqlite"))
         throw std::runtime_error(
             "There is no library in " + utf8(folder) + ". Choose the folder that holds its catalog.sqlite.");
-    openInNewWindow(folder);
+    openInNewWindow(pathOf(folder));
 }
 
 void newLibrary(MainWindow& window)
 {
-    openInNewWindow(QFileDialog::getSaveFileName(&window, "New Library", startFolder() + "/New Library", {},
-        nullptr, QFileDialog::DontConfirmOverwrite));
+    const QString folder = QFileDialog::getSaveFileName(&window, "New Library",
+        startFolder() + "/New Library", {}, nullptr, QFileDialog::DontConfirmOverwrite);
+    if (!folder.isEmpty())
+        openInNewWindow(pathOf(folder));
 }
 
 void addFolder(MainWindow& window)

@@ -116,7 +116,7 @@ void MainWindow::addDropped(const QMimeData& dropped)
     std::vector<std::filesystem::path> paths;
     for (const auto& url : dropped.urls())
         if (url.isLocalFile())
-            paths.push_back(pathOf(url.toLocalFile()));
+            paths.push_back(pathOf(url));
     addToLibrary(desktop_, std::move(paths));
 }
 

@@ -1,10 +1,10 @@
 #include "app/desktop/PhotoDrag.h"
 
+#include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 
 #include <QDataStream>
 #include <QDrag>
-#include <QFile>
 #include <QIODevice>
 #include <QMimeData>
 #include <QPainter>
@@ -63,7 +63,7 @@ void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QP
     QList<QUrl> files;
     for (const PhotoItem* const item : items) {
         stream << static_cast<qint64>(item->id);
-        files << QUrl::fromLocalFile(QFile::decodeName(item->path().c_str()));
+        files << urlOf(item->path());
     }
     auto* const data = new QMimeData;
     data->setData(photosType, ids);

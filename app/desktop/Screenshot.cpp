@@ -1,6 +1,7 @@
 #include "app/desktop/Screenshot.h"
 
 #include "app/desktop/MainWindow.h"
+#include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 
 #include <QApplication>
@@ -55,12 +56,20 @@ QImage pictureOf(MainWindow& window)
     return picture.toImage();
 }
 
-void whenRead(MainWindow& window, const std::function<void()>& then)
+void failPicture(const std::string& why)
 {
-    if (window.desktop().store().isReading())
-        QTimer::singleShot(look, &window, [&window, then] { whenRead(window, then); });
-    else
+    std::fprintf(stderr, "korvo-desktop: %s\n", why.c_str());
+    QApplication::exit(1);
+}
+
+void whenRead(MainWindow& window, int looks, const std::function<void()>& then)
+{
+    if (!window.desktop().store().isReading())
         then();
+    else if (looks == 0)
+        failPicture("the library's photos were not read within a minute, so that there is no picture");
+    else
+        QTimer::singleShot(look, &window, [&window, looks, then] { whenRead(window, looks - 1, then); });
 }
 
 void show(MainWindow& window, Command command, const QString& file)
@@ -74,11 +83,10 @@ void show(MainWindow& window, Command command, const QString& file)
             if (quiet < quietLooks && ++looks < mostLooks)
                 return;
             timer->stop();
-            const bool written = pictureOf(window).save(file, "PNG");
-            if (!written)
-                std::fprintf(
-                    stderr, "korvo-desktop: the picture could not be written to %s\n", qPrintable(file));
-            QApplication::exit(written ? 0 : 1);
+            if (pictureOf(window).save(file, "PNG"))
+                QApplication::exit();
+            else
+                failPicture("the picture could not be written to " + utf8(file));
         });
     timer->start(look);
     window.commands().run(command); // last: a sheet may not return before it is closed
@@ -89,7 +97,7 @@ void show(MainWindow& window, Command command, const QString& file)
 void takeScreenshot(MainWindow& window, const ScreenshotRequest& request)
 {
     const auto command = commandOf(request.view);
-    whenRead(window, [&window, command, file = request.file] { show(window, command, file); });
+    whenRead(window, mostLooks, [&window, command, file = request.file] { show(window, command, file); });
 }
 
 } // namespace korvo

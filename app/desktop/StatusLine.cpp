@@ -6,8 +6,10 @@
 #include "base/Text.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
@@ -27,6 +29,19 @@ QString number(std::size_t value)
     return QLocale().toString(static_cast<qulonglong>(value));
 }
 
+QString jobText(const Job& job)
+{
+    const QString title = qt(job.title());
+    if (job.isCancelled())
+        return title + ": stopping…";
+    QString text = title + " " + number(job.done());
+    if (job.total() > 0)
+        text += " of " + number(job.total());
+    if (const double rate = job.perSecond(); rate >= 1)
+        text += ", " + number(static_cast<std::size_t>(rate)) + " a second";
+    return text;
+}
+
 /// How many photos, the last notice, what waits to be written, and the running job.
 class StatusLine : public QObject {
 public:
@@ -34,11 +49,13 @@ public:
 
 private:
     void showCounts();
+    void notice(const Notice& notice);
     void showNotice(const Notice& notice);
     void hideNotice();
     void showUnwritten();
     void sayWhatWasWritten();
     void showJob();
+    void cancelJob();
     void showFailures();
     template <typename Widget>
     Widget* add(Widget* widget, const char* accessibleName);
@@ -46,6 +63,7 @@ private:
     MainWindow& window_;
     Desktop& desktop_;
     bool saving_ = false;
+    std::vector<Notice> errors_; // that were not closed yet; the last one is shown
     QLabel* counts_;
     QLabel* notice_;
     QToolButton* undo_;
@@ -94,19 +112,19 @@ StatusLine::StatusLine(MainWindow& window)
         hideNotice();
         window_.commands().run(Command::undo);
     });
-    connect(close_, &QToolButton::clicked, this, [this] { hideNotice(); });
+    connect(close_, &QToolButton::clicked, this, [this] {
+        errors_.pop_back();
+        hideNotice();
+    });
     connect(
         unwritten_, &QToolButton::clicked, this, [this] { window_.commands().run(Command::saveMetadata); });
-    connect(cancel_, &QToolButton::clicked, this, [this] {
-        if (const auto job = desktop_.jobs().running())
-            job->cancel();
-    });
+    connect(cancel_, &QToolButton::clicked, this, [this] { cancelJob(); });
     connect(failures_, &QToolButton::clicked, this, [this] { showFailures(); });
     noticeTimer_.setSingleShot(true);
     connect(&noticeTimer_, &QTimer::timeout, this, [this] { hideNotice(); });
     connect(&jobTimer_, &QTimer::timeout, this, [this] { showJob(); });
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { showCounts(); });
-    noticed_ = desktop_.noticed.connect([this](const Notice& notice) { showNotice(notice); });
+    noticed_ = desktop_.noticed.connect([this](const Notice& said) { notice(said); });
     jobsChanged_ = desktop_.jobs().changed.connect([this] { showJob(); });
     writeBackChanged_ = desktop_.session().writeBack().changed.connect([this] { showUnwritten(); });
     hideNotice();
@@ -125,17 +143,26 @@ void StatusLine::showCounts()
     counts_->setText(text);
 }
 
+/// Notes pass; errors stay until each was closed, and come back after a note.
+void StatusLine::notice(const Notice& notice)
+{
+    if (notice.kind == Notice::Kind::error) {
+        std::erase_if(errors_, [&](const Notice& earlier) { return earlier.text == notice.text; });
+        errors_.push_back(notice);
+    }
+    showNotice(notice);
+}
+
 void StatusLine::showNotice(const Notice& notice)
 {
     const bool isError = notice.kind == Notice::Kind::error;
-    if (!isError && !notice.offersUndo && !close_->isHidden())
-        return; // an error stays until it is closed
     notice_->setText(qt(notice.text));
     notice_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
     notice_->setToolTip(qt(notice.text));
     notice_->show();
     undo_->setVisible(notice.offersUndo);
     close_->setVisible(isError);
+    close_->setText(errors_.size() > 1 ? "Close (" + number(errors_.size() - 1) + " more)" : "Close");
     if (isError)
         noticeTimer_.stop();
     else
@@ -144,6 +171,9 @@ void StatusLine::showNotice(const Notice& notice)
 
 void StatusLine::hideNotice()
 {
+    noticeTimer_.stop();
+    if (!errors_.empty())
+        return showNotice(errors_.back());
     for (QWidget* const widget : std::initializer_list<QWidget*>{notice_, undo_, close_})
         widget->hide();
 }
@@ -165,7 +195,7 @@ void StatusLine::showUnwritten()
 void StatusLine::sayWhatWasWritten()
 {
     const auto& writeBack = desktop_.session().writeBack();
-    showNotice({writeBack.hasFailed() ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
+    notice({writeBack.hasFailed() ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
 }
 
 void StatusLine::showJob()
@@ -173,32 +203,56 @@ void StatusLine::showJob()
     const auto job = desktop_.jobs().running();
     for (QWidget* const widget : std::initializer_list<QWidget*>{job_, progress_, cancel_})
         widget->setVisible(job != nullptr);
-    std::size_t failed = 0;
-    for (const auto& each : desktop_.jobs().all())
+    std::size_t failed = 0, running = 0;
+    for (const auto& each : desktop_.jobs().all()) {
         failed += each->failures().size();
+        running += each->isRunning() ? 1 : 0;
+    }
     failures_->setVisible(failed > 0);
     failures_->setText(qt(counted(failed, "failure")));
     if (!job)
         return jobTimer_.stop();
     jobTimer_.start(jobShown);
-    QString text = qt(job->title()) + " " + number(job->done());
-    if (job->total() > 0)
-        text += " of " + number(job->total());
-    if (const double rate = job->perSecond(); rate >= 1)
-        text += ", " + number(static_cast<std::size_t>(rate)) + " a second";
-    job_->setText(job->isCancelled() ? qt(job->title()) + ": stopping…" : text);
+    job_->setText(jobText(*job) + (running > 1 ? ", and " + number(running - 1) + " more" : QString()));
+    cancel_->setText(running > 1 ? "Cancel…" : "Cancel");
     progress_->setRange(0, job->total() > 0 ? 1000 : 0);
     if (job->total() > 0)
         progress_->setValue(static_cast<int>(1000 * job->done() / job->total()));
 }
 
+/// The only one that runs, or the one that is chosen of several.
+void StatusLine::cancelJob()
+{
+    QMenu menu;
+    std::shared_ptr<Job> only;
+    for (const auto& job : desktop_.jobs().all()) {
+        if (!job->isRunning())
+            continue;
+        only = job;
+        auto* const action = menu.addAction(jobText(*job).replace("&", "&&"));
+        action->setEnabled(!job->isCancelled());
+        connect(action, &QAction::triggered, &menu, [weak = std::weak_ptr(job)] {
+            if (const auto chosen = weak.lock())
+                chosen->cancel();
+        });
+    }
+    if (menu.actions().size() > 1)
+        menu.exec(cancel_->mapToGlobal(QPoint(0, -menu.sizeHint().height())));
+    else if (only)
+        only->cancel();
+    showJob();
+}
+
+/// Once the list is closed, what it showed has been seen.
 void StatusLine::showFailures()
 {
+    const auto jobs = desktop_.jobs().all();
     std::vector<std::string> failures;
-    for (const auto& job : desktop_.jobs().all())
+    for (const auto& job : jobs)
         for (auto& failure : job->failures())
             failures.push_back(std::move(failure));
-    korvo::showFailures(window_, failures);
+    connect(korvo::showFailures(window_, failures), &QDialog::finished, this,
+        [this, jobs] { desktop_.jobs().forget(jobs); });
 }
 
 } // namespace

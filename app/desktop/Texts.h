@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QUrl>
 
 #include <filesystem>
 #include <string>
@@ -24,6 +25,17 @@ inline std::string utf8(const QString& text)
 inline std::filesystem::path pathOf(const QString& text)
 {
     return text.toStdString();
+}
+
+/// The path of a local file's URL, byte for byte: names need not be UTF-8, which Qt's texts of them lose.
+inline std::filesystem::path pathOf(const QUrl& url)
+{
+    return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();
+}
+
+inline QUrl urlOf(const std::filesystem::path& path)
+{
+    return QUrl::fromEncoded("file://" + QByteArray::fromStdString(path.native()).toPercentEncoding("/"));
 }
 
 } // namespace korvo

@@ -13,6 +13,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFile>
 #include <QMessageBox>
 
 #include <algorithm>
@@ -20,6 +21,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <thread>
 
 namespace korvo {
 
@@ -49,7 +51,16 @@ QSize sizeOf(const QString& text)
     return size;
 }
 
-Options parsed(const QApplication& application)
+/// An argument byte for byte, as names need not be UTF-8.
+std::filesystem::path pathOfArgument(const QString& argument, int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i)
+        if (QFile::decodeName(argv[i]) == argument)
+            return std::filesystem::absolute(argv[i]);
+    return std::filesystem::absolute(pathOf(argument)); // a part of one, as in --library=DIR
+}
+
+Options parsed(const QApplication& application, int argc, char** argv)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription("Manages and edits photos that stay where they are.");
@@ -66,11 +77,11 @@ Options parsed(const QApplication& application)
     parser.process(application);
     Options options;
     if (parser.isSet("library"))
-        options.library = std::filesystem::absolute(pathOf(parser.value("library")));
+        options.library = pathOfArgument(parser.value("library"), argc, argv);
     if (parser.isSet("screenshot"))
         options.screenshot = {parser.value("screenshot"), parser.value("view"), sizeOf(parser.value("size"))};
     for (const auto& path : parser.positionalArguments())
-        options.add.push_back(std::filesystem::absolute(pathOf(path)));
+        options.add.push_back(pathOfArgument(path, argc, argv));
     return options;
 }
 
@@ -100,6 +111,25 @@ int show(Application& application, Desktop& desktop)
     return status;
 }
 
+/// What may hang - a network drive, a camera - must not keep a program without a window alive. All that is
+/// written is written so that its end at any moment loses nothing.
+void endSoon()
+{
+    std::thread([] {
+        std::this_thread::sleep_for(std::chrono::seconds(30));
+        std::_Exit(0);
+    }).detach();
+}
+
+int picture(Application& application, Desktop& desktop, const ScreenshotRequest& request)
+{
+    MainWindow window(desktop);
+    window.resize(request.size);
+    window.show();
+    takeScreenshot(window, request);
+    return show(application, desktop);
+}
+
 int run(Application& application, const Options& options)
 {
     FileDefaults defaults(userDefaultsFolder());
@@ -107,27 +137,32 @@ int run(Application& application, const Options& options)
     const auto start = startWith(options, defaults);
     if (!start)
         return 0;
-    if (!options.screenshot && Instance::bringForward(start->library, start->add))
-        return 0;
+    std::function<void(Instance::Paths)> comeForward; // before there is a window, nobody can be told
+    std::unique_ptr<Instance> instance;
+    if (!options.screenshot) {
+        instance = Instance::begin(
+            start->library, start->add, [&](Instance::Paths add) { comeForward(std::move(add)); });
+        if (!instance)
+            return 0;
+    }
     QtMainThread main;
     Desktop desktop(main, openLibrary(start->library, clock, defaults), clock, defaults);
+    if (options.screenshot)
+        return picture(application, desktop, *options.screenshot);
     MainWindow window(desktop);
-    if (options.screenshot) {
-        window.resize(options.screenshot->size);
-        window.show();
-        takeScreenshot(window, *options.screenshot);
-        return show(application, desktop);
-    }
-    const Instance instance(start->library, [&](Instance::Paths add) {
+    comeForward = [&](Instance::Paths add) {
         window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
         window.raise();
         window.activateWindow();
         addToLibrary(desktop, std::move(add));
-    });
+    };
     restoreWindow(window);
     window.show();
     addToLibrary(desktop, start->add);
-    return show(application, desktop);
+    const int status = show(application, desktop);
+    instance.reset(); // another start must not wait for this end
+    endSoon();
+    return status;
 }
 
 } // namespace
@@ -145,7 +180,7 @@ int main(int argc, char** argv)
     QGuiApplication::setDesktopFileName("org.korvo.Korvo");
     applyTheme(application);
     try {
-        return run(application, parsed(application));
+        return run(application, parsed(application, argc, argv));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "korvo-desktop: %s\n", error.what());
         if (QGuiApplication::platformName() != "offscreen")

@@ -41,6 +41,27 @@ TEST(Task, cancellingStopsTheWorkAndWithholdsWhatItPosted)
     EXPECT_EQ(delivered, 0);
 }
 
+TEST(LeftTasks, nobodyWaitsForWhatTakesLongToStop)
+{
+    ManualMainThread main;
+    std::atomic<bool> goOn = false, sawStop = false;
+    int delivered = 0;
+    {
+        LeftTasks left;
+        left.take(runInBackground(main, [&](const Task::Context& context) {
+            while (!goOn)
+                std::this_thread::yield();
+            sawStop = context.stopRequested();
+            context.deliver([&] { ++delivered; });
+        }));
+        left.take({});
+        goOn = true; // not before it was left
+    }
+    EXPECT_TRUE(sawStop);
+    main.runPending();
+    EXPECT_EQ(delivered, 0);
+}
+
 TEST(ManualMainThread, timersRunInOrderUnlessTheyAreDropped)
 {
     ManualMainThread main;

@@ -85,7 +85,7 @@ private:
         };
         desktop_.jobs().start("Auto Enhance", work, [this, proposals](const Job& job) {
             if (job.isCancelled())
-                return;
+                return desktop_.say("Auto was stopped. Nothing was changed.");
             desktop_.attempt([&] {
                 applyAuto(desktop_.store(), *proposals);
                 desktop_.say(job.summary(), proposals->empty() ? Offer::nothing : Offer::undo);

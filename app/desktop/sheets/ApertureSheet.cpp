@@ -1,15 +1,14 @@
 #include "app/ImportAperture.h"
 #include "app/RenderMatch.h"
+#include "app/desktop/NewWindow.h"
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "base/Text.h"
 
 #include <QCheckBox>
-#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFormLayout>
-#include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -22,6 +21,7 @@ namespace {
 class ApertureSheet : public QDialog {
 public:
     explicit ApertureSheet(MainWindow& window);
+    ~ApertureSheet() override { desktop_.leftTasks().take(std::move(looking_)); }
 
 private:
     QLayout* makeForm();
@@ -50,7 +50,7 @@ private:
     QPushButton* import_;
     std::weak_ptr<Job> job_;
     std::filesystem::path imported_;
-    Task looking_; // last, so that it ends first
+    Task looking_;
 };
 
 ApertureSheet::ApertureSheet(MainWindow& window)
@@ -122,19 +122,19 @@ void ApertureSheet::bundleChanged()
     import_->setEnabled(!bundle.empty());
     status_->clear();
     showVolumes({}, {});
-    if (std::error_code none; std::filesystem::is_directory(bundle, none))
-        lookForVolumes();
+    lookForVolumes();
 }
 
 void ApertureSheet::lookForVolumes()
 {
-    looking_.requestStop();
+    desktop_.leftTasks().take(std::exchange(looking_, {}));
     looking_ = runInBackground(
         desktop_.mainThread(), [this, bundle = pathOf(bundle_->edit().text())](const Task::Context& context) {
             std::map<std::string, std::size_t> volumes;
             std::string fault;
             try {
-                volumes = unreachableVolumes(bundle, {}, context.stopToken());
+                if (std::error_code none; std::filesystem::is_directory(bundle, none))
+                    volumes = unreachableVolumes(bundle, {}, context.stopToken());
             } catch (const std::exception& error) {
                 fault = error.what();
             }
@@ -243,9 +243,10 @@ void ApertureSheet::finished(const Job& job, const std::optional<ApertureImporte
 /// Each library has a window of its own.
 void ApertureSheet::openImported()
 {
-    QProcess::startDetached(
-        QCoreApplication::applicationFilePath(), {QStringLiteral("--library"), qt(imported_.native())});
-    close();
+    attemptIn(*this, [this] {
+        openInNewWindow(imported_);
+        close();
+    });
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <QDialogButtonBox>
 #include <QPushButton>
 #include <QSlider>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace korvo {
@@ -15,11 +16,13 @@ namespace {
 class AutoStackSheet : public QDialog {
 public:
     explicit AutoStackSheet(MainWindow& window);
+    ~AutoStackSheet() override { desktop_.leftTasks().take(std::move(task_)); }
 
 private:
     QLayout* makeSlider();
     void makeButtons();
     void readShots();
+    void begin(std::function<void(const Task::Context&)> work);
     void plan();
     void showPlan(AutoStackPlan plan);
     void stack();
@@ -32,9 +35,10 @@ private:
     QPushButton* stack_;
     std::shared_ptr<const std::vector<AutoStackShot>> shots_; // by time; none until they are sorted
     bool planning_ = false;
-    int planned_ = 0; // the interval whose plan is shown
+    int planned_ = 0; // the interval whose plan is shown or made
+    QTimer readAgain_; // once a second at most, while the photos change all the time
     Connection storeChanged_;
-    Task task_; // last, so that it ends first
+    Task task_;
 };
 
 AutoStackSheet::AutoStackSheet(MainWindow& window)
@@ -53,9 +57,12 @@ AutoStackSheet::AutoStackSheet(MainWindow& window)
     layout->addWidget(buttons_);
     resize(560, 520);
     slider_->setFocus();
+    readAgain_.setSingleShot(true);
+    readAgain_.setInterval(std::chrono::seconds(1));
+    connect(&readAgain_, &QTimer::timeout, this, [this] { readShots(); });
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
-        if (change.list || !change.photos.empty())
-            readShots();
+        if ((change.list || !change.photos.empty()) && !readAgain_.isActive())
+            readAgain_.start();
     });
     readShots();
 }
@@ -86,25 +93,29 @@ void AutoStackSheet::makeButtons()
     connect(buttons_, &QDialogButtonBox::accepted, this, [this] { stack(); });
 }
 
-/// Only what counts of the photos is copied here; a million of them are sorted elsewhere.
+/// Only what counts of the photos is copied here; a million of them are sorted elsewhere. The plan that is
+/// shown stays till the new one is there: what was stacked meanwhile is left out when it is carried out.
 void AutoStackSheet::readShots()
 {
     const auto& list = desktop_.store().list();
-    task_.requestStop();
-    shots_.reset();
-    planned_ = 0;
-    planning_ = false;
-    stack_->setEnabled(false);
-    task_ = runInBackground(desktop_.mainThread(),
-        [this,
-            all = std::make_shared<std::vector<AutoStackShot>>(autoStackShots(list.items(), list.shown()))](
-            const Task::Context& context) {
-            sortByTime(*all);
-            context.deliver([this, all] {
-                shots_ = all;
-                plan();
-            });
+    planning_ = true;
+    begin([this,
+              all = std::make_shared<std::vector<AutoStackShot>>(autoStackShots(list.items(), list.shown()))](
+              const Task::Context& context) {
+        sortByTime(*all);
+        context.deliver([this, all] {
+            shots_ = all;
+            planning_ = false;
+            planned_ = 0;
+            plan();
         });
+    });
+}
+
+void AutoStackSheet::begin(std::function<void(const Task::Context&)> work)
+{
+    desktop_.leftTasks().take(std::move(task_));
+    task_ = runInBackground(desktop_.mainThread(), std::move(work));
 }
 
 void AutoStackSheet::plan()
@@ -114,11 +125,9 @@ void AutoStackSheet::plan()
         return;
     planning_ = true;
     planned_ = interval;
-    stack_->setEnabled(false);
-    task_ = runInBackground(
-        desktop_.mainThread(), [this, shots = shots_, interval](const Task::Context& context) {
-            context.deliver([this, plan = AutoStackPlan(*shots, interval)] { showPlan(plan); });
-        });
+    begin([this, shots = shots_, interval](const Task::Context& context) {
+        context.deliver([this, plan = AutoStackPlan(*shots, interval)] { showPlan(plan); });
+    });
 }
 
 void AutoStackSheet::showPlan(AutoStackPlan plan)
@@ -132,7 +141,6 @@ void AutoStackSheet::showPlan(AutoStackPlan plan)
 
 void AutoStackSheet::stack()
 {
-    storeChanged_ = {};
     attemptIn(*this, [&] {
         desktop_.store().autoStack(preview_->plan());
         accept();

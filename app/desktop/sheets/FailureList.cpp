@@ -10,7 +10,7 @@
 
 namespace korvo {
 
-void showFailures(QWidget& parent, const std::vector<std::string>& failures)
+QDialog* showFailures(QWidget& parent, const std::vector<std::string>& failures)
 {
     auto* const dialog = new QDialog(&parent);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
@@ -21,12 +21,13 @@ void showFailures(QWidget& parent, const std::vector<std::string>& failures)
         text->appendPlainText(qt(failure));
     text->moveCursor(QTextCursor::Start);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::close);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     auto* const layout = new QVBoxLayout(dialog);
     layout->addWidget(text);
     layout->addWidget(buttons);
     dialog->resize(640, 320);
     dialog->show();
+    return dialog;
 }
 
 } // namespace korvo

@@ -5,6 +5,7 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sheets/SourceList.h"
 #include "base/Text.h"
+#include "platform/linux/LinuxVolumes.h"
 
 #include <QFileDialog>
 #include <QProgressBar>
@@ -13,6 +14,9 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+
+#include <condition_variable>
+#include <thread>
 
 namespace korvo {
 
@@ -23,6 +27,7 @@ namespace {
 class ImportSheet : public QDialog {
 public:
     explicit ImportSheet(MainWindow& window);
+    ~ImportSheet() override;
 
     void choose(const std::vector<std::filesystem::path>& paths) { sources_->add(paths); }
 
@@ -41,6 +46,8 @@ private:
     void chooseFiles();
     void list(const Source& source);
     void forgetSource();
+    std::shared_ptr<FileSource> stopListing();
+    void leave(std::shared_ptr<FileSource> files);
     void listed(Listed found);
     void pickAll(bool picked);
     void showState();
@@ -67,8 +74,8 @@ private:
     QProgressBar* progress_;
     QPushButton* failures_;
     QPushButton* import_;
-    std::weak_ptr<Job> job_;
-    std::vector<Task> listings_; // last, so that they end first; earlier ones may still be leaving a camera
+    std::vector<std::string> failed_; // in the last import
+    Task listing_;
 };
 
 ImportSheet::ImportSheet(MainWindow& window)
@@ -90,6 +97,11 @@ ImportSheet::ImportSheet(MainWindow& window)
     resize(1180, 720);
     sources_->setFocus();
     showState();
+}
+
+ImportSheet::~ImportSheet()
+{
+    leave(stopListing());
 }
 
 QWidget* ImportSheet::makeSources()
@@ -167,10 +179,7 @@ QLayout* ImportSheet::makeBottom()
     failures_ = new QPushButton(tr("Failures…"));
     failures_->setAutoDefault(false);
     failures_->hide();
-    connect(failures_, &QPushButton::clicked, this, [this] {
-        if (const auto job = job_.lock())
-            showFailures(*this, job->failures());
-    });
+    connect(failures_, &QPushButton::clicked, this, [this] { showFailures(*this, failed_); });
     auto* const close = new QPushButton(tr("Close"));
     close->setAutoDefault(false);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
@@ -204,17 +213,16 @@ void ImportSheet::chooseFiles()
 
 void ImportSheet::list(const Source& source)
 {
-    candidates_->show(nullptr, CandidateList::ShowPictures::no);
+    auto earlier = stopListing();
     source_ = source;
-    listed_ = {};
     state_ = ListingState::listing;
     options_->setSource(source);
     status_->clear();
     failures_->hide();
-    for (auto& earlier : listings_)
-        earlier.requestStop();
-    listings_.push_back(runInBackground(desktop_.mainThread(),
-        [this, source, &catalog = desktop_.store().catalog()](const Task::Context& context) {
+    listing_ = runInBackground(desktop_.mainThread(),
+        [this, source, earlier = std::move(earlier), &catalog = desktop_.store().catalog()](
+            const Task::Context& context) mutable {
+            earlier.reset(); // it may be the same camera, which only one can have
             auto found = std::make_shared<Listed>();
             try {
                 LinuxCameras cameras;
@@ -224,18 +232,31 @@ void ImportSheet::list(const Source& source)
                 found->fault = error.what();
             }
             context.deliver([this, found] { listed(std::move(*found)); });
-        }));
+        });
     showState();
 }
 
 void ImportSheet::forgetSource()
 {
-    for (auto& earlier : listings_)
-        earlier.requestStop();
-    candidates_->show(nullptr, CandidateList::ShowPictures::no);
-    listed_ = {};
+    leave(stopListing());
+    source_ = {};
     state_ = ListingState::nothingChosen;
     showState();
+}
+
+/// Returns what was listed till now. A listing that is under way hears of it later.
+std::shared_ptr<FileSource> ImportSheet::stopListing()
+{
+    candidates_->show(nullptr, CandidateList::ShowPictures::no);
+    desktop_.leftTasks().take(std::move(listing_));
+    return std::exchange(listed_, {}).files;
+}
+
+/// Cameras take their time.
+void ImportSheet::leave(std::shared_ptr<FileSource> files)
+{
+    desktop_.leftTasks().take(runInBackground(
+        desktop_.mainThread(), [left = std::move(files)](const Task::Context&) mutable { left.reset(); }));
 }
 
 void ImportSheet::listed(Listed found)
@@ -304,6 +325,28 @@ void ImportSheet::start()
     importFrom(std::move(plan));
 }
 
+/// Lets the volume go, and says so. What is not written yet may keep the system at it for minutes: when the
+/// job is stopped meanwhile, the system goes on by itself.
+std::string ejectedText(const ImportResult& result, const Source& source, const std::stop_token& stop)
+{
+    struct Ejecting {
+        std::mutex mutex;
+        std::condition_variable_any ended;
+        std::optional<std::string> text;
+    };
+    const auto ejecting = std::make_shared<Ejecting>();
+    std::thread([ejecting, result, source] {
+        LinuxVolumes volumes;
+        const auto ejected = ejectAfter(result, source, volumes);
+        const std::lock_guard lock(ejecting->mutex);
+        ejecting->text = ejected ? ". " + ejected->text : std::string();
+        ejecting->ended.notify_all();
+    }).detach();
+    std::unique_lock lock(ejecting->mutex);
+    ejecting->ended.wait(lock, stop, [&] { return ejecting->text.has_value(); });
+    return ejecting->text.value_or(". " + nameOf(source) + " is still being ejected.");
+}
+
 /// What the job needs goes with it: the window may be closed while it runs.
 void ImportSheet::importFrom(ImportPlan plan)
 {
@@ -326,11 +369,8 @@ void ImportSheet::importFrom(ImportPlan plan)
         for (auto& text : failuresOf(listing, result))
             job.fail(std::move(text));
         auto said = countsText(countsOf(listing, result));
-        if (plan->eject && !result.cancelled) {
-            LinuxVolumes volumes;
-            if (const auto ejected = ejectAfter(result, source, volumes))
-                said += ". " + ejected->text;
-        }
+        if (plan->eject && !result.cancelled)
+            said += ejectedText(result, source, job.stop());
         return said;
     };
     desktop_.jobs().start("Importing from " + nameOf(source_), work, [sheet, &desktop](const Job& job) {
@@ -338,7 +378,6 @@ void ImportSheet::importFrom(ImportPlan plan)
         if (sheet)
             sheet->finished(job);
     });
-    job_ = desktop_.jobs().all().back();
 }
 
 /// The candidates are looked at again, since the library now holds what was imported.
@@ -354,10 +393,11 @@ void ImportSheet::finished(const Job& job)
     sources_->setEnabled(true);
     progress_->hide();
     const auto said = job.summary();
-    const bool failed = !job.failures().empty();
-    list(source_);
+    failed_ = job.failures();
+    if (state_ != ListingState::nothingChosen) // the card may have been taken out meanwhile
+        list(source_);
     status_->setText(qt(said));
-    failures_->setVisible(failed);
+    failures_->setVisible(!failed_.empty());
 }
 
 } // namespace

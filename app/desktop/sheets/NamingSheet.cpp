@@ -32,6 +32,9 @@ private:
     void addPreset();
     void removePreset();
     void restore();
+    void replace(std::vector<NamingPreset> presets, int row);
+    void undo();
+    void forgetRemoved();
     void save();
     NamingPreset* current();
 
@@ -42,6 +45,8 @@ private:
     QLineEdit* pattern_ = new QLineEdit;
     QLabel* example_ = new QLabel;
     QToolButton* remove_ = nullptr;
+    QPushButton* undo_ = nullptr;
+    std::vector<std::vector<NamingPreset>> before_; // presets were taken away, until others are edited
 };
 
 NamingSheet::NamingSheet(MainWindow& window)
@@ -129,6 +134,12 @@ QWidget* NamingSheet::makeButtons()
     auto* const restore
         = buttons->addButton(qt(namingPresetEditor::restoreDefaults), QDialogButtonBox::ResetRole);
     auto* const done = buttons->addButton(qt(namingPresetEditor::done), QDialogButtonBox::AcceptRole);
+    undo_ = buttons->addButton(tr("Undo"), QDialogButtonBox::ResetRole);
+    undo_->hide();
+    undo_->setObjectName("undo");
+    undo_->setToolTip(tr("Brings back the presets that were just deleted or replaced"));
+    undo_->setAutoDefault(false);
+    connect(undo_, &QPushButton::clicked, this, [this] { undo(); });
     restore->setAutoDefault(false);
     done->setAutoDefault(false);
     connect(restore, &QPushButton::clicked, this, [this] { this->restore(); });
@@ -183,6 +194,7 @@ void NamingSheet::edit()
     auto* const preset = current();
     if (!preset)
         return;
+    forgetRemoved();
     preset->name = utf8(name_->text());
     preset->pattern = utf8(pattern_->text());
     list_->currentItem()->setText(name_->text());
@@ -191,6 +203,7 @@ void NamingSheet::edit()
 
 void NamingSheet::addPreset()
 {
+    forgetRemoved();
     presets_.push_back(NamingPreset::make(std::string(namingPresetEditor::newPreset), std::string("{name}")));
     fill(static_cast<int>(presets_.size()) - 1);
     name_->setFocus();
@@ -201,16 +214,38 @@ void NamingSheet::addPreset()
 void NamingSheet::removePreset()
 {
     const int row = list_->currentRow();
-    presets_.erase(presets_.begin() + row);
-    fill(row);
-    save();
+    auto left = presets_;
+    left.erase(left.begin() + row);
+    replace(std::move(left), row);
 }
 
 void NamingSheet::restore()
 {
-    presets_ = NamingPreset::defaults();
+    replace(NamingPreset::defaults(), 0);
+}
+
+void NamingSheet::replace(std::vector<NamingPreset> presets, int row)
+{
+    before_.push_back(std::exchange(presets_, std::move(presets)));
+    undo_->show();
+    fill(row);
+    save();
+}
+
+void NamingSheet::undo()
+{
+    presets_ = std::move(before_.back());
+    before_.pop_back();
+    undo_->setVisible(!before_.empty());
     fill(0);
     save();
+}
+
+/// To go back to them would take away what was typed since.
+void NamingSheet::forgetRemoved()
+{
+    before_.clear();
+    undo_->hide();
 }
 
 void NamingSheet::save()

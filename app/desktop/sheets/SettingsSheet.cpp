@@ -129,6 +129,9 @@ void SettingsSheet::showModel()
     const auto& state = desktop_.faceModel().state();
     const bool loads = state.which == ModelCase::downloading;
     modelState_->setText(qt(stateText(state)));
+    modelState_->setPalette({});
+    if (state.which == ModelCase::failed)
+        warning(modelState_);
     fetch_->setVisible(state.which == ModelCase::missing || state.which == ModelCase::failed);
     cancel_->setVisible(loads);
     remove_->setVisible(state.which == ModelCase::ready);

@@ -50,10 +50,15 @@ SourceList::SourceList(Desktop& desktop) : desktop_(desktop)
     fill();
 }
 
+SourceList::~SourceList()
+{
+    desktop_.leftTasks().take(std::move(cameraTask_));
+}
+
 void SourceList::watchVolumes()
 {
     try {
-        watcher_ = std::make_unique<VolumeWatcher>(desktop_.mainThread(), volumeService_);
+        watcher_ = &desktop_.volumes();
         volumesChanged_ = watcher_->changed.connect([this] { fill(); });
     } catch (const std::exception& error) {
         volumeFault_ = error.what(); // stands in the section

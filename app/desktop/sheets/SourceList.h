@@ -2,9 +2,7 @@
 
 #include "app/desktop/Desktop.h"
 #include "imports/ImportSource.h"
-#include "imports/VolumeWatcher.h"
 #include "platform/linux/LinuxCameras.h"
-#include "platform/linux/LinuxVolumes.h"
 
 #include <QTimer>
 #include <QTreeWidget>
@@ -16,6 +14,7 @@ class SourceList : public QTreeWidget {
 public:
     /// `desktop` must outlive it.
     explicit SourceList(Desktop& desktop);
+    ~SourceList() override;
 
     std::function<void(const Source&)> chosen;
     std::function<void()> gone; ///< what was chosen is no longer there
@@ -38,8 +37,7 @@ private:
     std::vector<Source> cameraSources() const;
 
     Desktop& desktop_;
-    LinuxVolumes volumeService_;
-    std::unique_ptr<VolumeWatcher> watcher_; // none when the system cannot be watched
+    VolumeWatcher* watcher_ = nullptr; // none when the system cannot be watched
     std::string volumeFault_;
     std::vector<ConnectedCamera> cameras_;
     std::string cameraFault_;
@@ -49,7 +47,7 @@ private:
     std::optional<std::string> current_; // what is chosen, by name and place
     QTimer cameraTimer_;
     Connection volumesChanged_;
-    Task cameraTask_; // last, so that it ends first
+    Task cameraTask_;
 };
 
 } // namespace korvo

@@ -1,7 +1,9 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
+#include "tests/platform/DiskService.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
@@ -11,6 +13,13 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QToolButton>
+#include <QTreeWidget>
+
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
 
 namespace korvo {
 
@@ -92,6 +101,8 @@ TEST(AutoStackSheet, previewsBeforeAnythingIsWritten)
     named<QSlider>(sheet, "Interval in seconds").setValue(20);
     EXPECT_TRUE(comesToSay(sheet, "Within 20 seconds: 1 stack from 2 photos"));
     EXPECT_TRUE(t.store().catalog().stacks().empty());
+    t.store().setRating(only(3), 4);
+    EXPECT_TRUE(named<QPushButton>(sheet, "Stack").isEnabled()) << "the plan stays until there is a new one";
     click(sheet, "Stack");
     EXPECT_EQ(t.store().catalog().stacks().size(), 1U);
     EXPECT_EQ(t.store().undoTitle(), "Auto-Stack");
@@ -125,6 +136,40 @@ TEST(ImportSheet, importsWhatIsPickedAndLeavesWhatTheLibraryHas)
     sheet.close();
 }
 
+TEST(ImportSheet, takesACardInAndLetsItGo)
+{
+    TestWindow t(0);
+    const auto card = t.folder / "card";
+    std::filesystem::create_directories(card);
+    if (mount("tmpfs", card.c_str(), "tmpfs", 0, "size=1m") != 0)
+        GTEST_SKIP() << "mounting is not allowed here: " << std::strerror(errno);
+    t.folder.write("card/DCIM/IMG_1.JPG", "no photo, but a file");
+    struct stat status { };
+    stat(card.c_str(), &status);
+    DiskService service;
+    service.showCard(status.st_dev, card);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", service.address().c_str());
+    QWidget& sheet = *showImportWindow(*t.window);
+    auto& places = *sheet.findChild<QTreeWidget*>();
+    QList<QTreeWidgetItem*> found;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        found = places.findItems("EOS_DIGITAL", Qt::MatchExactly | Qt::MatchRecursive);
+        return !found.isEmpty();
+    }));
+    Q_EMIT places.itemClicked(found.front(), 0);
+    EXPECT_TRUE(comesToSay(sheet, "1 of 1 photo will be imported"));
+    named<QLineEdit>(sheet, "Copy into a folder").setText((t.folder / "Copies").c_str());
+    named<QCheckBox>(sheet, "Eject after import").setChecked(true);
+    click(sheet, "Import 1 Photo");
+    EXPECT_TRUE(
+        comesToSay(sheet, "1 photo imported, 0 already in the library, 0 failed. EOS_DIGITAL ejected."));
+    EXPECT_FALSE(std::filesystem::exists(card / "DCIM"));
+    EXPECT_TRUE(std::filesystem::exists(t.folder / "Copies/IMG_1.JPG"));
+    sheet.close();
+    umount2(card.c_str(), MNT_DETACH); // in case it failed
+    qunsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
 TEST(NamingSheet, keepsEachChange)
 {
     TestWindow t(1);
@@ -142,6 +187,12 @@ TEST(NamingSheet, keepsEachChange)
     QWidget& again = *showNamingPresets(*t.window);
     click(again, "Restore Defaults");
     EXPECT_EQ(stored().size(), NamingPreset::defaults().size());
+    click(again, "Undo");
+    EXPECT_EQ(stored().back().name, "New Preset");
+    again.findChild<QListWidget*>()->setCurrentRow(0);
+    named<QToolButton>(again, "Delete the selected preset").click();
+    named<QToolButton>(again, "Add a preset").click();
+    EXPECT_FALSE(again.findChild<QPushButton*>("undo")->isVisible()) << "it would take away the new one";
 }
 
 TEST(Sheets, openByTheirCommands)

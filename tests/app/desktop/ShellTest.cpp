@@ -2,17 +2,44 @@
 #include "app/SidebarTree.h"
 #include "app/ViewMemory.h"
 #include "app/desktop/Instance.h"
+#include "app/desktop/Texts.h"
 #include "app/desktop/WindowMemory.h"
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/grid/GridView.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 
+#include <QDialog>
+#include <QLabel>
+#include <QMimeData>
 #include <QScrollBar>
+#include <QStatusBar>
+#include <QToolButton>
 
 namespace korvo {
 
 using IDs = std::vector<PhotoID>;
+
+namespace {
+
+/// What the status line shows, and its buttons.
+bool shows(const TestWindow& t, const char* text)
+{
+    for (const auto* const label : t.window->statusBar()->findChildren<QLabel*>())
+        if (label->isVisible() && label->text() == text)
+            return true;
+    return false;
+}
+
+QToolButton* visibleButton(const TestWindow& t, const QString& text)
+{
+    for (auto* const button : t.window->statusBar()->findChildren<QToolButton*>())
+        if (button->isVisible() && button->text() == text)
+            return button;
+    return nullptr;
+}
+
+} // namespace
 
 TEST(GridLayout, findsEachOfAMillionCellsAgain)
 {
@@ -150,13 +177,63 @@ TEST(Window, comesBackAsItWasLeft)
 TEST(Instance, aSecondStartBringsTheFirstWindowForward)
 {
     const TemporaryFolder folder;
-    EXPECT_FALSE(Instance::bringForward(folder.path()));
     int asked = 0;
-    const Instance first(
-        folder.path(), [&](const Instance::Paths& add) { asked += 1 + static_cast<int>(add.size()); });
-    EXPECT_TRUE(Instance::bringForward(folder.path() / "." / "", {"/a photo", "/b"}));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 3; }));
-    EXPECT_FALSE(Instance::bringForward(folder / "another"));
+    const auto ask = [&](const Instance::Paths& add) { asked += 1 + static_cast<int>(add.size()); };
+    const auto first = Instance::begin(folder.path(), {}, ask);
+    ASSERT_TRUE(first);
+    const auto never = [](const Instance::Paths&) { FAIL(); };
+    EXPECT_FALSE(Instance::begin(folder.path() / "." / "", {"/a photo", "/b"}, never));
+    EXPECT_FALSE(Instance::begin(folder.path(), {}, never)) << "also before the first handles any events";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return asked == 4; }));
+    EXPECT_TRUE(Instance::begin(folder / "another", {}, never));
+}
+
+TEST(StatusLine, keepsErrorsUntilEachIsClosed)
+{
+    TestWindow t(1);
+    t.desktop->fail(std::runtime_error("the first"));
+    t.desktop->fail(std::runtime_error("the second"));
+    t.desktop->fail(std::runtime_error("the second"));
+    t.desktop->say("Set Rating: 30 photos.", Offer::undo);
+    EXPECT_TRUE(shows(t, "Set Rating: 30 photos."));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows(t, "The second."); }, 10'000)) << "it comes back";
+    visibleButton(t, "Close (1 more)")->click();
+    EXPECT_TRUE(shows(t, "The first."));
+    visibleButton(t, "Close")->click();
+    EXPECT_FALSE(shows(t, "The first."));
+}
+
+TEST(StatusLine, keepsFailuresOfJobsUntilTheyWereSeen)
+{
+    TestWindow t(1);
+    auto& jobs = t.desktop->jobs();
+    const auto run = [&](const char* title, int failures) {
+        jobs.start(title, [failures](JobContext& job) {
+            for (int i = 0; i < failures; ++i)
+                job.fail("It is damaged.");
+            return std::string();
+        });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !jobs.running(); }));
+    };
+    run("Import", 2);
+    run("Auto", 0);
+    run("Export", 1);
+    visibleButton(t, "3 failures")->click();
+    run("Auto", 0);
+    EXPECT_TRUE(visibleButton(t, "3 failures")) << "as long as the list is open";
+    t.window->findChild<QDialog*>()->close();
+    EXPECT_FALSE(visibleButton(t, "3 failures"));
+}
+
+TEST(MainWindow, takesDroppedFilesWhateverBytesTheirNamesHave)
+{
+    TestWindow t(0);
+    const auto file = t.folder.write("caf\xe9 %41.jpg", "x");
+    QMimeData dropped;
+    dropped.setUrls({urlOf(file)});
+    t.window->addDropped(dropped);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return t.store().list().shown().size() == 1; }));
+    EXPECT_EQ(t.store().list().items()[0].path(), file);
 }
 
 TEST(MainWindow, livesBeforeItsPhotosAreThere)
