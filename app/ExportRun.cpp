@@ -52,7 +52,7 @@ public:
     try {
         const RenderJob render{photo.path(), photo.edits(), plan_.size};
         const ExportJob job{render, freePlace(photo, plan_, index, total), plan_.quality};
-        const auto isOriginal = [&](const fs::path& file) { return tools_.catalog.hasMaster(file.native()); };
+        const auto isOriginal = [&](const fs::path& file) { return tools_.catalog.isOriginal(file); };
         const auto done = exportPhoto(tools_.reader, tools_.exifTool, job, isOriginal, stop_);
         ++result.written;
         if (!done.note.empty())
@@ -89,6 +89,7 @@ ExportResult runExport(const ExportTools& tools, std::span<const PhotoItem> phot
     const std::stop_token& stop, const std::function<void(std::size_t)>& progress)
 {
     fs::create_directories(plan.folder);
+    removeUnfinishedExports(plan.folder);
     Run run(tools, plan, stop);
     for (std::size_t i = 0; i < photos.size() && !stop.stop_requested(); ++i) {
         run.write(photos[i], i + 1, photos.size());

@@ -1,7 +1,7 @@
 #include "app/ImportAperture.h"
 
 #include "app/Libraries.h"
-#include "metadata/ApertureFolders.h"
+#include "platform/ApertureBundles.h"
 
 #include <stdexcept>
 
@@ -14,7 +14,7 @@ namespace {
 /// Also of a folder that a link leads into a bundle.
 void refuseInsideABundle(const fs::path& folder)
 {
-    if (ApertureFolders().hold(fs::weakly_canonical(fs::absolute(folder)) / "catalog.sqlite"))
+    if (ApertureBundles().hold(fs::weakly_canonical(fs::absolute(folder)) / "catalog.sqlite"))
         throw std::runtime_error(
             folder.string() + ": lies in an Aperture library, which is never changed; choose another folder");
 }

@@ -1,14 +1,14 @@
 #include "app/PhotoExport.h"
 
-#include "base/Text.h"
+#include "base/Uuid.h"
 #include "metadata/Containers.h"
 #include "metadata/MetadataError.h"
+#include "platform/ApertureBundles.h"
 #include "platform/FileSync.h"
 #include "platform/PosixFile.h"
 
-#include <algorithm>
+#include <chrono>
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace korvo {
 
@@ -23,32 +23,37 @@ PictureFormat formatOf(const fs::path& file)
     throw std::invalid_argument(file.string() + ": the name must end in .jpg, .png, .webp or .tif");
 }
 
-bool isInApertureLibrary(const fs::path& file)
+/// Where a file is to stand: its folder without links, its name as it was given.
+fs::path placeOf(const fs::path& destination)
 {
-    return std::ranges::any_of(
-        file, [](const fs::path& part) { return asciiLower(part.native()).ends_with(".aplibrary"); });
+    const auto absolute = fs::absolute(destination);
+    return fs::weakly_canonical(absolute.parent_path()) / absolute.filename();
 }
 
 /// Refuses to write over a photo, by whatever name it is called.
 void checkIsNoOriginal(
-    const ExportJob& job, const fs::path& destination, const std::function<bool(const fs::path&)>& isOriginal)
+    const ExportJob& job, const fs::path& place, const std::function<bool(const fs::path&)>& isOriginal)
 {
+    const auto refuse
+        = [&](const char* why) { throw std::runtime_error(job.destination.string() + ": " + why); };
     std::error_code absent; // a file that is not there is not the photo's
-    if (fs::equivalent(job.destination, job.render.file, absent) || isOriginal(destination))
-        throw std::runtime_error(
-            job.destination.string() + ": is an original photo, which is never written over");
-    if (isInApertureLibrary(destination))
-        throw std::runtime_error(
-            job.destination.string() + ": lies in an Aperture library, which is never changed");
+    if (fs::equivalent(place, job.render.file, absent) || isOriginal(place)
+        || isOriginal(fs::absolute(job.destination).lexically_normal()))
+        refuse("is an original photo, which is never written over");
+    if (fs::is_symlink(place, absent))
+        refuse("is a link, which may lead to an original photo; name the file that it leads to");
+    if (ApertureBundles().hold(place))
+        refuse("lies in an Aperture library, which is never changed");
 }
+
+constexpr std::string_view unfinishedStart = ".korvo-export-";
 
 /// A file on its way, beside its place; removed unless it got there.
 class UnfinishedFile {
 public:
     explicit UnfinishedFile(const fs::path& place)
         : path_(place.parent_path()
-            / ("." + place.stem().string() + "." + std::to_string(getpid()) + ".part"
-                + place.extension().string()))
+            / (std::string(unfinishedStart) + Uuid::random().text() + place.extension().string()))
     { }
     ~UnfinishedFile()
     {
@@ -97,7 +102,7 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
     const std::function<bool(const fs::path&)>& isOriginal, const std::stop_token& stop)
 {
     const auto format = formatOf(job.destination);
-    const auto place = fs::weakly_canonical(fs::absolute(job.destination));
+    const auto place = placeOf(job.destination);
     checkIsNoOriginal(job, place, isOriginal);
     const auto photo = encodePhoto(reader, job.render, format, job.quality, stop);
     ExportedPhoto result{photo.width, photo.height, photo.note, {}};
@@ -111,6 +116,19 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
         }
     moveIntoPlace(file.path(), place);
     return result;
+}
+
+void removeUnfinishedExports(const fs::path& folder)
+{
+    constexpr std::chrono::days longest(1); // that writing one picture may take
+    const auto now = fs::file_time_type::clock::now();
+    std::error_code unknown; // what cannot be listed, dated or removed stays as it is
+    for (const auto& entry : fs::directory_iterator(folder, unknown))
+        if (entry.path().filename().native().starts_with(unfinishedStart)) {
+            const auto written = entry.last_write_time(unknown);
+            if (!unknown && now - written > longest)
+                fs::remove(entry.path(), unknown);
+        }
 }
 
 } // namespace korvo

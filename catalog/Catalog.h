@@ -72,6 +72,9 @@ public:
     std::vector<PhotoID> dirtyPhotos();
     bool contains(PhotoID id);
     bool hasMaster(std::string_view path);
+    /// Whether a file, by its absolute path, is one of the library's originals, under whatever name. Reads
+    /// all photos' sizes where the file is there and the library does not have its name.
+    bool isOriginal(const std::filesystem::path& file);
     /// File name and size of every master.
     std::vector<std::pair<std::string, std::int64_t>> knownFiles() const;
 

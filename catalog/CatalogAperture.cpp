@@ -1,7 +1,7 @@
 #include "catalog/Catalog.h"
 
-#include "base/Text.h"
 #include "catalog/Meta.h"
+#include "platform/ApertureBundles.h"
 
 #include <algorithm>
 
@@ -82,7 +82,7 @@ bool Catalog::mayBeWritten(PhotoID id)
 bool Catalog::isReadOnlyOriginal(std::string_view path)
 {
     const auto prefixes = aperturePrefixes();
-    return asciiLower(path).find(".aplibrary/") != std::string::npos
+    return liesInNamedBundle(path)
         || std::any_of(prefixes.begin(), prefixes.end(),
             [&](const std::string& prefix) { return path.starts_with(prefix); });
 }

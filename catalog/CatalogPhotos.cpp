@@ -205,6 +205,24 @@ bool Catalog::hasMaster(std::string_view path)
     return database_.scalar("SELECT COUNT(*) FROM photos WHERE path = ? AND version_of IS NULL", path) > 0;
 }
 
+bool Catalog::isOriginal(const std::filesystem::path& file)
+{
+    if (hasMaster(file.native()))
+        return true;
+    std::error_code absent; // then it is nobody's
+    const auto size = std::filesystem::file_size(file, absent);
+    if (absent)
+        return false;
+    // By another name, as links and file systems without case have them: the disk is asked of those few that
+    // are as long.
+    auto row = database_.kept("SELECT path FROM photos WHERE file_size = ? AND version_of IS NULL");
+    row.bind(static_cast<std::int64_t>(size));
+    while (row.step())
+        if (std::filesystem::equivalent(file, row.text(0), absent))
+            return true;
+    return false;
+}
+
 std::vector<std::pair<std::string, std::int64_t>> Catalog::knownFiles() const
 {
     std::vector<std::pair<std::string, std::int64_t>> files;

@@ -1,10 +1,10 @@
 #include "metadata/FileAdjustments.h"
 
 #include "catalog/DatabaseError.h"
-#include "metadata/ApertureFolders.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
 #include "metadata/MetadataFiles.h"
+#include "platform/ApertureBundles.h"
 
 namespace korvo {
 
@@ -33,7 +33,7 @@ FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
 {
     (void)tool.path(); // before anything is done
     FilesWritten result;
-    ApertureFolders aperture;
+    ApertureBundles aperture;
     const RunExifTool run = [&](const ExifToolArguments& call) { return tool.run(call, stop); };
     const auto ids = catalog.mastersOf(photos);
     for (std::size_t i = 0; i < ids.size() && !stop.stop_requested(); ++i) {

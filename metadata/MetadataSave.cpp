@@ -2,12 +2,12 @@
 
 #include "base/Json.h"
 #include "catalog/DatabaseError.h"
-#include "metadata/ApertureFolders.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/KeptExifTool.h"
 #include "metadata/MetadataError.h"
 #include "metadata/MetadataFiles.h"
+#include "platform/ApertureBundles.h"
 
 #include <fmt/format.h>
 
@@ -264,7 +264,7 @@ private:
 /// The masters of the photos, each once, whose files may be written.
 std::vector<PhotoID> writableMasters(Catalog& catalog, std::span<const PhotoID> photos)
 {
-    ApertureFolders aperture;
+    ApertureBundles aperture;
     auto masters = catalog.mastersOf(photos);
     std::erase_if(masters, [&](PhotoID id) {
         const auto record = catalog.fileRecord(id);
@@ -277,7 +277,7 @@ std::vector<PhotoID> writableMasters(Catalog& catalog, std::span<const PhotoID> 
 
 bool allInApertureLibraries(Catalog& catalog, std::span<const PhotoID> photos)
 {
-    ApertureFolders aperture;
+    ApertureBundles aperture;
     bool any = false;
     for (const PhotoID id : photos)
         if (const auto record = catalog.fileRecord(catalog.masterOf(id))) {

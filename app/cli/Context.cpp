@@ -59,14 +59,19 @@ Context::Context(GlobalOptions options, Defaults& defaults, const Clock& clock, 
     : options_(std::move(options)), defaults_(defaults), clock_(clock), stop_(std::move(stop))
 { }
 
-std::filesystem::path Context::libraryFolder() const
+std::optional<std::filesystem::path> Context::chosenFolder() const
 {
     if (options_.library)
         return *options_.library;
     if (const char* const named = std::getenv("KORVO_LIBRARY"); named && *named)
         return named;
-    if (const auto last = lastLibrary(defaults_))
-        return *last;
+    return lastLibrary(defaults_);
+}
+
+std::filesystem::path Context::libraryFolder() const
+{
+    if (const auto folder = chosenFolder())
+        return *folder;
     throw std::runtime_error(
         "no library yet: make one with \"korvo create DIR\", or name one with --library DIR");
 }
@@ -81,6 +86,12 @@ Catalog& Context::library()
         library_ = openLibrary(folder, clock_, defaults_);
     }
     return *library_;
+}
+
+Catalog* Context::libraryIfAny()
+{
+    const auto folder = chosenFolder();
+    return folder && std::filesystem::exists(*folder / "catalog.sqlite") ? &library() : nullptr;
 }
 
 std::optional<LibrarySource> Context::existingSource(const std::string& text)

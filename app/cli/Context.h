@@ -60,6 +60,8 @@ public:
     std::filesystem::path libraryFolder() const;
     /// The library in use, opened at the first call; never made. Throws also DatabaseError.
     Catalog& library();
+    /// The same, or null when there is none. Throws DatabaseError.
+    Catalog* libraryIfAny();
 
     /// The photos of the arguments, each once, in their order. Ids that the library does not hold are
     /// failures. Throws std::invalid_argument for what is no id and no source, and Interrupted.
@@ -84,6 +86,8 @@ public:
     bool hasFailures() const { return !failures_.empty(); }
 
 private:
+    std::optional<std::filesystem::path> chosenFolder() const;
+
     GlobalOptions options_;
     Defaults& defaults_;
     const Clock& clock_;

@@ -32,9 +32,10 @@ ExitCode renderCommand(Context& context, const RenderArguments& arguments)
     const auto photo = photoOrFile(context, arguments.photo, arguments.edits);
     const SystemExifTool system;
     SystemImageReader reader(*system.launcher, SystemImageReader::installedDecoder());
-    const auto isOriginal = [&](const std::filesystem::path& file) {
-        return photo.photo && context.library().hasMaster(file.native());
-    };
+    Catalog* const library = context.libraryIfAny();
+    const auto isOriginal
+        = [&](const std::filesystem::path& file) { return library && library->isOriginal(file); };
+    removeUnfinishedExports(std::filesystem::absolute(arguments.out).parent_path());
     const auto result = exportPhoto(reader, system.tool,
         {{photo.file, photo.edits, arguments.size}, arguments.out, arguments.quality}, isOriginal,
         context.stop());

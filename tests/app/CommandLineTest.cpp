@@ -249,9 +249,29 @@ TEST_F(CommandLine, rendersPhotosAndFilesIntoFiles)
     EXPECT_EQ(run("render " + source + " --out " + out + " --quality 101").exitCode, 2);
     const auto original = folder.write("photos/a.jpg", readFile(source));
     EXPECT_EQ(run("render 1 --out " + out + R"( --edits '{"exposure":1}')").exitCode, 1) << "no whole record";
-    EXPECT_EQ(run("render 1 --out " + (folder / "photos/b.jpg").string()).exitCode, 1) << "another original";
+    EXPECT_EQ(run("--library /nowhere render " + source + " --out " + out).exitCode, 0) << "it needs none";
     EXPECT_EQ(run("render 1 --out " + out).out, out + "  48 × 32\n");
     EXPECT_EQ(readFile(original), readFile(source));
+}
+
+TEST_F(CommandLine, rendersOverNoOriginalByWhateverName)
+{
+    const std::string source = KORVO_TEST_DATA "/images/turned6.jpg";
+    folder.write("photos/a.jpg", readFile(source));
+    const auto real = folder.write("elsewhere/real.jpg", "real");
+    std::filesystem::create_symlink(real, folder / "photos/link.jpg");
+    std::filesystem::create_directory_symlink(folder / "photos", folder / "led");
+    run("add " + (folder / "photos/link.jpg").string());
+    // as a file system shows it that does not mind case
+    std::filesystem::create_hard_link(folder / "photos/b.jpg", folder / "photos/B.JPG");
+    for (const std::string photo : {std::string("1"), source})
+        for (const auto* const name :
+            {"photos/b.jpg", "photos/B.JPG", "led/b.jpg", "photos/link.jpg", "elsewhere/real.jpg"}) {
+            const auto outcome = run("render " + photo + " --out " + (folder / name).string());
+            EXPECT_EQ(outcome.exitCode, 1) << photo << " to " << name;
+            EXPECT_NE(outcome.err.find("is an original photo"), std::string::npos) << outcome.err;
+        }
+    EXPECT_EQ(readFile(folder / "photos/b.jpg") + readFile(real), "xreal");
 }
 
 TEST_F(CommandLine, analysesPhotosAndStoresWhatIsProposed)

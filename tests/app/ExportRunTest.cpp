@@ -65,6 +65,20 @@ TEST_F(ExportRun, namesByThePatternReplacesNothingAndListsWhatFails)
     EXPECT_TRUE(std::filesystem::exists(out / "x a-3.png"));
 }
 
+TEST_F(ExportRun, removesWhatAKilledExportLeftInTheFolder)
+{
+    const auto left = folder.write("out/.korvo-export-1.jpg", "half"),
+               living = folder.write("out/.korvo-export-2.jpg", "another's"),
+               hidden = folder.write("out/.mine.jpg", "the user's");
+    for (const auto& file : {left, hidden})
+        std::filesystem::last_write_time(
+            file, std::filesystem::file_time_type::clock::now() - std::chrono::days(2));
+    run({file("a.jpg", picture())}, {.folder = folder / "out"});
+    EXPECT_FALSE(std::filesystem::exists(left));
+    EXPECT_TRUE(std::filesystem::exists(living));
+    EXPECT_TRUE(std::filesystem::exists(hidden));
+}
+
 TEST_F(ExportRun, stopsWhenAsked)
 {
     const auto photo = file("a.jpg", picture());

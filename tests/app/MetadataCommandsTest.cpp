@@ -84,8 +84,10 @@ TEST_F(MetadataCommands, saveWritesWhatWaitsAndRevertBringsBackWhatWasFound)
     add("a.jpg", "all-sources.jpg");
     add("gone.jpg", "all-sources.jpg");
     add("A.aplibrary/c.jpg", "all-sources.jpg");
+    add("M.migratedaplibrary/d.jpg", "all-sources.jpg");
     const auto before = readDescriptive(folder / "a.jpg");
     run("set --title new --keywords 'b, a' --source all");
+    EXPECT_FALSE(isDirty(3) || isDirty(4)) << "what is never written does not wait for it";
     fs::remove(folder / "gone.jpg");
     const auto saved = run("--json save");
     EXPECT_EQ(saved.exitCode, 3);

@@ -149,19 +149,41 @@ TEST_F(PhotoExport, neverWritesOverAnOriginal)
     const auto source = folder.write("a.png", readFile(picture("base.png")));
     fs::create_symlink(source, folder / "link.png");
     fs::create_hard_link(source, folder / "twin.png");
+    const auto held = folder / "held.png";
+    fs::create_symlink(folder.write("target.png", "target"), held);
+    fs::create_symlink(folder / "target.png", folder / "another link.png");
+    fs::create_symlink(folder / "nothing", folder / "dangling.png");
     fs::create_directories(folder / "Old.aplibrary/Masters");
-    for (const auto* const name :
-        {"a.png", "./a.png", "link.png", "twin.png", "Old.aplibrary/Masters/new.jpg"})
-        EXPECT_THROW(exported(source, folder / name), std::runtime_error) << name;
-    EXPECT_THROW(exportPhoto(reader, tool, {{source, {}, 0}, folder / "b.png"},
-                     [&](const fs::path& file) { return file.filename() == "b.png"; }, {}),
-        std::runtime_error);
+    fs::create_directories(folder / "Old.migratedaplibrary");
+    folder.write("Renamed/Database/apdb/Library.apdb", "");
+    fs::create_directory_symlink(folder / "Renamed", folder / "led");
+    const auto isOriginal = [&](const fs::path& file) { return file == held; };
+    for (const auto* const name : {"a.png", "./a.png", "link.png", "twin.png", "held.png", "another link.png",
+             "dangling.png", "Old.aplibrary/Masters/new.jpg", "Old.migratedaplibrary/new.jpg",
+             "Renamed/new.jpg", "led/new.jpg"})
+        EXPECT_THROW(
+            exportPhoto(reader, tool, {{source, {}, 0}, folder / name}, isOriginal, {}), std::runtime_error)
+            << name;
+    EXPECT_EQ(readFile(source), readFile(picture("base.png")));
+    EXPECT_EQ(readFile(held), "target");
+}
+
+TEST_F(PhotoExport, leavesNothingBehindWhereItFails)
+{
+    const auto source = folder.write("a.png", readFile(picture("base.png")));
     EXPECT_THROW(exported(source, folder / "out.heic"), std::invalid_argument);
     EXPECT_THROW(exported(source, folder / "nowhere/out.jpg"), std::system_error);
     EXPECT_THROW(
         exported(folder.write("broken.png", "\x89PNG\r\n\x1A\n???"), folder / "out.jpg"), ImageError);
-    EXPECT_EQ(readFile(source), readFile(picture("base.png")));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 5) << "nothing unfinished is left";
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 2);
+}
+
+TEST_F(PhotoExport, takesAsLongANameAsThereCanBe)
+{
+    const auto name = std::string(251, 'n') + ".jpg";
+    const auto source = folder.write("a.jpg", readFile(picture("turned6.jpg")));
+    EXPECT_EQ(exported(source, folder / name).exifFailure, std::nullopt);
+    EXPECT_EQ(bitmap(folder / name).width, 48);
 }
 
 } // namespace korvo

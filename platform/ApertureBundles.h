@@ -2,15 +2,20 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 namespace korvo {
 
+/// Whether a file's path leads through a folder with the name of an Aperture library. Asks no disk; one that
+/// was given another name is found by ApertureBundles.
+bool liesInNamedBundle(std::string_view path);
+
 /// Tells which files lie inside Aperture libraries, whose originals are never written. Remembers the folders
 /// it has looked at: made anew for each piece of work.
-class ApertureFolders {
+class ApertureBundles {
 public:
-    /// Also for a link that leads into one.
+    /// Of a file by its absolute path, whether it is there or not; also for a link that leads into one.
     bool hold(const std::filesystem::path& file);
 
 private:
