@@ -120,6 +120,11 @@ constexpr Reference looseReferences[] = {
         "UPDATE photos SET folder_id = NULL WHERE id = ? AND folder_id NOT IN (SELECT id FROM folders)"},
     {"albums", "parent_id",
         "UPDATE albums SET parent_id = NULL WHERE id = ? AND parent_id NOT IN (SELECT id FROM projects)"},
+    // others may have put the one that it comes back to into it
+    {"projects", "parent_id",
+        "UPDATE projects SET parent_id = NULL WHERE id = ?1 AND (parent_id NOT IN (SELECT id FROM projects) "
+        "OR ?1 IN (WITH RECURSIVE above(id) AS (SELECT parent_id FROM projects WHERE id = ?1 "
+        "UNION SELECT parent_id FROM projects JOIN above USING (id)) SELECT id FROM above))"},
 };
 
 /// Takes from rows that come back what they referred to and others have deleted meanwhile.

@@ -21,13 +21,15 @@ constexpr auto albumMembers = "SELECT p.* FROM photos p JOIN album_items ai ON a
 constexpr auto recentlyAdded
     = "SELECT p.* FROM photos p WHERE p.version_of IS NULL ORDER BY p.added_at DESC LIMIT 200";
 
-std::string joinedIDs(std::span<const std::int64_t> ids)
-{
-    std::string list;
-    for (const auto id : ids)
-        list += (list.empty() ? "" : ",") + std::to_string(id);
-    return list;
-}
+// UNION passes over what was there already, so that projects that lie in each other in a circle end it.
+constexpr std::string_view idsBelow
+    = "WITH RECURSIVE below(id) AS (VALUES (?1) UNION SELECT projects.id FROM projects "
+      "JOIN below ON projects.parent_id = below.id) SELECT id FROM below";
+
+/// The other way round, from a photo's own project: a few steps, however many projects there are.
+constexpr std::string_view idsAbove
+    = "WITH RECURSIVE above(id) AS (VALUES (p.project_id) UNION SELECT parent_id FROM projects "
+      "JOIN above USING (id)) SELECT id FROM above";
 
 std::string isVideo()
 {
@@ -42,6 +44,8 @@ std::string isVideo()
 std::string conditionOf(Kind kind)
 {
     switch (kind) {
+    case Kind::project:
+        return " AND p.project_id IN (" + std::string(idsBelow) + ")";
     case Kind::folder:
         return " AND p.folder_id = ?1";
     case Kind::person:
@@ -62,20 +66,6 @@ std::string conditionOf(Kind kind)
 }
 
 } // namespace
-
-std::vector<std::int64_t> withDescendants(Database& database, std::int64_t project)
-{
-    std::vector<std::int64_t> all{project};
-    for (std::vector<std::int64_t> level{project}; !level.empty();) {
-        auto statement
-            = database.prepare("SELECT id FROM projects WHERE parent_id IN (" + joinedIDs(level) + ")");
-        level.clear();
-        while (statement.step())
-            level.push_back(statement.integer(0));
-        all.insert(all.end(), level.begin(), level.end());
-    }
-    return all;
-}
 
 void Catalog::requireSource(const LibrarySource& source)
 {
@@ -102,19 +92,11 @@ ListedBy listedBy(const std::optional<LibrarySource>& source)
 
 namespace {
 
-std::string sourceCondition(Database& database, const LibrarySource& source)
-{
-    if (source.kind == Kind::project)
-        return " AND p.project_id IN (" + joinedIDs(withDescendants(database, source.id)) + ")";
-    return conditionOf(source.kind);
-}
-
-std::string listing(
-    Database& database, const std::optional<LibrarySource>& source, std::string_view orderOfMasters)
+std::string listing(const std::optional<LibrarySource>& source, std::string_view orderOfMasters)
 {
     if (listedBy(source) == ListedBy::hand)
         return source->kind == Kind::album ? albumMembers : recentlyAdded;
-    auto sql = masters + (source ? sourceCondition(database, *source) : std::string());
+    auto sql = masters + (source ? conditionOf(source->kind) : std::string());
     return sql.append(orderOfMasters);
 }
 
@@ -128,7 +110,7 @@ void forEachPhotoIn(Database& database, const std::optional<LibrarySource>& sour
         return forEachPhotoIn(database, std::nullopt, orderOfMasters,
             [&](PhotoItem&& item) { return !matcher.matches(item) || use(std::move(item)); });
     }
-    const auto sql = listing(database, source, orderOfMasters);
+    const auto sql = listing(source, orderOfMasters);
     auto statement = database.prepare(sql);
     if (sql.find("?1") != sql.npos)
         statement.bind(source->id);
@@ -192,7 +174,9 @@ std::vector<PhotoItem> Catalog::photosOfSource(
         std::erase_if(items, [&](const PhotoItem& item) { return !matcher.matches(item); });
         return items;
     }
-    const auto condition = source ? sourceCondition(database_, *source) : std::string();
+    const auto condition = !source      ? std::string()
+        : source->kind == Kind::project ? " AND ?1 IN (" + std::string(idsAbove) + ")"
+                                        : conditionOf(source->kind);
     auto statement
         = database_.prepare("SELECT p.* FROM photos p WHERE p.version_of IS NULL AND p.id = ?2" + condition);
     PhotoRows rows(statement);

@@ -216,8 +216,9 @@ void Catalog::moveProject(std::int64_t id, std::optional<std::int64_t> parent)
 {
     Transaction transaction(database_);
     requireProject(database_, parent);
-    const auto below = withDescendants(database_, id);
-    if (parent && std::find(below.begin(), below.end(), *parent) != below.end())
+    constexpr auto isAbove = "WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent_id FROM projects "
+                             "JOIN above USING (id)) SELECT COUNT(*) FROM above WHERE id = ?2";
+    if (parent && database_.scalar(isAbove, *parent, id) > 0)
         throw std::invalid_argument("a project cannot be put into itself");
     changeRow(database_, "project", id, "UPDATE projects SET parent_id = ? WHERE id = ?", parent, id);
     transaction.commit();

@@ -23,8 +23,6 @@ std::vector<PhotoItem> photosIn(
 ListedBy listedBy(const std::optional<LibrarySource>& source);
 /// Throws NotFoundError and SmartAlbumError.
 SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id);
-/// A project and all that lie in it.
-std::vector<std::int64_t> withDescendants(Database& database, std::int64_t project);
 std::vector<Stack> stacksIn(Database& database);
 
 /// How many photos there are of some kinds. Takes long in a large library, whose photos are all looked at.

@@ -88,7 +88,8 @@ struct LibraryTree {
 KORVO_RECORD(LibraryTree, folders, projects, albums, smartAlbums, keywords, people, totals)
 
 /// Nests the projects under the ones that their parent ids name, siblings in the order of the list. A project
-/// whose parent is not in the list is a root, so that nothing ever drops out of sight.
+/// whose parent is not in the list is a root, and so is the first of those that lie in each other in a
+/// circle, so that nothing ever drops out of sight.
 std::vector<ProjectNode> projectTree(const std::vector<ProjectRow>& projects,
     const std::vector<std::pair<std::int64_t, std::int64_t>>& countsByProject);
 

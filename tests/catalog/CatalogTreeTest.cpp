@@ -61,6 +61,27 @@ TEST(Catalog, manyProjectsAndAlbumsAreMadeBehindThoseThatAreThere)
     EXPECT_EQ(catalog.tree().projects[0].children[0].id, made[1]);
 }
 
+TEST(Catalog, aCircleOfProjectsStaysInSightAndEndsNothing)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    const auto outer = catalog.createProject("outer", "folder", std::nullopt);
+    const auto inner = catalog.createProject("inner", "project", outer);
+    const auto leaf = catalog.createProject("leaf", "project", inner);
+    catalog.assignToProject(only(library.photo("a.jpg")), leaf);
+    catalog.database().run("UPDATE projects SET parent_id = ? WHERE id = ?", inner, outer);
+    EXPECT_EQ(library.names(LibrarySource{LibrarySource::Kind::project, outer, {}}),
+        std::vector<std::string>{"a.jpg"});
+    const auto tree = catalog.tree();
+    ASSERT_EQ(tree.projects.size(), 1U);
+    EXPECT_EQ(tree.projects[0].id, outer);
+    ASSERT_EQ(tree.projects[0].children.size(), 1U);
+    ASSERT_EQ(tree.projects[0].children[0].children.size(), 1U);
+    EXPECT_EQ(tree.projects[0].children[0].children[0].id, leaf);
+    catalog.moveProject(outer, std::nullopt);
+    EXPECT_THROW(catalog.moveProject(outer, leaf), std::invalid_argument);
+}
+
 TEST(Catalog, deletingPartsOfTheTreeNeverDeletesPhotos)
 {
     TestLibrary library;

@@ -207,6 +207,24 @@ TEST(LibraryStore, undoGivesWayToWhatCannotBeUndone)
     EXPECT_FALSE(t.store->undoTitle()) << "what can never be undone does not stand before what can";
 }
 
+TEST(LibraryStore, undoPutsNoProjectIntoItselfNorIntoOneThatIsGone)
+{
+    TestStore t;
+    const auto outer = t.store->createProject("outer", "folder", std::nullopt);
+    const auto inner = t.store->createProject("inner", "folder", outer);
+    t.store->moveProject(inner, std::nullopt);
+    t.store->catalog().moveProject(outer, inner); // as another program does
+    t.store->undo();
+    const ProjectNode outerNode{outer, "outer", "folder", inner, 0, {}};
+    EXPECT_EQ(t.store->catalog().tree().projects,
+        (std::vector<ProjectNode>{{inner, "inner", "folder", std::nullopt, 0, {outerNode}}}));
+    t.store->deleteProject(outer);
+    t.store->catalog().deleteProject(inner);
+    t.store->undo();
+    EXPECT_EQ(t.store->catalog().tree().projects,
+        (std::vector<ProjectNode>{{outer, "outer", "folder", std::nullopt, 0, {}}}));
+}
+
 TEST(LibraryStore, aStepStaysWhileTheCatalogCannotBeWritten)
 {
     TestStore t(1);
