@@ -1,5 +1,7 @@
 #pragma once
 
+#include <charconv>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -45,6 +47,16 @@ int compareNoCase(std::string_view a, std::string_view b);
 /// The text as one line that no terminal takes for orders: control characters are written as \n, \t, \r and
 /// \u001B.
 std::string printable(std::string_view text);
+
+/// The number that the text is, from the first character to the last; nothing for one that T cannot hold.
+template <std::integral T>
+std::optional<T> wholeNumber(std::string_view text)
+{
+    T number{};
+    const auto* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
 
 /// A number as people type it: with blanks around it, and with a plus sign. Nothing for what is not finite.
 std::optional<double> typedNumber(std::string_view text);

@@ -1,6 +1,7 @@
 #include "catalog/LibrarySource.h"
 
-#include <charconv>
+#include "base/Text.h"
+
 #include <iterator>
 #include <stdexcept>
 
@@ -21,15 +22,6 @@ constexpr Name fixed[]
 constexpr Name numbered[] = {{"folder:", Kind::folder}, {"album:", Kind::album}, {"smart:", Kind::smartAlbum},
     {"project:", Kind::project}, {"person:", Kind::person}};
 
-std::optional<std::int64_t> wholeNumber(std::string_view text)
-{
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size())
-        return std::nullopt;
-    return number;
-}
-
 } // namespace
 
 std::optional<LibrarySource> parseSource(std::string_view text)
@@ -41,7 +33,7 @@ std::optional<LibrarySource> parseSource(std::string_view text)
             return LibrarySource{kind, 0, {}};
     for (const auto& [prefix, kind] : numbered)
         if (text.starts_with(prefix))
-            if (const auto id = wholeNumber(text.substr(prefix.size())))
+            if (const auto id = wholeNumber<std::int64_t>(text.substr(prefix.size())))
                 return LibrarySource{kind, *id, {}};
     throw std::invalid_argument("no source \"" + std::string(text)
         + "\": use all, flagged, no-alt, recent, videos, or folder:, album:, smart:, project:, person: with "

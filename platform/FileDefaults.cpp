@@ -1,18 +1,17 @@
 #include "platform/FileDefaults.h"
 
 #include "platform/FileSync.h"
+#include "platform/PosixFile.h"
 
-#include <fstream>
-#include <iterator>
+#include <system_error>
 
 namespace korvo {
 
 std::optional<std::string> FileDefaults::get(std::string_view key) const
-{
-    std::ifstream file(folder_ / key, std::ios::binary);
-    if (!file)
-        return std::nullopt;
-    return std::string(std::istreambuf_iterator<char>(file), {});
+try {
+    return readWholeFile(folder_ / key);
+} catch (const std::system_error&) { // it was never set, or its half is worth nothing
+    return std::nullopt;
 }
 
 void FileDefaults::set(std::string_view key, std::string_view value)

@@ -3,10 +3,7 @@
 #include "base/Text.h"
 #include "platform/PosixFile.h"
 
-#include <charconv>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -40,14 +37,10 @@ std::string unescaped(std::string_view text)
 
 std::optional<std::uint64_t> deviceNumber(std::string_view text)
 {
-    unsigned numbers[2]{};
     const auto parts = split(text, ':');
-    if (parts.size() != 2)
-        return std::nullopt;
-    for (std::size_t i = 0; i < 2; ++i)
-        if (std::from_chars(parts[i].data(), parts[i].data() + parts[i].size(), numbers[i]).ec != std::errc())
-            return std::nullopt;
-    return makedev(numbers[0], numbers[1]);
+    const auto driver = parts.size() == 2 ? wholeNumber<unsigned>(parts[0]) : std::nullopt;
+    const auto disk = driver ? wholeNumber<unsigned>(parts[1]) : std::nullopt;
+    return disk ? std::optional<std::uint64_t>(makedev(*driver, *disk)) : std::nullopt;
 }
 
 /// "27 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda rw": optional fields end with the hyphen.
@@ -116,10 +109,7 @@ std::vector<Mount> parseMountTable(std::string_view text)
 
 std::vector<Mount> readMountTable()
 {
-    std::ifstream table(tablePath);
-    if (!table)
-        throwFileError("read", tablePath);
-    return parseMountTable(std::string(std::istreambuf_iterator<char>(table), {}));
+    return parseMountTable(readWholeFile(tablePath));
 }
 
 std::shared_ptr<void> watchMountTable(std::function<void()> changed)

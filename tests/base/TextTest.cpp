@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace korvo {
 
 TEST(Text, keywordsAreCutAtCommasTrimmedAndNeverEmpty)
@@ -53,6 +55,14 @@ TEST(Text, repairsOnlyWhatIsNotUtf8)
         EXPECT_EQ(repairedUtf8(text), repaired);
         EXPECT_EQ(isUtf8(text), text == repaired);
     }
+}
+
+TEST(Text, aWholeNumberIsAllOfItsText)
+{
+    EXPECT_EQ(wholeNumber<std::int64_t>("-9223372036854775808"), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(wholeNumber<unsigned>("4294967295"), 4294967295U);
+    for (const char* other : {"", " 1", "1 ", "+1", "1.0", "0x1", "4294967296", "-1"})
+        EXPECT_FALSE(wholeNumber<unsigned>(other)) << other;
 }
 
 TEST(Text, comparesAsTheCatalogOrders)

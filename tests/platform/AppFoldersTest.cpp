@@ -1,5 +1,7 @@
 #include "platform/AppFolders.h"
+#include "platform/FileDefaults.h"
 #include "tests/support/ScopedVariable.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -39,6 +41,17 @@ TEST(AppFolders, findTheHomeWithoutTheEnvironment)
     const ScopedVariable own("KORVO_DATA", std::nullopt);
     const ScopedVariable xdg("XDG_DATA_HOME", std::nullopt);
     EXPECT_TRUE(applicationDataFolder().is_absolute());
+}
+
+TEST(FileDefaults, whatCannotBeReadIsNoValue)
+{
+    const TemporaryFolder folder;
+    FileDefaults defaults(folder.path());
+    defaults.set("korvo_a", "x");
+    std::filesystem::create_directory(folder / "korvo_b");
+    EXPECT_EQ(defaults.get("korvo_a"), "x");
+    for (const auto* const key : {"korvo_b", "korvo_c"})
+        EXPECT_FALSE(defaults.get(key)) << key;
 }
 
 } // namespace korvo

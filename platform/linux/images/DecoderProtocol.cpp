@@ -30,11 +30,10 @@ constexpr int largest = std::numeric_limits<int>::max();
 
 int numberIn(const std::string& text, int most, int least = 0)
 {
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || value < least || value > most)
+    const auto value = wholeNumber<int>(text);
+    if (!value || *value < least || *value > most)
         fail();
-    return value;
+    return *value;
 }
 
 std::optional<std::size_t> announcedLength(std::string_view text)
