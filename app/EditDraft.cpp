@@ -1,22 +1,13 @@
 #include "app/EditDraft.h"
 
-#include "base/Json.h"
-
 #include <algorithm>
 #include <utility>
 
 namespace korvo {
 
-PhotoEdits readableEdits(const PhotoItem& item)
-try {
-    return item.edits();
-} catch (const JsonError&) {
-    return {};
-}
-
 PhotoEdits EditDraft::editsOf(const PhotoItem& item) const
 {
-    auto edits = readableEdits(item);
+    auto edits = item.readableEdits().value_or(PhotoEdits());
     if (change_ && std::ranges::find(photos_, item.id) != photos_.end())
         change_(edits);
     return edits;

@@ -38,7 +38,4 @@ private:
     Change change_;
 };
 
-/// The photo's stored edits; none for such as cannot be read, which whoever changes them is told.
-PhotoEdits readableEdits(const PhotoItem& item);
-
 } // namespace korvo

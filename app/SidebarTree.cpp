@@ -1,9 +1,9 @@
 #include "app/SidebarTree.h"
 
 #include "base/Text.h"
+#include "catalog/CommonMetadata.h"
 #include "catalog/RenameKeyword.h"
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <map>
@@ -74,13 +74,24 @@ std::vector<SidebarNode> projectLines(const std::vector<ProjectNode>& nodes, Alb
     return lines;
 }
 
-std::vector<SidebarNode> keywordLines(const std::vector<KeywordRow>& rows, Parent parent)
+using KeywordsByParent = std::map<Parent, std::vector<const KeywordRow*>>;
+
+std::vector<SidebarNode> keywordLines(const KeywordsByParent& rows, Parent parent)
 {
     std::vector<SidebarNode> lines;
-    for (const auto& row : rows)
-        if (row.parentID == parent)
-            lines.push_back({Kind::keyword, row.id, row.name, std::nullopt, {}, keywordLines(rows, row.id)});
+    if (const auto found = rows.find(parent); found != rows.end())
+        for (const auto* const row : found->second)
+            lines.push_back(
+                {Kind::keyword, row->id, row->name, std::nullopt, {}, keywordLines(rows, row->id)});
     return lines;
+}
+
+std::vector<SidebarNode> keywordLines(const std::vector<KeywordRow>& rows)
+{
+    KeywordsByParent byParent;
+    for (const auto& row : rows)
+        byParent[row.parentID].push_back(&row);
+    return keywordLines(byParent, std::nullopt);
 }
 
 template <typename Row>
@@ -94,14 +105,11 @@ std::vector<SidebarNode> lines(Kind kind, const std::vector<Row>& rows)
 
 void addKeyword(LibraryStore& store, const std::string& keyword, std::span<const PhotoID> ids)
 {
+    const KeywordEdit edit{.added = {keyword}, .removed = {}};
     store.perform("Add Keyword", [&](Catalog& catalog) {
         for (const auto& item : catalog.photosByID(ids)) {
-            auto words = splitKeywords(item.metadata.keywords);
-            if (std::find(words.begin(), words.end(), keyword) != words.end())
-                continue;
-            words.push_back(keyword);
             MetadataChange change;
-            change.keywords = joinKeywords(words);
+            change.keywords = edit.appliedTo(item.metadata.keywords.view());
             catalog.changeMetadata({{item.id}}, change, WriteBack::pending);
         }
     });
@@ -122,7 +130,7 @@ std::vector<SidebarNode> sidebarTree(const LibraryTree& tree)
         heading(Heading::folders, "Folders", folderLines(tree.folders)),
         heading(Heading::projects, "Projects & Albums", std::move(projectsAndAlbums)),
         heading(Heading::smartAlbums, "Smart Albums", lines(Kind::smartAlbum, tree.smartAlbums)),
-        heading(Heading::keywords, "Keywords", keywordLines(tree.keywords, std::nullopt)),
+        heading(Heading::keywords, "Keywords", keywordLines(tree.keywords)),
         heading(Heading::people, "People", std::move(persons))};
 }
 

@@ -1,6 +1,5 @@
 #include "app/ViewerWishes.h"
 
-#include "app/EditDraft.h"
 #include "catalog/FileTypes.h"
 #include "edits/Geometry.h"
 
@@ -15,7 +14,8 @@ constexpr std::size_t developedNeighbours = 1;
 
 double leastKept(const PhotoItem& item)
 {
-    return item.hasEdits() ? geometryOf(readableEdits(item)).leastKept() : 1;
+    const auto edits = item.readableEdits();
+    return edits ? geometryOf(*edits).leastKept() : 1;
 }
 
 } // namespace

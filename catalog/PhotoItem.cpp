@@ -18,6 +18,13 @@ PhotoEdits PhotoItem::edits() const
     return editsJSON.empty() ? PhotoEdits() : fromJson<PhotoEdits>(editsJSON.view());
 }
 
+std::optional<PhotoEdits> PhotoItem::readableEdits() const
+try {
+    return hasEdits() ? std::optional(edits()) : std::nullopt;
+} catch (const JsonError&) {
+    return std::nullopt;
+}
+
 std::string ratingText(int rating)
 {
     if (rating < 0)

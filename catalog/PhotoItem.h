@@ -70,6 +70,9 @@ struct PhotoItem {
     /// The photo's edits; the identity where there are none. Throws JsonError when the stored text is no edit
     /// record.
     PhotoEdits edits() const;
+    /// The same; nothing where there are none or the text is no edit record, which only its owner may
+    /// replace.
+    std::optional<PhotoEdits> readableEdits() const;
 
     friend bool operator==(const PhotoItem&, const PhotoItem&) = default;
 };

@@ -27,4 +27,7 @@ inline std::optional<PhotoLabel> photoLabel(std::int64_t stored)
     return static_cast<PhotoLabel>(stored);
 }
 
+/// The label that a person means by a text: its name, whatever the case, "none" or its number.
+std::optional<PhotoLabel> labelNamed(std::string_view text);
+
 } // namespace korvo

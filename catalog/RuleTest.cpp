@@ -4,7 +4,6 @@
 #include "catalog/FileTypes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace korvo {
@@ -18,15 +17,8 @@ constexpr double forever = std::numeric_limits<double>::infinity();
 
 std::optional<double> labelNumber(std::string_view value)
 {
-    const auto text = trimmed(value);
-    for (std::size_t label = 0; label < photoLabelNames.size(); ++label)
-        if (compareNoCase(text, photoLabelNames[label]) == 0)
-            return static_cast<double>(label);
-    if (compareNoCase(text, "none") == 0)
-        return 0.0;
-    const auto number = typedNumber(text);
-    const bool isLabel = number && *number == std::floor(*number) && *number >= 0 && *number <= 7;
-    return isLabel ? number : std::nullopt;
+    const auto label = labelNamed(value);
+    return label ? std::optional<double>(static_cast<int>(*label)) : std::nullopt;
 }
 
 /// An empty value is a yes: "Flagged is".

@@ -1,9 +1,8 @@
 #include "imports/ImportBatch.h"
 
 #include "base/Text.h"
+#include "catalog/CommonMetadata.h"
 #include "platform/FileSync.h"
-
-#include <algorithm>
 
 namespace korvo {
 
@@ -15,24 +14,15 @@ namespace {
 constexpr std::size_t mostShots = 32;
 constexpr std::uint64_t mostBytes = 256 << 20;
 
-/// The keywords of the file and those of the plan, none twice.
-std::string mergedKeywords(std::string_view own, std::string_view added)
-{
-    auto keywords = splitKeywords(own);
-    for (auto& keyword : splitKeywords(added))
-        if (std::find(keywords.begin(), keywords.end(), keyword) == keywords.end())
-            keywords.push_back(std::move(keyword));
-    return joinKeywords(keywords);
-}
-
 MetadataChange plannedChange(const ImportPlan& plan, const PhotoMetadata& own)
 {
     const auto unlessEmpty = [](const std::string& text) {
         return text.empty() ? std::nullopt : std::optional(SharedText(text));
     };
     MetadataChange change{.creator = unlessEmpty(plan.creator), .copyright = unlessEmpty(plan.copyright)};
-    if (!plan.keywords.empty())
-        change.keywords = SharedText(mergedKeywords(own.keywords.view(), plan.keywords));
+    const KeywordEdit planned{.added = splitKeywords(plan.keywords), .removed = {}};
+    if (!planned.empty())
+        change.keywords = SharedText(planned.appliedTo(own.keywords.view()));
     return change;
 }
 

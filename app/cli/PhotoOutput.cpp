@@ -33,18 +33,6 @@ void writeMetadata(JsonWriter& json, const PhotoMetadata& metadata)
     json.endObject();
 }
 
-/// The edits of the photo; nothing when the stored text is no edit record, which only its owner may replace.
-std::optional<PhotoEdits> readableEdits(const PhotoItem& item)
-{
-    if (!item.hasEdits())
-        return std::nullopt;
-    try {
-        return item.edits();
-    } catch (const JsonError&) {
-        return std::nullopt;
-    }
-}
-
 std::string dateText(const CompactOptional<double>& date)
 {
     return date ? localDateTime(*date) : std::string();
@@ -59,7 +47,7 @@ std::string photoJSON(const PhotoItem& item)
     json.member("id", item.id);
     json.member("path", item.path().native());
     writeMetadata(json, item.metadata);
-    json.member("edits", readableEdits(item));
+    json.member("edits", item.readableEdits());
     json.member("rating", item.rating);
     json.member("flagged", item.flagged);
     json.member("label", static_cast<int>(item.label));
