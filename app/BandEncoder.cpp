@@ -1,5 +1,6 @@
 #include "app/BandEncoder.h"
 
+#include "edits/BasicPlan.h"
 #include "edits/BasicStage.h"
 
 #include <algorithm>
@@ -9,7 +10,7 @@ namespace korvo {
 namespace {
 
 constexpr int bandHeight = 250; // with both aprons two rows of the stage's tiles
-constexpr int apron = 3; // rows above and below that the sharpening looks at
+constexpr int apron = sharpeningReach; // rows above and below that are looked at
 
 } // namespace
 

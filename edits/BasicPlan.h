@@ -6,6 +6,8 @@
 
 namespace korvo {
 
+inline constexpr int sharpeningReach = 3; ///< how far from a pixel its sharpening looks, in pixels
+
 /// What the fused pass does to each pixel: the filters' parameters, worked out in double once for a render.
 struct BasicPlan {
     using Matrix = std::array<float, 9>; ///< rows, applied to (R, G, B) columns
@@ -21,7 +23,8 @@ struct BasicPlan {
     float shadowStops = 0; ///< the gain of black
     float highlightStops = 0; ///< the gain of white
     float sharpness = 0;
-    std::array<float, 4> blur{}; ///< weights of a symmetric Gaussian, from its centre outwards, sum 1
+    std::array<float, sharpeningReach + 1>
+        blur{}; ///< weights of a symmetric Gaussian, from its centre outwards, sum 1
 
     /// Whether there is nothing to do: the image stays itself.
     bool isIdentity() const { return !hasMatrix && !hasVibrance && !hasTone && !hasSharpening; }

@@ -13,7 +13,7 @@ namespace {
 // A tile's rows stay in the processor's second-level cache from their decoding to their encoding.
 constexpr int tileWidth = 2048;
 constexpr int tileHeight = 128;
-constexpr int reach = 3; // of the sharpening's blur, in pixels
+constexpr int reach = sharpeningReach;
 
 /// A part of a row: where it begins in the image, and its length.
 struct Span {
