@@ -98,11 +98,12 @@ AperturePhoto masterRow(
 {
     AperturePhoto row;
     row.path = file.native();
-    std::error_code gone; // it was there a moment ago; the row then knows no size and is read again
-    if (const auto size = fs::file_size(file, gone); !gone)
-        row.fileSize = static_cast<std::int64_t>(size);
-    if (row.fileSize)
+    try {
         row.fileDate = modificationTime(file);
+        row.fileSize = static_cast<std::int64_t>(fs::file_size(file));
+    } catch (const fs::filesystem_error&) {
+        // It was there a moment ago; the row then knows no size and is read again.
+    }
     row.metadata = photoMetadata(source, descriptions);
     row.camera = cameraData(source, descriptions);
     row.isCameraRead = !row.camera.camera.empty() || row.camera.iso || row.camera.aperture;

@@ -19,7 +19,7 @@ constexpr auto albumMembers = "SELECT p.* FROM photos p JOIN album_items ai ON a
                               "WHERE ai.album_id = ?1 ORDER BY ai.position, p.filename COLLATE NOCASE";
 
 constexpr auto recentlyAdded
-    = "SELECT p.* FROM photos p WHERE p.version_of IS NULL ORDER BY p.added_at DESC LIMIT 200";
+    = "SELECT p.* FROM photos p WHERE p.version_of IS NULL ORDER BY p.added_at DESC, p.id DESC LIMIT 200";
 
 // UNION passes over what was there already, so that projects that lie in each other in a circle end it.
 constexpr std::string_view idsBelow

@@ -79,7 +79,10 @@ void checkBackups(const fs::path& folder, std::vector<std::string>& problems)
         ++backups;
         try {
             auto copy = Database::openReadOnly(entry.path());
-            copy.scalar("SELECT COUNT(*) FROM sqlite_master");
+            auto statement = copy.prepare("PRAGMA quick_check(1)");
+            statement.step();
+            if (const auto finding = statement.text(0); finding != "ok")
+                problems.push_back("backup " + entry.path().string() + ": " + std::string(finding));
         } catch (const DatabaseError& failure) {
             problems.push_back("backup " + entry.path().string() + ": " + failure.message());
         }

@@ -3,9 +3,11 @@
 #include "platform/ProcessLauncher.h"
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <optional>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -90,6 +92,17 @@ void connect(int from, int to)
     _exit(127);
 }
 
+/// Why the program could not be started; nothing once it runs, which closes the other end.
+std::optional<int> startFailure(const PosixFile& readEnd)
+{
+    int reason = 0;
+    ssize_t count = 0;
+    do
+        count = read(readEnd.descriptor(), &reason, sizeof reason);
+    while (count < 0 && errno == EINTR);
+    return count == sizeof reason ? std::optional(reason) : std::nullopt;
+}
+
 int statusOf(int waited)
 {
     return WIFEXITED(waited) ? WEXITSTATUS(waited) : 128 + WTERMSIG(waited);
@@ -112,10 +125,9 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command)
             failure.writeEnd.descriptor());
     setpgid(id_, id_); // in both processes, since either may come first
     failure.writeEnd = PosixFile();
-    int reason = 0;
-    if (read(failure.readEnd.descriptor(), &reason, sizeof reason) == sizeof reason) {
+    if (const auto reason = startFailure(failure.readEnd)) {
         wait();
-        failToLaunch(command.front(), reason);
+        failToLaunch(command.front(), *reason);
     }
     in = unblocked(std::move(input.writeEnd));
     out = unblocked(std::move(output.readEnd));

@@ -158,6 +158,12 @@ TEST_F(CommandLine, checkFindsWhatIsWrong)
     const auto found = run("--json check");
     EXPECT_EQ(found.exitCode, 3);
     EXPECT_NE(found.out.find("a.jpg: missing"), std::string::npos) << found.out;
+    const auto backup = std::filesystem::directory_iterator(folder / "Library/Backups")->path();
+    auto copy = readFile(folder / "Library/catalog.sqlite");
+    copy.replace(copy.size() - 4096, 4096, 4096, 'x'); // the last page, which opening it does not look at
+    folder.write("Library/Backups/" + backup.filename().string(), copy);
+    const auto damaged = run("check").out;
+    EXPECT_NE(damaged.find("backup " + backup.string()), std::string::npos) << damaged;
     EXPECT_EQ(json("add " + (folder / "photos").string()),
         "{\"added\":0,\"known\":2,\"ignored\":0,\"failed\":0}\n");
 }
@@ -264,7 +270,7 @@ TEST_F(CommandLine, rendersOverNoOriginalByWhateverName)
     run("add " + (folder / "photos/link.jpg").string());
     // as a file system shows it that does not mind case
     std::filesystem::create_hard_link(folder / "photos/b.jpg", folder / "photos/B.JPG");
-    for (const std::string photo : {std::string("1"), source})
+    for (const std::string& photo : {std::string("1"), source})
         for (const auto* const name :
             {"photos/b.jpg", "photos/B.JPG", "led/b.jpg", "photos/link.jpg", "elsewhere/real.jpg"}) {
             const auto outcome = run("render " + photo + " --out " + (folder / name).string());

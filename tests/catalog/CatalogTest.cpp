@@ -183,6 +183,9 @@ TEST(Catalog, recentlyAddedHoldsTheNewestTwoHundred)
     ASSERT_EQ(names.size(), 200U);
     EXPECT_EQ(names.front(), "204.jpg");
     EXPECT_EQ(names.back(), "5.jpg");
+    for (int i = 0; i < 205; ++i) // those of one moment: the later they came, the newer
+        library.photo("again " + std::to_string(i) + ".jpg");
+    EXPECT_EQ(library.names(source(Kind::recentlyAdded)).front(), "again 204.jpg");
 }
 
 TEST(Catalog, twoMastersNeverShareAFileButVersionsDo)

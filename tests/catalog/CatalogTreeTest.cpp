@@ -65,9 +65,9 @@ TEST(Catalog, aCircleOfProjectsStaysInSightAndEndsNothing)
 {
     TestLibrary library;
     auto& catalog = *library.catalog;
-    const auto outer = catalog.createProject("outer", "folder", std::nullopt);
-    const auto inner = catalog.createProject("inner", "project", outer);
-    const auto leaf = catalog.createProject("leaf", "project", inner);
+    const auto outer = catalog.createProject("a", "folder", std::nullopt);
+    const auto inner = catalog.createProject("b", "project", outer);
+    const auto leaf = catalog.createProject("c", "project", inner);
     catalog.assignToProject(only(library.photo("a.jpg")), leaf);
     catalog.database().run("UPDATE projects SET parent_id = ? WHERE id = ?", inner, outer);
     EXPECT_EQ(library.names(LibrarySource{LibrarySource::Kind::project, outer, {}}),
