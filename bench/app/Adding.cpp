@@ -9,7 +9,6 @@
 
 #include <fmt/format.h>
 
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -63,7 +62,7 @@ fs::path makeCorpus(const TemporaryFolder& folder, int count)
 struct Run {
     double seconds = 0, processor = 0, first = 0, last = 0; // the first and the last files
     std::size_t added = 0;
-    long kilobytes = 0;
+    double peakMemory = 0;
 };
 
 Run addAll(const fs::path& photos, const fs::path& library)
@@ -87,9 +86,7 @@ Run addAll(const fs::path& photos, const fs::path& library)
     };
     run.first = perFile(marks.front(), reached(std::min(ends, run.added)));
     run.last = perFile(reached(run.added - std::min(ends, run.added)), marks.back());
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    run.kilobytes = usage.ru_maxrss;
+    run.peakMemory = peakMemory();
     run.processor = processorSeconds();
     return run;
 }
@@ -127,8 +124,8 @@ int main(int argc, char** argv)
         const auto run = inProcessOfItsOwn(photos);
         fmt::print("{} files in {:.2f} s ({:.2f} s of processor): {:.0f} files/s; the last 2000 took {:.2f} "
                    "times as long as the first; "
-                   "{} MB at most\n",
+                   "{:.0f} MB at most\n",
             run.added, run.seconds, run.processor, static_cast<double>(run.added) / run.seconds,
-            run.last / run.first, run.kilobytes / 1024);
+            run.last / run.first, run.peakMemory / (1 << 20));
     }
 }

@@ -4,12 +4,13 @@
 #include "app/PhotoRender.h"
 #include "app/Previews.h"
 #include "bench/support/Compare.h"
+#include "bench/support/MadePhoto.h"
+#include "bench/support/SixSteps.h"
 #include "edits/BasicStage.h"
 #include "platform/linux/images/SystemImageReader.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <atomic>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -23,38 +24,10 @@ using namespace korvo;
 namespace fs = std::filesystem;
 
 constexpr int width = 6000, height = 4000, thumbnails = 500, workers = 2;
-const PhotoEdits allSix{.exposure = 0.5,
-    .saturation = 1.15,
-    .vibrance = 0.3,
-    .temperature = 10,
-    .tint = 5,
-    .sharpness = 0.5,
-    .highlights = 0.3,
-    .shadows = 0.2};
-
 void write(const fs::path& file, const std::vector<std::uint8_t>& bytes)
 {
     std::ofstream(file, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-}
-
-/// A photo of waves and noise.
-fs::path madePhoto(const fs::path& file)
-{
-    const auto writer = pictureWriter(PictureFormat::jpeg, {width, height}, 89, file);
-    std::vector<std::uint8_t> row(4 * width);
-    unsigned state = 1;
-    for (int y = 0; y < height; ++y) {
-        for (int i = 0; i < 4 * width; ++i) {
-            const double wave
-                = std::sin(i * 0.002) * std::cos(y * 0.003) * 80 + std::sin(i * 0.07 + y * 0.05) * 20;
-            state = state * 1664525 + 1013904223;
-            row[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(128 + wave + (state >> 28));
-        }
-        writer->write(row.data());
-    }
-    write(file, writer->finish());
-    return file;
 }
 
 /// The photo with a preview of 1620 pixels in its multi-picture index, as cameras write it.
@@ -139,7 +112,7 @@ void compareExport(ImageReader& reader, const fs::path& photo, const TemporaryFo
     const auto out = folder / "out.jpg";
     const auto whole = std::get<Bitmap>(reader.read(photo, {}, {}).pixels);
     Bitmap adjusted = whole;
-    const auto plan = basicPlan(basicFilters(allSix));
+    const auto plan = basicPlan(basicFilters(bench::sixSteps));
     const auto alone = [&] {
         reader.read(photo, {}, {});
         runBasicStage(plan, whole, adjusted);
@@ -150,7 +123,7 @@ void compareExport(ImageReader& reader, const fs::path& photo, const TemporaryFo
     };
     std::vector<bench::Contender> contenders{
         {"korvo", [&] {
-             write(out, encodePhoto(reader, {photo, allSix}, PictureFormat::jpeg, 90, {}).bytes);
+             write(out, encodePhoto(reader, {photo, bench::sixSteps}, PictureFormat::jpeg, 90, {}).bytes);
          }}};
     if (const auto vips = yardstick("vips_render"); !vips.empty())
         contenders.push_back(
@@ -168,8 +141,8 @@ int main(int count, char** arguments)
     SystemImageReader reader(*launcher, SystemImageReader::installedDecoder());
     std::vector<fs::path> photos(arguments + 1, arguments + count);
     if (photos.empty())
-        photos.push_back(madePhoto(folder / "photo.jpg"));
-    encodePhoto(reader, {photos[0], allSix}, PictureFormat::jpeg, 90, {});
+        photos.push_back(bench::madePhoto(folder / "photo.jpg", width, height, 1));
+    encodePhoto(reader, {photos[0], bench::sixSteps}, PictureFormat::jpeg, 90, {});
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     std::cout << "peak memory of an export: " << usage.ru_maxrss / 1024 << " MB\n";

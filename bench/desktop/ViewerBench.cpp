@@ -5,6 +5,7 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/viewer/PhotoView.h"
 #include "bench/support/MadePhoto.h"
+#include "bench/support/SixSteps.h"
 #include "platform/FileDefaults.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -63,16 +64,8 @@ public:
 
     void sliders()
     {
-        const PhotoEdits all{.exposure = 0,
-            .saturation = 1.2,
-            .vibrance = 0.3,
-            .temperature = 10,
-            .tint = 5,
-            .sharpness = 0.4,
-            .highlights = 0.4,
-            .shadows = 0.2};
         for (const auto& [what, base] : {std::pair("A slider of an unedited photo", PhotoEdits()),
-                 std::pair("A slider of a photo with all adjustments", all)}) {
+                 std::pair("A slider of a photo with all adjustments", sixSteps)}) {
             desktop_.store().setEdits(std::vector{*desktop_.browser().current()}, base);
             wait(500);
             std::vector<double> times;

@@ -4,6 +4,7 @@
 //     bench_stage [render]      the render alone
 #include "bench/edits/PlainRender.h"
 #include "bench/support/Compare.h"
+#include "bench/support/SixSteps.h"
 #include "edits/AutoEnhance.h"
 #include "edits/BasicStage.h"
 #include "edits/HistogramData.h"
@@ -21,15 +22,6 @@ namespace korvo::bench {
 namespace {
 
 constexpr int rounds = 9;
-
-const PhotoEdits allSix{.exposure = 0.5,
-    .saturation = 1.2,
-    .vibrance = 0.3,
-    .temperature = 10,
-    .tint = 5,
-    .sharpness = 0.4,
-    .highlights = 0.4,
-    .shadows = 0.2};
 
 /// Slow waves with some noise.
 Bitmap picture(int width, int height)
@@ -58,7 +50,7 @@ LinearImage linearPicture(int width, int height)
 void benchRender()
 {
     constexpr int width = 6000, height = 4000;
-    const BasicPlan plan = basicPlan(basicFilters(allSix));
+    const BasicPlan plan = basicPlan(basicFilters(sixSteps));
     const Bitmap image = picture(width, height);
     const LinearImage linear = linearPicture(width, height);
     Bitmap result = image, plain = image;
