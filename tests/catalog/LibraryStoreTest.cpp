@@ -2,13 +2,11 @@
 #include "base/JsonError.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
-#include "tests/support/Soak.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <random>
 
 namespace korvo {
 
@@ -51,30 +49,6 @@ struct TestStore : TestLibrary {
     std::vector<LibraryChange> published;
     Connection connection;
 };
-
-/// Every row of every table that undo brings back.
-std::string contentOf(Catalog& catalog)
-{
-    std::string text;
-    for (const char* table :
-        {"folders", "photos", "albums", "album_items", "stacks", "smart_albums", "projects", "keywords"})
-        for (const auto& row :
-            catalog.database().query(std::string("SELECT * FROM ") + table + " ORDER BY 1, 2")) {
-            text += table;
-            for (const auto& [column, value] : row)
-                if (column != "dirty")
-                    std::visit(
-                        [&](const auto& v) {
-                            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(v)>>)
-                                text += " " + column + "=" + std::to_string(v);
-                            else
-                                text += " " + column + "=" + std::string(v.begin(), v.end());
-                        },
-                        value);
-            text += '\n';
-        }
-    return text;
-}
 
 } // namespace
 
@@ -295,157 +269,6 @@ TEST(LibraryStore, seesWhatOtherProcessesChange)
     t.published.clear();
     t.store->reloadIfChangedElsewhere();
     EXPECT_TRUE(t.published.empty()) << "its own changes are no news";
-}
-
-namespace {
-
-void undoAndRedoRandomActions(unsigned seed)
-{
-    TestStore t(8);
-    LibraryStore& store = *t.store;
-    store.catalog().database().exec("INSERT INTO photos (path, filename, added_at, version_of) "
-                                    "SELECT path, filename, 1, id FROM photos WHERE id = 1;"
-                                    "INSERT INTO folders (path, added_at) VALUES ('/photos', 1);"
-                                    "UPDATE photos SET folder_id = 1 WHERE id IN (1, 2, 9)");
-    store.reload();
-    std::mt19937 random(seed);
-    const auto upTo = [&](std::size_t n) { return static_cast<std::int64_t>(random() % n); };
-    const auto photos = [&] {
-        std::vector<PhotoID> ids;
-        for (const auto& item : store.list().items())
-            if (upTo(3) == 0)
-                ids.push_back(item.id);
-        return ids;
-    };
-    const auto anyOf = [&](const char* table) -> std::optional<std::int64_t> {
-        const auto id = store.catalog().database().scalar(
-            std::string("SELECT id FROM ") + table + " ORDER BY id DESC LIMIT 1");
-        return id ? std::optional(id) : std::nullopt;
-    };
-    const auto chooseAnySource = [&] {
-        const std::vector<std::optional<LibrarySource>> sources
-            = {std::nullopt, LibrarySource{Kind::flagged, 0, {}}, LibrarySource{Kind::recentlyAdded, 0, {}},
-                LibrarySource{Kind::noAltText, 0, {}},
-                LibrarySource{Kind::album, anyOf("albums").value_or(1), {}},
-                LibrarySource{Kind::project, anyOf("projects").value_or(1), {}},
-                LibrarySource{Kind::folder, anyOf("folders").value_or(1), {}},
-                LibrarySource{Kind::smartAlbum, anyOf("smart_albums").value_or(1), {}}};
-        store.chooseSource(sources[static_cast<std::size_t>(upTo(sources.size()))]);
-    };
-    const std::vector<std::function<void()>> actions = {
-        [&] { store.setRating(photos(), static_cast<int>(upTo(7)) - 1); },
-        [&] { store.setFlagged(photos(), upTo(2) == 0); },
-        [&] { store.setLabel(photos(), static_cast<PhotoLabel>(upTo(8))); },
-        [&] { store.setMetadata(photos(), {.title = SharedText(std::to_string(upTo(5)))}); },
-        [&] {
-            PhotoEdits edits;
-            edits.exposure = static_cast<double>(upTo(3));
-            store.setEdits(photos(), edits);
-        },
-        [&] { store.createProject("p", "project", anyOf("projects")); },
-        [&] { store.createAlbum("a", anyOf("projects")); },
-        [&] { store.assignToProject(photos(), anyOf("projects")); },
-        [&] {
-            store.addToAlbum(anyOf("albums").value_or(store.createAlbum("first", std::nullopt)), photos());
-        },
-        [&] { store.createKeyword("k", anyOf("keywords")); },
-        [&] {
-            if (const auto photo = anyOf("photos"))
-                store.createVersion(*photo, std::nullopt, std::nullopt, 1);
-        },
-        [&] {
-            if (const auto ids = photos(); ids.size() > 1)
-                store.createStack(ids, ids.back());
-        },
-        [&] {
-            if (const auto stack = anyOf("stacks"))
-                upTo(4) ? store.setStackState(*stack, static_cast<StackState>(upTo(2)))
-                        : store.unstack(*stack);
-        },
-        [&] {
-            if (const auto all = store.catalog().stacks(); !all.empty())
-                store.moveInStack(all.front().id, all.front().members.back(), 0);
-        },
-        [&] {
-            if (const auto all = store.catalog().stacks(); !all.empty())
-                store.setPick(all.back().id, all.back().members.back());
-        },
-        [&] { store.gatherUnderProject("all"); },
-        [&] {
-            if (const auto ids = photos(); !ids.empty())
-                store.perform("Rename", [&](Catalog& catalog) {
-                    catalog.fileRenamed(ids.front(), "/photos/" + std::to_string(random()) + ".jpg");
-                });
-        },
-        [&] {
-            store.createSmartAlbum(
-                "s", {{{SmartAlbumRule::Field::rating, SmartAlbumRule::Op::atLeast, "2"}}});
-        },
-        [&] {
-            if (const auto folder = anyOf("folders"); folder && upTo(8) == 0)
-                store.removeFolder(*folder);
-        },
-        [&] { chooseAnySource(); },
-        [&] {
-            if (const auto& items = store.list().items(); !items.empty() && upTo(8) == 0)
-                store.removePhotos(only(items[static_cast<std::size_t>(upTo(items.size()))].id));
-        },
-        [&] {
-            if (const auto id = anyOf("projects"); id && upTo(4) == 0)
-                store.deleteProject(*id);
-        },
-        [&] {
-            if (const auto id = anyOf("albums"); id && upTo(4) == 0)
-                store.deleteAlbum(*id);
-        },
-        [&] {
-            if (const auto id = anyOf("keywords"); id && upTo(4) == 0)
-                store.deleteKeyword(*id);
-        },
-    };
-    const auto listIsTrue = [&] {
-        PhotoList fresh;
-        fresh.setStacks(store.catalog().stacks());
-        if (!store.sourceFault())
-            fresh.assign(store.catalog().photos(store.source()), listedBy(store.source()));
-        return listTheSame(store.list(), fresh);
-    };
-    const auto stacksAreSound = [&] {
-        for (const auto& stack : store.catalog().stacks())
-            if (stack.members.size() < 2 || stack.members.front() != stack.pick)
-                return false;
-        return true;
-    };
-    std::vector<std::string> states{contentOf(store.catalog())};
-    while (states.size() <= 250) {
-        actions[static_cast<std::size_t>(upTo(actions.size()))]();
-        ASSERT_TRUE(listIsTrue() && stacksAreSound());
-        if (auto state = contentOf(store.catalog()); state != states.back())
-            states.push_back(std::move(state));
-    }
-    for (std::size_t step = 250; step-- > 0;) {
-        // An action that made an album first counts as two.
-        while (contentOf(store.catalog()) != states[step] && store.undoTitle())
-            store.undo();
-        ASSERT_EQ(contentOf(store.catalog()), states[step]) << "undoing to step " << step;
-        ASSERT_TRUE(listIsTrue());
-        if (step % 10 == 0)
-            chooseAnySource();
-    }
-    while (store.undoTitle()) // those that changed nothing but what waits to be written
-        store.undo();
-    EXPECT_EQ(contentOf(store.catalog()), states.front());
-    while (store.redoTitle())
-        store.redo();
-    EXPECT_EQ(contentOf(store.catalog()), states.back());
-    EXPECT_TRUE(listIsTrue());
-}
-
-} // namespace
-
-TEST(LibraryStore, randomActionsAreUndoneAndRedoneStepByStep)
-{
-    forSeeds(undoAndRedoRandomActions);
 }
 
 } // namespace korvo

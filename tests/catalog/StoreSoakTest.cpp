@@ -1,7 +1,9 @@
 // Random actions of a user beside a model that is plain enough to be right: maps of what each photo, album
-// and project holds, and undo as whole copies of them.
+// and project holds, and undo as whole copies of them. What the model does not know of, as stacks and
+// versions, is compared by the tables' rows.
 #include "base/Json.h"
 #include "catalog/LibraryStore.h"
+#include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/Soak.h"
 #include "tests/support/TestLibrary.h"
@@ -19,6 +21,8 @@ namespace {
 
 using Kind = LibrarySource::Kind;
 
+constexpr PhotoID lastInFolder = 5;
+
 struct ModelPhoto {
     int rating = 0;
     bool flagged = false;
@@ -30,22 +34,67 @@ struct ModelPhoto {
     bool operator==(const ModelPhoto&) const = default;
 };
 
+struct ModelProject {
+    std::string name;
+    std::int64_t parent = 0;
+    bool operator==(const ModelProject&) const = default;
+};
+
 struct Model {
     std::map<PhotoID, ModelPhoto> photos;
     std::map<std::int64_t, std::set<PhotoID>> albums;
-    std::map<std::int64_t, std::string> projects;
+    std::map<std::int64_t, ModelProject> projects;
+    std::map<std::int64_t, int> smartAlbums; // the least rating of each
+    bool hasFolder = true; // which holds the first photos
     bool operator==(const Model&) const = default;
+
+    bool liesIn(std::int64_t project, std::int64_t outer) const
+    {
+        while (project && project != outer)
+            project = projects.at(project).parent;
+        return project != 0;
+    }
+
+    bool lists(const LibrarySource& source, PhotoID id) const
+    {
+        const auto& photo = photos.at(id);
+        switch (source.kind) {
+        case Kind::flagged:
+            return photo.flagged;
+        case Kind::project:
+            return liesIn(photo.project, source.id);
+        case Kind::album:
+            return albums.contains(source.id) && albums.at(source.id).contains(id);
+        case Kind::smartAlbum:
+            return smartAlbums.contains(source.id) && photo.rating >= smartAlbums.at(source.id);
+        case Kind::folder:
+            return hasFolder && id <= lastInFolder;
+        default:
+            return true; // all are new, and without an ALT text
+        }
+    }
 
     std::set<PhotoID> in(const std::optional<LibrarySource>& source) const
     {
-        if (source && source->kind == Kind::album)
-            return albums.contains(source->id) ? albums.at(source->id) : std::set<PhotoID>();
         std::set<PhotoID> ids;
         for (const auto& [id, photo] : photos)
-            if (!source || (source->kind == Kind::flagged ? photo.flagged : photo.project == source->id))
+            if (!source || lists(*source, id))
                 ids.insert(id);
         return ids;
     }
+
+    void remove(PhotoID id)
+    {
+        photos.erase(id);
+        for (auto& [album, members] : albums)
+            members.erase(id);
+    }
+};
+
+/// What undo brings back.
+struct State {
+    Model model;
+    std::string tables;
 };
 
 /// A store and its model, which live through the same actions.
@@ -54,33 +103,50 @@ public:
     explicit Soak(unsigned seed) : random_(seed)
     {
         for (int i = 0; i < 40; ++i)
-            now_.photos[library_.photo(std::to_string(i) + ".jpg")];
+            now().photos[library_.photo(std::to_string(i) + ".jpg")];
         for (int i = 0; i < 3; ++i) {
-            now_.albums[library_.catalog->createAlbum("album", std::nullopt)];
-            now_.projects[library_.catalog->createProject("project", "project", std::nullopt)] = "project";
+            now().albums[library_.catalog->createAlbum("album", std::nullopt)];
+            now().projects[library_.catalog->createProject("project", "project", std::nullopt)] = {"project"};
         }
+        library_.catalog->database().run("UPDATE photos SET folder_id = ? WHERE id <= ?",
+            library_.catalog->addFolder("/photos", 1), lastInFolder);
+        state_.tables = contentOf(*library_.catalog);
         open();
     }
 
     void act()
     {
-        const auto before = now_;
         const auto kind = upTo(100);
         if (kind < 12) {
-            travel(past_, future_, [&] { store_->undo(); });
+            for (auto steps = 1 + upTo(4); steps > 0 && undo(); --steps) { }
         } else if (kind < 22) {
-            travel(future_, past_, [&] { store_->redo(); });
+            for (auto steps = 1 + upTo(4); steps > 0 && redo(); --steps) { }
         } else if (kind == 22) {
             open();
         } else if (kind < 32) {
             chooseSource();
         } else {
+            auto before = state_;
             actions_[upTo(actions_.size())]();
-            if (now_ != before) {
-                past_.push_back(before);
+            state_.tables = contentOf(store_->catalog());
+            if (state_.tables != before.tables) {
+                past_.push_back(std::move(before));
                 future_.clear();
             }
         }
+    }
+
+    /// A step back; false when there is none.
+    bool undo()
+    {
+        store_->undo();
+        return travel(past_, future_);
+    }
+
+    bool redo()
+    {
+        store_->redo();
+        return travel(future_, past_);
     }
 
     std::string difference()
@@ -93,18 +159,36 @@ public:
         std::set<PhotoID> listed;
         for (const auto& item : items) {
             listed.insert(item.id);
-            if (!now_.photos.contains(item.id) || read(item) != now_.photos.at(item.id))
+            if (!now().photos.contains(item.id) || read(item) != now().photos.at(item.id))
                 return "photo " + std::to_string(item.id);
         }
-        if (listed != now_.in(source) || listed.size() != items.size())
+        if (listed != now().in(source) || listed.size() != items.size())
             return "the photos of " + sourceText(source);
         for (const auto id : store_->selection())
             if (!listed.contains(id))
                 return "a selected photo that is not shown";
-        return inCatalog() == now_ ? "" : "the catalog";
+        if (!listsAsWhenReadAnew())
+            return "the order of the photos";
+        for (const auto& stack : store_->catalog().stacks())
+            if (stack.members.size() < 2 || stack.members.front() != stack.pick)
+                return "stack " + std::to_string(stack.id);
+        if (contentOf(store_->catalog()) != state_.tables)
+            return "the tables";
+        return inCatalog() == now() ? "" : "the catalog";
     }
 
 private:
+    Model& now() { return state_.model; }
+
+    bool listsAsWhenReadAnew()
+    {
+        PhotoList fresh;
+        fresh.setStacks(store_->catalog().stacks());
+        if (!store_->sourceFault())
+            fresh.assign(store_->catalog().photos(store_->source()), listedBy(store_->source()));
+        return listTheSame(store_->list(), fresh);
+    }
+
     static ModelPhoto read(const PhotoItem& item)
     {
         return {item.rating, item.flagged, static_cast<int>(item.label), item.metadata.title.string(),
@@ -126,9 +210,19 @@ private:
             for (const auto& item : catalog.photos(LibrarySource{Kind::album, album.id, {}}))
                 members.insert(item.id);
         }
-        for (const auto& project : tree.projects)
-            found.projects[project.id] = project.name;
+        readProjects(tree.projects, found);
+        for (const auto& album : tree.smartAlbums)
+            found.smartAlbums[album.id] = std::stoi(smartAlbumRules(album.rules).rules[0].value);
+        found.hasFolder = !tree.folders.empty();
         return found;
+    }
+
+    static void readProjects(const std::vector<ProjectNode>& nodes, Model& found)
+    {
+        for (const auto& node : nodes) {
+            found.projects[node.id] = {node.name, node.parentID.value_or(0)};
+            readProjects(node.children, found);
+        }
     }
 
     void open()
@@ -141,24 +235,28 @@ private:
         future_.clear();
     }
 
-    void travel(std::vector<Model>& from, std::vector<Model>& to, const std::function<void()>& step)
+    bool travel(std::vector<State>& from, std::vector<State>& to)
     {
-        for (auto steps = 1 + upTo(4); steps > 0; --steps) {
-            step();
-            if (from.empty())
-                return;
-            to.push_back(std::exchange(now_, from.back()));
-            from.pop_back();
-        }
+        if (from.empty())
+            return false;
+        to.push_back(std::exchange(state_, std::move(from.back())));
+        from.pop_back();
+        return true;
     }
 
     void chooseSource()
     {
-        const std::optional<LibrarySource> sources[] = {std::nullopt, LibrarySource{Kind::flagged, 0, {}},
-            LibrarySource{Kind::album, anyOf(now_.albums), {}},
-            LibrarySource{Kind::project, anyOf(now_.projects), {}}};
-        const auto& source = sources[upTo(4)];
-        if (!source || source->kind == Kind::flagged || source->id)
+        const std::vector<std::optional<LibrarySource>> sources{std::nullopt,
+            LibrarySource{Kind::flagged, 0, {}}, LibrarySource{Kind::recentlyAdded, 0, {}},
+            LibrarySource{Kind::noAltText, 0, {}}, LibrarySource{Kind::folder, 1, {}},
+            LibrarySource{Kind::album, anyOf(now().albums), {}},
+            LibrarySource{Kind::project, anyOf(now().projects), {}},
+            LibrarySource{Kind::smartAlbum, anyOf(now().smartAlbums), {}}};
+        const auto& source = sources[upTo(sources.size())];
+        const bool isOfOne = source
+            && (source->kind == Kind::album || source->kind == Kind::project
+                || source->kind == Kind::smartAlbum);
+        if (!isOfOne || source->id)
             store_->chooseSource(source);
         store_->select(somePhotos());
     }
@@ -190,12 +288,12 @@ private:
         const auto ids = somePhotos();
         set(ids);
         for (const auto id : ids)
-            now_.photos.at(id).*member = value;
+            now().photos.at(id).*member = value;
     }
 
     void changeAlbum(const std::function<void(std::int64_t, const std::vector<PhotoID>&)>& change)
     {
-        if (const auto album = anyOf(now_.albums))
+        if (const auto album = anyOf(now().albums))
             change(album, somePhotos());
     }
 
@@ -203,26 +301,80 @@ private:
     {
         auto ids = somePhotos();
         ids.resize(std::min(ids.size(), upTo(3)));
-        if (now_.photos.size() < 20)
+        if (now().photos.size() < 20)
             return;
         store_->removePhotos(ids);
-        for (const auto id : ids) {
-            now_.photos.erase(id);
-            for (auto& [album, photos] : now_.albums)
-                photos.erase(id);
-        }
+        for (const auto id : ids)
+            now().remove(id);
+    }
+
+    void removeFolder()
+    {
+        if (!now().hasFolder || upTo(8) > 0)
+            return;
+        store_->removeFolder(1);
+        now().hasFolder = false;
+        for (PhotoID id = 1; id <= lastInFolder; ++id)
+            now().remove(id);
     }
 
     void deleteProject()
     {
-        const auto project = anyOf(now_.projects);
+        const auto project = anyOf(now().projects);
         if (!project)
             return;
         store_->deleteProject(project);
-        now_.projects.erase(project);
-        for (auto& [id, photo] : now_.photos)
-            if (photo.project == project)
+        for (auto& [id, photo] : now().photos)
+            if (now().liesIn(photo.project, project))
                 photo.project = 0;
+        const auto before = now();
+        std::erase_if(now().projects, [&](const auto& entry) { return before.liesIn(entry.first, project); });
+    }
+
+    void gather()
+    {
+        const auto outer = store_->gatherUnderProject("all");
+        for (auto& [id, project] : now().projects)
+            if (project.parent == 0)
+                project.parent = outer;
+        now().projects[outer] = {"all"};
+    }
+
+    void moveProject()
+    {
+        const auto project = anyOf(now().projects), to = upTo(2) ? anyOf(now().projects) : 0;
+        if (!project || now().liesIn(to, project))
+            return;
+        store_->moveProject(project, to ? std::optional(to) : std::nullopt);
+        now().projects[project].parent = to;
+    }
+
+    void changeStack()
+    {
+        const auto stacks = store_->catalog().stacks();
+        if (stacks.empty())
+            return;
+        const auto& stack = stacks[upTo(stacks.size())];
+        switch (upTo(4)) {
+        case 0:
+            return store_->unstack(stack.id);
+        case 1:
+            return store_->setStackState(stack.id, static_cast<StackState>(upTo(2)));
+        case 2:
+            return store_->moveInStack(stack.id, stack.members.back(), 0);
+        default:
+            return store_->setPick(stack.id, stack.members.back());
+        }
+    }
+
+    void changeKeywords()
+    {
+        const auto keywords = store_->catalog().keywords();
+        if (keywords.empty() || upTo(3) > 0)
+            store_->createKeyword(
+                "k", keywords.empty() ? std::nullopt : std::optional(keywords[upTo(keywords.size())].id));
+        else
+            store_->deleteKeyword(keywords[upTo(keywords.size())].id);
     }
 
     const std::vector<std::function<void()>> actions_ = {
@@ -255,38 +407,65 @@ private:
                 [&](auto ids) { store_->setEdits(ids, {.exposure = exposure}); });
         },
         [&] {
-            const auto project = anyOf(now_.projects);
+            const auto project = anyOf(now().projects);
             change(&ModelPhoto::project, project, [&](auto ids) {
                 store_->assignToProject(ids, project ? std::optional(project) : std::nullopt);
             });
         },
-        [&] { now_.albums[store_->createAlbum("album", std::nullopt)]; },
-        [&] { now_.projects[store_->createProject("project", "project", std::nullopt)] = "project"; },
         [&] {
-            if (const auto project = anyOf(now_.projects))
-                store_->renameProject(project, now_.projects[project] = std::to_string(upTo(3)));
+            const auto project = anyOf(now().projects);
+            now().albums[store_->createAlbum("album", project ? std::optional(project) : std::nullopt)];
+        },
+        [&] { now().projects[store_->createProject("project", "project", std::nullopt)] = {"project"}; },
+        [&] {
+            if (const auto project = anyOf(now().projects))
+                store_->renameProject(project, now().projects[project].name = std::to_string(upTo(3)));
+        },
+        [&] { moveProject(); },
+        [&] {
+            if (upTo(4) == 0)
+                gather();
         },
         [&] {
             changeAlbum([&](auto album, const auto& ids) {
                 store_->addToAlbum(album, ids);
-                now_.albums[album].insert(ids.begin(), ids.end());
+                now().albums[album].insert(ids.begin(), ids.end());
             });
         },
         [&] {
             changeAlbum([&](auto album, const auto& ids) {
                 store_->removeFromAlbum(album, ids);
                 for (const auto id : ids)
-                    now_.albums[album].erase(id);
+                    now().albums[album].erase(id);
             });
         },
         [&] {
             changeAlbum([&](auto album, const auto&) {
                 if (upTo(3) == 0) {
                     store_->deleteAlbum(album);
-                    now_.albums.erase(album);
+                    now().albums.erase(album);
                 }
             });
         },
+        [&] {
+            const auto least = 1 + static_cast<int>(upTo(3));
+            now().smartAlbums[store_->createSmartAlbum("smart",
+                {{{SmartAlbumRule::Field::rating, SmartAlbumRule::Op::atLeast, std::to_string(least)}}})]
+                = least;
+        },
+        [&] { store_->createVersion(anyOf(now().photos), std::nullopt, std::nullopt, 1); },
+        [&] {
+            if (const auto ids = somePhotos(); ids.size() > 1)
+                store_->createStack(ids, ids.back());
+        },
+        [&] { changeStack(); },
+        [&] { changeKeywords(); },
+        [&] {
+            store_->perform("Rename", [&](Catalog& catalog) {
+                catalog.fileRenamed(anyOf(now().photos), "/photos/" + std::to_string(random_()) + ".jpg");
+            });
+        },
+        [&] { removeFolder(); },
         [&] { remove(); },
         [&] {
             if (upTo(3) == 0)
@@ -298,9 +477,9 @@ private:
     ManualMainThread main_;
     TestLibrary library_;
     std::unique_ptr<LibraryStore> store_;
-    Model now_;
-    std::vector<Model> past_;
-    std::vector<Model> future_;
+    State state_;
+    std::vector<State> past_;
+    std::vector<State> future_;
 };
 
 void liveBesideAModel(unsigned seed)
@@ -310,6 +489,10 @@ void liveBesideAModel(unsigned seed)
         soak.act();
         ASSERT_EQ(soak.difference(), "") << "after action " << i;
     }
+    while (soak.undo())
+        ASSERT_EQ(soak.difference(), "") << "on the way back";
+    while (soak.redo())
+        ASSERT_EQ(soak.difference(), "") << "on the way forth";
 }
 
 } // namespace

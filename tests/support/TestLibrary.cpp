@@ -1,5 +1,8 @@
 #include "tests/support/TestLibrary.h"
 
+#include <type_traits>
+#include <variant>
+
 namespace korvo {
 
 PhotoID TestLibrary::photo(const std::string& name, const PhotoMetadata& metadata)
@@ -23,6 +26,29 @@ std::vector<std::string> TestLibrary::names(const std::optional<LibrarySource>& 
     for (const auto& item : catalog->photos(source))
         names.push_back(item.filename.string());
     return names;
+}
+
+std::string contentOf(Catalog& catalog)
+{
+    std::string text;
+    for (const char* table :
+        {"folders", "photos", "albums", "album_items", "stacks", "smart_albums", "projects", "keywords"})
+        for (const auto& row :
+            catalog.database().query(std::string("SELECT * FROM ") + table + " ORDER BY 1, 2")) {
+            text += table;
+            for (const auto& [column, value] : row)
+                if (column != "dirty")
+                    std::visit(
+                        [&](const auto& v) {
+                            if constexpr (std::is_arithmetic_v<std::decay_t<decltype(v)>>)
+                                text += " " + column + "=" + std::to_string(v);
+                            else
+                                text += " " + column + "=" + std::string(v.begin(), v.end());
+                        },
+                        value);
+            text += '\n';
+        }
+    return text;
 }
 
 } // namespace korvo

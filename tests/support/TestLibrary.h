@@ -34,6 +34,9 @@ public:
     std::unique_ptr<Catalog> catalog;
 };
 
+/// Every row of every table that undo brings back, as a text.
+std::string contentOf(Catalog& catalog);
+
 /// One id as the list that most operations take.
 inline std::vector<PhotoID> only(PhotoID id)
 {
