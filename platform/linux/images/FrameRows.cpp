@@ -1,4 +1,5 @@
 #include "platform/ImageReader.h"
+#include "platform/linux/images/PictureStream.h"
 #include "platform/linux/images/WholeRows.h"
 
 #include <algorithm>
@@ -20,6 +21,11 @@ namespace {
 
 struct Free {
     void operator()(AVFormatContext* it) const { avformat_close_input(&it); }
+    void operator()(AVIOContext* it) const
+    {
+        av_freep(static_cast<void*>(&it->buffer));
+        avio_context_free(&it);
+    }
     void operator()(AVCodecContext* it) const { avcodec_free_context(&it); }
     void operator()(AVFrame* it) const { av_frame_free(&it); }
     void operator()(AVPacket* it) const { av_packet_free(&it); }
@@ -57,15 +63,45 @@ void checkHeader(const PictureFile& file)
         checkSize(file, side(18, 4), side(22, 4));
 }
 
-std::unique_ptr<AVFormatContext, Free> openContainer(const PictureFile& file)
+int readStream(void* from, std::uint8_t* to, int length)
+{
+    const auto count = PictureStream::of(from).read(to, static_cast<std::size_t>(length));
+    return count > 0 ? static_cast<int>(count) : AVERROR_EOF;
+}
+
+std::int64_t seekInStream(void* in, std::int64_t offset, int origin)
+{
+    auto& stream = PictureStream::of(in);
+    if ((origin & AVSEEK_SIZE) != 0)
+        return static_cast<std::int64_t>(stream.size());
+    return stream.seek(offset, origin & ~AVSEEK_FORCE) ? static_cast<std::int64_t>(stream.position())
+                                                       : AVERROR(EINVAL);
+}
+
+std::unique_ptr<AVIOContext, Free> openInput(PictureStream& stream)
+{
+    constexpr int size = 32 << 10;
+    auto* const buffer = static_cast<unsigned char*>(av_malloc(size));
+    auto* const input
+        = buffer ? avio_alloc_context(buffer, size, 0, &stream, readStream, nullptr, seekInStream) : nullptr;
+    if (!input) {
+        av_free(buffer);
+        throw std::bad_alloc();
+    }
+    return std::unique_ptr<AVIOContext, Free>(input);
+}
+
+std::unique_ptr<AVFormatContext, Free> openContainer(const PictureFile& file, AVIOContext* input)
 {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "format_whitelist", containers, 0);
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    av_dict_set(&options, "protocol_whitelist", "none", 0);
     av_dict_set(&options, "enable_drefs", "0", 0); // tracks that lie in other files
-    AVFormatContext* context = nullptr;
-    const int result
-        = avformat_open_input(&context, ("file:" + file.path().string()).c_str(), nullptr, &options);
+    AVFormatContext* context = avformat_alloc_context();
+    if (!context)
+        throw std::bad_alloc();
+    context->pb = input;
+    const int result = avformat_open_input(&context, file.path().c_str(), nullptr, &options);
     av_dict_free(&options);
     check(file, result, ImageError::Case::damaged, "the file is damaged");
     std::unique_ptr<AVFormatContext, Free> opened(context);
@@ -167,7 +203,9 @@ std::unique_ptr<PictureRows> openFrame(PictureFile& file, const OpenOptions&)
 {
     av_log_set_level(AV_LOG_QUIET);
     checkHeader(file);
-    const auto film = openContainer(file);
+    PictureStream contents(file);
+    const auto input = openInput(contents);
+    const auto film = openContainer(file, input.get());
     const AVCodec* codec = nullptr;
     const int stream = av_find_best_stream(film.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec, 0);
     check(file, stream, ImageError::Case::unsupported, "it holds no picture that can be decoded");

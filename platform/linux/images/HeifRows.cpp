@@ -1,3 +1,4 @@
+#include "platform/linux/images/PictureStream.h"
 #include "platform/linux/images/WholeRows.h"
 
 #include <algorithm>
@@ -29,6 +30,23 @@ void check(const PictureFile& file, const heif_error& error)
                                                                : ImageError::Case::damaged,
         (isUnknown ? "cannot be decoded: " : "the file is damaged: ") + std::string(error.message));
 }
+
+/// Never a failure, for which libheif ends the process: zeros, and the file remembers.
+int readStream(void* to, std::size_t length, void* from)
+{
+    const auto count = PictureStream::of(from).read(to, length);
+    std::memset(static_cast<std::uint8_t*>(to) + count, 0, length - count);
+    return 0;
+}
+
+constexpr heif_reader reader{1,
+    [](void* from) { return static_cast<std::int64_t>(PictureStream::of(from).position()); }, readStream,
+    [](std::int64_t position, void* in) { return PictureStream::of(in).seek(position, SEEK_SET) ? 0 : 1; },
+    [](std::int64_t wanted, void* of) {
+        return wanted <= static_cast<std::int64_t>(PictureStream::of(of).size())
+            ? heif_reader_grow_status_size_reached
+            : heif_reader_grow_status_size_beyond_eof;
+    }};
 
 /// Whether two pictures have the same shape to 1 %: a thumbnail may lack the turn that the picture has.
 bool haveOneShape(const heif_image_handle* a, const heif_image_handle* b)
@@ -128,8 +146,9 @@ PixelBuffer<std::uint8_t> pixelsOf(
 
 std::unique_ptr<PictureRows> openHeif(PictureFile& file, const OpenOptions& options)
 {
+    PictureStream stream(file);
     const std::unique_ptr<heif_context, Free> context(heif_context_alloc());
-    check(file, heif_context_read_from_file(context.get(), file.path().c_str(), nullptr));
+    check(file, heif_context_read_from_reader(context.get(), &reader, &stream, nullptr));
     heif_image_handle* found = nullptr;
     check(file, heif_context_get_primary_image_handle(context.get(), &found));
     Handle whole(found);

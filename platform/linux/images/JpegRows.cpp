@@ -8,7 +8,6 @@
 #include <cstdio> // jpeglib.h takes FILE for granted
 #include <cstdlib>
 #include <cstring>
-#include <exception>
 #include <jerror.h>
 #include <jpeglib.h>
 
@@ -90,8 +89,6 @@ private:
     /// Says what the jump was for.
     [[noreturn]] void fail() const
     {
-        if (unread_)
-            std::rethrow_exception(unread_);
         file_.fail(which_,
             which_ == ImageError::Case::damaged           ? "the file is damaged: " + message_
                 : which_ == ImageError::Case::unsupported ? "this kind of JPEG cannot be decoded: " + message_
@@ -223,7 +220,7 @@ private:
     bool readRow(std::uint8_t* row)
     {
         if (setjmp(jump_)) {
-            if (unread_ || which_ == ImageError::Case::stopped)
+            if (which_ == ImageError::Case::stopped)
                 fail();
             isBroken_ = true;
             errors_.num_warnings = 1;
@@ -237,25 +234,13 @@ private:
     {
         static constexpr JOCTET end[] = {0xFF, JPEG_EOI};
         const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(buffer_.size(), end_ - offset_));
-        const auto count = readSafely(wanted);
-        if (unread_)
-            std::longjmp(jump_, 1);
+        const auto count = file_.readSafely(offset_, buffer_.data(), wanted);
         offset_ += count;
         source_.next_input_byte = count > 0 ? buffer_.data() : end;
         source_.bytes_in_buffer = count > 0 ? count : sizeof end;
         if (count == 0)
             warn("it ends too early");
         return TRUE;
-    }
-
-    /// A read that fails in the middle of a picture must not throw through the library: it is thrown behind
-    /// it. The file is not damaged.
-    std::size_t readSafely(std::size_t wanted) noexcept
-    try {
-        return wanted == 0 ? 0 : file_.readAt(offset_, buffer_.data(), wanted);
-    } catch (const ImageError&) {
-        unread_ = std::current_exception();
-        return 0;
     }
 
     void skip(long count)
@@ -306,7 +291,6 @@ private:
     std::jmp_buf jump_{};
     std::string message_;
     ImageError::Case which_ = ImageError::Case::damaged; ///< of the message
-    std::exception_ptr unread_; ///< the file's error
     std::stop_token stop_;
     std::array<JOCTET, 128 << 10> buffer_;
     bool inverts_ = false;

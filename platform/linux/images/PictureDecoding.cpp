@@ -63,6 +63,7 @@ private:
         if (stop_.stop_requested())
             file_.fail(ImageError::Case::stopped, "was stopped");
         rows_.read(row);
+        file_.check();
     }
 
     /// Reads all rows as RGBA bytes: row y to where `place(y)` says, then calls `done(y)`.
@@ -209,6 +210,9 @@ try {
         }
     const auto rows = open(file, options);
     return Decoding(file, *rows, request, stop).run();
+} catch (const ImageError&) {
+    file.check(); // what could not be read says more than what a library made of it
+    throw;
 } catch (const std::bad_alloc&) {
     file.fail(ImageError::Case::memory, notEnoughMemory);
 }

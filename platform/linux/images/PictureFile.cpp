@@ -33,13 +33,35 @@ PictureFile::PictureFile(const std::filesystem::path& path)
 
 std::size_t PictureFile::readAt(std::uint64_t offset, std::uint8_t* buffer, std::size_t length) const
 {
+    std::size_t done = 0;
+    if (const int error = read(offset, buffer, length, done))
+        fail(ImageError::Case::open, "cannot be read: " + reason(error));
+    return done;
+}
+
+std::size_t PictureFile::readSafely(std::uint64_t offset, std::uint8_t* buffer, std::size_t length) noexcept
+{
+    std::size_t done = 0;
+    if (error_ == 0)
+        error_ = read(offset, buffer, length, done);
+    return error_ == 0 ? done : 0;
+}
+
+void PictureFile::check() const
+{
+    if (error_ != 0)
+        fail(ImageError::Case::open, "cannot be read: " + reason(error_));
+}
+
+int PictureFile::read(
+    std::uint64_t offset, std::uint8_t* buffer, std::size_t length, std::size_t& done) const noexcept
+{
     if (!file_) {
         const auto part = Bytes(contents_).from(offset);
-        length = std::min(length, part.size());
-        std::copy_n(part.data(), length, buffer);
-        return length;
+        done = std::min(length, part.size());
+        std::copy_n(part.data(), done, buffer);
+        return 0;
     }
-    std::size_t done = 0;
     while (done < length) {
         const auto count
             = pread(file_.descriptor(), buffer + done, length - done, static_cast<off_t>(offset + done));
@@ -48,9 +70,9 @@ std::size_t PictureFile::readAt(std::uint64_t offset, std::uint8_t* buffer, std:
         if (count > 0)
             done += static_cast<std::size_t>(count);
         else if (errno != EINTR)
-            fail(ImageError::Case::open, "cannot be read: " + reason(errno));
+            return errno;
     }
-    return done;
+    return 0;
 }
 
 std::vector<std::uint8_t> PictureFile::bytes(std::uint64_t offset, std::uint64_t length) const

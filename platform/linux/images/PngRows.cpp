@@ -5,7 +5,6 @@
 #include <bit>
 #include <csetjmp>
 #include <cstring>
-#include <exception>
 #include <png.h>
 
 namespace korvo {
@@ -41,11 +40,8 @@ public:
 private:
     void open()
     {
-        if (setjmp(jump_)) {
-            if (unread_)
-                std::rethrow_exception(unread_);
+        if (setjmp(jump_))
             file_.fail(ImageError::Case::damaged, "the file is damaged: " + message_);
-        }
         handle_.png = png_create_read_struct(
             PNG_LIBPNG_VER_STRING, this, onError, [](png_structp, png_const_charp) {});
         handle_.info = handle_.png ? png_create_info_struct(handle_.png) : nullptr;
@@ -120,8 +116,6 @@ private:
     bool readRow(std::uint8_t* row)
     {
         if (setjmp(jump_)) {
-            if (unread_)
-                std::rethrow_exception(unread_);
             isBroken_ = true;
             return false;
         }
@@ -139,19 +133,10 @@ private:
     static void onRead(png_structp png, png_bytep bytes, std::size_t length)
     {
         auto& self = *static_cast<PngRows*>(png_get_io_ptr(png));
-        if (!self.readBytes(bytes, length))
+        const auto count = self.file_.readSafely(self.offset_, bytes, length);
+        self.offset_ += count;
+        if (count < length)
             png_error(png, "it ends too early");
-    }
-
-    /// What is thrown must not pass through the library: it is thrown behind it.
-    bool readBytes(std::uint8_t* bytes, std::size_t length) noexcept
-    try {
-        const auto count = file_.readAt(offset_, bytes, length);
-        offset_ += count;
-        return count == length;
-    } catch (const ImageError&) {
-        unread_ = std::current_exception();
-        return false;
     }
 
     struct Handle {
@@ -168,7 +153,6 @@ private:
     Handle handle_;
     std::jmp_buf jump_{};
     std::string message_;
-    std::exception_ptr unread_; ///< the file's error
     bool isInterlaced_ = false;
     bool isBroken_ = false;
     int next_ = 0;

@@ -1,9 +1,9 @@
 #include "platform/ExifPicture.h"
+#include "platform/linux/images/RawStream.h"
 #include "platform/linux/images/WholeRows.h"
 
 #include <algorithm>
 #include <array>
-#include <libraw/libraw.h>
 
 namespace korvo {
 
@@ -14,11 +14,19 @@ constexpr auto colourNote = "the camera is not known: its colours are a guess";
 constexpr auto damageNote = "its raw data are damaged: the preview that the camera stored is shown";
 constexpr auto kindNote = "its kind of raw data is not known: the preview that the camera stored is shown";
 
-/// LibRaw, with what it keeps to itself.
+/// LibRaw on a picture's file, with what it keeps to itself.
 class Raw : public LibRaw {
 public:
+    explicit Raw(PictureFile& file) : stream_(file) { }
+
+    /// LibRaw's number for what is wrong with the file.
+    int open() { return open_datastream(&stream_); }
+
     /// Whether it knows what the camera's colours are.
     bool hasMatrix() const { return libraw_internal_data.internal_output_params.raw_color == 0; }
+
+private:
+    RawStream stream_;
 };
 
 /// A preview that lies in a raw file, with what the raw file says of the picture.
@@ -204,11 +212,11 @@ std::unique_ptr<PictureRows> develop(
 
 /// What a raw file shows that cannot be developed: the preview that it stores, or any, or null.
 std::unique_ptr<PictureRows> previewInstead(
-    const PictureFile& file, PictureInfo info, const OpenOptions& options, const ImageError& error)
+    PictureFile& file, PictureInfo info, const OpenOptions& options, const ImageError& error)
 {
     info.note = error.which() == ImageError::Case::damaged ? damageNote : kindNote;
-    const auto anew = std::make_unique<Raw>(); // one that has failed keeps nothing
-    if (anew->open_file(file.path().c_str()) == LIBRAW_SUCCESS)
+    const auto anew = std::make_unique<Raw>(file); // one that has failed keeps nothing
+    if (anew->open() == LIBRAW_SUCCESS)
         if (auto rows = preview(file, *anew, info, options))
             return rows;
     return anyPreview(file, info, options);
@@ -224,9 +232,9 @@ bool isCameraKnown(const LibRaw& raw)
 
 std::unique_ptr<PictureRows> openRaw(PictureFile& file, const OpenOptions& options)
 {
-    const auto raw = std::make_unique<Raw>();
+    const auto raw = std::make_unique<Raw>(file);
     PictureInfo info;
-    if (const int opened = raw->open_file(file.path().c_str()); opened != LIBRAW_SUCCESS) {
+    if (const int opened = raw->open(); opened != LIBRAW_SUCCESS) {
         info.note = previewNote;
         if (auto rows = anyPreview(file, info, options))
             return rows;

@@ -1,4 +1,5 @@
 #include "platform/linux/images/PictureRows.h"
+#include "platform/linux/images/PictureStream.h"
 #include "platform/linux/images/WholeRows.h"
 
 #include <algorithm>
@@ -12,9 +13,30 @@ namespace korvo {
 namespace {
 
 struct CloseTiff {
+    std::unique_ptr<PictureStream> stream; ///< what it reads from
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
 };
 using Tiff = std::unique_ptr<TIFF, CloseTiff>;
+
+/// Null for what is no TIFF.
+Tiff openStream(PictureFile& file)
+{
+    auto stream = std::make_unique<PictureStream>(file);
+    TIFF* const tiff = TIFFClientOpen(
+        file.path().c_str(), "rm", stream.get(), // read, not mapped
+        [](thandle_t from, void* to, tmsize_t length) {
+            return static_cast<tmsize_t>(PictureStream::of(from).read(to, static_cast<std::size_t>(length)));
+        },
+        [](thandle_t, void*, tmsize_t) -> tmsize_t { return -1; },
+        [](thandle_t in, toff_t offset, int origin) -> toff_t {
+            return PictureStream::of(in).seek(static_cast<std::int64_t>(offset), origin)
+                ? PictureStream::of(in).position()
+                : toff_t(-1);
+        },
+        [](thandle_t) { return 0; }, [](thandle_t in) -> toff_t { return PictureStream::of(in).size(); },
+        nullptr, nullptr);
+    return Tiff(tiff, {std::move(stream)});
+}
 
 template <typename Value>
 Value tagOf(TIFF* tiff, std::uint32_t tag)
@@ -196,7 +218,7 @@ std::unique_ptr<PictureRows> openTiff(PictureFile& file, const OpenOptions&)
 {
     TIFFSetErrorHandler(nullptr);
     TIFFSetWarningHandler(nullptr);
-    Tiff tiff(TIFFOpen(file.path().c_str(), "rm")); // read, not mapped
+    Tiff tiff = openStream(file);
     if (!tiff)
         file.fail(ImageError::Case::damaged, "the file is damaged: it is no whole TIFF");
     if (isThumbnail(tiff.get()))
