@@ -1,4 +1,4 @@
-#include "platform/linux/ProcessFence.h"
+#include "platform/linux/decoder/ProcessFence.h"
 #include "platform/linux/images/DecoderProtocol.h"
 #include "platform/linux/images/SystemImageReader.h"
 #include "tests/support/TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "platform/linux/ProcessFence.h"
+#include "platform/linux/decoder/ProcessFence.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "app/decoder/Service.h"
+#include "platform/linux/decoder/Service.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>

@@ -1,6 +1,6 @@
-#include "app/decoder/Service.h"
+#include "platform/linux/decoder/Service.h"
 
-#include "platform/linux/ProcessFence.h"
+#include "platform/linux/decoder/ProcessFence.h"
 #include "platform/linux/images/DecoderProtocol.h"
 #include "platform/linux/images/OutsideDecoding.h"
 
