@@ -2,7 +2,6 @@
 #include "platform/linux/images/WholeRows.h"
 
 #include <algorithm>
-#include <cmath>
 #include <lcms2.h>
 #include <libheif/heif.h>
 
@@ -48,20 +47,14 @@ constexpr heif_reader reader{1,
             : heif_reader_grow_status_size_beyond_eof;
     }};
 
-/// Whether two pictures have the same shape to 1 %: a thumbnail may lack the turn that the picture has.
-bool haveOneShape(const heif_image_handle* a, const heif_image_handle* b)
-{
-    const double ratio = double(heif_image_handle_get_width(a)) * heif_image_handle_get_height(b)
-        / (double(heif_image_handle_get_height(a)) * heif_image_handle_get_width(b));
-    return std::abs(ratio - 1) < 0.01;
-}
-
 /// The smallest of the stored thumbnails that has `size` pixels a side and the picture's shape, or null.
 Handle thumbnail(const heif_image_handle* image, int size)
 {
     std::vector<heif_item_id> ids(
         static_cast<std::size_t>(heif_image_handle_get_number_of_thumbnails(image)));
     heif_image_handle_get_list_of_thumbnail_IDs(image, ids.data(), static_cast<int>(ids.size()));
+    const int wholeWidth = heif_image_handle_get_width(image),
+              wholeHeight = heif_image_handle_get_height(image);
     Handle best;
     int bestSide = 0;
     for (const auto id : ids) {
@@ -69,8 +62,10 @@ Handle thumbnail(const heif_image_handle* image, int size)
         if (heif_image_handle_get_thumbnail(image, id, &it).code != heif_error_Ok)
             continue;
         Handle handle(it);
-        const int side = std::max(heif_image_handle_get_width(it), heif_image_handle_get_height(it));
-        if (side >= size && haveOneShape(it, image) && (!best || side < bestSide)) {
+        const int width = heif_image_handle_get_width(it), height = heif_image_handle_get_height(it);
+        const int side = std::max(width, height);
+        if (side >= size && hasShapeOf(width, height, wholeWidth, wholeHeight)
+            && (!best || side < bestSide)) {
             best = std::move(handle);
             bestSide = side;
         }

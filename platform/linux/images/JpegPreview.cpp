@@ -2,20 +2,12 @@
 #include "platform/linux/images/PictureRows.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace korvo {
 
 namespace {
 
 constexpr std::uint64_t headLength = 128 << 10; // an EXIF block has at most 64 KiB
-
-/// Whether a smaller picture shows the same as the whole one: thumbnails may have black bars.
-bool hasShapeOf(const JpegSize& small, const JpegSize& whole)
-{
-    const double ratio = double(small.width) * whole.height / (double(small.height) * whole.width);
-    return std::abs(ratio - 1) < 0.01;
-}
 
 /// The rows of a preview, with what the whole picture says of itself. A damaged preview is none.
 class PreviewRows : public PictureRows {
@@ -60,7 +52,8 @@ std::unique_ptr<PictureRows> openJpegPreview(PictureFile& file, const OpenOption
         const auto start = file.bytes(preview.offset, std::min(preview.length, headLength));
         const auto size = jpegSize(Bytes(start));
         const int side = size ? std::max(size->width, size->height) : 0;
-        if (side >= options.size && side < bestSide && hasShapeOf(*size, *whole)) {
+        if (side >= options.size && side < bestSide
+            && hasShapeOf(size->width, size->height, whole->width, whole->height)) {
             best = &preview;
             bestSide = side;
         }

@@ -14,14 +14,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// Whether the rows are of another shape than the whole picture, as previews may be that follow a setting of
-/// the camera which its raw data do not.
-bool hasOwnShape(const PictureInfo& info)
-{
-    const double height = double(info.width) * info.fullHeight / info.fullWidth;
-    return std::abs(info.height - height) > std::max(1.0, 0.01 * height);
-}
-
 /// One picture on its way from rows to an image.
 class Decoding {
     static constexpr int rowsBetweenCalls = 64;
@@ -34,9 +26,9 @@ public:
           isCopied_(!isLinear_ && ColourConversion::isBitmap(info_)),
           announcesRows_(rowsReady_ && isCopied_ && info_.orientation == Orientation::upright)
     {
-        std::tie(width_, height_) = hasOwnShape(info_)
-            ? shrunkSize(info_.width, info_.height, request.size)
-            : shrunkSize(info_.fullWidth, info_.fullHeight, request.size);
+        std::tie(width_, height_) = hasShapeOf(info_.width, info_.height, info_.fullWidth, info_.fullHeight)
+            ? shrunkSize(info_.fullWidth, info_.fullHeight, request.size)
+            : shrunkSize(info_.width, info_.height, request.size);
         width_ = std::min(width_, info_.width);
         height_ = std::min(height_, info_.height);
     }
@@ -226,6 +218,12 @@ void checkSize(const PictureFile& file, std::int64_t width, std::int64_t height)
             "its " + std::to_string(width) + " × " + std::to_string(height)
                 + " pixels are more than Korvo opens (" + std::to_string(mostPixels / 1'000'000)
                 + " megapixels)");
+}
+
+bool hasShapeOf(int width, int height, int wholeWidth, int wholeHeight)
+{
+    const double wanted = double(width) * wholeHeight / wholeWidth;
+    return std::abs(height - wanted) <= std::max(1.0, 0.01 * wanted);
 }
 
 void checkContents(

@@ -97,6 +97,10 @@ using OpenRows = std::unique_ptr<PictureRows> (*)(PictureFile& file, const OpenO
 /// damaged).
 void checkSize(const PictureFile& file, std::int64_t width, std::int64_t height);
 
+/// Whether a picture has the shape of the whole one to 1 % or a pixel: stored previews may have black bars,
+/// lack the turn that the whole picture has, or follow a setting of the camera that its raw data do not.
+bool hasShapeOf(int width, int height, int wholeWidth, int wholeHeight);
+
 /// Refuses sizes that so few bytes cannot tell of, at most `pixelsInByte` pixels each. Throws ImageError
 /// (damaged).
 void checkContents(
