@@ -1,6 +1,6 @@
 #include "edits/RowKernels.h"
 
-#include "edits/ColorMatrix.h"
+#include "platform/ColorMatrix.h"
 #include "platform/Srgb.h"
 
 #include <cstring>

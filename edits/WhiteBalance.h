@@ -1,7 +1,7 @@
 #pragma once
 
 #include "edits/BasicFilters.h"
-#include "edits/ColorMatrix.h"
+#include "platform/ColorMatrix.h"
 
 namespace korvo {
 

@@ -1,5 +1,6 @@
 #include "platform/PictureWriter.h"
 #include "platform/linux/images/ColourConversion.h"
+#include "platform/linux/images/IccProfiles.h"
 #include "platform/linux/images/PictureWriters.h"
 #include "platform/linux/images/SystemImageReader.h"
 #include "tests/support/TemporaryFolder.h"
@@ -107,17 +108,7 @@ TEST(ColourConversion, premultipliedColoursComeOutAsTheStraightOnesDo)
     premultiplied.format.alpha = RowFormat::Alpha::premultiplied;
     constexpr std::array<std::uint8_t, 4> pixel{200, 100, 50, 128};
     constexpr std::array<std::uint8_t, 4> multiplied{100, 50, 25, 128};
-    const cmsCIExyY d65{0.3127, 0.3290, 1};
-    const cmsCIExyYTRIPLE p3{{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}};
-    auto* const curve = cmsBuildGamma(nullptr, 2.2);
-    cmsToneCurve* const curves[] = {curve, curve, curve};
-    auto* const profile = cmsCreateRGBProfile(&d65, &p3, curves);
-    cmsUInt32Number length = 0;
-    cmsSaveProfileToMem(profile, nullptr, &length);
-    std::vector<std::uint8_t> wide(length);
-    cmsSaveProfileToMem(profile, wide.data(), &length);
-    cmsCloseProfile(profile);
-    cmsFreeToneCurve(curve);
+    const auto wide = iccBytes(gammaProfile(displayP3Primaries, 2.2));
     for (const auto& each : {std::vector<std::uint8_t>(), wide}) {
         straight.profile = premultiplied.profile = each;
         std::array<std::uint8_t, 4> in = pixel, wanted{}, found{};

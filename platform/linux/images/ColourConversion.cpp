@@ -1,6 +1,8 @@
 #include "platform/linux/images/ColourConversion.h"
 
+#include "platform/ColorMatrix.h"
 #include "platform/Srgb.h"
+#include "platform/linux/images/IccProfiles.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,26 +17,6 @@ using Model = RowFormat::Model;
 using Alpha = RowFormat::Alpha;
 using Depth = RowFormat::Depth;
 
-struct CloseProfile {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-using LcmsProfile = std::unique_ptr<void, CloseProfile>;
-
-struct FreeCurve {
-    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
-};
-
-constexpr cmsCIExyY d65{0.3127, 0.3290, 1};
-constexpr cmsCIExyYTRIPLE srgbPrimaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
-constexpr cmsCIExyYTRIPLE adobePrimaries{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
-
-LcmsProfile profileOf(const cmsCIExyYTRIPLE& primaries, double gamma)
-{
-    const std::unique_ptr<cmsToneCurve, FreeCurve> curve(cmsBuildGamma(nullptr, gamma));
-    cmsToneCurve* const curves[] = {curve.get(), curve.get(), curve.get()};
-    return LcmsProfile(cmsCreateRGBProfile(&d65, &primaries, curves));
-}
-
 cmsColorSpaceSignature spaceOf(Model model)
 {
     switch (model) {
@@ -48,14 +30,12 @@ cmsColorSpaceSignature spaceOf(Model model)
     return {};
 }
 
-using Matrix = std::array<double, 9>;
-
 constexpr std::array colorantTags{cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag};
 
 /// The columns of a profile that has them: what each of its colours is in XYZ under its white, D50.
-Matrix colorants(cmsHPROFILE profile)
+ColorMatrix colorants(cmsHPROFILE profile)
 {
-    Matrix matrix{};
+    ColorMatrix matrix{};
     std::size_t column = 0;
     for (const auto tag : colorantTags) {
         const auto* const xyz = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile, tag));
@@ -67,30 +47,11 @@ Matrix colorants(cmsHPROFILE profile)
     return matrix;
 }
 
-Matrix inverse(const Matrix& m)
-{
-    const auto minor = [&](std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
-        return m[a] * m[d] - m[b] * m[c];
-    };
-    Matrix r{minor(4, 5, 7, 8), minor(2, 1, 8, 7), minor(1, 2, 4, 5), minor(5, 3, 8, 6), minor(0, 2, 6, 8),
-        minor(2, 0, 5, 3), minor(3, 4, 6, 7), minor(1, 0, 7, 6), minor(0, 1, 3, 4)};
-    const double determinant = m[0] * r[0] + m[1] * r[3] + m[2] * r[6];
-    for (double& value : r)
-        value /= determinant;
-    return r;
-}
-
 /// Linear RGB of the profile to linear sRGB.
-Matrix toSrgb(cmsHPROFILE profile)
+ColorMatrix toSrgb(cmsHPROFILE profile)
 {
-    static const Matrix fromXYZ = inverse(colorants(profileOf(srgbPrimaries, 1).get()));
-    const Matrix toXYZ = colorants(profile);
-    Matrix product{};
-    for (std::size_t row = 0; row < 3; ++row)
-        for (std::size_t column = 0; column < 3; ++column)
-            for (std::size_t i = 0; i < 3; ++i)
-                product[3 * row + column] += fromXYZ[3 * row + i] * toXYZ[3 * i + column];
-    return product;
+    static const ColorMatrix fromXYZ = inverse(colorants(gammaProfile(srgbPrimaries, 1).get()));
+    return fromXYZ * colorants(profile);
 }
 
 const cmsToneCurve* curveOf(cmsHPROFILE profile, Model model, std::size_t channel)
@@ -129,7 +90,7 @@ bool isSrgb(cmsHPROFILE profile, Model model)
         }
     if (model == Model::grey)
         return true;
-    const Matrix matrix = toSrgb(profile);
+    const ColorMatrix matrix = toSrgb(profile);
     for (std::size_t i = 0; i < matrix.size(); ++i)
         if (!(std::abs(matrix[i] - (i % 4 == 0 ? 1 : 0)) <= 0.004))
             return false;
@@ -152,7 +113,7 @@ cmsHTRANSFORM transformOf(
     cmsHPROFILE profile, const RowFormat& format, ColourConversion::Target target, cmsUInt32Number flags)
 {
     const bool isLinear = target == ColourConversion::Target::linear;
-    const LcmsProfile srgb = isLinear ? profileOf(srgbPrimaries, 1) : LcmsProfile(cmsCreate_sRGBProfile());
+    const IccProfile srgb = isLinear ? gammaProfile(srgbPrimaries, 1) : IccProfile(cmsCreate_sRGBProfile());
     return cmsCreateTransform(profile, lcmsFormat(format), srgb.get(), isLinear ? TYPE_RGB_FLT : TYPE_RGBA_8,
         INTENT_RELATIVE_COLORIMETRIC, flags);
 }
@@ -181,13 +142,13 @@ bool isUsable(cmsHPROFILE profile, const RowFormat& format)
 }
 
 /// The picture's profile, if it has one that can be used.
-LcmsProfile profileOf(const PictureInfo& picture)
+IccProfile profileOf(const PictureInfo& picture)
 {
     if (picture.profile.empty() && picture.isAdobeRGB && picture.format.model == Model::rgb)
-        return profileOf(adobePrimaries, 563.0 / 256);
+        return gammaProfile(adobePrimaries, 563.0 / 256);
     if (picture.profile.empty())
         return {};
-    LcmsProfile profile(
+    IccProfile profile(
         cmsOpenProfileFromMem(picture.profile.data(), static_cast<cmsUInt32Number>(picture.profile.size())));
     if (profile && !isUsable(profile.get(), picture.format))
         profile.reset();

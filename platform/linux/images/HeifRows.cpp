@@ -1,8 +1,8 @@
+#include "platform/linux/images/IccProfiles.h"
 #include "platform/linux/images/PictureStream.h"
 #include "platform/linux/images/WholeRows.h"
 
 #include <algorithm>
-#include <lcms2.h>
 #include <libheif/heif.h>
 
 namespace korvo {
@@ -77,23 +77,14 @@ Handle thumbnail(const heif_image_handle* image, int size)
 /// sRGB's own and those that are not known.
 std::vector<std::uint8_t> profileOfPrimaries(int primaries)
 {
-    constexpr cmsCIExyY d65{0.3127, 0.3290, 1};
-    cmsCIExyYTRIPLE points{{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}}; // Display P3
-    if (primaries == heif_color_primaries_ITU_R_BT_2020_2_and_2100_0)
-        points = {{0.708, 0.292, 1}, {0.170, 0.797, 1}, {0.131, 0.046, 1}};
-    else if (primaries != heif_color_primaries_SMPTE_EG_432_1)
+    switch (primaries) {
+    case heif_color_primaries_SMPTE_EG_432_1:
+        return iccBytes(srgbCurveProfile(displayP3Primaries));
+    case heif_color_primaries_ITU_R_BT_2020_2_and_2100_0:
+        return iccBytes(srgbCurveProfile(bt2020Primaries));
+    default:
         return {};
-    constexpr cmsFloat64Number srgbCurve[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
-    cmsToneCurve* const curve = cmsBuildParametricToneCurve(nullptr, 4, srgbCurve);
-    cmsToneCurve* const curves[] = {curve, curve, curve};
-    cmsHPROFILE profile = cmsCreateRGBProfile(&d65, &points, curves);
-    cmsUInt32Number length = 0;
-    cmsSaveProfileToMem(profile, nullptr, &length);
-    std::vector<std::uint8_t> bytes(length);
-    cmsSaveProfileToMem(profile, bytes.data(), &length);
-    cmsCloseProfile(profile);
-    cmsFreeToneCurve(curve);
-    return bytes;
+    }
 }
 
 void takeProfile(const heif_image_handle* image, PictureInfo& info)

@@ -1,11 +1,11 @@
 #include "platform/linux/images/PictureWriters.h"
 
 #include "base/Text.h"
+#include "platform/linux/images/IccProfiles.h"
 #include "platform/linux/images/PictureDecoding.h"
 
 #include <algorithm>
 #include <array>
-#include <lcms2.h>
 
 namespace korvo {
 
@@ -19,17 +19,6 @@ struct Ending {
 constexpr std::array endings{Ending{".jpg", PictureFormat::jpeg}, Ending{".jpeg", PictureFormat::jpeg},
     Ending{".png", PictureFormat::png}, Ending{".webp", PictureFormat::webp},
     Ending{".tif", PictureFormat::tiff}, Ending{".tiff", PictureFormat::tiff}};
-
-std::vector<std::uint8_t> makeSrgbProfile()
-{
-    cmsHPROFILE profile = cmsCreate_sRGBProfile();
-    cmsUInt32Number length = 0;
-    cmsSaveProfileToMem(profile, nullptr, &length);
-    std::vector<std::uint8_t> bytes(length);
-    cmsSaveProfileToMem(profile, bytes.data(), &length);
-    cmsCloseProfile(profile);
-    return bytes;
-}
 
 } // namespace
 
@@ -84,7 +73,7 @@ bool isOpaque(const Bitmap& image)
 
 std::span<const std::uint8_t> srgbProfile()
 {
-    static const auto profile = makeSrgbProfile();
+    static const auto profile = iccBytes(IccProfile(cmsCreate_sRGBProfile()));
     return profile;
 }
 
