@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QTextOption>
 
 #include <algorithm>
 #include <cmath>
@@ -217,17 +218,17 @@ void PhotoView::paintMessage(QPainter& painter, const QString& text)
     if (text.isEmpty())
         return;
     const int margin = 10;
-    const QRect room = rect().adjusted(3 * margin, 3 * margin, -3 * margin, -3 * margin);
+    const QRectF room = rect().adjusted(3 * margin, 3 * margin, -3 * margin, -3 * margin);
     const bool isAlone = feed_.screen().image.isNull();
-    const int where = Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::AlignHCenter
-        | (isAlone ? Qt::AlignVCenter : Qt::AlignBottom);
-    const QRect box = painter.boundingRect(room, where, text);
+    QTextOption where(Qt::AlignHCenter | (isAlone ? Qt::AlignVCenter : Qt::AlignBottom));
+    where.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere); // a long path has no words
+    const QRectF box = painter.boundingRect(room, text, where);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme::plate);
     painter.drawRoundedRect(box.adjusted(-margin, -margin, margin, margin), 6, 6);
     painter.setPen(Qt::white);
-    painter.drawText(room, where, text);
+    painter.drawText(room, text, where);
 }
 
 void PhotoView::mousePressEvent(QMouseEvent* event)
