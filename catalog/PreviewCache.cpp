@@ -207,6 +207,8 @@ std::optional<KeptPreview> PreviewCache::find(const PreviewKey& key)
 {
     std::optional<KeptPreview> kept;
     use([&](Database& database) {
+        if (used_.size() >= usesInOneWrite)
+            flushUses(database);
         auto statement = database.kept("SELECT data, used, file_state FROM previews JOIN images ON images.id "
                                        "= previews.image WHERE key = ?");
         statement.bind(std::span<const std::uint8_t>(key));
@@ -217,8 +219,6 @@ std::optional<KeptPreview> PreviewCache::find(const PreviewKey& key)
         if (statement.integer(1) + secondsBetweenUses < secondsOf(clock_))
             used_.push_back(key);
     });
-    if (used_.size() >= usesInOneWrite)
-        use([&](Database& database) { flushUses(database); });
     return kept;
 }
 

@@ -208,6 +208,21 @@ TEST_F(PreviewsTest, aFullDiskOrALockCostsNoCache)
     EXPECT_EQ(cacheFile(), before);
 }
 
+TEST_F(PreviewsTest, severalThreadsFindAtOnceAndNoteTheUses)
+{
+    constexpr int images = 300; // more uses than are noted in one write
+    PreviewCache cache(folder / "Previews", bound, clock);
+    for (int size = 1; size <= images; ++size)
+        cache.store(key(size), "as it is", std::vector<std::uint8_t>(10));
+    clock.time += 1000;
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < 2; ++thread)
+        threads.emplace_back([&] {
+            for (int size = 1; size <= images; ++size)
+                EXPECT_TRUE(cache.find(key(size))) << size;
+        });
+}
+
 TEST_F(PreviewsTest, severalProcessesAndThreadsWriteAtOnce)
 {
     constexpr int processes = 3, threads = 2, images = 60;
