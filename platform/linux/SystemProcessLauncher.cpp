@@ -2,10 +2,10 @@
 
 #include "platform/linux/ChildProcess.h"
 #include "platform/linux/PipeSignalBlock.h"
+#include "platform/linux/StopEvent.h"
 
 #include <array>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace korvo {
@@ -17,21 +17,6 @@ using Case = ProcessError::Case;
 constexpr std::size_t longestOutput = 256 << 20;
 
 constexpr auto neverWhole = [](const ProcessOutput&) { return false; };
-
-/// A descriptor that becomes readable with a stop request, so that poll wakes up.
-class StopEvent {
-public:
-    explicit StopEvent(const std::stop_token& stop)
-        : event_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-          callback_(stop, [this] { eventfd_write(event_.descriptor(), 1); })
-    { }
-
-    int descriptor() const { return event_.descriptor(); }
-
-private:
-    PosixFile event_;
-    std::stop_callback<std::function<void()>> callback_;
-};
 
 /// Writes what the pipe takes at once. A reader that has gone takes everything.
 void send(std::string_view& input, const PosixFile& pipe)
