@@ -123,6 +123,6 @@ def write(stored, run):
         f"{sum(step['seconds'] for step in steps) / 60:.0f} minutes; load before the steps {min(loads):.1f} to "
         f"{max(loads):.1f}. Beside {peers()}.", "",
         "| What | Ours | Theirs | Ratio | Goal | Met |", "|---|---|---|---|---|---|", *lines, "",
-        *(["Not measured: " + "; ".join(missing) + ".", ""] if missing else []),
+        *(["## Not measured", "", *(f"- {what}" for what in missing), ""] if missing else []),
         "## Growth", "", *growth(stored, run), "", findings().rstrip(), ""])
     return text, missing
