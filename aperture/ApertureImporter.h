@@ -70,6 +70,9 @@ private:
     std::mutex progressMutex_;
 };
 
+KORVO_RECORD(ApertureImporter::Summary, catalogExists, alreadyImported, masters, versions, missingFiles,
+    albums, projects, smartAlbums, smartAlbumsAsPlain, stacks, adjustedVersions, matchedToPreview, report)
+
 /// An import that is refused. what() is the text for the user.
 class ImportError : public std::runtime_error {
 public:

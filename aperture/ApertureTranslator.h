@@ -56,4 +56,6 @@ struct ApertureTranslator {
     static WhiteBalance asShot(std::span<const ApertureAdjustment> adjustments);
 };
 
+KORVO_RECORD(ApertureTranslator::Report, unsupported, approximated)
+
 } // namespace korvo

@@ -10,6 +10,13 @@ constexpr int analysisSize = 512; // of the longer side, in pixels
 
 } // namespace
 
+AutoLook autoLook(ImageReader& reader, const std::filesystem::path& file, const std::stop_token& stop)
+{
+    const auto rendered = renderPhoto(reader, {.file = file, .size = analysisSize}, stop);
+    const auto statistics = AutoEnhance::statistics(rendered.image);
+    return {statistics ? std::optional(AutoEnhance::values(*statistics)) : std::nullopt, rendered.note};
+}
+
 std::vector<AutoProposal> autoProposals(ImageReader& reader, std::span<const PhotoItem> photos,
     const std::stop_token& stop, const std::function<void(std::size_t)>& progress,
     const std::function<void(std::string)>& failed)
@@ -20,9 +27,8 @@ std::vector<AutoProposal> autoProposals(ImageReader& reader, std::span<const Pho
         if (stop.stop_requested())
             break;
         try {
-            const auto rendered = renderPhoto(reader, {.file = photo.path(), .size = analysisSize}, stop);
-            if (const auto statistics = AutoEnhance::statistics(rendered.image))
-                proposals.push_back({photo.id, AutoEnhance::values(*statistics)});
+            if (const auto values = autoLook(reader, photo.path(), stop).values)
+                proposals.push_back({photo.id, *values});
         } catch (const std::exception& error) {
             if (!stop.stop_requested())
                 failed(error.what());

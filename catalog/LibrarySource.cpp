@@ -24,6 +24,16 @@ constexpr Name numbered[] = {{"folder:", Kind::folder}, {"album:", Kind::album},
 
 } // namespace
 
+std::string sourceNames()
+{
+    std::string names = "all";
+    for (const auto& [prefix, kind] : numbered)
+        names += ", " + std::string(prefix) + "ID";
+    for (const auto& [name, kind] : fixed)
+        names += ", " + std::string(name);
+    return names;
+}
+
 std::optional<LibrarySource> parseSource(std::string_view text)
 {
     if (text == "all")
@@ -35,9 +45,7 @@ std::optional<LibrarySource> parseSource(std::string_view text)
         if (text.starts_with(prefix))
             if (const auto id = wholeNumber<std::int64_t>(text.substr(prefix.size())))
                 return LibrarySource{kind, *id, {}};
-    throw std::invalid_argument("no source \"" + std::string(text)
-        + "\": use all, flagged, no-alt, recent, videos, or folder:, album:, smart:, project:, person: with "
-          "an id");
+    throw std::invalid_argument("no source \"" + std::string(text) + "\": use " + sourceNames());
 }
 
 std::string sourceText(const std::optional<LibrarySource>& source)

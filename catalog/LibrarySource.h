@@ -32,6 +32,9 @@ struct LibrarySource {
     friend bool operator==(const LibrarySource&, const LibrarySource&) = default;
 };
 
+/// What parseSource reads, for help: "all, folder:ID, …".
+std::string sourceNames();
+
 /// The source of a text as the command line takes it: "all", "folder:3", "album:3", "smart:3", "project:3",
 /// "person:3", "flagged", "no-alt", "recent", "videos", "faces", "places". Throws std::invalid_argument.
 std::optional<LibrarySource> parseSource(std::string_view text);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Enum.h"
 #include "base/MainThread.h"
 #include "base/Signal.h"
 #include "base/Task.h"
@@ -74,5 +75,7 @@ private:
 /// The line for the user: "Not installed", "Downloading… 45 %", "Downloading… 3 MB", "Installed", or what
 /// went wrong.
 std::string stateText(const ModelStore::State& state);
+
+KORVO_ENUM(ModelStore::State::Case, missing, downloading, failed, ready)
 
 } // namespace korvo

@@ -52,6 +52,7 @@ struct ImportCounts {
     std::size_t duplicates = 0; // that were not picked, or known under their path
     std::size_t failed = 0;
 };
+KORVO_RECORD(ImportCounts, imported, duplicates, failed)
 ImportCounts countsOf(const ImportListing& listing, const ImportResult& result);
 std::string countsText(const ImportCounts& counts);
 

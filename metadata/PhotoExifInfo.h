@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Dates.h"
+#include "base/Record.h"
 #include "metadata/ExifTags.h"
 
 #include <optional>
@@ -23,9 +24,9 @@ struct PhotoExifInfo {
     std::optional<double> focalValue; ///< millimetres
     std::optional<double> apertureValue; ///< f-number
     std::optional<double> shutterSeconds; ///< above 0
-
-    friend bool operator==(const PhotoExifInfo&, const PhotoExifInfo&) = default;
 };
+KORVO_RECORD(PhotoExifInfo, camera, lens, exposure, aperture, focalLength, captureDate, captureTimestamp,
+    pixelSize, coordinate, isoValue, focalValue, apertureValue, shutterSeconds)
 
 /// "1/250 s", of a second and more "2.0 s"; of more than 0 seconds.
 std::string exposureText(double seconds);

@@ -1,14 +1,12 @@
-#include "app/PhotoRender.h"
+#include "app/AutoAdjust.h"
+#include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOrFile.h"
-#include "edits/AutoEnhance.h"
 #include "edits/HistogramData.h"
-#include "platform/linux/images/SystemImageReader.h"
 
 #include <fmt/format.h>
 
 #include <cmath>
-#include <cstdio>
 #include <stdexcept>
 
 namespace korvo {
@@ -16,17 +14,12 @@ namespace korvo {
 namespace {
 
 constexpr int displaySize = 2048; // of the pictures that the histogram is made from
-constexpr int analysisSize = 512; // of those that auto enhance looks at
 
-/// The picture with its edits, and on standard error what is to be known of it.
-Bitmap rendered(Context& context, const std::filesystem::path& file, const PhotoEdits& edits, int size)
+/// What is to be known of a picture.
+void printNote(const std::filesystem::path& file, const std::string& note)
 {
-    const auto launcher = systemProcessLauncher();
-    SystemImageReader reader(*launcher, SystemImageReader::installedDecoder());
-    auto result = renderPhoto(reader, {file, edits, size}, context.stop());
-    if (!result.note.empty())
-        std::fprintf(stderr, "%s: %s\n", file.c_str(), result.note.c_str());
-    return std::move(result.image);
+    if (!note.empty())
+        printError(file.string() + ": " + note);
 }
 
 /// A channel as 64 bars, dark ones first.
@@ -39,31 +32,54 @@ std::string bars(const HistogramData::Heights& heights)
     return line;
 }
 
-} // namespace
+struct HistogramArguments {
+    std::string photo;
+    std::optional<std::string> edits; // JSON, or "@" and the name of a file that holds it
+};
 
-ExitCode histogramCommand(Context& context, const HistogramArguments& arguments)
+void addHistogramArguments(CLI::App& sub, HistogramArguments& arguments)
+{
+    sub.add_option("PHOTO", arguments.photo, "a photo's id, or a file")->required();
+    sub.add_option("--edits", arguments.edits, "other edits than the photo's: JSON, or @FILE");
+}
+
+void printHistogram(Context& context, const HistogramArguments& arguments)
 {
     const auto photo = photoOrFile(context, arguments.photo, arguments.edits);
-    const HistogramData data = histogram(rendered(context, photo.file, photo.edits, displaySize));
+    SystemTools tools;
+    const auto rendered = renderPhoto(tools.reader, {photo.file, photo.edits, displaySize}, context.stop());
+    printNote(photo.file, rendered.note);
+    const HistogramData data = histogram(rendered.image);
     if (context.options().json)
         context.print(toJson(data));
     else
         forEachField<HistogramData>([&](const auto& field) {
             context.print(fmt::format("{:<10}|{}|", field.name, bars(data.*field.member)));
         });
-    return ExitCode::done;
 }
 
-ExitCode enhanceCommand(Context& context, const EnhanceArguments& arguments)
+struct EnhanceArguments {
+    std::string photo;
+    bool apply = false;
+};
+
+void addEnhanceArguments(CLI::App& sub, EnhanceArguments& arguments)
+{
+    sub.add_option("PHOTO", arguments.photo, "a photo's id, or a file")->required();
+    sub.add_flag("--apply", arguments.apply, "store the values in the photo's edits");
+}
+
+void enhance(Context& context, const EnhanceArguments& arguments)
 {
     auto photo = photoOrFile(context, arguments.photo, {});
     if (arguments.apply && !photo.photo)
         throw std::invalid_argument("--apply needs a photo of the library");
-    // The photo as it was taken is analysed, whatever its edits are: the proposal is a baseline.
-    const auto statistics = AutoEnhance::statistics(rendered(context, photo.file, {}, analysisSize));
-    if (!statistics)
+    SystemTools tools;
+    const auto look = autoLook(tools.reader, photo.file, context.stop());
+    printNote(photo.file, look.note);
+    if (!look.values)
         throw std::runtime_error("there is nothing to see in " + photo.file.string());
-    const auto values = AutoEnhance::values(*statistics);
+    const auto& values = *look.values;
     if (context.options().json)
         context.print(toJson(values));
     else
@@ -74,7 +90,16 @@ ExitCode enhanceCommand(Context& context, const EnhanceArguments& arguments)
         AutoEnhance::apply(values, AutoEnhance::Fields::all, photo.edits);
         context.library().saveEdits(std::vector{*photo.photo}, photo.edits);
     }
-    return ExitCode::done;
+}
+
+} // namespace
+
+void addAnalysisCommands(const Commands& app)
+{
+    app.add<HistogramArguments>(
+        "histogram", "the tones of a photo with its edits", addHistogramArguments, printHistogram);
+    app.add<EnhanceArguments>(
+        "enhance", "what auto enhance proposes for a photo", addEnhanceArguments, enhance);
 }
 
 } // namespace korvo

@@ -1,13 +1,37 @@
 #include "aperture/PlistJson.h"
 #include "app/ImportAperture.h"
 #include "app/RenderMatch.h"
+#include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "platform/PosixFile.h"
-#include "platform/linux/images/SystemImageReader.h"
 
 namespace korvo {
 
-ExitCode plistCommand(Context& context, const PlistArguments& arguments)
+/// An object with a count for each name. Found by its writer, as all are, which looks into no namespace
+/// below.
+static void writeJson(JsonWriter& json, const std::map<std::string, std::int64_t>& counts)
+{
+    json.beginObject();
+    for (const auto& [name, count] : counts)
+        json.member(name, count);
+    json.endObject();
+}
+
+namespace {
+
+struct PlistArguments {
+    std::filesystem::path file;
+    bool unarchive = false;
+};
+
+void addPlistArguments(CLI::App& sub, PlistArguments& arguments)
+{
+    sub.add_option("FILE", arguments.file, "the property list")->required();
+    sub.add_flag("--unarchive", arguments.unarchive,
+        "the root object of the keyed archive in it, as plain values; null when there is none");
+}
+
+void printPlist(Context& context, const PlistArguments& arguments)
 {
     const auto contents = readWholeFile(arguments.file);
     const Bytes bytes(contents);
@@ -21,10 +45,26 @@ ExitCode plistCommand(Context& context, const PlistArguments& arguments)
         throw std::runtime_error(arguments.file.string() + ": " + error.what());
     }
     context.print(json.take());
-    return ExitCode::done;
 }
 
-namespace {
+struct ApertureArguments {
+    std::filesystem::path bundle;
+    std::optional<std::filesystem::path> into;
+    bool matchRenders = false;
+    std::vector<std::string> volumes; // NAME=DIR
+};
+
+void addApertureArguments(CLI::App& sub, ApertureArguments& arguments)
+{
+    sub.add_option("BUNDLE", arguments.bundle, "the Aperture library")->required();
+    sub.add_option(
+        "--into", arguments.into, "the library folder, new or not; without it a new one beside the bundle");
+    sub.add_flag("--match-renders", arguments.matchRenders,
+        "fit a tone curve to each photo that brings it close to Aperture's own render");
+    sub.add_option("--volume", arguments.volumes,
+           "NAME=DIR: where the volume of that name is, on which referenced files lie")
+        ->allow_extra_args(false);
+}
 
 std::map<std::string, std::filesystem::path> volumesOf(const std::vector<std::string>& arguments)
 {
@@ -38,39 +78,13 @@ std::map<std::string, std::filesystem::path> volumesOf(const std::vector<std::st
     return volumes;
 }
 
-using Counts = std::map<std::string, std::int64_t>;
-
-void writeCounts(JsonWriter& json, std::string_view name, const Counts& counts)
-{
-    json.key(name);
-    json.beginObject();
-    for (const auto& [operation, count] : counts)
-        json.member(operation, count);
-    json.endObject();
-}
-
+/// What came in, and after it the library.
 std::string summaryJSON(const ApertureImported& imported)
 {
-    const auto& summary = imported.summary;
     JsonWriter json;
     json.beginObject();
-    json.member("catalogExists", summary.catalogExists);
-    json.member("alreadyImported", summary.alreadyImported);
-    json.member("masters", summary.masters);
-    json.member("versions", summary.versions);
-    json.member("missingFiles", summary.missingFiles);
-    json.member("albums", summary.albums);
-    json.member("projects", summary.projects);
-    json.member("smartAlbums", summary.smartAlbums);
-    json.member("smartAlbumsAsPlain", summary.smartAlbumsAsPlain);
-    json.member("stacks", summary.stacks);
-    json.member("adjustedVersions", summary.adjustedVersions);
-    json.member("matchedToPreview", summary.matchedToPreview);
-    json.key("report");
-    json.beginObject();
-    writeCounts(json, "unsupported", summary.report.unsupported);
-    writeCounts(json, "approximated", summary.report.approximated);
-    json.endObject();
+    forEachField<ApertureImporter::Summary>(
+        [&](const auto& field) { json.member(field.name, imported.summary.*field.member); });
     json.member("library", imported.library.native());
     json.endObject();
     return json.take();
@@ -78,10 +92,8 @@ std::string summaryJSON(const ApertureImported& imported)
 
 void printSummary(const Context& context, const ApertureImported& imported, Matching matching)
 {
-    if (context.options().json) {
-        context.print(summaryJSON(imported));
-        return;
-    }
+    if (context.options().json)
+        return context.print(summaryJSON(imported));
     context.print(imported.library.string());
     context.print(summaryText(imported.summary, matching));
     for (const auto& note : translationNotes(imported.summary.report))
@@ -111,16 +123,13 @@ private:
     std::unique_ptr<Progress> bar_;
 };
 
-} // namespace
-
-ExitCode importApertureCommand(Context& context, const ApertureArguments& arguments)
+ExitCode importBundle(Context& context, const ApertureArguments& arguments)
 {
-    const auto launcher = systemProcessLauncher();
-    SystemImageReader reader(*launcher, SystemImageReader::installedDecoder());
+    SystemTools tools;
     ApertureImport request{arguments.bundle, arguments.into, volumesOf(arguments.volumes), {}};
     if (arguments.matchRenders)
         request.match = [&](const auto& original, const auto& edits, const auto& preview) {
-            return matchRender(reader, original, edits, preview, context.stop());
+            return matchRender(tools.reader, original, edits, preview, context.stop());
         };
     std::optional<ApertureImported> imported;
     {
@@ -133,6 +142,15 @@ ExitCode importApertureCommand(Context& context, const ApertureArguments& argume
         return ExitCode::interrupted;
     printSummary(context, *imported, arguments.matchRenders ? Matching::on : Matching::off);
     return ExitCode::done;
+}
+
+} // namespace
+
+void addApertureCommands(const Commands& app)
+{
+    app.add<PlistArguments>("plist", "a binary property list as JSON", addPlistArguments, printPlist);
+    app.add<ApertureArguments>("import-aperture", "import an Aperture library, which is not changed",
+        addApertureArguments, importBundle);
 }
 
 } // namespace korvo

@@ -74,6 +74,12 @@ public:
 
     /// Writes a line, or several, to standard output; for people without control characters.
     void print(const std::string& line) const;
+    /// Prints a result: as an object, or as the text for people.
+    template <Record T>
+    void print(const T& result, const std::string& text) const
+    {
+        print(options_.json ? toJson(result) : text);
+    }
     /// Prints the id of something made: by itself, or as an object.
     void printMade(std::int64_t id) const;
 

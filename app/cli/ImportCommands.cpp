@@ -10,6 +10,40 @@ namespace korvo {
 
 namespace {
 
+struct ImportArguments {
+    std::vector<std::string> sources;
+    std::optional<std::string> copyTo; // without one into the user's folder for pictures
+    bool reference = false; // leave the files where they are
+    std::string pattern = "{name}";
+    std::string project; // its name
+    bool byDay = false;
+    std::string creator, copyright, keywords;
+    bool keepDuplicates = false;
+    bool eject = false;
+    bool dryRun = false; // only list what would be imported
+};
+
+void addImportArguments(CLI::App& sub, ImportArguments& import)
+{
+    sub.add_option("SOURCE", import.sources,
+           "a card, a drive, folders or files; \"camera\" for the one on USB, camera:PORT for one of several")
+        ->required();
+    auto* const copyTo = sub.add_option(
+        "--copy-to", import.copyTo, "the folder for the copies; else Korvo Imports in Pictures");
+    sub.add_flag("--reference", import.reference, "leave the files where they are; those of cards are copied")
+        ->excludes(copyTo);
+    sub.add_option("--pattern", import.pattern, "new names, with {name}, {seq}, {date} and {title}");
+    auto* const project
+        = sub.add_option("--project", import.project, "into the project of this name, made if there is none");
+    sub.add_flag("--by-day", import.byDay, "into one project per day")->excludes(project);
+    sub.add_option("--creator", import.creator, "the photos' creator");
+    sub.add_option("--copyright", import.copyright, "the photos' copyright");
+    sub.add_option("--keywords", import.keywords, "keywords to add, comma, separated");
+    sub.add_flag("--keep-duplicates", import.keepDuplicates, "import what the library has already, too");
+    sub.add_flag("--eject", import.eject, "eject the card or drive afterwards");
+    sub.add_flag("--dry-run", import.dryRun, "only list what would be imported");
+}
+
 constexpr std::string_view cameraWord = "camera";
 
 /// "camera" for the one that is connected, "camera:PORT" for one of several, else files and folders.
@@ -23,25 +57,26 @@ Source sourceOf(const std::vector<std::string>& names)
     return sourceOf({names.begin(), names.end()}, knownVolumes(volumes));
 }
 
+struct ListedCandidate {
+    std::string path;
+    std::uint64_t size;
+    std::optional<UnixTime> fileDate;
+    bool isDuplicate;
+    bool picked;
+};
+KORVO_RECORD(ListedCandidate, path, size, fileDate, isDuplicate, picked)
+
 void printCandidates(const Context& context, const ImportListing& listing)
 {
     for (const auto& candidate : listing.candidates) {
-        const auto path = candidate.file.path.string();
-        if (!context.options().json) {
-            context.print(fmt::format("{:<13}{:<12}{}", rowText(candidate),
-                candidate.isDuplicate ? importWindow::inLibrary : "", path));
-            continue;
-        }
-        JsonWriter json;
-        json.beginObject();
-        json.member("path", path);
-        json.member("size", candidate.file.size);
-        if (candidate.file.modified)
-            json.member("fileDate", unixTime(*candidate.file.modified));
-        json.member("isDuplicate", candidate.isDuplicate);
-        json.member("picked", candidate.picked);
-        json.endObject();
-        context.print(json.take());
+        const auto& file = candidate.file;
+        ListedCandidate listed{
+            file.path.string(), file.size, std::nullopt, candidate.isDuplicate, candidate.picked};
+        if (file.modified)
+            listed.fileDate = unixTime(*file.modified);
+        context.print(listed,
+            fmt::format("{:<13}{:<12}{}", rowText(candidate),
+                candidate.isDuplicate ? importWindow::inLibrary : "", listed.path));
     }
 }
 
@@ -91,35 +126,23 @@ void noteFailures(Context& context, const ImportListing& listing, const ImportRe
         context.fail(std::move(text));
 }
 
-void printResult(const Context& context, const ImportCounts& counts)
-{
-    context.print(context.options().json ? fmt::format(R"({{"imported":{},"duplicates":{},"failed":{}}})",
-                      counts.imported, counts.duplicates, counts.failed)
-                                         : countsText(counts));
-}
+struct OfferedVolume {
+    std::string path;
+    std::string name;
+    bool isCard;
+};
+KORVO_RECORD(OfferedVolume, path, name, isCard)
 
-} // namespace
-
-ExitCode volumesCommand(Context& context)
+void listVolumes(Context& context)
 {
     for (const auto& volume : offeredVolumes(LinuxVolumes().mounted())) {
-        const auto path = volume.url.string();
-        if (!context.options().json) {
-            context.print(fmt::format("{}  {}  {}", path, volume.name, volume.isCard ? "card" : "drive"));
-            continue;
-        }
-        JsonWriter json;
-        json.beginObject();
-        json.member("path", path);
-        json.member("name", volume.name);
-        json.member("isCard", volume.isCard);
-        json.endObject();
-        context.print(json.take());
+        const OfferedVolume offered{volume.url.string(), volume.name, volume.isCard};
+        context.print(
+            offered, fmt::format("{}  {}  {}", offered.path, volume.name, volume.isCard ? "card" : "drive"));
     }
-    return ExitCode::done;
 }
 
-ExitCode importCommand(Context& context, const ImportArguments& arguments)
+ExitCode importPhotos(Context& context, const ImportArguments& arguments)
 {
     Catalog& library = context.library();
     const auto source = sourceOf(arguments.sources);
@@ -142,15 +165,24 @@ ExitCode importCommand(Context& context, const ImportArguments& arguments)
     }
     const auto plan = planOf(listing, source, optionsOf(arguments));
     if (arguments.reference && plan.copyTo)
-        fmt::print(stderr, "{}\n", importWindow::cardsAreCopied);
+        printError(importWindow::cardsAreCopied);
     const auto result = run(context, *files, plan);
     noteFailures(context, listing, result);
     const auto counts = countsOf(listing, result);
-    printResult(context, counts);
+    context.print(counts, countsText(counts));
     if (plan.eject && !result.cancelled)
         eject(context, source, result);
     return context.finish(
         counts.imported + counts.duplicates, result.cancelled ? Ended::early : Ended::whole);
+}
+
+} // namespace
+
+void addImportCommands(const Commands& app)
+{
+    app.add("volumes", "the cards and drives that photos can be imported from", listVolumes);
+    app.add<ImportArguments>(
+        "import", "take photos in from cards, drives, folders and cameras", addImportArguments, importPhotos);
 }
 
 } // namespace korvo

@@ -24,61 +24,26 @@ std::size_t countFiles(const std::vector<std::filesystem::path>& paths, const st
     return count;
 }
 
-void printResult(const Context& context, const AddResult& result)
+struct AddArguments {
+    std::vector<std::string> paths;
+    bool noRead = false;
+};
+
+void addAddArguments(CLI::App& sub, AddArguments& arguments)
 {
-    if (context.options().json)
-        context.print(fmt::format(R"({{"added":{},"known":{},"ignored":{},"failed":{}}})", result.added,
-            result.known, result.ignored, result.failures.size()));
-    else
-        context.print(fmt::format("{} added, {} known already, {} of other kinds passed over, {} failed",
-            counted(result.added, "photo"), result.known, counted(result.ignored, "file"),
-            result.failures.size()));
+    sub.add_option("PATH", arguments.paths, "folders, taken with all that lies in them, and files")
+        ->required();
+    sub.add_flag("--no-read", arguments.noRead, "leave camera data, dates and positions for later");
 }
 
-} // namespace
+struct AddCounts {
+    std::size_t added, known, ignored, failed;
+};
+KORVO_RECORD(AddCounts, added, known, ignored, failed)
 
-ExitCode createCommand(Context& context, const std::filesystem::path& folder)
+ExitCode addToLibrary(Context& context, const AddArguments& arguments)
 {
-    if (std::filesystem::exists(folder / "catalog.sqlite"))
-        throw std::runtime_error("there is a library already in " + folder.string());
-    UnfinishedLibrary unfinished(folder);
-    const auto catalog = openLibrary(folder, context.clock(), context.defaults());
-    unfinished.keep();
-    const auto path = catalog->libraryURL().string();
-    if (context.options().json) {
-        JsonWriter json;
-        json.beginObject();
-        json.member("path", path);
-        json.endObject();
-        context.print(json.take());
-    } else {
-        context.print(path);
-    }
-    return ExitCode::done;
-}
-
-ExitCode libraryCommand(Context& context)
-{
-    const auto folder = context.library().libraryURL();
-    if (context.options().json) {
-        std::vector<std::string> recent;
-        for (const auto& path : recentLibraries(context.defaults()))
-            recent.push_back(path.string());
-        JsonWriter json;
-        json.beginObject();
-        json.member("path", folder.native());
-        json.member("recent", recent);
-        json.endObject();
-        context.print(json.take());
-    } else {
-        context.print(folder.string());
-    }
-    return ExitCode::done;
-}
-
-ExitCode addCommand(Context& context, const std::vector<std::string>& names, bool readCamera)
-{
-    const std::vector<std::filesystem::path> paths(names.begin(), names.end());
+    const std::vector<std::filesystem::path> paths(arguments.paths.begin(), arguments.paths.end());
     AddResult result;
     {
         Progress progress("Adding", context.progressMode());
@@ -87,16 +52,55 @@ ExitCode addCommand(Context& context, const std::vector<std::string>& names, boo
             counter = std::jthread(
                 [&](const std::stop_token& stop) { progress.setTotal(countFiles(paths, stop)); });
         result = addFiles(context.library(), paths, context.clock(),
-            readCamera ? ReadCameraData::now : ReadCameraData::later, context.stop(),
+            arguments.noRead ? ReadCameraData::later : ReadCameraData::now, context.stop(),
             [&](std::size_t done) { progress.setDone(done); });
     }
     for (const auto& failure : result.failures)
         context.fail(failure.message);
-    printResult(context, result);
+    context.print(AddCounts{result.added, result.known, result.ignored, result.failures.size()},
+        fmt::format("{} added, {} known already, {} of other kinds passed over, {} failed",
+            counted(result.added, "photo"), result.known, counted(result.ignored, "file"),
+            result.failures.size()));
     return context.finish(result.added + result.known, result.cancelled ? Ended::early : Ended::whole);
 }
 
-ExitCode checkCommand(Context& context)
+struct MadeLibrary {
+    std::string path;
+};
+KORVO_RECORD(MadeLibrary, path)
+
+void createLibrary(Context& context, const std::filesystem::path& folder)
+{
+    if (std::filesystem::exists(folder / "catalog.sqlite"))
+        throw std::runtime_error("there is a library already in " + folder.string());
+    UnfinishedLibrary unfinished(folder);
+    const auto catalog = openLibrary(folder, context.clock(), context.defaults());
+    unfinished.keep();
+    const auto path = catalog->libraryURL().string();
+    context.print(MadeLibrary{path}, path);
+}
+
+struct LibraryInUse {
+    std::string path;
+    std::vector<std::string> recent;
+};
+KORVO_RECORD(LibraryInUse, path, recent)
+
+void showLibrary(Context& context)
+{
+    LibraryInUse library{context.library().libraryURL().string(), {}};
+    for (const auto& path : recentLibraries(context.defaults()))
+        library.recent.push_back(path.string());
+    context.print(library, library.path);
+}
+
+struct CheckResult {
+    std::size_t photos;
+    std::vector<std::string> problems;
+};
+KORVO_RECORD(CheckResult, photos, problems)
+
+ExitCode checkLibrary(Context& context)
 {
     HealthReport report;
     {
@@ -106,22 +110,28 @@ ExitCode checkCommand(Context& context)
             return !context.isStopped();
         });
     }
-    if (context.options().json) {
-        JsonWriter json;
-        json.beginObject();
-        json.member("photos", report.photos);
-        json.member("problems", report.problems);
-        json.endObject();
-        context.print(json.take());
-    } else {
-        for (const auto& problem : report.problems)
-            context.print(problem);
-        context.print(fmt::format("{} checked, {} found", counted(report.photos, "photo"),
-            counted(report.problems.size(), "problem")));
-    }
+    std::string text;
+    for (const auto& problem : report.problems)
+        text += problem + "\n";
+    text += fmt::format(
+        "{} checked, {} found", counted(report.photos, "photo"), counted(report.problems.size(), "problem"));
+    context.print(CheckResult{report.photos, report.problems}, text);
     if (report.stopped)
         return ExitCode::interrupted;
     return report.problems.empty() ? ExitCode::done : ExitCode::part;
+}
+
+} // namespace
+
+void addLibraryCommands(const Commands& app)
+{
+    app.add<std::string>(
+        "create", "make a new library folder",
+        [](CLI::App& sub, std::string& folder) { sub.add_option("DIR", folder, "the folder")->required(); },
+        createLibrary);
+    app.add("library", "which library is in use", showLibrary);
+    app.add<AddArguments>("add", "take folders and files into the library", addAddArguments, addToLibrary);
+    app.add("check", "the library's health", checkLibrary);
 }
 
 } // namespace korvo

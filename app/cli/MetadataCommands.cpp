@@ -1,4 +1,4 @@
-#include "app/SystemExifTool.h"
+#include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "base/Text.h"
 #include "metadata/Backfill.h"
@@ -21,10 +21,10 @@ using Work = std::function<FilesWritten(const ExifTool&, const FileProgress&)>;
 /// Runs work on files with a bar for its progress, and says how to come by the tool when it is missing.
 FilesWritten withProgress(const Context& context, const char* verb, const Work& work)
 {
-    const SystemExifTool system;
+    const SystemTools tools;
     Progress progress(verb, context.progressMode());
     try {
-        return work(system.tool, [&](std::size_t number, std::size_t total) {
+        return work(tools.exifTool, [&](std::size_t number, std::size_t total) {
             progress.setTotal(total);
             progress.setDone(number);
         });
@@ -44,33 +44,6 @@ ExitCode report(Context& context, const FilesWritten& result, const char* key, c
     else if (!result.stopped)
         context.print(summary);
     return context.finish(result.done, result.stopped ? Ended::early : Ended::whole);
-}
-
-std::string infoJSON(const PhotoExifInfo& info)
-{
-    JsonWriter json;
-    json.beginObject();
-    json.member("camera", info.camera);
-    json.member("lens", info.lens);
-    json.member("exposure", info.exposure);
-    json.member("aperture", info.aperture);
-    json.member("focalLength", info.focalLength);
-    json.member("captureDate", info.captureDate);
-    json.member("captureTimestamp", info.captureTimestamp);
-    json.member("pixelSize", info.pixelSize);
-    if (info.coordinate) {
-        json.key("coordinate");
-        json.beginObject();
-        json.member("latitude", info.coordinate->latitude);
-        json.member("longitude", info.coordinate->longitude);
-        json.endObject();
-    }
-    json.member("isoValue", info.isoValue);
-    json.member("focalValue", info.focalValue);
-    json.member("apertureValue", info.apertureValue);
-    json.member("shutterSeconds", info.shutterSeconds);
-    json.endObject();
-    return json.take();
 }
 
 std::string infoText(const PhotoExifInfo& info)
@@ -111,45 +84,83 @@ std::size_t readAll(Context& context, Backfill kind)
     return read;
 }
 
-} // namespace
-
-ExitCode infoCommand(Context& context, const std::filesystem::path& file)
+void printInfo(Context& context, const std::string& file)
 {
     const auto info = readFileMetadata(file).exif;
     if (info == PhotoExifInfo())
-        throw std::runtime_error(file.string() + " holds no camera data that Korvo can read");
-    context.print(context.options().json ? infoJSON(info) : infoText(info));
-    return ExitCode::done;
+        throw std::runtime_error(file + " holds no camera data that Korvo can read");
+    context.print(info, infoText(info));
 }
 
-ExitCode readCommand(Context& context)
+struct ReadCounts {
+    std::size_t camera, positions;
+};
+KORVO_RECORD(ReadCounts, camera, positions)
+
+ExitCode readFiles(Context& context)
 {
     const auto camera = readAll(context, Backfill::camera), positions = readAll(context, Backfill::positions);
-    context.print(context.options().json ? fmt::format(R"({{"camera":{},"positions":{}}})", camera, positions)
-                                         : fmt::format("Camera data of {} and positions of {} read.",
-                                             counted(camera, "photo"), counted(positions, "photo")));
+    context.print(ReadCounts{camera, positions},
+        fmt::format("Camera data of {} and positions of {} read.", counted(camera, "photo"),
+            counted(positions, "photo")));
     return context.finish(1);
 }
 
-ExitCode shiftDatesCommand(Context& context, double seconds, const PhotoArguments& arguments)
+struct ShiftArguments {
+    double seconds = 0;
+    PhotoArguments photos;
+};
+
+void addShiftArguments(CLI::App& sub, ShiftArguments& arguments)
+{
+    sub.add_option("SECONDS", arguments.seconds, "how far; negative is earlier")->required();
+    addPhotos(sub, arguments.photos);
+}
+
+ExitCode shiftPhotoDates(Context& context, const ShiftArguments& arguments)
 {
     constexpr double longest = 1e11; // more years than a date can have
-    if (!(std::abs(seconds) < longest))
+    if (!(std::abs(arguments.seconds) < longest))
         throw std::invalid_argument("dates cannot be moved that far");
-    const auto ids = context.photos(arguments);
+    const auto ids = context.photos(arguments.photos);
     const auto result
         = withProgress(context, "Shifting", [&](const ExifTool& tool, const FileProgress& progress) {
-              return shiftDates(context.library(), ids, seconds, tool, context.stop(), progress);
+              return shiftDates(context.library(), ids, arguments.seconds, tool, context.stop(), progress);
           });
     return report(context, result, "shifted", "Moved the dates of " + counted(result.done, "photo") + ".");
 }
 
-ExitCode locateCommand(
-    Context& context, const std::optional<Coordinate>& position, const PhotoArguments& arguments)
+struct LocateArguments {
+    bool clear = false;
+    PhotoArguments photos; // latitude and longitude stand before the ids unless it is cleared
+};
+
+void addLocateArguments(CLI::App& sub, LocateArguments& arguments)
 {
-    if (position && !(std::abs(position->latitude) <= 90 && std::abs(position->longitude) <= 180))
+    sub.add_flag("--clear", arguments.clear, "take the position away");
+    addPhotos(sub, arguments.photos);
+}
+
+/// Takes latitude and longitude from the front of the ids.
+Coordinate takePosition(PhotoArguments& photos)
+{
+    double numbers[2]{};
+    for (double& number : numbers) {
+        if (photos.ids.empty() || !CLI::detail::lexical_cast(photos.ids.front(), number))
+            throw std::invalid_argument("a position is a latitude and a longitude in degrees");
+        photos.ids.erase(photos.ids.begin());
+    }
+    if (photos.ids.empty() && photos.source.empty())
+        throw std::invalid_argument("no photos to locate");
+    if (!(std::abs(numbers[0]) <= 90 && std::abs(numbers[1]) <= 180))
         throw std::invalid_argument("a latitude is from -90 to 90, a longitude from -180 to 180 degrees");
-    const auto ids = context.photos(arguments);
+    return {numbers[0], numbers[1]};
+}
+
+ExitCode locate(Context& context, LocateArguments arguments)
+{
+    const auto position = arguments.clear ? std::nullopt : std::optional(takePosition(arguments.photos));
+    const auto ids = context.photos(arguments.photos);
     const auto result
         = withProgress(context, "Locating", [&](const ExifTool& tool, const FileProgress& progress) {
               return setLocation(context.library(), ids, position, tool, context.stop(), progress);
@@ -158,7 +169,7 @@ ExitCode locateCommand(
         (position ? "Located " : "Took the position from ") + counted(result.done, "photo") + ".");
 }
 
-ExitCode saveCommand(Context& context)
+ExitCode saveFields(Context& context)
 {
     auto& catalog = context.library();
     const auto result
@@ -168,9 +179,9 @@ ExitCode saveCommand(Context& context)
     return report(context, result, "saved", saveSummary(result));
 }
 
-ExitCode revertCommand(Context& context, const PhotoArguments& arguments)
+ExitCode revertFields(Context& context, const PhotoArguments& photos)
 {
-    const auto ids = context.photos(arguments);
+    const auto ids = context.photos(photos);
     auto& catalog = context.library();
     if (allInApertureLibraries(catalog, ids))
         throw RevertRefused(RevertRefused::Case::apertureOriginals);
@@ -179,6 +190,24 @@ ExitCode revertCommand(Context& context, const PhotoArguments& arguments)
               return revertMetadata(catalog, ids, tool, context.stop(), progress);
           });
     return report(context, result, "reverted", revertSummary(result));
+}
+
+} // namespace
+
+void addMetadataCommands(const Commands& app)
+{
+    app.add<std::string>(
+        "info", "what a file itself says of how it was taken",
+        [](CLI::App& sub, std::string& file) { sub.add_option("FILE", file, "the file")->required(); },
+        printInfo);
+    app.add("read", "read camera data and positions of files not read yet", readFiles);
+    app.add("save", "write changed metadata into the files", saveFields);
+    app.add<PhotoArguments>(
+        "revert", "metadata back to what the files held when found", addPhotos, revertFields);
+    app.add<ShiftArguments>("shift-dates", "move capture dates, in the library and in the files",
+        addShiftArguments, shiftPhotoDates);
+    app.add<LocateArguments>(
+        "locate", "say where photos were taken: LAT LON ID..., or --clear ID...", addLocateArguments, locate);
 }
 
 } // namespace korvo

@@ -5,43 +5,27 @@
 #include "platform/AppFolders.h"
 #include "platform/linux/CurlDownloader.h"
 
+#include <fmt/format.h>
+
 namespace korvo {
 
 namespace {
 
 using State = ModelStore::State;
 
-std::string_view stateName(State::Case which)
-{
-    switch (which) {
-    case State::Case::missing:
-        return "missing";
-    case State::Case::downloading:
-        return "downloading";
-    case State::Case::failed:
-        return "failed";
-    case State::Case::ready:
-        return "ready";
-    }
-    return {};
-}
+struct ModelStatus {
+    State::Case state;
+    std::string path;
+    std::optional<std::string> message;
+};
+KORVO_RECORD(ModelStatus, state, path, message)
 
-void print(const Context& context, const FaceModelStore& store)
+void printStatus(const Context& context, const FaceModelStore& store)
 {
-    const auto state = stateName(store.state().which);
-    const auto path = store.modelPath().native();
-    if (context.options().json) {
-        JsonWriter json;
-        json.beginObject();
-        json.member("state", state);
-        json.member("path", path);
-        if (!store.state().message.empty())
-            json.member("message", store.state().message);
-        json.endObject();
-        context.print(json.take());
-    } else {
-        context.print(std::string(state) + "  " + path);
-    }
+    const auto& [which, progress, message] = store.state();
+    const ModelStatus status{
+        which, store.modelPath().string(), message.empty() ? std::nullopt : std::optional(message)};
+    context.print(status, fmt::format("{}  {}", nameOf(which), status.path));
 }
 
 /// The store, with what it works with.
@@ -55,21 +39,11 @@ struct Models {
     FaceModelStore store;
 };
 
-} // namespace
-
-ExitCode modelStatusCommand(Context& context)
-{
-    const Models models;
-    print(context, models.store);
-    return ExitCode::done;
-}
-
-ExitCode fetchModelCommand(Context& context, const std::string& host)
+ExitCode fetchModel(Context& context, const std::string& host)
 {
     Models models(host);
     FaceModelStore& store = models.store;
-    Progress progress(
-        "Downloading bytes", context.options().quiet ? Progress::Mode::quiet : Progress::Mode::shown);
+    Progress progress("Downloading bytes", context.progressMode());
     const auto watching = store.changed.connect([&] {
         const auto& [received, fraction] = store.state().progress;
         if (fraction.value_or(0) > 0)
@@ -82,16 +56,28 @@ ExitCode fetchModelCommand(Context& context, const std::string& host)
         store.cancel();
     if (store.state().which == State::Case::failed)
         context.fail(store.state().message);
-    print(context, store);
+    printStatus(context, store);
     return context.finish(store.state().which == State::Case::ready ? 1 : 0);
 }
 
-ExitCode removeModelCommand(Context& context)
+} // namespace
+
+void addModelCommands(const Commands& app)
 {
-    Models models;
-    models.store.remove();
-    print(context, models.store);
-    return ExitCode::done;
+    const auto model = app.group("model", "the face-recognition model");
+    model.add("status", "whether it is installed, and where",
+        [](Context& context) { printStatus(context, Models().store); });
+    model.add<std::string>(
+        "fetch", "download, verify and install it",
+        [](CLI::App& sub, std::string& host) {
+            sub.add_option("--host", host, "a mirror, as https://example.org");
+        },
+        fetchModel);
+    model.add("remove", "remove it", [](Context& context) {
+        Models models;
+        models.store.remove();
+        printStatus(context, models.store);
+    });
 }
 
 } // namespace korvo

@@ -5,9 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace korvo {
 
 namespace {
@@ -20,57 +17,63 @@ struct WrittenPreset {
 };
 KORVO_RECORD(WrittenPreset, id, name, pattern)
 
-std::string contentsOf(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    std::string contents(std::istreambuf_iterator<char>(stream), {});
-    if (!stream.is_open() || stream.bad())
-        throwFileError("read", file);
-    return contents;
-}
-
-} // namespace
-
-ExitCode listNamingCommand(Context& context)
+void listPresets(Context& context)
 {
     for (const auto& preset : NamingPreset::load(context.defaults()))
-        context.print(
-            context.options().json ? toJson(preset) : fmt::format("{:<16}{}", preset.name, preset.pattern));
-    return ExitCode::done;
+        context.print(preset, fmt::format("{:<16}{}", preset.name, preset.pattern));
 }
 
-ExitCode expandNamingCommand(Context& context, const std::string& pattern, const PhotoArguments& photos)
+struct ExpandArguments {
+    std::string pattern;
+    PhotoArguments photos;
+};
+
+void addExpandArguments(CLI::App& sub, ExpandArguments& arguments)
 {
-    const auto items = context.library().photosByID(context.photos(photos));
+    sub.add_option("PATTERN", arguments.pattern, "text with {name}, {seq}, {date} and {title}")->required();
+    addPhotos(sub, arguments.photos);
+}
+
+struct NamedPhoto {
+    PhotoID id;
+    std::string name;
+};
+KORVO_RECORD(NamedPhoto, id, name)
+
+ExitCode expandPattern(Context& context, const ExpandArguments& arguments)
+{
+    const auto items = context.library().photosByID(context.photos(arguments.photos));
     for (std::size_t i = 0; i < items.size(); ++i) {
-        const auto name = baseName(items[i], pattern, i + 1, items.size());
-        if (!context.options().json) {
-            context.print(name);
-            continue;
-        }
-        JsonWriter json;
-        json.beginObject();
-        json.member("id", items[i].id);
-        json.member("name", name);
-        json.endObject();
-        context.print(json.take());
+        const NamedPhoto photo{items[i].id, baseName(items[i], arguments.pattern, i + 1, items.size())};
+        context.print(photo, photo.name);
     }
     return context.finish(items.size());
 }
 
-ExitCode setNamingCommand(Context& context, const std::filesystem::path& file)
+void setPresets(Context& context, const std::string& file)
 {
     std::vector<NamingPreset> presets;
-    for (auto& written : fromJson<std::vector<WrittenPreset>>(contentsOf(file)))
+    for (auto& written : fromJson<std::vector<WrittenPreset>>(readWholeFile(file)))
         presets.push_back({written.id ? *written.id : Uuid::random(), written.name, written.pattern});
     NamingPreset::save(presets, context.defaults());
-    return ExitCode::done;
 }
 
-ExitCode restoreNamingCommand(Context& context)
+} // namespace
+
+void addNamingCommands(const Commands& app)
 {
-    NamingPreset::save(NamingPreset::defaults(), context.defaults());
-    return ExitCode::done;
+    const auto naming = app.group("naming", "patterns for file names");
+    naming.add("list", "the presets", listPresets);
+    naming.add<ExpandArguments>(
+        "expand", "the names that a pattern gives photos", addExpandArguments, expandPattern);
+    naming.add<std::string>(
+        "set", "replace the presets by those of a file",
+        [](CLI::App& sub, std::string& file) {
+            sub.add_option("FILE", file, R"(JSON: [{"name":"Web","pattern":"{name}-web"}, …])")->required();
+        },
+        setPresets);
+    naming.add("restore", "back to the default presets",
+        [](Context& context) { NamingPreset::save(NamingPreset::defaults(), context.defaults()); });
 }
 
 } // namespace korvo

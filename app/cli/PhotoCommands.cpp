@@ -1,33 +1,53 @@
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOrFile.h"
 #include "app/cli/PhotoOutput.h"
-#include "base/Text.h"
+#include "catalog/GridOrder.h"
+
+#include <fmt/ranges.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace korvo {
 
 namespace {
+
+struct ListArguments {
+    std::string source = "all";
+    std::optional<SortKey> sort;
+    std::optional<GridFilter> filter;
+};
+
+/// Adds an option that is one of the names; another word is refused with all of them.
+template <typename T, std::size_t N, typename Entry>
+CLI::Option* addChoice(CLI::App& sub, const char* option, const char* noun, std::optional<T>& choice,
+    const std::array<Entry, N>& names, T Entry::*value)
+{
+    std::vector<std::string_view> rawValues;
+    std::ranges::transform(names, std::back_inserter(rawValues), &Entry::rawValue);
+    const auto all = fmt::format("{}", fmt::join(rawValues, ", "));
+    const auto take = [=, &choice, &names](const std::string& text) {
+        const auto found = std::ranges::find(names, text, &Entry::rawValue);
+        if (found == names.end())
+            throw CLI::ValidationError(fmt::format("\"{}\" is no {}: use {}", text, noun, all));
+        choice = *found.*value;
+    };
+    return sub.add_option_function<std::string>(option, take, all);
+}
+
+void addListArguments(CLI::App& sub, ListArguments& arguments)
+{
+    sub.add_option("--source", arguments.source, sourceNames());
+    addChoice(sub, "--sort", "sort key", arguments.sort, sortKeyNames, &SortKeyName::key)->type_name("KEY");
+    addChoice(sub, "--filter", "filter", arguments.filter, gridFilterNames, &GridFilterName::filter)
+        ->type_name("FILTER");
+}
 
 void printPhoto(const Context& context, const PhotoItem& item)
 {
     context.print(context.options().json ? photoJSON(item) : photoLine(item));
 }
 
-PhotoLabel labelNamed(const std::string& text)
-{
-    for (std::int64_t number = 0; const auto label = photoLabel(number); ++number)
-        if (text == std::to_string(number) || compareNoCase(text, name(*label)) == 0
-            || (label == PhotoLabel::none && compareNoCase(text, "none") == 0))
-            return *label;
-    throw std::invalid_argument(
-        "\"" + text + "\" is no label: use none, red, orange, yellow, green, blue, purple, gray or 0 to 7");
-}
-
-} // namespace
-
-ExitCode listCommand(Context& context, const ListArguments& arguments)
+ExitCode listPhotos(Context& context, const ListArguments& arguments)
 {
     const auto source = context.existingSource(arguments.source);
     const auto shows
@@ -51,56 +71,85 @@ ExitCode listCommand(Context& context, const ListArguments& arguments)
     return context.finish(1);
 }
 
-ExitCode showCommand(Context& context, PhotoID photo)
+void addPhotoID(CLI::App& sub, PhotoID& photo)
+{
+    sub.add_option("ID", photo, "the photo")->required();
+}
+
+void showPhoto(Context& context, PhotoID photo)
 {
     const auto item = existingPhoto(context, photo);
     context.print(context.options().json ? photoJSON(item) : photoText(item));
-    return ExitCode::done;
 }
 
-ExitCode rateCommand(Context& context, int rating, const PhotoArguments& photos)
+struct EditsArguments {
+    PhotoID photo = 0;
+    std::optional<std::string> set; // JSON, or "@" and the name of a file that holds it
+    bool clear = false;
+};
+
+void addEditsArguments(CLI::App& sub, EditsArguments& arguments)
 {
-    if (rating < rejectedRating || rating > highestRating)
-        throw std::invalid_argument("a rating is -1 (rejected), 0 (unrated) or 1 to 5 stars");
-    return changePhotos(context, photos, [&](const auto& ids) { context.library().setRating(ids, rating); });
+    addPhotoID(sub, arguments.photo);
+    auto* const set = sub.add_option("--set", arguments.set, "the new record as JSON, or @FILE");
+    sub.add_flag("--clear", arguments.clear, "back to no edits")->excludes(set);
 }
 
-ExitCode flagCommand(Context& context, bool flagged, const PhotoArguments& photos)
-{
-    return changePhotos(
-        context, photos, [&](const auto& ids) { context.library().setFlagged(ids, flagged); });
-}
-
-ExitCode labelCommand(Context& context, const std::string& label, const PhotoArguments& photos)
-{
-    const auto value = labelNamed(label);
-    return changePhotos(context, photos, [&](const auto& ids) { context.library().setLabel(ids, value); });
-}
-
-ExitCode setCommand(Context& context, const MetadataChange& metadata, const PhotoArguments& photos)
-{
-    if (!metadata.altText && !metadata.title && !metadata.caption && !metadata.keywords && !metadata.creator
-        && !metadata.copyright)
-        throw std::invalid_argument("name at least one field, such as --title");
-    return changePhotos(context, photos,
-        [&](const auto& ids) { context.library().changeMetadata(ids, metadata, WriteBack::pending); });
-}
-
-ExitCode editsCommand(Context& context, const EditsArguments& arguments)
+void showOrStoreEdits(Context& context, const EditsArguments& arguments)
 {
     const auto item = existingPhoto(context, arguments.photo);
-    if (arguments.clear || arguments.set) {
-        const auto edits = arguments.clear ? PhotoEdits() : fromJson<PhotoEdits>(textOrFile(*arguments.set));
-        context.library().saveEdits(std::vector{item.id}, edits);
-        return ExitCode::done;
-    }
-    context.print(toJson(item.edits()));
-    return ExitCode::done;
+    if (!arguments.clear && !arguments.set)
+        return context.print(toJson(item.edits()));
+    const auto edits = arguments.clear ? PhotoEdits() : fromJson<PhotoEdits>(textOrFile(*arguments.set));
+    context.library().saveEdits(std::vector{item.id}, edits);
 }
 
-ExitCode removeCommand(Context& context, const PhotoArguments& photos)
+struct VersionArguments {
+    PhotoID photo = 0;
+    std::optional<std::string> name;
+};
+
+void createVersion(Context& context, const VersionArguments& arguments)
 {
-    return changePhotos(context, photos, [&](const auto& ids) { context.library().deletePhotos(ids); });
+    context.printMade(context.library().createVersion(
+        arguments.photo, arguments.name, std::nullopt, context.clock().now()));
+}
+
+void listVersions(Context& context, PhotoID photo)
+{
+    if (!context.library().contains(photo))
+        throw NotFoundError("photo", photo);
+    for (const auto& version : context.library().versions(photo))
+        context.print(context.options().json
+                ? photoJSON(version)
+                : fmt::format("{}  {}", photoLine(version), version.versionName.view()));
+}
+
+void addVersionCommands(const Commands& version)
+{
+    version.add<VersionArguments>(
+        "create", "make a version of a photo",
+        [](CLI::App& sub, VersionArguments& arguments) {
+            addPhotoID(sub, arguments.photo);
+            sub.add_option("--name", arguments.name, "its name; \"Version 2\" and so on without one");
+        },
+        createVersion);
+    version.add<PhotoID>("list", "the versions of a photo, oldest first", addPhotoID, listVersions);
+}
+
+} // namespace
+
+void addPhotoCommands(const Commands& app)
+{
+    app.add<ListArguments>("list", "the photos of a source", addListArguments, listPhotos);
+    app.add<PhotoID>("show", "one photo with all it holds", addPhotoID, showPhoto);
+    app.add<EditsArguments>("edits", "a photo's edit record", addEditsArguments, showOrStoreEdits);
+    app.add<PhotoArguments>("remove", "take photos out of the library; their files stay", addPhotos,
+        [](Context& context, const PhotoArguments& photos) {
+            return changePhotos(
+                context, photos, [&](const auto& ids) { context.library().deletePhotos(ids); });
+        });
+    addVersionCommands(app.group("version", "versions: further renderings of a photo's file"));
 }
 
 } // namespace korvo

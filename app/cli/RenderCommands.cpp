@@ -1,8 +1,7 @@
 #include "app/PhotoExport.h"
-#include "app/SystemExifTool.h"
+#include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOrFile.h"
-#include "platform/linux/images/SystemImageReader.h"
 
 #include <fmt/format.h>
 
@@ -10,41 +9,60 @@ namespace korvo {
 
 namespace {
 
-void print(const Context& context, const std::string& file, const ExportedPhoto& photo)
+struct RenderArguments {
+    std::string photo; // an id, or a file
+    std::string out;
+    std::optional<std::string> edits; // JSON, or "@" and the name of a file that holds it
+    int size = 0; // pixels of the longer side; 0: all
+    int quality = 90;
+};
+
+void addRenderArguments(CLI::App& sub, RenderArguments& render)
 {
-    if (!context.options().json)
-        return context.print(fmt::format("{}  {} × {}", file, photo.width, photo.height));
-    JsonWriter json;
-    json.beginObject();
-    json.member("path", file);
-    json.member("width", photo.width);
-    json.member("height", photo.height);
-    if (!photo.note.empty())
-        json.member("note", photo.note);
-    json.endObject();
-    context.print(json.take());
+    sub.add_option("PHOTO", render.photo, "a photo's id, or a file")->required();
+    sub.add_option("--out", render.out, "where to: .jpg, .png, .webp or .tif")->required();
+    sub.add_option("--edits", render.edits, "other edits than the photo's: JSON, or @FILE");
+    sub.add_option("--size", render.size, "the most pixels of the longer side")
+        ->check(CLI::Range(1, 1'000'000));
+    sub.add_option("--quality", render.quality, "of JPEG and WebP, 1 to 100; 90 unless given")
+        ->check(CLI::Range(1, 100));
 }
 
-} // namespace
+struct RenderedFile {
+    std::string path;
+    int width;
+    int height;
+    std::optional<std::string> note;
+};
+KORVO_RECORD(RenderedFile, path, width, height, note)
 
-ExitCode renderCommand(Context& context, const RenderArguments& arguments)
+ExitCode renderToFile(Context& context, const RenderArguments& arguments)
 {
     const auto photo = photoOrFile(context, arguments.photo, arguments.edits);
-    const SystemExifTool system;
-    SystemImageReader reader(*system.launcher, SystemImageReader::installedDecoder());
+    SystemTools tools;
     Catalog* const library = context.libraryIfAny();
     const auto isOriginal
         = [&](const std::filesystem::path& file) { return library && library->isOriginal(file); };
     removeUnfinishedExports(std::filesystem::absolute(arguments.out).parent_path());
-    const auto result = exportPhoto(reader, system.tool,
+    const auto result = exportPhoto(tools.reader, tools.exifTool,
         {{photo.file, photo.edits, arguments.size}, arguments.out, arguments.quality}, isOriginal,
         context.stop());
-    print(context, arguments.out, result);
-    if (!result.note.empty() && !context.options().json)
-        std::fprintf(stderr, "%s: %s\n", photo.file.c_str(), result.note.c_str());
+    const auto note = result.note.empty() ? std::nullopt : std::optional(result.note);
+    context.print(RenderedFile{arguments.out, result.width, result.height, note},
+        fmt::format("{}  {} × {}", arguments.out, result.width, result.height));
+    if (note && !context.options().json)
+        printError(photo.file.string() + ": " + *note);
     if (result.exifFailure)
         context.fail(arguments.out + ": the camera's EXIF could not be kept: " + *result.exifFailure);
     return context.finish(1);
+}
+
+} // namespace
+
+void addRenderCommands(const Commands& app)
+{
+    app.add<RenderArguments>(
+        "render", "a photo with its edits, as a file of its own", addRenderArguments, renderToFile);
 }
 
 } // namespace korvo

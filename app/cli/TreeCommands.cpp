@@ -10,6 +10,8 @@ namespace korvo {
 
 namespace {
 
+using ParentID = std::optional<std::int64_t>;
+
 std::string indented(std::size_t depth, const std::string& text)
 {
     return std::string(2 * depth, ' ') + text;
@@ -41,22 +43,11 @@ void printKeywords(
         }
 }
 
-template <typename Create>
-ExitCode create(const Context& context, Create make)
-{
-    context.printMade(make());
-    return ExitCode::done;
-}
-
-} // namespace
-
-ExitCode treeCommand(Context& context)
+void printTree(Context& context)
 {
     const auto tree = context.library().tree();
-    if (context.options().json) {
-        context.print(toJson(tree));
-        return ExitCode::done;
-    }
+    if (context.options().json)
+        return context.print(toJson(tree));
     const auto total = [](std::int64_t count) { return static_cast<std::size_t>(count); };
     context.print(fmt::format("{}: {}, {} without ALT text, {} with unsaved metadata",
         context.library().libraryURL().string(), counted(total(tree.totals.photos), "photo"),
@@ -74,83 +65,152 @@ ExitCode treeCommand(Context& context)
     for (const auto& person : tree.people)
         context.print(
             fmt::format("person:{}  {} ({})", person.id, person.name, counted(total(person.count), "photo")));
-    return ExitCode::done;
 }
 
-ExitCode createProjectCommand(
-    Context& context, const std::string& name, const std::string& kind, ParentID parent)
+/// What the commands on projects, albums and keywords take.
+struct TreeArguments {
+    std::int64_t id = 0;
+    std::string name;
+    ParentID parent;
+    PhotoArguments photos;
+};
+
+void addName(CLI::App& sub, TreeArguments& arguments)
 {
-    return create(context, [&] { return context.library().createProject(name, kind, parent); });
+    sub.add_option("NAME", arguments.name, "the name")->required();
 }
 
-ExitCode renameProjectCommand(Context& context, std::int64_t project, const std::string& name)
+void addID(CLI::App& sub, TreeArguments& arguments)
 {
-    context.library().renameProject(project, name);
-    return ExitCode::done;
+    sub.add_option("ID", arguments.id, "its id")->required();
 }
 
-ExitCode deleteProjectCommand(Context& context, std::int64_t project)
+void addNameAndParent(CLI::App& sub, TreeArguments& arguments)
 {
-    context.library().deleteProject(project);
-    return ExitCode::done;
+    addName(sub, arguments);
+    sub.add_option("--parent", arguments.parent, "the id of what is to hold it");
 }
 
-ExitCode assignCommand(Context& context, const std::string& project, const PhotoArguments& photos)
+void addIDAndName(CLI::App& sub, TreeArguments& arguments)
 {
-    ParentID id;
-    if (project != "none") {
-        std::int64_t number = 0;
-        const auto [end, error] = std::from_chars(project.data(), project.data() + project.size(), number);
-        if (error != std::errc() || end != project.data() + project.size())
-            throw std::invalid_argument("\"" + project + "\" is no project id");
-        id = number;
-    }
+    addID(sub, arguments);
+    addName(sub, arguments);
+}
+
+void addMove(CLI::App& sub, TreeArguments& arguments)
+{
+    addID(sub, arguments);
+    sub.add_option("--parent", arguments.parent, "the project; without one it goes to the root");
+}
+
+struct ProjectArguments : TreeArguments {
+    std::string kind = "project";
+};
+
+void addProjectArguments(CLI::App& sub, ProjectArguments& arguments)
+{
+    addNameAndParent(sub, arguments);
+    sub.add_option("--kind", arguments.kind, "project, album or folder")
+        ->check(CLI::IsMember({"project", "album", "folder"}));
+}
+
+struct AssignArguments {
+    std::string project; // an id, or "none"
+    PhotoArguments photos;
+};
+
+void addAssignArguments(CLI::App& sub, AssignArguments& arguments)
+{
+    sub.add_option("PROJECT", arguments.project, "the project's id, or none")->required();
+    addPhotos(sub, arguments.photos);
+}
+
+/// No project for "none".
+ParentID projectID(const std::string& text)
+{
+    if (text == "none")
+        return std::nullopt;
+    std::int64_t id = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
+    if (error != std::errc() || end != text.data() + text.size())
+        throw std::invalid_argument("\"" + text + "\" is no project id");
+    return id;
+}
+
+ExitCode assign(Context& context, const AssignArguments& arguments)
+{
+    const auto project = projectID(arguments.project);
     return changePhotos(
-        context, photos, [&](const auto& ids) { context.library().assignToProject(ids, id); });
+        context, arguments.photos, [&](const auto& ids) { context.library().assignToProject(ids, project); });
 }
 
-ExitCode gatherCommand(Context& context, const std::string& name)
+void addProjectCommands(const Commands& project)
 {
-    return create(context, [&] { return context.library().gatherUnderProject(name); });
+    project.add<ProjectArguments>(
+        "create", "make a project", addProjectArguments, [](Context& context, const ProjectArguments& made) {
+            context.printMade(context.library().createProject(made.name, made.kind, made.parent));
+        });
+    project.add<TreeArguments>("rename", "give a project another name", addIDAndName,
+        [](Context& context, const TreeArguments& renamed) {
+            context.library().renameProject(renamed.id, renamed.name);
+        });
+    project.add<TreeArguments>("delete", "delete a project and those in it; photos and albums stay", addID,
+        [](Context& context, const TreeArguments& deleted) { context.library().deleteProject(deleted.id); });
+    project.add<AssignArguments>("assign", "put photos into a project", addAssignArguments, assign);
+    project.add<TreeArguments>("gather", "put everything at the root under a new project", addName,
+        [](Context& context, const TreeArguments& made) {
+            context.printMade(context.library().gatherUnderProject(made.name));
+        });
 }
 
-ExitCode createAlbumCommand(Context& context, const std::string& name, ParentID parent)
+void addAlbumAndPhotos(CLI::App& sub, TreeArguments& arguments)
 {
-    return create(context, [&] { return context.library().createAlbum(name, parent); });
+    sub.add_option("ALBUM", arguments.id, "the album's id")->required();
+    addPhotos(sub, arguments.photos);
 }
 
-ExitCode deleteAlbumCommand(Context& context, std::int64_t album)
+void addAlbumCommands(const Commands& album)
 {
-    context.library().deleteAlbum(album);
-    return ExitCode::done;
+    album.add<TreeArguments>(
+        "create", "make an album", addNameAndParent, [](Context& context, const TreeArguments& made) {
+            context.printMade(context.library().createAlbum(made.name, made.parent));
+        });
+    album.add<TreeArguments>("delete", "delete an album; its photos stay", addID,
+        [](Context& context, const TreeArguments& deleted) { context.library().deleteAlbum(deleted.id); });
+    album.add<TreeArguments>("move", "move an album into a project, or out of all", addMove,
+        [](Context& context, const TreeArguments& moved) {
+            context.library().moveAlbum(moved.id, moved.parent);
+        });
+    album.add<TreeArguments>(
+        "add", "add photos to an album", addAlbumAndPhotos, [](Context& context, const TreeArguments& added) {
+            return changePhotos(
+                context, added.photos, [&](const auto& ids) { context.library().addToAlbum(added.id, ids); });
+        });
+    album.add<TreeArguments>("take", "take photos out of an album", addAlbumAndPhotos,
+        [](Context& context, const TreeArguments& taken) {
+            return changePhotos(context, taken.photos,
+                [&](const auto& ids) { context.library().removeFromAlbum(taken.id, ids); });
+        });
 }
 
-ExitCode moveAlbumCommand(Context& context, std::int64_t album, ParentID parent)
+void addKeywordCommands(const Commands& keyword)
 {
-    context.library().moveAlbum(album, parent);
-    return ExitCode::done;
+    keyword.add<TreeArguments>(
+        "create", "make a keyword", addNameAndParent, [](Context& context, const TreeArguments& made) {
+            context.printMade(context.library().createKeyword(made.name, made.parent));
+        });
+    keyword.add<TreeArguments>("delete", "delete a keyword and those below it; photos keep theirs", addID,
+        [](Context& context, const TreeArguments& deleted) { context.library().deleteKeyword(deleted.id); });
 }
 
-ExitCode addToAlbumCommand(Context& context, std::int64_t album, const PhotoArguments& photos)
-{
-    return changePhotos(context, photos, [&](const auto& ids) { context.library().addToAlbum(album, ids); });
-}
+} // namespace
 
-ExitCode takeFromAlbumCommand(Context& context, std::int64_t album, const PhotoArguments& photos)
+void addTreeCommands(const Commands& app)
 {
-    return changePhotos(
-        context, photos, [&](const auto& ids) { context.library().removeFromAlbum(album, ids); });
-}
-
-ExitCode createKeywordCommand(Context& context, const std::string& name, ParentID parent)
-{
-    return create(context, [&] { return context.library().createKeyword(name, parent); });
-}
-
-ExitCode deleteKeywordCommand(Context& context, std::int64_t keyword)
-{
-    context.library().deleteKeyword(keyword);
-    return ExitCode::done;
+    app.add("tree", "folders, projects, albums, keywords, people and totals", printTree);
+    addProjectCommands(app.group("project", "projects"));
+    addAlbumCommands(app.group("album", "albums"));
+    addKeywordCommands(app.group("keyword", "the keyword tree"));
 }
 
 } // namespace korvo

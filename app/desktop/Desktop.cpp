@@ -8,12 +8,12 @@ namespace korvo {
 Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults,
     std::chrono::milliseconds patience)
     : main_(main), clock_(clock), defaults_(defaults),
-      reader_(*tool_.launcher, SystemImageReader::installedDecoder()),
-      session_(main, std::move(catalog), tool_.tool, defaults, patience),
+      session_(main, std::move(catalog), tools_.exifTool, defaults, patience),
       previewCache_(store().catalog().previewsFolder(),
           PreviewCache::usualBound(store().catalog().previewsFolder()), clock),
-      browser_(store()), pictures_(main, reader_, previewCache_), decoded_(main, reader_), renders_(main),
-      draft_(store(), browser_), faceModel_(main, downloader_, applicationDataFolder()), jobs_(main)
+      browser_(store()), pictures_(main, tools_.reader, previewCache_), decoded_(main, tools_.reader),
+      renders_(main), draft_(store(), browser_), faceModel_(main, downloader_, applicationDataFolder()),
+      jobs_(main)
 { }
 
 VolumeWatcher& Desktop::volumes()

@@ -3,7 +3,7 @@
 #include "app/EditDraft.h"
 #include "app/LiveRenders.h"
 #include "app/Session.h"
-#include "app/SystemExifTool.h"
+#include "app/SystemTools.h"
 #include "app/desktop/Jobs.h"
 #include "app/desktop/Pictures.h"
 #include "app/desktop/QtMainThread.h"
@@ -11,7 +11,6 @@
 #include "imports/VolumeWatcher.h"
 #include "platform/linux/CurlDownloader.h"
 #include "platform/linux/LinuxVolumes.h"
-#include "platform/linux/images/SystemImageReader.h"
 
 namespace korvo {
 
@@ -55,8 +54,8 @@ public:
     VolumeWatcher& volumes();
     const Clock& clock() const { return clock_; }
     Defaults& defaults() { return defaults_; }
-    ImageReader& imageReader() { return reader_; }
-    const ExifTool& exifTool() const { return tool_.tool; }
+    ImageReader& imageReader() { return tools_.reader; }
+    const ExifTool& exifTool() const { return tools_.exifTool; }
 
     /// Whether photos, pictures or jobs are still to come.
     bool isBusy();
@@ -81,8 +80,7 @@ private:
     QtMainThread& main_;
     const Clock& clock_;
     Defaults& defaults_;
-    SystemExifTool tool_;
-    SystemImageReader reader_;
+    SystemTools tools_;
     Session session_;
     PreviewCache previewCache_;
     Browser browser_;

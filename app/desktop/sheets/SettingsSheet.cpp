@@ -96,7 +96,7 @@ void SettingsSheet::showMetadata()
     autosave_->setChecked(autosave == Autosave::on);
     // The core's text names the key of another system.
     autosaveHelp_->setText(qt(autosaveTexts(autosave).explanation).replace(QStringLiteral("⌘S"), saveKey_));
-    toolMissing_->setVisible(!locateExifTool(SystemExifTool::places()));
+    toolMissing_->setVisible(!locateExifTool(SystemTools::exifToolPlaces()));
 }
 
 void SettingsSheet::addFaces()

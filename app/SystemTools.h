@@ -2,17 +2,19 @@
 
 #include "metadata/ExifTool.h"
 #include "platform/AppFolders.h"
+#include "platform/linux/images/SystemImageReader.h"
 
 #include <cstdlib>
 
 namespace korvo {
 
-/// The tool that changes files, as the system has it.
-struct SystemExifTool {
+/// What the system has for reading pictures and for changing files.
+struct SystemTools {
     std::unique_ptr<ProcessLauncher> launcher = systemProcessLauncher();
-    ExifTool tool{*launcher, places()};
+    ExifTool exifTool{*launcher, exifToolPlaces()};
+    SystemImageReader reader{*launcher, SystemImageReader::installedDecoder()};
 
-    static ExifToolPlaces places()
+    static ExifToolPlaces exifToolPlaces()
     {
         const char* const path = std::getenv("PATH");
         return {.bundled = resourceFolder() / "exiftool", .searchPath = path ? path : ""};
