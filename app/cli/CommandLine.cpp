@@ -32,7 +32,7 @@ void addGlobalOptions(Parser& parser)
 
 /// In the order of the help.
 constexpr void (*commandAdders[])(const Commands&)
-    = {addLibraryCommands, addPhotoCommands, addMarkingCommands, addRenderCommands,
+    = {addLibraryCommands, addPhotoCommands, addMarkingCommands, addRenderCommands, addExportCommands,
         addAnalysisCommands, addMetadataCommands, addTreeCommands, addStackCommands, addSmartAlbumCommands,
         addNamingCommands, addImportCommands, addApertureCommands, addModelCommands};
 

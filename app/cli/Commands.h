@@ -82,6 +82,7 @@ void addLibraryCommands(const Commands& app);
 void addPhotoCommands(const Commands& app);
 void addMarkingCommands(const Commands& app);
 void addRenderCommands(const Commands& app);
+void addExportCommands(const Commands& app);
 void addAnalysisCommands(const Commands& app);
 void addMetadataCommands(const Commands& app);
 void addTreeCommands(const Commands& app);

@@ -1,5 +1,6 @@
 #include "app/cli/Commands.h"
 #include "base/Text.h"
+#include "catalog/RenameKeyword.h"
 
 #include <fmt/format.h>
 
@@ -154,6 +155,10 @@ void addProjectCommands(const Commands& project)
         [](Context& context, const TreeArguments& renamed) {
             context.library().renameProject(renamed.id, renamed.name);
         });
+    project.add<TreeArguments>("move", "move a project into another, or out of all", addMove,
+        [](Context& context, const TreeArguments& moved) {
+            context.library().moveProject(moved.id, moved.parent);
+        });
     project.add<TreeArguments>("delete", "delete a project and those in it; photos and albums stay", addID,
         [](Context& context, const TreeArguments& deleted) { context.library().deleteProject(deleted.id); });
     project.add<AssignArguments>("assign", "put photos into a project", addAssignArguments, assign);
@@ -161,6 +166,13 @@ void addProjectCommands(const Commands& project)
         [](Context& context, const TreeArguments& made) {
             context.printMade(context.library().gatherUnderProject(made.name));
         });
+}
+
+void addFolderCommands(const Commands& folder)
+{
+    folder.add<TreeArguments>("remove", "take a folder and its photos out of the library; their files stay",
+        addID,
+        [](Context& context, const TreeArguments& removed) { context.library().removeFolder(removed.id); });
 }
 
 void addAlbumAndPhotos(CLI::App& sub, TreeArguments& arguments)
@@ -174,6 +186,10 @@ void addAlbumCommands(const Commands& album)
     album.add<TreeArguments>(
         "create", "make an album", addNameAndParent, [](Context& context, const TreeArguments& made) {
             context.printMade(context.library().createAlbum(made.name, made.parent));
+        });
+    album.add<TreeArguments>("rename", "give an album another name", addIDAndName,
+        [](Context& context, const TreeArguments& renamed) {
+            context.library().renameAlbum(renamed.id, renamed.name);
         });
     album.add<TreeArguments>("delete", "delete an album; its photos stay", addID,
         [](Context& context, const TreeArguments& deleted) { context.library().deleteAlbum(deleted.id); });
@@ -199,6 +215,10 @@ void addKeywordCommands(const Commands& keyword)
         "create", "make a keyword", addNameAndParent, [](Context& context, const TreeArguments& made) {
             context.printMade(context.library().createKeyword(made.name, made.parent));
         });
+    keyword.add<TreeArguments>("rename", "give a keyword another name, also in the photos that have it",
+        addIDAndName, [](Context& context, const TreeArguments& renamed) {
+            renameKeyword(context.library(), renamed.id, renamed.name);
+        });
     keyword.add<TreeArguments>("delete", "delete a keyword and those below it; photos keep theirs", addID,
         [](Context& context, const TreeArguments& deleted) { context.library().deleteKeyword(deleted.id); });
 }
@@ -208,6 +228,7 @@ void addKeywordCommands(const Commands& keyword)
 void addTreeCommands(const Commands& app)
 {
     app.add("tree", "folders, projects, albums, keywords, people and totals", printTree);
+    addFolderCommands(app.group("folder", "the folders that were added"));
     addProjectCommands(app.group("project", "projects"));
     addAlbumCommands(app.group("album", "albums"));
     addKeywordCommands(app.group("keyword", "the keyword tree"));

@@ -50,6 +50,7 @@ TEST_F(CommandLine, exitCodesAndMessagesSayHowItWent)
              {"label pink 1", 2, "", "korvo: \"pink\" is no label"},
              {"list --filter unrated", 2, "",
                  "korvo: \"unrated\" is no filter: use unratedOrBetter, starred, "},
+             {"export --to /nowhere --format gif 1", 2, "", "korvo: \"gif\" is no format: use jpg, "},
              {"list --sort size", 2, "", "korvo: \"size\" is no sort key: use name, "},
              {"show 99", 1, "", "korvo: no photo"},
              {"list --source moon", 2, "", "korvo: no source"},
@@ -148,6 +149,32 @@ TEST_F(CommandLine, buildsTheTree)
     run("remove 1 2");
     EXPECT_EQ(run("tree").out.find("project"), std::string::npos);
     EXPECT_EQ(json("list").find("\"id\":1,"), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(folder / "photos/a.jpg")) << "files stay";
+}
+
+TEST_F(CommandLine, renamesAndMovesWhatTheTreeHoldsAndTakesFoldersOut)
+{
+    run("project create Outer");
+    run("project create Inner");
+    run("album create Album");
+    run("keyword create ape");
+    run("set --keywords 'ape, tree' 1");
+    for (const char* done :
+        {"project move 2 --parent 1", "album rename 1 Renamed", "keyword rename 1 gorilla"})
+        EXPECT_EQ(run(done).exitCode, 0) << done;
+    const auto tree = json("tree");
+    EXPECT_NE(tree.find(R"("name":"Inner","kind":"project","parentID":1)"), tree.npos) << tree;
+    EXPECT_NE(tree.find(R"("name":"Renamed")"), tree.npos) << tree;
+    EXPECT_NE(json("show 1").find(R"("keywords":"gorilla, tree")"), std::string::npos);
+    EXPECT_EQ(run("project move 1 --parent 2").exitCode, 2) << "into itself";
+    run("project move 2");
+    EXPECT_EQ(json("tree").find("\"parentID\""), std::string::npos);
+    for (const char* missing :
+        {"project move 9", "album rename 9 x", "keyword rename 9 x", "folder remove 9"})
+        EXPECT_EQ(run(missing).exitCode, 1) << missing;
+
+    EXPECT_EQ(run("folder remove 1").exitCode, 0);
+    EXPECT_EQ(json("list"), "");
     EXPECT_TRUE(std::filesystem::exists(folder / "photos/a.jpg")) << "files stay";
 }
 
@@ -278,6 +305,21 @@ TEST_F(CommandLine, rendersOverNoOriginalByWhateverName)
             EXPECT_NE(outcome.err.find("is an original photo"), std::string::npos) << outcome.err;
         }
     EXPECT_EQ(readFile(folder / "photos/b.jpg") + readFile(real), "xreal");
+}
+
+TEST_F(CommandLine, exportsPhotosByAPatternIntoAFolder)
+{
+    folder.write("photos/a.jpg", readFile(KORVO_TEST_DATA "/images/turned6.jpg"));
+    const auto to = (folder / "Web").string();
+    const auto done = run("--json export --to " + to + " --format png --size 12 --pattern '{seq} x' 2 1 99");
+    EXPECT_EQ(done.out, "{\"exported\":1,\"failed\":1}\n");
+    EXPECT_EQ(done.exitCode, 3);
+    EXPECT_NE(done.err.find("b.jpg"), std::string::npos) << "it is no picture: " << done.err;
+    EXPECT_EQ(json("render '" + to + "/002 x.png' --out " + (folder / "again.png").string()),
+        "{\"path\":\"" + (folder / "again.png").string() + "\",\"width\":12,\"height\":8}\n");
+    EXPECT_EQ(run("export --to " + to + " 1").out, "1 photo exported to " + to + "\n");
+    EXPECT_TRUE(std::filesystem::exists(folder / "Web/a.jpg"));
+    EXPECT_EQ(run("export 1").exitCode, 2) << "where to?";
 }
 
 TEST_F(CommandLine, analysesPhotosAndStoresWhatIsProposed)
