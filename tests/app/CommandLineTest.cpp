@@ -1,8 +1,12 @@
 #include "base/Json.h"
-#include "catalog/PhotoItem.h"
+#include "base/Text.h"
+#include "catalog/GridOrder.h"
+#include "catalog/LibrarySource.h"
 #include "tests/app/KorvoProgram.h"
 
 #include <gtest/gtest.h>
+
+#include <regex>
 
 namespace korvo {
 
@@ -19,6 +23,19 @@ protected:
         run("--quiet add " + (folder / "photos").string());
     }
 };
+
+/// The manual's entries by the word they begin with.
+std::map<std::string, std::string> manualEntries(const std::string& manual)
+{
+    std::map<std::string, std::string> entries;
+    static const std::regex tag(R"(\n\.TP\n\.[BIR]+ "?([a-z-]+))");
+    for (std::sregex_iterator at(manual.begin(), manual.end(), tag), end; at != end;) {
+        const auto name = (*at)[1].str();
+        const auto begin = static_cast<std::size_t>(at->position());
+        entries[name] += manual.substr(begin, ++at == end ? manual.npos : at->position() - begin);
+    }
+    return entries;
+}
 
 } // namespace
 
@@ -70,6 +87,36 @@ TEST_F(CommandLine, exitCodesAndMessagesSayHowItWent)
     }
     std::filesystem::remove_all(folder / "config");
     EXPECT_TRUE(run("list").err.starts_with("korvo: no library"));
+}
+
+TEST_F(CommandLine, theManualTellsWhatTheHelpTells)
+{
+    auto manual = readFile(KORVO_MANUAL);
+    std::erase(manual, '\\'); // as in "\-"
+    const auto entries = manualEntries(manual);
+    const std::string general = "--help --help-all --source";
+    static const std::regex nameLine("\n([a-z-]+)\n"), nameOrOption("\n([a-z-]+)\n|(--[a-z-]+)");
+    const auto help = run("--help-all").out;
+    for (std::sregex_iterator at(help.begin(), help.end(), nameLine), end; at != end;) {
+        const auto name = (*at)[1].str();
+        const auto begin = static_cast<std::size_t>(at->position() + at->length());
+        auto text = help.substr(begin, ++at == end ? help.npos : at->position() - begin);
+        if (text.find("Subcommands:") != text.npos)
+            text = run(name + " --help-all").out;
+        const auto entry = entries.find(name);
+        ASSERT_NE(entry, entries.end()) << name;
+        for (std::sregex_iterator word(text.begin(), text.end(), nameOrOption); word != end; ++word) {
+            const auto matched = word->str();
+            const auto told = trimmed(matched);
+            EXPECT_TRUE(general.find(told) != general.npos || entry->second.find(told) != told.npos)
+                << name << ": " << told;
+        }
+    }
+    for (const auto& filter : gridFilterNames)
+        EXPECT_NE(entries.at("list").find(filter.rawValue), manual.npos) << filter.rawValue;
+    const auto sources = manual.substr(manual.find(".SH SOURCES"), 300), names = sourceNames();
+    for (const auto name : split(names, ','))
+        EXPECT_NE(sources.find(trimmed(name.substr(0, name.find("ID")))), sources.npos) << name;
 }
 
 TEST_F(CommandLine, marksAndDescribesByIdsSourcesAndStandardInput)
