@@ -34,13 +34,14 @@ Marks marksAfter(const PhotoItem& item, Mark mark, bool takenBack)
     const int stars = starsOf(item);
     switch (mark) {
     case Mark::pick:
+    case Mark::flag:
         return {stars, true};
     case Mark::reject:
         return takenBack ? Marks{stars, item.flagged} : Marks{rejectedWith(stars), false};
     case Mark::clear:
         return {stars, false};
     case Mark::toggleFlag:
-        return {item.rating, !takenBack};
+        return takenBack ? Marks{item.rating, false} : Marks{stars, true};
     case Mark::oneStarMore:
         return {item.isRejected() ? stars : std::min(stars + 1, highestRating), item.flagged};
     case Mark::oneStarLess:
@@ -58,6 +59,8 @@ std::string titleOf(Mark mark, bool takenBack)
         return takenBack ? "Take Back Rejection" : "Reject";
     case Mark::clear:
         return "Clear Marks";
+    case Mark::flag:
+        return "Flag";
     case Mark::toggleFlag:
         return takenBack ? "Remove Flag" : "Flag";
     default:

@@ -12,7 +12,8 @@ enum class Mark {
     pick, ///< flagged, and rejected no longer
     reject, ///< rejected and not flagged; taken back when all are rejected, which brings their stars back
     clear, ///< neither
-    toggleFlag,
+    flag, ///< as a pick
+    toggleFlag, ///< taken back when all are flagged
     oneStarMore, ///< brings a rejected photo's stars back
     oneStarLess
 };

@@ -1,5 +1,6 @@
 #include "app/SidebarTree.h"
 
+#include "app/Marking.h"
 #include "base/Text.h"
 #include "catalog/CommonMetadata.h"
 #include "catalog/RenameKeyword.h"
@@ -34,10 +35,10 @@ SidebarNode heading(Heading which, const char* name, std::vector<SidebarNode> ch
 
 std::vector<SidebarNode> libraryLines(const LibraryTotals& totals)
 {
-    std::vector<SidebarNode> lines{{Kind::all, 0, "All Photos", totals.photos}};
+    std::vector<SidebarNode> lines{{Kind::all, 0, "All Photos", totals.masters}};
     for (const auto& own : ownSources)
         lines.push_back({Kind::source, static_cast<std::int64_t>(own.source), own.name,
-            own.source == Source::noAltText ? std::optional(totals.withoutAltText) : std::nullopt});
+            own.source == Source::noAltText ? std::optional(totals.mastersWithoutAltText) : std::nullopt});
     return lines;
 }
 
@@ -185,10 +186,30 @@ bool takesPhotos(const SidebarKey& key)
         || key == SidebarKey{Kind::source, static_cast<std::int64_t>(Source::flagged)};
 }
 
-bool canBeMoved(const SidebarKey& what, const SidebarKey& onto)
+bool canBeMoved(const SidebarKey& what, const SidebarKey& onto, DropAt at)
 {
-    const bool isPlace = onto.kind == Kind::project || onto == SidebarKey{Kind::heading, Heading::projects};
-    return isPlace && what != onto && (what.kind == Kind::project || what.kind == Kind::album);
+    if (what == onto)
+        return false;
+    const bool isOrdered = what.kind == Kind::project || what.kind == Kind::album;
+    if (at != DropAt::into)
+        return isOrdered && onto.kind == what.kind;
+    if (what.kind == Kind::keyword)
+        return onto.kind == Kind::keyword || onto == SidebarKey{Kind::heading, Heading::keywords};
+    return isOrdered && (onto.kind == Kind::project || onto == SidebarKey{Kind::heading, Heading::projects});
+}
+
+std::vector<SidebarNode> placesFor(const std::vector<SidebarNode>& tree, const SidebarKey& what)
+{
+    std::vector<SidebarNode> places;
+    for (const auto& node : tree) {
+        const SidebarKey key{node.kind, node.id};
+        if (key == what) // nor into what lies in it
+            continue;
+        auto below = placesFor(node.children, what);
+        if (canBeMoved(what, key))
+            places.push_back({node.kind, node.id, node.name, std::nullopt, {}, std::move(below)});
+    }
+    return places;
 }
 
 void renameLine(LibraryStore& store, const SidebarKey& key, std::string_view name)
@@ -235,20 +256,94 @@ std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<c
         addKeyword(store, onto.name, ids);
         return "Gave " + photos + " the keyword “" + onto.name + "”.";
     case Kind::source:
-        store.setFlagged(ids, true);
+        setMark(store, ids, Mark::flag);
         return "Flagged " + photos + ".";
     default:
         return {};
     }
 }
 
-void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto)
+namespace {
+
+struct Siblings {
+    Parent parent;
+    std::vector<std::int64_t> ids; // in their order
+};
+
+std::optional<Siblings> projectSiblings(const std::vector<ProjectNode>& nodes, std::int64_t id)
 {
-    const auto parent = onto.kind == Kind::project ? std::optional(onto.id) : std::nullopt;
+    Siblings siblings;
+    for (const auto& node : nodes) {
+        if (node.id == id)
+            siblings.parent = node.parentID;
+        siblings.ids.push_back(node.id);
+    }
+    if (std::find(siblings.ids.begin(), siblings.ids.end(), id) != siblings.ids.end())
+        return siblings;
+    for (const auto& node : nodes)
+        if (auto below = projectSiblings(node.children, id))
+            return below;
+    return std::nullopt;
+}
+
+std::optional<Siblings> albumSiblings(const std::vector<AlbumRow>& albums, std::int64_t id)
+{
+    const auto own
+        = std::find_if(albums.begin(), albums.end(), [id](const auto& row) { return row.id == id; });
+    if (own == albums.end())
+        return std::nullopt;
+    Siblings siblings{own->parentID, {}};
+    for (const auto& row : albums)
+        if (row.parentID == own->parentID)
+            siblings.ids.push_back(row.id);
+    return siblings;
+}
+
+/// The projects or albums among which this one stands; none when it is gone.
+std::optional<Siblings> siblingsOf(const LibraryTree& tree, const SidebarKey& key)
+{
+    return key.kind == Kind::project ? projectSiblings(tree.projects, key.id)
+                                     : albumSiblings(tree.albums, key.id);
+}
+
+void place(LibraryStore& store, const SidebarKey& what, Parent parent, Parent before)
+{
     if (what.kind == Kind::project)
-        store.moveProject(what.id, parent);
+        store.placeProject(what.id, parent, before);
     else if (what.kind == Kind::album)
-        store.moveAlbum(what.id, parent);
+        store.placeAlbum(what.id, parent, before);
+}
+
+} // namespace
+
+void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto, DropAt at)
+{
+    const auto into = onto.kind == Kind::heading ? std::nullopt : std::optional(onto.id);
+    if (what.kind == Kind::keyword)
+        return store.moveKeyword(what.id, into);
+    if (at == DropAt::into)
+        return place(store, what, into, std::nullopt);
+    const auto siblings = siblingsOf(store.tree(), onto);
+    if (!siblings)
+        return;
+    const auto& ids = siblings->ids;
+    auto before = std::find(ids.begin(), ids.end(), onto.id);
+    if (at == DropAt::below)
+        ++before;
+    place(store, what, siblings->parent, before == ids.end() ? std::nullopt : std::optional(*before));
+}
+
+void stepLine(LibraryStore& store, const SidebarKey& what, int places)
+{
+    const auto siblings = siblingsOf(store.tree(), what);
+    if (!siblings)
+        return;
+    const auto& ids = siblings->ids;
+    const auto at = std::find(ids.begin(), ids.end(), what.id) - ids.begin();
+    const auto to = at + places;
+    if (to >= 0 && to < std::ssize(ids))
+        moveLine(store, what, {what.kind, ids[static_cast<std::size_t>(to)]},
+            places < 0 ? DropAt::above : DropAt::below);
 }
 
 } // namespace korvo

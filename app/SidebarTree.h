@@ -36,8 +36,14 @@ SidebarKey keyOf(const std::optional<LibrarySource>& source);
 bool canBeRenamed(SidebarNode::Kind kind);
 bool canBeDeleted(SidebarNode::Kind kind);
 bool takesPhotos(const SidebarKey& key);
-/// Whether one line can be dragged onto another.
-bool canBeMoved(const SidebarKey& what, const SidebarKey& onto);
+/// Where a line is dropped: into another, or beside it.
+enum class DropAt { into, above, below };
+
+/// Whether one line can be dropped there.
+bool canBeMoved(const SidebarKey& what, const SidebarKey& onto, DropAt at = DropAt::into);
+/// The lines that a project, an album or a keyword can be moved into, as they stand in the tree; the heading
+/// stands for the top.
+std::vector<SidebarNode> placesFor(const std::vector<SidebarNode>& tree, const SidebarKey& what);
 
 // What is done to a line, each one step of undo. All throw DatabaseError.
 void renameLine(LibraryStore& store, const SidebarKey& key, std::string_view name);
@@ -46,7 +52,10 @@ void deleteLine(LibraryStore& store, const SidebarKey& key);
 /// Puts photos where they were dropped: into an album, a project, under a keyword, or among the flagged.
 /// Returns a sentence that says so.
 std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<const PhotoID> ids);
-/// Puts a project or an album below a project, or at the root when dropped on the heading.
-void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto);
+/// Puts a project or an album into a project, a keyword into a keyword, or each at the top when dropped on
+/// its heading; or a project or an album beside another one.
+void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto, DropAt at = DropAt::into);
+/// Puts a project or an album one place further up (-1) or down (1) among its siblings, if there is one.
+void stepLine(LibraryStore& store, const SidebarKey& what, int places);
 
 } // namespace korvo

@@ -116,8 +116,8 @@ public:
     /// returns whether to go on.
     void forEachPhoto(
         const std::optional<LibrarySource>& source, const std::function<bool(PhotoItem&&)>& use);
-    /// Throws NotFoundError when the source is one of a folder, album, smart album, project or person that
-    /// the library does not hold.
+    /// Throws NotFoundError when the source is one of a folder, album, smart album, project, person or master
+    /// that the library does not hold.
     void requireSource(const LibrarySource& source);
     /// The rows of these ids, in the order of the ids; unknown ids are left out.
     std::vector<PhotoItem> photosByID(std::span<const PhotoID> ids);
@@ -147,6 +147,8 @@ public:
         const std::optional<PhotoEdits>& edits, UnixTime addedAt);
     /// The versions of a master, or of the master of a version, oldest first.
     std::vector<PhotoItem> versions(PhotoID photo);
+    /// Throws NotFoundError for a master, whose name is its file's.
+    void renameVersion(PhotoID version, std::string_view name);
     /// How many versions each master has that has any.
     std::unordered_map<PhotoID, std::int64_t> versionCounts();
 
@@ -189,17 +191,31 @@ public:
     /// Puts a project below another, or at the root. Throws std::invalid_argument for one that would lie in
     /// itself.
     void moveProject(std::int64_t id, std::optional<std::int64_t> parent);
+    /// The same, standing before another project there, or as the last (CatalogOrder.cpp).
+    void placeProject(
+        std::int64_t id, std::optional<std::int64_t> parent, std::optional<std::int64_t> before);
     void deleteProject(std::int64_t id);
     /// No project takes the photos out of theirs. Versions follow their master.
     void assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project);
     std::int64_t createAlbum(std::string_view name, std::optional<std::int64_t> parentProject);
     void renameAlbum(std::int64_t id, std::string_view name);
     void moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject);
+    /// The same, standing before another album there, or as the last (CatalogOrder.cpp).
+    void placeAlbum(
+        std::int64_t id, std::optional<std::int64_t> parentProject, std::optional<std::int64_t> before);
     void deleteAlbum(std::int64_t id);
     void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);
+    /// Adds a photo behind a member, or at the end (CatalogOrder.cpp).
+    void addToAlbumBehind(std::int64_t album, PhotoID photo, PhotoID member);
+    /// Puts those of the photos that are in the album before another member, in this order, or behind all
+    /// (CatalogOrder.cpp).
+    void moveInAlbum(std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before);
     void removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos);
     std::vector<KeywordRow> keywords();
     std::int64_t createKeyword(std::string_view name, std::optional<std::int64_t> parent);
+    /// Puts a keyword below another, or at the top. Throws std::invalid_argument for one that would lie in
+    /// itself (CatalogOrder.cpp).
+    void moveKeyword(std::int64_t id, std::optional<std::int64_t> parent);
     void deleteKeyword(std::int64_t id);
     std::int64_t createSmartAlbum(std::string_view name, std::string_view rules);
     void changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules);

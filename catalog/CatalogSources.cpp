@@ -18,6 +18,8 @@ constexpr auto byName = " ORDER BY p.filename COLLATE NOCASE, p.id";
 constexpr auto albumMembers = "SELECT p.* FROM photos p JOIN album_items ai ON ai.photo_id = p.id "
                               "WHERE ai.album_id = ?1 ORDER BY ai.position, p.filename COLLATE NOCASE";
 
+constexpr auto masterAndVersions = "SELECT p.* FROM photos p WHERE (p.id = ?1 OR p.version_of = ?1)";
+
 constexpr auto recentlyAdded
     = "SELECT p.* FROM photos p WHERE p.version_of IS NULL ORDER BY p.added_at DESC, p.id DESC LIMIT 200";
 
@@ -78,7 +80,8 @@ void Catalog::requireSource(const LibrarySource& source)
         {Kind::album, "album", "SELECT COUNT(*) FROM albums WHERE id = ?"},
         {Kind::smartAlbum, "smart album", "SELECT COUNT(*) FROM smart_albums WHERE id = ?"},
         {Kind::project, "project", "SELECT COUNT(*) FROM projects WHERE id = ?"},
-        {Kind::person, "person", "SELECT COUNT(*) FROM people WHERE id = ?"}};
+        {Kind::person, "person", "SELECT COUNT(*) FROM people WHERE id = ?"},
+        {Kind::versions, "photo", "SELECT COUNT(*) FROM photos WHERE id = ? AND version_of IS NULL"}};
     for (const auto& [kind, noun, count] : tables)
         if (kind == source.kind && database_.scalar(count, source.id) == 0)
             throw NotFoundError(noun, source.id);
@@ -92,25 +95,32 @@ ListedBy listedBy(const std::optional<LibrarySource>& source)
 
 namespace {
 
-std::string listing(const std::optional<LibrarySource>& source, std::string_view orderOfMasters)
+/// The photos of a source that are chosen by their own values; "?1" is the source's id.
+std::string chosenOf(const std::optional<LibrarySource>& source)
+{
+    if (source && source->kind == Kind::versions)
+        return masterAndVersions;
+    return masters + (source ? conditionOf(source->kind) : std::string());
+}
+
+std::string listing(const std::optional<LibrarySource>& source, std::string_view orderByName)
 {
     if (listedBy(source) == ListedBy::hand)
         return source->kind == Kind::album ? albumMembers : recentlyAdded;
-    auto sql = masters + (source ? conditionOf(source->kind) : std::string());
-    return sql.append(orderOfMasters);
+    return chosenOf(source).append(orderByName);
 }
 
 using Use = std::function<bool(PhotoItem&&)>;
 
 void forEachPhotoIn(Database& database, const std::optional<LibrarySource>& source,
-    std::string_view orderOfMasters, const Use& use)
+    std::string_view orderByName, const Use& use)
 {
     if (source && source->kind == Kind::smartAlbum) {
         auto matcher = smartAlbumMatcher(database, source->id);
-        return forEachPhotoIn(database, std::nullopt, orderOfMasters,
+        return forEachPhotoIn(database, std::nullopt, orderByName,
             [&](PhotoItem&& item) { return !matcher.matches(item) || use(std::move(item)); });
     }
-    const auto sql = listing(source, orderOfMasters);
+    const auto sql = listing(source, orderByName);
     auto statement = database.prepare(sql);
     if (sql.find("?1") != sql.npos)
         statement.bind(source->id);
@@ -174,11 +184,10 @@ std::vector<PhotoItem> Catalog::photosOfSource(
         std::erase_if(items, [&](const PhotoItem& item) { return !matcher.matches(item); });
         return items;
     }
-    const auto condition = !source      ? std::string()
-        : source->kind == Kind::project ? " AND ?1 IN (" + std::string(idsAbove) + ")"
-                                        : conditionOf(source->kind);
-    auto statement
-        = database_.prepare("SELECT p.* FROM photos p WHERE p.version_of IS NULL AND p.id = ?2" + condition);
+    const bool inProject = source && source->kind == Kind::project;
+    const auto chosen
+        = inProject ? masters + (" AND ?1 IN (" + std::string(idsAbove) + ")") : chosenOf(source);
+    auto statement = database_.prepare(chosen + " AND p.id = ?2");
     PhotoRows rows(statement);
     std::vector<PhotoItem> items;
     for (const PhotoID id : ids) {

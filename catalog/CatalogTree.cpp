@@ -79,7 +79,9 @@ LibraryCounts countsIn(Database& database)
     const LibraryTotals totals{database.scalar("SELECT COUNT(*) FROM photos"),
         database.scalar("SELECT COUNT(*) FROM photos WHERE alt_text = ''"),
         database.scalar("SELECT COUNT(*) FROM photos WHERE dirty = 1"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND project_id IS NULL")};
+        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND project_id IS NULL"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL"),
+        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND alt_text = ''")};
     return {totals,
         rowsOf(database,
             "SELECT project_id, COUNT(*) AS n FROM photos WHERE version_of IS NULL AND project_id IS NOT "

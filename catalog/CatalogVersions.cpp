@@ -42,6 +42,13 @@ std::vector<PhotoItem> Catalog::versions(PhotoID photo)
     return items;
 }
 
+void Catalog::renameVersion(PhotoID version, std::string_view name)
+{
+    requireName(name);
+    changeRow(database_, "version", version,
+        "UPDATE photos SET version_name = ? WHERE id = ? AND version_of IS NOT NULL", name, version);
+}
+
 std::unordered_map<PhotoID, std::int64_t> Catalog::versionCounts()
 {
     std::unordered_map<PhotoID, std::int64_t> counts;

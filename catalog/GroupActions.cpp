@@ -15,6 +15,29 @@ PhotoID LibraryStore::createVersion(PhotoID photo, const std::optional<std::stri
     return id;
 }
 
+std::vector<PhotoID> LibraryStore::createVersions(std::span<const PhotoID> photos, UnixTime addedAt)
+{
+    std::vector<PhotoID> made;
+    perform("New Version", [&](Catalog& catalog) {
+        for (const PhotoID photo : photos)
+            made.push_back(catalog.createVersion(photo, std::nullopt, std::nullopt, addedAt));
+        if (source_ && source_->kind == LibrarySource::Kind::album)
+            for (std::size_t i = 0; i < made.size(); ++i)
+                catalog.addToAlbumBehind(source_->id, made[i], photos[i]);
+    });
+    return made;
+}
+
+void LibraryStore::renameVersion(PhotoID version, std::string_view name)
+{
+    perform("Rename Version", [&](Catalog& catalog) { catalog.renameVersion(version, name); });
+}
+
+void LibraryStore::removeVersion(PhotoID version)
+{
+    perform("Remove Version", [&](Catalog& catalog) { catalog.deletePhotos(std::span(&version, 1)); });
+}
+
 std::int64_t LibraryStore::createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick)
 {
     std::int64_t id = 0;

@@ -115,6 +115,12 @@ void LibraryStore::moveProject(std::int64_t id, std::optional<std::int64_t> pare
     perform("Move Project", [&](Catalog& catalog) { catalog.moveProject(id, parent); });
 }
 
+void LibraryStore::placeProject(
+    std::int64_t id, std::optional<std::int64_t> parent, std::optional<std::int64_t> before)
+{
+    perform("Move Project", [&](Catalog& catalog) { catalog.placeProject(id, parent, before); });
+}
+
 void LibraryStore::deleteProject(std::int64_t id)
 {
     perform("Delete Project", [&](Catalog& catalog) { catalog.deleteProject(id); });
@@ -142,6 +148,12 @@ void LibraryStore::moveAlbum(std::int64_t id, std::optional<std::int64_t> parent
     perform("Move Album", [&](Catalog& catalog) { catalog.moveAlbum(id, parentProject); });
 }
 
+void LibraryStore::placeAlbum(
+    std::int64_t id, std::optional<std::int64_t> parentProject, std::optional<std::int64_t> before)
+{
+    perform("Move Album", [&](Catalog& catalog) { catalog.placeAlbum(id, parentProject, before); });
+}
+
 void LibraryStore::deleteAlbum(std::int64_t id)
 {
     perform("Delete Album", [&](Catalog& catalog) { catalog.deleteAlbum(id); });
@@ -150,6 +162,12 @@ void LibraryStore::deleteAlbum(std::int64_t id)
 void LibraryStore::addToAlbum(std::int64_t album, std::span<const PhotoID> photos)
 {
     perform("Add to Album", [&](Catalog& catalog) { catalog.addToAlbum(album, photos); });
+}
+
+void LibraryStore::moveInAlbum(
+    std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before)
+{
+    perform("Move in Album", [&](Catalog& catalog) { catalog.moveInAlbum(album, photos, before); });
 }
 
 void LibraryStore::removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos)
@@ -162,6 +180,11 @@ std::int64_t LibraryStore::createKeyword(std::string_view name, std::optional<st
     std::int64_t id = 0;
     perform("New Keyword", [&](Catalog& catalog) { id = catalog.createKeyword(name, parent); });
     return id;
+}
+
+void LibraryStore::moveKeyword(std::int64_t id, std::optional<std::int64_t> parent)
+{
+    perform("Move Keyword", [&](Catalog& catalog) { catalog.moveKeyword(id, parent); });
 }
 
 void LibraryStore::deleteKeyword(std::int64_t id)

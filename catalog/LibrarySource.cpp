@@ -20,7 +20,7 @@ constexpr Name fixed[]
     = {{"flagged", Kind::flagged}, {"no-alt", Kind::noAltText}, {"recent", Kind::recentlyAdded},
         {"videos", Kind::videos}, {"faces", Kind::faces}, {"places", Kind::places}};
 constexpr Name numbered[] = {{"folder:", Kind::folder}, {"album:", Kind::album}, {"smart:", Kind::smartAlbum},
-    {"project:", Kind::project}, {"person:", Kind::person}};
+    {"project:", Kind::project}, {"person:", Kind::person}, {"versions:", Kind::versions}};
 
 } // namespace
 

@@ -22,11 +22,12 @@ struct LibrarySource {
         recentlyAdded,
         videos,
         faces,
-        places
+        places,
+        versions ///< a master and what was made of it
     };
 
     Kind kind;
-    std::int64_t id = 0; // of the folder, album, smart album, project or person
+    std::int64_t id = 0; // of the folder, album, smart album, project, person or master
     std::string extension; // names the source that an extension contributes
 
     friend bool operator==(const LibrarySource&, const LibrarySource&) = default;
@@ -36,7 +37,8 @@ struct LibrarySource {
 std::string sourceNames();
 
 /// The source of a text as the command line takes it: "all", "folder:3", "album:3", "smart:3", "project:3",
-/// "person:3", "flagged", "no-alt", "recent", "videos", "faces", "places". Throws std::invalid_argument.
+/// "person:3", "versions:3", "flagged", "no-alt", "recent", "videos", "faces", "places". Throws
+/// std::invalid_argument.
 std::optional<LibrarySource> parseSource(std::string_view text);
 
 /// The text that parseSource reads; "all" for a source that it cannot name.

@@ -85,20 +85,31 @@ public:
     std::int64_t gatherUnderProject(std::string_view name);
     void renameProject(std::int64_t id, std::string_view name);
     void moveProject(std::int64_t id, std::optional<std::int64_t> parent);
+    void placeProject(
+        std::int64_t id, std::optional<std::int64_t> parent, std::optional<std::int64_t> before);
     void deleteProject(std::int64_t id);
     void assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project);
     std::int64_t createAlbum(std::string_view name, std::optional<std::int64_t> parentProject);
     void renameAlbum(std::int64_t id, std::string_view name);
     void moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject);
+    void placeAlbum(
+        std::int64_t id, std::optional<std::int64_t> parentProject, std::optional<std::int64_t> before);
     void deleteAlbum(std::int64_t id);
     void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);
+    void moveInAlbum(std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before);
     void removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos);
     std::int64_t createKeyword(std::string_view name, std::optional<std::int64_t> parent);
+    void moveKeyword(std::int64_t id, std::optional<std::int64_t> parent);
     void deleteKeyword(std::int64_t id);
 
     // Groups (GroupActions.cpp)
     PhotoID createVersion(PhotoID photo, const std::optional<std::string>& name,
         const std::optional<PhotoEdits>& edits, UnixTime addedAt);
+    /// Makes a version of each; in an album each stands there behind its photo. The versions in the order of
+    /// the photos.
+    std::vector<PhotoID> createVersions(std::span<const PhotoID> photos, UnixTime addedAt);
+    void renameVersion(PhotoID version, std::string_view name);
+    void removeVersion(PhotoID version);
     std::int64_t createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick);
     void unstack(std::int64_t id);
     void setPick(std::int64_t stack, PhotoID photo);

@@ -72,8 +72,10 @@ struct LibraryTotals {
     std::int64_t withoutAltText; // rows
     std::int64_t dirty; // rows not yet written into their files
     std::int64_t outsideProjects; // masters
+    std::int64_t masters;
+    std::int64_t mastersWithoutAltText;
 };
-KORVO_RECORD(LibraryTotals, photos, withoutAltText, dirty, outsideProjects)
+KORVO_RECORD(LibraryTotals, photos, withoutAltText, dirty, outsideProjects, masters, mastersWithoutAltText)
 
 /// Everything the sidebar shows.
 struct LibraryTree {

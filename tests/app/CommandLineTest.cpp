@@ -187,7 +187,8 @@ TEST_F(CommandLine, buildsTheTree)
               "\"name\":"
               "\"animals\"},{\"id\":2,\"name\":\"apes\",\"parentID\":1}],\"people\":[],\"totals\":{"
               "\"photos\":3,"
-              "\"withoutAltText\":3,\"dirty\":0,\"outsideProjects\":2}}\n");
+              "\"withoutAltText\":3,\"dirty\":0,\"outsideProjects\":2,\"masters\":3,"
+              "\"mastersWithoutAltText\":3}}\n");
     EXPECT_EQ(run("project gather All").out, "3\n");
     run("album move 1");
     run("album delete 1");

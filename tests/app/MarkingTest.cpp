@@ -53,6 +53,8 @@ TEST(Marking, ofOnePhoto)
              {rejectedWith(2), false, Mark::clear, "2"},
              {3, false, Mark::toggleFlag, "3f"},
              {3, true, Mark::toggleFlag, "3"},
+             {rejectedWith(3), false, Mark::toggleFlag, "3f"},
+             {4, true, Mark::flag, "4f"},
              {4, true, Mark::oneStarMore, "5f"},
              {5, false, Mark::oneStarMore, "5"},
              {0, false, Mark::oneStarLess, "0"},

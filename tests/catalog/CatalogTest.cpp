@@ -162,11 +162,12 @@ TEST(Catalog, sourcesListExactlyTheirPhotos)
              {source(Kind::videos), {"A.mov", "c.MP4"}},
              {source(Kind::faces), {"c.MP4"}},
              {source(Kind::places), {"A.mov"}},
+             {source(Kind::versions, b), {"b.jpg", "b.jpg"}},
              {source(Kind::extensionSource), {}},
          }) {
         SCOPED_TRACE(from ? static_cast<int>(from->kind) : -1);
         EXPECT_EQ(library.names(from), names);
-        std::vector<PhotoID> all{a, b, c};
+        std::vector<PhotoID> all{a, b, c, version};
         if (from && from->kind != Kind::album) {
             EXPECT_EQ(catalog.photosOfSource(from, all).size(), names.size());
         }

@@ -32,7 +32,7 @@ TEST(Catalog, treeNestsProjectsInTheirOrderWithCounts)
     EXPECT_EQ(tree.albums, (std::vector<AlbumRow>{{album, "album", second, 2}}));
     ASSERT_EQ(tree.keywords.size(), 3U);
     EXPECT_EQ(tree.keywords[1].name, "ape") << "by name without regard to case";
-    EXPECT_EQ(tree.totals, (LibraryTotals{4, 3, 0, 1}));
+    EXPECT_EQ(tree.totals, (LibraryTotals{4, 3, 0, 1, 3, 2}));
 }
 
 TEST(Catalog, manyProjectsAndAlbumsAreMadeBehindThoseThatAreThere)
@@ -80,6 +80,69 @@ TEST(Catalog, aCircleOfProjectsStaysInSightAndEndsNothing)
     EXPECT_EQ(tree.projects[0].children[0].children[0].id, leaf);
     catalog.moveProject(outer, std::nullopt);
     EXPECT_THROW(catalog.moveProject(outer, leaf), std::invalid_argument);
+}
+
+TEST(Catalog, projectsAndAlbumsStandAmongTheirSiblingsWhereTheyArePut)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    std::vector<std::int64_t> projects, albums;
+    for (const auto* const name : {"a", "b", "c"}) {
+        projects.push_back(catalog.createProject(name, "project", std::nullopt));
+        albums.push_back(catalog.createAlbum(name, std::nullopt));
+    }
+    const auto order = [&] {
+        std::string names;
+        for (const auto& project : catalog.tree().projects)
+            names += project.name;
+        names += " ";
+        for (const auto& album : catalog.tree().albums)
+            names += album.name + (album.parentID ? "'" : "");
+        return names;
+    };
+    catalog.placeProject(projects[2], std::nullopt, projects[0]);
+    catalog.placeAlbum(albums[0], std::nullopt, albums[2]);
+    EXPECT_EQ(order(), "cab bac");
+    catalog.placeProject(projects[2], std::nullopt, std::nullopt);
+    catalog.placeAlbum(albums[2], projects[0], albums[1]);
+    EXPECT_EQ(order(), "abc c'ba");
+    catalog.placeProject(projects[0], projects[1], std::nullopt);
+    EXPECT_EQ(order(), "bc c'ba");
+    EXPECT_THROW(catalog.placeProject(projects[1], projects[0], std::nullopt), std::invalid_argument);
+    const auto animals = catalog.createKeyword("animals", std::nullopt);
+    const auto birds = catalog.createKeyword("birds", std::nullopt);
+    const auto owls = catalog.createKeyword("owls", birds);
+    catalog.moveKeyword(birds, animals);
+    EXPECT_EQ(catalog.keywords()[1].parentID, animals);
+    EXPECT_THROW(catalog.moveKeyword(animals, owls), std::invalid_argument);
+    EXPECT_THROW(catalog.moveKeyword(animals, 99), NotFoundError);
+}
+
+TEST(Catalog, photosStandInAnAlbumWhereTheyArePut)
+{
+    struct Case {
+        std::vector<PhotoID> moved;
+        std::optional<PhotoID> before;
+        std::vector<PhotoID> after;
+    };
+    for (const auto& [moved, before, after] : {
+             Case{{4}, 1, {4, 1, 2, 3}},
+             {{1, 2}, std::nullopt, {3, 4, 1, 2}},
+             {{4, 2}, 3, {1, 4, 2, 3}},
+             {{2, 3}, 3, {1, 2, 3, 4}}, // where they stand
+             {{1, 99}, 4, {2, 3, 1, 4}},
+         }) {
+        TestLibrary library;
+        auto& catalog = *library.catalog;
+        const auto album = catalog.createAlbum("album", std::nullopt);
+        for (const auto* const name : {"d", "c", "b", "a"})
+            catalog.addToAlbum(album, only(library.photo(name)));
+        catalog.moveInAlbum(album, moved, before);
+        std::vector<PhotoID> ids;
+        for (const auto& item : catalog.photos(LibrarySource{LibrarySource::Kind::album, album, {}}))
+            ids.push_back(item.id);
+        EXPECT_EQ(ids, after);
+    }
 }
 
 TEST(Catalog, deletingPartsOfTheTreeNeverDeletesPhotos)

@@ -312,4 +312,25 @@ TEST(LibraryStore, versionsAreMadeAndTakenBack)
     EXPECT_EQ(t.shown(), (IDs{version, 1}));
 }
 
+TEST(LibraryStore, newVersionsStandInTheAlbumBehindTheirPhotosInOneStep)
+{
+    Grid t(3);
+    const auto album = t.store.createAlbum("album", std::nullopt);
+    t.store.addToAlbum(album, IDs{3, 1, 2});
+    t.store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    const auto made = t.store.createVersions(IDs{3, 1, 2}, 5);
+    EXPECT_EQ(t.shown(), (IDs{3, made.at(0), 1, made.at(1), 2, made.at(2)}));
+    t.store.undo();
+    EXPECT_EQ(t.shown(), (IDs{3, 1, 2}));
+    t.store.redo();
+    t.store.chooseSource(LibrarySource{LibrarySource::Kind::versions, 3, {}});
+    const auto another = t.store.createVersions(only(made[0]), 6);
+    EXPECT_EQ(t.shown(), (IDs{3, made[0], another.at(0)})) << "those of one photo are listed together";
+    t.store.renameVersion(another[0], "Black and White");
+    EXPECT_EQ(t.store.list().find(another[0])->versionName, "Black and White");
+    EXPECT_THROW(t.store.renameVersion(3, "Master"), NotFoundError);
+    t.store.removeVersion(made[0]);
+    EXPECT_EQ(t.shown(), (IDs{3, another[0]}));
+}
+
 } // namespace korvo
