@@ -1,6 +1,7 @@
 #include "app/DecodedPhotos.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace korvo {
 
@@ -70,6 +71,42 @@ void DecodedPhotos::wish(int viewer, std::vector<DecodeWish> wishes)
     wished_.notify_all();
 }
 
+DecodedPhotos::FileTime DecodedPhotos::fileTime(const std::filesystem::path& file)
+{
+    std::error_code error; // one that is missing is an error once it is read
+    return std::filesystem::last_write_time(file, error);
+}
+
+void DecodedPhotos::lookForChanges()
+{
+    main_.assertCurrent();
+    if (std::exchange(isLooking_, true)) // a slow disk must hold up nobody
+        return;
+    std::vector<std::pair<DecodeWish, FileTime>> kept;
+    for (const auto& [wish, picture] : kept_)
+        kept.emplace_back(wish, picture.fileTime);
+    looking_ = runInBackground(main_, [this, kept = std::move(kept)](const Task::Context& context) {
+        std::vector<DecodeWish> changed;
+        for (const auto& [wish, time] : kept)
+            if (!context.stopRequested() && fileTime(wish.file) != time)
+                changed.push_back(wish);
+        context.deliver([this, changed = std::move(changed)] { forget(changed); });
+    });
+}
+
+/// What is wished of these is decoded again.
+void DecodedPhotos::forget(const std::vector<DecodeWish>& changed)
+{
+    isLooking_ = false;
+    for (const auto& wish : changed)
+        kept_.erase(wish);
+    const std::scoped_lock lock(mutex_);
+    for (const auto& wish : changed)
+        if (isWished(wish))
+            waiting_.push_back(wish);
+    wished_.notify_all();
+}
+
 std::shared_ptr<const DecodedPhoto> DecodedPhotos::find(const DecodeWish& wish) const
 {
     const auto kept = kept_.find(wish);
@@ -93,7 +130,7 @@ std::shared_ptr<DecodedPhotos::UnderWay> DecodedPhotos::next(const std::stop_tok
     wished_.wait(lock, stop, [this] { return !waiting_.empty(); });
     if (stop.stop_requested())
         return nullptr;
-    auto result = std::make_shared<UnderWay>(UnderWay{waiting_.front(), {}});
+    auto result = std::make_shared<UnderWay>(UnderWay{waiting_.front(), {}, {}});
     waiting_.pop_front();
     underWay_.push_back(result);
     return result;
@@ -103,6 +140,7 @@ void DecodedPhotos::work(const std::stop_token& stop)
 {
     while (const auto underWay = next(stop)) {
         DecodedPhoto photo;
+        underWay->fileTime = fileTime(underWay->wish.file);
         try {
             const ImageRequest request{
                 .size = underWay->wish.size, .kind = PixelKind::asStored, .source = underWay->wish.source};
@@ -133,7 +171,7 @@ void DecodedPhotos::keep(const std::shared_ptr<UnderWay>& underWay, DecodedPhoto
             return;
         }
     }
-    kept_[wish] = {std::make_shared<const DecodedPhoto>(std::move(photo)), lists_};
+    kept_[wish] = {std::make_shared<const DecodedPhoto>(std::move(photo)), underWay->fileTime, lists_};
     makeRoom();
     if (isWished(wish))
         arrived.emit(wish);

@@ -2,6 +2,7 @@
 
 #include "base/MainThread.h"
 #include "base/Signal.h"
+#include "base/Task.h"
 #include "platform/ImageReader.h"
 
 #include <condition_variable>
@@ -51,19 +52,25 @@ public:
 
     /// `viewer` tells apart who wishes: each has a list of its own, the first viewer's comes first.
     void wish(int viewer, std::vector<DecodeWish> wishes);
+    /// Decodes again what another program may have changed in its file meanwhile; till then the picture of
+    /// before stays.
+    void lookForChanges();
     /// Null while it is not there.
     std::shared_ptr<const DecodedPhoto> find(const DecodeWish& wish) const;
     /// Whether wished pictures are still to come.
     bool isBusy();
 
 private:
+    using FileTime = std::filesystem::file_time_type; ///< least for a file that is not there
     struct Kept {
         std::shared_ptr<const DecodedPhoto> photo;
+        FileTime fileTime; ///< as it was read
         std::uint64_t wished = 0; ///< when last, as a count of lists
     };
     struct UnderWay {
         DecodeWish wish;
         std::stop_source stop;
+        FileTime fileTime = {};
     };
 
     void work(const std::stop_token& stop);
@@ -71,6 +78,8 @@ private:
     void keep(const std::shared_ptr<UnderWay>& underWay, DecodedPhoto photo);
     bool isWished(const DecodeWish& wish) const;
     void makeRoom();
+    static FileTime fileTime(const std::filesystem::path& file);
+    void forget(const std::vector<DecodeWish>& changed);
 
     MainThread& main_;
     ImageReader& reader_;
@@ -85,6 +94,8 @@ private:
     std::list<DecodeWish> waiting_;
     std::list<std::shared_ptr<UnderWay>> underWay_;
     std::vector<std::jthread> workers_; // last, so that they end first
+    bool isLooking_ = false; // main thread only
+    Task looking_;
 };
 
 } // namespace korvo

@@ -1,6 +1,7 @@
 #include "app/LiveRenders.h"
 #include "app/PhotoRender.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -77,6 +78,26 @@ TEST_F(DecodedPhotosTest, forgetsWhatWasNotWishedForTheLongestTimeAndNothingThat
     ASSERT_TRUE(main.runUntil([&] { return isThere("e") && isThere("f"); }));
     EXPECT_TRUE(isThere("b"));
     EXPECT_FALSE(isThere("c") || isThere("d"));
+}
+
+TEST_F(DecodedPhotosTest, decodesAgainWhatAnotherProgramHasChanged)
+{
+    const TemporaryFolder folder;
+    for (const auto* const name : {"same", "changed"})
+        folder.write(name, "a picture");
+    const auto same = wish((folder / "same").string()), changed = wish((folder / "changed").string());
+    photos.wish(0, {same, changed});
+    ASSERT_TRUE(main.runUntil([&] { return reader.reads == 2 && !photos.isBusy() && photos.find(changed); }));
+    std::filesystem::last_write_time(changed.file, std::filesystem::last_write_time(changed.file) + 1s);
+    int arrived = 0;
+    const auto connection = photos.arrived.connect([&](const DecodeWish& which) {
+        EXPECT_EQ(which, changed);
+        ++arrived;
+    });
+    photos.lookForChanges();
+    ASSERT_TRUE(main.runUntil([&] { return arrived == 1; }));
+    EXPECT_EQ(reader.reads, 3);
+    EXPECT_TRUE(photos.find(same) && photos.find(changed));
 }
 
 TEST(LiveRenders, theNewestJobOfAViewWinsAndNothingComesAfterItIsGone)
