@@ -1,6 +1,7 @@
 #include "app/Browser.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace korvo {
 
@@ -57,6 +58,31 @@ void Browser::step(std::ptrdiff_t places)
     const auto to = from ? static_cast<std::ptrdiff_t>(*from) + places : 0;
     setCurrent(
         shownAt(store_.list(), static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(to, 0, count - 1))));
+}
+
+bool Browser::listsVersions() const
+{
+    return store_.source() && store_.source()->kind == LibrarySource::Kind::versions;
+}
+
+void Browser::showVersions(PhotoID photo)
+{
+    const LibrarySource versions{LibrarySource::Kind::versions, store_.catalog().masterOf(photo), {}};
+    if (store_.source() != versions) {
+        if (!listsVersions())
+            leftForVersions_ = {store_.source(), store_.selection()};
+        store_.chooseSource(versions);
+    }
+    store_.select({photo});
+}
+
+void Browser::leaveVersions()
+{
+    if (!listsVersions())
+        return;
+    const auto [source, selection] = std::exchange(leftForVersions_, {});
+    store_.chooseSource(source);
+    store_.select(selection);
 }
 
 std::vector<PhotoID> Browser::targets() const

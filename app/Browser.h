@@ -31,11 +31,17 @@ public:
     /// Makes the photo current that stands so many places further on (or back), at most the last (or first).
     void step(std::ptrdiff_t places);
 
+    /// Lists a photo, or a version, with all versions of it, and makes it the selected one.
+    void showVersions(PhotoID photo);
+    /// Lists again what was listed before; does nothing when no versions are listed.
+    void leaveVersions();
+
     /// The photos that a command acts on: in the grid all selected, else the current one alone.
     std::vector<PhotoID> targets() const;
     std::size_t targetCount() const;
 
 private:
+    bool listsVersions() const;
     void storeChanged(const LibraryChange& change);
     std::optional<std::size_t> place() const;
     void keepCurrent();
@@ -43,6 +49,11 @@ private:
     LibraryStore& store_;
     ViewMode mode_ = ViewMode::grid;
     std::optional<PhotoID> current_;
+    struct Left {
+        std::optional<LibrarySource> source;
+        std::vector<PhotoID> selection;
+    };
+    Left leftForVersions_;
     std::size_t place_ = 0; // of the current photo among the shown ones, as it was last
     Connection storeChanged_;
 };

@@ -1,21 +1,24 @@
 // Libraries, folders, albums, stacks, versions, and taking photos out.
 
+#include "app/AlbumOrder.h"
 #include "app/Marking.h"
 #include "app/desktop/Adding.h"
+#include "app/desktop/AskName.h"
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/NewWindow.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/Versions.h"
 #include "base/Text.h"
 #include "platform/AppFolders.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QUrl>
 
+#include <map>
 #include <set>
 
 namespace korvo {
@@ -57,13 +60,8 @@ void addFolder(MainWindow& window)
 template <typename Make>
 void makeNamed(MainWindow& window, const QString& title, Make make)
 {
-    QInputDialog dialog(&window);
-    dialog.setWindowTitle(title);
-    dialog.setLabelText("Name");
-    dialog.resize(380, dialog.sizeHint().height());
-    const bool accepted = dialog.exec() == QDialog::Accepted;
-    if (const QString name = dialog.textValue().trimmed(); accepted && !name.isEmpty())
-        make(window.desktop().store(), utf8(name));
+    if (const auto name = askName(window, title))
+        make(window.desktop().store(), *name);
 }
 
 /// The project that is shown, below which new ones belong.
@@ -98,6 +96,22 @@ std::set<std::int64_t> stacksOf(const PhotoList& list, std::span<const PhotoID> 
     return stacks;
 }
 
+/// The photos, each pick of a collapsed stack with the members that it stands for.
+std::vector<PhotoID> withHidden(LibraryStore& store, std::span<const PhotoID> ids)
+{
+    std::map<PhotoID, std::vector<PhotoID>> collapsed; // by their pick
+    for (auto& stack : store.catalog().stacks())
+        if (stack.collapsed && !stack.members.empty())
+            collapsed.emplace(stack.members.front(), std::move(stack.members));
+    std::vector<PhotoID> all;
+    for (const PhotoID id : ids)
+        if (const auto found = collapsed.find(id); found != collapsed.end())
+            all.insert(all.end(), found->second.begin(), found->second.end());
+        else
+            all.push_back(id);
+    return all;
+}
+
 void unstack(LibraryStore& store, std::span<const PhotoID> ids)
 {
     const auto stacks = stacksOf(store.list(), ids);
@@ -123,14 +137,19 @@ void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
     });
 }
 
-void newVersions(Desktop& desktop)
+/// "Their 2 versions go along. ", or nothing.
+std::string whatGoesAlong(Catalog& catalog, const std::vector<PhotoID>& ids)
 {
-    const auto ids = desktop.browser().targets();
-    desktop.store().perform("New Version", [&](Catalog& catalog) {
-        for (const PhotoID id : ids)
-            catalog.createVersion(id, std::nullopt, std::nullopt, desktop.clock().now());
-    });
-    desktop.say("Made " + counted(ids.size(), "version") + ".", Offer::undo);
+    const std::set<PhotoID> named(ids.begin(), ids.end());
+    std::set<PhotoID> all;
+    for (const PhotoID id : catalog.withVersions(ids))
+        all.insert(id);
+    const auto others = static_cast<std::size_t>(
+        std::count_if(all.begin(), all.end(), [&](PhotoID id) { return !named.contains(id); }));
+    if (others == 0)
+        return {};
+    return (ids.size() == 1 ? "Its " : "Their ") + counted(others, "version")
+        + (others == 1 ? " goes" : " go") + " along. ";
 }
 
 void removeFromLibrary(MainWindow& window)
@@ -139,7 +158,8 @@ void removeFromLibrary(MainWindow& window)
     const auto ids = window.desktop().browser().targets();
     const auto title = "Remove " + counted(ids.size(), "photo") + " from the library?";
     QMessageBox box(QMessageBox::Question, "Korvo", qt(title), QMessageBox::Cancel, &window);
-    box.setInformativeText("The files stay where they are on disk.");
+    box.setInformativeText(
+        qt(whatGoesAlong(store.catalog(), ids) + "The files stay where they are on disk."));
     const QAbstractButton* const remove = box.addButton("Remove", QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
@@ -169,8 +189,9 @@ void addStackCommands(MainWindow& window)
     auto& commands = window.commands();
     auto& desktop = window.desktop();
     auto& store = desktop.store();
-    commands.handle(
-        Command::stack, [&] { store.createStack(desktop.browser().targets(), desktop.browser().current()); });
+    commands.handle(Command::stack, [&] {
+        store.createStack(withHidden(store, desktop.browser().targets()), desktop.browser().current());
+    });
     commands.handle(Command::unstack, [&] { unstack(store, desktop.browser().targets()); });
     commands.handle(Command::toggleStack, [&] { toggleStacks(store, desktop.browser().targets()); });
     commands.handle(Command::setPick, [&] {
@@ -178,6 +199,8 @@ void addStackCommands(MainWindow& window)
             store.setPick(*item->stackID, item->id);
     });
     commands.handle(Command::newVersion, [&] { newVersions(desktop); });
+    commands.handle(
+        Command::showVersions, [&] { desktop.browser().showVersions(desktop.browser().targets().front()); });
 }
 
 } // namespace
@@ -196,15 +219,15 @@ void addLibraryCommands(MainWindow& window)
         });
     });
     commands.handle(Command::newAlbum, [&] { newAlbum(window); });
-    commands.handle(Command::newKeyword, [&] {
-        makeNamed(window, "New Keyword",
-            [](LibraryStore& all, const std::string& name) { all.createKeyword(name, std::nullopt); });
-    });
     commands.handle(Command::selectAll, [&] { selectAll(store); });
     commands.handle(Command::selectNone, [&] { store.select({}); });
     commands.handle(Command::remove,
         [&] { desktop.say(removeOrReject(store, desktop.browser().targets()), Offer::undo); });
     commands.handle(Command::removeFromLibrary, [&] { removeFromLibrary(window); });
+    for (const auto& [command, places] : {std::pair{Command::moveEarlier, -1}, {Command::moveLater, 1}})
+        commands.handle(
+            command, [&, places = places] { stepInAlbum(store, desktop.browser().targets(), places); },
+            [&] { return isArrangedByHand(store); });
     commands.handle(Command::showInFolder, [&] { showInFolder(desktop); });
     addStackCommands(window);
 }

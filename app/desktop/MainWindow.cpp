@@ -153,14 +153,9 @@ void MainWindow::restoreSides(const QByteArray& bytes)
         return;
     columns_->restoreState(columns);
     middle_->restoreState(middle);
-    sidebar_->setVisible(sidebar);
-    inspector_->setVisible(inspector);
+    showSides({sidebar, inspector});
     inspector_->setCurrentIndex(tab);
-    filmstripWanted_ = filmstrip;
-    commands_.setChecked(Command::sidebar, sidebar);
-    commands_.setChecked(Command::inspector, inspector);
-    commands_.setChecked(Command::filmstrip, filmstrip);
-    showMode();
+    wantFilmstrip(filmstrip);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -189,8 +184,10 @@ bool MainWindow::isEndWished(const Job& job)
 void MainWindow::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
-        desktop_.attempt([this] { desktop_.store().reloadIfChangedElsewhere(); });
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow())
+        return;
+    desktop_.decoded().lookForChanges();
+    desktop_.attempt([this] { desktop_.store().reloadIfChangedElsewhere(); });
 }
 
 void MainWindow::showPhotoMenu(QPoint at)
@@ -246,22 +243,30 @@ void MainWindow::makeCommands()
     commands_.handle(Command::undo, [this] { desktop_.store().undo(); });
     commands_.handle(Command::redo, [this] { desktop_.store().redo(); });
     commands_.handle(Command::quit, [this] { close(); });
-    commands_.handle(Command::hideSides, [this] { setSidesShown(inspector_->isHidden()); });
+    commands_.handle(Command::hideSides, [this] { toggleSides(); });
     commands_.handle(Command::sidebar, [this] { toggle(Command::sidebar, sidebar_); });
     commands_.handle(Command::inspector, [this] { toggle(Command::inspector, inspector_); });
-    commands_.handle(Command::filmstrip, [this] {
-        filmstripWanted_ = !filmstripWanted_;
-        commands_.setChecked(Command::filmstrip, filmstripWanted_);
-        showMode();
-    });
+    commands_.handle(Command::filmstrip, [this] { wantFilmstrip(!filmstripWanted_); });
     commands_.handle(
         Command::fullScreenWindow, [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
 }
 
+/// From the grid to the viewer above the filmstrip, to the viewer alone, and back.
 void MainWindow::cycleModes()
 {
     auto& browser = desktop_.browser();
+    if (browser.mode() == ViewMode::viewer && filmstripWanted_)
+        return wantFilmstrip(false);
+    if (browser.mode() == ViewMode::grid)
+        wantFilmstrip(true);
     browser.setMode(browser.mode() == ViewMode::grid ? ViewMode::viewer : ViewMode::grid);
+}
+
+void MainWindow::wantFilmstrip(bool wanted)
+{
+    filmstripWanted_ = wanted;
+    commands_.setChecked(Command::filmstrip, wanted);
+    showMode();
 }
 
 void MainWindow::leaveFieldOrCentre()
@@ -270,17 +275,28 @@ void MainWindow::leaveFieldOrCentre()
         return desktop_.browser().setMode(ViewMode::viewer);
     if (centre() && !middle_->isAncestorOf(QApplication::focusWidget()))
         centre()->setFocus();
-    else
+    else if (desktop_.browser().mode() != ViewMode::grid)
         desktop_.browser().setMode(ViewMode::grid);
+    else
+        desktop_.browser().leaveVersions();
 }
 
-void MainWindow::setSidesShown(bool shown)
+/// Hides what is shown of both sides, or shows again what was hidden so.
+void MainWindow::toggleSides()
 {
-    inspector_->setVisible(shown);
-    if (sidebar_)
-        sidebar_->setVisible(shown);
-    for (const auto command : {Command::sidebar, Command::inspector})
-        commands_.setChecked(command, shown);
+    const Sides shown{!sidebar_->isHidden(), !inspector_->isHidden()};
+    const bool hides = shown.sidebar || shown.inspector;
+    showSides(hides ? Sides{false, false} : hiddenSides_);
+    if (hides)
+        hiddenSides_ = shown;
+}
+
+void MainWindow::showSides(Sides sides)
+{
+    sidebar_->setVisible(sides.sidebar);
+    inspector_->setVisible(sides.inspector);
+    commands_.setChecked(Command::sidebar, sides.sidebar);
+    commands_.setChecked(Command::inspector, sides.inspector);
 }
 
 void MainWindow::toggle(Command command, QWidget* widget)

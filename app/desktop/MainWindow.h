@@ -60,7 +60,12 @@ private:
     void showMode();
     void leaveFieldOrCentre();
     void cycleModes();
-    void setSidesShown(bool shown);
+    struct Sides {
+        bool sidebar = true, inspector = true;
+    };
+    void toggleSides();
+    void showSides(Sides sides);
+    void wantFilmstrip(bool wanted);
     void toggle(Command command, QWidget* widget);
 
     Desktop& desktop_;
@@ -72,6 +77,7 @@ private:
     QWidget* sidebar_ = nullptr;
     QWidget* filmstrip_ = nullptr;
     bool filmstripWanted_ = true;
+    Sides hiddenSides_; // to be shown again together
     std::array<QWidget*, 5> centres_{}; // by mode
     QTimer otherProcesses_; // when to look for what they have changed
     Connection browserChanged_;

@@ -53,10 +53,8 @@ QPixmap dragPicture(const QWidget& widget, const QPixmap& picture, std::size_t c
 
 } // namespace
 
-void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QPixmap& picture)
+QMimeData* dragData(std::span<const PhotoItem* const> items)
 {
-    if (items.empty())
-        return;
     QByteArray ids;
     QDataStream stream(&ids, QIODevice::WriteOnly);
     stream << thisProcess();
@@ -68,8 +66,15 @@ void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QP
     auto* const data = new QMimeData;
     data->setData(photosType, ids);
     data->setUrls(files);
+    return data;
+}
+
+void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QPixmap& picture)
+{
+    if (items.empty())
+        return;
     auto* const drag = new QDrag(&from);
-    drag->setMimeData(data);
+    drag->setMimeData(dragData(items));
     drag->setPixmap(dragPicture(from, picture, items.size()));
     // Never a move: whoever takes the files would take the originals away.
     drag->exec(Qt::CopyAction | Qt::LinkAction, Qt::CopyAction);

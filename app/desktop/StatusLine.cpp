@@ -136,8 +136,13 @@ void StatusLine::showCounts()
 {
     const auto shown = desktop_.store().list().shown().size();
     const auto selected = desktop_.store().selection().size();
-    const bool isReading = desktop_.store().isReading() && desktop_.store().list().items().empty();
+    const auto& list = desktop_.store().list();
+    const bool isReading = desktop_.store().isReading() && list.items().empty();
     QString text = isReading ? QString("Reading…") : number(shown) + " " + qt(plural(shown, "photo"));
+    if (const auto& source = desktop_.store().source();
+        source && source->kind == LibrarySource::Kind::versions && !list.items().empty())
+        text = number(shown) + " " + qt(plural(shown, "version")) + " of "
+            + qt(repairedUtf8(list.items().front().filename.view())) + " (Esc goes back)";
     if (selected > 0)
         text += ", " + number(selected) + " selected";
     counts_->setText(text);

@@ -108,6 +108,7 @@ QLineEdit:focus, QPlainTextEdit:focus, QTextEdit:focus, QSpinBox:focus, QDoubleS
     border: 1px solid #4fa3f7; }
 QLineEdit, QPlainTextEdit, QTextEdit { background: #1b1b1b; border: 1px solid #4a4a4a; border-radius: 3px;
     padding: 2px 4px; selection-background-color: #1f5a99; }
+QComboBox QAbstractItemView { border: 1px solid #5a5a5a; }
 #sidebar::item { padding: 2px 0; }
 #completion { background: #2c2c2c; border: 1px solid #5a5a5a; }
 #completion::item { padding: 3px 6px; }

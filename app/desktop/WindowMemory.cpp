@@ -3,6 +3,7 @@
 #include "app/ViewMemory.h"
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/grid/GridView.h"
+#include "app/desktop/sidebar/Sidebar.h"
 
 #include <QCryptographicHash>
 #include <QScreen>
@@ -17,12 +18,13 @@ constexpr auto geometryKey = "korvo_window_geometry";
 constexpr auto sidesKey = "korvo_window_sides";
 constexpr auto thumbSizeKey = "korvo_thumb_size"; // device-independent pixels
 
+constexpr auto viewKeys = "korvo_view_", sidebarKeys = "korvo_sidebar_";
+
 /// Each library has its own.
-std::string viewKey(const Catalog& catalog)
+std::string keyOfLibrary(const char* keys, const Catalog& catalog)
 {
     const auto path = QByteArray::fromStdString(catalog.libraryURL().native());
-    return "korvo_view_"
-        + QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(16).toStdString();
+    return keys + QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(16).toStdString();
 }
 
 void showFirst(MainWindow& window)
@@ -44,7 +46,9 @@ void rememberWindow(MainWindow& window)
         defaults.set(geometryKey, window.saveGeometry().toBase64().toStdString());
         defaults.set(sidesKey, window.saveSides().toBase64().toStdString());
         defaults.set(thumbSizeKey, std::to_string(gridOf(window)->thumbnailSize()));
-        defaults.set(viewKey(desktop.store().catalog()), textOf(viewMemory(desktop.store())));
+        const auto& catalog = desktop.store().catalog();
+        defaults.set(keyOfLibrary(sidebarKeys, catalog), sidebarOf(window)->openLines());
+        defaults.set(keyOfLibrary(viewKeys, catalog), textOf(viewMemory(desktop.store())));
     } catch (const std::exception&) { // only a convenience: no reason to keep a window from closing
     }
 }
@@ -62,8 +66,10 @@ void restoreWindow(MainWindow& window)
     int size = 0;
     if (std::from_chars(text.data(), text.data() + text.size(), size).ec == std::errc())
         gridOf(window)->setThumbnailSize(size);
+    const auto& catalog = desktop.store().catalog();
+    sidebarOf(window)->restoreOpenLines(value(keyOfLibrary(sidebarKeys, catalog)));
     desktop.attempt(
-        [&] { restoreView(desktop.store(), viewMemoryOf(value(viewKey(desktop.store().catalog())))); });
+        [&] { restoreView(desktop.store(), viewMemoryOf(value(keyOfLibrary(viewKeys, catalog)))); });
 }
 
 } // namespace korvo

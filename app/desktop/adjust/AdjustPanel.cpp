@@ -100,7 +100,7 @@ void AdjustPanel::refresh()
     if (!isVisible())
         return;
     const auto* const item = desktop_.browser().currentItem();
-    const auto count = desktop_.browser().targets().size();
+    const auto count = desktop_.browser().targetCount();
     controls_->setEnabled(item && count > 0);
     hint_->setText(!item || count == 0 ? "Select a photo to adjust it."
             : count > 1                ? "Changes apply to " + qt(counted(count, "photo")) + "."

@@ -3,6 +3,7 @@
 #include "app/Marking.h"
 #include "app/desktop/PhotoDrag.h"
 #include "app/desktop/grid/GridView.h"
+#include "base/Text.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -27,6 +28,27 @@ std::optional<GridView::Index> GridView::currentIndex() const
     return current ? store().list().shownPosition(*current) : std::nullopt;
 }
 
+/// Where the keys are: on the current photo, or on one that they were moved to without selecting it.
+std::optional<PhotoID> GridView::cursor() const
+{
+    return cursor_ ? cursor_ : desktop_.browser().current();
+}
+
+std::optional<GridView::Index> GridView::cursorIndex() const
+{
+    const auto photo = cursor();
+    return photo ? store().list().shownPosition(*photo) : std::nullopt;
+}
+
+void GridView::setCursorPhoto(std::optional<PhotoID> photo)
+{
+    const auto before = cursorIndex();
+    cursor_ = photo;
+    for (const auto index : {before, cursorIndex()})
+        if (index)
+            updateCell(*index);
+}
+
 void GridView::choose(Index index, Qt::KeyboardModifiers modifiers)
 {
     const PhotoID id = itemAt(index).id;
@@ -45,6 +67,7 @@ void GridView::choose(Index index, Qt::KeyboardModifiers modifiers)
     store().select(std::move(ids));
     if (chosen)
         desktop_.browser().setCurrent(id);
+    setCursorPhoto(id);
 }
 
 void GridView::chooseRange(Index from, Index to)
@@ -62,12 +85,19 @@ bool GridView::mark(Index index, const CellPart& part)
     const auto& item = itemAt(index);
     const bool isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id);
     const auto ids = isSelected ? store().selection() : std::vector{item.id};
+    const auto done = [&](const std::string& what) {
+        if (ids.size() > photosBeforeUndoIsOffered)
+            desktop_.say(what + ": " + counted(ids.size(), "photo") + ".", Offer::undo);
+    };
     switch (part.kind) {
-    case CellPart::Kind::star: // a click on the last star that is lit puts it out
-        desktop_.attempt([&] { store().setRating(ids, item.rating == part.stars ? 0 : part.stars); });
+    case CellPart::Kind::star: // a click on the last star that is lit puts all out
+        desktop_.attempt([&] {
+            store().setRating(ids, item.rating == part.stars ? 0 : part.stars);
+            done("Set Rating");
+        });
         return true;
     case CellPart::Kind::flag:
-        desktop_.attempt([&] { setMark(store(), ids, Mark::toggleFlag); });
+        desktop_.attempt([&] { done(setMark(store(), ids, Mark::toggleFlag)); });
         return true;
     case CellPart::Kind::label:
         if (!isSelected)
@@ -155,6 +185,16 @@ int GridView::scrollAtEdge(QPoint at) const
     return at.y() < edge ? at.y() - edge : std::max(0, at.y() - bottom);
 }
 
+/// Goes on scrolling as long as the mouse is at an edge.
+void GridView::scrollAt(QPoint point)
+{
+    sweptTo_ = point;
+    if (scrollAtEdge(point) == 0)
+        sweepTimer_.stop();
+    else if (!sweepTimer_.isActive())
+        sweepTimer_.start();
+}
+
 void GridView::sweep(QPoint to)
 {
     if (!pressed_)
@@ -163,11 +203,7 @@ void GridView::sweep(QPoint to)
         band_ = new QRubberBand(QRubberBand::Rectangle, viewport());
         band_->show();
     }
-    sweptTo_ = to;
-    if (scrollAtEdge(to) == 0)
-        sweepTimer_.stop();
-    else if (!sweepTimer_.isActive())
-        sweepTimer_.start();
+    scrollAt(to);
     const QRect swept = QRect(*pressed_, to).normalized();
     band_->setGeometry(swept.intersected(viewport()->rect().adjusted(-1, -1, 1, 1)));
     auto ids = beforeSweep_;
@@ -205,18 +241,24 @@ void GridView::leaveEvent(QEvent* event)
 
 void GridView::moveTo(Index index, Qt::KeyboardModifiers modifiers)
 {
-    choose(index, modifiers & Qt::ShiftModifier);
+    if (modifiers.testFlag(Qt::ControlModifier))
+        setCursorPhoto(itemAt(index).id);
+    else
+        choose(index, modifiers & Qt::ShiftModifier);
     makeVisible(index);
 }
 
 void GridView::keyPressEvent(QKeyEvent* event)
 {
-    if (layout_.count == 0 || event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier))
+    constexpr auto known = Qt::ShiftModifier | Qt::ControlModifier | Qt::KeypadModifier;
+    if (layout_.count == 0 || event->modifiers() & ~known)
         return QAbstractScrollArea::keyPressEvent(event);
+    const auto current = cursorIndex();
+    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::ControlModifier && current)
+        return choose(*current, Qt::ControlModifier);
     const auto columns = static_cast<std::ptrdiff_t>(layout_.columns());
     const auto page = columns * std::max(1, viewport()->height() / layout_.cell.height());
     const auto last = static_cast<std::ptrdiff_t>(layout_.count) - 1;
-    const auto current = currentIndex();
     const auto from = static_cast<std::ptrdiff_t>(current.value_or(0));
     const auto target = [&]() -> std::optional<std::ptrdiff_t> {
         switch (event->key()) {

@@ -31,7 +31,7 @@ GridView::GridView(MainWindow& window)
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setAcceptDrops(true);
     viewport()->setMouseTracking(true);
     viewport()->setAutoFillBackground(false);
     wantTimer_.setSingleShot(true);
@@ -40,10 +40,16 @@ GridView::GridView(MainWindow& window)
     sweepTimer_.setInterval(16);
     connect(&sweepTimer_, &QTimer::timeout, this, [this] {
         verticalScrollBar()->setValue(verticalScrollBar()->value() + scrollAtEdge(sweptTo_));
-        sweep(sweptTo_);
+        if (gap_)
+            setGap(gapAt(sweptTo_));
+        else
+            sweep(sweptTo_);
     });
     storeChanged_ = store().changed.connect([this](const LibraryChange& change) { libraryChanged(change); });
-    browserChanged_ = desktop_.browser().changed.connect([this] { showCurrent(); });
+    browserChanged_ = desktop_.browser().changed.connect([this] {
+        cursor_.reset();
+        showCurrent();
+    });
     versions_ = store().catalog().versionCounts();
     layOut();
 }
@@ -64,7 +70,7 @@ Cell GridView::cellAt(Index index) const
         .isBroken = isBroken,
         .isUnsaved = desktop_.session().writeBack().failureOf(item.id) != nullptr,
         .isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id),
-        .isCurrent = hasFocus() && desktop_.browser().current() == item.id,
+        .isCurrent = hasFocus() && cursor() == item.id,
         .isHovered = hovered_ == index,
         .versions = versions == versions_.end() ? 0 : static_cast<int>(versions->second),
         .stackSize = static_cast<int>(store().list().stackSize(item))};
@@ -118,6 +124,7 @@ void GridView::libraryChanged(const LibraryChange& change)
 
 void GridView::selectionChanged()
 {
+    cursor_.reset();
     auto before = std::exchange(selected_, store().selection());
     if (!std::is_sorted(selected_.begin(), selected_.end()))
         std::sort(selected_.begin(), selected_.end());
@@ -209,6 +216,8 @@ void GridView::paintEvent(QPaintEvent* event)
     for (Index index = first; index < last; ++index)
         if (const QPoint at = cellPosition(index); event->rect().intersects({at, geometry_.cell()}))
             paintCell(painter, geometry_, at, cellAt(index));
+    if (gap_)
+        painter.fillRect(gapRect(*gap_), theme::accent);
     if (first == last)
         paintEmpty();
 }
@@ -248,6 +257,12 @@ void GridView::resizeEvent(QResizeEvent* event)
 {
     QAbstractScrollArea::resizeEvent(event);
     layOut();
+}
+
+void GridView::hideEvent(QHideEvent* event)
+{
+    QAbstractScrollArea::hideEvent(event);
+    endSweep();
 }
 
 void GridView::showEvent(QShowEvent* event)

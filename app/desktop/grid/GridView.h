@@ -44,6 +44,11 @@ protected:
     bool event(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -71,11 +76,19 @@ private:
     void chooseRange(Index from, Index to);
     bool mark(Index index, const CellPart& part);
     void dragOut();
+    // Drops, which arrange an album (GridDrop.cpp)
+    std::size_t gapAt(QPoint point) const;
+    QRect gapRect(std::size_t gap) const;
+    void setGap(std::optional<std::size_t> gap);
     void hover(std::optional<Index> index);
     void sweep(QPoint to);
+    void scrollAt(QPoint point);
     int scrollAtEdge(QPoint at) const;
     void endSweep();
     std::optional<Index> currentIndex() const;
+    std::optional<PhotoID> cursor() const;
+    std::optional<Index> cursorIndex() const;
+    void setCursorPhoto(std::optional<PhotoID> photo);
     void moveTo(Index index, Qt::KeyboardModifiers modifiers);
 
     MainWindow& window_;
@@ -90,6 +103,8 @@ private:
     int direction_ = 1; // of the last scrolling
     std::optional<Index> hovered_;
     std::optional<PhotoID> anchor_; // of a range
+    std::optional<PhotoID> cursor_; // where the keys are, when it was moved without selecting
+    std::optional<std::size_t> gap_; // before which cell a drop would go
     std::optional<QPoint> pressed_; // moves with what it is on
     QPoint sweptTo_;
     QTimer sweepTimer_; // runs while a sweep is at an edge

@@ -45,7 +45,8 @@ QString breakable(const QString& path)
 
 } // namespace
 
-InfoPanel::InfoPanel(MainWindow& window) : desktop_(window.desktop()), form_(new DescriptiveForm(desktop_))
+InfoPanel::InfoPanel(MainWindow& window)
+    : desktop_(window.desktop()), form_(new DescriptiveForm(desktop_)), versions_(new VersionList(window))
 {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
@@ -63,6 +64,7 @@ InfoPanel::InfoPanel(MainWindow& window) : desktop_(window.desktop()), form_(new
     layout->addWidget(writeBackRow_);
     failure_ = warning(factLabel(*layout, "failure"));
     status_ = factLabel(*layout, "status");
+    layout->addWidget(versions_);
     layout->addSpacing(6);
     layout->addWidget(form_);
     layout->addSpacing(12);
@@ -126,7 +128,9 @@ void InfoPanel::libraryChanged(const LibraryChange& change)
     const auto& shown = form_->photos();
     const bool concerns = change.list || change.selection || (shown.size() > 1 && !change.photos.empty())
         || (shown.size() == 1
-            && std::find(change.photos.begin(), change.photos.end(), shown.front()) != change.photos.end());
+            && (change.tree || std::any_of(change.photos.begin(), change.photos.end(), [&](PhotoID id) {
+                   return id == shown.front() || versions_->holds(id);
+               })));
     if (concerns)
         loadSoon();
 }
@@ -136,7 +140,7 @@ void InfoPanel::load()
     form_->setPhotos(desktop_.browser().targets());
     reading_ = {};
     readSlice();
-    lookAtFile();
+    look();
 }
 
 void InfoPanel::readSlice()
@@ -198,30 +202,51 @@ void InfoPanel::showFacts()
         file_->hide();
 }
 
-/// One look at a time: a slow disk must not hold up the next photos.
-void InfoPanel::lookAtFile()
+InfoPanel::Looked InfoPanel::lookAt(Catalog& catalog, const Wanted& wanted)
 {
-    const PhotoItem* const item = onlyPhoto();
-    const auto file = item ? item->path() : std::filesystem::path();
-    if (file != wantedFile_)
-        file_->clear();
-    wantedFile_ = file;
-    if (isLooking_ || wantedFile_.empty())
-        return;
-    isLooking_ = true;
-    fileTask_ = runInBackground(desktop_.mainThread(), [this, file](const Task::Context& context) {
-        const auto facts = fileFacts(file);
-        context.deliver([this, file, facts] { looked(file, facts); });
-    });
+    Looked looked{.facts = fileFacts(wanted.file), .versions = {}};
+    try {
+        looked.versions = catalog.versions(wanted.photo);
+    } catch (const DatabaseError&) { // they are looked for again with the next change
+    }
+    return looked;
 }
 
-void InfoPanel::looked(const std::filesystem::path& file, const FileFacts& facts)
+/// One look at a time: a slow disk must not hold up the next photos.
+void InfoPanel::look()
 {
-    isLooking_ = false;
-    if (file == wantedFile_)
-        showFile(facts);
-    else
-        lookAtFile();
+    const PhotoItem* const item = onlyPhoto();
+    const Wanted wanted = item ? Wanted{item->id, item->path()} : Wanted();
+    if (wanted.file != wanted_.file)
+        file_->clear();
+    if (wanted.photo != wanted_.photo)
+        versions_->follow(wanted.photo);
+    wanted_ = wanted;
+    lookAgain_ = isLooking_;
+    if (!isLooking_ && wanted_.photo != 0)
+        lookInBackground();
+}
+
+void InfoPanel::lookInBackground()
+{
+    isLooking_ = true;
+    auto& catalog = desktop_.store().catalog();
+    lookTask_ = runInBackground(
+        desktop_.mainThread(), [this, &catalog, wanted = wanted_](const Task::Context& context) {
+            context.deliver([this, wanted, looked = lookAt(catalog, wanted)] {
+                isLooking_ = false;
+                if (wanted == wanted_)
+                    show(looked);
+                if (lookAgain_)
+                    look();
+            });
+        });
+}
+
+void InfoPanel::show(const Looked& looked)
+{
+    showFile(looked.facts);
+    versions_->setVersions(wanted_.photo, looked.versions);
 }
 
 void InfoPanel::showFile(const FileFacts& facts)

@@ -2,6 +2,7 @@
 
 #include "app/desktop/Desktop.h"
 #include "app/desktop/info/DescriptiveForm.h"
+#include "app/desktop/info/VersionList.h"
 #include "metadata/InfoTexts.h"
 
 #include <QScrollArea>
@@ -32,11 +33,24 @@ private:
     void readSlice();
     void showRead();
     void showFacts();
-    void lookAtFile();
-    void looked(const std::filesystem::path& file, const FileFacts& facts);
+    void look();
+    void lookInBackground();
     void showFile(const FileFacts& facts);
     void showWriteBack();
     const PhotoItem* onlyPhoto() const;
+
+    /// What is looked at beside the list, of the only photo.
+    struct Wanted {
+        PhotoID photo = 0;
+        std::filesystem::path file;
+        bool operator==(const Wanted&) const = default;
+    };
+    struct Looked {
+        FileFacts facts;
+        std::vector<PhotoItem> versions;
+    };
+    static Looked lookAt(Catalog& catalog, const Wanted& wanted);
+    void show(const Looked& looked);
 
     /// What has been read of the photos so far: there may be a million.
     struct Reading {
@@ -63,14 +77,16 @@ private:
     QLabel* failure_;
     QLabel* status_;
     Reading reading_;
-    std::filesystem::path wantedFile_; // to be looked at
+    VersionList* versions_;
+    Wanted wanted_;
     bool isLooking_ = false;
+    bool lookAgain_ = false; // what is being looked at may have changed
     QTimer loading_;
     QTimer slices_;
     Connection storeChanged_;
     Connection browserChanged_;
     Connection writeBackChanged_;
-    Task fileTask_; // last, so that it ends first
+    Task lookTask_; // last, so that it ends first
 };
 
 } // namespace korvo

@@ -1,12 +1,50 @@
+#include "app/desktop/AskName.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/Versions.h"
 #include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
 
 #include <QLineEdit>
+#include <QMenu>
 #include <QVBoxLayout>
 
 namespace korvo {
+
+namespace {
+
+/// "Add to" in the Photo menu: what takes photos, as it stands when the menu opens.
+void addAddTo(MainWindow& window)
+{
+    auto* const menu = new QMenu(&window);
+    window.commands().action(Command::addTo)->setMenu(menu);
+    QObject::connect(menu, &QMenu::aboutToShow, &window, [&window, menu] {
+        auto& desktop = window.desktop();
+        menu->clear();
+        addNodes(
+            *menu, sidebarTree(desktop.store().tree()),
+            [](const SidebarNode& node) {
+                return takesPhotos({node.kind, node.id});
+            },
+            [&desktop](const SidebarNode& node) {
+                desktop.attempt([&] {
+                    desktop.say(dropPhotos(desktop.store(), node, desktop.browser().targets()), Offer::undo);
+                });
+            });
+    });
+    window.commands().handle(Command::addTo, [] {}); // the menu does it
+}
+
+void newKeyword(MainWindow& window, const Sidebar& sidebar)
+{
+    const auto parent = sidebar.chosenKeyword();
+    const QString title = parent ? "New Keyword in “" + sidebar.currentItem()->text(0) + "”" : "New Keyword";
+    if (const auto name = askName(window, title))
+        window.desktop().store().createKeyword(*name, parent);
+}
+
+} // namespace
 
 void addSidebar(MainWindow& window)
 {
@@ -25,6 +63,8 @@ void addSidebar(MainWindow& window)
     layout->addWidget(filter);
     layout->addWidget(sidebar);
     window.setSidebar(place);
+    addAddTo(window);
+    window.commands().handle(Command::newKeyword, [&window, sidebar] { newKeyword(window, *sidebar); });
     auto& store = window.desktop().store();
     const auto isSmartAlbum
         = [&store] { return store.source() && store.source()->kind == LibrarySource::Kind::smartAlbum; };
@@ -32,8 +72,14 @@ void addSidebar(MainWindow& window)
         Command::editSmartAlbum, [&window, &store] { showSmartAlbumSheet(window, store.source()->id); },
         isSmartAlbum);
     window.commands().handle(
-        Command::rename, [sidebar] { sidebar->renameChosen(); },
-        [sidebar] { return sidebar->canRenameChosen(); });
+        Command::rename,
+        [&window, sidebar] {
+            if (const auto version = currentVersion(window.desktop()); version && !sidebar->hasFocus())
+                renameVersion(window, *version);
+            else
+                sidebar->renameChosen();
+        },
+        [&window, sidebar] { return sidebar->canRenameChosen() || currentVersion(window.desktop()); });
 }
 
 } // namespace korvo

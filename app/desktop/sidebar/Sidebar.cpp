@@ -3,11 +3,14 @@
 #include "app/desktop/PhotoDrag.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
+#include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/sidebar/NodeMenu.h"
 #include "base/Text.h"
 
 #include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLocale>
 #include <QMenu>
 #include <QMessageBox>
@@ -83,13 +86,17 @@ Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop(
 void Sidebar::refill()
 {
     filling_ = true;
+    const auto wereOpen = open();
     sync(*invisibleRootItem(), sidebarTree(desktop_.store().tree()));
+    for (const auto& key : wereOpen) // a line that has moved is closed
+        if (auto* const item = itemOf(key))
+            item->setExpanded(true);
     filling_ = false;
     filter(filter_);
     showSource();
 }
 
-/// Lines that stay keep their items, and with them whether they are open.
+/// Lines that stay keep their items.
 void Sidebar::sync(QTreeWidgetItem& parent, const std::vector<SidebarNode>& nodes)
 {
     for (std::size_t place = 0; place < nodes.size(); ++place) {
@@ -139,7 +146,7 @@ void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
     }
     if (canBeRenamed(node.kind))
         flags |= Qt::ItemIsEditable;
-    if (node.kind == Kind::project || node.kind == Kind::album)
+    if (node.kind == Kind::project || node.kind == Kind::album || node.kind == Kind::keyword)
         flags |= Qt::ItemIsDragEnabled;
     item.setFlags(flags);
 }
@@ -148,11 +155,12 @@ void Sidebar::showSource()
 {
     if (!desktop_.store().source() && isKeyword(currentItem()))
         return; // its photos are searched for among all
-    if (auto* const item = itemOf(korvo::keyOf(desktop_.store().source())); item && item != currentItem()) {
-        filling_ = true;
-        setCurrentItem(item);
-        filling_ = false;
-    }
+    auto* const item = itemOf(korvo::keyOf(desktop_.store().source())); // none for a photo's versions
+    if (item == currentItem())
+        return;
+    filling_ = true;
+    setCurrentItem(item);
+    filling_ = false;
 }
 
 QTreeWidgetItem* Sidebar::itemOf(const SidebarKey& key) const
@@ -176,16 +184,75 @@ void Sidebar::choose(QTreeWidgetItem* item, QTreeWidgetItem* before)
 
 void Sidebar::filter(const QString& text)
 {
+    if (filter_.isEmpty() && !text.isEmpty())
+        openBeforeFilter_ = open();
+    const bool ends = !filter_.isEmpty() && text.isEmpty();
     filter_ = text;
     const auto apply = [&](const auto& self, QTreeWidgetItem& item) -> bool {
-        bool shown = text.isEmpty() || item.text(0).contains(text, Qt::CaseInsensitive);
+        bool below = false;
         for (int i = 0; i < item.childCount(); ++i)
-            shown = self(self, *item.child(i)) || shown;
+            below = self(self, *item.child(i)) || below;
+        const bool shown = below || item.text(0).contains(text, Qt::CaseInsensitive);
         item.setHidden(!shown);
+        if (below && !text.isEmpty())
+            item.setExpanded(true);
         return shown;
     };
     for (int i = 0; i < topLevelItemCount(); ++i)
         apply(apply, *topLevelItem(i));
+    if (ends)
+        setOpen(openBeforeFilter_);
+}
+
+std::set<SidebarKey> Sidebar::open() const
+{
+    std::set<SidebarKey> keys;
+    for (QTreeWidgetItemIterator at(invisibleRootItem()); *at; ++at)
+        if ((*at)->isExpanded())
+            keys.insert(keyOf(**at));
+    return keys;
+}
+
+void Sidebar::setOpen(const std::set<SidebarKey>& keys)
+{
+    for (QTreeWidgetItemIterator at(invisibleRootItem()); *at; ++at)
+        (*at)->setExpanded(keys.contains(keyOf(**at)));
+}
+
+std::string Sidebar::openLines() const
+{
+    std::string text;
+    for (const auto& [kind, id] : filter_.isEmpty() ? open() : openBeforeFilter_)
+        text += std::to_string(static_cast<int>(kind)) + ":" + std::to_string(id) + " ";
+    return text;
+}
+
+void Sidebar::restoreOpenLines(const std::string& text)
+{
+    std::set<SidebarKey> keys;
+    for (const auto& word : qt(text).split(' ', Qt::SkipEmptyParts))
+        keys.insert({static_cast<Kind>(word.section(':', 0, 0).toInt()), word.section(':', 1).toLongLong()});
+    if (!keys.empty())
+        setOpen(keys);
+}
+
+std::optional<std::int64_t> Sidebar::chosenKeyword() const
+{
+    return isKeyword(currentItem()) ? std::optional(keyOf(*currentItem()).id) : std::nullopt;
+}
+
+void Sidebar::keyPressEvent(QKeyEvent* event)
+{
+    const bool isUp = event->key() == Qt::Key_Up;
+    if (!(isUp || event->key() == Qt::Key_Down) || event->modifiers() != Qt::AltModifier || !currentItem())
+        return QTreeWidget::keyPressEvent(event);
+    desktop_.attempt([&] { stepLine(desktop_.store(), keyOf(*currentItem()), isUp ? -1 : 1); });
+}
+
+void Sidebar::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::RightButton) // which asks for a menu and chooses nothing
+        QTreeWidget::mousePressEvent(event);
 }
 
 bool Sidebar::canRenameChosen() const
@@ -228,6 +295,25 @@ void Sidebar::remove(const SidebarKey& key, const QString& name)
     });
 }
 
+/// "Move to", with all that the line can be moved into, and its places among its siblings.
+void Sidebar::addPlaces(QMenu& menu, const SidebarKey& what)
+{
+    const auto move = [this, what](const SidebarNode& place) {
+        desktop_.attempt([&] { moveLine(desktop_.store(), what, {place.kind, place.id}); });
+    };
+    const auto places = placesFor(sidebarTree(desktop_.store().tree()), what);
+    if (!places.empty())
+        addNodes(
+            *menu.addMenu("Move to"), places, [](const SidebarNode&) { return true; }, move);
+    if (what.kind != Kind::project && what.kind != Kind::album)
+        return;
+    const auto step = [this, what](int places) {
+        return [this, what, places] { desktop_.attempt([&] { stepLine(desktop_.store(), what, places); }); };
+    };
+    menu.addAction("Move Up", QKeySequence(Qt::ALT | Qt::Key_Up), step(-1));
+    menu.addAction("Move Down", QKeySequence(Qt::ALT | Qt::Key_Down), step(1));
+}
+
 void Sidebar::contextMenuEvent(QContextMenuEvent* event)
 {
     auto* const item = event->reason() == QContextMenuEvent::Keyboard ? currentItem() : itemAt(event->pos());
@@ -239,8 +325,9 @@ void Sidebar::contextMenuEvent(QContextMenuEvent* event)
             if (auto* const line = itemOf(key)) // another process may have taken it away meanwhile
                 editItem(line, 0);
         });
+    addPlaces(menu, key);
     if (key.kind == Kind::smartAlbum)
-        menu.addAction(commands.action(Command::editSmartAlbum));
+        menu.addAction("Edit Smart Album…", [this, key] { showSmartAlbumSheet(window_, key.id); });
     if (canBeDeleted(key.kind)) {
         const QString verb = key.kind == Kind::folder ? "Remove from Library…" : "Delete";
         menu.addAction(verb, [this, key, name = item->text(0)] { remove(key, name); });
@@ -258,37 +345,50 @@ void Sidebar::dragEnterEvent(QDragEnterEvent* event)
     event->acceptProposedAction();
 }
 
+/// At an edge of a line beside it, where that can be; else into it.
+DropAt Sidebar::dropAt(const SidebarKey& onto) const
+{
+    const auto at = dropIndicatorPosition() == QAbstractItemView::AboveItem ? DropAt::above
+        : dropIndicatorPosition() == QAbstractItemView::BelowItem           ? DropAt::below
+                                                                            : DropAt::into;
+    return canBeMoved(keyOf(*currentItem()), onto, at) ? at : DropAt::into;
+}
+
+bool Sidebar::takesDrop(const QDropEvent& event, const QTreeWidgetItem* item) const
+{
+    if (!item)
+        return false;
+    if (!draggedPhotos(*event.mimeData()).empty())
+        return takesPhotos(keyOf(*item));
+    return event.source() == this && currentItem()
+        && canBeMoved(keyOf(*currentItem()), keyOf(*item), dropAt(keyOf(*item)));
+}
+
 void Sidebar::dragMoveEvent(QDragMoveEvent* event)
 {
     QTreeWidget::dragMoveEvent(event); // scrolls, and shows the line
-    const auto* const item = itemAt(event->position().toPoint());
-    const bool photos = !draggedPhotos(*event->mimeData()).empty();
-    const bool takes = item
-        && (photos ? takesPhotos(keyOf(*item))
-                   : event->source() == this && currentItem()
-                    && canBeMoved(keyOf(*currentItem()), keyOf(*item)));
-    event->setAccepted(takes || (!photos && event->mimeData()->hasUrls()));
+    const bool files = draggedPhotos(*event->mimeData()).empty() && event->mimeData()->hasUrls();
+    event->setAccepted(files || takesDrop(*event, itemAt(event->position().toPoint())));
 }
 
 void Sidebar::dropEvent(QDropEvent* event)
 {
     event->setDropAction(Qt::CopyAction); // after a move, whoever it came from would remove it there
     event->accept();
+    stopAutoScroll();
     const auto ids = draggedPhotos(*event->mimeData());
-    auto* const item = itemAt(event->position().toPoint());
     if (ids.empty() && event->mimeData()->hasUrls())
         return window_.addDropped(*event->mimeData());
-    if (!item)
+    const auto* const item = itemAt(event->position().toPoint());
+    if (!takesDrop(*event, item))
         return;
-    if (!ids.empty()) {
-        const auto key = keyOf(*item);
-        desktop_.attempt([&] {
-            desktop_.say(
-                dropPhotos(desktop_.store(), {key.kind, key.id, utf8(item->text(0)), {}}, ids), Offer::undo);
-        });
-    } else if (currentItem() && canBeMoved(keyOf(*currentItem()), keyOf(*item))) {
-        desktop_.attempt([&] { moveLine(desktop_.store(), keyOf(*currentItem()), keyOf(*item)); });
-    }
+    const auto key = keyOf(*item);
+    if (ids.empty())
+        return desktop_.attempt([&] { moveLine(desktop_.store(), keyOf(*currentItem()), key, dropAt(key)); });
+    desktop_.attempt([&] {
+        desktop_.say(
+            dropPhotos(desktop_.store(), {key.kind, key.id, utf8(item->text(0)), {}}, ids), Offer::undo);
+    });
 }
 
 } // namespace korvo

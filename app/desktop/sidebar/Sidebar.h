@@ -6,7 +6,9 @@
 #include <QTimer>
 #include <QTreeWidget>
 
-class QLineEdit;
+#include <set>
+
+class QMenu;
 
 namespace korvo {
 
@@ -20,11 +22,19 @@ public:
     /// Opens the field for a new name on the chosen line.
     void renameChosen();
     bool canRenameChosen() const;
+    /// The keyword that is chosen, below which new ones belong.
+    std::optional<std::int64_t> chosenKeyword() const;
+
+    /// Which lines are open, as text to be kept.
+    std::string openLines() const;
+    void restoreOpenLines(const std::string& text);
 
     std::function<void(const std::string&)>
         keywordChosen; ///< a keyword was chosen, to be searched for; empty: no longer
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
@@ -34,6 +44,11 @@ private:
     void refill();
     void sync(QTreeWidgetItem& parent, const std::vector<SidebarNode>& nodes);
     void show(QTreeWidgetItem& item, const SidebarNode& node);
+    void addPlaces(QMenu& menu, const SidebarKey& what);
+    DropAt dropAt(const SidebarKey& onto) const;
+    bool takesDrop(const QDropEvent& event, const QTreeWidgetItem* item) const;
+    std::set<SidebarKey> open() const;
+    void setOpen(const std::set<SidebarKey>& keys);
     void showSource();
     void choose(QTreeWidgetItem* item, QTreeWidgetItem* before);
     void renamed(QTreeWidgetItem* item);
@@ -45,7 +60,14 @@ private:
     QTimer refillTimer_; // once for all that changes at a time
     bool filling_ = false;
     QString filter_;
+    std::set<SidebarKey> openBeforeFilter_; // which opens what holds a line that it shows
     Connection storeChanged_;
 };
+
+/// The window's sidebar.
+inline Sidebar* sidebarOf(const MainWindow& window)
+{
+    return static_cast<Sidebar*>(window.findChild<QTreeWidget*>("sidebar"));
+}
 
 } // namespace korvo

@@ -5,6 +5,7 @@
 #include "app/desktop/Theme.h"
 #include "app/desktop/grid/Glyphs.h"
 
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -66,6 +67,12 @@ QRect MarksBar::flagRect() const
     return starRect(6).translated(margin / 2, 0);
 }
 
+QRect MarksBar::labelRect() const
+{
+    const int side = fontMetrics().height();
+    return {flagRect().right() + margin, (height() - side) / 2, side, side};
+}
+
 void MarksBar::paintMarks(QPainter& painter, const PhotoItem& photo)
 {
     const auto glyphPlace = [](const QRect& place) {
@@ -95,13 +102,14 @@ void MarksBar::paintEvent(QPaintEvent*)
     if (!photo)
         return;
     paintMarks(painter, *photo);
-    int left = flagRect().right() + margin;
-    if (photo->label != PhotoLabel::none) {
-        const QRect box(
-            left, (height() - fontMetrics().height()) / 2, fontMetrics().height(), fontMetrics().height());
-        paintLabel(painter, box, photo->label);
-        left = box.right() + margin;
+    const QRect box = labelRect();
+    paintLabel(painter, box, photo->label);
+    if (photo->label == PhotoLabel::none) {
+        painter.setPen(theme::mutedText);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(box).adjusted(2.5, 2.5, -2.5, -2.5), 3, 3);
     }
+    const int left = box.right() + margin;
     painter.setPen(theme::mutedText);
     const int noteWidth = fontMetrics().horizontalAdvance(note_);
     painter.drawText(rect().adjusted(0, 0, -margin, 0), Qt::AlignRight | Qt::AlignVCenter, note_);
@@ -113,6 +121,17 @@ void MarksBar::paintEvent(QPaintEvent*)
         fontMetrics().elidedText(name, Qt::ElideMiddle, room.width()));
 }
 
+void MarksBar::chooseLabel(const std::vector<PhotoID>& ids)
+{
+    QMenu menu(this);
+    for (int number = 0; number <= static_cast<int>(PhotoLabel::gray); ++number) {
+        const auto label = static_cast<PhotoLabel>(number);
+        menu.addAction(qt(name(label)), this,
+            [this, ids, label] { desktop_.attempt([&] { desktop_.store().setLabel(ids, label); }); });
+    }
+    menu.exec(mapToGlobal(labelRect().topLeft()));
+}
+
 void MarksBar::mousePressEvent(QMouseEvent* event)
 {
     const auto* const photo = item();
@@ -121,9 +140,11 @@ void MarksBar::mousePressEvent(QMouseEvent* event)
     const std::vector ids{photo->id};
     const auto at = event->position().toPoint();
     for (int star = 1; star <= highestRating; ++star)
-        if (starRect(star).contains(at)) // a second click on the last star takes it away
+        if (starRect(star).contains(at)) // a click on the last star that is lit puts all out
             return desktop_.attempt(
-                [&] { desktop_.store().setRating(ids, photo->rating == star ? star - 1 : star); });
+                [&] { desktop_.store().setRating(ids, photo->rating == star ? 0 : star); });
+    if (labelRect().contains(at))
+        return chooseLabel(ids);
     if (flagRect().contains(at) && !photo->isRejected())
         desktop_.attempt([&] { desktop_.store().setFlagged(ids, !photo->flagged); });
 }

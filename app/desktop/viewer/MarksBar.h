@@ -24,6 +24,8 @@ private:
     const PhotoItem* item() const;
     QRect starRect(int star) const; ///< 1 to 5
     QRect flagRect() const;
+    QRect labelRect() const;
+    void chooseLabel(const std::vector<PhotoID>& ids);
     int lineHeight() const;
     void paintMarks(QPainter& painter, const PhotoItem& photo);
 

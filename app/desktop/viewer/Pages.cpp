@@ -139,6 +139,10 @@ ComparePage::ComparePage(Desktop& desktop, int viewer)
     setFocusProxy(right_);
     zoomed_[0] = left_->view().zoomed.connect([this] { right_->view().followZoom(left_->view().zoom()); });
     zoomed_[1] = right_->view().zoomed.connect([this] { left_->view().followZoom(right_->view().zoom()); });
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
+        if (change.list && desktop_.browser().mode() == mode())
+            listChanged();
+    });
     start();
 }
 
@@ -148,8 +152,6 @@ void ComparePage::follow(bool isOn)
         begin();
     if (!isOn)
         left_->setPhoto(std::nullopt);
-    else if (!left_->photo()) // it has left the list
-        left_->setPhoto(desktop_.browser().current());
     right_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
 }
 
@@ -164,6 +166,22 @@ void ComparePage::begin()
             return browser.setCurrent(id);
     browser.step(1);
     if (browser.current() == current)
+        browser.step(-1);
+}
+
+/// A photo has left the list: two others stand beside each other, as long as there are two.
+void ComparePage::listChanged()
+{
+    auto& browser = desktop_.browser();
+    const auto isShown = [this](std::optional<PhotoID> photo) {
+        return photo && desktop_.store().list().shownPosition(*photo);
+    };
+    if (!isShown(left_->photo()))
+        left_->setPhoto(browser.current());
+    if (left_->photo() != browser.current())
+        return;
+    browser.step(1);
+    if (left_->photo() == browser.current())
         browser.step(-1);
 }
 

@@ -80,9 +80,11 @@ public:
 private:
     void follow(bool isOn) override;
     void begin();
+    void listChanged();
 
     PhotoPane *left_, *right_;
     bool wasOn_ = false;
+    Connection storeChanged_;
     std::array<Connection, 3> zoomed_;
 };
 

@@ -128,4 +128,19 @@ TEST(Culling, arrowsMoveAndShiftExtends)
     EXPECT_EQ(t.store().selection(), IDs{1});
 }
 
+TEST(Culling, controlChoosesSinglePhotosApart)
+{
+    TestWindow t(5);
+    t.press(Qt::Key_Right);
+    t.press(Qt::Key_Right, Qt::ControlModifier);
+    t.press(Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(t.store().selection(), IDs{1}) << "moving selects nothing";
+    t.press(Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(t.store().selection(), (IDs{1, 3}));
+    t.press(Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(t.store().selection(), IDs{1});
+    t.press(Qt::Key_Right);
+    EXPECT_EQ(t.store().selection(), IDs{4}) << "from where the keys are";
+}
+
 } // namespace korvo

@@ -1,15 +1,19 @@
+#include "app/AlbumOrder.h"
 #include "app/SearchFilter.h"
 #include "app/SidebarTree.h"
 #include "app/ViewMemory.h"
 #include "app/desktop/Instance.h"
+#include "app/desktop/PhotoDrag.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/WindowMemory.h"
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/grid/GridView.h"
+#include "app/desktop/sidebar/Sidebar.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 
 #include <QDialog>
+#include <QDropEvent>
 #include <QLabel>
 #include <QMimeData>
 #include <QScrollBar>
@@ -128,6 +132,81 @@ TEST(SidebarTree, nestsAlbumsAndTakesPhotosAndLinesWhereTheyFit)
     EXPECT_EQ(keyOf(sourceOf({Kind::album, best}).value()), (SidebarKey{Kind::album, best}));
 }
 
+TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
+{
+    using Kind = SidebarNode::Kind;
+    TestWindow t(1);
+    auto& store = t.store();
+    std::vector<SidebarKey> projects, albums;
+    for (const auto* const name : {"a", "b", "c"}) {
+        projects.push_back({Kind::project, store.createProject(name, "project", {})});
+        albums.push_back({Kind::album, store.createAlbum(name, projects[0].id)});
+    }
+    const auto order = [&] {
+        std::string names;
+        const auto add = [&](const auto& self, const std::vector<SidebarNode>& nodes) -> void {
+            for (const auto& node : nodes) {
+                names += node.name;
+                self(self, node.children);
+            }
+        };
+        add(add, sidebarTree(store.tree())[2].children);
+        return names;
+    };
+    EXPECT_EQ(order(), "aabcbc");
+    moveLine(store, projects[2], projects[0], DropAt::above);
+    EXPECT_EQ(order(), "caabcb");
+    moveLine(store, projects[2], projects[0], DropAt::below);
+    EXPECT_EQ(order(), "aabccb");
+    moveLine(store, albums[0], albums[2], DropAt::below);
+    stepLine(store, albums[0], 1); // the last already
+    EXPECT_EQ(order(), "abcacb");
+    stepLine(store, albums[0], -1);
+    EXPECT_EQ(order(), "abaccb");
+    store.undo();
+    EXPECT_EQ(order(), "abcacb");
+    EXPECT_FALSE(canBeMoved(projects[0], albums[0], DropAt::above));
+    const SidebarKey animals{Kind::keyword, store.createKeyword("animals", {})};
+    const SidebarKey birds{Kind::keyword, store.createKeyword("birds", {})};
+    moveLine(store, birds, animals);
+    EXPECT_EQ(store.tree().keywords[1].parentID, animals.id);
+    const auto places = placesFor(sidebarTree(store.tree()), animals);
+    ASSERT_EQ(places.size(), 1U);
+    EXPECT_TRUE(places[0].children.empty()) << "neither into itself nor into what lies in it";
+    moveLine(store, birds, {places[0].kind, places[0].id});
+    EXPECT_FALSE(store.tree().keywords[1].parentID);
+    store.setRating(IDs{1}, -1);
+    dropPhotos(
+        store, {Kind::source, static_cast<std::int64_t>(LibrarySource::Kind::flagged), "Flagged"}, IDs{1});
+    EXPECT_TRUE(store.catalog().photo(1)->flagged);
+    EXPECT_FALSE(store.catalog().photo(1)->isRejected());
+}
+
+TEST(AlbumOrder, movesWhatIsShownTogether)
+{
+    TestWindow t(5);
+    auto& store = t.store();
+    const auto album = store.createAlbum("album", {});
+    store.addToAlbum(album, IDs{1, 2, 3, 4, 5});
+    placeInAlbum(store, IDs{5}, 0); // no album is shown
+    store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    const auto order = [&] { return shownIDs(store.list()); };
+    placeInAlbum(store, IDs{5, 3}, 0);
+    EXPECT_EQ(order(), (IDs{3, 5, 1, 2, 4})) << "as they were shown";
+    placeInAlbum(store, IDs{5, 1}, 2);
+    EXPECT_EQ(order(), (IDs{3, 5, 1, 2, 4})) << "between themselves";
+    store.select({5, 1});
+    t.press(Qt::Key_Right, Qt::AltModifier);
+    EXPECT_EQ(order(), (IDs{3, 2, 5, 1, 4}));
+    t.press(Qt::Key_Left, Qt::AltModifier);
+    t.press(Qt::Key_Left, Qt::AltModifier);
+    t.press(Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(order(), (IDs{5, 1, 3, 2, 4}));
+    EXPECT_EQ(store.selection(), (IDs{5, 1}));
+    store.arrange(SortKey::rating, std::nullopt);
+    EXPECT_FALSE(t.window->commands().action(Command::moveLater)->isEnabled());
+}
+
 TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)
 {
     TestWindow t(3);
@@ -160,6 +239,18 @@ TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)
 TEST(Window, comesBackAsItWasLeft)
 {
     TestWindow t(3);
+    const SidebarKey trip{SidebarNode::Kind::project, t.store().createProject("Trip", "project", {})};
+    t.store().createAlbum("Best", trip.id);
+    QTest::qWait(10);
+    const auto lineOf = [](const MainWindow& window, const char* name) {
+        return sidebarOf(window)->findItems(name, Qt::MatchExactly | Qt::MatchRecursive).at(0);
+    };
+    sidebarOf(*t.window)->filter("best");
+    EXPECT_TRUE(lineOf(*t.window, "Trip")->isExpanded()) << "what is found can be seen";
+    sidebarOf(*t.window)->filter("");
+    EXPECT_FALSE(lineOf(*t.window, "Trip")->isExpanded());
+    lineOf(*t.window, "Trip")->setExpanded(true);
+    lineOf(*t.window, "Keywords")->setExpanded(false);
     t.store().select({2});
     t.press(Qt::Key_F7);
     t.window->resize(900, 650);
@@ -172,6 +263,26 @@ TEST(Window, comesBackAsItWasLeft)
     EXPECT_EQ(t.store().selection(), IDs{2});
     EXPECT_FALSE(again.commands().action(Command::sidebar)->isChecked());
     EXPECT_EQ(again.size(), QSize(900, 650));
+    EXPECT_TRUE(lineOf(again, "Trip")->isExpanded());
+    EXPECT_FALSE(lineOf(again, "Keywords")->isExpanded());
+}
+
+TEST(Window, tabHidesWhatIsShownOfBothSidesAndVGoesThroughTheThreeViews)
+{
+    TestWindow t(2);
+    const auto shown = [&](Command command) { return t.window->commands().action(command)->isChecked(); };
+    t.press(Qt::Key_F8);
+    t.press(Qt::Key_Tab);
+    EXPECT_FALSE(shown(Command::sidebar) || shown(Command::inspector));
+    t.press(Qt::Key_Tab);
+    EXPECT_TRUE(shown(Command::sidebar) && !shown(Command::inspector));
+    std::string views;
+    for (int i = 0; i < 4; ++i) {
+        t.press(Qt::Key_V);
+        const bool isGrid = t.desktop->browser().mode() == ViewMode::grid;
+        views += isGrid ? "grid " : shown(Command::filmstrip) ? "both " : "viewer ";
+    }
+    EXPECT_EQ(views, "both viewer grid both ");
 }
 
 TEST(Instance, aSecondStartBringsTheFirstWindowForward)
@@ -264,6 +375,41 @@ TEST(GridView, aSweepBeyondTheEdgeScrollsAndKeepsWhatItPassed)
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.store().selection().size() == 26; }));
     QTest::mouseRelease(grid->viewport(), Qt::LeftButton, {}, to);
     EXPECT_EQ(window.store().selection().size(), 26U);
+}
+
+TEST(GridView, aDropPutsPhotosWhereTheLineIsAndASweepEndsWithTheGrid)
+{
+    TestWindow t(4);
+    const auto album = t.store().createAlbum("album", {});
+    t.store().addToAlbum(album, IDs{1, 2, 3, 4});
+    auto* const grid = gridOf(*t.window);
+    const auto drop = [&](PhotoID photo, QPoint at) {
+        const std::vector dragged{t.store().list().find(photo)};
+        const std::unique_ptr<QMimeData> owned(dragData(dragged));
+        QMimeData* const data = owned.get();
+        QDragEnterEvent enter(at, Qt::CopyAction, data, Qt::LeftButton, {});
+        QApplication::sendEvent(grid->viewport(), &enter);
+        QDropEvent event(at, Qt::CopyAction, data, Qt::LeftButton, {});
+        if (enter.isAccepted())
+            QApplication::sendEvent(grid->viewport(), &event);
+        return enter.isAccepted();
+    };
+    EXPECT_TRUE(grid->viewport()->acceptDrops());
+    EXPECT_FALSE(drop(4, {20, 20})) << "no album";
+    t.store().chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    EXPECT_TRUE(drop(4, {20, 20}));
+    EXPECT_EQ(shownIDs(t.store().list()), (IDs{4, 1, 2, 3}));
+    EXPECT_TRUE(drop(4, {grid->viewport()->width() - 5, grid->viewport()->height() - 5}));
+    EXPECT_EQ(shownIDs(t.store().list()), (IDs{1, 2, 3, 4}));
+
+    QTest::mousePress(grid->viewport(), Qt::LeftButton, {}, {2, 2});
+    t.press(Qt::Key_E);
+    t.press(Qt::Key_G);
+    t.store().select({});
+    QMouseEvent move(QEvent::MouseMove, QPointF(400, 400), grid->viewport()->mapToGlobal(QPointF(400, 400)),
+        Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(grid->viewport(), &move);
+    EXPECT_TRUE(t.store().selection().empty());
 }
 
 } // namespace korvo

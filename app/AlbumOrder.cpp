@@ -1,0 +1,63 @@
+#include "app/AlbumOrder.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace korvo {
+
+namespace {
+
+PhotoID idAt(const PhotoList& list, std::size_t place)
+{
+    return list.items()[list.shown()[place]].id;
+}
+
+/// Where the photos stand among the shown ones, ascending.
+std::vector<std::size_t> placesOf(const PhotoList& list, std::span<const PhotoID> ids)
+{
+    const std::unordered_set<PhotoID> wanted(ids.begin(), ids.end());
+    std::vector<std::size_t> places;
+    for (std::size_t place = 0; place < list.shown().size(); ++place)
+        if (wanted.contains(idAt(list, place)))
+            places.push_back(place);
+    return places;
+}
+
+} // namespace
+
+std::optional<std::int64_t> shownAlbum(const LibraryStore& store)
+{
+    const auto& source = store.source();
+    return source && source->kind == LibrarySource::Kind::album ? std::optional(source->id) : std::nullopt;
+}
+
+bool isArrangedByHand(const LibraryStore& store)
+{
+    return shownAlbum(store) && !store.list().sortKey();
+}
+
+void placeInAlbum(LibraryStore& store, std::span<const PhotoID> ids, std::size_t place)
+{
+    if (!isArrangedByHand(store))
+        return;
+    const auto& list = store.list();
+    std::vector<PhotoID> moved;
+    for (const auto at : placesOf(list, ids))
+        moved.push_back(idAt(list, at));
+    const std::unordered_set<PhotoID> leaving(moved.begin(), moved.end());
+    while (place < list.shown().size() && leaving.contains(idAt(list, place)))
+        ++place;
+    const auto before = place < list.shown().size() ? std::optional(idAt(list, place)) : std::nullopt;
+    store.moveInAlbum(*shownAlbum(store), moved, before);
+}
+
+void stepInAlbum(LibraryStore& store, std::span<const PhotoID> ids, int places)
+{
+    const auto at = placesOf(store.list(), ids);
+    if (at.empty() || (places < 0 && at.front() == 0))
+        return;
+    placeInAlbum(
+        store, ids, places < 0 ? at.front() - 1 : std::min(at.back() + 2, store.list().shown().size()));
+}
+
+} // namespace korvo

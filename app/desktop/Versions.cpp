@@ -1,0 +1,74 @@
+#include "app/desktop/Versions.h"
+
+#include "app/desktop/AskName.h"
+#include "app/desktop/Texts.h"
+#include "base/Text.h"
+
+namespace korvo {
+
+namespace {
+
+/// Whether versions are listed as photos are.
+bool listsThem(const LibraryStore& store)
+{
+    const auto& source = store.source();
+    return source
+        && (source->kind == LibrarySource::Kind::album || source->kind == LibrarySource::Kind::versions);
+}
+
+std::string nameOf(Catalog& catalog, PhotoID version)
+{
+    const auto item = catalog.photo(version);
+    return item ? item->versionName.string() : std::string();
+}
+
+} // namespace
+
+void newVersions(Desktop& desktop)
+{
+    auto& store = desktop.store();
+    const auto made = store.createVersions(desktop.browser().targets(), desktop.clock().now());
+    auto said = made.size() == 1 ? "Made “" + nameOf(store.catalog(), made.front()) + "”."
+                                 : "Made " + counted(made.size(), "version") + ".";
+    if (listsThem(store)) {
+        store.select(made);
+        desktop.browser().setCurrent(made.front());
+    } else if (made.size() == 1) {
+        desktop.browser().showVersions(made.front());
+        said += " Esc in the grid goes back.";
+    } else {
+        said += " The Info tab of each photo lists them.";
+    }
+    desktop.say(said, Offer::undo);
+}
+
+void openVersion(Desktop& desktop, PhotoID id)
+{
+    if (!desktop.store().list().shownPosition(id))
+        return desktop.browser().showVersions(id);
+    desktop.store().select({id});
+    desktop.browser().setCurrent(id);
+}
+
+std::optional<PhotoID> currentVersion(Desktop& desktop)
+{
+    const PhotoItem* const item = desktop.browser().currentItem();
+    return item && item->versionOf ? std::optional(item->id) : std::nullopt;
+}
+
+void renameVersion(MainWindow& window, PhotoID version)
+{
+    auto& store = window.desktop().store();
+    const auto before = qt(nameOf(store.catalog(), version));
+    if (const auto name = askName(window, "Rename Version", before))
+        store.renameVersion(version, *name);
+}
+
+void removeVersion(Desktop& desktop, PhotoID version)
+{
+    const auto name = nameOf(desktop.store().catalog(), version);
+    desktop.store().removeVersion(version);
+    desktop.say("Removed “" + name + "”. Its file stays.", Offer::undo);
+}
+
+} // namespace korvo

@@ -1,0 +1,90 @@
+#include "tests/app/desktop/TestWindow.h"
+#include "tests/support/ListedPhotos.h"
+
+#include <QListWidget>
+#include <QPushButton>
+
+namespace korvo {
+
+namespace {
+
+using IDs = std::vector<PhotoID>;
+
+IDs shown(TestWindow& t)
+{
+    return shownIDs(t.store().list());
+}
+
+/// The list of versions in the Info tab once it has so many rows.
+QListWidget& versionRows(TestWindow& t, int rows)
+{
+    auto* const list = t.window->findChild<QListWidget*>("versions");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list->count() == rows; })) << list->count();
+    return *list;
+}
+
+} // namespace
+
+TEST(Versions, aNewOneIsWorkedOnAtOnceAndEscapeGoesBack)
+{
+    for (const auto mode : {ViewMode::grid, ViewMode::viewer}) {
+        TestWindow t(3);
+        t.store().select({2, 3});
+        t.store().select({2});
+        t.desktop->browser().setMode(mode);
+        t.press(Qt::Key_Apostrophe, Qt::ControlModifier);
+        EXPECT_EQ(shown(t), (IDs{2, 4}));
+        EXPECT_EQ(t.desktop->browser().targets(), IDs{4});
+        EXPECT_EQ(t.desktop->browser().mode(), mode);
+        t.press(Qt::Key_5);
+        EXPECT_EQ(t.listed(4).rating, 5);
+        EXPECT_EQ(t.listed(2).rating, 0);
+        t.press(Qt::Key_Escape);
+        if (mode == ViewMode::viewer)
+            t.press(Qt::Key_Escape);
+        EXPECT_EQ(shown(t), (IDs{1, 2, 3}));
+        EXPECT_EQ(t.store().selection(), IDs{2});
+    }
+}
+
+TEST(Versions, inAnAlbumANewOneIsSelectedBesideItsPhoto)
+{
+    TestWindow t(2);
+    const auto album = t.store().createAlbum("album", std::nullopt);
+    t.store().addToAlbum(album, IDs{1, 2});
+    t.store().chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    t.store().select({1});
+    t.press(Qt::Key_Apostrophe, Qt::ControlModifier);
+    EXPECT_EQ(shown(t), (IDs{1, 3, 2}));
+    EXPECT_EQ(t.desktop->browser().targets(), IDs{3});
+}
+
+TEST(Versions, theInfoTabListsOpensAndRemovesThem)
+{
+    TestWindow t(2);
+    t.store().createVersions(IDs{1, 1}, 1);
+    t.store().select({2});
+    versionRows(t, 0);
+    t.store().select({1});
+    auto& rows = versionRows(t, 3);
+    EXPECT_EQ(rows.item(2)->text(), "Version 3");
+    EXPECT_EQ(rows.currentRow(), 0);
+    rows.setFocus();
+    t.press(Qt::Key_Down);
+    t.press(Qt::Key_Return);
+    EXPECT_EQ(t.desktop->browser().targets(), IDs{3});
+    EXPECT_EQ(shown(t), (IDs{1, 3, 4}));
+    t.store().renameVersion(4, "Black and White");
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return rows.count() == 3 && rows.item(2)->text() == "Black and White"; }));
+    EXPECT_EQ(rows.currentRow(), 1);
+    for (auto* const button : t.window->findChildren<QPushButton*>())
+        if (button->text() == "Remove")
+            button->click();
+    versionRows(t, 2);
+    EXPECT_EQ(shown(t), (IDs{1, 4}));
+    t.store().undo();
+    versionRows(t, 3);
+}
+
+} // namespace korvo
