@@ -9,6 +9,8 @@ namespace korvo {
 
 namespace {
 
+using FolderPath = std::vector<std::string>;
+
 /// Aperture takes blank names, the catalog does not.
 std::string named(const std::string& name)
 {
@@ -69,23 +71,55 @@ public:
 private:
     void throwIfStopped() const { importer_.throwIfStopped(); }
 
-    /// The folder of these names, made with those above it if it is not there yet.
-    std::optional<std::int64_t> folder(const std::vector<std::string>& path)
+    /// The folder of these names.
+    std::optional<std::int64_t> folder(const FolderPath& path) const
     {
-        std::optional<std::int64_t> parent;
-        std::vector<std::string> walked;
-        for (const auto& name : path) {
-            walked.push_back(name);
-            const auto [entry, isNew] = folders_.try_emplace(walked, 0);
-            if (isNew)
-                entry->second = catalog_.createProject(named(name), "folder", parent);
-            parent = entry->second;
+        return path.empty() ? std::nullopt : std::optional(folders_.at(path));
+    }
+
+    /// Adds the path that Aperture's uuid stands for, if it is a folder's.
+    void addFolderPath(const std::optional<std::string>& uuid, std::vector<FolderPath>& paths) const
+    {
+        const auto path = uuid ? plan_.folderPaths.find(*uuid) : plan_.folderPaths.end();
+        if (path != plan_.folderPaths.end())
+            paths.push_back(path->second);
+    }
+
+    /// Makes the folders of these paths that are not there yet: all those at the top at once, then all those
+    /// in them, and so on.
+    void makeFolders(const std::vector<FolderPath>& paths)
+    {
+        std::size_t deepest = 0;
+        for (const auto& path : paths)
+            deepest = std::max(deepest, path.size());
+        for (std::size_t depth = 1; depth <= deepest; ++depth) {
+            std::vector<NewProject> made;
+            std::vector<std::int64_t*> ids;
+            for (const auto& path : paths) {
+                throwIfStopped();
+                if (path.size() < depth)
+                    continue;
+                const auto end = path.begin() + static_cast<std::ptrdiff_t>(depth);
+                const auto [entry, isNew] = folders_.try_emplace(FolderPath(path.begin(), end), 0);
+                if (!isNew)
+                    continue;
+                ids.push_back(&entry->second);
+                made.push_back({named(*(end - 1)), "folder", folder(FolderPath(path.begin(), end - 1))});
+            }
+            const auto created = createProjects(catalog_.database(), made);
+            for (std::size_t i = 0; i < ids.size(); ++i)
+                *ids[i] = created[i];
         }
-        return parent;
     }
 
     void writeProjects()
     {
+        std::vector<FolderPath> paths;
+        for (const auto& project : plan_.projects)
+            paths.push_back(project.folderPath);
+        for (const auto& photo : plan_.photos)
+            addFolderPath(photo.projectUuid, paths);
+        makeFolders(paths);
         std::vector<NewProject> made;
         for (const auto& project : plan_.projects) {
             throwIfStopped();
@@ -186,6 +220,10 @@ private:
 
     void writeAlbums()
     {
+        std::vector<FolderPath> paths; // those that hold albums alone
+        for (const auto& album : plan_.albums)
+            addFolderPath(album.folderUuid, paths);
+        makeFolders(paths);
         std::vector<NewAlbum> made;
         for (const auto& album : plan_.albums)
             made.push_back({named(album.name), projectOf(album.folderUuid)});
@@ -246,7 +284,7 @@ private:
     const ApertureImportPlan& plan_;
     Catalog& catalog_;
     UnixTime now_;
-    std::map<std::vector<std::string>, std::int64_t> folders_;
+    std::map<FolderPath, std::int64_t> folders_;
     std::unordered_map<std::string, std::int64_t> projects_;
     std::vector<PhotoID> ids_; // of each planned photo
     std::vector<PhotoID> masterIDs_; // likewise: itself for a master

@@ -93,9 +93,9 @@ private:
         try {
             candidate.photo.fileSize = static_cast<std::int64_t>(fs::file_size(candidate.file.path));
             candidate.photo.fileDate = modificationTime(candidate.file.path);
-            const bool isKnown = catalog_.hasMaster(candidate.photo.path);
-            candidate.wasUnread = isKnown && isUnread(catalog_, candidate.photo.path);
-            if (isKnown && !candidate.wasUnread)
+            const auto held = heldFile(catalog_, candidate.photo.path);
+            candidate.wasUnread = held == HeldFile::unread;
+            if (held == HeldFile::read)
                 return;
             if (candidate.photo.fileSize == 0)
                 candidate.failure = sentence(candidate.file.path, "the file is empty");
@@ -131,6 +131,8 @@ private:
         const auto added = catalog_.addPhotos(photos);
         for (std::size_t i = 0; i < added.size(); ++i) {
             ++(added[i].isNew ? result_.added : result_.known);
+            if (added[i].isNew)
+                result_.photos.push_back(added[i].id);
             const bool isReadLate = !added[i].isNew && sources[i]->wasUnread && photos[i].fileSize;
             if (isReadLate)
                 storeLateReading(catalog_, added[i].id, photos[i]);
@@ -146,9 +148,13 @@ private:
     {
         if (file.added.empty())
             return catalog_.folderContaining(file.path.native());
-        const auto [entry, isNew] = folders_.try_emplace(file.added.native(), 0);
-        if (isNew)
-            entry->second = catalog_.addFolder(file.added.native(), clock_.now());
+        const auto [entry, isFirst] = folders_.try_emplace(file.added.native(), 0);
+        if (isFirst) {
+            const auto [id, isNew] = catalog_.addFolder(file.added.native(), clock_.now());
+            entry->second = id;
+            if (isNew)
+                result_.folders.push_back(id);
+        }
         return entry->second;
     }
 

@@ -14,7 +14,7 @@ namespace korvo {
 
 /// What became of the files. A file that is added but cannot be read counts as added and is listed as a
 /// failure.
-struct AddResult {
+struct AddResult : AddedRows {
     std::size_t added = 0;
     std::size_t known = 0; // had a master already
     std::size_t ignored = 0; // of a kind that a library does not hold

@@ -1,5 +1,7 @@
 #include "app/AutoAdjust.h"
 
+#include "base/JsonError.h"
+
 #include <array>
 
 namespace korvo {
@@ -27,8 +29,11 @@ std::vector<AutoProposal> autoProposals(ImageReader& reader, std::span<const Pho
         if (stop.stop_requested())
             break;
         try {
+            photo.edits(); // none are added to edits that cannot be read
             if (const auto values = autoLook(reader, photo.path(), stop).values)
                 proposals.push_back({photo.id, *values});
+        } catch (const JsonError& error) {
+            failed(photo.path().string() + ": its adjustments cannot be read: " + error.what());
         } catch (const std::exception& error) {
             if (!stop.stop_requested())
                 failed(error.what());

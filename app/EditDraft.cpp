@@ -15,7 +15,7 @@ PhotoEdits EditDraft::editsOf(const PhotoItem& item) const
 
 void EditDraft::show(std::string title, Change change)
 {
-    if (change_ && title != title_)
+    if (change_ && (isOver_ || title != title_))
         keep();
     if (!change_)
         photos_ = browser_.targets();
@@ -26,12 +26,27 @@ void EditDraft::show(std::string title, Change change)
 
 void EditDraft::keep()
 {
-    if (const auto change = std::exchange(change_, {}))
-        store_.changeEdits(std::exchange(title_, {}), std::exchange(photos_, {}), change);
+    auto change = std::exchange(change_, {});
+    isOver_ = false;
+    if (!change)
+        return;
+    try {
+        store_.changeEdits(title_, photos_, change);
+    } catch (const DatabaseError& error) {
+        if ((isOver_ = error.mayPass()))
+            change_ = std::move(change);
+        else
+            changed.emit();
+        throw;
+    } catch (...) {
+        changed.emit();
+        throw;
+    }
 }
 
 void EditDraft::drop()
 {
+    isOver_ = false;
     if (std::exchange(change_, {}))
         changed.emit();
 }

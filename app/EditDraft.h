@@ -24,7 +24,8 @@ public:
     /// Shows the change, in place of the one drafted before under that title, on the photos that commands act
     /// on when it begins. A draft of another title is kept first.
     void show(std::string title, Change change);
-    /// Stores what is drafted, if anything. Throws as the store does; nothing is drafted then.
+    /// Stores what is drafted, if anything. Throws as the store does: what could not be written now (another
+    /// program writes, the disk is full) stays drafted for the next time, anything else is dropped.
     void keep();
     void drop();
     /// Shows and keeps in one.
@@ -36,6 +37,7 @@ private:
     std::string title_;
     std::vector<PhotoID> photos_;
     Change change_;
+    bool isOver_ = false; // let go, but it could not be stored yet
 };
 
 } // namespace korvo

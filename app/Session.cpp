@@ -16,6 +16,12 @@ void Session::photosAdded()
     readWhatIsNew();
 }
 
+void Session::photosAdded(std::string_view verb, AddedRows added)
+{
+    store_.adopt(verb, std::move(added));
+    readWhatIsNew();
+}
+
 void Session::readWhatIsNew()
 {
     backfills_.startExifBackfill();

@@ -21,6 +21,8 @@ public:
 
     /// Shows photos that were added to the catalog, and reads those of them that were not read yet.
     void photosAdded();
+    /// The same when a job has added all that it does: it can be undone, as "Import 24 Photos" by its verb.
+    void photosAdded(std::string_view verb, AddedRows added);
 
 private:
     void readWhatIsNew();

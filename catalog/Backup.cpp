@@ -47,21 +47,6 @@ void removeAbandoned(const std::filesystem::path& folder)
             std::filesystem::remove(entry.path());
 }
 
-/// A reader in another process must not hold up the opening of the library.
-class WithoutWaiting {
-public:
-    explicit WithoutWaiting(Database& database) : database_(database)
-    {
-        sqlite3_busy_timeout(database_.handle(), 0);
-    }
-    ~WithoutWaiting() { sqlite3_busy_timeout(database_.handle(), Database::busyMilliseconds); }
-    WithoutWaiting(const WithoutWaiting&) = delete;
-    WithoutWaiting& operator=(const WithoutWaiting&) = delete;
-
-private:
-    Database& database_;
-};
-
 void prune(const std::filesystem::path& folder)
 {
     std::vector<std::string> names;
@@ -83,7 +68,7 @@ try {
         return;
     removeAbandoned(folder);
     try {
-        const WithoutWaiting impatient(database);
+        const WithoutWaiting impatient(database); // a reader in another process must not hold up the opening
         database.exec("PRAGMA wal_checkpoint(TRUNCATE)");
     } catch (const DatabaseError&) {
         // Another process reads the log just now; the copy is made through the log and misses nothing.

@@ -26,7 +26,8 @@ void refuseForeignFile(const std::filesystem::path& file)
             = std::filesystem::exists(log) ? Database::openForALook(file) : Database::openReadOnly(file);
         refuseNewerSchema(database);
     } catch (const DatabaseError& error) {
-        throw error.which() == DatabaseError::Case::open ? error : DatabaseError::open(error.message());
+        throw error.which() == DatabaseError::Case::open ? error
+                                                         : DatabaseError::open(error.message(), error.code());
     }
 }
 

@@ -48,7 +48,7 @@ public:
     Database lookingConnection() const { return Database::openForALook(folder_ / "catalog.sqlite"); }
 
     // Photos (CatalogPhotos.cpp)
-    std::vector<AddedPhoto> addPhotos(std::span<const NewPhoto> photos);
+    std::vector<AddedRow> addPhotos(std::span<const NewPhoto> photos);
     void setRating(std::span<const PhotoID> ids, int rating);
     void setFlagged(std::span<const PhotoID> ids, bool flagged);
     void setLabel(std::span<const PhotoID> ids, PhotoLabel label);
@@ -68,6 +68,9 @@ public:
     void shiftCaptureDate(PhotoID id, double seconds);
     void fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize);
     void deletePhotos(std::span<const PhotoID> ids);
+    /// Takes out again what was added: the photos with their versions, and those folders and projects that
+    /// nothing else is in by now.
+    void takeOut(const AddedRows& added);
     /// In ascending order.
     std::vector<PhotoID> dirtyPhotos();
     bool contains(PhotoID id);
@@ -175,7 +178,7 @@ public:
     // The tree (CatalogTree.cpp)
     LibraryTree tree();
     /// Adding a known folder again yields its id.
-    std::int64_t addFolder(std::string_view path, UnixTime addedAt);
+    AddedRow addFolder(std::string_view path, UnixTime addedAt);
     /// The added folder that a file lies in, the innermost if there are several.
     std::optional<std::int64_t> folderContaining(std::string_view path);
     void removeFolder(std::int64_t id);
@@ -184,7 +187,7 @@ public:
     std::int64_t createProject(
         std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
     /// The project of that name that has no parent, made when there is none.
-    std::int64_t projectAtRoot(std::string_view name);
+    AddedRow projectAtRoot(std::string_view name);
     /// Puts every project and album that has no parent under a new project at the root.
     std::int64_t gatherUnderProject(std::string_view name);
     void renameProject(std::int64_t id, std::string_view name);

@@ -33,9 +33,9 @@ std::optional<PhotoMetadata> metadataOf(Database& database, PhotoID id)
 
 } // namespace
 
-std::vector<AddedPhoto> Catalog::addPhotos(std::span<const NewPhoto> photos)
+std::vector<AddedRow> Catalog::addPhotos(std::span<const NewPhoto> photos)
 {
-    std::vector<AddedPhoto> added;
+    std::vector<AddedRow> added;
     added.reserve(photos.size());
     Transaction transaction(database_);
     {
@@ -103,14 +103,15 @@ void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack w
     Transaction transaction(database_);
     const auto master = existingMasterOf(id);
     keepMetadataBase(std::span(&master, 1));
+    const bool waits = writeBack == WriteBack::pending && mayBeWritten(master);
     database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
     creator = ?, copyright = ?,
     dirty = CASE WHEN version_of IS NULL THEN ? ELSE 0 END
 WHERE id = ? OR version_of = ?)",
         metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
-        metadata.creator.view(), metadata.copyright.view(),
-        writeBack == WriteBack::pending && mayBeWritten(master), master, master);
-    dropMetadataBase(master);
+        metadata.creator.view(), metadata.copyright.view(), waits, master, master);
+    if (!waits)
+        dropMetadataBase(master);
     transaction.commit();
 }
 

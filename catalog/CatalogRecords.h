@@ -21,9 +21,19 @@ struct NewPhoto {
     PhotoMetadata metadata; // as read from the file
 };
 
-struct AddedPhoto {
-    PhotoID id;
-    bool isNew; // false: the file had a master already
+/// A row that was asked for, and is there now.
+struct AddedRow {
+    std::int64_t id;
+    bool isNew; // false: it was there already
+};
+
+/// What an import, or adding files, brought into the library.
+struct AddedRows {
+    std::vector<PhotoID> photos;
+    std::vector<std::int64_t> folders; // of the sidebar
+    std::vector<std::int64_t> projects;
+
+    bool areThere() const { return !photos.empty() || !folders.empty() || !projects.empty(); }
 };
 
 /// What the files themselves say about how a photo was taken.

@@ -123,14 +123,15 @@ std::vector<KeywordRow> Catalog::keywords()
     return keywordsIn(database_);
 }
 
-std::int64_t Catalog::addFolder(std::string_view path, UnixTime addedAt)
+AddedRow Catalog::addFolder(std::string_view path, UnixTime addedAt)
 {
     requireAbsolute(path);
     Transaction transaction(database_);
     database_.run("INSERT OR IGNORE INTO folders (path, added_at) VALUES (?, ?)", path, addedAt);
+    const bool isNew = database_.changes() > 0;
     const auto id = database_.scalar("SELECT id FROM folders WHERE path = ?", path);
     transaction.commit();
-    return id;
+    return {id, isNew};
 }
 
 std::optional<std::int64_t> Catalog::folderContaining(std::string_view path)
@@ -334,15 +335,33 @@ void Catalog::deleteSmartAlbum(std::int64_t id)
     changeRow(database_, "smart album", id, "DELETE FROM smart_albums WHERE id = ?", id);
 }
 
-std::int64_t Catalog::projectAtRoot(std::string_view name)
+AddedRow Catalog::projectAtRoot(std::string_view name)
 {
     Transaction transaction(database_);
     auto id = database_.scalar(
         "SELECT id FROM projects WHERE parent_id IS NULL AND name = ? ORDER BY id LIMIT 1", name);
-    if (id == 0)
+    const bool isNew = id == 0;
+    if (isNew)
         id = createProject(name, "project", std::nullopt);
     transaction.commit();
-    return id;
+    return {id, isNew};
+}
+
+void Catalog::takeOut(const AddedRows& added)
+{
+    Transaction transaction(database_);
+    deletePhotos(added.photos);
+    for (const auto folder : added.folders)
+        database_.run("DELETE FROM folders WHERE id = ?1 AND NOT EXISTS "
+                      "(SELECT 1 FROM photos WHERE folder_id = ?1)",
+            folder);
+    for (const auto project : added.projects)
+        database_.run(R"(DELETE FROM projects WHERE id = ?1
+    AND NOT EXISTS (SELECT 1 FROM photos WHERE project_id = ?1)
+    AND NOT EXISTS (SELECT 1 FROM projects WHERE parent_id = ?1)
+    AND NOT EXISTS (SELECT 1 FROM albums WHERE parent_id = ?1))",
+            project);
+    transaction.commit();
 }
 
 } // namespace korvo

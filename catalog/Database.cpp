@@ -1,7 +1,8 @@
 #include "catalog/Database.h"
 
+#include <algorithm>
 #include <cctype>
-#include <chrono>
+#include <thread>
 
 namespace korvo {
 
@@ -49,7 +50,7 @@ Database::Database(const std::string& name, int flags)
     handle_.reset(opened);
     if (code != SQLITE_OK)
         throw DatabaseError::open(messageOf(opened), code);
-    sqlite3_busy_timeout(opened, busyMilliseconds);
+    sqlite3_busy_timeout(opened, static_cast<int>(busyPatience.count()));
 }
 
 Database::Database(const std::filesystem::path& file)
@@ -64,7 +65,7 @@ Database::Database(const std::filesystem::path& file)
 void Database::useWriteAheadLog()
 {
     using Clock = std::chrono::steady_clock;
-    const auto end = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
+    const auto end = Clock::now() + busyPatience;
     const auto sql = "PRAGMA journal_mode = WAL";
     while (sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr) == SQLITE_BUSY && Clock::now() < end)
         sqlite3_sleep(1);
@@ -130,10 +131,41 @@ std::vector<std::string> Database::columnsOf(std::string_view table)
     return names;
 }
 
-Transaction::Transaction(Database& database)
-    : database_(database), lock_(database.handle()), nested_(!sqlite3_get_autocommit(database.handle()))
+WithoutWaiting::WithoutWaiting(Database& database) : database_(database)
 {
+    sqlite3_busy_timeout(database_.handle(), 0);
+}
+
+WithoutWaiting::~WithoutWaiting()
+{
+    sqlite3_busy_timeout(database_.handle(), static_cast<int>(Database::busyPatience.count()));
+}
+
+Transaction::Transaction(Database& database, std::chrono::milliseconds patience) : database_(database)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds longestPause{20};
+    const auto end = Clock::now() + patience;
+    for (std::chrono::milliseconds pause{1}; !tryToBegin(); pause = std::min(2 * pause, longestPause)) {
+        if (Clock::now() >= end)
+            throw DatabaseError::step(sqlite3_errstr(SQLITE_BUSY), "BEGIN IMMEDIATE", SQLITE_BUSY);
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+/// Lets go of the connection when another process is writing: who reads meanwhile must not wait for it.
+bool Transaction::tryToBegin()
+try {
+    lock_.emplace(database_.handle());
+    const WithoutWaiting impatient(database_);
+    nested_ = !sqlite3_get_autocommit(database_.handle());
     database_.exec(nested_ ? "SAVEPOINT nested" : "BEGIN IMMEDIATE");
+    return true;
+} catch (const DatabaseError& error) {
+    lock_.reset();
+    if (error.primaryCode() != SQLITE_BUSY)
+        throw;
+    return false;
 }
 
 Transaction::~Transaction()

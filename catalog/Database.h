@@ -2,8 +2,10 @@
 
 #include "catalog/Statement.h"
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,7 +20,7 @@ namespace korvo {
 class Database {
 public:
     /// How long a locked database is waited for.
-    static constexpr int busyMilliseconds = 5000;
+    static constexpr std::chrono::milliseconds busyPatience{5000};
 
     /// Opens or creates the file read-write, with a write-ahead log and foreign keys on. A locked database is
     /// waited for, 5 s at most, here and in every later call. Throws DatabaseError (open, step).
@@ -107,13 +109,27 @@ private:
     StatementCache kept_; // before the handle in destruction, so that nothing keeps the connection open
 };
 
+/// While it lives, what is locked by others fails at once. Whoever makes it holds the connection, or is the
+/// only one that uses it.
+class WithoutWaiting {
+public:
+    explicit WithoutWaiting(Database& database);
+    ~WithoutWaiting();
+    WithoutWaiting(const WithoutWaiting&) = delete;
+    WithoutWaiting& operator=(const WithoutWaiting&) = delete;
+
+private:
+    Database& database_;
+};
+
 /// A change of several statements that happens as a whole or not at all: what is not committed when the
 /// transaction goes is rolled back. It holds the connection for its life, so keep it short. A transaction
 /// inside another is a part of it that can be rolled back alone.
 class Transaction {
 public:
-    /// Takes the write lock at once, waiting for other processes. Throws DatabaseError (step).
-    explicit Transaction(Database& database);
+    /// Takes the write lock at once, waiting so long for other processes. Other threads may use the
+    /// connection while it waits. Throws DatabaseError (step).
+    explicit Transaction(Database& database, std::chrono::milliseconds patience = Database::busyPatience);
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
@@ -122,9 +138,11 @@ public:
     void commit();
 
 private:
+    bool tryToBegin();
+
     Database& database_;
-    ConnectionLock lock_;
-    bool nested_;
+    std::optional<ConnectionLock> lock_;
+    bool nested_ = false;
     bool open_ = true;
 };
 

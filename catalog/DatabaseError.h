@@ -20,6 +20,11 @@ public:
     Case which() const { return which_; }
     /// SQLite's result code; 0 when it was not SQLite that failed.
     int code() const { return code_; }
+    /// The same without its details: SQLITE_IOERR for all failures of a disk.
+    int primaryCode() const { return code_ & 0xff; }
+    /// Whether it lies in what is around the library and can be mended there: another writer, the disk. What
+    /// failed may succeed later then.
+    bool mayPass() const;
     /// SQLite's own message.
     const std::string& message() const { return message_; }
     /// The statement; empty for a failed open.
@@ -36,5 +41,9 @@ private:
     std::string message_;
     std::string sql_;
 };
+
+/// What went wrong and what to do about it, as the user reads it: of a DatabaseError by its code, without SQL
+/// wherever SQLite says what is the matter; what() of any other.
+std::string textForUser(const std::exception& error);
 
 } // namespace korvo

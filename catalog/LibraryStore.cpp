@@ -1,5 +1,7 @@
 #include "catalog/LibraryStore.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <unordered_set>
@@ -34,13 +36,6 @@ std::vector<PhotoID> onceEach(std::vector<PhotoID> ids)
 std::int64_t dataVersion(Catalog& catalog)
 {
     return catalog.database().scalar("PRAGMA data_version");
-}
-
-/// Whether what the library has become stands in a step's way for good; a lock or a full disk passes.
-bool neverSucceeds(const DatabaseError& error)
-{
-    constexpr int withoutDetails = 0xff;
-    return (error.code() & withoutDetails) == SQLITE_CONSTRAINT || error.code() == SQLITE_OK;
 }
 
 } // namespace
@@ -205,22 +200,41 @@ void LibraryStore::select(std::vector<PhotoID> ids)
     }
 }
 
+Changeset LibraryStore::recorded(const std::function<void(Catalog&)>& change)
+{
+    Transaction transaction(catalog_->database(), writePatience);
+    const ChangeRecorder recorder(catalog_->database());
+    change(*catalog_);
+    auto changes = recorder.changes();
+    transaction.commit();
+    return changes;
+}
+
 void LibraryStore::perform(std::string title, const std::function<void(Catalog&)>& change)
 {
     main_.assertCurrent();
-    Changeset changes;
-    {
-        Transaction transaction(catalog_->database());
-        const ChangeRecorder recorder(catalog_->database());
-        change(*catalog_);
-        changes = recorder.changes();
-        transaction.commit();
-    }
+    auto changes = recorded(change);
     if (changes.empty())
         return;
     const auto rows = changedRows(catalog_->database(), changes);
-    history_.add({std::move(title), std::move(changes)});
+    history_.add({.title = std::move(title), .changes = std::move(changes), .added = {}});
     publish(rows);
+}
+
+void LibraryStore::adopt(std::string_view verb, AddedRows added)
+{
+    main_.assertCurrent();
+    if (added.areThere())
+        history_.add({.title = std::string(verb) + " " + counted(added.photos.size(), "Photo"),
+            .changes = {},
+            .added = std::move(added)});
+    reload();
+}
+
+std::optional<std::uint64_t> LibraryStore::undoStep() const
+{
+    const UndoStep* const step = history_.toUndo();
+    return step ? std::optional(step->number) : std::nullopt;
 }
 
 std::optional<std::string> LibraryStore::undoTitle() const
@@ -241,13 +255,18 @@ void LibraryStore::undo()
     const UndoStep* const step = history_.toUndo();
     if (!step)
         return;
+    if (step->added.areThere()) {
+        const auto taken = recorded([&](Catalog& catalog) { catalog.takeOut(step->added); });
+        history_.undone(taken.inverted());
+        return publish(changedRows(catalog_->database(), taken));
+    }
     const auto inverse = step->changes.inverted();
     const auto touched = changedRows(catalog_->database(), inverse);
     ChangedRows rows;
     try {
         rows = replay(inverse, touched);
     } catch (const DatabaseError& error) {
-        if (neverSucceeds(error)) // the steps before it still may
+        if (!error.mayPass()) // the steps before it still may be undone
             history_.forgetUndo();
         throw;
     }
@@ -266,7 +285,7 @@ void LibraryStore::redo()
     try {
         rows = replay(step->changes, touched);
     } catch (const DatabaseError& error) {
-        if (neverSucceeds(error))
+        if (!error.mayPass())
             history_.forgetRedo();
         throw;
     }
@@ -277,7 +296,7 @@ void LibraryStore::redo()
 ChangedRows LibraryStore::replay(const Changeset& changes, const ChangedRows& touched)
 {
     Database& database = catalog_->database();
-    Transaction transaction(database);
+    Transaction transaction(database, writePatience);
     const ChangeRecorder recorder(database);
     if (touches(touched, metadataColumns))
         catalog_->keepMetadataBase(touched.updated);

@@ -30,6 +30,8 @@ struct LibraryChange {
 class LibraryStore {
 public:
     static constexpr std::chrono::hours untilItIsRead{24};
+    /// How long an action waits while another process writes, before it throws.
+    static constexpr std::chrono::milliseconds writePatience{100};
 
     /// Reads the whole library. `main` must outlive the store. Lists are read in the background, and waited
     /// for as long as `patience` says; one that takes longer is shown when it is there.
@@ -129,6 +131,12 @@ public:
     /// likes.
     void perform(std::string title, const std::function<void(Catalog&)>& change);
 
+    /// Reads the current source again after a job has added something, which becomes one action, "Import 24
+    /// Photos": undo does Catalog::takeOut, the files stay, and redo brings everything back as it was then.
+    void adopt(std::string_view verb, AddedRows added);
+
+    /// A number for the action that would be undone, which no other gets.
+    std::optional<std::uint64_t> undoStep() const;
     /// The title of the action that would be undone or redone, for the menu.
     std::optional<std::string> undoTitle() const;
     std::optional<std::string> redoTitle() const;
@@ -162,6 +170,8 @@ private:
     void countsArrived();
     /// Frees a list that may be long, in the background.
     void discard(PhotoList list);
+    /// Makes a change in a transaction of its own and returns what it did.
+    Changeset recorded(const std::function<void(Catalog&)>& change);
     /// Makes the changes, which touch these rows, again, and returns what really happened.
     ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.

@@ -70,7 +70,7 @@ void MatchCounter::countInBackground()
                 const auto count = catalog.countMatching(rules, context.stopToken());
                 context.deliver([this, count] { finish(count, {}); });
             } catch (const std::exception& error) {
-                context.deliver([this, fault = std::string(error.what())] { finish(std::nullopt, fault); });
+                context.deliver([this, fault = textForUser(error)] { finish(std::nullopt, fault); });
             }
         });
 }

@@ -7,6 +7,17 @@
 
 namespace korvo {
 
+/// Makes what runs through the connection end with a DatabaseError once a stop is requested, also in the
+/// middle of a long statement. The token must outlive the connection.
+inline void endWith(Database& database, const std::stop_token& stop)
+{
+    constexpr int steps = 10'000; // of SQLite's machine, a fraction of a millisecond
+    sqlite3_progress_handler(
+        database.handle(), steps,
+        [](void* token) { return int(static_cast<const std::stop_token*>(token)->stop_requested()); },
+        const_cast<std::stop_token*>(&stop));
+}
+
 /// Something that is read from the library on a thread and a connection of its own. What is committed after
 /// its making may be missing there. Destroying it ends the reading. Used on the main thread.
 template <typename Result>
@@ -24,6 +35,7 @@ public:
                 const Task::Context& context) {
                 try {
                     auto database = catalog.lookingConnection();
+                    endWith(database, context.stopToken());
                     promise->set_value(read(database, context.stopToken()));
                 } catch (...) { // who takes the result meets it
                     promise->set_exception(std::current_exception());

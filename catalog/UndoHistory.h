@@ -1,7 +1,9 @@
 #pragma once
 
+#include "catalog/CatalogRecords.h"
 #include "catalog/Changeset.h"
 
+#include <cstdint>
 #include <deque>
 #include <string>
 
@@ -11,6 +13,8 @@ namespace korvo {
 struct UndoStep {
     std::string title; // "Set Rating"
     Changeset changes;
+    AddedRows added; // which undo takes out of the library, whatever became of them since
+    std::uint64_t number = 0; // given by the history, never twice
 };
 
 /// The user's actions, done and undone. The oldest are forgotten when there are more than `stepsKept`, or
@@ -26,6 +30,7 @@ public:
     {
         steps_.resize(done_);
         steps_.push_back(std::move(step));
+        steps_.back().number = ++newest_;
         forgetOldest();
         done_ = steps_.size();
     }
@@ -39,6 +44,8 @@ public:
     void forgetRedo() { steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(done_)); }
 
     void undone() { --done_; }
+    /// The same, where undoing it took back more than was recorded.
+    void undone(Changeset redo) { steps_[--done_].changes = std::move(redo); }
     void redone() { ++done_; }
 
 private:
@@ -55,6 +62,7 @@ private:
 
     std::deque<UndoStep> steps_;
     std::size_t done_ = 0;
+    std::uint64_t newest_ = 0;
 };
 
 } // namespace korvo

@@ -2,14 +2,16 @@
 
 namespace korvo {
 
-bool isUnread(Catalog& catalog, std::string_view path)
+HeldFile heldFile(Catalog& catalog, std::string_view path)
 {
-    return catalog.database().scalar(R"(SELECT COUNT(*) FROM photos
-WHERE path = ? AND version_of IS NULL AND file_size IS NULL AND dirty = 0
+    auto statement = catalog.database().kept(R"(SELECT file_size IS NULL AND dirty = 0
     AND COALESCE(camera, '') = '' AND capture_date IS NULL AND latitude IS NULL
-    AND alt_text || title || caption || keywords || creator || copyright = '')",
-               path)
-        > 0;
+    AND alt_text || title || caption || keywords || creator || copyright = ''
+FROM photos WHERE path = ? AND version_of IS NULL)");
+    statement.bind(path);
+    if (!statement.step())
+        return HeldFile::none;
+    return statement.integer(0) ? HeldFile::unread : HeldFile::read;
 }
 
 void storeLateReading(Catalog& catalog, PhotoID id, const NewPhoto& photo)

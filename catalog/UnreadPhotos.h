@@ -6,11 +6,12 @@
 
 namespace korvo {
 
-/// Whether the file has a master, taken in although the file could not be read, of which nothing is known
-/// since.
-bool isUnread(Catalog& catalog, std::string_view path);
+/// What the library has of a file: nothing, a master, or one that was taken in although the file could not be
+/// read, and of which nothing is known since.
+enum class HeldFile { none, read, unread };
+HeldFile heldFile(Catalog& catalog, std::string_view path);
 
-/// Stores what the file of such a master holds, now that it can be read. Its camera data are to be read
+/// Stores what the file of an unread master holds, now that it can be read. Its camera data are to be read
 /// again.
 void storeLateReading(Catalog& catalog, PhotoID id, const NewPhoto& photo);
 

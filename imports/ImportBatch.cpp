@@ -26,6 +26,13 @@ MetadataChange plannedChange(const ImportPlan& plan, const PhotoMetadata& own)
     return change;
 }
 
+std::int64_t noted(AddedRow row, std::vector<std::int64_t>& added)
+{
+    if (row.isNew)
+        added.push_back(row.id);
+    return row.id;
+}
+
 } // namespace
 
 std::string failureText(const fs::path& file, const std::string& reason)
@@ -54,17 +61,21 @@ void ImportBatch::add(ImportedShot shot)
 
 void ImportBatch::flush()
 {
-    const auto stored = result_.photos.size();
+    const auto photos = result_.photos.size();
+    const auto folders = result_.folders.size();
+    const auto projects = result_.projects.size();
     const auto known = result_.known;
     try {
         keep();
     } catch (const std::exception& error) {
-        result_.photos.resize(stored);
+        result_.photos.resize(photos);
+        result_.folders.resize(folders);
+        result_.projects.resize(projects);
         result_.known = known;
         for (ImportedShot& shot : shots_)
             for (ImportedFile& file : shot.files)
                 if (file.copy || !file.path.empty())
-                    fail(file, std::string("could not be kept: ") + error.what());
+                    fail(file, "could not be kept: " + textForUser(error));
         shots_.clear();
         throw;
     }
@@ -211,7 +222,7 @@ std::int64_t ImportBatch::projectNamed(const std::string& name)
 {
     const auto [entry, isNew] = projects_.try_emplace(name, 0);
     if (isNew)
-        entry->second = catalog_.projectAtRoot(name);
+        entry->second = noted(catalog_.projectAtRoot(name), result_.projects);
     return entry->second;
 }
 
@@ -224,7 +235,8 @@ std::optional<std::int64_t> ImportBatch::folderOf(const ImportedFile& file)
     if (isNew) {
         // Copies need no folder of their own in the sidebar when one that is there shows them.
         const auto around = folder_ ? catalog_.folderContaining(file.path.native()) : std::nullopt;
-        entry->second = around ? *around : catalog_.addFolder(added.native(), clock_.now());
+        entry->second
+            = around ? *around : noted(catalog_.addFolder(added.native(), clock_.now()), result_.folders);
     }
     return entry->second;
 }

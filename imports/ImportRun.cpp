@@ -84,7 +84,7 @@ private:
         try {
             keep();
         } catch (const std::exception& error) {
-            result_.broken = error.what();
+            result_.broken = textForUser(error);
             isBroken_ = true;
         }
     }

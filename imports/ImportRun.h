@@ -11,8 +11,7 @@
 namespace korvo {
 
 /// What became of the picked files.
-struct ImportResult {
-    std::vector<PhotoID> photos; // new in the library
+struct ImportResult : AddedRows {
     std::size_t known = 0; // referenced files that the library has already
     std::vector<PathFailure> failures;
     bool cancelled = false;

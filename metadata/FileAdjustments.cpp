@@ -53,7 +53,7 @@ FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
         } catch (const ExifToolError& error) {
             fail(error.what());
         } catch (const DatabaseError& error) { // what is done must be told: doing it again would be wrong
-            result.fault = record->path.string() + ": " + error.what();
+            result.fault = record->path.string() + ": " + textForUser(error);
             break;
         } catch (const NotFoundError&) {
             // It was removed meanwhile.

@@ -103,7 +103,7 @@ private:
         try {
             work();
         } catch (const DatabaseError& error) {
-            result_.fault = error.what();
+            result_.fault = textForUser(error);
         }
     }
 

@@ -181,7 +181,7 @@ void MetadataWriteBack::begin(std::string verb, std::string (*summary)(const Fil
                 deliver({.fault = textForUser(error)}, textForUser(error),
                     error.which() == ExifToolError::Case::notFound);
             } catch (const std::exception& error) { // of the catalog: what was not written waits on
-                deliver({.fault = error.what()}, error.what(), false);
+                deliver({.fault = textForUser(error)}, textForUser(error), false);
             }
         });
     changed.emit();

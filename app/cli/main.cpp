@@ -1,5 +1,6 @@
 #include "app/cli/CommandLine.h"
 #include "app/cli/Interrupt.h"
+#include "catalog/DatabaseError.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
 
@@ -29,7 +30,7 @@ int main(int argc, char** argv)
         printError(std::string("korvo: ") + error.what() + "\n" + parsed.usage);
         return static_cast<int>(ExitCode::usage);
     } catch (const std::exception& error) {
-        printError(std::string("korvo: ") + error.what());
+        printError("korvo: " + textForUser(error));
         return static_cast<int>(ExitCode::nothing);
     }
 }

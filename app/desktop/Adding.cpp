@@ -42,20 +42,24 @@ void addToLibrary(Desktop& desktop, std::vector<std::filesystem::path> paths)
     if (paths.empty())
         return;
     auto showing = std::make_shared<Showing>();
+    auto added = std::make_shared<AddedRows>();
     auto work = [&desktop, &catalog = desktop.store().catalog(), &clock = desktop.clock(),
-                    paths = std::move(paths), showing](JobContext& job) {
-        const auto result
+                    paths = std::move(paths), showing, added](JobContext& job) {
+        auto result
             = addFiles(catalog, paths, clock, ReadCameraData::later, job.stop(), [&](std::size_t done) {
                   job.progress(done, 0);
                   job.deliver([&desktop, showing] { showing->show(desktop); });
               });
         for (const auto& failure : result.failures)
             job.fail(failure.message);
+        *added = std::move(result);
         return summaryOf(result);
     };
-    desktop.jobs().start("Adding", std::move(work), [&desktop](const Job& job) {
-        desktop.attempt([&] { desktop.session().photosAdded(); });
-        desktop.say(job.summary());
+    desktop.jobs().start("Adding", std::move(work), [&desktop, added](const Job& job) {
+        desktop.attempt([&] {
+            desktop.session().photosAdded("Add", std::move(*added));
+            desktop.say(job.summary(), Offer::undo);
+        });
     });
 }
 

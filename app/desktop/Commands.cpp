@@ -1,7 +1,6 @@
 #include "app/desktop/Commands.h"
 
 #include "app/desktop/Texts.h"
-#include "app/desktop/info/FieldEdit.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -81,16 +80,32 @@ void Commands::handle(Command command, Handler handler, Condition possible)
 void Commands::run(Command command)
 {
     advance_ = std::exchange(shiftOrCapsLock_, false);
-    // Before all else: the text being typed, and what a slider was moved to by keys.
-    if (auto* const field = dynamic_cast<FieldEdit*>(QApplication::focusWidget())) {
-        field->commit();
-        if (field->isTouched())
-            return; // it could not be kept, which the user was told
-    }
-    desktop_.attempt([&] { desktop_.draft().keep(); });
+    if (command == Command::undo && takeBackWhatIsOpen())
+        return refresh();
+    if (!settle() && command != Command::quit) // which asks
+        return;
     if (const auto& handler = handlers_[indexOf(command)])
         desktop_.attempt(handler);
     advance_ = false;
+}
+
+bool Commands::settle()
+{
+    const bool isKept = !isTyping() || typing_.keep();
+    desktop_.attempt([&] { desktop_.draft().keep(); });
+    return isKept;
+}
+
+/// What is not a step yet is what undo takes back first.
+bool Commands::takeBackWhatIsOpen()
+{
+    if (isTyping())
+        typing_.takeBack();
+    else if (desktop_.draft().isOpen())
+        desktop_.draft().drop();
+    else
+        return false;
+    return true;
 }
 
 void Commands::setChecked(Command command, bool checked)
@@ -107,7 +122,7 @@ Commands::Situation Commands::situation() const
         .photos = photos,
         // Looking through very many takes longer than a click that does nothing.
         .stacked = photos > mostLookedThrough || isStacked(store, desktop_.browser().targets()),
-        .undo = store.undoTitle().has_value(),
+        .undo = store.undoTitle().has_value() || isTyping() || desktop_.draft().isOpen(),
         .redo = store.redoTitle().has_value()};
 }
 
@@ -145,14 +160,18 @@ void Commands::refresh()
     const auto title = [](const char* verb, const std::optional<std::string>& step) {
         return QString(verb) + (step ? " " + qt(*step) : QString());
     };
-    action(Command::undo)->setText(title("Undo", desktop_.store().undoTitle()));
+    action(Command::undo)
+        ->setText(isTyping() ? QString("Undo Typing") : title("Undo", desktop_.store().undoTitle()));
     action(Command::redo)->setText(title("Redo", desktop_.store().redoTitle()));
 }
 
 void Commands::fillMenus(QMenuBar& bar)
 {
-    for (const auto& [id, title] : menus)
-        fillMenu(*bar.addMenu(QString::fromUtf8(title)), id);
+    for (const auto& [id, title] : menus) {
+        auto* const menu = bar.addMenu(QString::fromUtf8(title));
+        connect(menu, &QMenu::aboutToShow, this, [this] { refresh(); }); // something may have been typed
+        fillMenu(*menu, id);
+    }
 }
 
 void Commands::fillMenu(QMenu& menu, CommandMenu which)

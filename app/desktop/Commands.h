@@ -85,6 +85,13 @@ struct CommandInfo {
 /// All commands in the order of the menus. A line without text is a separator.
 std::span<const CommandInfo> commandTable();
 
+/// A text field in which something was typed that is not stored yet.
+struct Typing {
+    std::function<bool()> isOpen; ///< whether there is one
+    std::function<bool()> keep; ///< stores its text; false when that failed
+    std::function<void()> takeBack; ///< shows what was there before
+};
+
 /// The window's commands. Used on the main thread.
 class Commands : public QObject {
 public:
@@ -96,6 +103,11 @@ public:
     /// Who carries the command out, and when that is possible beside what the table says.
     void handle(Command command, Handler handler, Condition possible = {});
     void run(Command command);
+    /// Keeps what is still open: the text being typed, and what a slider was moved to by keys. False when a
+    /// text could not be kept, which the user was told.
+    bool settle();
+    /// The text that is being typed, asked before each command.
+    void setTyping(Typing typing) { typing_ = std::move(typing); }
     QAction* action(Command command) const { return actions_[static_cast<std::size_t>(command)]; }
     void setChecked(Command command, bool checked);
 
@@ -122,11 +134,14 @@ private:
     };
     Situation situation() const;
     bool isPossible(const CommandInfo& info, const Situation& now) const;
+    bool isTyping() const { return typing_.isOpen && typing_.isOpen(); }
+    bool takeBackWhatIsOpen();
 
     Desktop& desktop_;
     std::array<QAction*, static_cast<std::size_t>(Command::count)> actions_{};
     std::array<Handler, static_cast<std::size_t>(Command::count)> handlers_;
     std::array<Condition, static_cast<std::size_t>(Command::count)> conditions_;
+    Typing typing_;
     bool advance_ = false;
     bool shiftOrCapsLock_ = false; // at the last key
     Connection storeChanged_;

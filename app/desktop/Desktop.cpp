@@ -1,6 +1,7 @@
 #include "app/desktop/Desktop.h"
 
 #include "base/Text.h"
+#include "catalog/DatabaseError.h"
 #include "platform/AppFolders.h"
 
 namespace korvo {
@@ -31,12 +32,14 @@ bool Desktop::isBusy()
 
 void Desktop::say(std::string text, Offer offer)
 {
-    noticed.emit({Notice::Kind::note, std::move(text), offer == Offer::undo});
+    const auto step = store().undoStep();
+    noticed.emit({Notice::Kind::note, std::move(text),
+        offer == Offer::undo && step != stepBefore_ ? step : std::nullopt});
 }
 
 void Desktop::fail(const std::exception& error)
 {
-    noticed.emit({Notice::Kind::error, asSentence(error.what()), false});
+    noticed.emit({Notice::Kind::error, asSentence(textForUser(error))});
 }
 
 } // namespace korvo

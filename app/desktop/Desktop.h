@@ -19,7 +19,7 @@ struct Notice {
     enum class Kind { note, error };
     Kind kind;
     std::string text;
-    bool offersUndo = false;
+    std::optional<std::uint64_t> undoes = std::nullopt; ///< the step that a button beside it takes back
 };
 
 enum class Offer { nothing, undo };
@@ -61,7 +61,8 @@ public:
     bool isBusy();
 
     Signal<const Notice&> noticed;
-    /// Shows a line that goes after five seconds, with a button that takes the last action back if offered.
+    /// Shows a line that goes after five seconds, with a button that takes back what the attempt that says so
+    /// did, if that is offered and anything was done.
     void say(std::string text, Offer offer = Offer::nothing);
     /// Shows what went wrong, as a sentence; it stays until it is clicked away.
     void fail(const std::exception& error);
@@ -69,11 +70,14 @@ public:
     template <typename Action>
     void attempt(Action action)
     {
+        if (attempts_++ == 0)
+            stepBefore_ = store().undoStep();
         try {
             action();
         } catch (const std::exception& error) {
             fail(error);
         }
+        --attempts_;
     }
 
 private:
@@ -94,6 +98,8 @@ private:
     LinuxVolumes volumeService_;
     std::unique_ptr<VolumeWatcher> volumes_; // from the first time on that it is asked for
     LeftTasks leftTasks_;
+    int attempts_ = 0; // one within the other
+    std::optional<std::uint64_t> stepBefore_; // the last one when the outermost of them began
 };
 
 } // namespace korvo

@@ -1,5 +1,7 @@
 #include "app/desktop/Jobs.h"
 
+#include "catalog/DatabaseError.h"
+
 #include <algorithm>
 
 namespace korvo {
@@ -67,7 +69,7 @@ void Jobs::start(std::string title, Work work, Finished finished)
             try {
                 summary = work(context);
             } catch (const std::exception& error) {
-                context.fail(summary = error.what());
+                context.fail(summary = textForUser(error));
             }
             task.deliver([end, summary] { end(summary); });
         });

@@ -3,9 +3,34 @@
 #include "app/desktop/Theme.h"
 
 #include <QLabel>
+#include <QPainter>
 #include <QPalette>
+#include <QStyle>
 
 namespace korvo {
+
+/// One line that gives way where there is too little room: it is cut short, and its tooltip says it whole.
+class ElidedLabel : public QLabel {
+public:
+    void say(const QString& text)
+    {
+        setText(text.simplified());
+        setToolTip(text);
+    }
+    QSize minimumSizeHint() const override
+    {
+        return {fontMetrics().averageCharWidth(), QLabel::minimumSizeHint().height()};
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        const auto line = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+        QPainter painter(this);
+        style()->drawItemText(&painter, contentsRect(), Qt::AlignVCenter | Qt::AlignLeft, palette(),
+            isEnabled(), line, foregroundRole());
+    }
+};
 
 /// A line of quiet explanation, or the name of a field.
 inline QLabel* dimmed(QLabel* label)

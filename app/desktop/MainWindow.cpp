@@ -160,11 +160,24 @@ void MainWindow::restoreSides(const QByteArray& bytes)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (const auto job = desktop_.jobs().running(); job && !isEndWished(*job))
+    const bool isKept = commands_.settle() && !desktop_.draft().isOpen();
+    const auto job = desktop_.jobs().running();
+    if ((!isKept && !isLossWished()) || (job && !isEndWished(*job)))
         return event->ignore();
     rememberWindow(*this);
     QMainWindow::closeEvent(event);
     QApplication::quit(); // also while a full-screen photo or a sheet is open
+}
+
+bool MainWindow::isLossWished()
+{
+    QMessageBox question(QMessageBox::Warning, "Korvo", "What you changed last could not be stored.",
+        QMessageBox::NoButton, this);
+    question.setInformativeText("Quitting now loses it.");
+    const auto* const quit = question.addButton(tr("Quit"), QMessageBox::DestructiveRole);
+    question.setDefaultButton(question.addButton(tr("Go Back"), QMessageBox::RejectRole));
+    question.exec();
+    return question.clickedButton() == quit;
 }
 
 bool MainWindow::isEndWished(const Job& job)

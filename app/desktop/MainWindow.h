@@ -53,6 +53,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    bool isLossWished();
     bool isEndWished(const Job& job);
 
 private:

@@ -1,3 +1,4 @@
+#include "app/desktop/Labels.h"
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
@@ -52,6 +53,7 @@ private:
     void notice(const Notice& notice);
     void showNotice(const Notice& notice);
     void hideNotice();
+    void undoNoticed();
     void showUnwritten();
     void sayWhatWasWritten();
     void showJob();
@@ -64,12 +66,13 @@ private:
     Desktop& desktop_;
     bool saving_ = false;
     std::vector<Notice> errors_; // that were not closed yet; the last one is shown
+    std::optional<std::uint64_t> undoes_; // the step that the notice offers to take back
     QLabel* counts_;
-    QLabel* notice_;
+    ElidedLabel* notice_;
     QToolButton* undo_;
     QToolButton* close_;
     QToolButton* unwritten_;
-    QLabel* job_;
+    ElidedLabel* job_;
     QProgressBar* progress_;
     QToolButton* cancel_;
     QToolButton* failures_;
@@ -87,9 +90,9 @@ Widget* StatusLine::add(Widget* widget, const char* accessibleName)
 }
 
 StatusLine::StatusLine(MainWindow& window)
-    : QObject(&window), window_(window), desktop_(window.desktop()), counts_(new QLabel), notice_(new QLabel),
-      undo_(new QToolButton), close_(new QToolButton),
-      unwritten_(add(new QToolButton, "Not yet written to files")), job_(add(new QLabel, "Running job")),
+    : QObject(&window), window_(window), desktop_(window.desktop()), counts_(new QLabel),
+      notice_(new ElidedLabel), undo_(new QToolButton), close_(new QToolButton),
+      unwritten_(add(new QToolButton, "Not yet written to files")), job_(add(new ElidedLabel, "Running job")),
       progress_(add(new QProgressBar, "Progress")), cancel_(add(new QToolButton, "Cancel the job")),
       failures_(add(new QToolButton, "Failures"))
 {
@@ -100,7 +103,6 @@ StatusLine::StatusLine(MainWindow& window)
     bar->addWidget(notice_);
     bar->addWidget(undo_);
     bar->addWidget(close_);
-    notice_->setTextFormat(Qt::PlainText);
     undo_->setText("Undo");
     close_->setText("Close");
     cancel_->setText("Cancel");
@@ -108,10 +110,7 @@ StatusLine::StatusLine(MainWindow& window)
     progress_->setMaximumHeight(14);
     progress_->setTextVisible(false);
     unwritten_->setToolTip("Write metadata to the files now (Ctrl+S)");
-    connect(undo_, &QToolButton::clicked, this, [this] {
-        hideNotice();
-        window_.commands().run(Command::undo);
-    });
+    connect(undo_, &QToolButton::clicked, this, [this] { undoNoticed(); });
     connect(close_, &QToolButton::clicked, this, [this] {
         errors_.pop_back();
         hideNotice();
@@ -123,7 +122,10 @@ StatusLine::StatusLine(MainWindow& window)
     noticeTimer_.setSingleShot(true);
     connect(&noticeTimer_, &QTimer::timeout, this, [this] { hideNotice(); });
     connect(&jobTimer_, &QTimer::timeout, this, [this] { showJob(); });
-    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { showCounts(); });
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) {
+        showCounts();
+        undo_->setVisible(undoes_ && undoes_ == desktop_.store().undoStep());
+    });
     noticed_ = desktop_.noticed.connect([this](const Notice& said) { notice(said); });
     jobsChanged_ = desktop_.jobs().changed.connect([this] { showJob(); });
     writeBackChanged_ = desktop_.session().writeBack().changed.connect([this] { showUnwritten(); });
@@ -161,11 +163,11 @@ void StatusLine::notice(const Notice& notice)
 void StatusLine::showNotice(const Notice& notice)
 {
     const bool isError = notice.kind == Notice::Kind::error;
-    notice_->setText(qt(notice.text));
+    notice_->say(qt(notice.text));
     notice_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
-    notice_->setToolTip(qt(notice.text));
     notice_->show();
-    undo_->setVisible(notice.offersUndo);
+    undoes_ = notice.undoes;
+    undo_->setVisible(undoes_.has_value());
     close_->setVisible(isError);
     close_->setText(errors_.size() > 1 ? "Close (" + number(errors_.size() - 1) + " more)" : "Close");
     if (isError)
@@ -174,9 +176,19 @@ void StatusLine::showNotice(const Notice& notice)
         noticeTimer_.start(noticeStays);
 }
 
+/// Not by the command, which takes back whatever came last, such as the text that is being typed.
+void StatusLine::undoNoticed()
+{
+    const auto step = undoes_;
+    hideNotice();
+    if (window_.commands().settle() && step == desktop_.store().undoStep())
+        desktop_.attempt([this] { desktop_.store().undo(); });
+}
+
 void StatusLine::hideNotice()
 {
     noticeTimer_.stop();
+    undoes_.reset();
     if (!errors_.empty())
         return showNotice(errors_.back());
     for (QWidget* const widget : std::initializer_list<QWidget*>{notice_, undo_, close_})
@@ -218,7 +230,7 @@ void StatusLine::showJob()
     if (!job)
         return jobTimer_.stop();
     jobTimer_.start(jobShown);
-    job_->setText(jobText(*job) + (running > 1 ? ", and " + number(running - 1) + " more" : QString()));
+    job_->say(jobText(*job) + (running > 1 ? ", and " + number(running - 1) + " more" : QString()));
     cancel_->setText(running > 1 ? "Cancel…" : "Cancel");
     progress_->setRange(0, job->total() > 0 ? 1000 : 0);
     if (job->total() > 0)

@@ -8,6 +8,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/WindowMemory.h"
+#include "catalog/DatabaseError.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
 
@@ -182,9 +183,9 @@ int main(int argc, char** argv)
     try {
         return run(application, parsed(application, argc, argv));
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "korvo-desktop: %s\n", error.what());
+        std::fprintf(stderr, "korvo-desktop: %s\n", textForUser(error).c_str());
         if (QGuiApplication::platformName() != "offscreen")
-            QMessageBox::critical(nullptr, "Korvo", qt(error.what()));
+            QMessageBox::critical(nullptr, "Korvo", qt(textForUser(error)));
         return dynamic_cast<const std::invalid_argument*>(&error) ? 2 : 1;
     }
 }

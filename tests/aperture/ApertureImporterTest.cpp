@@ -126,6 +126,21 @@ TEST_F(Importing, bringsOverAllThatAVersionIs)
     EXPECT_TRUE(target.catalog->photosToRead(10).empty());
 }
 
+TEST_F(Importing, givesANameToWhatHasNone)
+{
+    const auto project = bundle.addFolder("  ", 2, bundle.addFolder("", 1));
+    bundle.addAlbum("\t", 3, {bundle.add({.name = "a.jpg", .project = project}).versions[0].id}, project);
+    bundle.addKeyword("");
+    import();
+    const auto tree = target.catalog->tree();
+    ASSERT_EQ(tree.projects.size(), 1U);
+    EXPECT_EQ(tree.projects[0].name, "Untitled");
+    ASSERT_EQ(tree.projects[0].children.size(), 1U);
+    EXPECT_EQ(tree.projects[0].children[0].name, "Untitled");
+    EXPECT_EQ(tree.albums.at(0).name, "Untitled");
+    EXPECT_EQ(tree.keywords.at(0).name, "Untitled");
+}
+
 TEST_F(Importing, keepsProjectsAlbumsStacksAndKeywords)
 {
     const auto trips = bundle.addFolder("Trips", 1);

@@ -107,7 +107,7 @@ TEST(AddFiles, aSingleFileBelongsToTheInnermostFolderItLiesIn)
     TestLibrary library;
     const TemporaryFolder folder;
     library.catalog->addFolder(folder.path().native(), 1);
-    const auto inner = library.catalog->addFolder((folder / "in").native(), 1);
+    const auto inner = library.catalog->addFolder((folder / "in").native(), 1).id;
     add(library, {folder.write("in/a.jpg", "x"), folder.write("inside.jpg", "x")});
     EXPECT_EQ(library.names(LibrarySource{LibrarySource::Kind::folder, inner, {}}),
         std::vector<std::string>{"a.jpg"});

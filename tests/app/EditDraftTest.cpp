@@ -1,4 +1,5 @@
 #include "app/EditDraft.h"
+#include "base/JsonError.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -66,6 +67,32 @@ TEST_F(DraftTest, anotherControlIsAnotherStepAndADroppedDraftIsNone)
     draft->keep();
     EXPECT_EQ(store->undoTitle(), "Exposure");
     EXPECT_EQ(stored(1), 1);
+}
+
+TEST_F(DraftTest, whatCannotBeStoredNowStaysDraftedForItsPhotosAndWhatNeverCanGoes)
+{
+    Database other(store->catalog().libraryURL() / "catalog.sqlite");
+    auto writing = std::make_optional<Transaction>(other);
+    store->select({1});
+    draft->show("Exposure", exposure(1));
+    EXPECT_THROW(draft->keep(), DatabaseError);
+    EXPECT_EQ(shown(1), 1);
+    store->select({2});
+    EXPECT_THROW(draft->show("Exposure", exposure(2)), DatabaseError) << "the next drag is another step";
+    EXPECT_EQ(shown(1), 1);
+    writing.reset();
+    draft->apply("Exposure", exposure(2));
+    EXPECT_EQ(stored(1), 1);
+    EXPECT_EQ(stored(2), 2);
+
+    other.run("UPDATE photos SET edits = '{' WHERE id = 3");
+    store->reload();
+    store->select({3});
+    int told = 0;
+    const auto connection = draft->changed.connect([&] { ++told; });
+    EXPECT_THROW(draft->apply("Exposure", exposure(1)), JsonError);
+    EXPECT_FALSE(draft->isOpen());
+    EXPECT_EQ(told, 2) << "the views hear of the draft, and of its end";
 }
 
 } // namespace korvo

@@ -125,8 +125,8 @@ TEST(Catalog, sourcesListExactlyTheirPhotos)
 {
     TestLibrary library;
     auto& catalog = *library.catalog;
-    const auto folder = catalog.addFolder("/photos", 1);
-    EXPECT_EQ(catalog.addFolder("/photos", 2), folder);
+    const auto folder = catalog.addFolder("/photos", 1).id;
+    EXPECT_EQ(catalog.addFolder("/photos", 2).id, folder);
     const auto b = library.photo("b.jpg", {.altText = "alt"});
     const auto a = library.photo("A.mov");
     const auto c = library.photo("c.MP4");

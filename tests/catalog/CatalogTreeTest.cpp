@@ -168,7 +168,7 @@ TEST(Catalog, removingAFolderTakesItsRowsAndAllThatHangsOnThem)
 {
     TestLibrary library;
     auto& catalog = *library.catalog;
-    const auto folder = catalog.addFolder("/photos", 1);
+    const auto folder = catalog.addFolder("/photos", 1).id;
     const auto inside = library.photo("a.jpg");
     library.photo("b.jpg");
     catalog.database().run("UPDATE photos SET folder_id = ? WHERE id = ?", folder, inside);
@@ -238,7 +238,7 @@ TEST(Catalog, aFolderMovedOnDiskTakesOnlyThePathsInsideIt)
 {
     TestLibrary library;
     auto& catalog = *library.catalog;
-    const auto folder = catalog.addFolder("/a", 1);
+    const auto folder = catalog.addFolder("/a", 1).id;
     std::vector<NewPhoto> photos;
     for (const std::string path : {"/a/x.jpg", "/a/a/y.jpg", "/ab/z.jpg"})
         photos.push_back({.folderID = folder, .path = path});

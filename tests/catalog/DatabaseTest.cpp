@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace korvo {
 
 namespace {
@@ -37,6 +39,57 @@ TEST(Database, errorsCarrySQLitesMessageAndTheStatement)
     const auto opening = errorOf([&] { Database(folder / "none" / "a.sqlite"); });
     EXPECT_EQ(opening.which(), DatabaseError::Case::open);
     EXPECT_STREQ(opening.what(), "Couldn't open library: unable to open database file");
+}
+
+TEST(Database, whatThePhotographerCanMendIsSaidWithoutSQL)
+{
+    const TemporaryFolder folder;
+    const auto file = folder / "a.sqlite";
+    Database db(file);
+    db.exec("CREATE TABLE t (x)");
+    const auto insert = "INSERT INTO t VALUES (zeroblob(100000))";
+    const auto busy = errorOf([&] {
+        Database other(file);
+        const Transaction writing(other);
+        Transaction(db, std::chrono::milliseconds(1));
+    });
+    const auto readOnly = errorOf([&] {
+        db.exec("PRAGMA query_only = ON");
+        db.exec(insert);
+    });
+    const auto full = errorOf([&] {
+        db.exec("PRAGMA query_only = OFF; PRAGMA max_page_count = 3");
+        db.exec(insert);
+    });
+    const auto text = folder.write("text.sqlite", std::string(5000, 'x'));
+    const auto foreign = errorOf([&] { Database::openReadOnly(text).exec("SELECT * FROM t"); });
+    EXPECT_EQ(textForUser(busy), "Something else is writing to this library. Try again when it is done.");
+    EXPECT_EQ(textForUser(readOnly),
+        "The library cannot be written. Make its disk, its folder and its files writable, then try again.");
+    EXPECT_EQ(textForUser(full), "The library's disk is full. Free some space there, then try again.");
+    EXPECT_EQ(textForUser(foreign).rfind("The library's catalog.sqlite is no catalog. Choose", 0), 0U);
+    EXPECT_EQ(textForUser(DatabaseError::open("no", SQLITE_CANTOPEN_ISDIR)),
+        "Couldn't open library: no. See that its disk is connected and that you may read and write its "
+        "folder, then try again.");
+}
+
+TEST(Transaction, leavesTheConnectionToOthersWhileItWaits)
+{
+    const TemporaryFolder folder;
+    Database db(folder / "a.sqlite");
+    db.exec("CREATE TABLE t (x)");
+    Database other(folder / "a.sqlite");
+    auto writing = std::make_optional<Transaction>(other);
+    std::thread waiting([&] {
+        Transaction change(db);
+        db.exec("INSERT INTO t VALUES (1)");
+        change.commit();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(db.scalar("SELECT COUNT(*) FROM t"), 0) << "read while the change waits";
+    writing.reset();
+    waiting.join();
+    EXPECT_EQ(db.scalar("SELECT COUNT(*) FROM t"), 1);
 }
 
 TEST(Database, queryKeepsStorageClassesAndLeavesNullsOut)

@@ -135,7 +135,7 @@ TEST(Stacks, staySoundWhenMembersGo)
     EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{taken, 1, true, {1, 4, 5}}}));
     EXPECT_FALSE(t.item(6).stackID);
 
-    const auto folder = t.catalog->addFolder("/photos", 1);
+    const auto folder = t.catalog->addFolder("/photos", 1).id;
     t.catalog->database().run("UPDATE photos SET folder_id = ? WHERE id IN (1, 4)", folder);
     t.catalog->removeFolder(folder);
     EXPECT_TRUE(t.catalog->stacks().empty());

@@ -179,6 +179,46 @@ TEST(LibraryStore, undoGivesWayToWhatCannotBeUndone)
     EXPECT_THROW(t.store->undo(), DatabaseError);
     EXPECT_EQ(contentOf(t.store->catalog()), before);
     EXPECT_FALSE(t.store->undoTitle()) << "what can never be undone does not stand before what can";
+    t.store->deleteAlbum(t.store->createAlbum("Best", {}));
+    t.store->catalog().database().exec("ALTER TABLE albums ADD COLUMN later");
+    EXPECT_THROW(t.store->undo(), DatabaseError);
+    EXPECT_EQ(t.store->undoTitle(), "New Album");
+}
+
+TEST(LibraryStore, whatAJobAddedIsTakenOutAsOneStepAndComesBackWithAllItHas)
+{
+    TestStore t(1);
+    auto& catalog = t.store->catalog();
+    const auto folder = catalog.addFolder("/new", 1).id;
+    const auto kept = catalog.addFolder("/photos", 1).id;
+    const auto project = catalog.projectAtRoot("Trip").id;
+    AddedRows added{{}, {folder, kept}, {project}};
+    for (const auto* const path : {"/new/b.jpg", "/new/c.jpg"}) {
+        const NewPhoto photo{.folderID = folder, .path = path};
+        added.photos.push_back(catalog.addPhotos(std::span(&photo, 1)).front().id);
+    }
+    catalog.assignToProject(added.photos, project);
+    t.store->adopt("Import", added);
+    EXPECT_EQ(t.store->undoTitle(), "Import 2 Photos");
+    const auto step = t.store->undoStep();
+    t.store->setRating(only(2), 4);
+    EXPECT_NE(t.store->undoStep(), step);
+    catalog.storeCameraData(3, {.camera = "K1"}); // as the backfills do, by no step
+    const NewPhoto other{.folderID = kept, .path = "/photos/later.jpg"};
+    catalog.addPhotos(std::span(&other, 1));
+    t.store->reload();
+    const auto before = contentOf(catalog);
+
+    t.store->undo();
+    EXPECT_EQ(t.store->undoStep(), step);
+    t.store->undo();
+    EXPECT_EQ(t.shown(), (Names{"a.jpg", "later.jpg"}));
+    EXPECT_TRUE(t.store->tree().projects.empty());
+    EXPECT_EQ(t.store->tree().folders.size(), 1U) << "the one with a photo of another's stays";
+    EXPECT_FALSE(t.store->undoTitle());
+    t.store->redo();
+    t.store->redo();
+    EXPECT_EQ(contentOf(catalog), before);
 }
 
 TEST(LibraryStore, undoPutsNoProjectIntoItselfNorIntoOneThatIsGone)
@@ -213,6 +253,14 @@ TEST(LibraryStore, aStepStaysWhileTheCatalogCannotBeWritten)
     t.store->catalog().database().exec("PRAGMA query_only = OFF");
     t.store->redo();
     EXPECT_EQ(t.listed(1).rating, 3);
+
+    Database other(t.store->catalog().libraryURL() / "catalog.sqlite");
+    const Transaction writing(other);
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_THROW(t.store->undo(), DatabaseError);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(3))
+        << "nobody waits at a window";
+    EXPECT_TRUE(t.store->undoTitle());
 }
 
 TEST(LibraryStore, photosMayChangePlacesAndComeBackWhereAnotherGoes)

@@ -288,9 +288,8 @@ TEST(Catalog, aLockedLibraryIsWaitedForAndThenReported)
     }
     EXPECT_EQ(library.item(photo).rating, 3);
 
-    sqlite3_busy_timeout(library.catalog->database().handle(), 10);
     const Transaction held(other);
-    EXPECT_THROW(library.catalog->setRating(only(photo), 5), DatabaseError);
+    EXPECT_THROW(Transaction(library.catalog->database(), std::chrono::milliseconds(10)), DatabaseError);
     EXPECT_EQ(library.item(photo).rating, 3) << "reading goes on beside a writer";
 }
 

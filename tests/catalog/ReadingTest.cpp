@@ -41,6 +41,20 @@ struct StoreReading : ::testing::Test {
 
 } // namespace
 
+TEST(Reading, endsInTheMiddleOfAStatement)
+{
+    TestLibrary library;
+    ManualMainThread main;
+    Reading<std::int64_t> reading(
+        main, *library.catalog,
+        [](Database& database, const std::stop_token&) {
+            return database.scalar(
+                "WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n) SELECT COUNT(*) FROM n");
+        },
+        [] {});
+    EXPECT_FALSE(reading.waitFor(std::chrono::milliseconds(20))) << "it would never end by itself";
+}
+
 TEST_F(StoreReading, whatHappensMeanwhileIsInTheListThatComes)
 {
     const bool wasReading = store->isReading();

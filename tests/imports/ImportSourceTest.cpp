@@ -59,10 +59,11 @@ TEST(ImportSource, theEndSaysWhatCameOfEveryFile)
     auto listed = listing();
     listed.failures.push_back({"/c/locked", "Permission denied"});
     EXPECT_EQ(pickedText(listed), "1 of 3 photos will be imported, 1 is already in the library");
-    const ImportResult result{.photos = {1},
-        .known = 1,
-        .failures = {{"/c/9.jpg", "/c/9.jpg: the file is empty"}},
-        .broken = "No disk."};
+    ImportResult result;
+    result.photos = {1};
+    result.known = 1;
+    result.failures = {{"/c/9.jpg", "/c/9.jpg: the file is empty"}};
+    result.broken = "No disk.";
     EXPECT_EQ(countsText(countsOf(listed, result)), "1 photo imported, 2 already in the library, 2 failed");
     EXPECT_EQ(failuresOf(listed, result),
         (std::vector<std::string>{"/c/locked: Permission denied", "/c/9.jpg: the file is empty",

@@ -35,10 +35,18 @@ FieldEdit::FieldEdit(Lines lines, QWidget* parent) : QPlainTextEdit(parent), lin
 void FieldEdit::show(const QString& text, const QString& placeholder)
 {
     setPlaceholderText(placeholder);
-    if (touched_ || text == toPlainText())
+    shown_ = text;
+    if (!touched_)
+        takeBack();
+}
+
+void FieldEdit::takeBack()
+{
+    touched_ = false;
+    if (shown_ == toPlainText())
         return;
     showing_ = true;
-    setPlainText(text);
+    setPlainText(shown_);
     showing_ = false;
 }
 
@@ -80,8 +88,8 @@ void FieldEdit::focusInEvent(QFocusEvent* event)
 void FieldEdit::focusOutEvent(QFocusEvent* event)
 {
     QPlainTextEdit::focusOutEvent(event);
-    if (event->reason() != Qt::PopupFocusReason)
-        commit();
+    if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::MenuBarFocusReason)
+        commit(); // a menu's command decides itself what becomes of the text
 }
 
 void FieldEdit::hideEvent(QHideEvent* event)

@@ -18,6 +18,8 @@ public:
     void show(const QString& text, const QString& placeholder);
     /// Drops an unfinished text.
     void reset() { touched_ = false; }
+    /// The same, and shows again what was there before.
+    void takeBack();
     QString text() const { return toPlainText(); }
     /// Whether the user has changed the text since it was shown.
     bool isTouched() const { return touched_; }
@@ -49,6 +51,7 @@ private:
     void fitHeight();
 
     Lines lines_;
+    QString shown_; // what the user's text takes the place of
     bool touched_ = false;
     bool showing_ = false;
     bool enterGoesOn_ = false;

@@ -34,13 +34,21 @@ void revert(MainWindow& window)
         writeBack.revertMetadataToAsFound(photos);
 }
 
+void save(Desktop& desktop)
+{
+    auto& writeBack = desktop.session().writeBack();
+    writeBack.saveMetadataToFiles();
+    if (!writeBack.isSaving())
+        desktop.say("All metadata is in the files already.");
+}
+
 } // namespace
 
 void addWriteBackCommands(MainWindow& window)
 {
     auto& writeBack = window.desktop().session().writeBack();
     window.commands().handle(
-        Command::saveMetadata, [&writeBack] { writeBack.saveMetadataToFiles(); },
+        Command::saveMetadata, [&window] { save(window.desktop()); },
         [&writeBack] { return !writeBack.isSaving(); }); // also for a text that is still being typed
     window.commands().handle(Command::revertMetadata, [&window] { revert(window); });
 }

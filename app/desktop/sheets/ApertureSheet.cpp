@@ -136,7 +136,7 @@ void ApertureSheet::lookForVolumes()
                 if (std::error_code none; std::filesystem::is_directory(bundle, none))
                     volumes = unreachableVolumes(bundle, {}, context.stopToken());
             } catch (const std::exception& error) {
-                fault = error.what();
+                fault = textForUser(error);
             }
             context.deliver([=, this] { showVolumes(volumes, fault); });
         });

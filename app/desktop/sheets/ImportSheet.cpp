@@ -229,7 +229,7 @@ void ImportSheet::list(const Source& source)
                 found->files = openSource(source, cameras);
                 found->listing = listImportable(*found->files, catalog, context.stopToken());
             } catch (const std::exception& error) {
-                found->fault = error.what();
+                found->fault = textForUser(error);
             }
             context.deliver([this, found] { listed(std::move(*found)); });
         });
@@ -352,11 +352,12 @@ void ImportSheet::importFrom(ImportPlan plan)
 {
     const QPointer<ImportSheet> sheet(this);
     const auto files = listed_.files;
+    const auto added = std::make_shared<AddedRows>();
     auto& desktop = desktop_;
-    const auto work = [sheet, files, &desktop, plan = std::make_shared<ImportPlan>(std::move(plan)),
+    const auto work = [sheet, files, added, &desktop, plan = std::make_shared<ImportPlan>(std::move(plan)),
                           listing = listed_.listing, source = source_](JobContext& job) {
         const auto total = plan->files.size();
-        const auto result = runImport(
+        auto result = runImport(
             desktop.store().catalog(), *files, *plan, desktop.clock(), job.stop(), [&](std::size_t index) {
                 job.progress(index - 1, total);
                 job.deliver([sheet, index, text = progressText(index, total, nameOf(source))] {
@@ -371,20 +372,24 @@ void ImportSheet::importFrom(ImportPlan plan)
         auto said = countsText(countsOf(listing, result));
         if (plan->eject && !result.cancelled)
             said += ejectedText(result, source, job.stop());
+        *added = std::move(result);
         return said;
     };
-    desktop_.jobs().start("Importing from " + nameOf(source_), work, [sheet, &desktop](const Job& job) {
-        desktop.attempt([&] { desktop.session().photosAdded(); });
-        if (sheet)
-            sheet->finished(job);
-    });
+    desktop_.jobs().start(
+        "Importing from " + nameOf(source_), work, [sheet, added, &desktop](const Job& job) {
+            desktop.attempt([&] {
+                desktop.session().photosAdded("Import", std::move(*added));
+                desktop.say(job.summary(), Offer::undo);
+            });
+            if (sheet)
+                sheet->finished(job);
+        });
 }
 
 /// The candidates are looked at again, since the library now holds what was imported.
 void ImportSheet::finished(const Job& job)
 {
     running_ = false;
-    desktop_.say(job.summary());
     setAttribute(Qt::WA_DeleteOnClose);
     if (!isVisible()) {
         deleteLater();

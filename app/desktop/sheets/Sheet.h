@@ -4,6 +4,7 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
 #include "base/Text.h"
+#include "catalog/DatabaseError.h"
 
 #include <QDialog>
 #include <QMessageBox>
@@ -36,7 +37,7 @@ void attemptIn(QDialog& sheet, Action action)
     try {
         action();
     } catch (const std::exception& error) {
-        QMessageBox::warning(&sheet, sheet.windowTitle(), qt(asSentence(error.what())));
+        QMessageBox::warning(&sheet, sheet.windowTitle(), qt(asSentence(textForUser(error))));
     }
 }
 

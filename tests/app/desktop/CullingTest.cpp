@@ -81,7 +81,7 @@ TEST(Culling, offersUndoInALineWhenOneKeyChangedManyPhotos)
     t.press(Qt::Key_P);
     ASSERT_EQ(heard.notices.size(), 1U);
     EXPECT_EQ(heard.notices[0].text, "Pick: 22 photos.");
-    EXPECT_TRUE(heard.notices[0].offersUndo);
+    EXPECT_TRUE(heard.notices[0].undoes);
 }
 
 TEST(Culling, deleteSaysThatItRejects)

@@ -3,7 +3,9 @@
 
 #include <QAbstractItemView>
 #include <QCompleter>
+#include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QTimer>
 
 namespace korvo {
 
@@ -106,6 +108,43 @@ TEST(Info, takesNoTextForPhotosThatAreNotReadYet)
     QTest::keyClicks(&form.field(0), "+");
     form.waitForTexts(); // they are only read again
     EXPECT_TRUE(form.field(0).isTouched());
+}
+
+TEST(Info, undoTakesBackTheTypingFirst)
+{
+    TestWindow t(1);
+    t.store().setRating(std::vector<PhotoID>{1}, 3);
+    t.store().select({1});
+    settle();
+    type(t, "Title", "First");
+    auto& commands = t.window->commands();
+    commands.refresh(); // as its menu does when it opens
+    EXPECT_EQ(commands.action(Command::undo)->text(), "Undo Typing");
+    commands.run(Command::undo);
+    EXPECT_EQ(field(t, "Title").toPlainText(), "");
+    EXPECT_EQ(t.listed(1).rating, 3);
+    commands.run(Command::undo);
+    EXPECT_EQ(t.listed(1).rating, 0);
+}
+
+TEST(Info, quittingAsksForATextThatCannotBeStored)
+{
+    TestWindow t(1);
+    t.store().select({1});
+    settle();
+    type(t, "Title", "First");
+    t.store().catalog().database().exec("PRAGMA query_only = ON");
+    QString asked;
+    QTimer::singleShot(0, [&] {
+        auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(question);
+        asked = question->text();
+        question->reject();
+    });
+    t.window->commands().run(Command::quit);
+    EXPECT_EQ(asked, "What you changed last could not be stored.");
+    EXPECT_TRUE(t.window->isVisible());
+    EXPECT_EQ(field(t, "Title").toPlainText(), "First");
 }
 
 TEST(Info, worksOffAltTextsWithEnter)

@@ -59,6 +59,36 @@ TEST(GridLayout, findsEachOfAMillionCellsAgain)
     EXPECT_EQ(layout.indexAt({500, layout.height()}), std::nullopt);
 }
 
+TEST(StatusLine, offersToTakeBackWhatItTellsOfAndNothingElse)
+{
+    TestWindow t(2);
+    auto& commands = t.window->commands();
+    const auto undo = [&]() -> QToolButton* {
+        for (auto* const button : t.window->statusBar()->findChildren<QToolButton*>())
+            if (button->text() == "Undo" && button->isVisible())
+                return button;
+        return nullptr;
+    };
+    t.store().arrange(std::nullopt, std::nullopt); // rejected photos stay in sight
+    t.store().select({1});
+    commands.run(Command::remove);
+    EXPECT_TRUE(undo());
+    commands.run(Command::remove); // rejected already
+    EXPECT_FALSE(undo()) << "nothing was done that could be taken back";
+    t.store().select({2});
+    commands.run(Command::remove);
+    t.store().setRating(only(1), 3);
+    EXPECT_FALSE(undo()) << "another action is the last one";
+    t.store().undo();
+    ASSERT_TRUE(undo());
+    undo()->click();
+    EXPECT_EQ(t.listed(2).rating, 0);
+    EXPECT_LT(t.listed(1).rating, 0);
+
+    t.desktop->fail(std::runtime_error(std::string(5000, 'x')));
+    EXPECT_LE(t.window->minimumSizeHint().width(), 1000) << "a long line does not widen the window";
+}
+
 TEST(SearchFilter, leavesWhatHasAllThatIsAskedFor)
 {
     TestWindow t(0);
