@@ -89,12 +89,12 @@ std::vector<PhotoID> Browser::targets() const
 {
     if (mode_ == ViewMode::grid)
         return store_.selection();
-    return current_ ? std::vector{*current_} : std::vector<PhotoID>();
+    return currentItem() ? std::vector{*current_} : std::vector<PhotoID>();
 }
 
 std::size_t Browser::targetCount() const
 {
-    return mode_ == ViewMode::grid ? store_.selection().size() : current_.has_value();
+    return mode_ == ViewMode::grid ? store_.selection().size() : currentItem() != nullptr;
 }
 
 std::optional<std::size_t> Browser::place() const
@@ -111,6 +111,8 @@ void Browser::storeChanged(const LibraryChange& change)
 {
     if (!change.list && !change.selection)
         return;
+    if (store_.isReading() && store_.list().shown().empty())
+        return; // another source's photos are about to come
     const auto before = std::pair(current_, mode_);
     keepCurrent();
     if (store_.list().shown().empty())

@@ -116,9 +116,19 @@ void addKeyword(LibraryStore& store, const std::string& keyword, std::span<const
     });
 }
 
+/// Takes away the counts that may take long to be made.
+void leaveOutCounts(std::vector<SidebarNode>& lines)
+{
+    for (auto& line : lines) {
+        if (line.kind == Kind::all || line.kind == Kind::source || line.kind == Kind::project)
+            line.count.reset();
+        leaveOutCounts(line.children);
+    }
+}
+
 } // namespace
 
-std::vector<SidebarNode> sidebarTree(const LibraryTree& tree)
+std::vector<SidebarNode> sidebarTree(const LibraryTree& tree, PhotosCounted counted)
 {
     auto albums = albumLines(tree.albums);
     auto projectsAndAlbums = projectLines(tree.projects, albums);
@@ -127,12 +137,15 @@ std::vector<SidebarNode> sidebarTree(const LibraryTree& tree)
     auto persons = lines(Kind::person, tree.people);
     for (std::size_t i = 0; i < persons.size(); ++i)
         persons[i].count = tree.people[i].count;
-    return {heading(Heading::library, "Library", libraryLines(tree.totals)),
+    std::vector<SidebarNode> all{heading(Heading::library, "Library", libraryLines(tree.totals)),
         heading(Heading::folders, "Folders", folderLines(tree.folders)),
         heading(Heading::projects, "Projects & Albums", std::move(projectsAndAlbums)),
         heading(Heading::smartAlbums, "Smart Albums", lines(Kind::smartAlbum, tree.smartAlbums)),
         heading(Heading::keywords, "Keywords", keywordLines(tree.keywords)),
         heading(Heading::people, "People", std::move(persons))};
+    if (counted == PhotosCounted::notYet)
+        leaveOutCounts(all);
+    return all;
 }
 
 std::optional<std::optional<LibrarySource>> sourceOf(const SidebarKey& key)

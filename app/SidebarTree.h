@@ -25,8 +25,9 @@ struct SidebarKey {
 };
 
 /// The sidebar's lines: headings with the library's own sources, folders, projects with their albums, smart
-/// albums, keywords and people below them.
-std::vector<SidebarNode> sidebarTree(const LibraryTree& tree);
+/// albums, keywords and people below them. Photos that have not been counted yet have no count.
+enum class PhotosCounted { yes, notYet };
+std::vector<SidebarNode> sidebarTree(const LibraryTree& tree, PhotosCounted counted = PhotosCounted::yes);
 
 /// What choosing a line lists; nothing at all for a heading. Keywords have no source of their own.
 std::optional<std::optional<LibrarySource>> sourceOf(const SidebarKey& key);

@@ -41,7 +41,7 @@ void restoreView(LibraryStore& store, const ViewMemory& memory)
     } catch (const NotFoundError&) { // deleted meanwhile by another program: the same
     }
     auto selection = memory.selection;
-    if (!store.isReading())
+    if (!store.isReading() && !store.isOrdering())
         std::erase_if(selection, [&](PhotoID id) { return !store.list().shownFor(id); });
     store.select(std::move(selection));
 }

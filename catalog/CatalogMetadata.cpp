@@ -9,11 +9,14 @@ namespace korvo {
 
 namespace {
 
+/// On a connection of its own: where few photos or none are waiting, the whole table is looked through, and
+/// everybody else would stand still meanwhile.
 std::vector<std::pair<PhotoID, std::string>> idsAndPaths(
-    Database& database, std::string_view sql, PhotoID after, std::int64_t limit)
+    const Catalog& catalog, std::string_view sql, PhotoID after, std::int64_t limit)
 {
     std::vector<std::pair<PhotoID, std::string>> photos;
-    auto statement = database.kept(sql);
+    auto database = catalog.lookingConnection();
+    auto statement = database.prepare(sql);
     statement.bind(after, limit);
     while (statement.step())
         photos.emplace_back(statement.integer(0), statement.text(1));
@@ -38,7 +41,7 @@ try {
 
 std::vector<std::pair<PhotoID, std::string>> Catalog::photosToRead(std::int64_t limit, PhotoID after)
 {
-    return idsAndPaths(database_,
+    return idsAndPaths(*this,
         "SELECT id, path FROM photos WHERE id > ? AND version_of IS NULL AND (exif_read = 0 OR capture_read "
         "= 0) "
         "ORDER BY id LIMIT ?",
@@ -47,7 +50,7 @@ std::vector<std::pair<PhotoID, std::string>> Catalog::photosToRead(std::int64_t 
 
 std::vector<std::pair<PhotoID, std::string>> Catalog::photosToLocate(std::int64_t limit, PhotoID after)
 {
-    return idsAndPaths(database_,
+    return idsAndPaths(*this,
         "SELECT id, path FROM photos WHERE id > ? AND version_of IS NULL AND gps_read = 0 ORDER BY id LIMIT "
         "?",
         after, limit);

@@ -4,7 +4,6 @@
 #include "catalog/GridOrder.h"
 #include "catalog/LibraryReading.h"
 #include "catalog/PhotoRows.h"
-#include "platform/LargePages.h"
 
 namespace korvo {
 
@@ -139,11 +138,6 @@ std::vector<PhotoItem> photosIn(
     Database& database, const std::optional<LibrarySource>& source, const std::stop_token& stop)
 {
     std::vector<PhotoItem> items;
-    if (!source) { // the one list that is long enough for its growth and its pages to be felt
-        items.reserve(static_cast<std::size_t>(
-            database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL")));
-        preferLargePages(items.data(), items.capacity() * sizeof(PhotoItem));
-    }
     // Put in order later: SQLite would write each row several times for it.
     forEachPhotoIn(database, source, "", [&](PhotoItem&& item) {
         items.push_back(std::move(item));

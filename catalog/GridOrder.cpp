@@ -112,6 +112,9 @@ struct NamePrefix {
         }
     }
 
+    /// Whether the name is no longer than that.
+    bool isWhole() const { return (second & 0xff) == 0; }
+
 private:
     static std::uint8_t lowered(std::uint8_t c) { return c >= 'A' && c <= 'Z' ? c | 0x20 : c; }
 };
@@ -126,6 +129,8 @@ std::vector<std::uint32_t> orderByName(const std::vector<PhotoItem>& items)
     std::sort(prefixes.begin(), prefixes.end(), [&](const NamePrefix& a, const NamePrefix& b) {
         if (a.first != b.first || a.second != b.second)
             return std::tie(a.first, a.second) < std::tie(b.first, b.second);
+        if (a.isWhole())
+            return items[a.position].id < items[b.position].id;
         return standsBefore(items[a.position], items[b.position], SortKey::name);
     });
     std::vector<std::uint32_t> order(items.size());

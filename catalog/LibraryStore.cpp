@@ -4,13 +4,10 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_set>
 
 namespace korvo {
 
 namespace {
-
-using Kind = LibrarySource::Kind;
 
 constexpr std::array<std::string_view, 6> metadataColumns
     = {"alt_text", "title", "caption", "keywords", "creator", "copyright"};
@@ -24,14 +21,6 @@ bool touches(const ChangedRows& rows, const std::array<std::string_view, N>& col
         [&](std::string_view column) { return rows.photoColumns.contains(column); });
 }
 
-/// The ids without repetitions: several members of a collapsed stack are all shown as its pick.
-std::vector<PhotoID> onceEach(std::vector<PhotoID> ids)
-{
-    std::unordered_set<PhotoID> seen;
-    std::erase_if(ids, [&](PhotoID id) { return !seen.insert(id).second; });
-    return ids;
-}
-
 /// Each change another connection commits gives a new number.
 std::int64_t dataVersion(Catalog& catalog)
 {
@@ -42,114 +31,52 @@ std::int64_t dataVersion(Catalog& catalog)
 
 LibraryStore::LibraryStore(
     MainThread& main, std::unique_ptr<Catalog> catalog, std::chrono::milliseconds patience)
-    : main_(main), catalog_(std::move(catalog)), patience_(patience), dataVersion_(dataVersion(*catalog_))
+    : main_(main), catalog_(std::move(catalog)), patience_(patience), dataVersion_(dataVersion(*catalog_)),
+      counter_(main, *catalog_, patience, [this] {
+          tree_.reset();
+          changed.emit({.photos = {}, .tree = true});
+      })
 {
     load(source_);
 }
 
-LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
-{
-    auto reader = std::make_unique<Reading<ReadList>>(
-        main_, *catalog_,
-        [source, like = list_.emptied()](Database& database, const std::stop_token& stop) {
-            return readList(database, source, like, stop);
-        },
-        [this] { listArrived(); });
-    std::optional<ReadList> read;
-    if (reader->waitFor(patience_))
-        read = reader->take();
-    reader_ = read ? nullptr : std::move(reader);
-    sinceReading_.clear();
-    readAgain_ = false;
-    if (source != source_) {
-        source_ = std::move(source);
-        isListed_ = false;
-        toSelect_.clear();
-    }
-    if (read)
-        show(*std::move(read));
-    else if (!isListed_) // nothing can be done with photos that are of another source
-        discard(std::exchange(list_, list_.emptied()));
-    return reader_ ? Shown::later : Shown::yes;
-}
-
-void LibraryStore::show(ReadList read)
-{
-    read.list.takeOverFrom(list_);
-    discard(std::exchange(list_, std::move(read.list)));
-    sourceFault_ = std::move(read.fault);
-    isListed_ = true;
-}
-
-void LibraryStore::discard(PhotoList list)
-{
-    constexpr std::size_t fewEnough = 10'000; // to be freed at once
-    if (list.items().size() > fewEnough)
-        discarding_ = runInBackground(main_,
-            [old = std::make_shared<PhotoList>(std::move(list))](const Task::Context&) mutable { old = {}; });
-}
-
-void LibraryStore::listArrived()
-{
-    main_.assertCurrent();
-    const auto first = firstSelectedPosition();
-    const auto reader = std::move(reader_);
-    try {
-        show(reader->take());
-        for (const auto& rows : std::exchange(sinceReading_, {}))
-            updateList(rows);
-    } catch (const std::exception& error) { // it is read again when others' changes are looked for
-        sourceFault_ = error.what();
-        dataVersion_ = -1;
-    }
-    const bool selected = repairSelection(first);
-    changed.emit({.photos = {}, .list = true, .selection = selected});
-    if (readAgain_ && !reader_)
-        reload();
-}
-
 const LibraryTree& LibraryStore::tree()
 {
-    if (countAgain_ && !counting_)
-        count();
+    if (!reading_ && counter_.bringUpToDate()) // photos come before their counts
+        tree_.reset();
     if (!tree_)
-        tree_ = treeIn(catalog_->database(), counts_);
+        tree_ = treeIn(catalog_->database(), counter_.counts().value_or(LibraryCounts()));
     return *tree_;
 }
 
 void LibraryStore::treeChanged()
 {
     tree_.reset();
-    countAgain_ = true;
+    counter_.invalidate();
 }
 
-void LibraryStore::count()
+const PhotoItem::Status& LibraryStore::status(PhotoID id) const
 {
-    countAgain_ = false;
-    counting_ = std::make_unique<Reading<LibraryCounts>>(
-        main_, *catalog_, [](Database& database, const std::stop_token&) { return countsIn(database); },
-        [this] { countsArrived(); });
-    if (counting_->waitFor(patience_)) {
-        const auto counting = std::move(counting_);
-        counts_ = counting->take();
-        tree_.reset();
-    }
+    static const PhotoItem::Status idle;
+    const auto found = statuses_.find(id);
+    return found == statuses_.end() ? idle : found->second;
 }
 
-void LibraryStore::countsArrived()
+void LibraryStore::setStatus(std::span<const PhotoID> ids, const PhotoItem::Status& status)
 {
-    const auto counting = std::move(counting_);
-    const auto before = counts_;
-    try {
-        counts_ = counting->take();
-    } catch (const DatabaseError&) { // the counts of before stay; the next change counts again
+    main_.assertCurrent();
+    LibraryChange change;
+    for (const PhotoID id : ids) {
+        if (this->status(id) == status)
+            continue;
+        change.photos.push_back(id);
+        if (status == PhotoItem::Status())
+            statuses_.erase(id);
+        else
+            statuses_[id] = status;
     }
-    if (countAgain_)
-        count();
-    if (before != counts_) {
-        tree_.reset();
-        changed.emit({.photos = {}, .tree = true});
-    }
+    if (!change.photos.empty())
+        changed.emit(change);
 }
 
 void LibraryStore::chooseSource(std::optional<LibrarySource> source)
@@ -160,44 +87,6 @@ void LibraryStore::chooseSource(std::optional<LibrarySource> source)
     selection_.clear();
     toSelect_.clear();
     changed.emit({.photos = {}, .list = true, .selection = selected});
-}
-
-void LibraryStore::arrange(std::optional<SortKey> key, std::optional<GridFilter> filter)
-{
-    main_.assertCurrent();
-    if (key == list_.sortKey() && filter == list_.filter())
-        return; // a list that is being read is not begun anew
-    const auto first = firstSelectedPosition();
-    list_.arrange(key, filter);
-    arranged(first);
-}
-
-void LibraryStore::narrow(std::span<const SmartAlbumRules> rules)
-{
-    main_.assertCurrent();
-    const auto first = firstSelectedPosition();
-    list_.narrow(rules);
-    arranged(first);
-}
-
-void LibraryStore::arranged(std::optional<std::size_t> firstPosition)
-{
-    if (reader_) // into a list that is arranged as this one was
-        load(source_);
-    const bool selected = repairSelection(firstPosition);
-    changed.emit({.photos = {}, .list = true, .selection = selected});
-}
-
-void LibraryStore::select(std::vector<PhotoID> ids)
-{
-    main_.assertCurrent();
-    toSelect_.clear();
-    if (!isListed_)
-        toSelect_ = std::move(ids);
-    else if (ids != selection_) {
-        selection_ = std::move(ids);
-        changed.emit({.photos = {}, .selection = true});
-    }
 }
 
 Changeset LibraryStore::recorded(const std::function<void(Catalog&)>& change)
@@ -329,8 +218,9 @@ void LibraryStore::reload()
 {
     main_.assertCurrent();
     const auto first = firstSelectedPosition();
-    readAgain_ = reader_ != nullptr;
-    const bool shown = !readAgain_ && load(source_) == Shown::yes;
+    if (reading_)
+        reading_->isOutdated = true;
+    const bool shown = !reading_ && load(source_) == Shown::yes;
     treeChanged();
     const bool selected = shown && repairSelection(first);
     changed.emit({.photos = {}, .list = shown, .tree = true, .selection = selected});
@@ -358,98 +248,12 @@ void LibraryStore::publish(const ChangedRows& rows, std::span<const PhotoID> sel
     const auto before = selection_;
     if (!select.empty())
         selection_.assign(select.begin(), select.end());
-    if (!select.empty() && reader_)
+    if (!select.empty() && reading_)
         toSelect_ = selection_;
-    repairSelection(first);
+    if (change.list || !select.empty())
+        repairSelection(first);
     change.selection = selection_ != before;
     changed.emit(change);
-}
-
-bool LibraryStore::mustReload(const ChangedRows& rows) const
-{
-    if (!source_)
-        return false;
-    const bool renamed = rows.photoColumns.contains("filename");
-    switch (source_->kind) {
-    case Kind::album:
-        return renamed || rows.albums.contains(source_->id);
-    case Kind::smartAlbum:
-        return rows.smartAlbums.contains(source_->id);
-    case Kind::recentlyAdded:
-        return renamed || !rows.inserted.empty() || !rows.deleted.empty();
-    case Kind::project:
-    case Kind::person:
-    case Kind::faces:
-        return rows.tree;
-    default:
-        return false;
-    }
-}
-
-bool LibraryStore::updateList(const ChangedRows& rows)
-{
-    if (reader_)
-        sinceReading_.push_back(rows);
-    if (mustReload(rows)) {
-        readAgain_ = reader_ != nullptr;
-        if (!readAgain_ && load(source_) == Shown::yes)
-            return true;
-    }
-    const bool changesPhotos = isListed_ && !sourceFault_ && updatePhotos(rows);
-    if (rows.stacks && isListed_)
-        list_.setStacks(catalog_->stacks());
-    return changesPhotos || rows.stacks;
-}
-
-std::optional<std::vector<PhotoItem>> LibraryStore::listedOf(std::span<const PhotoID> ids)
-{
-    try {
-        return catalog_->photosOfSource(source_, ids);
-    } catch (const SmartAlbumError&) { // another process has made it unreadable
-    } catch (const NotFoundError&) { // or deleted it
-    }
-    return std::nullopt;
-}
-
-bool LibraryStore::updatePhotos(const ChangedRows& rows)
-{
-    auto ids = rows.updated;
-    ids.insert(ids.end(), rows.inserted.begin(), rows.inserted.end());
-    auto current = listedOf(ids);
-    if (!current) // the source can no longer be listed
-        return load(source_) == Shown::yes;
-    // The members of these are not decided by the photos' own values.
-    if (listedBy(source_) == ListedBy::hand)
-        std::erase_if(*current, [this](const PhotoItem& item) { return !list_.find(item.id); });
-    std::unordered_set<PhotoID> gone;
-    for (const auto& touched : {rows.updated, rows.deleted})
-        for (const PhotoID id : touched)
-            if (list_.find(id))
-                gone.insert(id);
-    for (const auto& item : *current)
-        gone.erase(item.id);
-    return list_.update(*std::move(current), gone);
-}
-
-std::optional<std::size_t> LibraryStore::firstSelectedPosition() const
-{
-    return selection_.empty() ? std::nullopt : list_.shownPosition(selection_.front());
-}
-
-bool LibraryStore::repairSelection(std::optional<std::size_t> firstPosition)
-{
-    const auto before = selection_;
-    if (!reader_ && !toSelect_.empty())
-        selection_ = std::exchange(toSelect_, {});
-    std::vector<PhotoID> kept;
-    for (const PhotoID id : selection_)
-        if (const auto shownID = list_.shownFor(id))
-            kept.push_back(*shownID);
-    selection_ = onceEach(std::move(kept));
-    const auto& shown = list_.shown();
-    if (selection_.empty() && firstPosition && !shown.empty())
-        selection_ = {list_.items()[shown[std::min(*firstPosition, shown.size() - 1)]].id};
-    return selection_ != before;
 }
 
 } // namespace korvo

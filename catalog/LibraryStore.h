@@ -4,14 +4,15 @@
 #include "base/Signal.h"
 #include "catalog/Catalog.h"
 #include "catalog/CommonMetadata.h"
-#include "catalog/LibraryReading.h"
+#include "catalog/ListReading.h"
 #include "catalog/MetadataChange.h"
-#include "catalog/ReadList.h"
-#include "catalog/Reading.h"
+#include "catalog/PhotoCounter.h"
 #include "catalog/UndoHistory.h"
 
 #include <chrono>
+#include <list>
 #include <memory>
+#include <unordered_map>
 
 namespace korvo {
 
@@ -45,7 +46,9 @@ public:
     const PhotoList& list() const { return list_; }
     /// Whether a list is being read. Till it is there, a source that was just chosen lists nothing, and one
     /// that is read again what it did before.
-    bool isReading() const { return reader_ != nullptr; }
+    bool isReading() const { return reading_ != nullptr; }
+    /// Whether the order of the photos shown is being found out; till it is, they are shown as before.
+    bool isOrdering() const { return ordering_ != nullptr; }
     const std::optional<LibrarySource>& source() const { return source_; }
     /// Why a source that cannot be listed shows nothing: a smart album whose rules cannot be read, or that is
     /// gone.
@@ -55,10 +58,16 @@ public:
     const std::vector<PhotoID>& wishedSelection() const { return toSelect_.empty() ? selection_ : toSelect_; }
     /// The sidebar, read again after it has changed. Its counts of photos may follow, as another change.
     const LibraryTree& tree();
+    /// Whether those have been counted at all.
+    bool isCounted() const { return counter_.counts().has_value(); }
     /// Whether counts are to follow.
-    bool isCounting() const { return counting_ != nullptr; }
+    bool isCounting() const { return counter_.isCounting() || (reading_ && counter_.isDue()); }
+    /// What is being done with the photo, as setStatus has it.
+    const PhotoItem::Status& status(PhotoID id) const;
+    void setStatus(std::span<const PhotoID> ids, const PhotoItem::Status& status);
 
     void chooseSource(std::optional<LibrarySource> source);
+    /// The photos of a long list are put in order in the background.
     void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
     /// Shows only photos that match all of these too; what the search field and the filter bar leave.
     void narrow(std::span<const SmartAlbumRules> rules);
@@ -157,35 +166,41 @@ public:
 private:
     enum class Shown { yes, later };
 
+    // The list (LibraryList.cpp)
     /// Reads all photos of a source and makes it the current one. Throws, with nothing changed, when it
     /// cannot be read and that shows in time.
     Shown load(std::optional<LibrarySource> source);
     /// What was waited for is there.
     void listArrived();
     void show(ReadList read);
-    /// After the list was arranged anew.
-    void arranged(std::optional<std::size_t> firstPosition);
-    void treeChanged();
-    void count();
-    void countsArrived();
+    void replaceList(PhotoList list);
+    /// Shows the list as it is wished.
+    void arrange(ListArrangement as);
+    Shown order();
+    void orderArrived();
     /// Frees a list that may be long, in the background.
     void discard(PhotoList list);
+    bool mustReload(const ChangedRows& rows) const;
+    /// Brings the list up to date; returns whether it is shown otherwise.
+    bool updateList(const ChangedRows& rows);
+    bool updatePhotos(const ChangedRows& rows);
+    /// Those of the photos that the source lists; nothing when it cannot be listed any more.
+    std::optional<std::vector<PhotoItem>> listedOf(std::span<const PhotoID> ids);
+
+    // The selection (LibrarySelection.cpp)
+    /// Selects what was to be once the list is there. Drops from the selection what is no longer shown,
+    /// taking the pick for what a collapsed stack hides; when nothing is left of it, the photo that took the
+    /// place of the first one is selected. Returns whether the selection changed.
+    bool repairSelection(std::optional<std::size_t> firstPosition);
+    std::optional<std::size_t> firstSelectedPosition() const;
+
+    void treeChanged();
     /// Makes a change in a transaction of its own and returns what it did.
     Changeset recorded(const std::function<void(Catalog&)>& change);
     /// Makes the changes, which touch these rows, again, and returns what really happened.
     ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
     void publish(const ChangedRows& rows, std::span<const PhotoID> select = {});
-    bool mustReload(const ChangedRows& rows) const;
-    bool updateList(const ChangedRows& rows);
-    bool updatePhotos(const ChangedRows& rows);
-    /// Those of the photos that the source lists; nothing when it cannot be listed any more.
-    std::optional<std::vector<PhotoItem>> listedOf(std::span<const PhotoID> ids);
-    /// Selects what was to be once the list is there. Drops from the selection what is no longer shown,
-    /// taking the pick for what a collapsed stack hides; when nothing is left of it, the photo that took the
-    /// place of the first one is selected. Returns whether the selection changed.
-    bool repairSelection(std::optional<std::size_t> firstPosition);
-    std::optional<std::size_t> firstSelectedPosition() const;
 
     MainThread& main_;
     std::unique_ptr<Catalog> catalog_;
@@ -196,16 +211,14 @@ private:
     bool isListed_ = false; // list_ is the source's, though maybe of an earlier moment
     std::vector<PhotoID> selection_;
     std::vector<PhotoID> toSelect_; // once the list that is being read is there
-    std::vector<ChangedRows> sinceReading_; // may be missing in what is being read
-    bool readAgain_ = false; // when it is there: more than rows may be missing
     std::optional<LibraryTree> tree_;
-    LibraryCounts counts_;
-    bool countAgain_ = true; // what was counted last, or is being counted, may have changed
+    std::unordered_map<PhotoID, PhotoItem::Status> statuses_; // but those that are idle
     UndoHistory history_;
     std::int64_t dataVersion_;
-    Task discarding_;
-    std::unique_ptr<Reading<LibraryCounts>> counting_;
-    std::unique_ptr<Reading<ReadList>> reader_; // last, so that they end first
+    std::list<Task> discarding_;
+    PhotoCounter counter_;
+    std::unique_ptr<ListReading> reading_;
+    std::unique_ptr<Background<PhotoList::Order>> ordering_; // of list_; last, so that it ends first
 };
 
 } // namespace korvo

@@ -24,7 +24,7 @@ struct PhotoItem {
     struct Status {
         enum class Kind : std::uint8_t { idle, queued, generating, saving, done, error };
         Kind kind = Kind::idle;
-        SharedText message; // of an error
+        std::string message; // of an error
 
         friend bool operator==(const Status&, const Status&) = default;
     };
@@ -54,7 +54,6 @@ struct PhotoItem {
     CompactOptional<double> latitude; // degrees
     CompactOptional<double> longitude;
     SharedText place;
-    Status status;
     SharedText memeJSON;
     UnixTime addedAt = 0;
     CompactOptional<double> fileDate; // Unix time

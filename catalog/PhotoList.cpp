@@ -42,50 +42,50 @@ void PhotoList::index()
     std::transform(ids.begin(), ids.end(), byID_.begin(), [](const auto& id) { return id.second; });
 }
 
-PhotoList PhotoList::emptied() const
+namespace {
+
+PhotoTest shownTest(const ListArrangement& as)
 {
-    PhotoList list;
-    list.sortKey_ = sortKey_;
-    list.filter_ = filter_;
-    list.narrowing_ = narrowing_;
-    return list;
+    std::vector<SmartAlbumMatcher> matchers(as.narrowing.begin(), as.narrowing.end());
+    return [passesFilter = testOf(as.filter), matchers = std::move(matchers)](const PhotoItem& item) mutable {
+        return passesFilter(item)
+            && std::all_of(matchers.begin(), matchers.end(),
+                [&](SmartAlbumMatcher& matcher) { return matcher.matches(item); });
+    };
 }
+
+} // namespace
 
 void PhotoList::assign(std::vector<PhotoItem> items, ListedBy by)
 {
     items_ = std::move(items);
     listing_ = listed(items_, by);
     index();
-    arrange(sortKey_, filter_);
+    show(ordered());
 }
 
-void PhotoList::takeOverFrom(const PhotoList& earlier)
+PhotoList::Order PhotoList::ordered(const std::stop_token& stop) const
 {
-    for (const PhotoItem& item : earlier.items_) // a status stands in no row
-        if (item.status.kind != PhotoItem::Status::Kind::idle)
-            if (const auto at = position(item.id))
-                items_[*at].status = item.status;
+    const auto isShown = shownTest(wished_);
+    auto order = gridOrder(items_, listing_, wished_.key,
+        [&](const PhotoItem& item) { return !stop.stop_requested() && isShown(item); });
+    auto stacks = stacks_.arranged(order, items_);
+    return {wished_, std::move(order), std::move(stacks)};
 }
 
-void PhotoList::arrange(std::optional<SortKey> key, std::optional<GridFilter> filter)
+void PhotoList::show(Order order)
 {
-    sortKey_ = key;
-    filter_ = filter;
-    order_ = gridOrder(items_, listing_, sortKey_, test());
-    arrangeStacks();
+    shownAs_ = std::move(order.as);
+    isShown_ = shownTest(shownAs_);
+    order_ = std::move(order.order);
+    shown_ = std::move(order.stacks.shown);
+    hidden_ = std::move(order.stacks.hidden);
 }
 
-void PhotoList::narrow(std::span<const SmartAlbumRules> rules)
+void PhotoList::arrange(ListArrangement as)
 {
-    narrowing_ = {rules.begin(), rules.end()};
-    arrange(sortKey_, filter_);
-}
-
-bool PhotoList::isShown(const PhotoItem& item) const
-{
-    return (!filter_ || passes(item, *filter_))
-        && std::all_of(narrowing_.begin(), narrowing_.end(),
-            [&](SmartAlbumMatcher& matcher) { return matcher.matches(item); });
+    wish(std::move(as));
+    show(ordered());
 }
 
 void PhotoList::arrangeStacks()
@@ -152,10 +152,10 @@ bool PhotoList::replace(std::uint32_t at, PhotoItem item)
 {
     const PhotoItem before = std::exchange(items_[at], std::move(item));
     PhotoItem& after = items_[at];
-    after.status = before.status;
     if (isShown(before) != isShown(after))
         return true;
-    const auto key = sortKey_ || listing_.by == ListedBy::hand ? sortKey_ : SortKey::name;
+    const auto key
+        = shownAs_.key || listing_.by == ListedBy::hand ? shownAs_.key : std::optional(SortKey::name);
     return key && (standsBefore(before, after, *key) || standsBefore(after, before, *key));
 }
 
@@ -216,9 +216,9 @@ void PhotoList::reorder(std::vector<std::uint32_t> unlisted, std::vector<std::ui
         updateGridOrder(
             listing_.order, items_, listing_, std::move(unlisted), std::nullopt, testOf(std::nullopt));
     if (isMuch)
-        order_ = gridOrder(items_, listing_, sortKey_, test());
+        order_ = gridOrder(items_, listing_, shownAs_.key, isShown_);
     else if (!moved.empty())
-        updateGridOrder(order_, items_, listing_, std::move(moved), sortKey_, test());
+        updateGridOrder(order_, items_, listing_, std::move(moved), shownAs_.key, isShown_);
     arrangeStacks();
 }
 

@@ -6,11 +6,21 @@
 #include "catalog/StackPlaces.h"
 
 #include <optional>
-#include <span>
+#include <stop_token>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace korvo {
+
+/// How the photos of a list are shown.
+struct ListArrangement {
+    std::optional<SortKey> key; // without one the source's order stands
+    std::optional<GridFilter> filter = GridFilter::unratedOrBetter;
+    std::vector<SmartAlbumRules> narrowing; // only photos that match all of these too are shown
+
+    friend bool operator==(const ListArrangement&, const ListArrangement&) = default;
+};
 
 /// The loaded photos of a source, and which of them the grid shows in which order.
 class PhotoList {
@@ -19,10 +29,14 @@ public:
     const std::vector<PhotoItem>& items() const { return items_; }
     /// Positions in items() of the photos shown, in the order shown.
     const std::vector<std::uint32_t>& shown() const { return shown_; }
-    std::optional<SortKey> sortKey() const { return sortKey_; }
-    std::optional<GridFilter> filter() const { return filter_; }
+    /// How the list is to be shown; it may still be shown as it was before.
+    const ListArrangement& arrangement() const { return wished_; }
+    std::optional<SortKey> sortKey() const { return wished_.key; }
+    std::optional<GridFilter> filter() const { return wished_.filter; }
     /// Whether rules hide photos that pass the filter.
-    bool isNarrowed() const { return !narrowing_.empty(); }
+    bool isNarrowed() const { return !wished_.narrowing.empty(); }
+    /// Whether it is shown as it is to be.
+    bool isArranged() const { return wished_ == shownAs_; }
 
     /// The photo of an id; null when it is not in the list.
     const PhotoItem* find(PhotoID id) const;
@@ -33,12 +47,8 @@ public:
     /// it is not in the list or the filter hides it.
     std::optional<PhotoID> shownFor(PhotoID id) const;
 
-    /// An empty list that is sorted, filtered and narrowed as this one.
-    PhotoList emptied() const;
     /// Takes the photos of a source that lists them by their names, or as they stand here.
     void assign(std::vector<PhotoItem> items, ListedBy by);
-    /// Takes the place of a list that was read earlier: what is being done with its photos goes on here.
-    void takeOverFrom(const PhotoList& earlier);
     /// All stacks of the library, whose members stand together or behind their pick.
     void setStacks(const std::vector<Stack>& stacks);
     /// How many members the photo's stack has; 0 for one that is in none.
@@ -46,9 +56,21 @@ public:
     {
         return item.stackID ? stacks_.size(*item.stackID) : 0;
     }
-    void arrange(std::optional<SortKey> key, std::optional<GridFilter> filter);
-    /// Shows only photos that match all of these too.
-    void narrow(std::span<const SmartAlbumRules> rules);
+
+    /// Which photos are shown in which order.
+    struct Order {
+        ListArrangement as;
+        std::vector<std::uint32_t> order; // positions in items()
+        StackPlaces::Arrangement stacks; // the same with the stacks in their places
+    };
+    /// Says how the list is to be shown; show() does so.
+    void wish(ListArrangement as) { wished_ = std::move(as); }
+    /// Finds out the order that is wished. May run on another thread while nothing changes this list; after a
+    /// stop request what it returns means nothing.
+    Order ordered(const std::stop_token& stop = {}) const;
+    void show(Order order);
+    /// All three.
+    void arrange(ListArrangement as);
 
     /// Takes new values for listed photos, adds others, and drops `gone`. A photo that was not listed goes
     /// where its file name stands, and to the end of a list that was ordered by hand. Returns whether the
@@ -67,11 +89,7 @@ private:
     void reorder(std::vector<std::uint32_t> unlisted, std::vector<std::uint32_t> moved);
     void index();
     void arrangeStacks();
-    bool isShown(const PhotoItem& item) const;
-    PhotoTest test() const
-    {
-        return [this](const PhotoItem& item) { return isShown(item); };
-    }
+    bool isShown(const PhotoItem& item) const { return isShown_(item); }
 
     std::vector<PhotoItem> items_;
     std::vector<std::uint32_t> byID_; // positions in items_, ascending by id
@@ -80,9 +98,9 @@ private:
     std::vector<std::uint32_t> shown_; // the same with the stacks in their places
     std::unordered_map<PhotoID, PhotoID> hidden_; // in collapsed stacks, and who is shown for them
     StackPlaces stacks_;
-    std::optional<SortKey> sortKey_;
-    std::optional<GridFilter> filter_ = GridFilter::unratedOrBetter;
-    mutable std::vector<SmartAlbumMatcher> narrowing_; // they keep room for the texts they fold
+    ListArrangement wished_;
+    ListArrangement shownAs_;
+    PhotoTest isShown_ = testOf(shownAs_.filter);
 };
 
 } // namespace korvo

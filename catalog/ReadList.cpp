@@ -1,25 +1,27 @@
 #include "catalog/ReadList.h"
 
+#include "catalog/AllPhotos.h"
 #include "catalog/CatalogErrors.h"
 #include "catalog/Database.h"
 #include "catalog/LibraryReading.h"
 
 namespace korvo {
 
-ReadList readList(Database& database, const std::optional<LibrarySource>& source, const PhotoList& like,
-    const std::stop_token& stop)
+ReadList readList(Database& database, const std::optional<LibrarySource>& source,
+    const std::function<ListArrangement()>& arrangement, const std::stop_token& stop)
 {
-    ReadList read{like.emptied(), std::nullopt};
+    ReadList read;
     database.exec("BEGIN"); // the photos and their stacks are those of one moment
     read.list.setStacks(stacksIn(database));
     std::vector<PhotoItem> items;
     try {
-        items = photosIn(database, source, stop);
+        items = source ? photosIn(database, source, stop) : allPhotos(database, stop);
     } catch (const SmartAlbumError& error) {
         read.fault = error.what(); // the album stays to be mended in the editor, and lists nothing till then
     } catch (const NotFoundError& error) {
         read.fault = error.what(); // it was deleted while it was shown; undo may bring it back
     }
+    read.list.wish(arrangement());
     if (!stop.stop_requested())
         read.list.assign(std::move(items), listedBy(source));
     return read;

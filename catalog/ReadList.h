@@ -2,6 +2,7 @@
 
 #include "catalog/PhotoList.h"
 
+#include <functional>
 #include <stop_token>
 
 namespace korvo {
@@ -15,8 +16,8 @@ struct ReadList {
     std::optional<std::string> fault; ///< why the source cannot be listed; the list is empty then
 };
 
-/// Reads the photos of a source into a list that is ready to be shown, arranged as the one given.
-ReadList readList(Database& database, const std::optional<LibrarySource>& source, const PhotoList& like,
-    const std::stop_token& stop);
+/// Reads the photos of a source into a list that is ready to be shown. How is asked when they are there.
+ReadList readList(Database& database, const std::optional<LibrarySource>& source,
+    const std::function<ListArrangement()>& arrangement, const std::stop_token& stop = {});
 
 } // namespace korvo

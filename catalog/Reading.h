@@ -1,9 +1,7 @@
 #pragma once
 
-#include "base/Task.h"
+#include "catalog/Background.h"
 #include "catalog/Catalog.h"
-
-#include <future>
 
 namespace korvo {
 
@@ -18,43 +16,24 @@ inline void endWith(Database& database, const std::stop_token& stop)
         const_cast<std::stop_token*>(&stop));
 }
 
-/// Something that is read from the library on a thread and a connection of its own. What is committed after
-/// its making may be missing there. Destroying it ends the reading. Used on the main thread.
+/// Something that is read from the library in the background, on a connection of its own. What is committed
+/// after its making may be missing there.
 template <typename Result>
-class Reading {
+class Reading : public Background<Result> {
 public:
     using Read = std::function<Result(Database&, const std::stop_token&)>;
 
-    /// `ended` is called once there is something to take. `main` and `catalog` must outlive this.
+    /// As Background; `catalog` must outlive this too.
     Reading(MainThread& main, const Catalog& catalog, Read read, std::function<void()> ended)
-    {
-        const auto promise = std::make_shared<std::promise<Result>>();
-        result_ = promise->get_future();
-        task_ = runInBackground(main,
-            [promise, &catalog, read = std::move(read), ended = std::move(ended)](
-                const Task::Context& context) {
-                try {
-                    auto database = catalog.lookingConnection();
-                    endWith(database, context.stopToken());
-                    promise->set_value(read(database, context.stopToken()));
-                } catch (...) { // who takes the result meets it
-                    promise->set_exception(std::current_exception());
-                }
-                context.deliver(ended);
-            });
-    }
-
-    /// Waits for the end, but not longer than that; returns whether there is something to take.
-    bool waitFor(std::chrono::milliseconds patience)
-    {
-        return result_.wait_for(patience) == std::future_status::ready;
-    }
-    /// What was read, once. Throws what kept it from being read.
-    Result take() { return result_.get(); }
-
-private:
-    std::future<Result> result_;
-    Task task_;
+        : Background<Result>(
+            main,
+            [&catalog, read = std::move(read)](const std::stop_token& stop) {
+                auto database = catalog.lookingConnection();
+                endWith(database, stop);
+                return read(database, stop);
+            },
+            std::move(ended))
+    { }
 };
 
 } // namespace korvo

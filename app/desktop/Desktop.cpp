@@ -26,8 +26,8 @@ VolumeWatcher& Desktop::volumes()
 
 bool Desktop::isBusy()
 {
-    return store().isReading() || store().isCounting() || pictures_.waiting() > 0 || decoded_.isBusy()
-        || renders_.isBusy() || jobs_.running();
+    return store().isReading() || store().isOrdering() || store().isCounting() || pictures_.waiting() > 0
+        || decoded_.isBusy() || renders_.isBusy() || jobs_.running();
 }
 
 void Desktop::say(std::string text, Offer offer)

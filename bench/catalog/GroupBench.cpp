@@ -92,7 +92,7 @@ void compareGroups(const std::filesystem::path& library)
 {
     const auto file = library / "catalog.sqlite";
     Catalog catalog(library, SystemClock());
-    auto items = readList(catalog.database(), std::nullopt, PhotoList(), {}).list.items();
+    auto items = readList(catalog.database(), std::nullopt, [] { return ListArrangement(); }).list.items();
     compareMatching(fmt::format("A smart album of four rules over {} photos", items.size()), items, fourRules,
         file, closestQuery);
     compareMatching(fmt::format("A text rule alone over {} photos", items.size()), items,

@@ -12,11 +12,11 @@ using IDs = std::vector<PhotoID>;
 
 /// The photos 1 to 5, in this order.
 struct TestBrowser : TestLibrary {
-    TestBrowser()
+    explicit TestBrowser(std::chrono::milliseconds patience = LibraryStore::untilItIsRead)
     {
         for (const char* name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg"})
             photo(name);
-        store = std::make_unique<LibraryStore>(main, std::move(catalog));
+        store = std::make_unique<LibraryStore>(main, std::move(catalog), patience);
         browser = std::make_unique<Browser>(*store);
     }
 
@@ -87,6 +87,21 @@ TEST(Browser, returnsToTheGridWhenNoPhotoIsLeft)
     EXPECT_EQ(t.browser->current(), std::nullopt);
     t.browser->setMode(ViewMode::viewer);
     EXPECT_EQ(t.browser->mode(), ViewMode::grid);
+}
+
+TEST(Browser, staysInTheViewerWhileASourceIsRead)
+{
+    TestBrowser t(std::chrono::milliseconds(0));
+    const auto isRead = [&] { return t.main.runUntil([&] { return !t.store->isReading(); }); };
+    ASSERT_TRUE(isRead());
+    t.store->setFlagged(IDs{2, 4}, true);
+    t.browser->setCurrent(4);
+    t.browser->setMode(ViewMode::viewer);
+    t.store->chooseSource(LibrarySource{LibrarySource::Kind::flagged, 0, {}});
+    EXPECT_EQ(t.browser->targets(), t.store->isReading() ? IDs() : IDs{4}) << "nobody can see it";
+    ASSERT_TRUE(isRead());
+    EXPECT_EQ(t.browser->mode(), ViewMode::viewer);
+    EXPECT_EQ(t.browser->targets(), IDs{4});
 }
 
 } // namespace korvo

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
+
 namespace korvo {
 
 namespace {
@@ -106,6 +108,21 @@ TEST(Catalog, aCaptureDateOnceReadIsNeverReadOver)
     EXPECT_FALSE(library.item(version).iso);
     EXPECT_EQ(*library.item(version).captureDate, 5.0);
     EXPECT_TRUE(library.catalog->photosToRead(10).empty());
+}
+
+TEST(Catalog, looksForPhotosToReadBesideEverythingElse)
+{
+    TestLibrary library;
+    library.photo("a.jpg");
+    std::future<std::size_t> found;
+    {
+        const auto statement = library.catalog->database().prepare("SELECT 1"); // which holds the connection
+        found = std::async(std::launch::async, [&] {
+            return library.catalog->photosToRead(10).size() + library.catalog->photosToLocate(10).size();
+        });
+        EXPECT_EQ(found.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    }
+    EXPECT_EQ(found.get(), 2U);
 }
 
 TEST(Catalog, shiftsADateFromTheFilesDateWhereNoneWasCaptured)

@@ -13,7 +13,7 @@ thread_local std::size_t allocations = 0;
 
 } // namespace
 
-// Those of this whole program, counted.
+// Those of this whole program, counted; not inlined, since the compiler would see one without the other.
 void* operator new(std::size_t size)
 {
     ++allocations;
@@ -22,12 +22,12 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept
+[[gnu::noinline]] void operator delete(void* memory) noexcept
 {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }

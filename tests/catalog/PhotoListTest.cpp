@@ -56,7 +56,7 @@ TEST(GridFilter, eachCaseIsOneTest)
              {GridFilter::adjusted, {3}},
              {GridFilter::playground, {3}},
          }) {
-        list.arrange(std::nullopt, filter);
+        list.arrange({std::nullopt, filter, {}});
         EXPECT_EQ(shownIDs(list), shown) << static_cast<int>(filter);
     }
 }
@@ -80,26 +80,18 @@ TEST(SortKey, datesRunForwardStarsDownAndTiesGoByName)
     };
     for (const auto& [key, shown] : {Case{std::nullopt, {1, 2, 3}}, {SortKey::name, {2, 1, 3}},
              {SortKey::imported, {2, 3, 1}}, {SortKey::fileDate, {1, 3, 2}}, {SortKey::rating, {3, 1, 2}}}) {
-        list.arrange(key, std::nullopt);
+        list.arrange({key, std::nullopt, {}});
         EXPECT_EQ(shownIDs(list), shown);
     }
 }
 
-TEST(PhotoList, whatIsBeingDoneWithAPhotoGoesOnWhileItIsReadAnew)
+TEST(PhotoList, aPhotoThatIsGivenTwiceIsListedOnce)
 {
     PhotoList list;
-    auto busy = photo(1, "a.jpg");
-    busy.status.kind = PhotoItem::Status::Kind::saving;
-    list.assign({busy, photo(2, "b.jpg")}, ListedBy::name);
-    const auto isSaving = [&] { return list.find(1)->status == busy.status; };
-    const PhotoList earlier = std::exchange(list, list.emptied());
     list.assign({photo(1, "a.jpg"), photo(3, "c.jpg")}, ListedBy::name);
-    list.takeOverFrom(earlier);
-    EXPECT_TRUE(isSaving());
-    auto renamed = photo(1, "z.jpg");
-    list.update({renamed, renamed}, {});
-    EXPECT_TRUE(isSaving());
-    EXPECT_EQ(shownIDs(list), (IDs{3, 1})) << "once, though it was given twice";
+    const auto renamed = photo(1, "z.jpg"), added = photo(2, "b.jpg");
+    list.update({renamed, added, renamed, added}, {});
+    EXPECT_EQ(shownIDs(list), (IDs{2, 3, 1}));
 }
 
 class UpdatedPhotoList : public ::testing::TestWithParam<ListedBy> { };
@@ -143,7 +135,7 @@ TEST_P(UpdatedPhotoList, equalsOneThatIsLoadedAnew)
         const auto before = shownIDs(list);
         const bool moved = list.update(changed, gone);
         PhotoList fresh;
-        fresh.arrange(list.sortKey(), list.filter());
+        fresh.arrange(list.arrangement());
         fresh.assign(model, GetParam());
         ASSERT_EQ(photosByID(list), photosByID(fresh));
         ASSERT_EQ(shownIDs(list), shownIDs(fresh)) << "round " << round;
@@ -151,8 +143,8 @@ TEST_P(UpdatedPhotoList, equalsOneThatIsLoadedAnew)
         for (const auto& item : model)
             ASSERT_EQ(*list.find(item.id), item);
         if (upTo(20) == 0)
-            list.arrange(upTo(2) ? std::optional(SortKey::rating) : std::nullopt,
-                upTo(2) ? std::optional(GridFilter::starred) : GridFilter::unratedOrBetter);
+            list.arrange({upTo(2) ? std::optional(SortKey::rating) : std::nullopt,
+                upTo(2) ? std::optional(GridFilter::starred) : GridFilter::unratedOrBetter, {}});
     }
 }
 

@@ -1,5 +1,6 @@
 // What the store shows while a list is being read in the background.
 
+#include "catalog/AllPhotos.h"
 #include "catalog/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
@@ -127,6 +128,104 @@ TEST_F(StoreReading, aListThatIsReadAgainStaysInUse)
     store->deleteAlbum(album);
     ASSERT_TRUE(isRead());
     EXPECT_TRUE(store->list().items().empty());
+}
+
+TEST_F(StoreReading, aListIsReadOnceHoweverItIsArrangedMeanwhile)
+{
+    const bool wasReading = store->isReading();
+    store->setRating(only(ids[5]), 4);
+    int lists = 0;
+    const auto connection = store->changed.connect(
+        [&](const LibraryChange& change) { lists += change.list && !store->list().items().empty() ? 1 : 0; });
+    store->arrange(SortKey::rating, GridFilter::starred);
+    store->narrow(std::vector{
+        SmartAlbumRules{{{SmartAlbumRule::Field::text, SmartAlbumRule::Op::contains, "none"}}, true}});
+    store->narrow({});
+    ASSERT_TRUE(isRead());
+    EXPECT_TRUE(lists == 1 || !wasReading) << lists;
+    EXPECT_EQ(store->list().shown().size(), 1U);
+    EXPECT_EQ(store->list().sortKey(), SortKey::rating);
+}
+
+TEST_F(StoreReading, manyPhotosAreSortedAndSearchedMeanwhile)
+{
+    ASSERT_TRUE(isRead());
+    store->catalog().database().exec(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 30000) INSERT INTO photos "
+        "(path, filename, added_at, rating, title) SELECT printf('/many/%05d.jpg', i), "
+        "printf('%05d.jpg', i), 1e9 - i, i % 6, iif(i % 1000, '', 'Mönch') FROM n");
+    store->reload();
+    ASSERT_TRUE(isRead());
+    const auto many = store->list().shown().size();
+    ASSERT_EQ(many, 30'300U);
+    const auto isOrdered = [&] { return main.runUntil([&] { return !store->isOrdering(); }); };
+    const auto first = [&] { return store->list().items()[store->list().shown().front()].id; };
+    store->arrange(SortKey::imported, GridFilter::unratedOrBetter);
+    EXPECT_EQ(store->list().sortKey(), SortKey::imported) << "what is asked for can be seen at once";
+    const auto last = store->list().items().back().id; // the earliest
+    store->removePhotos(only(last)); // while it is sorted
+    store->setRating(only(last - 1), rejectedRating);
+    ASSERT_TRUE(isOrdered());
+    EXPECT_EQ(first(), last - 2);
+    EXPECT_EQ(store->list().shown().size(), many - 2);
+    store->select({last - 2, last - 30});
+    bool told = false;
+    const auto connection = store->changed.connect(
+        [&](const LibraryChange& change) { told |= change.list && change.selection; });
+    store->narrow(std::vector{
+        SmartAlbumRules{{{SmartAlbumRule::Field::text, SmartAlbumRule::Op::contains, "mönch"}}, true}});
+    ASSERT_TRUE(isOrdered());
+    EXPECT_TRUE(told) << "those selected have gone";
+    EXPECT_EQ(store->list().shown().size(), 29U);
+    store->chooseSource(albumSource());
+    store->arrange(std::nullopt, std::nullopt);
+    store->chooseSource(std::nullopt); // before it is sorted, maybe
+    ASSERT_TRUE(isRead() && isOrdered());
+    EXPECT_EQ(store->list().shown().size(), 29U);
+    store->narrow({});
+    ASSERT_TRUE(isOrdered());
+    EXPECT_EQ(store->list().shown().size(), many - 1);
+}
+
+TEST(AllPhotos, ofBothHalvesOfTheTableAreRead)
+{
+    TestLibrary library;
+    for (const char* name : {"d.jpg", "b.jpg", "c.jpg", "a.jpg"})
+        library.photo(name);
+    library.version(2);
+    struct Case {
+        const char* spread; // so that there is something to be halved
+        std::vector<PhotoID> masters;
+    };
+    for (const auto& [spread, masters] :
+        {Case{"UPDATE photos SET id = 1000000 WHERE version_of IS NOT NULL", {1, 2, 3, 4}},
+            {"UPDATE photos SET id = id + 200000 WHERE id IN (3, 4)", {1, 2, 200'003, 200'004}},
+            {"UPDATE photos SET id = 999999 WHERE id = 1", {2, 200'003, 200'004, 999'999}}}) {
+        library.catalog->database().exec(spread);
+        std::vector<PhotoID> read;
+        for (const auto& item : allPhotos(library.catalog->database())) {
+            read.push_back(item.id);
+            EXPECT_EQ(item, library.item(item.id));
+        }
+        EXPECT_EQ(read, masters) << spread;
+    }
+}
+
+TEST_F(StoreReading, whatIsBeingDoneWithAPhotoGoesOnWhileItIsReadAnew)
+{
+    ASSERT_TRUE(isRead());
+    const PhotoItem::Status failed{PhotoItem::Status::Kind::error, "the file is gone"};
+    std::vector<PhotoID> told;
+    const auto connection
+        = store->changed.connect([&](const LibraryChange& change) { told = change.photos; });
+    store->setStatus(std::vector{ids[1], ids[2]}, failed);
+    EXPECT_EQ(told, (std::vector{ids[1], ids[2]}));
+    store->setStatus(std::vector{ids[1], ids[3]}, {});
+    EXPECT_EQ(told, only(ids[1])) << "the other was idle before";
+    store->reload();
+    ASSERT_TRUE(isRead());
+    EXPECT_EQ(store->status(ids[2]), failed);
+    EXPECT_EQ(store->status(ids[1]), PhotoItem::Status());
 }
 
 } // namespace korvo

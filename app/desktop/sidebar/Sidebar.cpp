@@ -86,8 +86,11 @@ Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop(
 void Sidebar::refill()
 {
     filling_ = true;
+    auto& store = desktop_.store();
+    const auto& tree = store.tree(); // which may count
     const auto wereOpen = open();
-    sync(*invisibleRootItem(), sidebarTree(desktop_.store().tree()));
+    sync(*invisibleRootItem(),
+        sidebarTree(tree, store.isCounted() ? PhotosCounted::yes : PhotosCounted::notYet));
     for (const auto& key : wereOpen) // a line that has moved is closed
         if (auto* const item = itemOf(key))
             item->setExpanded(true);

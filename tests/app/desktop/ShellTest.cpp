@@ -135,6 +135,8 @@ TEST(SidebarTree, nestsAlbumsAndTakesPhotosAndLinesWhereTheyFit)
     const auto best = store.createAlbum("Best", {});
     moveLine(store, {Kind::album, best}, {Kind::project, day});
     const auto projects = sidebarTree(store.tree())[2];
+    EXPECT_EQ(sidebarTree(store.tree())[0].children[0].count, 2);
+    EXPECT_FALSE(sidebarTree(store.tree(), PhotosCounted::notYet)[0].children[0].count);
     ASSERT_EQ(projects.children.size(), 1U);
     EXPECT_EQ(projects.children[0].children[0].children[0].name, "Best");
     EXPECT_FALSE(canBeMoved({Kind::project, trip}, {Kind::project, trip}));

@@ -1,0 +1,206 @@
+#include "catalog/LibraryStore.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace korvo {
+
+namespace {
+
+using Kind = LibrarySource::Kind;
+
+constexpr std::size_t fewPhotos = 20'000; // to be put in order, or freed, at once
+
+} // namespace
+
+LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
+{
+    auto reading = std::make_unique<ListReading>(
+        main_, *catalog_, source, list_.arrangement(), [this] { listArrived(); });
+    std::optional<ReadList> read;
+    if (reading->waitFor(patience_))
+        read = reading->take();
+    reading_ = read ? nullptr : std::move(reading);
+    if (source != source_) {
+        source_ = std::move(source);
+        isListed_ = false;
+        toSelect_.clear();
+    }
+    if (read)
+        show(*std::move(read));
+    else if (!isListed_) // nothing can be done with photos that are of another source
+        replaceList(PhotoList());
+    return reading_ ? Shown::later : Shown::yes;
+}
+
+void LibraryStore::show(ReadList read)
+{
+    replaceList(std::move(read.list));
+    sourceFault_ = std::move(read.fault);
+    isListed_ = true;
+    if (!list_.isArranged()) // the wish came too late
+        order();
+}
+
+void LibraryStore::replaceList(PhotoList list)
+{
+    ordering_.reset();
+    list.wish(list_.arrangement());
+    discard(std::exchange(list_, std::move(list)));
+}
+
+void LibraryStore::discard(PhotoList list)
+{
+    if (list.items().size() <= fewPhotos)
+        return;
+    const auto place = discarding_.emplace(discarding_.end());
+    *place = runInBackground(main_,
+        [this, place, old = std::make_shared<PhotoList>(std::move(list))](
+            const Task::Context& context) mutable {
+            old = {};
+            context.deliver([this, place] { discarding_.erase(place); });
+        });
+}
+
+void LibraryStore::listArrived()
+{
+    main_.assertCurrent();
+    const auto first = firstSelectedPosition();
+    const auto reading = std::move(reading_);
+    try {
+        show(reading->take());
+        for (const auto& rows : reading->since)
+            updateList(rows);
+    } catch (const std::exception& error) { // it is read again when others' changes are looked for
+        sourceFault_ = error.what();
+        dataVersion_ = -1;
+    }
+    const bool selected = repairSelection(first);
+    changed.emit({.photos = {}, .list = true, .tree = counter_.isDue(), .selection = selected});
+    if (reading->isOutdated && !reading_)
+        reload();
+}
+
+void LibraryStore::arrange(std::optional<SortKey> key, std::optional<GridFilter> filter)
+{
+    arrange({key, filter, list_.arrangement().narrowing});
+}
+
+void LibraryStore::narrow(std::span<const SmartAlbumRules> rules)
+{
+    arrange({list_.sortKey(), list_.filter(), {rules.begin(), rules.end()}});
+}
+
+void LibraryStore::arrange(ListArrangement as)
+{
+    main_.assertCurrent();
+    if (as == list_.arrangement())
+        return;
+    ordering_.reset(); // which looks at what is wished
+    list_.wish(std::move(as));
+    if (reading_)
+        reading_->arrange(list_.arrangement());
+    const auto first = firstSelectedPosition();
+    if (order() == Shown::later)
+        return;
+    const bool selected = repairSelection(first);
+    changed.emit({.photos = {}, .list = true, .selection = selected});
+}
+
+LibraryStore::Shown LibraryStore::order()
+{
+    ordering_.reset();
+    if (list_.items().size() <= fewPhotos) {
+        list_.show(list_.ordered());
+        return Shown::yes;
+    }
+    ordering_ = std::make_unique<Background<PhotoList::Order>>(
+        main_, [this](const std::stop_token& stop) { return list_.ordered(stop); },
+        [this] { orderArrived(); });
+    if (!ordering_->waitFor(patience_))
+        return Shown::later;
+    list_.show(std::exchange(ordering_, nullptr)->take());
+    return Shown::yes;
+}
+
+void LibraryStore::orderArrived()
+{
+    main_.assertCurrent();
+    const auto first = firstSelectedPosition();
+    list_.show(std::exchange(ordering_, nullptr)->take());
+    const bool selected = repairSelection(first);
+    changed.emit({.photos = {}, .list = true, .selection = selected});
+}
+
+bool LibraryStore::mustReload(const ChangedRows& rows) const
+{
+    if (!source_)
+        return false;
+    const bool renamed = rows.photoColumns.contains("filename");
+    switch (source_->kind) {
+    case Kind::album:
+        return renamed || rows.albums.contains(source_->id);
+    case Kind::smartAlbum:
+        return rows.smartAlbums.contains(source_->id);
+    case Kind::recentlyAdded:
+        return renamed || !rows.inserted.empty() || !rows.deleted.empty();
+    case Kind::project:
+    case Kind::person:
+    case Kind::faces:
+        return rows.tree;
+    default:
+        return false;
+    }
+}
+
+bool LibraryStore::updateList(const ChangedRows& rows)
+{
+    if (reading_)
+        reading_->since.push_back(rows);
+    if (mustReload(rows)) {
+        if (reading_)
+            reading_->isOutdated = true;
+        else if (load(source_) == Shown::yes)
+            return true;
+    }
+    if (!isListed_)
+        return rows.stacks;
+    ordering_.reset(); // which looks at what is changed now
+    const bool changesPhotos = !sourceFault_ && updatePhotos(rows);
+    if (rows.stacks)
+        list_.setStacks(catalog_->stacks());
+    const bool isReordered = !list_.isArranged() && order() == Shown::yes;
+    return changesPhotos || rows.stacks || isReordered;
+}
+
+std::optional<std::vector<PhotoItem>> LibraryStore::listedOf(std::span<const PhotoID> ids)
+{
+    try {
+        return catalog_->photosOfSource(source_, ids);
+    } catch (const SmartAlbumError&) { // another process has made it unreadable
+    } catch (const NotFoundError&) { // or deleted it
+    }
+    return std::nullopt;
+}
+
+bool LibraryStore::updatePhotos(const ChangedRows& rows)
+{
+    auto ids = rows.updated;
+    ids.insert(ids.end(), rows.inserted.begin(), rows.inserted.end());
+    auto current = listedOf(ids);
+    if (!current) // the source can no longer be listed
+        return load(source_) == Shown::yes;
+    // The members of these are not decided by the photos' own values.
+    if (listedBy(source_) == ListedBy::hand)
+        std::erase_if(*current, [this](const PhotoItem& item) { return !list_.find(item.id); });
+    std::unordered_set<PhotoID> gone;
+    for (const auto& touched : {rows.updated, rows.deleted})
+        for (const PhotoID id : touched)
+            if (list_.find(id))
+                gone.insert(id);
+    for (const auto& item : *current)
+        gone.erase(item.id);
+    return list_.update(*std::move(current), gone);
+}
+
+} // namespace korvo

@@ -1,0 +1,38 @@
+#include "catalog/PhotoCounter.h"
+
+namespace korvo {
+
+PhotoCounter::PhotoCounter(MainThread& main, const Catalog& catalog, std::chrono::milliseconds patience,
+    std::function<void()> counted)
+    : main_(main), catalog_(catalog), patience_(patience), counted_(std::move(counted))
+{ }
+
+bool PhotoCounter::bringUpToDate()
+{
+    if (!isDue_ || counting_)
+        return false;
+    isDue_ = false;
+    counting_ = std::make_unique<Reading<LibraryCounts>>(
+        main_, catalog_, [](Database& database, const std::stop_token&) { return countsIn(database); },
+        [this] { countsArrived(); });
+    if (!counting_->waitFor(patience_))
+        return false;
+    const auto counting = std::move(counting_);
+    counts_ = counting->take();
+    return true;
+}
+
+void PhotoCounter::countsArrived()
+{
+    const auto counting = std::move(counting_);
+    const auto before = counts_;
+    try {
+        counts_ = counting->take();
+    } catch (const DatabaseError&) { // the counts of before stay; the next change counts again
+    }
+    bringUpToDate();
+    if (before != counts_)
+        counted_();
+}
+
+} // namespace korvo
