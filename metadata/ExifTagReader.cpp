@@ -14,7 +14,7 @@ namespace {
 using Entry = ExifBlock::Entry;
 
 /// What the entries of the directories are put into; each position is put together from one directory.
-struct Reading {
+struct TagReading {
     ExifTags tags;
     std::uint32_t exifDirectory = 0, gpsDirectory = 0;
     std::string_view latitudeReference, longitudeReference;
@@ -23,51 +23,51 @@ struct Reading {
 
 struct Rule {
     std::uint16_t tag;
-    void (*read)(Reading&, const ExifBlock&, const Entry&);
+    void (*read)(TagReading&, const ExifBlock&, const Entry&);
 };
 
 /// The first entry with a value counts, as damaged files repeat entries.
 template <auto Field>
-void readText(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readText(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     if (auto& field = reading.tags.*Field; field.empty())
         field = block.text(entry);
 }
 
 template <auto Field>
-void readNumber(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readNumber(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     if (auto& field = reading.tags.*Field; !field)
         field = block.number(entry);
 }
 
-void readIso(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readIso(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     if (!reading.tags.iso)
         reading.tags.iso = block.integer(entry);
 }
 
-void readCopyright(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readCopyright(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     if (reading.tags.copyright.empty())
         reading.tags.copyright = block.rawText(entry);
 }
 
 template <auto Side>
-void readSize(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readSize(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     if (auto& side = reading.tags.size.*Side; side == 0)
         side = block.integer(entry).value_or(0);
 }
 
 template <auto Field>
-void readOffset(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readOffset(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     reading.*Field = block.integer(entry).value_or(0);
 }
 
 template <auto Field>
-void readReference(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readReference(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     reading.*Field = block.text(entry);
 }
@@ -86,7 +86,7 @@ std::optional<double> degrees(const ExifBlock& block, const Entry& entry)
 }
 
 template <auto Field>
-void readDegrees(Reading& reading, const ExifBlock& block, const Entry& entry)
+void readDegrees(TagReading& reading, const ExifBlock& block, const Entry& entry)
 {
     reading.*Field = degrees(block, entry);
 }
@@ -96,8 +96,8 @@ constexpr std::array mainRules{
     Rule{0x0110, readText<&ExifTags::model>},
     Rule{0x013b, readText<&ExifTags::artist>},
     Rule{0x8298, readCopyright},
-    Rule{0x8769, readOffset<&Reading::exifDirectory>},
-    Rule{0x8825, readOffset<&Reading::gpsDirectory>},
+    Rule{0x8769, readOffset<&TagReading::exifDirectory>},
+    Rule{0x8825, readOffset<&TagReading::gpsDirectory>},
 };
 
 constexpr std::array exifRules{
@@ -113,14 +113,14 @@ constexpr std::array exifRules{
 };
 
 constexpr std::array gpsRules{
-    Rule{1, readReference<&Reading::latitudeReference>},
-    Rule{2, readDegrees<&Reading::latitude>},
-    Rule{3, readReference<&Reading::longitudeReference>},
-    Rule{4, readDegrees<&Reading::longitude>},
+    Rule{1, readReference<&TagReading::latitudeReference>},
+    Rule{2, readDegrees<&TagReading::latitude>},
+    Rule{3, readReference<&TagReading::longitudeReference>},
+    Rule{4, readDegrees<&TagReading::longitude>},
 };
 
 void readDirectory(
-    Reading& reading, const ExifBlock& block, std::uint32_t directory, std::span<const Rule> rules)
+    TagReading& reading, const ExifBlock& block, std::uint32_t directory, std::span<const Rule> rules)
 {
     block.forEachEntry(directory, [&](const Entry& entry) {
         for (const auto& rule : rules)
@@ -134,7 +134,7 @@ double signedDegrees(double degrees, std::string_view reference, char negative)
     return reference.starts_with(negative) ? -degrees : degrees;
 }
 
-std::optional<Coordinate> coordinate(const Reading& reading)
+std::optional<Coordinate> coordinate(const TagReading& reading)
 {
     if (!reading.latitude || !reading.longitude)
         return std::nullopt;
@@ -145,7 +145,7 @@ std::optional<Coordinate> coordinate(const Reading& reading)
 }
 
 /// The first whole position counts, and its parts all come from one directory.
-void readPosition(Reading& reading, const ExifBlock& block, std::uint32_t directory)
+void readPosition(TagReading& reading, const ExifBlock& block, std::uint32_t directory)
 {
     reading.latitude = reading.longitude = std::nullopt;
     reading.latitudeReference = reading.longitudeReference = {};
@@ -159,7 +159,7 @@ std::optional<ExifBlock> openIfThere(FileWindow& file, const std::optional<ByteR
     return range ? ExifBlock::open(file, *range) : std::nullopt;
 }
 
-void readWhole(Reading& reading, FileWindow& file, ByteRange range)
+void readWhole(TagReading& reading, FileWindow& file, ByteRange range)
 {
     const auto block = ExifBlock::open(file, range);
     if (!block)
@@ -178,7 +178,7 @@ void readWhole(Reading& reading, FileWindow& file, ByteRange range)
 
 ExifTags readExifTags(FileWindow& file, const MetadataBlocks& blocks)
 {
-    Reading reading;
+    TagReading reading;
     reading.tags = blocks.own;
     if (blocks.exif)
         readWhole(reading, file, *blocks.exif);

@@ -110,8 +110,8 @@ void MetadataWriteBack::count()
 
 const std::string* MetadataWriteBack::failureOf(PhotoID photo) const
 {
-    const auto found = failed_.find(photo);
-    return found == failed_.end() ? nullptr : &found->second;
+    const auto& status = store_.status(photo);
+    return status.kind == PhotoItem::Status::Kind::error ? &status.message : nullptr;
 }
 
 void MetadataWriteBack::scheduleAutosave()
@@ -199,10 +199,9 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
     statusMessage_ = std::move(message);
     failures_ = result.failures;
     hasFailed_ = !result.failures.empty() || !result.fault.empty();
-    for (const PhotoID photo : result.touched)
-        failed_.erase(photo);
+    store_.setStatus(result.touched, {});
     for (const auto& [photo, why] : result.failures)
-        failed_[photo] = why;
+        store_.setStatus(std::span(&photo, 1), {PhotoItem::Status::Kind::error, why});
     store_.photosChanged(store_.catalog().withVersions(result.touched));
     dirtyCount_ = store_.catalog().dirtyCount();
     changed.emit();

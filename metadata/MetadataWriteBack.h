@@ -7,7 +7,6 @@
 
 #include <stop_token>
 #include <string>
-#include <unordered_map>
 
 namespace korvo {
 
@@ -92,7 +91,6 @@ private:
     std::string statusMessage_;
     std::stop_source stop_; // of what is running
     std::vector<FileFailure> failures_;
-    std::unordered_map<PhotoID, std::string> failed_; // also in saves before the last
     Connection storeChanged_;
     MainThread::Timer autosaveTask_;
     Task task_; // last, so that it ends first

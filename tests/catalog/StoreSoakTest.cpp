@@ -109,7 +109,7 @@ public:
             now().projects[library_.catalog->createProject("project", "project", std::nullopt)] = {"project"};
         }
         library_.catalog->database().run("UPDATE photos SET folder_id = ? WHERE id <= ?",
-            library_.catalog->addFolder("/photos", 1), lastInFolder);
+            library_.catalog->addFolder("/photos", 1).id, lastInFolder);
         state_.tables = contentOf(*library_.catalog);
         open();
     }
