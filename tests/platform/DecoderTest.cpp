@@ -116,8 +116,9 @@ TEST(Decoder, writesIntoMemoryOnlyAndNeverIntoAFile)
     const auto name = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(opened.descriptor());
     for (const fs::path& memory : {fs::path(name), original, folder / "nothing"}) {
         const auto decoder = launcher->start({KORVO_DECODER});
-        const auto out = decoder->ask(DecoderRequest{7, heicFile, {}, memory}.encoded(),
-            [](const ProcessOutput& output) { return isWholeMessage(output.out); }, {});
+        const DecoderRequest request{7, heicFile, {}, memory};
+        const auto out = decoder->ask(
+            request.encoded(), [](const ProcessOutput& output) { return isWholeMessage(output.out); }, {});
         const auto answer = DecoderAnswer::decoded(out.out);
         EXPECT_EQ(answer.number, 7);
         EXPECT_EQ(std::get<DecoderAnswer::Failure>(answer.result).which, ImageError::Case::memory);
