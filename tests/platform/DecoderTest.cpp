@@ -116,7 +116,10 @@ TEST(Decoder, writesIntoMemoryOnlyAndNeverIntoAFile)
     const auto name = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(opened.descriptor());
     for (const fs::path& memory : {fs::path(name), original, folder / "nothing"}) {
         const auto decoder = launcher->start({KORVO_DECODER});
-        const DecoderRequest request{7, heicFile, {}, memory};
+        DecoderRequest request;
+        request.number = 7;
+        request.file = heicFile;
+        request.memory = memory;
         const auto out = decoder->ask(
             request.encoded(), [](const ProcessOutput& output) { return isWholeMessage(output.out); }, {});
         const auto answer = DecoderAnswer::decoded(out.out);
