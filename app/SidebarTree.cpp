@@ -312,11 +312,12 @@ std::optional<Siblings> albumSiblings(const std::vector<AlbumRow>& albums, std::
     return siblings;
 }
 
-/// The projects or albums among which this one stands; none when it is gone.
+/// The projects or albums among which this one stands; none when it is gone, or is of another kind.
 std::optional<Siblings> siblingsOf(const LibraryTree& tree, const SidebarKey& key)
 {
-    return key.kind == Kind::project ? projectSiblings(tree.projects, key.id)
-                                     : albumSiblings(tree.albums, key.id);
+    if (key.kind == Kind::project)
+        return projectSiblings(tree.projects, key.id);
+    return key.kind == Kind::album ? albumSiblings(tree.albums, key.id) : std::nullopt;
 }
 
 void place(LibraryStore& store, const SidebarKey& what, Parent parent, Parent before)

@@ -207,6 +207,9 @@ TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
     EXPECT_TRUE(places[0].children.empty()) << "neither into itself nor into what lies in it";
     moveLine(store, birds, {places[0].kind, places[0].id});
     EXPECT_FALSE(store.tree().keywords[1].parentID);
+    ASSERT_EQ(animals.id, albums[0].id) << "albums have numbers of their own";
+    stepLine(store, animals, 1);
+    EXPECT_FALSE(store.tree().keywords[0].parentID) << "keywords stand in the order of their names";
     store.setRating(IDs{1}, -1);
     dropPhotos(
         store, {Kind::source, static_cast<std::int64_t>(LibrarySource::Kind::flagged), "Flagged"}, IDs{1});
