@@ -121,15 +121,18 @@ void MarksBar::paintEvent(QPaintEvent*)
         fontMetrics().elidedText(name, Qt::ElideMiddle, room.width()));
 }
 
+/// The label may take the photo out of what is shown, and this line with it while the menu is still there.
 void MarksBar::chooseLabel(const std::vector<PhotoID>& ids)
 {
-    QMenu menu(this);
+    auto* const menu = new QMenu(window());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
     for (int number = 0; number <= static_cast<int>(PhotoLabel::gray); ++number) {
         const auto label = static_cast<PhotoLabel>(number);
-        menu.addAction(qt(name(label)), this,
-            [this, ids, label] { desktop_.attempt([&] { desktop_.store().setLabel(ids, label); }); });
+        menu->addAction(qt(name(label)), [&desktop = desktop_, ids, label] {
+            desktop.attempt([&] { desktop.store().setLabel(ids, label); });
+        });
     }
-    menu.exec(mapToGlobal(labelRect().topLeft()));
+    menu->popup(mapToGlobal(labelRect().topLeft()));
 }
 
 void MarksBar::mousePressEvent(QMouseEvent* event)

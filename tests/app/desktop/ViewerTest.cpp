@@ -1,9 +1,12 @@
+#include "app/SearchFilter.h"
 #include "app/desktop/adjust/AdjustPanel.h"
 #include "app/desktop/adjust/ExportSheet.h"
+#include "app/desktop/viewer/MarksBar.h"
 #include "app/desktop/viewer/Pages.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QLineEdit>
+#include <QPointer>
 #include <QTabWidget>
 
 #include <gtest/gtest.h>
@@ -175,6 +178,29 @@ TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().contains("gone.jpg"); }, wait));
     t.store().setRating(t.desktop->browser().targets(), 3);
     EXPECT_EQ(t.listed(gone).rating, 3);
+}
+
+TEST(Viewer, aLabelChosenBelowAPhotoMayTakeItOutOfTheSurvey)
+{
+    TestWindow t(3);
+    const std::vector<PhotoID> all{1, 2, 3};
+    t.store().setLabel(all, PhotoLabel::red);
+    t.store().narrow(rulesOf({.labels = {PhotoLabel::red}}));
+    t.store().select(all);
+    t.desktop->browser().setMode(ViewMode::survey);
+    MarksBar* last = nullptr;
+    for (auto* const widget : t.window->findChildren<QWidget*>())
+        if (auto* const bar = dynamic_cast<MarksBar*>(widget); bar && bar->isVisible())
+            last = bar;
+    ASSERT_TRUE(last);
+    const int side = last->fontMetrics().height();
+    QTest::mouseClick(last, Qt::LeftButton, {}, QPoint(24 + 6 * side + side / 2, last->height() / 2));
+    const QPointer<QWidget> menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(menu);
+    QTest::keyClick(menu, Qt::Key_Up); // the last label
+    QTest::keyClick(menu, Qt::Key_Return);
+    EXPECT_EQ(t.store().list().shown().size(), 2U);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !menu; }));
 }
 
 TEST(Adjust, aSliderDrawsAtOnceAndIsStoredWhenItIsLetGo)
