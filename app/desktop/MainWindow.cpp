@@ -230,6 +230,14 @@ QWidget* MainWindow::centre() const
     return stack_->currentWidget();
 }
 
+void MainWindow::setShown(QWidget& part, bool isShown)
+{
+    const auto* const focus = QApplication::focusWidget();
+    if (!isShown && centre() && focus && (focus == &part || part.isAncestorOf(focus)))
+        centre()->setFocus();
+    part.setVisible(isShown);
+}
+
 void MainWindow::makeCommands()
 {
     auto& browser = desktop_.browser();
@@ -306,8 +314,8 @@ void MainWindow::toggleSides()
 
 void MainWindow::showSides(Sides sides)
 {
-    sidebar_->setVisible(sides.sidebar);
-    inspector_->setVisible(sides.inspector);
+    setShown(*sidebar_, sides.sidebar);
+    setShown(*inspector_, sides.inspector);
     commands_.setChecked(Command::sidebar, sides.sidebar);
     commands_.setChecked(Command::inspector, sides.inspector);
 }
@@ -316,7 +324,7 @@ void MainWindow::toggle(Command command, QWidget* widget)
 {
     if (!widget)
         return;
-    widget->setVisible(widget->isHidden());
+    setShown(*widget, widget->isHidden());
     commands_.setChecked(command, !widget->isHidden());
 }
 
@@ -331,7 +339,7 @@ void MainWindow::showMode()
             widget->setFocus();
     }
     if (filmstrip_)
-        filmstrip_->setVisible(filmstripWanted_ && mode != ViewMode::grid && mode != ViewMode::fullScreen);
+        setShown(*filmstrip_, filmstripWanted_ && mode != ViewMode::grid && mode != ViewMode::fullScreen);
 }
 
 } // namespace korvo

@@ -47,6 +47,9 @@ public:
 
     /// The widget the centre shows now, for the focus.
     QWidget* centre() const;
+    /// Shows or hides a part of the window. What has the focus in it leaves it to the centre, not to whatever
+    /// field comes next, which would take the next key for a text.
+    void setShown(QWidget& part, bool isShown);
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;

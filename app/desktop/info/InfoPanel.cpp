@@ -46,7 +46,8 @@ QString breakable(const QString& path)
 } // namespace
 
 InfoPanel::InfoPanel(MainWindow& window)
-    : desktop_(window.desktop()), form_(new DescriptiveForm(desktop_)), versions_(new VersionList(window))
+    : window_(window), desktop_(window.desktop()), form_(new DescriptiveForm(desktop_)),
+      versions_(new VersionList(window))
 {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
@@ -262,11 +263,11 @@ void InfoPanel::showWriteBack()
     const auto& writeBack = desktop_.session().writeBack();
     const bool waits = reading_.waiting > 0 && !writeBack.isSaving();
     const bool failed = !writeBack.failures().empty() && !writeBack.isSaving();
-    save_->setVisible(waits);
-    revert_->setVisible(waits);
-    stop_->setVisible(writeBack.isSaving());
-    failures_->setVisible(failed);
-    writeBackRow_->setVisible(waits || failed || writeBack.isSaving());
+    window_.setShown(*save_, waits);
+    window_.setShown(*revert_, waits);
+    window_.setShown(*stop_, writeBack.isSaving());
+    window_.setShown(*failures_, failed);
+    window_.setShown(*writeBackRow_, waits || failed || writeBack.isSaving());
     setOrHide(*status_, qt(writeBack.statusMessage()));
 }
 

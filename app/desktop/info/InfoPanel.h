@@ -59,6 +59,7 @@ private:
         std::size_t waiting = 0; // with metadata that is not in the file yet
     };
 
+    MainWindow& window_;
     Desktop& desktop_;
     DescriptiveForm* form_;
     QLabel* title_;

@@ -63,15 +63,17 @@ VersionList::VersionList(MainWindow& window)
 
 void VersionList::clear()
 {
+    const QSignalBlocker quiet(rows_);
     rows_->clear();
-    hide();
+    window_.setShown(*this, false);
 }
 
 void VersionList::setVersions(PhotoID chosen, const std::vector<PhotoItem>& versions)
 {
-    clear();
     if (versions.empty())
-        return;
+        return clear();
+    const QSignalBlocker quiet(rows_); // the buttons stay as they are until the rows are there again
+    rows_->clear();
     addRow(*versions.front().versionOf, "Original");
     for (const auto& version : versions)
         addRow(version.id, qt(repairedUtf8(version.versionName.view())));
@@ -113,8 +115,11 @@ std::optional<PhotoID> VersionList::chosenVersion() const
 
 void VersionList::showButtons()
 {
+    const bool isVersion = chosenVersion().has_value();
+    if (!isVersion && (rename_->hasFocus() || remove_->hasFocus()))
+        rows_->setFocus(); // else Qt gives it to the next field
     for (auto* const button : {rename_, remove_})
-        button->setEnabled(chosenVersion().has_value());
+        button->setEnabled(isVersion);
 }
 
 } // namespace korvo

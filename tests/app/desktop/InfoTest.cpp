@@ -127,6 +127,17 @@ TEST(Info, undoTakesBackTheTypingFirst)
     EXPECT_EQ(t.listed(1).rating, 0);
 }
 
+TEST(Info, aFieldThatIsHiddenLeavesTheKeysToThePhotos)
+{
+    TestWindow t(1);
+    t.store().select({1});
+    settle();
+    type(t, "Title", "First");
+    t.press(Qt::Key_F8);
+    EXPECT_EQ(QApplication::focusWidget(), t.window->centre());
+    EXPECT_EQ(t.listed(1).metadata.title, "First");
+}
+
 TEST(Info, quittingAsksForATextThatCannotBeStored)
 {
     TestWindow t(1);

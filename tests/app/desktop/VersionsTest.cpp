@@ -78,6 +78,7 @@ TEST(Versions, theInfoTabListsOpensAndRemovesThem)
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return rows.count() == 3 && rows.item(2)->text() == "Black and White"; }));
     EXPECT_EQ(rows.currentRow(), 1);
+    EXPECT_EQ(QApplication::focusWidget(), &rows) << "not a field, which would take the next mark for a text";
     for (auto* const button : t.window->findChildren<QPushButton*>())
         if (button->text() == "Remove")
             button->click();
@@ -85,6 +86,11 @@ TEST(Versions, theInfoTabListsOpensAndRemovesThem)
     EXPECT_EQ(shown(t), (IDs{1, 4}));
     t.store().undo();
     versionRows(t, 3);
+    rows.setFocus();
+    t.store().removeVersion(4);
+    t.store().removeVersion(3);
+    versionRows(t, 0);
+    EXPECT_EQ(QApplication::focusWidget(), t.window->centre());
 }
 
 } // namespace korvo
