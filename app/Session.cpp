@@ -16,9 +16,9 @@ void Session::photosAdded()
     readWhatIsNew();
 }
 
-void Session::photosAdded(std::string_view verb, AddedRows added)
+void Session::photosAdded(std::string_view verb, AddedRows added, std::uint64_t since)
 {
-    store_.adopt(verb, std::move(added));
+    store_.adopt(verb, std::move(added), since);
     readWhatIsNew();
 }
 

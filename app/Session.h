@@ -22,7 +22,8 @@ public:
     /// Shows photos that were added to the catalog, and reads those of them that were not read yet.
     void photosAdded();
     /// The same when a job has added all that it does: it can be undone, as "Import 24 Photos" by its verb.
-    void photosAdded(std::string_view verb, AddedRows added);
+    /// `since` is the store's newestStep() when the job began.
+    void photosAdded(std::string_view verb, AddedRows added, std::uint64_t since);
 
 private:
     void readWhatIsNew();

@@ -110,19 +110,26 @@ void LibraryStore::perform(std::string title, const std::function<void(Catalog&)
     publish(rows);
 }
 
-void LibraryStore::adopt(std::string_view verb, AddedRows added)
+void LibraryStore::adopt(std::string_view verb, AddedRows added, std::uint64_t since)
 {
     main_.assertCurrent();
     if (added.areThere())
-        history_.add({.title = std::string(verb) + " " + counted(added.photos.size(), "Photo"),
-            .changes = {},
-            .added = std::move(added)});
+        history_.addBehind(since,
+            {.title = std::string(verb) + " " + counted(added.photos.size(), "Photo"),
+                .changes = {},
+                .added = std::move(added)});
     reload();
 }
 
 std::optional<std::uint64_t> LibraryStore::undoStep() const
 {
     const UndoStep* const step = history_.toUndo();
+    return step ? std::optional(step->number) : std::nullopt;
+}
+
+std::optional<std::uint64_t> LibraryStore::redoStep() const
+{
+    const UndoStep* const step = history_.toRedo();
     return step ? std::optional(step->number) : std::nullopt;
 }
 
@@ -138,16 +145,18 @@ std::optional<std::string> LibraryStore::redoTitle() const
     return step ? std::optional(step->title) : std::nullopt;
 }
 
-void LibraryStore::undo()
+std::size_t LibraryStore::undo()
 {
     main_.assertCurrent();
     const UndoStep* const step = history_.toUndo();
     if (!step)
-        return;
+        return 0;
     if (step->added.areThere()) {
         const auto taken = recorded([&](Catalog& catalog) { catalog.takeOut(step->added); });
+        const auto photos = step->added.photos.size();
         history_.undone(taken.inverted());
-        return publish(changedRows(catalog_->database(), taken));
+        publish(changedRows(catalog_->database(), taken));
+        return photos;
     }
     const auto inverse = step->changes.inverted();
     const auto touched = changedRows(catalog_->database(), inverse);
@@ -161,6 +170,7 @@ void LibraryStore::undo()
     }
     history_.undone();
     publish(rows, touched.inserted.empty() ? touched.updated : touched.inserted);
+    return 0;
 }
 
 void LibraryStore::redo()

@@ -142,17 +142,23 @@ public:
 
     /// Reads the current source again after a job has added something, which becomes one action, "Import 24
     /// Photos": undo does Catalog::takeOut, the files stay, and redo brings everything back as it was then.
-    void adopt(std::string_view verb, AddedRows added);
+    /// What was done since the job began, when newestStep() was `since`, is undone before it.
+    void adopt(std::string_view verb, AddedRows added, std::uint64_t since);
 
     /// A number for the action that would be undone, which no other gets.
     std::optional<std::uint64_t> undoStep() const;
+    /// The same of the action that would be redone.
+    std::optional<std::uint64_t> redoStep() const;
+    /// That of the action that came last; 0 before the first.
+    std::uint64_t newestStep() const { return history_.newest(); }
     /// The title of the action that would be undone or redone, for the menu.
     std::optional<std::string> undoTitle() const;
     std::optional<std::string> redoTitle() const;
     /// Takes the last action back, or does it again, and selects the photos it touched. Nothing happens when
     /// there is none; a step that can no longer be taken is forgotten, and DatabaseError thrown. Metadata
     /// that comes back waits to be written into the files again.
-    void undo();
+    /// Undo returns how many photos it took out of the library with what had been added.
+    std::size_t undo();
     void redo();
 
     /// Publishes changes that were made to these photos beside the store, by background work.

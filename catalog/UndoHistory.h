@@ -29,11 +29,19 @@ public:
     void add(UndoStep step)
     {
         steps_.resize(done_);
-        steps_.push_back(std::move(step));
-        steps_.back().number = ++newest_;
-        forgetOldest();
-        done_ = steps_.size();
+        put(std::move(step), done_);
     }
+    /// An action that ends now but began when the step `since` was the newest: what was done meanwhile is
+    /// undone before it, and what was undone still can be redone.
+    void addBehind(std::uint64_t since, UndoStep step)
+    {
+        auto place = done_;
+        while (place > 0 && steps_[place - 1].number > since)
+            --place;
+        put(std::move(step), place);
+    }
+    /// The number of the action that came last, done or undone; 0 before the first.
+    std::uint64_t newest() const { return newest_; }
 
     /// The action that undo takes back, and the one that redo does again; null when there is none.
     const UndoStep* toUndo() const { return done_ > 0 ? &steps_[done_ - 1] : nullptr; }
@@ -49,6 +57,14 @@ public:
     void redone() { ++done_; }
 
 private:
+    void put(UndoStep step, std::size_t place)
+    {
+        step.number = ++newest_;
+        steps_.insert(steps_.begin() + static_cast<std::ptrdiff_t>(place), std::move(step));
+        ++done_;
+        forgetOldest();
+    }
+
     void forgetOldest()
     {
         std::size_t bytes = 0;
@@ -57,6 +73,7 @@ private:
         while (steps_.size() > stepsKept || (bytes > bytesKept && steps_.size() > fewestSteps)) {
             bytes -= steps_.front().changes.bytes().size();
             steps_.pop_front();
+            done_ -= done_ > 0 ? 1 : 0;
         }
     }
 

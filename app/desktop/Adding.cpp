@@ -55,9 +55,10 @@ void addToLibrary(Desktop& desktop, std::vector<std::filesystem::path> paths)
         *added = std::move(result);
         return summaryOf(result);
     };
-    desktop.jobs().start("Adding", std::move(work), [&desktop, added](const Job& job) {
+    const auto since = desktop.store().newestStep();
+    desktop.jobs().start("Adding", std::move(work), [&desktop, added, since](const Job& job) {
         desktop.attempt([&] {
-            desktop.session().photosAdded("Add", std::move(*added));
+            desktop.session().photosAdded("Add", std::move(*added), since);
             desktop.say(job.summary(), Offer::undo);
         });
     });

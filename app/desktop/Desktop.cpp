@@ -37,6 +37,15 @@ void Desktop::say(std::string text, Offer offer)
         offer == Offer::undo && step != stepBefore_ ? step : std::nullopt});
 }
 
+void Desktop::undo()
+{
+    if (const auto photos = store().undo(); photos > 0)
+        noticed.emit({Notice::Kind::note,
+            "Took " + counted(photos, "photo") + " out of the library. "
+                + (photos == 1 ? "Its file stays." : "Their files stay."),
+            std::nullopt, store().redoStep()});
+}
+
 void Desktop::fail(const std::exception& error)
 {
     noticed.emit({Notice::Kind::error, asSentence(textForUser(error))});

@@ -20,6 +20,7 @@ struct Notice {
     Kind kind;
     std::string text;
     std::optional<std::uint64_t> undoes = std::nullopt; ///< the step that a button beside it takes back
+    std::optional<std::uint64_t> redoes = std::nullopt; ///< or does again
 };
 
 enum class Offer { nothing, undo };
@@ -64,6 +65,9 @@ public:
     /// Shows a line that goes after five seconds, with a button that takes back what the attempt that says so
     /// did, if that is offered and anything was done.
     void say(std::string text, Offer offer = Offer::nothing);
+    /// Takes the last action back. When photos leave the library by that, says how many, and offers to bring
+    /// them back.
+    void undo();
     /// Shows what went wrong, as a sentence; it stays until it is clicked away.
     void fail(const std::exception& error);
     /// Does something that the user asked for, and shows what goes wrong with it.

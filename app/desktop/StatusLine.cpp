@@ -53,7 +53,8 @@ private:
     void notice(const Notice& notice);
     void showNotice(const Notice& notice);
     void hideNotice();
-    void undoNoticed();
+    bool isOffered() const;
+    void takeOffer();
     void showUnwritten();
     void sayWhatWasWritten();
     void showJob();
@@ -66,7 +67,8 @@ private:
     Desktop& desktop_;
     bool saving_ = false;
     std::vector<Notice> errors_; // that were not closed yet; the last one is shown
-    std::optional<std::uint64_t> undoes_; // the step that the notice offers to take back
+    std::optional<std::uint64_t> undoes_,
+        redoes_; // the step that the notice offers to take back or bring back
     QLabel* counts_;
     ElidedLabel* notice_;
     QToolButton* undo_;
@@ -103,14 +105,13 @@ StatusLine::StatusLine(MainWindow& window)
     bar->addWidget(notice_);
     bar->addWidget(undo_);
     bar->addWidget(close_);
-    undo_->setText("Undo");
     close_->setText("Close");
     cancel_->setText("Cancel");
     progress_->setMaximumWidth(140);
     progress_->setMaximumHeight(14);
     progress_->setTextVisible(false);
     unwritten_->setToolTip("Write metadata to the files now (Ctrl+S)");
-    connect(undo_, &QToolButton::clicked, this, [this] { undoNoticed(); });
+    connect(undo_, &QToolButton::clicked, this, [this] { takeOffer(); });
     connect(close_, &QToolButton::clicked, this, [this] {
         errors_.pop_back();
         hideNotice();
@@ -124,7 +125,7 @@ StatusLine::StatusLine(MainWindow& window)
     connect(&jobTimer_, &QTimer::timeout, this, [this] { showJob(); });
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) {
         showCounts();
-        undo_->setVisible(undoes_ && undoes_ == desktop_.store().undoStep());
+        undo_->setVisible(isOffered());
     });
     noticed_ = desktop_.noticed.connect([this](const Notice& said) { notice(said); });
     jobsChanged_ = desktop_.jobs().changed.connect([this] { showJob(); });
@@ -167,7 +168,9 @@ void StatusLine::showNotice(const Notice& notice)
     notice_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
     notice_->show();
     undoes_ = notice.undoes;
-    undo_->setVisible(undoes_.has_value());
+    redoes_ = notice.redoes;
+    undo_->setText(redoes_ ? "Redo" : "Undo");
+    undo_->setVisible(isOffered());
     close_->setVisible(isError);
     close_->setText(errors_.size() > 1 ? "Close (" + number(errors_.size() - 1) + " more)" : "Close");
     if (isError)
@@ -176,19 +179,30 @@ void StatusLine::showNotice(const Notice& notice)
         noticeTimer_.start(noticeStays);
 }
 
-/// Not by the command, which takes back whatever came last, such as the text that is being typed.
-void StatusLine::undoNoticed()
+/// Whether the step that is offered is still the one that comes next.
+bool StatusLine::isOffered() const
 {
-    const auto step = undoes_;
+    const auto& store = desktop_.store();
+    return (undoes_ && undoes_ == store.undoStep()) || (redoes_ && redoes_ == store.redoStep());
+}
+
+/// Not by the commands, which take back whatever came last, such as the text that is being typed.
+void StatusLine::takeOffer()
+{
+    const bool isPossible = window_.commands().settle() && isOffered();
+    const bool isRedo = redoes_.has_value();
     hideNotice();
-    if (window_.commands().settle() && step == desktop_.store().undoStep())
-        desktop_.attempt([this] { desktop_.store().undo(); });
+    if (isPossible && isRedo)
+        desktop_.attempt([this] { desktop_.store().redo(); });
+    else if (isPossible)
+        desktop_.attempt([this] { desktop_.undo(); });
 }
 
 void StatusLine::hideNotice()
 {
     noticeTimer_.stop();
     undoes_.reset();
+    redoes_.reset();
     if (!errors_.empty())
         return showNotice(errors_.back());
     for (QWidget* const widget : std::initializer_list<QWidget*>{notice_, undo_, close_})

@@ -198,20 +198,20 @@ TEST(LibraryStore, whatAJobAddedIsTakenOutAsOneStepAndComesBackWithAllItHas)
         added.photos.push_back(catalog.addPhotos(std::span(&photo, 1)).front().id);
     }
     catalog.assignToProject(added.photos, project);
-    t.store->adopt("Import", added);
-    EXPECT_EQ(t.store->undoTitle(), "Import 2 Photos");
-    const auto step = t.store->undoStep();
-    t.store->setRating(only(2), 4);
-    EXPECT_NE(t.store->undoStep(), step);
+    const auto since = t.store->newestStep();
+    t.store->reload();
+    t.store->setRating(only(2), 4); // while the photos are being added
+    t.store->adopt("Import", added, since);
+    EXPECT_EQ(t.store->undoTitle(), "Set Rating") << "what was done meanwhile is taken back first";
     catalog.storeCameraData(3, {.camera = "K1"}); // as the backfills do, by no step
     const NewPhoto other{.folderID = kept, .path = "/photos/later.jpg"};
     catalog.addPhotos(std::span(&other, 1));
     t.store->reload();
     const auto before = contentOf(catalog);
 
-    t.store->undo();
-    EXPECT_EQ(t.store->undoStep(), step);
-    t.store->undo();
+    EXPECT_EQ(t.store->undo(), 0U);
+    EXPECT_EQ(t.store->undoTitle(), "Import 2 Photos");
+    EXPECT_EQ(t.store->undo(), 2U);
     EXPECT_EQ(t.shown(), (Names{"a.jpg", "later.jpg"}));
     EXPECT_TRUE(t.store->tree().projects.empty());
     EXPECT_EQ(t.store->tree().folders.size(), 1U) << "the one with a photo of another's stays";

@@ -375,10 +375,11 @@ void ImportSheet::importFrom(ImportPlan plan)
         *added = std::move(result);
         return said;
     };
+    const auto since = desktop.store().newestStep();
     desktop_.jobs().start(
-        "Importing from " + nameOf(source_), work, [sheet, added, &desktop](const Job& job) {
+        "Importing from " + nameOf(source_), work, [sheet, added, since, &desktop](const Job& job) {
             desktop.attempt([&] {
-                desktop.session().photosAdded("Import", std::move(*added));
+                desktop.session().photosAdded("Import", std::move(*added), since);
                 desktop.say(job.summary(), Offer::undo);
             });
             if (sheet)

@@ -380,6 +380,14 @@ TEST(MainWindow, takesDroppedFilesWhateverBytesTheirNamesHave)
     t.window->addDropped(dropped);
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.store().list().shown().size() == 1; }));
     EXPECT_EQ(t.store().list().items()[0].path(), file);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return t.store().undoTitle() == "Add 1 Photo"; }));
+    t.window->commands().run(Command::undo);
+    EXPECT_TRUE(t.store().list().shown().empty());
+    auto* const redo = visibleButton(t, "Redo");
+    ASSERT_TRUE(redo);
+    redo->click();
+    EXPECT_EQ(t.store().list().shown().size(), 1U);
+    EXPECT_FALSE(visibleButton(t, "Redo"));
 }
 
 TEST(MainWindow, livesBeforeItsPhotosAreThere)
