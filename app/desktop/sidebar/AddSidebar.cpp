@@ -27,7 +27,9 @@ void addAddTo(MainWindow& window)
             [](const SidebarNode& node) {
                 return takesPhotos({node.kind, node.id});
             },
-            [&desktop](const SidebarNode& node) {
+            [&window, &desktop](const SidebarNode& node) {
+                if (!window.commands().settle()) // as before every command
+                    return;
                 desktop.attempt([&] {
                     desktop.say(dropPhotos(desktop.store(), node, desktop.browser().targets()), Offer::undo);
                 });

@@ -24,6 +24,7 @@ namespace {
 using Kind = SidebarNode::Kind;
 constexpr int keyRole = Qt::UserRole;
 constexpr int idRole = Qt::UserRole + 1;
+constexpr std::chrono::milliseconds whileEditing{200}; // between looks whether a name is there
 
 SidebarKey keyOf(const QTreeWidgetItem& item)
 {
@@ -85,7 +86,10 @@ Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop(
 
 void Sidebar::refill()
 {
+    if (state() == EditingState) // a name is being typed
+        return refillTimer_.start(whileEditing);
     filling_ = true;
+    const auto chosen = currentItem() ? std::optional(keyOf(*currentItem())) : std::nullopt;
     auto& store = desktop_.store();
     const auto& tree = store.tree(); // which may count
     const auto wereOpen = open();
@@ -94,8 +98,13 @@ void Sidebar::refill()
     for (const auto& key : wereOpen) // a line that has moved is closed
         if (auto* const item = itemOf(key))
             item->setExpanded(true);
+    auto* const item = chosen ? itemOf(*chosen) : nullptr;
+    if (item != currentItem()) // Qt chooses a neighbour for a line that moves or goes
+        setCurrentItem(item);
     filling_ = false;
     filter(filter_);
+    if (!item && chosen && chosen->kind == Kind::keyword)
+        keywordChosen(""); // what was searched for is gone
     showSource();
 }
 
@@ -151,7 +160,8 @@ void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
         flags |= Qt::ItemIsEditable;
     if (node.kind == Kind::project || node.kind == Kind::album || node.kind == Kind::keyword)
         flags |= Qt::ItemIsDragEnabled;
-    item.setFlags(flags);
+    if (flags != item.flags()) // else a name that is being typed would be put back
+        item.setFlags(flags);
 }
 
 void Sidebar::showSource()

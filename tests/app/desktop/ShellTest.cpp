@@ -15,6 +15,7 @@
 #include <QDialog>
 #include <QDropEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QStatusBar>
@@ -215,6 +216,39 @@ TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
         store, {Kind::source, static_cast<std::int64_t>(LibrarySource::Kind::flagged), "Flagged"}, IDs{1});
     EXPECT_TRUE(store.catalog().photo(1)->flagged);
     EXPECT_FALSE(store.catalog().photo(1)->isRejected());
+}
+
+TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
+{
+    TestWindow t(1);
+    auto& store = t.store();
+    const SidebarKey zoo{SidebarNode::Kind::keyword, store.createKeyword("zoo", {})};
+    store.createKeyword("bear", {});
+    auto& sidebar = *sidebarOf(*t.window);
+    const auto line = [&](const char* name) {
+        QTreeWidgetItem* item = nullptr;
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            item = sidebar.findItems(name, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+            return item != nullptr;
+        })) << name;
+        return item;
+    };
+    sidebar.setCurrentItem(line("zoo"));
+    renameLine(store, zoo, "ant");
+    const auto* const moved = line("ant"); // above the other
+    EXPECT_EQ(sidebar.currentItem(), moved);
+    sidebar.renameChosen();
+    auto* const editor = sidebar.viewport()->findChild<QLineEdit*>();
+    ASSERT_TRUE(editor);
+    QTest::keyClicks(editor, "ape");
+    store.createAlbum("Best", {});
+    QTest::qWait(20);
+    EXPECT_EQ(editor->text(), "ape");
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return store.tree().keywords[0].name == "ape"; }));
+    line("Best");
+    deleteLine(store, zoo);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !sidebar.chosenKeyword(); })) << "not the neighbour";
 }
 
 TEST(AlbumOrder, movesWhatIsShownTogether)
