@@ -73,7 +73,7 @@ void Browser::showVersions(PhotoID photo)
             leftForVersions_ = {store_.source(), store_.selection()};
         store_.chooseSource(versions);
     }
-    store_.select({photo});
+    selectShown({photo});
 }
 
 void Browser::leaveVersions()
@@ -82,7 +82,19 @@ void Browser::leaveVersions()
         return;
     const auto [source, selection] = std::exchange(leftForVersions_, {});
     store_.chooseSource(source);
-    store_.select(selection);
+    selectShown(selection);
+}
+
+/// Nothing is selected that nobody sees. Of a list that is still being read the store sees to that.
+void Browser::selectShown(std::vector<PhotoID> ids)
+{
+    const auto& list = store_.list();
+    if (!ids.empty() && !store_.isReading() && !store_.isOrdering()) {
+        std::erase_if(ids, [&](PhotoID id) { return !list.shownFor(id); });
+        if (ids.empty() && !list.shown().empty())
+            ids.push_back(shownAt(list, 0));
+    }
+    store_.select(std::move(ids));
 }
 
 std::vector<PhotoID> Browser::targets() const

@@ -42,6 +42,7 @@ public:
 
 private:
     bool listsVersions() const;
+    void selectShown(std::vector<PhotoID> ids);
     void storeChanged(const LibraryChange& change);
     std::optional<std::size_t> place() const;
     void keepCurrent();

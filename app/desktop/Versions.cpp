@@ -16,6 +16,15 @@ bool listsThem(const LibraryStore& store)
         && (source->kind == LibrarySource::Kind::album || source->kind == LibrarySource::Kind::versions);
 }
 
+/// Shows the version among the others. Returns what is to be said when it cannot be seen there.
+std::string showAmongVersions(Desktop& desktop, PhotoID id)
+{
+    desktop.browser().showVersions(id);
+    const auto& store = desktop.store();
+    const bool isHidden = !store.isReading() && !store.isOrdering() && !store.list().shownPosition(id);
+    return isHidden ? "The filter hides it." : "";
+}
+
 std::string nameOf(Catalog& catalog, PhotoID version)
 {
     const auto item = catalog.photo(version);
@@ -34,8 +43,8 @@ void newVersions(Desktop& desktop)
         store.select(made);
         desktop.browser().setCurrent(made.front());
     } else if (made.size() == 1) {
-        desktop.browser().showVersions(made.front());
-        said += " Esc in the grid goes back.";
+        const auto hidden = showAmongVersions(desktop, made.front());
+        said += hidden.empty() ? " Esc in the grid goes back." : " " + hidden;
     } else {
         said += " The Info tab of each photo lists them.";
     }
@@ -44,8 +53,11 @@ void newVersions(Desktop& desktop)
 
 void openVersion(Desktop& desktop, PhotoID id)
 {
-    if (!desktop.store().list().shownPosition(id))
-        return desktop.browser().showVersions(id);
+    if (!desktop.store().list().shownPosition(id)) {
+        if (const auto hidden = showAmongVersions(desktop, id); !hidden.empty())
+            desktop.say(hidden);
+        return;
+    }
     desktop.store().select({id});
     desktop.browser().setCurrent(id);
 }

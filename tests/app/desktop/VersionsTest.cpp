@@ -59,6 +59,20 @@ TEST(Versions, inAnAlbumANewOneIsSelectedBesideItsPhoto)
     EXPECT_EQ(t.desktop->browser().targets(), IDs{3});
 }
 
+TEST(Versions, nothingIsSelectedThatTheFilterHides)
+{
+    TestWindow t(2);
+    t.store().createVersions(IDs{1}, 1);
+    t.store().select({1});
+    t.desktop->browser().showVersions(3);
+    t.store().setRating(IDs{1}, -1);
+    t.desktop->browser().leaveVersions();
+    EXPECT_EQ(t.store().selection(), IDs{2});
+    t.store().setRating(IDs{3}, -1);
+    t.desktop->browser().showVersions(3);
+    EXPECT_EQ(t.store().selection(), IDs());
+}
+
 TEST(Versions, theInfoTabListsOpensAndRemovesThem)
 {
     TestWindow t(2);
