@@ -82,8 +82,8 @@ void Commands::run(Command command)
     advance_ = std::exchange(shiftOrCapsLock_, false);
     if (command == Command::undo && takeBackWhatIsOpen())
         return refresh();
-    if (!settle() && command != Command::quit) // which asks
-        return;
+    if (!settle() && command != Command::quit && command != Command::escape)
+        return; // quitting asks, and Esc only leaves the field
     if (const auto& handler = handlers_[indexOf(command)])
         desktop_.attempt(handler);
     advance_ = false;

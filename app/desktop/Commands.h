@@ -85,7 +85,7 @@ struct CommandInfo {
 /// All commands in the order of the menus. A line without text is a separator.
 std::span<const CommandInfo> commandTable();
 
-/// A text field in which something was typed that is not stored yet.
+/// Text fields in which something was typed that is not stored yet.
 struct Typing {
     std::function<bool()> isOpen; ///< whether there is one
     std::function<bool()> keep; ///< stores its text; false when that failed

@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace korvo {
 
 namespace {
@@ -64,6 +66,25 @@ void DescriptiveForm::setPhotos(std::vector<PhotoID> photos)
     photos_ = std::move(photos);
     isRead_ = false;
     setEnabled(!photos_.empty());
+}
+
+bool DescriptiveForm::isTouched() const
+{
+    return std::ranges::any_of(fields_, [](const FieldEdit* field) { return field->isTouched(); });
+}
+
+bool DescriptiveForm::commit()
+{
+    for (auto* const field : fields_)
+        field->commit();
+    return !isTouched();
+}
+
+void DescriptiveForm::takeBack()
+{
+    for (auto* const field : fields_)
+        if (field->isTouched())
+            field->takeBack();
 }
 
 void DescriptiveForm::waitForTexts()

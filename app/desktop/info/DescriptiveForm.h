@@ -28,6 +28,12 @@ public:
     /// In a list of photos without ALT text, Enter goes on to the next. `left` is how many there are.
     void workOffAltTexts(std::optional<std::size_t> left);
 
+    /// Whether a text was typed that is not stored, wherever the focus is.
+    bool isTouched() const;
+    /// Stores what was typed; false when that failed.
+    bool commit();
+    void takeBack();
+
     FieldEdit& field(std::size_t place) { return *fields_[place]; }
 
 private:

@@ -145,6 +145,8 @@ TEST(Info, quittingAsksForATextThatCannotBeStored)
     settle();
     type(t, "Title", "First");
     t.store().catalog().database().exec("PRAGMA query_only = ON");
+    t.press(Qt::Key_Escape);
+    EXPECT_EQ(QApplication::focusWidget(), t.window->centre()) << "the text waits in its field";
     QString asked;
     QTimer::singleShot(0, [&] {
         auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
