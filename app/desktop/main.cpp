@@ -11,6 +11,7 @@
 #include "catalog/DatabaseError.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
+#include "platform/HeapArenas.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -173,6 +174,7 @@ int run(Application& application, const Options& options)
 int main(int argc, char** argv)
 {
     using namespace korvo;
+    keepFewHeapArenas();
     chooseSystem(argc, argv);
     Application application(argc, argv);
     QApplication::setApplicationName("korvo-desktop");
