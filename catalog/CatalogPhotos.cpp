@@ -181,8 +181,7 @@ void Catalog::deletePhotos(std::span<const PhotoID> ids)
     const auto touched = stacksOf("SELECT stack_id FROM photos WHERE id = ?", ids);
     forEachID(database_, "DELETE FROM photos WHERE id = ?", ids,
         [](Statement& statement, PhotoID id) { statement.bind(id); });
-    for (const PhotoID id : ids)
-        dropMetadataBase(id);
+    // The bases of their metadata stay: undo may bring back photos that wait, and no other gets their ids.
     repairStacks(touched);
     transaction.commit();
 }
