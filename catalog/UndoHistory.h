@@ -53,8 +53,17 @@ public:
 
     void undone() { --done_; }
     /// The same, where undoing it took back more than was recorded.
-    void undone(Changeset redo) { steps_[--done_].changes = std::move(redo); }
-    void redone() { ++done_; }
+    void undone(Changeset redo)
+    {
+        steps_[--done_].changes = std::move(redo);
+        forgetOldest();
+    }
+    void redone()
+    {
+        if (steps_[done_].added.areThere()) // undo goes by these
+            steps_[done_].changes = {};
+        ++done_;
+    }
 
 private:
     void put(UndoStep step, std::size_t place)
@@ -70,10 +79,11 @@ private:
         std::size_t bytes = 0;
         for (const auto& step : steps_)
             bytes += step.changes.bytes().size();
-        while (steps_.size() > stepsKept || (bytes > bytesKept && steps_.size() > fewestSteps)) {
+        while (
+            done_ > 0 && (steps_.size() > stepsKept || (bytes > bytesKept && steps_.size() > fewestSteps))) {
+            --done_;
             bytes -= steps_.front().changes.bytes().size();
             steps_.pop_front();
-            done_ -= done_ > 0 ? 1 : 0;
         }
     }
 
