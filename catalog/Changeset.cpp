@@ -93,6 +93,21 @@ Changeset Changeset::inverted() const
     return takeOver(bytes, size);
 }
 
+void merge(ChangedRows& rows, const ChangedRows& more)
+{
+    for (const auto ids : {&ChangedRows::inserted, &ChangedRows::updated, &ChangedRows::deleted}) {
+        auto& all = rows.*ids;
+        all.insert(all.end(), (more.*ids).begin(), (more.*ids).end());
+        std::sort(all.begin(), all.end());
+        all.erase(std::unique(all.begin(), all.end()), all.end());
+    }
+    for (const auto ids : {&ChangedRows::albums, &ChangedRows::smartAlbums, &ChangedRows::stackIDs})
+        (rows.*ids).insert((more.*ids).begin(), (more.*ids).end());
+    rows.photoColumns.insert(more.photoColumns.begin(), more.photoColumns.end());
+    rows.stacks |= more.stacks;
+    rows.tree |= more.tree;
+}
+
 ChangedRows changedRows(Database& database, const Changeset& changes)
 {
     const auto columns = database.columnsOf("photos");

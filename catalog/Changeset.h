@@ -42,6 +42,9 @@ struct ChangedRows {
     bool tree = false; // a folder, project, album, keyword or person changed
 };
 
+/// Adds what `more` touches, each row once.
+void merge(ChangedRows& rows, const ChangedRows& more);
+
 /// Reads what a changeset touches. Throws DatabaseError.
 ChangedRows changedRows(Database& database, const Changeset& changes);
 

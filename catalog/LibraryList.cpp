@@ -1,3 +1,4 @@
+#include "catalog/DatabaseError.h"
 #include "catalog/LibraryStore.h"
 
 #include <algorithm>
@@ -27,24 +28,26 @@ LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
         toSelect_.clear();
     }
     if (read)
-        show(*std::move(read));
+        show(*std::move(read), {});
     else if (!isListed_) // nothing can be done with photos that are of another source
         replaceList(PhotoList());
     return reading_ ? Shown::later : Shown::yes;
 }
 
-void LibraryStore::show(ReadList read)
+void LibraryStore::show(ReadList read, const ChangedRows& since)
 {
     replaceList(std::move(read.list));
     sourceFault_ = std::move(read.fault);
     isListed_ = true;
+    updateRows(since);
     if (!list_.isArranged()) // the wish came too late
-        order();
+        order(patience_);
 }
 
 void LibraryStore::replaceList(PhotoList list)
 {
     ordering_.reset();
+    late_ = {};
     list.wish(list_.arrangement());
     discard(std::exchange(list_, std::move(list)));
 }
@@ -68,11 +71,9 @@ void LibraryStore::listArrived()
     const auto first = firstSelectedPosition();
     const auto reading = std::move(reading_);
     try {
-        show(reading->take());
-        for (const auto& rows : reading->since)
-            updateList(rows);
+        show(reading->take(), reading->since);
     } catch (const std::exception& error) { // it is read again when others' changes are looked for
-        sourceFault_ = error.what();
+        sourceFault_ = textForUser(error);
         dataVersion_ = -1;
     }
     const bool selected = repairSelection(first);
@@ -96,20 +97,27 @@ void LibraryStore::arrange(ListArrangement as)
     main_.assertCurrent();
     if (as == list_.arrangement())
         return;
-    ordering_.reset(); // which looks at what is wished
+    const auto late = endOrdering(); // which looks at what is wished
     list_.wish(std::move(as));
     if (reading_)
         reading_->arrange(list_.arrangement());
     const auto first = firstSelectedPosition();
-    if (order() == Shown::later)
+    follow([&] { updateRows(late); });
+    const auto shown = order(patience_);
+    if (shown == Shown::later && late.updated.empty())
         return;
     const bool selected = repairSelection(first);
-    changed.emit({.photos = {}, .list = true, .selection = selected});
+    changed.emit({.photos = late.updated, .list = true, .selection = selected});
 }
 
-LibraryStore::Shown LibraryStore::order()
+ChangedRows LibraryStore::endOrdering()
 {
     ordering_.reset();
+    return std::exchange(late_, {});
+}
+
+LibraryStore::Shown LibraryStore::order(std::chrono::milliseconds patience)
+{
     if (list_.items().size() <= fewPhotos) {
         list_.show(list_.ordered());
         return Shown::yes;
@@ -117,7 +125,7 @@ LibraryStore::Shown LibraryStore::order()
     ordering_ = std::make_unique<Background<PhotoList::Order>>(
         main_, [this](const std::stop_token& stop) { return list_.ordered(stop); },
         [this] { orderArrived(); });
-    if (!ordering_->waitFor(patience_))
+    if (!ordering_->waitFor(patience))
         return Shown::later;
     list_.show(std::exchange(ordering_, nullptr)->take());
     return Shown::yes;
@@ -128,8 +136,19 @@ void LibraryStore::orderArrived()
     main_.assertCurrent();
     const auto first = firstSelectedPosition();
     list_.show(std::exchange(ordering_, nullptr)->take());
+    const auto late = std::exchange(late_, {});
+    follow([&] { updateRows(late); });
     const bool selected = repairSelection(first);
-    changed.emit({.photos = {}, .list = true, .selection = selected});
+    changed.emit({.photos = late.updated, .list = true, .selection = selected});
+}
+
+void LibraryStore::follow(const std::function<void()>& step)
+{
+    try {
+        step();
+    } catch (const std::exception&) { // the list is read again when others' changes are looked for
+        dataVersion_ = -1;
+    }
 }
 
 bool LibraryStore::mustReload(const ChangedRows& rows) const
@@ -156,7 +175,7 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
 bool LibraryStore::updateList(const ChangedRows& rows)
 {
     if (reading_)
-        reading_->since.push_back(rows);
+        merge(reading_->since, rows);
     if (mustReload(rows)) {
         if (reading_)
             reading_->isOutdated = true;
@@ -165,12 +184,20 @@ bool LibraryStore::updateList(const ChangedRows& rows)
     }
     if (!isListed_)
         return rows.stacks;
+    // One that is begun again is not waited for: the user may be holding a key down.
+    const auto patience = ordering_ ? std::chrono::milliseconds(0) : patience_;
     ordering_.reset(); // which looks at what is changed now
+    const bool changesRows = updateRows(rows);
+    const bool isReordered = !list_.isArranged() && order(patience) == Shown::yes;
+    return changesRows || isReordered;
+}
+
+bool LibraryStore::updateRows(const ChangedRows& rows)
+{
     const bool changesPhotos = !sourceFault_ && updatePhotos(rows);
     if (rows.stacks)
         list_.setStacks(catalog_->stacks());
-    const bool isReordered = !list_.isArranged() && order() == Shown::yes;
-    return changesPhotos || rows.stacks || isReordered;
+    return changesPhotos || rows.stacks;
 }
 
 std::optional<std::vector<PhotoItem>> LibraryStore::listedOf(std::span<const PhotoID> ids)
@@ -185,6 +212,8 @@ std::optional<std::vector<PhotoItem>> LibraryStore::listedOf(std::span<const Pho
 
 bool LibraryStore::updatePhotos(const ChangedRows& rows)
 {
+    if (rows.updated.empty() && rows.inserted.empty() && rows.deleted.empty())
+        return false;
     auto ids = rows.updated;
     ids.insert(ids.end(), rows.inserted.begin(), rows.inserted.end());
     auto current = listedOf(ids);

@@ -64,9 +64,17 @@ const PhotoItem::Status& LibraryStore::status(PhotoID id) const
 
 void LibraryStore::setStatus(std::span<const PhotoID> ids, const PhotoItem::Status& status)
 {
+    std::vector<std::pair<PhotoID, PhotoItem::Status>> statuses;
+    for (const PhotoID id : ids)
+        statuses.emplace_back(id, status);
+    setStatuses(statuses);
+}
+
+void LibraryStore::setStatuses(std::span<const std::pair<PhotoID, PhotoItem::Status>> statuses)
+{
     main_.assertCurrent();
     LibraryChange change;
-    for (const PhotoID id : ids) {
+    for (const auto& [id, status] : statuses) {
         if (this->status(id) == status)
             continue;
         change.photos.push_back(id);
@@ -82,32 +90,34 @@ void LibraryStore::setStatus(std::span<const PhotoID> ids, const PhotoItem::Stat
 void LibraryStore::chooseSource(std::optional<LibrarySource> source)
 {
     main_.assertCurrent();
+    const bool wasReading = isReading(); // of what will not come: its end will not tell that counts are due
     load(std::move(source));
+    const bool tree = wasReading && !isReading() && counter_.isDue();
     const bool selected = !selection_.empty();
     selection_.clear();
     toSelect_.clear();
-    changed.emit({.photos = {}, .list = true, .selection = selected});
+    changed.emit({.photos = {}, .list = true, .tree = tree, .selection = selected});
 }
 
-Changeset LibraryStore::recorded(const std::function<void(Catalog&)>& change)
+LibraryStore::Recorded LibraryStore::recorded(const std::function<void(Catalog&)>& change)
 {
     Transaction transaction(catalog_->database(), writePatience);
     const ChangeRecorder recorder(catalog_->database());
     change(*catalog_);
-    auto changes = recorder.changes();
+    Recorded done{recorder.changes(), {}};
+    done.rows = changedRows(catalog_->database(), done.changes);
     transaction.commit();
-    return changes;
+    return done;
 }
 
 void LibraryStore::perform(std::string title, const std::function<void(Catalog&)>& change)
 {
     main_.assertCurrent();
-    auto changes = recorded(change);
+    auto [changes, rows] = recorded(change);
     if (changes.empty())
         return;
-    const auto rows = changedRows(catalog_->database(), changes);
     history_.add({.title = std::move(title), .changes = std::move(changes), .added = {}});
-    publish(rows);
+    publish(std::move(rows));
 }
 
 void LibraryStore::adopt(std::string_view verb, AddedRows added, std::uint64_t since)
@@ -152,10 +162,10 @@ std::size_t LibraryStore::undo()
     if (!step)
         return 0;
     if (step->added.areThere()) {
-        const auto taken = recorded([&](Catalog& catalog) { catalog.takeOut(step->added); });
+        auto [taken, rows] = recorded([&](Catalog& catalog) { catalog.takeOut(step->added); });
         const auto photos = step->added.photos.size();
         history_.undone(taken.inverted());
-        publish(changedRows(catalog_->database(), taken));
+        publish(std::move(rows));
         return photos;
     }
     const auto inverse = step->changes.inverted();
@@ -206,9 +216,8 @@ ChangedRows LibraryStore::replay(const Changeset& changes, const ChangedRows& to
     // Others may have stacked the photos anew: their stacks lose them now.
     if (touched.stacks)
         catalog_->repairStacks(changedRows(database, recorder.changes()).stackIDs);
-    const auto happened = recorder.changes();
+    auto rows = changedRows(database, recorder.changes());
     transaction.commit();
-    auto rows = changedRows(database, happened);
     // What others had brought to the same state already may still be shown in its old one.
     rows.updated.insert(rows.updated.end(), touched.updated.begin(), touched.updated.end());
     std::sort(rows.updated.begin(), rows.updated.end());
@@ -221,7 +230,13 @@ void LibraryStore::photosChanged(std::span<const PhotoID> ids)
     main_.assertCurrent();
     ChangedRows rows;
     rows.updated.assign(ids.begin(), ids.end());
-    publish(rows);
+    if (!ordering_)
+        return publish(std::move(rows));
+    // Batches may come faster than a long list is ordered, which thus would never end if each began it anew.
+    merge(late_, rows);
+    if (reading_)
+        merge(reading_->since, rows);
+    changed.emit({.photos = rows.updated});
 }
 
 void LibraryStore::reload()
@@ -244,8 +259,9 @@ void LibraryStore::reloadIfChangedElsewhere()
     }
 }
 
-void LibraryStore::publish(const ChangedRows& rows, std::span<const PhotoID> select)
+void LibraryStore::publish(ChangedRows rows, std::span<const PhotoID> select)
 {
+    merge(rows, std::exchange(late_, {}));
     LibraryChange change;
     change.photos = rows.updated;
     change.metadata = touches(rows, metadataColumns);
@@ -254,7 +270,9 @@ void LibraryStore::publish(const ChangedRows& rows, std::span<const PhotoID> sel
     if (change.tree)
         treeChanged();
     const auto first = firstSelectedPosition();
-    change.list = updateList(rows);
+    const bool wasReading = isReading();
+    follow([&] { change.list = updateList(rows); });
+    change.tree |= wasReading && !isReading() && counter_.isDue();
     const auto before = selection_;
     if (!select.empty())
         selection_.assign(select.begin(), select.end());

@@ -65,6 +65,8 @@ public:
     /// What is being done with the photo, as setStatus has it.
     const PhotoItem::Status& status(PhotoID id) const;
     void setStatus(std::span<const PhotoID> ids, const PhotoItem::Status& status);
+    /// All of them as one change; of two of one photo the later counts.
+    void setStatuses(std::span<const std::pair<PhotoID, PhotoItem::Status>> statuses);
 
     void chooseSource(std::optional<LibrarySource> source);
     /// The photos of a long list are put in order in the background.
@@ -178,17 +180,24 @@ private:
     Shown load(std::optional<LibrarySource> source);
     /// What was waited for is there.
     void listArrived();
-    void show(ReadList read);
+    /// `since` may be missing in what was read.
+    void show(ReadList read, const ChangedRows& since);
     void replaceList(PhotoList list);
     /// Shows the list as it is wished.
     void arrange(ListArrangement as);
-    Shown order();
+    Shown order(std::chrono::milliseconds patience);
     void orderArrived();
+    /// Ends an ordering that may be running, before what it looks at changes. Returns the rows kept for it.
+    ChangedRows endOrdering();
+    /// Does what follows a change that is stored already, and must be told even if the list cannot show it.
+    void follow(const std::function<void()>& step);
     /// Frees a list that may be long, in the background.
     void discard(PhotoList list);
     bool mustReload(const ChangedRows& rows) const;
     /// Brings the list up to date; returns whether it is shown otherwise.
     bool updateList(const ChangedRows& rows);
+    /// The same with these rows alone, while nothing is being ordered.
+    bool updateRows(const ChangedRows& rows);
     bool updatePhotos(const ChangedRows& rows);
     /// Those of the photos that the source lists; nothing when it cannot be listed any more.
     std::optional<std::vector<PhotoItem>> listedOf(std::span<const PhotoID> ids);
@@ -201,12 +210,16 @@ private:
     std::optional<std::size_t> firstSelectedPosition() const;
 
     void treeChanged();
+    struct Recorded {
+        Changeset changes;
+        ChangedRows rows;
+    };
     /// Makes a change in a transaction of its own and returns what it did.
-    Changeset recorded(const std::function<void(Catalog&)>& change);
+    Recorded recorded(const std::function<void(Catalog&)>& change);
     /// Makes the changes, which touch these rows, again, and returns what really happened.
     ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
-    void publish(const ChangedRows& rows, std::span<const PhotoID> select = {});
+    void publish(ChangedRows rows, std::span<const PhotoID> select = {});
 
     MainThread& main_;
     std::unique_ptr<Catalog> catalog_;
@@ -224,6 +237,7 @@ private:
     std::list<Task> discarding_;
     PhotoCounter counter_;
     std::unique_ptr<ListReading> reading_;
+    ChangedRows late_; // what background work changed while ordering_ looks at the list, which thus stands
     std::unique_ptr<Background<PhotoList::Order>> ordering_; // of list_; last, so that it ends first
 };
 

@@ -30,7 +30,7 @@ public:
     bool waitFor(std::chrono::milliseconds patience) { return reading_.waitFor(patience); }
     ReadList take() { return reading_.take(); }
 
-    std::vector<ChangedRows> since; ///< what changed since the beginning, and may be missing in the list
+    ChangedRows since; ///< what changed since the beginning, and may be missing in the list
     bool isOutdated = false; ///< more than such rows may be missing
 
 private:

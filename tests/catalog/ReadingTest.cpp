@@ -187,6 +187,89 @@ TEST_F(StoreReading, manyPhotosAreSortedAndSearchedMeanwhile)
     EXPECT_EQ(store->list().shown().size(), many - 1);
 }
 
+TEST_F(StoreReading, batchesOfBackgroundWorkDoNotKeepALongListFromBeingSorted)
+{
+    ASSERT_TRUE(isRead());
+    Database& database = store->catalog().database();
+    database.exec("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60000) INSERT "
+                  "INTO photos (path, filename, added_at) SELECT printf('/many/%05d.jpg', i), "
+                  "printf('%05d.jpg', i), 1e9 - i FROM n");
+    store->reload();
+    ASSERT_TRUE(isRead());
+    const auto last = store->list().items().back().id; // the earliest
+    store->arrange(SortKey::imported, GridFilter::unratedOrBetter);
+    int batches = 0;
+    ASSERT_TRUE(main.runUntil([&] {
+        database.run("UPDATE photos SET title = ?, rating = ? WHERE id = ?", ++batches, rejectedRating, last);
+        store->photosChanged(only(last));
+        return !store->isOrdering();
+    })) << batches;
+    EXPECT_EQ(store->list().items()[store->list().shown().front()].id, last - 1) << "the last is hidden";
+    EXPECT_EQ(store->list().find(last)->metadata.title.view(), std::to_string(batches));
+    store->arrange(SortKey::name, GridFilter::unratedOrBetter);
+    database.run("UPDATE photos SET title = 'late' WHERE id = ?", last);
+    store->photosChanged(only(last));
+    store->setRating(only(last), 0); // begins anew
+    EXPECT_EQ(store->list().find(last)->metadata.title.view(), "late");
+    ASSERT_TRUE(main.runUntil([&] { return !store->isOrdering(); }));
+    EXPECT_EQ(store->list().shown().size(), 60'300U);
+}
+
+TEST(StoreReadingCounts, areToldThoughAShortListIsChosenMeanwhile)
+{
+    TestLibrary library;
+    const auto photo = library.photo("a.jpg");
+    library.catalog->database().exec(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000) INSERT INTO photos "
+        "(path, filename, added_at) SELECT printf('/many/%05d.jpg', i), printf('%05d.jpg', i), i FROM n");
+    const auto album = library.catalog->createAlbum("Some", std::nullopt);
+    library.catalog->addToAlbum(album, only(photo));
+    ManualMainThread main;
+    LibraryStore store(main, std::move(library.catalog), std::chrono::milliseconds(10));
+    store.tree(); // the sidebar
+    const auto connection = store.changed.connect([&](const LibraryChange& change) {
+        if (change.tree)
+            store.tree();
+    });
+    store.chooseSource(LibrarySource{LibrarySource::Kind::album, album});
+    EXPECT_TRUE(main.runUntil([&] { return store.isCounted() && !store.isReading(); }));
+}
+
+TEST_F(StoreReading, anActionThatIsStoredIsToldThoughTheListCannotFollow)
+{
+    TestLibrary other;
+    const auto photo = other.photo("a.jpg");
+    const auto some = other.catalog->createAlbum("Some", std::nullopt);
+    const auto catalog = other.catalog->libraryURL() / "catalog.sqlite";
+    LibraryStore shown(main, std::move(other.catalog));
+    shown.chooseSource(LibrarySource{LibrarySource::Kind::album, some});
+    bool told = false;
+    const auto connection = shown.changed.connect([&](const LibraryChange&) { told = true; });
+    std::filesystem::rename(catalog, catalog.string() + ".away"); // no further connection can be made
+    EXPECT_NO_THROW(shown.addToAlbum(some, only(photo)));
+    EXPECT_TRUE(told);
+    EXPECT_TRUE(shown.undoTitle());
+    EXPECT_TRUE(shown.list().items().empty());
+    std::filesystem::rename(catalog.string() + ".away", catalog);
+    shown.reloadIfChangedElsewhere();
+    EXPECT_EQ(shown.list().items().size(), 1U);
+}
+
+TEST(MetadataBase, comesBackWithAPhotoThatWasRemoved)
+{
+    TestLibrary library;
+    const auto photo = library.photo("a.jpg", {.title = SharedText("in the file")});
+    ManualMainThread main;
+    LibraryStore store(main, std::move(library.catalog));
+    store.setMetadata(only(photo), {.title = SharedText("")});
+    store.removePhotos(only(photo));
+    store.undo();
+    const auto record = store.catalog().fileRecord(photo);
+    ASSERT_TRUE(record && record->dirty && record->base);
+    EXPECT_EQ(record->base->title.view(), "in the file")
+        << "or a save would take it for new and bring it back";
+}
+
 TEST(AllPhotos, ofBothHalvesOfTheTableAreRead)
 {
     TestLibrary library;
