@@ -199,11 +199,17 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
     statusMessage_ = std::move(message);
     failures_ = result.failures;
     hasFailed_ = !result.failures.empty() || !result.fault.empty();
-    store_.setStatus(result.touched, {});
+    std::vector<std::pair<PhotoID, PhotoItem::Status>> statuses;
+    for (const PhotoID photo : result.touched)
+        statuses.emplace_back(photo, PhotoItem::Status());
     for (const auto& [photo, why] : result.failures)
-        store_.setStatus(std::span(&photo, 1), {PhotoItem::Status::Kind::error, why});
-    store_.photosChanged(store_.catalog().withVersions(result.touched));
-    dirtyCount_ = store_.catalog().dirtyCount();
+        statuses.emplace_back(photo, PhotoItem::Status{PhotoItem::Status::Kind::error, why});
+    store_.setStatuses(statuses);
+    try {
+        store_.photosChanged(store_.catalog().withVersions(result.touched));
+        dirtyCount_ = store_.catalog().dirtyCount();
+    } catch (const DatabaseError&) { // the next change counts again; that the work has ended is told
+    }
     changed.emit();
 }
 
