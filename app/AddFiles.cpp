@@ -1,5 +1,6 @@
 #include "app/AddFiles.h"
 
+#include "catalog/DatabaseError.h"
 #include "catalog/FolderScan.h"
 #include "catalog/UnreadPhotos.h"
 #include "metadata/FileContents.h"
@@ -46,6 +47,18 @@ public:
 
     AddResult run()
     {
+        try {
+            pass();
+        } catch (const DatabaseError& error) { // what is kept by then can be told, and undone
+            result_.broken = textForUser(error);
+        }
+        result_.ignored = scan_.ignored();
+        return std::move(result_);
+    }
+
+private:
+    void pass()
+    {
         const auto workers = std::max(1U, std::thread::hardware_concurrency());
         tbb::parallel_pipeline(2 * workers,
             tbb::make_filter<void, std::shared_ptr<Batch>>(tbb::filter_mode::serial_in_order,
@@ -63,11 +76,8 @@ public:
                     })
                 & tbb::make_filter<std::shared_ptr<Batch>, void>(tbb::filter_mode::serial_in_order,
                     [this](const std::shared_ptr<Batch>& batch) { store(*batch); }));
-        result_.ignored = scan_.ignored();
-        return std::move(result_);
     }
 
-private:
     std::shared_ptr<Batch> scanBatch()
     {
         auto batch = std::make_shared<Batch>();
@@ -115,6 +125,22 @@ private:
 
     void store(Batch& batch)
     {
+        const auto photos = result_.photos.size(), folders = result_.folders.size(), known = result_.known;
+        try {
+            keep(batch);
+        } catch (...) { // nothing of this batch
+            result_.photos.resize(photos);
+            result_.folders.resize(folders);
+            result_.added = photos;
+            result_.known = known;
+            throw;
+        }
+        done_ += batch.size();
+        progress_(done_);
+    }
+
+    void keep(Batch& batch)
+    {
         std::vector<NewPhoto> photos;
         std::vector<const NewFile*> sources;
         Transaction transaction(catalog_.database());
@@ -140,8 +166,6 @@ private:
                 storeCameraFacts(catalog_, added[i].id, sources[i]->contents);
         }
         transaction.commit();
-        done_ += batch.size();
-        progress_(done_);
     }
 
     std::optional<std::int64_t> folderOf(const ScannedFile& file)

@@ -8,6 +8,7 @@
 #include <functional>
 #include <span>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 namespace korvo {
@@ -20,6 +21,7 @@ struct AddResult : AddedRows {
     std::size_t ignored = 0; // of a kind that a library does not hold
     std::vector<PathFailure> failures;
     bool cancelled = false;
+    std::string broken; // why it ended before all was tried; else empty
 };
 
 enum class ReadCameraData { now, later };
@@ -29,7 +31,7 @@ using AddProgress = std::function<void(std::size_t done)>;
 
 /// Takes folders, with all that lies in them, and files into the library, with the metadata the files hold.
 /// Works in batches, each of which is kept whole: after a stop, a crash or an error everything batched so far
-/// stands. Throws DatabaseError.
+/// stands, and is in the result.
 AddResult addFiles(Catalog& catalog, std::span<const std::filesystem::path> paths, const Clock& clock,
     ReadCameraData cameraData, const std::stop_token& stop, const AddProgress& progress);
 

@@ -57,11 +57,14 @@ ExitCode addToLibrary(Context& context, const AddArguments& arguments)
     }
     for (const auto& failure : result.failures)
         context.fail(failure.message);
+    if (!result.broken.empty())
+        context.fail(result.broken);
     context.print(AddCounts{result.added, result.known, result.ignored, result.failures.size()},
         fmt::format("{} added, {} known already, {} of other kinds passed over, {} failed",
             counted(result.added, "photo"), result.known, counted(result.ignored, "file"),
             result.failures.size()));
-    return context.finish(result.added + result.known, result.cancelled ? Ended::early : Ended::whole);
+    return context.finish(result.added + result.known,
+        result.cancelled || !result.broken.empty() ? Ended::early : Ended::whole);
 }
 
 struct MadeLibrary {

@@ -50,9 +50,11 @@ void addToLibrary(Desktop& desktop, std::vector<std::filesystem::path> paths)
                   job.progress(done, 0);
                   job.deliver([&desktop, showing] { showing->show(desktop); });
               });
+        *added = result;
         for (const auto& failure : result.failures)
             job.fail(failure.message);
-        *added = std::move(result);
+        if (!result.broken.empty())
+            job.fail("The adding ended early; add again to go on. " + result.broken);
         return summaryOf(result);
     };
     const auto since = desktop.store().newestStep();

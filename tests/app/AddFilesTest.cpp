@@ -48,6 +48,23 @@ TEST(AddFiles, takesWhatTheFilesHoldAndReportsThoseItCannotRead)
     EXPECT_EQ(again.known, 3U);
 }
 
+TEST(AddFiles, tellsWhatIsKeptWhenItEndsEarly)
+{
+    TestLibrary library;
+    const TemporaryFolder folder;
+    for (int i = 0; i < 300; ++i)
+        folder.write("empty" + std::to_string(1000 + i) + ".jpg", "");
+    library.catalog->database().exec(
+        "CREATE TRIGGER full BEFORE INSERT ON photos WHEN (SELECT COUNT(*) FROM photos) >= 280 "
+        "BEGIN SELECT RAISE(ABORT, 'no room'); END");
+    const auto result = add(library, {folder.path()});
+    EXPECT_FALSE(result.broken.empty());
+    EXPECT_EQ(result.photos.size(), library.names().size()) << "those of the batch that failed are not in";
+    EXPECT_EQ(result.added, result.photos.size());
+    EXPECT_EQ(result.added, 256U);
+    EXPECT_EQ(result.folders.size(), 1U);
+}
+
 TEST(AddFiles, readsWhatCouldNotBeReadWhenItIsAddedAgain)
 {
     TestLibrary library;

@@ -367,12 +367,12 @@ void ImportSheet::importFrom(ImportPlan plan)
                     sheet->progress_->setValue(static_cast<int>(index));
                 });
             });
+        *added = result; // before anything can fail: undo goes by it
         for (auto& text : failuresOf(listing, result))
             job.fail(std::move(text));
         auto said = countsText(countsOf(listing, result));
         if (plan->eject && !result.cancelled)
             said += ejectedText(result, source, job.stop());
-        *added = std::move(result);
         return said;
     };
     const auto since = desktop.store().newestStep();
