@@ -13,6 +13,7 @@
 #include "bench/support/Compare.h"
 #include "bench/support/MadePhoto.h"
 #include "platform/FileDefaults.h"
+#include "platform/HeapArenas.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <QProcess>
@@ -234,6 +235,7 @@ void report(const fs::path& folder, const std::vector<fs::path>& pictures, int p
 int main(int argc, char** argv)
 {
     using namespace korvo::bench;
+    korvo::keepFewHeapArenas(); // as the program
     qputenv("QT_QPA_PLATFORM", "offscreen");
     WatchedApplication application(argc, argv);
     const auto arguments = QApplication::arguments();
