@@ -63,8 +63,7 @@ ExitCode addToLibrary(Context& context, const AddArguments& arguments)
         fmt::format("{} added, {} known already, {} of other kinds passed over, {} failed",
             counted(result.added, "photo"), result.known, counted(result.ignored, "file"),
             result.failures.size()));
-    return context.finish(result.added + result.known,
-        result.cancelled || !result.broken.empty() ? Ended::early : Ended::whole);
+    return context.finish(result.added + result.known, result.cancelled ? Ended::early : Ended::whole);
 }
 
 struct MadeLibrary {
