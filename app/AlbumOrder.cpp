@@ -1,4 +1,5 @@
 #include "app/AlbumOrder.h"
+#include "catalog/LibraryActions.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -48,7 +49,7 @@ void placeInAlbum(LibraryStore& store, std::span<const PhotoID> ids, std::size_t
     while (place < list.shown().size() && leaving.contains(idAt(list, place)))
         ++place;
     const auto before = place < list.shown().size() ? std::optional(idAt(list, place)) : std::nullopt;
-    store.moveInAlbum(*shownAlbum(store), moved, before);
+    moveInAlbum(store, *shownAlbum(store), moved, before);
 }
 
 void stepInAlbum(LibraryStore& store, std::span<const PhotoID> ids, int places)

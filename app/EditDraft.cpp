@@ -1,4 +1,5 @@
 #include "app/EditDraft.h"
+#include "catalog/LibraryActions.h"
 
 #include <algorithm>
 #include <utility>
@@ -31,7 +32,7 @@ void EditDraft::keep()
     if (!change)
         return;
     try {
-        store_.changeEdits(title_, photos_, change);
+        changeEdits(store_, title_, photos_, change);
     } catch (const DatabaseError& error) {
         if ((isOver_ = error.mayPass()))
             change_ = std::move(change);

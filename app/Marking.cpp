@@ -1,6 +1,7 @@
 #include "app/Marking.h"
 
 #include "base/Text.h"
+#include "catalog/LibraryActions.h"
 
 #include <algorithm>
 #include <map>
@@ -110,7 +111,7 @@ std::string setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark
 std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids)
 {
     if (const auto source = store.source(); source && source->kind == LibrarySource::Kind::album) {
-        store.removeFromAlbum(source->id, ids);
+        removeFromAlbum(store, source->id, ids);
         return "Took " + counted(ids.size(), "photo") + " out of the album.";
     }
     std::vector<PhotoID> kept;

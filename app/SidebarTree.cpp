@@ -3,6 +3,8 @@
 #include "app/Marking.h"
 #include "base/Text.h"
 #include "catalog/CommonMetadata.h"
+#include "catalog/GroupActions.h"
+#include "catalog/LibraryActions.h"
 #include "catalog/RenameKeyword.h"
 
 #include <array>
@@ -228,11 +230,11 @@ std::vector<SidebarNode> placesFor(const std::vector<SidebarNode>& tree, const S
 void renameLine(LibraryStore& store, const SidebarKey& key, std::string_view name)
 {
     if (key.kind == Kind::project)
-        store.renameProject(key.id, name);
+        renameProject(store, key.id, name);
     else if (key.kind == Kind::album)
-        store.renameAlbum(key.id, name);
+        renameAlbum(store, key.id, name);
     else if (key.kind == Kind::smartAlbum)
-        store.changeSmartAlbum(key.id, name, std::nullopt);
+        changeSmartAlbum(store, key.id, name, std::nullopt);
     else if (key.kind == Kind::keyword)
         store.perform("Rename Keyword", [&](Catalog& catalog) { renameKeyword(catalog, key.id, name); });
 }
@@ -241,15 +243,15 @@ void deleteLine(LibraryStore& store, const SidebarKey& key)
 {
     switch (key.kind) {
     case Kind::folder:
-        return store.removeFolder(key.id);
+        return removeFolder(store, key.id);
     case Kind::project:
-        return store.deleteProject(key.id);
+        return deleteProject(store, key.id);
     case Kind::album:
-        return store.deleteAlbum(key.id);
+        return deleteAlbum(store, key.id);
     case Kind::smartAlbum:
-        return store.deleteSmartAlbum(key.id);
+        return deleteSmartAlbum(store, key.id);
     case Kind::keyword:
-        return store.deleteKeyword(key.id);
+        return deleteKeyword(store, key.id);
     default:
         return;
     }
@@ -260,10 +262,10 @@ std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<c
     const auto photos = counted(ids.size(), "photo");
     switch (onto.kind) {
     case Kind::album:
-        store.addToAlbum(onto.id, ids);
+        addToAlbum(store, onto.id, ids);
         return "Added " + photos + " to “" + onto.name + "”.";
     case Kind::project:
-        store.assignToProject(ids, onto.id);
+        assignToProject(store, ids, onto.id);
         return "Moved " + photos + " to “" + onto.name + "”.";
     case Kind::keyword:
         addKeyword(store, onto.name, ids);
@@ -323,9 +325,9 @@ std::optional<Siblings> siblingsOf(const LibraryTree& tree, const SidebarKey& ke
 void place(LibraryStore& store, const SidebarKey& what, Parent parent, Parent before)
 {
     if (what.kind == Kind::project)
-        store.placeProject(what.id, parent, before);
+        placeProject(store, what.id, parent, before);
     else if (what.kind == Kind::album)
-        store.placeAlbum(what.id, parent, before);
+        placeAlbum(store, what.id, parent, before);
 }
 
 } // namespace
@@ -334,7 +336,7 @@ void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& ont
 {
     const auto into = onto.kind == Kind::heading ? std::nullopt : std::optional(onto.id);
     if (what.kind == Kind::keyword)
-        return store.moveKeyword(what.id, into);
+        return moveKeyword(store, what.id, into);
     if (at == DropAt::into)
         return place(store, what, into, std::nullopt);
     const auto siblings = siblingsOf(store.tree(), onto);

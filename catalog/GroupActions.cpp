@@ -1,100 +1,99 @@
-// What the user does to versions, stacks and smart albums, under the titles of the Edit menu.
+#include "catalog/GroupActions.h"
 
 #include "base/Json.h"
-#include "catalog/LibraryStore.h"
 #include "catalog/SmartAlbumEditor.h"
 
 namespace korvo {
 
-PhotoID LibraryStore::createVersion(PhotoID photo, const std::optional<std::string>& name,
+PhotoID createVersion(LibraryStore& store, PhotoID photo, const std::optional<std::string>& name,
     const std::optional<PhotoEdits>& edits, UnixTime addedAt)
 {
     PhotoID id = 0;
-    perform(
+    store.perform(
         "New Version", [&](Catalog& catalog) { id = catalog.createVersion(photo, name, edits, addedAt); });
     return id;
 }
 
-std::vector<PhotoID> LibraryStore::createVersions(std::span<const PhotoID> photos, UnixTime addedAt)
+std::vector<PhotoID> createVersions(LibraryStore& store, std::span<const PhotoID> photos, UnixTime addedAt)
 {
     std::vector<PhotoID> made;
-    perform("New Version", [&](Catalog& catalog) {
+    store.perform("New Version", [&](Catalog& catalog) {
         for (const PhotoID photo : photos)
             made.push_back(catalog.createVersion(photo, std::nullopt, std::nullopt, addedAt));
-        if (source_ && source_->kind == LibrarySource::Kind::album)
+        if (store.source() && store.source()->kind == LibrarySource::Kind::album)
             for (std::size_t i = 0; i < made.size(); ++i)
-                catalog.addToAlbumBehind(source_->id, made[i], photos[i]);
+                catalog.addToAlbumBehind(store.source()->id, made[i], photos[i]);
     });
     return made;
 }
 
-void LibraryStore::renameVersion(PhotoID version, std::string_view name)
+void renameVersion(LibraryStore& store, PhotoID version, std::string_view name)
 {
-    perform("Rename Version", [&](Catalog& catalog) { catalog.renameVersion(version, name); });
+    store.perform("Rename Version", [&](Catalog& catalog) { catalog.renameVersion(version, name); });
 }
 
-void LibraryStore::removeVersion(PhotoID version)
+void removeVersion(LibraryStore& store, PhotoID version)
 {
-    perform("Remove Version", [&](Catalog& catalog) { catalog.deletePhotos(std::span(&version, 1)); });
+    store.perform("Remove Version", [&](Catalog& catalog) { catalog.deletePhotos(std::span(&version, 1)); });
 }
 
-std::int64_t LibraryStore::createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick)
+std::int64_t createStack(LibraryStore& store, std::span<const PhotoID> photos, std::optional<PhotoID> pick)
 {
     std::int64_t id = 0;
-    perform("Stack", [&](Catalog& catalog) { id = catalog.createStack(photos, pick); });
+    store.perform("Stack", [&](Catalog& catalog) { id = catalog.createStack(photos, pick); });
     return id;
 }
 
-void LibraryStore::unstack(std::int64_t id)
+void unstack(LibraryStore& store, std::int64_t id)
 {
-    perform("Unstack", [&](Catalog& catalog) { catalog.unstack(id); });
+    store.perform("Unstack", [&](Catalog& catalog) { catalog.unstack(id); });
 }
 
-void LibraryStore::setPick(std::int64_t stack, PhotoID photo)
+void setPick(LibraryStore& store, std::int64_t stack, PhotoID photo)
 {
-    perform("Set Pick", [&](Catalog& catalog) { catalog.setPick(stack, photo); });
+    store.perform("Set Pick", [&](Catalog& catalog) { catalog.setPick(stack, photo); });
 }
 
-void LibraryStore::setStackState(std::int64_t id, StackState state)
+void setStackState(LibraryStore& store, std::int64_t id, StackState state)
 {
-    perform(state == StackState::collapsed ? "Collapse Stack" : "Expand Stack",
+    store.perform(state == StackState::collapsed ? "Collapse Stack" : "Expand Stack",
         [&](Catalog& catalog) { catalog.setStackState(id, state); });
 }
 
-void LibraryStore::moveInStack(std::int64_t stack, PhotoID photo, std::size_t position)
+void moveInStack(LibraryStore& store, std::int64_t stack, PhotoID photo, std::size_t position)
 {
-    perform("Move in Stack", [&](Catalog& catalog) { catalog.moveInStack(stack, photo, position); });
+    store.perform("Move in Stack", [&](Catalog& catalog) { catalog.moveInStack(stack, photo, position); });
 }
 
-void LibraryStore::autoStack(double interval)
+void autoStack(LibraryStore& store, double interval)
 {
-    autoStack(AutoStackPlan(list_.items(), list_.shown(), interval));
+    autoStack(store, AutoStackPlan(store.list().items(), store.list().shown(), interval));
 }
 
-void LibraryStore::autoStack(const AutoStackPlan& plan)
+void autoStack(LibraryStore& store, const AutoStackPlan& plan)
 {
-    perform(std::string(autoStackSheet::title), [&](Catalog& catalog) { catalog.createStacks(plan); });
+    store.perform(std::string(autoStackSheet::title), [&](Catalog& catalog) { catalog.createStacks(plan); });
 }
 
-std::int64_t LibraryStore::createSmartAlbum(std::string_view name, const SmartAlbumRules& rules)
+std::int64_t createSmartAlbum(LibraryStore& store, std::string_view name, const SmartAlbumRules& rules)
 {
     std::int64_t id = 0;
-    perform(std::string(smartAlbumEditor::newTitle),
+    store.perform(std::string(smartAlbumEditor::newTitle),
         [&](Catalog& catalog) { id = catalog.createSmartAlbum(name, toJson(rules)); });
     return id;
 }
 
-void LibraryStore::changeSmartAlbum(
-    std::int64_t id, std::string_view name, const std::optional<SmartAlbumRules>& rules)
+void changeSmartAlbum(
+    LibraryStore& store, std::int64_t id, std::string_view name, const std::optional<SmartAlbumRules>& rules)
 {
-    perform(std::string(smartAlbumEditor::editTitle), [&](Catalog& catalog) {
+    store.perform(std::string(smartAlbumEditor::editTitle), [&](Catalog& catalog) {
         catalog.changeSmartAlbum(id, name, rules ? toJson(*rules) : catalog.smartAlbum(id).rules);
     });
 }
 
-void LibraryStore::deleteSmartAlbum(std::int64_t id)
+void deleteSmartAlbum(LibraryStore& store, std::int64_t id)
 {
-    perform("Delete Smart Album", [&](Catalog& catalog) { catalog.deleteSmartAlbum(id); });
+    store.perform("Delete Smart Album", [&](Catalog& catalog) { catalog.deleteSmartAlbum(id); });
 }
 
 } // namespace korvo

@@ -76,68 +76,6 @@ public:
     /// While a source that was just chosen is read, they are selected when it is there.
     void select(std::vector<PhotoID> ids);
 
-    // What the user does
-    void setRating(std::span<const PhotoID> ids, int rating);
-    void setFlagged(std::span<const PhotoID> ids, bool flagged);
-    void setLabel(std::span<const PhotoID> ids, PhotoLabel label);
-    void setMetadata(std::span<const PhotoID> ids, const MetadataChange& change);
-    /// The same in one field, under its title.
-    void setMetadataField(std::span<const PhotoID> ids, std::size_t field, std::string_view text);
-    /// Adds and takes away keywords; each photo keeps its others.
-    void editKeywords(std::span<const PhotoID> ids, const KeywordEdit& edit);
-    void setEdits(std::span<const PhotoID> ids, const PhotoEdits& edits);
-    /// Changes what each photo's own edits are, in one step of that title. Throws JsonError for a photo whose
-    /// stored edits cannot be read, and then changes none.
-    void changeEdits(
-        std::string title, std::span<const PhotoID> ids, const std::function<void(PhotoEdits&)>& change);
-    void saveComposition(PhotoID id, std::string_view json);
-    void removePhotos(std::span<const PhotoID> ids);
-    void removeFolder(std::int64_t id);
-    std::int64_t createProject(
-        std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
-    std::int64_t gatherUnderProject(std::string_view name);
-    void renameProject(std::int64_t id, std::string_view name);
-    void moveProject(std::int64_t id, std::optional<std::int64_t> parent);
-    void placeProject(
-        std::int64_t id, std::optional<std::int64_t> parent, std::optional<std::int64_t> before);
-    void deleteProject(std::int64_t id);
-    void assignToProject(std::span<const PhotoID> ids, std::optional<std::int64_t> project);
-    std::int64_t createAlbum(std::string_view name, std::optional<std::int64_t> parentProject);
-    void renameAlbum(std::int64_t id, std::string_view name);
-    void moveAlbum(std::int64_t id, std::optional<std::int64_t> parentProject);
-    void placeAlbum(
-        std::int64_t id, std::optional<std::int64_t> parentProject, std::optional<std::int64_t> before);
-    void deleteAlbum(std::int64_t id);
-    void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);
-    void moveInAlbum(std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before);
-    void removeFromAlbum(std::int64_t album, std::span<const PhotoID> photos);
-    std::int64_t createKeyword(std::string_view name, std::optional<std::int64_t> parent);
-    void moveKeyword(std::int64_t id, std::optional<std::int64_t> parent);
-    void deleteKeyword(std::int64_t id);
-
-    // Groups (GroupActions.cpp)
-    PhotoID createVersion(PhotoID photo, const std::optional<std::string>& name,
-        const std::optional<PhotoEdits>& edits, UnixTime addedAt);
-    /// Makes a version of each; in an album each stands there behind its photo. The versions in the order of
-    /// the photos.
-    std::vector<PhotoID> createVersions(std::span<const PhotoID> photos, UnixTime addedAt);
-    void renameVersion(PhotoID version, std::string_view name);
-    void removeVersion(PhotoID version);
-    std::int64_t createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick);
-    void unstack(std::int64_t id);
-    void setPick(std::int64_t stack, PhotoID photo);
-    void setStackState(std::int64_t id, StackState state);
-    void moveInStack(std::int64_t stack, PhotoID photo, std::size_t position);
-    /// Stacks what is shown, as AutoStackPlan does. Nothing happens when no stack comes of it.
-    void autoStack(double interval);
-    /// Makes the stacks of a plan, but for photos that have been stacked or removed since.
-    void autoStack(const AutoStackPlan& plan);
-    std::int64_t createSmartAlbum(std::string_view name, const SmartAlbumRules& rules);
-    /// Without rules those that are stored stay, even such as cannot be read.
-    void changeSmartAlbum(
-        std::int64_t id, std::string_view name, const std::optional<SmartAlbumRules>& rules);
-    void deleteSmartAlbum(std::int64_t id);
-
     /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
     /// likes.
     void perform(std::string title, const std::function<void(Catalog&)>& change);

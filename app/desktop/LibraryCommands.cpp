@@ -10,6 +10,8 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/Versions.h"
 #include "base/Text.h"
+#include "catalog/GroupActions.h"
+#include "catalog/LibraryActions.h"
 #include "platform/AppFolders.h"
 
 #include <QDesktopServices>
@@ -165,7 +167,7 @@ void removeFromLibrary(MainWindow& window)
     box.exec();
     if (box.clickedButton() != remove)
         return;
-    store.removePhotos(ids);
+    removePhotos(store, ids);
     window.desktop().say("Removed " + counted(ids.size(), "photo") + " from the library.", Offer::undo);
 }
 
@@ -190,13 +192,13 @@ void addStackCommands(MainWindow& window)
     auto& desktop = window.desktop();
     auto& store = desktop.store();
     commands.handle(Command::stack, [&] {
-        store.createStack(withHidden(store, desktop.browser().targets()), desktop.browser().current());
+        createStack(store, withHidden(store, desktop.browser().targets()), desktop.browser().current());
     });
     commands.handle(Command::unstack, [&] { unstack(store, desktop.browser().targets()); });
     commands.handle(Command::toggleStack, [&] { toggleStacks(store, desktop.browser().targets()); });
     commands.handle(Command::setPick, [&] {
         if (const auto* const item = desktop.browser().currentItem(); item && item->stackID)
-            store.setPick(*item->stackID, item->id);
+            setPick(store, *item->stackID, item->id);
     });
     commands.handle(Command::newVersion, [&] { newVersions(desktop); });
     commands.handle(
@@ -215,7 +217,7 @@ void addLibraryCommands(MainWindow& window)
     commands.handle(Command::addFolder, [&] { addFolder(window); });
     commands.handle(Command::newProject, [&] {
         makeNamed(window, "New Project", [](LibraryStore& all, const std::string& name) {
-            all.createProject(name, "project", shownProject(all));
+            createProject(all, name, "project", shownProject(all));
         });
     });
     commands.handle(Command::newAlbum, [&] { newAlbum(window); });

@@ -2,6 +2,7 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
 #include "base/Text.h"
+#include "catalog/LibraryActions.h"
 
 namespace korvo {
 
@@ -40,7 +41,7 @@ void addRating(MainWindow& window, Command command, int rating)
 {
     window.commands().handle(command, [&window, rating] {
         markTargets(window, [rating](LibraryStore& store, Ids ids) {
-            store.setRating(ids, rating);
+            setRating(store, ids, rating);
             return std::string("Set Rating");
         });
     });
@@ -50,7 +51,7 @@ void addLabel(MainWindow& window, Command command, PhotoLabel label)
 {
     window.commands().handle(command, [&window, label] {
         markTargets(window, [label](LibraryStore& store, Ids ids) {
-            store.setLabel(ids, label);
+            setLabel(store, ids, label);
             return std::string("Set Label");
         });
     });

@@ -3,6 +3,7 @@
 #include "app/desktop/AskName.h"
 #include "app/desktop/Texts.h"
 #include "base/Text.h"
+#include "catalog/GroupActions.h"
 
 namespace korvo {
 
@@ -36,7 +37,7 @@ std::string nameOf(Catalog& catalog, PhotoID version)
 void newVersions(Desktop& desktop)
 {
     auto& store = desktop.store();
-    const auto made = store.createVersions(desktop.browser().targets(), desktop.clock().now());
+    const auto made = createVersions(store, desktop.browser().targets(), desktop.clock().now());
     auto said = made.size() == 1 ? "Made “" + nameOf(store.catalog(), made.front()) + "”."
                                  : "Made " + counted(made.size(), "version") + ".";
     if (listsThem(store)) {
@@ -73,13 +74,13 @@ void renameVersion(MainWindow& window, PhotoID version)
     auto& store = window.desktop().store();
     const auto before = qt(nameOf(store.catalog(), version));
     if (const auto name = askName(window, "Rename Version", before))
-        store.renameVersion(version, *name);
+        renameVersion(store, version, *name);
 }
 
 void removeVersion(Desktop& desktop, PhotoID version)
 {
     const auto name = nameOf(desktop.store().catalog(), version);
-    desktop.store().removeVersion(version);
+    removeVersion(desktop.store(), version);
     desktop.say("Removed “" + name + "”. Its file stays.", Offer::undo);
 }
 

@@ -6,6 +6,7 @@
 #include "bench/catalog/GroupBench.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadeLibrary.h"
+#include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
 #include "catalog/PhotoRows.h"
 #include "tests/support/ManualMainThread.h"
@@ -116,7 +117,7 @@ void compareRating(const fs::path& library)
     int rating = 0;
     const auto next = [&] { rating = rating % 5 + 1; };
     compare("Rating 10000 of 100000 photos",
-        {{"LibraryStore::setRating (undo, items, signal)", [&] { store.setRating(ids, rating); }, next},
+        {{"LibraryStore::setRating (undo, items, signal)", [&] { setRating(store, ids, rating); }, next},
             {"LibraryStore::undo", [&] { store.undo(); }},
             {"Catalog::setRating", [&] { store.catalog().setRating(ids, rating); }, next},
             {"bare loop", [&] { rateBare(library / "catalog.sqlite", ids, rating); }, next}});

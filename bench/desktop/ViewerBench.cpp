@@ -6,6 +6,7 @@
 #include "app/desktop/viewer/PhotoView.h"
 #include "bench/support/MadePhoto.h"
 #include "bench/support/SixSteps.h"
+#include "catalog/LibraryActions.h"
 #include "platform/FileDefaults.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -66,7 +67,7 @@ public:
     {
         for (const auto& [what, base] : {std::pair("A slider of an unedited photo", PhotoEdits()),
                  std::pair("A slider of a photo with all adjustments", sixSteps)}) {
-            desktop_.store().setEdits(std::vector{*desktop_.browser().current()}, base);
+            setEdits(desktop_.store(), std::vector{*desktop_.browser().current()}, base);
             wait(500);
             std::vector<double> times;
             for (int move = 1; move <= 60; ++move)

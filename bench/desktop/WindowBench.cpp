@@ -12,6 +12,7 @@
 #include "bench/desktop/WindowLibrary.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadePhoto.h"
+#include "catalog/LibraryActions.h"
 #include "platform/FileDefaults.h"
 #include "platform/HeapArenas.h"
 #include "tests/support/TemporaryFolder.h"
@@ -157,7 +158,7 @@ void reportActions(Window& window)
     reportAction(window, "sort by file date", sorted(SortKey::fileDate));
     reportAction(window, "sort by rating", sorted(SortKey::rating));
     reportAction(window, "rate one photo, sorted by rating",
-        [](LibraryStore& store) { store.setRating(firstShown(store, 1), 1); });
+        [](LibraryStore& store) { setRating(store, firstShown(store, 1), 1); });
     reportAction(window, "sort by name", sorted(SortKey::name));
     reportAction(window, "no order of its own", sorted(std::nullopt));
     reportAction(window, "filter starred", filtered(GridFilter::starred));
@@ -168,13 +169,13 @@ void reportActions(Window& window)
     reportAction(window, "select all", [](LibraryStore& store) { store.select(firstShown(store, ~0ULL)); });
     reportAction(window, "select one", [](LibraryStore& store) { store.select(firstShown(store, 1)); });
     reportAction(
-        window, "rate 1 photo", [](LibraryStore& store) { store.setRating(firstShown(store, 1), 4); });
+        window, "rate 1 photo", [](LibraryStore& store) { setRating(store, firstShown(store, 1), 4); });
     reportAction(window, "rate 10,000 photos",
-        [](LibraryStore& store) { store.setRating(firstShown(store, 10'000), 3); });
+        [](LibraryStore& store) { setRating(store, firstShown(store, 10'000), 3); });
     reportAction(window, "title one photo",
-        [](LibraryStore& store) { store.setMetadataField(firstShown(store, 1), 1, "Another title"); });
+        [](LibraryStore& store) { setMetadataField(store, firstShown(store, 1), 1, "Another title"); });
     reportAction(
-        window, "remove one photo", [](LibraryStore& store) { store.removePhotos(firstShown(store, 1)); });
+        window, "remove one photo", [](LibraryStore& store) { removePhotos(store, firstShown(store, 1)); });
     reportAction(window, "undo", [](LibraryStore& store) { store.undo(); });
     reportAction(window, "choose an album", source(LibrarySource{LibrarySource::Kind::album, 1}));
     reportAction(window, "choose a smart album", source(LibrarySource{LibrarySource::Kind::smartAlbum, 1}));

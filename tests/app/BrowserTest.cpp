@@ -1,4 +1,5 @@
 #include "app/Browser.h"
+#include "catalog/LibraryActions.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -60,7 +61,7 @@ TEST(Browser, looksAtTheNextPhotoWhenAFilterHidesTheOneShown)
         TestBrowser t;
         t.browser->setCurrent(shown);
         t.browser->setMode(ViewMode::viewer);
-        t.store->setRating(only(shown), rejectedRating);
+        setRating(*t.store, only(shown), rejectedRating);
         EXPECT_EQ(t.browser->current(), then) << "instead of " << shown;
         EXPECT_EQ(t.store->selection(), IDs{then});
         t.store->undo();
@@ -74,7 +75,7 @@ TEST(Browser, goesOnAfterTheHiddenPhotoThoughOthersStaySelected)
     t.store->select({1, 3, 5});
     t.browser->setCurrent(3);
     t.browser->setMode(ViewMode::viewer);
-    t.store->setRating(only(3), rejectedRating);
+    setRating(*t.store, only(3), rejectedRating);
     EXPECT_EQ(t.browser->current(), 4);
 }
 
@@ -94,7 +95,7 @@ TEST(Browser, staysInTheViewerWhileASourceIsRead)
     TestBrowser t(std::chrono::milliseconds(0));
     const auto isRead = [&] { return t.main.runUntil([&] { return !t.store->isReading(); }); };
     ASSERT_TRUE(isRead());
-    t.store->setFlagged(IDs{2, 4}, true);
+    setFlagged(*t.store, IDs{2, 4}, true);
     t.browser->setCurrent(4);
     t.browser->setMode(ViewMode::viewer);
     t.store->chooseSource(LibrarySource{LibrarySource::Kind::flagged, 0, {}});

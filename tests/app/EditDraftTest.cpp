@@ -1,5 +1,6 @@
 #include "app/EditDraft.h"
 #include "base/JsonError.h"
+#include "catalog/LibraryActions.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -36,7 +37,7 @@ struct DraftTest : ::testing::Test, TestLibrary {
 
 TEST_F(DraftTest, aDragIsShownAtOnceAndStoredAsOneStepInEachPhotosOwnEdits)
 {
-    store->setEdits(only(2), {.saturation = 0});
+    setEdits(*store, only(2), {.saturation = 0});
     store->select({1, 2});
     for (const double value : {0.1, 0.2, 0.3})
         draft->show("Exposure", exposure(value));

@@ -1,4 +1,5 @@
 #include "app/Marking.h"
+#include "catalog/LibraryActions.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -19,8 +20,8 @@ struct TestMarking : TestLibrary {
 
     void give(PhotoID id, int rating, bool flagged)
     {
-        store->setRating(only(id), rating);
-        store->setFlagged(only(id), flagged);
+        setRating(*store, only(id), rating);
+        setFlagged(*store, only(id), flagged);
     }
     /// "3f" for three stars and a flag, "x" for a rejected photo.
     std::string marks(PhotoID id) const
@@ -87,8 +88,8 @@ TEST(Marking, isTakenBackOnlyWhenAllHaveItAndUndoneInOneStep)
 TEST(Marking, deleteTakesOutOfAnAlbumAndElsewhereRejects)
 {
     TestMarking t;
-    const auto album = t.store->createAlbum("Best", {});
-    t.store->addToAlbum(album, std::vector<PhotoID>{1, 2});
+    const auto album = createAlbum(*t.store, "Best", {});
+    addToAlbum(*t.store, album, std::vector<PhotoID>{1, 2});
     t.store->chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
     EXPECT_EQ(removeOrReject(*t.store, only(1)), "Took 1 photo out of the album.");
     EXPECT_EQ(t.store->list().items().size(), 1U);

@@ -1,5 +1,6 @@
 #include "catalog/AutoStack.h"
 
+#include "catalog/GroupActions.h"
 #include "catalog/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
@@ -86,7 +87,7 @@ TEST(LibraryStore, autoStackIsOneStepOverWhatIsShown)
     ManualMainThread main;
     LibraryStore store(main, std::move(library.catalog));
     const auto before = store.undoTitle();
-    store.autoStack(5);
+    autoStack(store, 5);
     EXPECT_EQ(store.undoTitle(), "Auto-Stack");
     const auto stacks = store.catalog().stacks();
     ASSERT_EQ(stacks.size(), 1U) << "the rejected photo is not shown, and the first stands alone";

@@ -1,6 +1,7 @@
 // Describing several photos at once: what they have in common, keywords, and completing them.
 
 #include "catalog/KeywordCompletion.h"
+#include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
@@ -77,12 +78,12 @@ TEST(LibraryStore, describesManyPhotosInOneStepAndOnlyInWhatWasTouched)
     LibraryStore store(main, std::move(library.catalog));
     const auto item = [&](PhotoID id) { return *store.list().find(id); };
     const std::vector all{a, b, c};
-    store.editKeywords(all, keywordEdit("sky", "night"));
+    editKeywords(store, all, keywordEdit("sky", "night"));
     EXPECT_EQ(item(a).metadata.keywords, "sea, night");
     EXPECT_EQ(item(b).metadata.keywords, "night");
     EXPECT_EQ(item(c).metadata.keywords, "night");
     EXPECT_EQ(store.undoTitle(), "Change Keywords");
-    store.setMetadataField(all, 3, "Ann");
+    setMetadataField(store, all, 3, "Ann");
     EXPECT_EQ(item(b).metadata.creator, "Ann");
     EXPECT_EQ(item(b).metadata.title, "B");
     EXPECT_TRUE(item(c).dirty);

@@ -1,3 +1,5 @@
+#include "catalog/GroupActions.h"
+#include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
@@ -207,9 +209,9 @@ TEST(Stacks, comeBackWithTheirMembersWhereverTheyWent)
 {
     for (const bool reloads : {false, true}) {
         Grid t(4);
-        const auto stack = t.store.createStack(IDs{1, 2, 3}, 1);
-        t.store.removePhotos(only(3));
-        reloads ? t.store.reload() : t.store.setStackState(stack, StackState::expanded);
+        const auto stack = createStack(t.store, IDs{1, 2, 3}, 1);
+        removePhotos(t.store, only(3));
+        reloads ? t.store.reload() : setStackState(t.store, stack, StackState::expanded);
         while (t.store.undoTitle()) {
             t.store.undo();
             EXPECT_TRUE(isTrue(t)) << t.store.redoTitle().value();
@@ -222,7 +224,7 @@ TEST(Stacks, staySoundWhenUndoMeetsWhatAnotherProcessDid)
     const auto otherOf = [](Grid& t) { return Catalog(t.folder / "Library", t.clock); };
     {
         Grid t(4);
-        t.store.createStack(IDs{1, 2}, std::nullopt);
+        createStack(t.store, IDs{1, 2}, std::nullopt);
         otherOf(t).createStack(IDs{3, 2}, 3);
         t.store.undo();
         EXPECT_TRUE(isTrue(t));
@@ -230,7 +232,7 @@ TEST(Stacks, staySoundWhenUndoMeetsWhatAnotherProcessDid)
     }
     {
         Grid t(4);
-        t.store.createStack(IDs{1, 2}, std::nullopt);
+        createStack(t.store, IDs{1, 2}, std::nullopt);
         t.store.undo();
         otherOf(t).createStack(IDs{3, 2}, 2);
         t.store.redo();
@@ -238,11 +240,11 @@ TEST(Stacks, staySoundWhenUndoMeetsWhatAnotherProcessDid)
         EXPECT_TRUE(isTrue(t));
     }
     Grid t(4);
-    const auto stack = t.store.createStack(IDs{1, 2, 3}, std::nullopt);
-    const auto project = t.store.createProject("p", "project", std::nullopt);
-    t.store.assignToProject(only(3), project);
-    t.store.setRating(only(3), 4);
-    t.store.removePhotos(only(3));
+    const auto stack = createStack(t.store, IDs{1, 2, 3}, std::nullopt);
+    const auto project = createProject(t.store, "p", "project", std::nullopt);
+    assignToProject(t.store, only(3), project);
+    setRating(t.store, only(3), 4);
+    removePhotos(t.store, only(3));
     {
         auto other = otherOf(t);
         other.unstack(stack);
@@ -258,12 +260,12 @@ TEST(Stacks, staySoundWhenUndoMeetsWhatAnotherProcessDid)
 TEST(LibraryStore, actsOnThoughAnotherProcessDeletedTheSmartAlbumItShows)
 {
     Grid t(2);
-    const auto album = t.store.createSmartAlbum("s", {});
+    const auto album = createSmartAlbum(t.store, "s", {});
     t.store.chooseSource(LibrarySource{LibrarySource::Kind::smartAlbum, album, {}});
     Catalog(t.folder / "Library", t.clock).deleteSmartAlbum(album);
     int published = 0;
     const auto connection = t.store.changed.connect([&](const LibraryChange&) { ++published; });
-    t.store.setRating(only(1), 3);
+    setRating(t.store, only(1), 3);
     EXPECT_EQ(published, 1);
     EXPECT_TRUE(t.shown().empty());
     EXPECT_TRUE(t.store.sourceFault());
@@ -274,18 +276,18 @@ TEST(LibraryStore, actsOnThoughAnotherProcessDeletedTheSmartAlbumItShows)
 TEST(LibraryStore, aCollapsedStackShowsItsPickAndAnExpandedOneAllTogether)
 {
     Grid t(6);
-    const auto stack = t.store.createStack(IDs{5, 2, 4}, 4);
+    const auto stack = createStack(t.store, IDs{5, 2, 4}, 4);
     EXPECT_EQ(t.shown(), (IDs{1, 3, 4, 6}));
-    t.store.setStackState(stack, StackState::expanded);
+    setStackState(t.store, stack, StackState::expanded);
     EXPECT_EQ(t.shown(), (IDs{1, 3, 4, 5, 2, 6}));
     t.store.select({1, 2, 5});
-    t.store.setStackState(stack, StackState::collapsed);
+    setStackState(t.store, stack, StackState::collapsed);
     EXPECT_EQ(t.store.selection(), (IDs{1, 4})) << "the pick stands for what it hides";
-    t.store.setPick(stack, 2);
+    setPick(t.store, stack, 2);
     EXPECT_EQ(t.shown(), (IDs{1, 2, 3, 6}));
-    t.store.setRating(only(2), rejectedRating);
+    setRating(t.store, only(2), rejectedRating);
     EXPECT_EQ(t.shown(), (IDs{1, 3, 5, 6})) << "the filter hides the pick: the next is shown";
-    t.store.removePhotos(IDs{2, 4});
+    removePhotos(t.store, IDs{2, 4});
     EXPECT_EQ(t.shown(), (IDs{1, 3, 5, 6}));
     EXPECT_TRUE(t.store.catalog().stacks().empty());
     while (t.store.undoTitle())
@@ -299,14 +301,14 @@ TEST(LibraryStore, aCollapsedStackShowsItsPickAndAnExpandedOneAllTogether)
 TEST(LibraryStore, versionsAreMadeAndTakenBack)
 {
     Grid t(2);
-    const auto version = t.store.createVersion(1, std::nullopt, std::nullopt, 5);
+    const auto version = createVersion(t.store, 1, std::nullopt, std::nullopt, 5);
     EXPECT_EQ(t.shown(), (IDs{1, 2})) << "only albums show versions";
-    const auto album = t.store.createAlbum("album", std::nullopt);
-    t.store.addToAlbum(album, IDs{version, 1});
-    t.store.createStack(IDs{1, 2}, 2);
+    const auto album = createAlbum(t.store, "album", std::nullopt);
+    addToAlbum(t.store, album, IDs{version, 1});
+    createStack(t.store, IDs{1, 2}, 2);
     t.store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
     EXPECT_EQ(t.shown(), (IDs{version, 1})) << "the stack's next stands in for a pick that is elsewhere";
-    t.store.removePhotos(only(1));
+    removePhotos(t.store, only(1));
     EXPECT_TRUE(t.shown().empty()) << "versions go with their master";
     t.store.undo();
     EXPECT_EQ(t.shown(), (IDs{version, 1}));
@@ -315,21 +317,21 @@ TEST(LibraryStore, versionsAreMadeAndTakenBack)
 TEST(LibraryStore, newVersionsStandInTheAlbumBehindTheirPhotosInOneStep)
 {
     Grid t(3);
-    const auto album = t.store.createAlbum("album", std::nullopt);
-    t.store.addToAlbum(album, IDs{3, 1, 2});
+    const auto album = createAlbum(t.store, "album", std::nullopt);
+    addToAlbum(t.store, album, IDs{3, 1, 2});
     t.store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
-    const auto made = t.store.createVersions(IDs{3, 1, 2}, 5);
+    const auto made = createVersions(t.store, IDs{3, 1, 2}, 5);
     EXPECT_EQ(t.shown(), (IDs{3, made.at(0), 1, made.at(1), 2, made.at(2)}));
     t.store.undo();
     EXPECT_EQ(t.shown(), (IDs{3, 1, 2}));
     t.store.redo();
     t.store.chooseSource(LibrarySource{LibrarySource::Kind::versions, 3, {}});
-    const auto another = t.store.createVersions(only(made[0]), 6);
+    const auto another = createVersions(t.store, only(made[0]), 6);
     EXPECT_EQ(t.shown(), (IDs{3, made[0], another.at(0)})) << "those of one photo are listed together";
-    t.store.renameVersion(another[0], "Black and White");
+    renameVersion(t.store, another[0], "Black and White");
     EXPECT_EQ(t.store.list().find(another[0])->versionName, "Black and White");
-    EXPECT_THROW(t.store.renameVersion(3, "Master"), NotFoundError);
-    t.store.removeVersion(made[0]);
+    EXPECT_THROW(renameVersion(t.store, 3, "Master"), NotFoundError);
+    removeVersion(t.store, made[0]);
     EXPECT_EQ(t.shown(), (IDs{3, another[0]}));
 }
 

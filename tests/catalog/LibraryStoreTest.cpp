@@ -1,5 +1,6 @@
 #include "catalog/LibraryStore.h"
 #include "base/JsonError.h"
+#include "catalog/LibraryActions.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
@@ -55,20 +56,20 @@ struct TestStore : TestLibrary {
 TEST(LibraryStore, publishesWhatChangedOncePerAction)
 {
     TestStore t(3);
-    t.store->setRating(std::vector<PhotoID>{1, 3}, 4);
+    setRating(*t.store, std::vector<PhotoID>{1, 3}, 4);
     auto change = t.change();
     EXPECT_EQ(change.photos, (std::vector<PhotoID>{1, 3}));
     EXPECT_FALSE(change.list || change.tree || change.selection);
     EXPECT_EQ(t.listed(3).rating, 4);
 
-    t.store->setRating(std::vector<PhotoID>{1, 3}, 4);
+    setRating(*t.store, std::vector<PhotoID>{1, 3}, 4);
     EXPECT_TRUE(t.published.empty()) << "nothing changed";
 
-    t.store->setRating(only(2), rejectedRating);
+    setRating(*t.store, only(2), rejectedRating);
     EXPECT_TRUE(t.change().list);
     EXPECT_EQ(t.shown(), (Names{"a.jpg", "c.jpg"}));
 
-    t.store->createAlbum("album", std::nullopt);
+    createAlbum(*t.store, "album", std::nullopt);
     change = t.change();
     EXPECT_TRUE(change.tree);
     EXPECT_FALSE(change.list);
@@ -86,7 +87,7 @@ TEST(LibraryStore, aFailedActionLeavesEverythingAsItWas)
                      }),
         DatabaseError);
     EXPECT_THROW(t.store->chooseSource(LibrarySource{Kind::album, 1, {}});
-                 t.store->addToAlbum(99, only(1)), NotFoundError);
+                 addToAlbum(*t.store, 99, only(1)), NotFoundError);
     EXPECT_EQ(contentOf(t.store->catalog()), before);
     EXPECT_FALSE(t.store->undoTitle());
 }
@@ -95,10 +96,10 @@ TEST(LibraryStore, changesEachPhotosOwnEditsInOneStep)
 {
     TestStore test(3);
     auto& store = *test.store;
-    store.setEdits(only(2), {.saturation = 0.5});
+    setEdits(store, only(2), {.saturation = 0.5});
     test.published.clear();
     const std::vector<PhotoID> all{1, 2, 3};
-    store.changeEdits("Rotate", all, [](PhotoEdits& edits) { edits.rotation = 1; });
+    changeEdits(store, "Rotate", all, [](PhotoEdits& edits) { edits.rotation = 1; });
     EXPECT_EQ(test.change().photos, all);
     EXPECT_EQ(test.listed(1).edits(), (PhotoEdits{.rotation = 1}));
     EXPECT_EQ(test.listed(2).edits(), (PhotoEdits{.saturation = 0.5, .rotation = 1}));
@@ -108,7 +109,7 @@ TEST(LibraryStore, changesEachPhotosOwnEditsInOneStep)
 
     store.catalog().database().run("UPDATE photos SET edits = 'no record' WHERE id = 3");
     store.reload();
-    EXPECT_THROW(store.changeEdits("Rotate", all, [](PhotoEdits& edits) { edits.rotation = 1; }), JsonError);
+    EXPECT_THROW(changeEdits(store, "Rotate", all, [](PhotoEdits& edits) { edits.rotation = 1; }), JsonError);
     EXPECT_FALSE(test.listed(1).hasEdits()) << "some photos were changed";
     EXPECT_EQ(test.listed(3).editsJSON.string(), "no record");
 }
@@ -116,27 +117,27 @@ TEST(LibraryStore, changesEachPhotosOwnEditsInOneStep)
 TEST(LibraryStore, sourcesFollowTheChangesThatConcernThem)
 {
     TestStore t(4);
-    t.store->setFlagged(std::vector<PhotoID>{1, 2}, true);
+    setFlagged(*t.store, std::vector<PhotoID>{1, 2}, true);
     t.store->chooseSource(LibrarySource{Kind::flagged, 0, {}});
-    t.store->setFlagged(std::vector<PhotoID>{2, 4}, false);
+    setFlagged(*t.store, std::vector<PhotoID>{2, 4}, false);
     EXPECT_EQ(t.shown(), Names{"a.jpg"});
-    t.store->setFlagged(only(3), true);
+    setFlagged(*t.store, only(3), true);
     EXPECT_EQ(t.shown(), (Names{"a.jpg", "c.jpg"}));
     t.store->undo();
     EXPECT_EQ(t.shown(), Names{"a.jpg"});
 
-    const auto album = t.store->createAlbum("album", std::nullopt);
-    t.store->addToAlbum(album, std::vector<PhotoID>{4, 1});
+    const auto album = createAlbum(*t.store, "album", std::nullopt);
+    addToAlbum(*t.store, album, std::vector<PhotoID>{4, 1});
     t.store->chooseSource(LibrarySource{Kind::album, album, {}});
     EXPECT_EQ(t.shown(), (Names{"d.jpg", "a.jpg"}));
-    t.store->setRating(std::vector<PhotoID>{1, 2}, 3);
+    setRating(*t.store, std::vector<PhotoID>{1, 2}, 3);
     EXPECT_EQ(t.shown(), (Names{"d.jpg", "a.jpg"}));
-    t.store->removeFromAlbum(album, only(4));
+    removeFromAlbum(*t.store, album, only(4));
     EXPECT_EQ(t.shown(), Names{"a.jpg"});
 
-    const auto project = t.store->createProject("p", "project", std::nullopt);
+    const auto project = createProject(*t.store, "p", "project", std::nullopt);
     t.store->chooseSource(LibrarySource{Kind::project, project, {}});
-    t.store->assignToProject(only(2), project);
+    assignToProject(*t.store, only(2), project);
     EXPECT_EQ(t.shown(), Names{"b.jpg"});
 }
 
@@ -144,12 +145,12 @@ TEST(LibraryStore, whatVanishesLeavesTheSelectionToItsNeighbourAndUndoBringsItBa
 {
     TestStore t(4);
     t.store->select({2});
-    t.store->setRating(only(2), rejectedRating);
+    setRating(*t.store, only(2), rejectedRating);
     EXPECT_EQ(t.store->selection(), std::vector<PhotoID>{3});
     t.store->undo();
     EXPECT_EQ(t.store->selection(), std::vector<PhotoID>{2});
     t.store->select({4});
-    t.store->removePhotos(only(4));
+    removePhotos(*t.store, only(4));
     EXPECT_EQ(t.store->selection(), std::vector<PhotoID>{3}) << "the last one's neighbour is the one before";
     t.store->undo();
     EXPECT_EQ(t.store->selection(), std::vector<PhotoID>{4});
@@ -159,7 +160,7 @@ TEST(LibraryStore, whatVanishesLeavesTheSelectionToItsNeighbourAndUndoBringsItBa
 TEST(LibraryStore, metadataThatComesBackWaitsToBeWrittenAgain)
 {
     TestStore t(1);
-    t.store->setMetadata(only(1), {.title = SharedText("new")});
+    setMetadata(*t.store, only(1), {.title = SharedText("new")});
     t.store->catalog().clearDirty(1); // the file was written meanwhile
     t.store->undo();
     EXPECT_EQ(t.listed(1).metadata.title, "");
@@ -172,14 +173,14 @@ TEST(LibraryStore, metadataThatComesBackWaitsToBeWrittenAgain)
 TEST(LibraryStore, undoGivesWayToWhatCannotBeUndone)
 {
     TestStore t(2);
-    t.store->removePhotos(only(1));
+    removePhotos(*t.store, only(1));
     NewPhoto again{.path = "/photos/a.jpg"};
     t.store->catalog().addPhotos(std::span(&again, 1));
     const auto before = contentOf(t.store->catalog());
     EXPECT_THROW(t.store->undo(), DatabaseError);
     EXPECT_EQ(contentOf(t.store->catalog()), before);
     EXPECT_FALSE(t.store->undoTitle()) << "what can never be undone does not stand before what can";
-    t.store->deleteAlbum(t.store->createAlbum("Best", {}));
+    deleteAlbum(*t.store, createAlbum(*t.store, "Best", {}));
     t.store->catalog().database().exec("ALTER TABLE albums ADD COLUMN later");
     EXPECT_THROW(t.store->undo(), DatabaseError);
     EXPECT_EQ(t.store->undoTitle(), "New Album");
@@ -200,7 +201,7 @@ TEST(LibraryStore, whatAJobAddedIsTakenOutAsOneStepAndComesBackWithAllItHas)
     catalog.assignToProject(added.photos, project);
     const auto since = t.store->newestStep();
     t.store->reload();
-    t.store->setRating(only(2), 4); // while the photos are being added
+    setRating(*t.store, only(2), 4); // while the photos are being added
     t.store->adopt("Import", added, since);
     EXPECT_EQ(t.store->undoTitle(), "Set Rating") << "what was done meanwhile is taken back first";
     catalog.storeCameraData(3, {.camera = "K1"}); // as the backfills do, by no step
@@ -224,15 +225,15 @@ TEST(LibraryStore, whatAJobAddedIsTakenOutAsOneStepAndComesBackWithAllItHas)
 TEST(LibraryStore, undoPutsNoProjectIntoItselfNorIntoOneThatIsGone)
 {
     TestStore t;
-    const auto outer = t.store->createProject("outer", "folder", std::nullopt);
-    const auto inner = t.store->createProject("inner", "folder", outer);
-    t.store->moveProject(inner, std::nullopt);
+    const auto outer = createProject(*t.store, "outer", "folder", std::nullopt);
+    const auto inner = createProject(*t.store, "inner", "folder", outer);
+    moveProject(*t.store, inner, std::nullopt);
     t.store->catalog().moveProject(outer, inner); // as another program does
     t.store->undo();
     const ProjectNode outerNode{outer, "outer", "folder", inner, 0, {}};
     EXPECT_EQ(t.store->catalog().tree().projects,
         (std::vector<ProjectNode>{{inner, "inner", "folder", std::nullopt, 0, {outerNode}}}));
-    t.store->deleteProject(outer);
+    deleteProject(*t.store, outer);
     t.store->catalog().deleteProject(inner);
     t.store->undo();
     EXPECT_EQ(t.store->catalog().tree().projects,
@@ -242,7 +243,7 @@ TEST(LibraryStore, undoPutsNoProjectIntoItselfNorIntoOneThatIsGone)
 TEST(LibraryStore, aStepStaysWhileTheCatalogCannotBeWritten)
 {
     TestStore t(1);
-    t.store->setRating(only(1), 3);
+    setRating(*t.store, only(1), 3);
     t.store->catalog().database().exec("PRAGMA query_only = ON");
     EXPECT_THROW(t.store->undo(), DatabaseError);
     t.store->catalog().database().exec("PRAGMA query_only = OFF");
@@ -313,7 +314,7 @@ TEST(LibraryStore, seesWhatOtherProcessesChange)
     t.store->reloadIfChangedElsewhere();
     EXPECT_TRUE(t.change().list);
     EXPECT_EQ(t.listed(1).rating, 5);
-    t.store->setRating(only(2), 1);
+    setRating(*t.store, only(2), 1);
     t.published.clear();
     t.store->reloadIfChangedElsewhere();
     EXPECT_TRUE(t.published.empty()) << "its own changes are no news";

@@ -1,6 +1,7 @@
 // What the store shows while a list is being read in the background.
 
 #include "catalog/AllPhotos.h"
+#include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
@@ -59,8 +60,8 @@ TEST(Reading, endsInTheMiddleOfAStatement)
 TEST_F(StoreReading, whatHappensMeanwhileIsInTheListThatComes)
 {
     const bool wasReading = store->isReading();
-    store->setRating(only(ids[5]), 4);
-    store->removePhotos(only(ids[6]));
+    setRating(*store, only(ids[5]), 4);
+    removePhotos(*store, only(ids[6]));
     store->select({ids[5], ids[6], ids[7]});
     EXPECT_EQ(store->selection().empty(), wasReading) << "nobody can see them yet";
     int lists = 0;
@@ -95,7 +96,7 @@ TEST_F(StoreReading, aSourceThatIsChosenListsNothingOfTheOneBefore)
     EXPECT_EQ(store->list().items().size(), store->isReading() ? 0U : 30U);
     EXPECT_TRUE(store->selection().empty());
     store->arrange(SortKey::name, GridFilter::starred);
-    store->setRating(only(ids[20]), 3);
+    setRating(*store, only(ids[20]), 3);
     ASSERT_TRUE(isRead());
     EXPECT_EQ(store->list().items().size(), 30U);
     EXPECT_EQ(store->list().shown().size(), 1U);
@@ -115,8 +116,8 @@ TEST_F(StoreReading, aListThatIsReadAgainStaysInUse)
     other.removeFromAlbum(album, only(ids[10]));
     store->reloadIfChangedElsewhere();
     EXPECT_EQ(store->list().items().size(), store->isReading() ? 30U : 29U);
-    store->addToAlbum(album, only(ids[1])); // read again, after what is being read
-    store->setRating(only(ids[0]), 2);
+    addToAlbum(*store, album, only(ids[1])); // read again, after what is being read
+    setRating(*store, only(ids[0]), 2);
     EXPECT_EQ(store->list().find(ids[0])->rating, 2);
     EXPECT_EQ(store->selection(), only(ids[0]));
     ASSERT_TRUE(isRead());
@@ -125,7 +126,7 @@ TEST_F(StoreReading, aListThatIsReadAgainStaysInUse)
     EXPECT_FALSE(store->list().find(ids[10]));
     EXPECT_EQ(store->list().find(ids[0])->rating, 2);
     EXPECT_EQ(store->selection(), only(ids[0]));
-    store->deleteAlbum(album);
+    deleteAlbum(*store, album);
     ASSERT_TRUE(isRead());
     EXPECT_TRUE(store->list().items().empty());
 }
@@ -133,7 +134,7 @@ TEST_F(StoreReading, aListThatIsReadAgainStaysInUse)
 TEST_F(StoreReading, aListIsReadOnceHoweverItIsArrangedMeanwhile)
 {
     const bool wasReading = store->isReading();
-    store->setRating(only(ids[5]), 4);
+    setRating(*store, only(ids[5]), 4);
     int lists = 0;
     const auto connection = store->changed.connect(
         [&](const LibraryChange& change) { lists += change.list && !store->list().items().empty() ? 1 : 0; });
@@ -163,8 +164,8 @@ TEST_F(StoreReading, manyPhotosAreSortedAndSearchedMeanwhile)
     store->arrange(SortKey::imported, GridFilter::unratedOrBetter);
     EXPECT_EQ(store->list().sortKey(), SortKey::imported) << "what is asked for can be seen at once";
     const auto last = store->list().items().back().id; // the earliest
-    store->removePhotos(only(last)); // while it is sorted
-    store->setRating(only(last - 1), rejectedRating);
+    removePhotos(*store, only(last)); // while it is sorted
+    setRating(*store, only(last - 1), rejectedRating);
     ASSERT_TRUE(isOrdered());
     EXPECT_EQ(first(), last - 2);
     EXPECT_EQ(store->list().shown().size(), many - 2);
@@ -209,7 +210,7 @@ TEST_F(StoreReading, batchesOfBackgroundWorkDoNotKeepALongListFromBeingSorted)
     store->arrange(SortKey::name, GridFilter::unratedOrBetter);
     database.run("UPDATE photos SET title = 'late' WHERE id = ?", last);
     store->photosChanged(only(last));
-    store->setRating(only(last), 0); // begins anew
+    setRating(*store, only(last), 0); // begins anew
     EXPECT_EQ(store->list().find(last)->metadata.title.view(), "late");
     ASSERT_TRUE(main.runUntil([&] { return !store->isOrdering(); }));
     EXPECT_EQ(store->list().shown().size(), 60'300U);
@@ -246,7 +247,7 @@ TEST_F(StoreReading, anActionThatIsStoredIsToldThoughTheListCannotFollow)
     bool told = false;
     const auto connection = shown.changed.connect([&](const LibraryChange&) { told = true; });
     std::filesystem::rename(catalog, catalog.string() + ".away"); // no further connection can be made
-    EXPECT_NO_THROW(shown.addToAlbum(some, only(photo)));
+    EXPECT_NO_THROW(addToAlbum(shown, some, only(photo)));
     EXPECT_TRUE(told);
     EXPECT_TRUE(shown.undoTitle());
     EXPECT_TRUE(shown.list().items().empty());
@@ -261,8 +262,8 @@ TEST(MetadataBase, comesBackWithAPhotoThatWasRemoved)
     const auto photo = library.photo("a.jpg", {.title = SharedText("in the file")});
     ManualMainThread main;
     LibraryStore store(main, std::move(library.catalog));
-    store.setMetadata(only(photo), {.title = SharedText("")});
-    store.removePhotos(only(photo));
+    setMetadata(store, only(photo), {.title = SharedText("")});
+    removePhotos(store, only(photo));
     store.undo();
     const auto record = store.catalog().fileRecord(photo);
     ASSERT_TRUE(record && record->dirty && record->base);

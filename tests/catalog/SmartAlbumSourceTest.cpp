@@ -2,6 +2,8 @@
 #include "base/Json.h"
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
+#include "catalog/GroupActions.h"
+#include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
 #include "catalog/MatchCounter.h"
 #include "catalog/SmartAlbumEditor.h"
@@ -257,17 +259,17 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
             names.push_back(store.list().items()[position].filename.string());
         return names;
     };
-    const auto album = store.createSmartAlbum("three", smartAlbumRules(threeStars));
+    const auto album = createSmartAlbum(store, "three", smartAlbumRules(threeStars));
     store.chooseSource(smart(album));
     EXPECT_EQ(shown(), Names());
-    store.setRating(std::vector<PhotoID>{1, 3}, 4);
+    setRating(store, std::vector<PhotoID>{1, 3}, 4);
     EXPECT_EQ(shown(), (Names{"a.jpg", "c.jpg"}));
-    store.setRating(only(3), 2);
+    setRating(store, only(3), 2);
     EXPECT_EQ(shown(), Names{"a.jpg"});
     store.undo();
     EXPECT_EQ(shown(), (Names{"a.jpg", "c.jpg"}));
-    store.setMetadata(only(2), {.title = SharedText("Bridge")});
-    store.changeSmartAlbum(album, "bridges", SmartAlbumRules{{{Field::text, Op::contains, "bridge"}}, true});
+    setMetadata(store, only(2), {.title = SharedText("Bridge")});
+    changeSmartAlbum(store, album, "bridges", SmartAlbumRules{{{Field::text, Op::contains, "bridge"}}, true});
     EXPECT_EQ(shown(), Names{"b.jpg"});
     MatchCounter counter(main, store);
     const auto counted = [&] { return main.runUntil([&] { return counter.result().has_value(); }); };
@@ -275,13 +277,13 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
     EXPECT_FALSE(counter.result()) << "read in the background";
     ASSERT_TRUE(counted());
     EXPECT_EQ(counter.result(), 2U);
-    store.setMetadata(only(3), {.keywords = SharedText("bridges")});
+    setMetadata(store, only(3), {.keywords = SharedText("bridges")});
     EXPECT_EQ(shown(), (Names{"b.jpg", "c.jpg"}));
 
-    store.deleteSmartAlbum(album);
+    deleteSmartAlbum(store, album);
     EXPECT_EQ(shown(), Names());
     EXPECT_TRUE(store.sourceFault());
-    store.setRating(only(2), 5);
+    setRating(store, only(2), 5);
     store.undo();
     store.undo();
     EXPECT_EQ(shown(), (Names{"b.jpg", "c.jpg"}));
@@ -290,12 +292,12 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
     store.reload();
     EXPECT_EQ(shown(), Names());
     EXPECT_EQ(store.sourceFault().value().find("the rules of the smart album “later” cannot be read"), 0U);
-    store.changeSmartAlbum(album, "renamed", std::nullopt);
+    changeSmartAlbum(store, album, "renamed", std::nullopt);
     EXPECT_EQ(store.catalog().smartAlbum(album).rules, "[]") << "untouched";
     store.chooseSource(std::nullopt);
     counter.count(smartAlbumRules(threeStars));
     EXPECT_EQ(counter.result(), 2U);
-    store.setRating(only(2), 5);
+    setRating(store, only(2), 5);
     EXPECT_EQ(counter.result(), 3U) << "it follows the library";
 }
 

@@ -2,6 +2,8 @@
 // and project holds, and undo as whole copies of them. What the model does not know of, as stacks and
 // versions, is compared by the tables' rows.
 #include "base/Json.h"
+#include "catalog/GroupActions.h"
+#include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
@@ -303,7 +305,7 @@ private:
         ids.resize(std::min(ids.size(), upTo(3)));
         if (now().photos.size() < 20)
             return;
-        store_->removePhotos(ids);
+        removePhotos(*store_, ids);
         for (const auto id : ids)
             now().remove(id);
     }
@@ -312,7 +314,7 @@ private:
     {
         if (!now().hasFolder || upTo(8) > 0)
             return;
-        store_->removeFolder(1);
+        korvo::removeFolder(*store_, 1);
         now().hasFolder = false;
         for (PhotoID id = 1; id <= lastInFolder; ++id)
             now().remove(id);
@@ -323,7 +325,7 @@ private:
         const auto project = anyOf(now().projects);
         if (!project)
             return;
-        store_->deleteProject(project);
+        korvo::deleteProject(*store_, project);
         for (auto& [id, photo] : now().photos)
             if (now().liesIn(photo.project, project))
                 photo.project = 0;
@@ -333,7 +335,7 @@ private:
 
     void gather()
     {
-        const auto outer = store_->gatherUnderProject("all");
+        const auto outer = gatherUnderProject(*store_, "all");
         for (auto& [id, project] : now().projects)
             if (project.parent == 0)
                 project.parent = outer;
@@ -345,7 +347,7 @@ private:
         const auto project = anyOf(now().projects), to = upTo(2) ? anyOf(now().projects) : 0;
         if (!project || now().liesIn(to, project))
             return;
-        store_->moveProject(project, to ? std::optional(to) : std::nullopt);
+        korvo::moveProject(*store_, project, to ? std::optional(to) : std::nullopt);
         now().projects[project].parent = to;
     }
 
@@ -357,13 +359,13 @@ private:
         const auto& stack = stacks[upTo(stacks.size())];
         switch (upTo(4)) {
         case 0:
-            return store_->unstack(stack.id);
+            return unstack(*store_, stack.id);
         case 1:
-            return store_->setStackState(stack.id, static_cast<StackState>(upTo(2)));
+            return setStackState(*store_, stack.id, static_cast<StackState>(upTo(2)));
         case 2:
-            return store_->moveInStack(stack.id, stack.members.back(), 0);
+            return moveInStack(*store_, stack.id, stack.members.back(), 0);
         default:
-            return store_->setPick(stack.id, stack.members.back());
+            return setPick(*store_, stack.id, stack.members.back());
         }
     }
 
@@ -371,55 +373,55 @@ private:
     {
         const auto keywords = store_->catalog().keywords();
         if (keywords.empty() || upTo(3) > 0)
-            store_->createKeyword(
-                "k", keywords.empty() ? std::nullopt : std::optional(keywords[upTo(keywords.size())].id));
+            createKeyword(*store_, "k",
+                keywords.empty() ? std::nullopt : std::optional(keywords[upTo(keywords.size())].id));
         else
-            store_->deleteKeyword(keywords[upTo(keywords.size())].id);
+            deleteKeyword(*store_, keywords[upTo(keywords.size())].id);
     }
 
     const std::vector<std::function<void()>> actions_ = {
         [&] {
             const auto rating = static_cast<int>(upTo(7)) - 1;
-            change(&ModelPhoto::rating, rating, [&](auto ids) { store_->setRating(ids, rating); });
+            change(&ModelPhoto::rating, rating, [&](auto ids) { setRating(*store_, ids, rating); });
         },
         [&] {
             const bool flagged = upTo(2) == 0;
-            change(&ModelPhoto::flagged, flagged, [&](auto ids) { store_->setFlagged(ids, flagged); });
+            change(&ModelPhoto::flagged, flagged, [&](auto ids) { setFlagged(*store_, ids, flagged); });
         },
         [&] {
             const auto label = static_cast<int>(upTo(8));
             change(&ModelPhoto::label, label,
-                [&](auto ids) { store_->setLabel(ids, static_cast<PhotoLabel>(label)); });
+                [&](auto ids) { setLabel(*store_, ids, static_cast<PhotoLabel>(label)); });
         },
         [&] {
             const auto title = std::to_string(upTo(4));
             change(&ModelPhoto::title, title,
-                [&](auto ids) { store_->setMetadata(ids, {.title = SharedText(title)}); });
+                [&](auto ids) { setMetadata(*store_, ids, {.title = SharedText(title)}); });
         },
         [&] {
             const std::string keywords = upTo(2) ? "sea, night" : "";
             change(&ModelPhoto::keywords, keywords,
-                [&](auto ids) { store_->setMetadata(ids, {.keywords = SharedText(keywords)}); });
+                [&](auto ids) { setMetadata(*store_, ids, {.keywords = SharedText(keywords)}); });
         },
         [&] {
             const auto exposure = static_cast<double>(upTo(3)) / 2;
             change(&ModelPhoto::exposure, exposure,
-                [&](auto ids) { store_->setEdits(ids, {.exposure = exposure}); });
+                [&](auto ids) { setEdits(*store_, ids, {.exposure = exposure}); });
         },
         [&] {
             const auto project = anyOf(now().projects);
             change(&ModelPhoto::project, project, [&](auto ids) {
-                store_->assignToProject(ids, project ? std::optional(project) : std::nullopt);
+                assignToProject(*store_, ids, project ? std::optional(project) : std::nullopt);
             });
         },
         [&] {
             const auto project = anyOf(now().projects);
-            now().albums[store_->createAlbum("album", project ? std::optional(project) : std::nullopt)];
+            now().albums[createAlbum(*store_, "album", project ? std::optional(project) : std::nullopt)];
         },
-        [&] { now().projects[store_->createProject("project", "project", std::nullopt)] = {"project"}; },
+        [&] { now().projects[createProject(*store_, "project", "project", std::nullopt)] = {"project"}; },
         [&] {
             if (const auto project = anyOf(now().projects))
-                store_->renameProject(project, now().projects[project].name = std::to_string(upTo(3)));
+                renameProject(*store_, project, now().projects[project].name = std::to_string(upTo(3)));
         },
         [&] { moveProject(); },
         [&] {
@@ -428,13 +430,13 @@ private:
         },
         [&] {
             changeAlbum([&](auto album, const auto& ids) {
-                store_->addToAlbum(album, ids);
+                addToAlbum(*store_, album, ids);
                 now().albums[album].insert(ids.begin(), ids.end());
             });
         },
         [&] {
             changeAlbum([&](auto album, const auto& ids) {
-                store_->removeFromAlbum(album, ids);
+                removeFromAlbum(*store_, album, ids);
                 for (const auto id : ids)
                     now().albums[album].erase(id);
             });
@@ -442,21 +444,21 @@ private:
         [&] {
             changeAlbum([&](auto album, const auto&) {
                 if (upTo(3) == 0) {
-                    store_->deleteAlbum(album);
+                    deleteAlbum(*store_, album);
                     now().albums.erase(album);
                 }
             });
         },
         [&] {
             const auto least = 1 + static_cast<int>(upTo(3));
-            now().smartAlbums[store_->createSmartAlbum("smart",
+            now().smartAlbums[createSmartAlbum(*store_, "smart",
                 {{{SmartAlbumRule::Field::rating, SmartAlbumRule::Op::atLeast, std::to_string(least)}}})]
                 = least;
         },
-        [&] { store_->createVersion(anyOf(now().photos), std::nullopt, std::nullopt, 1); },
+        [&] { createVersion(*store_, anyOf(now().photos), std::nullopt, std::nullopt, 1); },
         [&] {
             if (const auto ids = somePhotos(); ids.size() > 1)
-                store_->createStack(ids, ids.back());
+                createStack(*store_, ids, ids.back());
         },
         [&] { changeStack(); },
         [&] { changeKeywords(); },

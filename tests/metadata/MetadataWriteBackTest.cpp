@@ -1,5 +1,6 @@
 #include "metadata/MetadataWriteBack.h"
 
+#include "catalog/LibraryActions.h"
 #include "platform/FileDefaults.h"
 #include "tests/metadata/FakeExifTool.h"
 #include "tests/support/ManualMainThread.h"
@@ -35,7 +36,7 @@ struct OpenLibrary : TestLibrary {
         });
     }
 
-    void title(PhotoID id, const char* title) { store->setMetadata(only(id), {.title = title}); }
+    void title(PhotoID id, const char* title) { setMetadata(*store, only(id), {.title = title}); }
     bool isDirty(PhotoID id) { return store->list().find(id)->dirty; }
     bool finish()
     {
@@ -68,7 +69,7 @@ TEST(MetadataWriteBack, savesAllThatWaitsAMomentAfterTheLastChange)
     library.title(2, "second");
     library.main.advance(2499ms);
     EXPECT_FALSE(library.writeBack->isSaving());
-    library.store->setRating(only(1), 5); // is no metadata of the kind
+    setRating(*library.store, only(1), 5); // is no metadata of the kind
     library.main.advance(1ms);
     ASSERT_TRUE(library.writeBack->isSaving());
     ASSERT_TRUE(library.finish());

@@ -4,6 +4,7 @@
 #include "app/desktop/adjust/AdjustPanel.h"
 #include "app/desktop/adjust/ExportSheet.h"
 #include "base/Text.h"
+#include "catalog/LibraryActions.h"
 #include "edits/AdjustmentCopy.h"
 #include "edits/Geometry.h"
 
@@ -69,7 +70,7 @@ private:
     void change(const char* title, const char* done, const EditDraft::Change& how)
     {
         const auto photos = desktop_.browser().targets();
-        desktop_.store().changeEdits(title, photos, how);
+        changeEdits(desktop_.store(), title, photos, how);
         if (photos.size() > manyPhotos)
             desktop_.say(done + std::string(" ") + counted(photos.size(), "photo") + ".", Offer::undo);
     }

@@ -4,6 +4,7 @@
 #include "app/desktop/PhotoDrag.h"
 #include "app/desktop/grid/GridView.h"
 #include "base/Text.h"
+#include "catalog/LibraryActions.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -92,7 +93,7 @@ bool GridView::mark(Index index, const CellPart& part)
     switch (part.kind) {
     case CellPart::Kind::star: // a click on the last star that is lit puts all out
         desktop_.attempt([&] {
-            store().setRating(ids, item.rating == part.stars ? 0 : part.stars);
+            setRating(store(), ids, item.rating == part.stars ? 0 : part.stars);
             done("Set Rating");
         });
         return true;

@@ -4,6 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/info/KeywordField.h"
 #include "base/Text.h"
+#include "catalog/LibraryActions.h"
 
 #include <QLabel>
 #include <QVBoxLayout>
@@ -125,11 +126,11 @@ bool DescriptiveForm::changeField(std::size_t place, const QString& text)
     bool kept = false;
     desktop_.attempt([&] {
         if (place != keywordsField)
-            desktop_.store().setMetadataField(photos_, place, utf8(text));
+            setMetadataField(desktop_.store(), photos_, place, utf8(text));
         else if (photos_.size() == 1)
-            desktop_.store().setMetadataField(photos_, place, tidyKeywordText(utf8(text)));
+            setMetadataField(desktop_.store(), photos_, place, tidyKeywordText(utf8(text)));
         else
-            desktop_.store().editKeywords(photos_, keywordEdit(keywords_, utf8(text)));
+            editKeywords(desktop_.store(), photos_, keywordEdit(keywords_, utf8(text)));
         kept = true;
     });
     return kept;

@@ -1,6 +1,7 @@
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sheets/StackPreview.h"
+#include "catalog/GroupActions.h"
 
 #include <QDialogButtonBox>
 #include <QPushButton>
@@ -142,7 +143,7 @@ void AutoStackSheet::showPlan(AutoStackPlan plan)
 void AutoStackSheet::stack()
 {
     attemptIn(*this, [&] {
-        desktop_.store().autoStack(preview_->plan());
+        autoStack(desktop_.store(), preview_->plan());
         accept();
     });
 }

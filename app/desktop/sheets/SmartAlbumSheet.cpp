@@ -3,6 +3,7 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "base/JsonError.h"
 #include "base/Text.h"
+#include "catalog/GroupActions.h"
 #include "catalog/MatchCounter.h"
 #include "catalog/SmartAlbumEditor.h"
 
@@ -199,10 +200,10 @@ void SmartAlbumSheet::save()
     auto& store = desktop_.store();
     const auto name = utf8(name_->text());
     if (id_)
-        store.changeSmartAlbum(*id_, name, readable_ ? std::optional(rules()) : std::nullopt);
+        changeSmartAlbum(store, *id_, name, readable_ ? std::optional(rules()) : std::nullopt);
     else
         store.chooseSource(
-            LibrarySource{LibrarySource::Kind::smartAlbum, store.createSmartAlbum(name, rules()), {}});
+            LibrarySource{LibrarySource::Kind::smartAlbum, createSmartAlbum(store, name, rules()), {}});
     accept();
 }
 

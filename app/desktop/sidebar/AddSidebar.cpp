@@ -5,6 +5,7 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
+#include "catalog/LibraryActions.h"
 
 #include <QLineEdit>
 #include <QMenu>
@@ -43,7 +44,7 @@ void newKeyword(MainWindow& window, const Sidebar& sidebar)
     const auto parent = sidebar.chosenKeyword();
     const QString title = parent ? "New Keyword in “" + sidebar.currentItem()->text(0) + "”" : "New Keyword";
     if (const auto name = askName(window, title))
-        window.desktop().store().createKeyword(*name, parent);
+        createKeyword(window.desktop().store(), *name, parent);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/grid/Glyphs.h"
+#include "catalog/LibraryActions.h"
 
 #include <QMenu>
 #include <QMouseEvent>
@@ -129,7 +130,7 @@ void MarksBar::chooseLabel(const std::vector<PhotoID>& ids)
     for (int number = 0; number <= static_cast<int>(PhotoLabel::gray); ++number) {
         const auto label = static_cast<PhotoLabel>(number);
         menu->addAction(qt(name(label)), [&desktop = desktop_, ids, label] {
-            desktop.attempt([&] { desktop.store().setLabel(ids, label); });
+            desktop.attempt([&] { setLabel(desktop.store(), ids, label); });
         });
     }
     menu->popup(mapToGlobal(labelRect().topLeft()));
@@ -145,11 +146,11 @@ void MarksBar::mousePressEvent(QMouseEvent* event)
     for (int star = 1; star <= highestRating; ++star)
         if (starRect(star).contains(at)) // a click on the last star that is lit puts all out
             return desktop_.attempt(
-                [&] { desktop_.store().setRating(ids, photo->rating == star ? 0 : star); });
+                [&] { setRating(desktop_.store(), ids, photo->rating == star ? 0 : star); });
     if (labelRect().contains(at))
         return chooseLabel(ids);
     if (flagRect().contains(at) && !photo->isRejected())
-        desktop_.attempt([&] { desktop_.store().setFlagged(ids, !photo->flagged); });
+        desktop_.attempt([&] { setFlagged(desktop_.store(), ids, !photo->flagged); });
 }
 
 } // namespace korvo

@@ -1,4 +1,5 @@
 #include "app/desktop/info/DescriptiveForm.h"
+#include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QAbstractItemView>
@@ -38,8 +39,8 @@ void settle()
 TEST(Info, writesOnlyTheTouchedFieldOfManyAndAsOneStep)
 {
     TestWindow t(3);
-    t.store().setMetadata(
-        std::vector<PhotoID>{1}, {.title = SharedText("One"), .creator = SharedText("Ann")});
+    setMetadata(
+        t.store(), std::vector<PhotoID>{1}, {.title = SharedText("One"), .creator = SharedText("Ann")});
     t.store().select({1, 2});
     settle();
     EXPECT_EQ(field(t, "Title").toPlainText(), "");
@@ -113,7 +114,7 @@ TEST(Info, takesNoTextForPhotosThatAreNotReadYet)
 TEST(Info, undoTakesBackTheTypingFirst)
 {
     TestWindow t(1);
-    t.store().setRating(std::vector<PhotoID>{1}, 3);
+    setRating(t.store(), std::vector<PhotoID>{1}, 3);
     t.store().select({1});
     settle();
     type(t, "Title", "First");
@@ -186,8 +187,8 @@ TEST(Info, worksOffAltTextsWithEnter)
 TEST(Info, editsTheKeywordsThatManyHaveInCommon)
 {
     TestWindow t(2);
-    t.store().setMetadata(std::vector<PhotoID>{1}, {.keywords = SharedText("sea, sky")});
-    t.store().setMetadata(std::vector<PhotoID>{2}, {.keywords = SharedText("sky")});
+    setMetadata(t.store(), std::vector<PhotoID>{1}, {.keywords = SharedText("sea, sky")});
+    setMetadata(t.store(), std::vector<PhotoID>{2}, {.keywords = SharedText("sky")});
     t.store().select({1, 2});
     settle();
     EXPECT_EQ(field(t, "Keywords").toPlainText(), "sky");
@@ -200,7 +201,7 @@ TEST(Info, editsTheKeywordsThatManyHaveInCommon)
 TEST(Info, closesTheListOfKnownKeywordsBeforeTheField)
 {
     TestWindow t(2);
-    t.store().setMetadata(std::vector<PhotoID>{2}, {.keywords = SharedText("garden")});
+    setMetadata(t.store(), std::vector<PhotoID>{2}, {.keywords = SharedText("garden")});
     t.store().select({1});
     settle();
     auto& edit = field(t, "Keywords");

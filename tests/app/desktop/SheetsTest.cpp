@@ -1,4 +1,5 @@
 #include "app/desktop/sheets/Sheets.h"
+#include "catalog/LibraryActions.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/platform/DiskService.h"
@@ -58,7 +59,7 @@ void click(QWidget& sheet, const char* button)
 TEST(SmartAlbumSheet, countsWhileTypingAndMakesTheAlbum)
 {
     TestWindow t(3);
-    t.store().setRating(std::vector<PhotoID>{1, 2}, 4);
+    setRating(t.store(), std::vector<PhotoID>{1, 2}, 4);
     QWidget& sheet = *showSmartAlbumSheet(*t.window, std::nullopt);
     EXPECT_TRUE(comesToSay(sheet, "2 photos match")) << "three stars to begin with";
     auto& value = named<QLineEdit>(sheet, "Value");
@@ -101,7 +102,7 @@ TEST(AutoStackSheet, previewsBeforeAnythingIsWritten)
     named<QSlider>(sheet, "Interval in seconds").setValue(20);
     EXPECT_TRUE(comesToSay(sheet, "Within 20 seconds: 1 stack from 2 photos"));
     EXPECT_TRUE(t.store().catalog().stacks().empty());
-    t.store().setRating(only(3), 4);
+    setRating(t.store(), only(3), 4);
     EXPECT_TRUE(named<QPushButton>(sheet, "Stack").isEnabled()) << "the plan stays until there is a new one";
     click(sheet, "Stack");
     EXPECT_EQ(t.store().catalog().stacks().size(), 1U);

@@ -9,6 +9,7 @@
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/sidebar/Sidebar.h"
+#include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 
@@ -78,7 +79,7 @@ TEST(StatusLine, offersToTakeBackWhatItTellsOfAndNothingElse)
     EXPECT_FALSE(undo()) << "nothing was done that could be taken back";
     t.store().select({2});
     commands.run(Command::remove);
-    t.store().setRating(only(1), 3);
+    setRating(t.store(), only(1), 3);
     EXPECT_FALSE(undo()) << "another action is the last one";
     t.store().undo();
     ASSERT_TRUE(undo());
@@ -131,9 +132,9 @@ TEST(SidebarTree, nestsAlbumsAndTakesPhotosAndLinesWhereTheyFit)
     using Kind = SidebarNode::Kind;
     TestWindow t(2);
     auto& store = t.store();
-    const auto trip = store.createProject("Trip", "project", {});
-    const auto day = store.createProject("Day", "project", trip);
-    const auto best = store.createAlbum("Best", {});
+    const auto trip = createProject(store, "Trip", "project", {});
+    const auto day = createProject(store, "Day", "project", trip);
+    const auto best = createAlbum(store, "Best", {});
     moveLine(store, {Kind::album, best}, {Kind::project, day});
     const auto projects = sidebarTree(store.tree())[2];
     EXPECT_EQ(sidebarTree(store.tree())[0].children[0].count, 2);
@@ -147,11 +148,11 @@ TEST(SidebarTree, nestsAlbumsAndTakesPhotosAndLinesWhereTheyFit)
     EXPECT_EQ(
         dropPhotos(store, {Kind::album, best, "Best", {}}, store.selection()), "Added 2 photos to “Best”.");
     EXPECT_EQ(sidebarTree(store.tree())[2].children[0].children[0].children[0].count, 2);
-    const auto keyword = store.createKeyword("sea", {});
+    const auto keyword = createKeyword(store, "sea", {});
     dropPhotos(store, {Kind::keyword, keyword, "sea", {}}, IDs{1});
     dropPhotos(store, {Kind::keyword, keyword, "sea", {}}, IDs{1});
     EXPECT_EQ(t.listed(1).metadata.keywords, "sea");
-    store.setMetadata(IDs{2}, {.keywords = SharedText("seagull, sea, coast")});
+    setMetadata(store, IDs{2}, {.keywords = SharedText("seagull, sea, coast")});
     renameLine(store, {Kind::keyword, keyword}, "coast");
     EXPECT_EQ(store.tree().keywords[0].name, "coast");
     EXPECT_EQ(t.listed(1).metadata.keywords, "coast");
@@ -172,8 +173,8 @@ TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
     auto& store = t.store();
     std::vector<SidebarKey> projects, albums;
     for (const auto* const name : {"a", "b", "c"}) {
-        projects.push_back({Kind::project, store.createProject(name, "project", {})});
-        albums.push_back({Kind::album, store.createAlbum(name, projects[0].id)});
+        projects.push_back({Kind::project, createProject(store, name, "project", {})});
+        albums.push_back({Kind::album, createAlbum(store, name, projects[0].id)});
     }
     const auto order = [&] {
         std::string names;
@@ -199,8 +200,8 @@ TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
     store.undo();
     EXPECT_EQ(order(), "abcacb");
     EXPECT_FALSE(canBeMoved(projects[0], albums[0], DropAt::above));
-    const SidebarKey animals{Kind::keyword, store.createKeyword("animals", {})};
-    const SidebarKey birds{Kind::keyword, store.createKeyword("birds", {})};
+    const SidebarKey animals{Kind::keyword, createKeyword(store, "animals", {})};
+    const SidebarKey birds{Kind::keyword, createKeyword(store, "birds", {})};
     moveLine(store, birds, animals);
     EXPECT_EQ(store.tree().keywords[1].parentID, animals.id);
     const auto places = placesFor(sidebarTree(store.tree()), animals);
@@ -211,7 +212,7 @@ TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
     ASSERT_EQ(animals.id, albums[0].id) << "albums have numbers of their own";
     stepLine(store, animals, 1);
     EXPECT_FALSE(store.tree().keywords[0].parentID) << "keywords stand in the order of their names";
-    store.setRating(IDs{1}, -1);
+    setRating(store, IDs{1}, -1);
     dropPhotos(
         store, {Kind::source, static_cast<std::int64_t>(LibrarySource::Kind::flagged), "Flagged"}, IDs{1});
     EXPECT_TRUE(store.catalog().photo(1)->flagged);
@@ -222,8 +223,8 @@ TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
 {
     TestWindow t(1);
     auto& store = t.store();
-    const SidebarKey zoo{SidebarNode::Kind::keyword, store.createKeyword("zoo", {})};
-    store.createKeyword("bear", {});
+    const SidebarKey zoo{SidebarNode::Kind::keyword, createKeyword(store, "zoo", {})};
+    createKeyword(store, "bear", {});
     auto& sidebar = *sidebarOf(*t.window);
     const auto line = [&](const char* name) {
         QTreeWidgetItem* item = nullptr;
@@ -241,7 +242,7 @@ TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
     auto* const editor = sidebar.viewport()->findChild<QLineEdit*>();
     ASSERT_TRUE(editor);
     QTest::keyClicks(editor, "ape");
-    store.createAlbum("Best", {});
+    createAlbum(store, "Best", {});
     QTest::qWait(20);
     EXPECT_EQ(editor->text(), "ape");
     QTest::keyClick(editor, Qt::Key_Return);
@@ -255,8 +256,8 @@ TEST(AlbumOrder, movesWhatIsShownTogether)
 {
     TestWindow t(5);
     auto& store = t.store();
-    const auto album = store.createAlbum("album", {});
-    store.addToAlbum(album, IDs{1, 2, 3, 4, 5});
+    const auto album = createAlbum(store, "album", {});
+    addToAlbum(store, album, IDs{1, 2, 3, 4, 5});
     placeInAlbum(store, IDs{5}, 0); // no album is shown
     store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
     const auto order = [&] { return shownIDs(store.list()); };
@@ -280,8 +281,8 @@ TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)
 {
     TestWindow t(3);
     auto& store = t.store();
-    const auto album = store.createAlbum("Best", {});
-    store.addToAlbum(album, IDs{1, 2, 3});
+    const auto album = createAlbum(store, "Best", {});
+    addToAlbum(store, album, IDs{1, 2, 3});
     store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
     store.arrange(SortKey::rating, std::nullopt);
     store.select({3, 1});
@@ -296,8 +297,8 @@ TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)
     EXPECT_EQ(store.selection(), (IDs{3, 1}));
 
     store.chooseSource({});
-    store.deleteAlbum(album);
-    store.removePhotos(IDs{3});
+    deleteAlbum(store, album);
+    removePhotos(store, IDs{3});
     restoreView(store, memory);
     EXPECT_EQ(store.source(), std::nullopt);
     EXPECT_EQ(store.selection(), IDs{1});
@@ -308,8 +309,8 @@ TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)
 TEST(Window, comesBackAsItWasLeft)
 {
     TestWindow t(3);
-    const SidebarKey trip{SidebarNode::Kind::project, t.store().createProject("Trip", "project", {})};
-    t.store().createAlbum("Best", trip.id);
+    const SidebarKey trip{SidebarNode::Kind::project, createProject(t.store(), "Trip", "project", {})};
+    createAlbum(t.store(), "Best", trip.id);
     QTest::qWait(10);
     const auto lineOf = [](const MainWindow& window, const char* name) {
         return sidebarOf(window)->findItems(name, Qt::MatchExactly | Qt::MatchRecursive).at(0);
@@ -457,8 +458,8 @@ TEST(GridView, aSweepBeyondTheEdgeScrollsAndKeepsWhatItPassed)
 TEST(GridView, aDropPutsPhotosWhereTheLineIsAndASweepEndsWithTheGrid)
 {
     TestWindow t(4);
-    const auto album = t.store().createAlbum("album", {});
-    t.store().addToAlbum(album, IDs{1, 2, 3, 4});
+    const auto album = createAlbum(t.store(), "album", {});
+    addToAlbum(t.store(), album, IDs{1, 2, 3, 4});
     auto* const grid = gridOf(*t.window);
     const auto drop = [&](PhotoID photo, QPoint at) {
         const std::vector dragged{t.store().list().find(photo)};

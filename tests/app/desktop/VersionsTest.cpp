@@ -1,3 +1,5 @@
+#include "catalog/GroupActions.h"
+#include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 
@@ -50,8 +52,8 @@ TEST(Versions, aNewOneIsWorkedOnAtOnceAndEscapeGoesBack)
 TEST(Versions, inAnAlbumANewOneIsSelectedBesideItsPhoto)
 {
     TestWindow t(2);
-    const auto album = t.store().createAlbum("album", std::nullopt);
-    t.store().addToAlbum(album, IDs{1, 2});
+    const auto album = createAlbum(t.store(), "album", std::nullopt);
+    addToAlbum(t.store(), album, IDs{1, 2});
     t.store().chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
     t.store().select({1});
     t.press(Qt::Key_Apostrophe, Qt::ControlModifier);
@@ -62,13 +64,13 @@ TEST(Versions, inAnAlbumANewOneIsSelectedBesideItsPhoto)
 TEST(Versions, nothingIsSelectedThatTheFilterHides)
 {
     TestWindow t(2);
-    t.store().createVersions(IDs{1}, 1);
+    createVersions(t.store(), IDs{1}, 1);
     t.store().select({1});
     t.desktop->browser().showVersions(3);
-    t.store().setRating(IDs{1}, -1);
+    setRating(t.store(), IDs{1}, -1);
     t.desktop->browser().leaveVersions();
     EXPECT_EQ(t.store().selection(), IDs{2});
-    t.store().setRating(IDs{3}, -1);
+    setRating(t.store(), IDs{3}, -1);
     t.desktop->browser().showVersions(3);
     EXPECT_EQ(t.store().selection(), IDs());
 }
@@ -76,7 +78,7 @@ TEST(Versions, nothingIsSelectedThatTheFilterHides)
 TEST(Versions, theInfoTabListsOpensAndRemovesThem)
 {
     TestWindow t(2);
-    t.store().createVersions(IDs{1, 1}, 1);
+    createVersions(t.store(), IDs{1, 1}, 1);
     t.store().select({2});
     versionRows(t, 0);
     t.store().select({1});
@@ -88,7 +90,7 @@ TEST(Versions, theInfoTabListsOpensAndRemovesThem)
     t.press(Qt::Key_Return);
     EXPECT_EQ(t.desktop->browser().targets(), IDs{3});
     EXPECT_EQ(shown(t), (IDs{1, 3, 4}));
-    t.store().renameVersion(4, "Black and White");
+    renameVersion(t.store(), 4, "Black and White");
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return rows.count() == 3 && rows.item(2)->text() == "Black and White"; }));
     EXPECT_EQ(rows.currentRow(), 1);
@@ -101,8 +103,8 @@ TEST(Versions, theInfoTabListsOpensAndRemovesThem)
     t.store().undo();
     versionRows(t, 3);
     rows.setFocus();
-    t.store().removeVersion(4);
-    t.store().removeVersion(3);
+    removeVersion(t.store(), 4);
+    removeVersion(t.store(), 3);
     versionRows(t, 0);
     EXPECT_EQ(QApplication::focusWidget(), t.window->centre());
 }

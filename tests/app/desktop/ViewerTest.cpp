@@ -3,6 +3,7 @@
 #include "app/desktop/adjust/ExportSheet.h"
 #include "app/desktop/viewer/MarksBar.h"
 #include "app/desktop/viewer/Pages.h"
+#include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QLineEdit>
@@ -113,7 +114,7 @@ TEST(Viewer, showsThePhotoWholeAtAllItsPixelsAndAsItWas)
 {
     PhotoWindow t;
     const auto photo = t.add("a.png", 100, 3000, 2000);
-    t.store().setEdits(ids({photo}), {.exposure = 1});
+    setEdits(t.store(), ids({photo}), {.exposure = 1});
     t.store().select({photo});
     t.open(ViewMode::viewer);
     ASSERT_TRUE(t.isDrawn());
@@ -176,7 +177,7 @@ TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().contains("broken.jpg"); }, wait));
     t.press(Qt::Key_Right);
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().contains("gone.jpg"); }, wait));
-    t.store().setRating(t.desktop->browser().targets(), 3);
+    setRating(t.store(), t.desktop->browser().targets(), 3);
     EXPECT_EQ(t.listed(gone).rating, 3);
 }
 
@@ -184,7 +185,7 @@ TEST(Viewer, aLabelChosenBelowAPhotoMayTakeItOutOfTheSurvey)
 {
     TestWindow t(3);
     const std::vector<PhotoID> all{1, 2, 3};
-    t.store().setLabel(all, PhotoLabel::red);
+    setLabel(t.store(), all, PhotoLabel::red);
     t.store().narrow(rulesOf({.labels = {PhotoLabel::red}}));
     t.store().select(all);
     t.desktop->browser().setMode(ViewMode::survey);
@@ -223,7 +224,7 @@ TEST(Adjust, aSliderDrawsAtOnceAndIsStoredWhenItIsLetGo)
     EXPECT_EQ(bar.value(), 0);
     EXPECT_EQ(t.grey(100), 100);
 
-    t.store().setEdits(ids({photo}), {.exposure = 2, .tint = 5});
+    setEdits(t.store(), ids({photo}), {.exposure = 2, .tint = 5});
     EXPECT_EQ(bar.value(), 200);
     QTest::mouseDClick(&bar, Qt::LeftButton);
     EXPECT_EQ(t.listed(photo).edits(), (PhotoEdits{.tint = 5}));
@@ -254,8 +255,8 @@ TEST(Adjust, adjustmentsAreCopiedToManyInOneStep)
     std::vector<PhotoID> photos;
     for (char name = 'a'; name <= 'j'; ++name)
         photos.push_back(t.add(std::string(1, name) + ".png"));
-    t.store().setEdits(ids({photos[0]}), {.exposure = 1, .rotation = 1});
-    t.store().setEdits(ids({photos[1]}), {.tint = 3, .rotation = 2});
+    setEdits(t.store(), ids({photos[0]}), {.exposure = 1, .rotation = 1});
+    setEdits(t.store(), ids({photos[1]}), {.tint = 3, .rotation = 2});
     auto& commands = t.window->commands();
     EXPECT_FALSE(commands.action(Command::pasteAdjustments)->isEnabled());
     t.store().select({photos[0]});
