@@ -208,8 +208,9 @@ public:
         std::int64_t id, std::optional<std::int64_t> parentProject, std::optional<std::int64_t> before);
     void deleteAlbum(std::int64_t id);
     void addToAlbum(std::int64_t album, std::span<const PhotoID> photos);
-    /// Adds a photo behind a member, or at the end (CatalogOrder.cpp).
-    void addToAlbumBehind(std::int64_t album, PhotoID photo, PhotoID member);
+    /// Adds photos, each behind the member named at its place, or at the end (CatalogOrder.cpp).
+    void addToAlbumBehind(
+        std::int64_t album, std::span<const PhotoID> photos, std::span<const PhotoID> members);
     /// Puts those of the photos that are in the album before another member, in this order, or behind all
     /// (CatalogOrder.cpp).
     void moveInAlbum(std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before);

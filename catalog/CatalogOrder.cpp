@@ -3,6 +3,7 @@
 #include "catalog/ChangeRow.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace korvo {
@@ -11,64 +12,117 @@ namespace {
 
 using IDs = std::vector<std::int64_t>;
 
+/// What stands in an order, and the number by which it does.
+struct Placed {
+    std::int64_t id, position;
+};
+
+/// The ids and positions that a statement selects.
 template <typename... Args>
-IDs idsInOrder(Database& database, std::string_view sql, const Args&... args)
+std::vector<Placed> inOrder(Database& database, std::string_view sql, const Args&... args)
 {
-    IDs ids;
+    std::vector<Placed> all;
     auto statement = database.kept(sql);
     statement.bind(args...);
     while (statement.step())
-        ids.push_back(statement.integer(0));
-    return ids;
+        all.push_back({statement.integer(0), statement.integer(1)});
+    return all;
 }
 
 /// The ids with those of `moved` that are among them standing together before another one, or at the end.
-IDs rearranged(const IDs& ids, std::span<const std::int64_t> moved, std::optional<std::int64_t> before)
+IDs rearranged(
+    const std::vector<Placed>& all, std::span<const std::int64_t> moved, std::optional<std::int64_t> before)
 {
-    const std::unordered_set<std::int64_t> known(ids.begin(), ids.end());
+    std::unordered_set<std::int64_t> known;
     const std::unordered_set<std::int64_t> leaving(moved.begin(), moved.end());
     IDs result, tail;
     bool isBehind = false;
-    for (const auto id : ids) {
+    for (const auto [id, position] : all) {
+        known.insert(id);
         isBehind = isBehind || id == before;
         if (!leaving.contains(id))
             (isBehind ? tail : result).push_back(id);
     }
     std::copy_if(moved.begin(), moved.end(), std::back_inserter(result),
-        [&](std::int64_t id) { return known.contains(id); });
+        [&](std::int64_t id) { return known.erase(id) > 0; }); // each once
     result.insert(result.end(), tail.begin(), tail.end());
     return result;
 }
 
-IDs photosInAlbum(Database& database, std::int64_t album)
+/// Calls `place` with the id and the new position of each that gets another. The positions that there are
+/// stay in use, so that few change: none before the first that stands elsewhere, and where nothing came or
+/// went none behind the last.
+template <typename Place>
+void renumber(const std::vector<Placed>& before, const IDs& now, Place place)
 {
-    return idsInOrder(database,
-        "SELECT ai.photo_id FROM album_items ai JOIN photos p ON p.id = ai.photo_id "
+    std::unordered_map<std::int64_t, std::int64_t> positions;
+    for (const auto [id, position] : before)
+        positions.emplace(id, position);
+    std::size_t at = 0;
+    while (at < now.size() && now[at] == before[at].id)
+        ++at;
+    std::int64_t last = at > 0 ? before[at - 1].position : 0;
+    for (; at < now.size(); ++at) {
+        last = std::max(last + 1, before[at].position);
+        if (positions.at(now[at]) != last)
+            place(now[at], last);
+    }
+}
+
+/// The ids with what comes late in them standing behind those that `behind` has it under.
+IDs withEachBehind(const std::vector<Placed>& all, const std::unordered_map<std::int64_t, IDs>& behind)
+{
+    IDs result;
+    std::unordered_set<std::int64_t> standing;
+    const auto put = [&](std::int64_t id) {
+        if (standing.insert(id).second)
+            result.push_back(id);
+    };
+    for (const auto [id, position] : all) {
+        put(id);
+        if (const auto late = behind.find(id); late != behind.end())
+            std::for_each(late->second.begin(), late->second.end(), put);
+    }
+    return result;
+}
+
+std::vector<Placed> photosInAlbum(Database& database, std::int64_t album)
+{
+    return inOrder(database,
+        "SELECT ai.photo_id, ai.position FROM album_items ai JOIN photos p ON p.id = ai.photo_id "
         "WHERE ai.album_id = ? ORDER BY ai.position, p.filename COLLATE NOCASE",
         album);
 }
 
+void placeInAlbum(Database& database, std::int64_t album, const std::vector<Placed>& before, const IDs& now)
+{
+    auto update = database.kept("UPDATE album_items SET position = ? WHERE album_id = ? AND photo_id = ?");
+    renumber(before, now, [&](PhotoID photo, std::int64_t position) {
+        update.bind(position, album, photo);
+        update.run();
+    });
+}
+
 } // namespace
 
-void Catalog::addToAlbumBehind(std::int64_t album, PhotoID photo, PhotoID member)
+void Catalog::addToAlbumBehind(
+    std::int64_t album, std::span<const PhotoID> photos, std::span<const PhotoID> members)
 {
     Transaction transaction(database_);
-    addToAlbum(album, std::span(&photo, 1));
-    const auto members = photosInAlbum(database_, album);
-    const auto at = std::find(members.begin(), members.end(), member);
-    const auto next = at == members.end() ? at : at + 1;
-    moveInAlbum(album, std::span(&photo, 1), next == members.end() ? std::nullopt : std::optional(*next));
+    addToAlbum(album, photos);
+    std::unordered_map<PhotoID, IDs> behind;
+    for (std::size_t i = 0; i < photos.size(); ++i)
+        behind[members[i]].push_back(photos[i]);
+    const auto before = photosInAlbum(database_, album);
+    placeInAlbum(database_, album, before, withEachBehind(before, behind));
     transaction.commit();
 }
 
 void Catalog::moveInAlbum(std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before)
 {
     Transaction transaction(database_);
-    std::int64_t position = 0;
-    for (const auto photo : rearranged(photosInAlbum(database_, album), photos, before))
-        database_.run("UPDATE album_items SET position = ?1 "
-                      "WHERE album_id = ?2 AND photo_id = ?3 AND position != ?1",
-            ++position, album, photo);
+    const auto members = photosInAlbum(database_, album);
+    placeInAlbum(database_, album, members, rearranged(members, photos, before));
     transaction.commit();
 }
 
@@ -77,12 +131,13 @@ void Catalog::placeProject(
 {
     Transaction transaction(database_);
     moveProject(id, parent);
-    const auto siblings = idsInOrder(database_,
-        "SELECT id FROM projects WHERE parent_id IS ? ORDER BY position, name COLLATE NOCASE", parent);
-    std::int64_t position = 0;
-    for (const auto project : rearranged(siblings, std::span(&id, 1), before))
-        database_.run(
-            "UPDATE projects SET position = ?1 WHERE id = ?2 AND position != ?1", ++position, project);
+    const auto siblings = inOrder(database_,
+        "SELECT id, position FROM projects WHERE parent_id IS ? ORDER BY position, name COLLATE NOCASE",
+        parent);
+    renumber(siblings, rearranged(siblings, std::span(&id, 1), before),
+        [&](std::int64_t project, std::int64_t position) {
+            database_.run("UPDATE projects SET position = ? WHERE id = ?", position, project);
+        });
     transaction.commit();
 }
 
@@ -92,10 +147,11 @@ void Catalog::placeAlbum(
     Transaction transaction(database_);
     moveAlbum(id, parentProject);
     // One sequence over all albums, in which those of a project keep their order.
-    const auto all = idsInOrder(database_, "SELECT id FROM albums ORDER BY position, name COLLATE NOCASE");
-    std::int64_t position = 0;
-    for (const auto album : rearranged(all, std::span(&id, 1), before))
-        database_.run("UPDATE albums SET position = ?1 WHERE id = ?2 AND position != ?1", ++position, album);
+    const auto all
+        = inOrder(database_, "SELECT id, position FROM albums ORDER BY position, name COLLATE NOCASE");
+    renumber(all, rearranged(all, std::span(&id, 1), before), [&](std::int64_t album, std::int64_t position) {
+        database_.run("UPDATE albums SET position = ? WHERE id = ?", position, album);
+    });
     transaction.commit();
 }
 

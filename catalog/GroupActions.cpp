@@ -21,8 +21,7 @@ std::vector<PhotoID> createVersions(LibraryStore& store, std::span<const PhotoID
         for (const PhotoID photo : photos)
             made.push_back(catalog.createVersion(photo, std::nullopt, std::nullopt, addedAt));
         if (store.source() && store.source()->kind == LibrarySource::Kind::album)
-            for (std::size_t i = 0; i < made.size(); ++i)
-                catalog.addToAlbumBehind(store.source()->id, made[i], photos[i]);
+            catalog.addToAlbumBehind(store.source()->id, made, photos);
     });
     return made;
 }

@@ -145,6 +145,35 @@ TEST(Catalog, photosStandInAnAlbumWhereTheyArePut)
     }
 }
 
+TEST(Catalog, whatStandsInAnAlbumIsRenumberedOnlyWhereItChangesPlaces)
+{
+    TestLibrary library;
+    auto& catalog = *library.catalog;
+    std::vector<PhotoID> photos;
+    for (int i = 0; i < 50; ++i)
+        photos.push_back(library.photo(std::to_string(i)));
+    const auto album = catalog.createAlbum("album", std::nullopt);
+    catalog.addToAlbum(album, photos);
+    catalog.removeFromAlbum(album, only(photos[3])); // which leaves a gap
+    const auto rowsChangedBy = [&](const std::function<void()>& change) {
+        const auto changes = [&] { return catalog.database().scalar("SELECT total_changes()"); };
+        const auto before = changes();
+        change();
+        return changes() - before;
+    };
+    EXPECT_EQ(rowsChangedBy([&] { catalog.moveInAlbum(album, only(photos[40]), photos[38]); }), 3);
+    EXPECT_EQ(rowsChangedBy([&] { catalog.moveInAlbum(album, only(photos[40]), photos[38]); }), 0);
+    const std::vector<PhotoID> added{library.photo("x"), library.photo("y"), library.photo("z")};
+    const std::vector<PhotoID> members{photos[20], photos[48], photos[20]};
+    EXPECT_EQ(rowsChangedBy([&] { catalog.addToAlbumBehind(album, added, members); }), 3 + 31)
+        << "each once, from the first that moves on; y stands right";
+    const auto listed = catalog.photos(LibrarySource{LibrarySource::Kind::album, album, {}});
+    ASSERT_EQ(listed.size(), 52U);
+    for (const auto& [place, photo] : {std::pair(19, photos[20]), {20, added[0]}, {21, added[2]},
+             {22, photos[21]}, {39, photos[40]}, {50, added[1]}, {51, photos[49]}})
+        EXPECT_EQ(listed[static_cast<std::size_t>(place)].id, photo) << place;
+}
+
 TEST(Catalog, deletingPartsOfTheTreeNeverDeletesPhotos)
 {
     TestLibrary library;
