@@ -106,4 +106,12 @@ private:
     std::vector<Task> tasks_;
 };
 
+/// Frees what is large where nobody waits for it.
+template <typename T>
+void freeElsewhere(MainThread& main, LeftTasks& left, T value)
+{
+    left.take(runInBackground(main,
+        [held = std::make_shared<T>(std::move(value))](const Task::Context&) mutable { held = nullptr; }));
+}
+
 } // namespace korvo

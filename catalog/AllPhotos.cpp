@@ -2,6 +2,7 @@
 
 #include "catalog/Database.h"
 #include "catalog/PhotoRows.h"
+#include "catalog/Reading.h"
 #include "platform/LargePages.h"
 
 #include <future>
@@ -12,7 +13,7 @@ namespace korvo {
 
 namespace {
 
-constexpr std::int64_t manyPhotos = 50'000; // worth a thread more
+constexpr std::uint64_t manyPhotos = 50'000; // worth a thread more
 
 struct IDRange {
     std::int64_t first, last;
@@ -39,9 +40,10 @@ void read(Database& database, IDRange range, std::span<PhotoItem> places, const 
 }
 
 /// Another connection to the same file, in a transaction of its own.
-Database another(Database& database)
+Database another(Database& database, const std::stop_token& stop)
 {
     auto other = Database::openForALook(sqlite3_db_filename(database.handle(), "main"));
+    endWith(other, stop);
     other.exec("BEGIN");
     return other;
 }
@@ -58,14 +60,15 @@ std::vector<PhotoItem> allPhotos(Database& database, const std::stop_token& stop
         preferLargePages(items.data(), items.capacity() * sizeof(PhotoItem));
         items.resize(count);
     };
-    if (all.last - all.first < manyPhotos) {
+    const auto width = static_cast<std::uint64_t>(all.last) - static_cast<std::uint64_t>(all.first);
+    if (all.last < all.first || width < manyPhotos) {
         reserve(countIn(database, all));
         read(database, all, items, stop);
         return items;
     }
-    const IDRange early{all.first, all.first + (all.last - all.first) / 2};
+    const IDRange early{all.first, all.first + static_cast<std::int64_t>(width / 2)};
     const IDRange late{early.last + 1, std::numeric_limits<std::int64_t>::max()};
-    Database other = another(database);
+    Database other = another(database, stop);
     const auto earlyCount = countIn(database, early);
     reserve(earlyCount + countIn(other, late));
     const std::span<PhotoItem> places(items);

@@ -14,7 +14,7 @@ public:
     using Work = std::function<Result(const std::stop_token&)>;
 
     /// `ended` is called once there is something to take. `main` must outlive this.
-    Background(MainThread& main, Work work, std::function<void()> ended)
+    Background(MainThread& main, Work work, std::function<void()> ended) : main_(&main)
     {
         const auto promise = std::make_shared<std::promise<Result>>();
         result_ = promise->get_future();
@@ -34,10 +34,18 @@ public:
     {
         return result_.wait_for(patience) == std::future_status::ready;
     }
+    /// Ends the work as the destructor does, but without waiting for that, nor for what has come of it to be
+    /// freed.
+    void leaveTo(LeftTasks& left)
+    {
+        left.take(std::move(task_));
+        freeElsewhere(*main_, left, std::move(result_));
+    }
     /// The result, once. Throws what kept it from being worked out.
     Result take() { return result_.get(); }
 
 private:
+    MainThread* main_;
     std::future<Result> result_;
     Task task_;
 };

@@ -1,5 +1,6 @@
 #include "catalog/GridOrder.h"
 
+#include "base/StopCheck.h"
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
 #include "catalog/PutInto.h"
@@ -120,19 +121,21 @@ private:
 };
 
 /// The positions of photos by their names, as SortKey::name orders them.
-std::vector<std::uint32_t> orderByName(const std::vector<PhotoItem>& items)
+std::vector<std::uint32_t> orderByName(const std::vector<PhotoItem>& items, const std::stop_token& stop)
 {
+    StopCheck check(stop);
     std::vector<NamePrefix> prefixes;
     prefixes.reserve(items.size());
     for (std::size_t i = 0; i < items.size(); ++i)
         prefixes.emplace_back(items[i].filename.view(), i);
-    std::sort(prefixes.begin(), prefixes.end(), [&](const NamePrefix& a, const NamePrefix& b) {
+    const auto before = [&](const NamePrefix& a, const NamePrefix& b) {
         if (a.first != b.first || a.second != b.second)
             return std::tie(a.first, a.second) < std::tie(b.first, b.second);
         if (a.isWhole())
             return items[a.position].id < items[b.position].id;
         return standsBefore(items[a.position], items[b.position], SortKey::name);
-    });
+    };
+    std::sort(prefixes.begin(), prefixes.end(), check.with(before));
     std::vector<std::uint32_t> order(items.size());
     std::transform(prefixes.begin(), prefixes.end(), order.begin(),
         [](const NamePrefix& prefix) { return prefix.position; });
@@ -140,7 +143,8 @@ std::vector<std::uint32_t> orderByName(const std::vector<PhotoItem>& items)
 }
 
 /// Sorts photos that stand as their list does by the numbers of a key.
-void sortListed(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, SortKey key)
+void sortListed(
+    std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, SortKey key, StopCheck& check)
 {
     struct Number {
         double number;
@@ -151,9 +155,10 @@ void sortListed(std::vector<std::uint32_t>& order, const std::vector<PhotoItem>&
     for (const auto position : order)
         numbers.push_back(
             {numberOf(items[position], key), static_cast<std::uint32_t>(numbers.size()), position});
-    std::sort(numbers.begin(), numbers.end(), [](const Number& a, const Number& b) {
+    const auto before = [](const Number& a, const Number& b) {
         return a.number < b.number || (a.number == b.number && a.place < b.place);
-    });
+    };
+    std::sort(numbers.begin(), numbers.end(), check.with(before));
     std::transform(
         numbers.begin(), numbers.end(), order.begin(), [](const Number& number) { return number.position; });
 }
@@ -169,10 +174,10 @@ std::vector<std::uint32_t> places(const Listing& listing)
 
 } // namespace
 
-Listing listed(const std::vector<PhotoItem>& items, ListedBy by)
+Listing listed(const std::vector<PhotoItem>& items, ListedBy by, const std::stop_token& stop)
 {
     if (by == ListedBy::name)
-        return {by, orderByName(items)};
+        return {by, orderByName(items, stop)};
     std::vector<std::uint32_t> order(items.size());
     std::iota(order.begin(), order.end(), 0U);
     return {by, std::move(order)};
@@ -197,20 +202,24 @@ void putInOrder(std::vector<PhotoItem>& items, Listing listing)
 }
 
 std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, const Listing& listing,
-    std::optional<SortKey> key, const PhotoTest& isShown)
+    std::optional<SortKey> key, const PhotoTest& isShown, const std::stop_token& stop)
 {
+    StopCheck check(stop);
     std::vector<bool> shown(items.size()); // found in the order in which the items lie
-    for (std::size_t position = 0; position < items.size(); ++position)
+    for (std::size_t position = 0; position < items.size(); ++position) {
+        check();
         shown[position] = isShown(items[position]);
+    }
     std::vector<std::uint32_t> order;
     order.reserve(items.size());
     std::copy_if(listing.order.begin(), listing.order.end(), std::back_inserter(order),
         [&](std::uint32_t position) { return shown[position]; });
     if (key && listing.by == ListedBy::hand)
-        std::sort(order.begin(), order.end(),
-            [&](std::uint32_t a, std::uint32_t b) { return standsBefore(items[a], items[b], *key); });
+        std::sort(order.begin(), order.end(), check.with([&](std::uint32_t a, std::uint32_t b) {
+            return standsBefore(items[a], items[b], *key);
+        }));
     else if (key && key != SortKey::name)
-        sortListed(order, items, *key);
+        sortListed(order, items, *key, check);
     return order;
 }
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <string_view>
 #include <vector>
 
@@ -87,15 +88,16 @@ struct Listing {
     std::vector<std::uint32_t> order; // positions in the items
 };
 
-/// The listing of photos as they were read: by their names, or as they stand.
-Listing listed(const std::vector<PhotoItem>& items, ListedBy by);
+/// The listing of photos as they were read: by their names, or as they stand. Throws Stopped after a stop
+/// request, as gridOrder does.
+Listing listed(const std::vector<PhotoItem>& items, ListedBy by, const std::stop_token& stop = {});
 
 /// Moves photos to where the listing has them.
 void putInOrder(std::vector<PhotoItem>& items, Listing listing);
 
 /// The positions in `items` of the photos shown, in the order shown.
 std::vector<std::uint32_t> gridOrder(const std::vector<PhotoItem>& items, const Listing& listing,
-    std::optional<SortKey> key, const PhotoTest& isShown);
+    std::optional<SortKey> key, const PhotoTest& isShown, const std::stop_token& stop = {});
 
 /// Brings an order that has a key, or is the listing's own, up to date after the items at `changed` (each
 /// once) took new values in place or came.

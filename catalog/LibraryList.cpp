@@ -21,6 +21,8 @@ LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
     std::optional<ReadList> read;
     if (reading->waitFor(patience_))
         read = reading->take();
+    if (reading_)
+        reading_->leaveTo(left_);
     reading_ = read ? nullptr : std::move(reading);
     if (source != source_) {
         source_ = std::move(source);
@@ -54,15 +56,8 @@ void LibraryStore::replaceList(PhotoList list)
 
 void LibraryStore::discard(PhotoList list)
 {
-    if (list.items().size() <= fewPhotos)
-        return;
-    const auto place = discarding_.emplace(discarding_.end());
-    *place = runInBackground(main_,
-        [this, place, old = std::make_shared<PhotoList>(std::move(list))](
-            const Task::Context& context) mutable {
-            old = {};
-            context.deliver([this, place] { discarding_.erase(place); });
-        });
+    if (list.items().size() > fewPhotos)
+        freeElsewhere(main_, left_, std::move(list));
 }
 
 void LibraryStore::listArrived()

@@ -10,7 +10,6 @@
 #include "catalog/UndoHistory.h"
 
 #include <chrono>
-#include <list>
 #include <memory>
 #include <unordered_map>
 
@@ -172,7 +171,7 @@ private:
     std::unordered_map<PhotoID, PhotoItem::Status> statuses_; // but those that are idle
     UndoHistory history_;
     std::int64_t dataVersion_;
-    std::list<Task> discarding_;
+    LeftTasks left_; // readings given up, and lists that are being freed
     PhotoCounter counter_;
     std::unique_ptr<ListReading> reading_;
     ChangedRows late_; // what background work changed while ordering_ looks at the list, which thus stands

@@ -29,6 +29,8 @@ public:
     /// As Reading.
     bool waitFor(std::chrono::milliseconds patience) { return reading_.waitFor(patience); }
     ReadList take() { return reading_.take(); }
+    /// As Background.
+    void leaveTo(LeftTasks& left) { reading_.leaveTo(left); }
 
     ChangedRows since; ///< what changed since the beginning, and may be missing in the list
     bool isOutdated = false; ///< more than such rows may be missing

@@ -1,8 +1,10 @@
 #include "catalog/PhotoList.h"
 
+#include "base/StopCheck.h"
 #include "catalog/PutInto.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -31,13 +33,14 @@ std::optional<std::size_t> PhotoList::shownPosition(PhotoID id) const
     return found == shown_.end() ? std::nullopt : std::optional<std::size_t>(found - shown_.begin());
 }
 
-void PhotoList::index()
+void PhotoList::index(const std::stop_token& stop)
 {
     std::vector<std::pair<PhotoID, std::uint32_t>> ids; // sorted without a look at the items
     ids.reserve(items_.size());
     for (std::uint32_t at = 0; at < items_.size(); ++at)
         ids.emplace_back(items_[at].id, at);
-    std::sort(ids.begin(), ids.end());
+    StopCheck check(stop);
+    std::sort(ids.begin(), ids.end(), check.with(std::less()));
     byID_.resize(ids.size());
     std::transform(ids.begin(), ids.end(), byID_.begin(), [](const auto& id) { return id.second; });
 }
@@ -56,20 +59,18 @@ PhotoTest shownTest(const ListArrangement& as)
 
 } // namespace
 
-void PhotoList::assign(std::vector<PhotoItem> items, ListedBy by)
+void PhotoList::assign(std::vector<PhotoItem> items, ListedBy by, const std::stop_token& stop)
 {
     items_ = std::move(items);
-    listing_ = listed(items_, by);
-    index();
-    show(ordered());
+    listing_ = listed(items_, by, stop);
+    index(stop);
+    show(ordered(stop));
 }
 
 PhotoList::Order PhotoList::ordered(const std::stop_token& stop) const
 {
-    const auto isShown = shownTest(wished_);
-    auto order = gridOrder(items_, listing_, wished_.key,
-        [&](const PhotoItem& item) { return !stop.stop_requested() && isShown(item); });
-    auto stacks = stacks_.arranged(order, items_);
+    auto order = gridOrder(items_, listing_, wished_.key, shownTest(wished_), stop);
+    auto stacks = stacks_.arranged(order, items_, stop);
     return {wished_, std::move(order), std::move(stacks)};
 }
 

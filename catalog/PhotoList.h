@@ -47,8 +47,9 @@ public:
     /// it is not in the list or the filter hides it.
     std::optional<PhotoID> shownFor(PhotoID id) const;
 
-    /// Takes the photos of a source that lists them by their names, or as they stand here.
-    void assign(std::vector<PhotoItem> items, ListedBy by);
+    /// Takes the photos of a source that lists them by their names, or as they stand here. Throws Stopped
+    /// after a stop request; the list is of no use then.
+    void assign(std::vector<PhotoItem> items, ListedBy by, const std::stop_token& stop = {});
     /// All stacks of the library, whose members stand together or behind their pick.
     void setStacks(const std::vector<Stack>& stacks);
     /// How many members the photo's stack has; 0 for one that is in none.
@@ -65,8 +66,8 @@ public:
     };
     /// Says how the list is to be shown; show() does so.
     void wish(ListArrangement as) { wished_ = std::move(as); }
-    /// Finds out the order that is wished. May run on another thread while nothing changes this list; after a
-    /// stop request what it returns means nothing.
+    /// Finds out the order that is wished. May run on another thread while nothing changes this list. Throws
+    /// Stopped after a stop request.
     Order ordered(const std::stop_token& stop = {}) const;
     void show(Order order);
     /// All three.
@@ -87,7 +88,7 @@ private:
     std::vector<std::uint32_t> add(std::vector<PhotoItem> added);
     /// Puts photos where they belong now, each once: in the listing, and among the shown.
     void reorder(std::vector<std::uint32_t> unlisted, std::vector<std::uint32_t> moved);
-    void index();
+    void index(const std::stop_token& stop);
     void arrangeStacks();
     bool isShown(const PhotoItem& item) const { return isShown_(item); }
 

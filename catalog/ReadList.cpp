@@ -21,9 +21,9 @@ ReadList readList(Database& database, const std::optional<LibrarySource>& source
     } catch (const NotFoundError& error) {
         read.fault = error.what(); // it was deleted while it was shown; undo may bring it back
     }
+    database.exec("COMMIT"); // the log is not held back while they are put in order
     read.list.wish(arrangement());
-    if (!stop.stop_requested())
-        read.list.assign(std::move(items), listedBy(source));
+    read.list.assign(std::move(items), listedBy(source), stop);
     return read;
 }
 

@@ -17,6 +17,7 @@ struct ReadList {
 };
 
 /// Reads the photos of a source into a list that is ready to be shown. How is asked when they are there.
+/// Throws Stopped or DatabaseError after a stop request.
 ReadList readList(Database& database, const std::optional<LibrarySource>& source,
     const std::function<ListArrangement()>& arrangement, const std::stop_token& stop = {});
 

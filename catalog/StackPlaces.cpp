@@ -15,23 +15,26 @@ StackPlaces::StackPlaces(const std::vector<Stack>& stacks)
 }
 
 std::vector<StackPlaces::ShownMember> StackPlaces::membersIn(
-    const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const
+    const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, StopCheck& check) const
 {
     std::vector<ShownMember> members;
-    for (const auto position : order)
+    for (const auto position : order) {
+        check();
         if (items[position].stackID)
             if (const auto found = places_.find(items[position].id); found != places_.end())
                 members.push_back({found->second, position});
-    std::sort(members.begin(), members.end(), [](const ShownMember& a, const ShownMember& b) {
+    }
+    std::sort(members.begin(), members.end(), check.with([](const ShownMember& a, const ShownMember& b) {
         return std::tie(a.place.stack, a.place.rank) < std::tie(b.place.stack, b.place.rank);
-    });
+    }));
     return members;
 }
 
-StackPlaces::Arrangement StackPlaces::arranged(
-    const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const
+StackPlaces::Arrangement StackPlaces::arranged(const std::vector<std::uint32_t>& order,
+    const std::vector<PhotoItem>& items, const std::stop_token& stop) const
 {
-    const auto members = places_.empty() ? std::vector<ShownMember>() : membersIn(order, items);
+    StopCheck check(stop);
+    const auto members = places_.empty() ? std::vector<ShownMember>() : membersIn(order, items, check);
     if (members.empty())
         return {order, {}};
     constexpr std::uint32_t alone = ~0U; // in no stack
@@ -44,6 +47,7 @@ StackPlaces::Arrangement StackPlaces::arranged(
     Arrangement arrangement;
     arrangement.shown.reserve(order.size());
     for (const auto position : order) {
+        check();
         if (memberAt[position] != follows)
             arrangement.shown.push_back(position);
         if (memberAt[position] >= follows)

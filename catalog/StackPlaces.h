@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/StopCheck.h"
 #include "catalog/Stack.h"
 
 #include <cstdint>
@@ -23,8 +24,9 @@ public:
         std::unordered_map<PhotoID, PhotoID> hidden; // members of collapsed stacks, and who stands for them
     };
 
-    /// Brings the stacks into an order of positions in `items`.
-    Arrangement arranged(const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const;
+    /// Brings the stacks into an order of positions in `items`. Throws Stopped after a stop request.
+    Arrangement arranged(const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items,
+        const std::stop_token& stop = {}) const;
 
     /// How many members a stack has.
     std::size_t size(std::int64_t stack) const
@@ -45,7 +47,7 @@ private:
     };
 
     std::vector<ShownMember> membersIn(
-        const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items) const;
+        const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, StopCheck& check) const;
 
     std::unordered_map<PhotoID, Place> places_;
     std::unordered_map<std::int64_t, std::size_t> sizes_;

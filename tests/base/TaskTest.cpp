@@ -1,8 +1,10 @@
 #include "base/Task.h"
+#include "base/StopCheck.h"
 #include "tests/support/ManualMainThread.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 
 namespace korvo {
@@ -60,6 +62,25 @@ TEST(LeftTasks, nobodyWaitsForWhatTakesLongToStop)
     EXPECT_TRUE(sawStop);
     main.runPending();
     EXPECT_EQ(delivered, 0);
+}
+
+TEST(StopCheck, endsSortingInTheMiddle)
+{
+    std::vector<int> numbers(100'000);
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        numbers[i] = static_cast<int>(i * 7919 % numbers.size());
+    std::stop_source stop;
+    const auto token = stop.get_token();
+    StopCheck check(token);
+    std::uint32_t compared = 0, atStop = 0;
+    const auto before = [&](int a, int b) {
+        if (++compared == 50'000 && stop.request_stop())
+            atStop = compared;
+        return a < b;
+    };
+    EXPECT_THROW(std::sort(numbers.begin(), numbers.end(), check.with(before)), Stopped);
+    ASSERT_EQ(atStop, 50'000U);
+    EXPECT_LE(compared - atStop, StopCheck::stepsBetween);
 }
 
 TEST(ManualMainThread, timersRunInOrderUnlessTheyAreDropped)

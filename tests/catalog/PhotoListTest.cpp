@@ -1,4 +1,5 @@
 #include "catalog/PhotoList.h"
+#include "base/StopCheck.h"
 #include "tests/support/ListedPhotos.h"
 
 #include <gtest/gtest.h>
@@ -22,6 +23,22 @@ PhotoItem photo(PhotoID id, const std::string& name)
 using IDs = std::vector<PhotoID>;
 
 } // namespace
+
+TEST(PhotoList, isPutInNoOrderOnceAStopIsRequested)
+{
+    std::vector<PhotoItem> items;
+    for (PhotoID id = 1; id <= 3000; ++id)
+        items.push_back(photo(id, std::to_string(id)));
+    std::stop_source stop;
+    stop.request_stop();
+    for (const auto by : {ListedBy::name, ListedBy::hand}) {
+        PhotoList list;
+        EXPECT_THROW(list.assign(items, by, stop.get_token()), Stopped);
+        list.assign(items, by);
+        EXPECT_THROW(list.ordered(stop.get_token()), Stopped);
+        EXPECT_EQ(shownIDs(list).size(), items.size()) << "it stays as it was";
+    }
+}
 
 TEST(GridFilter, eachCaseIsOneTest)
 {

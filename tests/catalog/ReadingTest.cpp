@@ -8,6 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 namespace korvo {
 
 namespace {
@@ -55,6 +58,47 @@ TEST(Reading, endsInTheMiddleOfAStatement)
         },
         [] {});
     EXPECT_FALSE(reading.waitFor(std::chrono::milliseconds(20))) << "it would never end by itself";
+}
+
+TEST(Background, isLeftWithoutWaitingForItsEndNorForWhatCameOfItToBeFreed)
+{
+    /// Says on which thread it goes.
+    struct Result {
+        explicit Result(std::atomic<std::thread::id>& at) : freedAt(&at) { }
+        Result(Result&& other) noexcept : freedAt(std::exchange(other.freedAt, nullptr)) { }
+        ~Result()
+        {
+            if (freedAt)
+                *freedAt = std::this_thread::get_id();
+        }
+        std::atomic<std::thread::id>* freedAt;
+    };
+    for (const bool isDone : {false, true}) {
+        ManualMainThread main;
+        std::atomic<std::thread::id> freedAt{};
+        std::atomic<bool> goOn = isDone, sawStop = false;
+        bool delivered = false;
+        {
+            LeftTasks left;
+            Background<Result> background(
+                main,
+                [&](const std::stop_token& stop) {
+                    while (!goOn)
+                        std::this_thread::yield();
+                    sawStop = stop.stop_requested();
+                    return Result(freedAt);
+                },
+                [&] { delivered = true; });
+            ASSERT_TRUE(!isDone || background.waitFor(std::chrono::seconds(30)));
+            background.leaveTo(left);
+            goOn = true; // not before it was left
+        }
+        EXPECT_EQ(sawStop, !isDone);
+        EXPECT_NE(freedAt.load(), std::thread::id());
+        EXPECT_NE(freedAt.load(), std::this_thread::get_id()) << isDone;
+        main.runPending();
+        EXPECT_FALSE(delivered);
+    }
 }
 
 TEST_F(StoreReading, whatHappensMeanwhileIsInTheListThatComes)
