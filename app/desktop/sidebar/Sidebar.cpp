@@ -254,8 +254,24 @@ std::optional<std::int64_t> Sidebar::chosenKeyword() const
     return isKeyword(currentItem()) ? std::optional(keyOf(*currentItem()).id) : std::nullopt;
 }
 
+/// Here the keys that take photos out mean the line, or nothing.
+bool Sidebar::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride
+        && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Delete) {
+        event->accept();
+        return true;
+    }
+    return QTreeWidget::event(event);
+}
+
 void Sidebar::keyPressEvent(QKeyEvent* event)
 {
+    if (event->key() == Qt::Key_Delete) {
+        if (event->modifiers() == Qt::NoModifier && currentItem())
+            remove(*currentItem());
+        return;
+    }
     const bool isUp = event->key() == Qt::Key_Up;
     if (!(isUp || event->key() == Qt::Key_Down) || event->modifiers() != Qt::AltModifier || !currentItem())
         return QTreeWidget::keyPressEvent(event);
@@ -291,8 +307,12 @@ void Sidebar::renamed(QTreeWidgetItem* item)
     refillTimer_.start(0); // a name that was refused goes back
 }
 
-void Sidebar::remove(const SidebarKey& key, const QString& name)
+void Sidebar::remove(const QTreeWidgetItem& item)
 {
+    const auto key = keyOf(item);
+    const QString name = item.text(0);
+    if (!canBeDeleted(key.kind) || !window_.commands().settle()) // as before every command
+        return;
     if (const QString asked = question(key.kind, name); !asked.isEmpty()
         && QMessageBox::question(
                &window_, "Korvo", asked, QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel)
@@ -343,7 +363,10 @@ void Sidebar::contextMenuEvent(QContextMenuEvent* event)
         menu.addAction("Edit Smart Album…", [this, key] { showSmartAlbumSheet(window_, key.id); });
     if (canBeDeleted(key.kind)) {
         const QString verb = key.kind == Kind::folder ? "Remove from Library…" : "Delete";
-        menu.addAction(verb, [this, key, name = item->text(0)] { remove(key, name); });
+        menu.addAction(verb, QKeySequence(Qt::Key_Delete), [this, key] {
+            if (const auto* const line = itemOf(key))
+                remove(*line);
+        });
     }
     if (!menu.isEmpty())
         menu.addSeparator();

@@ -33,6 +33,7 @@ public:
         keywordChosen; ///< a keyword was chosen, to be searched for; empty: no longer
 
 protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -52,7 +53,7 @@ private:
     void showSource();
     void choose(QTreeWidgetItem* item, QTreeWidgetItem* before);
     void renamed(QTreeWidgetItem* item);
-    void remove(const SidebarKey& key, const QString& name);
+    void remove(const QTreeWidgetItem& item);
     QTreeWidgetItem* itemOf(const SidebarKey& key) const;
 
     MainWindow& window_;
