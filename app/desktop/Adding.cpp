@@ -58,12 +58,13 @@ void addToLibrary(Desktop& desktop, std::vector<std::filesystem::path> paths)
         return summaryOf(result);
     };
     const auto since = desktop.store().newestStep();
-    desktop.jobs().start("Adding", std::move(work), [&desktop, added, since](const Job& job) {
-        desktop.attempt([&] {
-            desktop.session().photosAdded("Add", std::move(*added), since);
-            desktop.say(job.summary(), Offer::undo);
+    desktop.jobs().start(
+        "Adding", Stopping::keeps, std::move(work), [&desktop, added, since](const Job& job) {
+            desktop.attempt([&] {
+                desktop.session().photosAdded("Add", std::move(*added), since);
+                desktop.say(job.summary(), Offer::undo);
+            });
         });
-    });
 }
 
 } // namespace korvo

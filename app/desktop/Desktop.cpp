@@ -27,7 +27,7 @@ VolumeWatcher& Desktop::volumes()
 bool Desktop::isBusy()
 {
     return store().isReading() || store().isOrdering() || store().isCounting() || pictures_.waiting() > 0
-        || decoded_.isBusy() || renders_.isBusy() || jobs_.running();
+        || decoded_.isBusy() || renders_.isBusy() || !jobs_.running().empty();
 }
 
 void Desktop::say(std::string text, Offer offer)

@@ -40,11 +40,12 @@ std::vector<std::string> Job::failures() const
     return state_->failures;
 }
 
-void Jobs::start(std::string title, Work work, Finished finished)
+void Jobs::start(std::string title, Stopping stopping, Work work, Finished finished)
 {
     forgetEnded();
     auto job = std::make_shared<Job>();
     job->title_ = std::move(title);
+    job->stopping_ = stopping;
     jobs_.push_back(job);
     auto end = [this, job = std::weak_ptr(job), finished = std::move(finished)](std::string summary) {
         const auto ended = job.lock();
@@ -76,11 +77,11 @@ void Jobs::start(std::string title, Work work, Finished finished)
     changed.emit();
 }
 
-std::shared_ptr<Job> Jobs::running() const
+std::vector<std::shared_ptr<Job>> Jobs::running() const
 {
-    const auto found
-        = std::find_if(jobs_.begin(), jobs_.end(), [](const auto& job) { return job->isRunning(); });
-    return found == jobs_.end() ? nullptr : *found;
+    std::vector<std::shared_ptr<Job>> found;
+    std::ranges::copy_if(jobs_, std::back_inserter(found), [](const auto& job) { return job->isRunning(); });
+    return found;
 }
 
 void Jobs::forget(std::span<const std::shared_ptr<Job>> seen)

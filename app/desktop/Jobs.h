@@ -42,18 +42,25 @@ struct JobState {
     std::vector<std::string> failures;
 };
 
+/// What is left of a job that is stopped.
+enum class Stopping {
+    keeps, ///< what was done till then
+    drops, ///< nothing: what it does is stored at its end
+};
+
 /// A long piece of work as the status line shows it. Used on the main thread.
 class Job {
 public:
     using Clock = std::chrono::steady_clock;
 
     const std::string& title() const { return title_; }
+    Stopping stopping() const { return stopping_; }
     std::size_t done() const { return state_->done; }
     std::size_t total() const { return state_->total; } ///< 0: not known
     double perSecond() const;
     bool isRunning() const { return !ended_; }
     bool isCancelled() const { return cancelled_; }
-    /// Asks it to stop; it ends a little later, with what was done till then.
+    /// Asks it to stop; it ends a little later.
     void cancel();
     /// What it said at its end; empty while it runs.
     const std::string& summary() const { return summary_; }
@@ -62,6 +69,7 @@ public:
 private:
     friend class Jobs;
     std::string title_;
+    Stopping stopping_ = Stopping::keeps;
     std::shared_ptr<JobState> state_ = std::make_shared<JobState>();
     std::stop_source stop_;
     std::string summary_;
@@ -87,12 +95,12 @@ public:
     Signal<> changed; ///< one has begun, ended, or was cancelled; running ones are looked at now and then
 
     /// Starts a job; `finished` is called on the main thread at its end, cancelled or not.
-    void start(std::string title, Work work, Finished finished = {});
+    void start(std::string title, Stopping stopping, Work work, Finished finished = {});
 
     /// Those that run and those that ended with failures that were not seen yet, oldest first.
     const std::vector<std::shared_ptr<Job>>& all() const { return jobs_; }
-    /// The oldest one that runs.
-    std::shared_ptr<Job> running() const;
+    /// Those that run, oldest first.
+    std::vector<std::shared_ptr<Job>> running() const;
     /// The failures of these have been seen; those that run still are kept.
     void forget(std::span<const std::shared_ptr<Job>> seen);
 

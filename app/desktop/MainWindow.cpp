@@ -3,6 +3,7 @@
 #include "app/desktop/Adding.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/PhotoDrag.h"
+#include "app/desktop/Quitting.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/WindowMemory.h"
 
@@ -12,9 +13,7 @@
 #include <QIODevice>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
-#include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -30,8 +29,9 @@ constexpr std::chrono::seconds lookForOthers{2};
 } // namespace
 
 MainWindow::MainWindow(Desktop& desktop)
-    : desktop_(desktop), commands_(desktop, *this), columns_(new QSplitter(Qt::Horizontal)),
-      middle_(new QSplitter(Qt::Vertical)), stack_(new QStackedWidget), inspector_(new QTabWidget)
+    : desktop_(desktop), commands_(desktop, *this), notices_(desktop, commands_),
+      columns_(new QSplitter(Qt::Horizontal)), middle_(new QSplitter(Qt::Vertical)),
+      stack_(new QStackedWidget), inspector_(new QTabWidget)
 {
     middle_->addWidget(stack_);
     middle_->setStretchFactor(0, 1);
@@ -161,37 +161,12 @@ void MainWindow::restoreSides(const QByteArray& bytes)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     const bool isKept = commands_.settle() && !desktop_.draft().isOpen();
-    const auto job = desktop_.jobs().running();
-    if ((!isKept && !isLossWished()) || (job && !isEndWished(*job)))
+    const auto jobs = desktop_.jobs().running();
+    if ((!isKept && !isLossWished(*this)) || (!jobs.empty() && !isEndWished(*this, jobs)))
         return event->ignore();
     rememberWindow(*this);
     QMainWindow::closeEvent(event);
     QApplication::quit(); // also while a full-screen photo or a sheet is open
-}
-
-bool MainWindow::isLossWished()
-{
-    QMessageBox question(QMessageBox::Warning, "Korvo", "What you changed last could not be stored.",
-        QMessageBox::NoButton, this);
-    question.setInformativeText("Quitting now loses it.");
-    const auto* const quit = question.addButton(tr("Quit"), QMessageBox::DestructiveRole);
-    question.setDefaultButton(question.addButton(tr("Go Back"), QMessageBox::RejectRole));
-    question.exec();
-    return question.clickedButton() == quit;
-}
-
-bool MainWindow::isEndWished(const Job& job)
-{
-    QMessageBox question(QMessageBox::Warning, "Korvo", qt("“" + job.title() + "” is still going on."),
-        QMessageBox::NoButton, this);
-    const auto done = job.total() > 0
-        ? std::to_string(job.done()) + " of " + std::to_string(job.total()) + " are done. "
-        : std::string();
-    question.setInformativeText(qt(done + "Quitting ends it here; what is done stays."));
-    const auto* const quit = question.addButton(tr("Quit"), QMessageBox::DestructiveRole);
-    question.setDefaultButton(question.addButton(tr("Go On"), QMessageBox::RejectRole));
-    question.exec();
-    return question.clickedButton() == quit;
 }
 
 void MainWindow::changeEvent(QEvent* event)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/Commands.h"
+#include "app/desktop/Notices.h"
 
 #include <QMainWindow>
 #include <QTimer>
@@ -21,6 +21,7 @@ public:
 
     Desktop& desktop() { return desktop_; }
     Commands& commands() { return commands_; }
+    Notices& notices() { return notices_; }
 
     // Places. Each takes ownership of the widget.
     void setSidebar(QWidget* widget);
@@ -56,8 +57,6 @@ protected:
     void dropEvent(QDropEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
-    bool isLossWished();
-    bool isEndWished(const Job& job);
 
 private:
     void makeCommands();
@@ -74,6 +73,7 @@ private:
 
     Desktop& desktop_;
     Commands commands_;
+    Notices notices_;
     QSplitter* columns_;
     QSplitter* middle_;
     QStackedWidget* stack_;

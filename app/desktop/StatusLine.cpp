@@ -1,15 +1,14 @@
 #include "app/desktop/Labels.h"
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Parts.h"
+#include "app/desktop/Quitting.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/Theme.h"
 #include "app/desktop/sheets/FailureList.h"
 #include "base/Text.h"
 
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
-#include <QLocale>
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
@@ -22,13 +21,7 @@ namespace korvo {
 
 namespace {
 
-constexpr std::chrono::seconds noticeStays{5};
 constexpr std::chrono::milliseconds jobShown{150};
-
-QString number(std::size_t value)
-{
-    return QLocale().toString(static_cast<qulonglong>(value));
-}
 
 QString jobText(const Job& job)
 {
@@ -50,11 +43,6 @@ public:
 
 private:
     void showCounts();
-    void notice(const Notice& notice);
-    void showNotice(const Notice& notice);
-    void hideNotice();
-    bool isOffered() const;
-    void takeOffer();
     void showUnwritten();
     void sayWhatWasWritten();
     void showJob();
@@ -66,20 +54,14 @@ private:
     MainWindow& window_;
     Desktop& desktop_;
     bool saving_ = false;
-    std::vector<Notice> errors_; // that were not closed yet; the last one is shown
-    std::optional<std::uint64_t> undoes_,
-        redoes_; // the step that the notice offers to take back or bring back
     QLabel* counts_;
-    ElidedLabel* notice_;
-    QToolButton* undo_;
-    QToolButton* close_;
     QToolButton* unwritten_;
     ElidedLabel* job_;
     QProgressBar* progress_;
     QToolButton* cancel_;
     QToolButton* failures_;
-    QTimer noticeTimer_, jobTimer_;
-    Connection storeChanged_, noticed_, jobsChanged_, writeBackChanged_;
+    QTimer jobTimer_;
+    Connection storeChanged_, jobsChanged_, writeBackChanged_;
 };
 
 template <typename Widget>
@@ -93,7 +75,6 @@ Widget* StatusLine::add(Widget* widget, const char* accessibleName)
 
 StatusLine::StatusLine(MainWindow& window)
     : QObject(&window), window_(window), desktop_(window.desktop()), counts_(new QLabel),
-      notice_(new ElidedLabel), undo_(new QToolButton), close_(new QToolButton),
       unwritten_(add(new QToolButton, "Not yet written to files")), job_(add(new ElidedLabel, "Running job")),
       progress_(add(new QProgressBar, "Progress")), cancel_(add(new QToolButton, "Cancel the job")),
       failures_(add(new QToolButton, "Failures"))
@@ -102,35 +83,20 @@ StatusLine::StatusLine(MainWindow& window)
     bar->setSizeGripEnabled(false);
     counts_->setContentsMargins(8, 3, 12, 3);
     bar->addWidget(counts_);
-    bar->addWidget(notice_);
-    bar->addWidget(undo_);
-    bar->addWidget(close_);
-    close_->setText("Close");
+    bar->addWidget(new NoticeLine(window_.notices()));
     cancel_->setText("Cancel");
     progress_->setMaximumWidth(140);
     progress_->setMaximumHeight(14);
     progress_->setTextVisible(false);
     unwritten_->setToolTip("Write metadata to the files now (Ctrl+S)");
-    connect(undo_, &QToolButton::clicked, this, [this] { takeOffer(); });
-    connect(close_, &QToolButton::clicked, this, [this] {
-        errors_.pop_back();
-        hideNotice();
-    });
     connect(
         unwritten_, &QToolButton::clicked, this, [this] { window_.commands().run(Command::saveMetadata); });
     connect(cancel_, &QToolButton::clicked, this, [this] { cancelJob(); });
     connect(failures_, &QToolButton::clicked, this, [this] { showFailures(); });
-    noticeTimer_.setSingleShot(true);
-    connect(&noticeTimer_, &QTimer::timeout, this, [this] { hideNotice(); });
     connect(&jobTimer_, &QTimer::timeout, this, [this] { showJob(); });
-    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) {
-        showCounts();
-        undo_->setVisible(isOffered());
-    });
-    noticed_ = desktop_.noticed.connect([this](const Notice& said) { notice(said); });
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { showCounts(); });
     jobsChanged_ = desktop_.jobs().changed.connect([this] { showJob(); });
     writeBackChanged_ = desktop_.session().writeBack().changed.connect([this] { showUnwritten(); });
-    hideNotice();
     showCounts();
     showUnwritten();
 }
@@ -151,64 +117,6 @@ void StatusLine::showCounts()
     counts_->setText(text);
 }
 
-/// Notes pass; errors stay until each was closed, and come back after a note.
-void StatusLine::notice(const Notice& notice)
-{
-    if (notice.kind == Notice::Kind::error) {
-        std::erase_if(errors_, [&](const Notice& earlier) { return earlier.text == notice.text; });
-        errors_.push_back(notice);
-    }
-    showNotice(notice);
-}
-
-void StatusLine::showNotice(const Notice& notice)
-{
-    const bool isError = notice.kind == Notice::Kind::error;
-    notice_->say(qt(notice.text));
-    notice_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
-    notice_->show();
-    undoes_ = notice.undoes;
-    redoes_ = notice.redoes;
-    undo_->setText(redoes_ ? "Redo" : "Undo");
-    undo_->setVisible(isOffered());
-    close_->setVisible(isError);
-    close_->setText(errors_.size() > 1 ? "Close (" + number(errors_.size() - 1) + " more)" : "Close");
-    if (isError)
-        noticeTimer_.stop();
-    else
-        noticeTimer_.start(noticeStays);
-}
-
-/// Whether the step that is offered is still the one that comes next.
-bool StatusLine::isOffered() const
-{
-    const auto& store = desktop_.store();
-    return (undoes_ && undoes_ == store.undoStep()) || (redoes_ && redoes_ == store.redoStep());
-}
-
-/// Not by the commands, which take back whatever came last, such as the text that is being typed.
-void StatusLine::takeOffer()
-{
-    const bool isPossible = window_.commands().settle() && isOffered();
-    const bool isRedo = redoes_.has_value();
-    hideNotice();
-    if (isPossible && isRedo)
-        desktop_.attempt([this] { desktop_.store().redo(); });
-    else if (isPossible)
-        desktop_.attempt([this] { desktop_.undo(); });
-}
-
-void StatusLine::hideNotice()
-{
-    noticeTimer_.stop();
-    undoes_.reset();
-    redoes_.reset();
-    if (!errors_.empty())
-        return showNotice(errors_.back());
-    for (QWidget* const widget : std::initializer_list<QWidget*>{notice_, undo_, close_})
-        widget->hide();
-}
-
 void StatusLine::showUnwritten()
 {
     auto& writeBack = desktop_.session().writeBack();
@@ -226,26 +134,28 @@ void StatusLine::showUnwritten()
 void StatusLine::sayWhatWasWritten()
 {
     const auto& writeBack = desktop_.session().writeBack();
-    notice({writeBack.hasFailed() ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
+    desktop_.noticed.emit(
+        {writeBack.hasFailed() ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
 }
 
 void StatusLine::showJob()
 {
-    const auto job = desktop_.jobs().running();
+    const auto jobs = desktop_.jobs().running();
+    const auto running = jobs.size();
     for (QWidget* const widget : std::initializer_list<QWidget*>{job_, progress_, cancel_})
-        widget->setVisible(job != nullptr);
-    std::size_t failed = 0, running = 0;
-    for (const auto& each : desktop_.jobs().all()) {
+        widget->setVisible(running > 0);
+    std::size_t failed = 0;
+    for (const auto& each : desktop_.jobs().all())
         failed += each->failures().size();
-        running += each->isRunning() ? 1 : 0;
-    }
     failures_->setVisible(failed > 0);
     failures_->setText(qt(counted(failed, "failure")));
-    if (!job)
+    if (jobs.empty())
         return jobTimer_.stop();
     jobTimer_.start(jobShown);
+    const auto& job = jobs.front();
     job_->say(jobText(*job) + (running > 1 ? ", and " + number(running - 1) + " more" : QString()));
     cancel_->setText(running > 1 ? "Cancel…" : "Cancel");
+    cancel_->setToolTip(running > 1 ? QString() : whatStoppingLeaves(*job));
     progress_->setRange(0, job->total() > 0 ? 1000 : 0);
     if (job->total() > 0)
         progress_->setValue(static_cast<int>(1000 * job->done() / job->total()));
@@ -254,23 +164,24 @@ void StatusLine::showJob()
 /// The only one that runs, or the one that is chosen of several.
 void StatusLine::cancelJob()
 {
+    const auto jobs = desktop_.jobs().running();
+    if (jobs.size() == 1) {
+        jobs.front()->cancel();
+        return showJob();
+    }
     QMenu menu;
-    std::shared_ptr<Job> only;
-    for (const auto& job : desktop_.jobs().all()) {
-        if (!job->isRunning())
-            continue;
-        only = job;
+    menu.setToolTipsVisible(true);
+    for (const auto& job : jobs) {
         auto* const action = menu.addAction(jobText(*job).replace("&", "&&"));
+        action->setToolTip(whatStoppingLeaves(*job));
         action->setEnabled(!job->isCancelled());
         connect(action, &QAction::triggered, &menu, [weak = std::weak_ptr(job)] {
             if (const auto chosen = weak.lock())
                 chosen->cancel();
         });
     }
-    if (menu.actions().size() > 1)
+    if (!menu.isEmpty())
         menu.exec(cancel_->mapToGlobal(QPoint(0, -menu.sizeHint().height())));
-    else if (only)
-        only->cancel();
     showJob();
 }
 

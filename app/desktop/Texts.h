@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLocale>
 #include <QString>
 #include <QUrl>
 
@@ -13,6 +14,12 @@ namespace korvo {
 inline QString qt(std::string_view text)
 {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// A count as people here write it: "1,000".
+inline QString number(std::size_t value)
+{
+    return QLocale().toString(static_cast<qulonglong>(value));
 }
 
 /// Qt's text as UTF-8.

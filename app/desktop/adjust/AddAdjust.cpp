@@ -84,7 +84,7 @@ private:
                 [&](std::string sentence) { job.fail(std::move(sentence)); });
             return "Enhanced " + counted(proposals->size(), "photo") + ".";
         };
-        desktop_.jobs().start("Auto Enhance", work, [this, proposals](const Job& job) {
+        desktop_.jobs().start("Auto Enhance", Stopping::drops, work, [this, proposals](const Job& job) {
             if (job.isCancelled())
                 return desktop_.say("Auto was stopped. Nothing was changed.");
             desktop_.attempt([&] {

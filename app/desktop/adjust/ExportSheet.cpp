@@ -172,8 +172,8 @@ void ExportSheet::accept()
         = [photos = photos_, choice = plan(),
               tools = ExportTools{desktop_.store().catalog(), desktop_.imageReader(), desktop_.exifTool()}](
               JobContext& job) { return exported(tools, photos, choice, job); };
-    desktop_.jobs().start(
-        "Export", work, [&desktop = desktop_](const Job& job) { desktop.say(job.summary()); });
+    desktop_.jobs().start("Export", Stopping::keeps, work,
+        [&desktop = desktop_](const Job& job) { desktop.say(job.summary()); });
     QDialog::accept();
 }
 

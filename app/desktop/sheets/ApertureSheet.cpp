@@ -209,7 +209,7 @@ void ApertureSheet::start()
         if (sheet)
             sheet->finished(job, *imported);
     };
-    desktop_.jobs().start("Importing " + chosen().bundle.filename().native(), work, finish);
+    desktop_.jobs().start("Importing " + chosen().bundle.filename().native(), Stopping::drops, work, finish);
     job_ = desktop_.jobs().all().back();
 }
 

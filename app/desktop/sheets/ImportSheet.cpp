@@ -376,8 +376,8 @@ void ImportSheet::importFrom(ImportPlan plan)
         return said;
     };
     const auto since = desktop.store().newestStep();
-    desktop_.jobs().start(
-        "Importing from " + nameOf(source_), work, [sheet, added, since, &desktop](const Job& job) {
+    desktop_.jobs().start("Importing from " + nameOf(source_), Stopping::keeps, work,
+        [sheet, added, since, &desktop](const Job& job) {
             desktop.attempt([&] {
                 desktop.session().photosAdded("Import", std::move(*added), since);
                 desktop.say(job.summary(), Offer::undo);

@@ -6,7 +6,8 @@
 namespace korvo {
 
 FullScreen::FullScreen(MainWindow& window, PhotoPage* page)
-    : QWidget(&window, Qt::Window), desktop_(window.desktop()), page_(page)
+    : QWidget(&window, Qt::Window), desktop_(window.desktop()), page_(page),
+      notice_(new NoticeLine(window.notices(), this))
 {
     setWindowTitle("Photo");
     auto* const layout = new QVBoxLayout(this);
@@ -18,6 +19,9 @@ FullScreen::FullScreen(MainWindow& window, PhotoPage* page)
     setAutoFillBackground(true);
     for (auto* const pane : page->panes())
         pane->view().setBackdrop(Qt::black);
+    notice_->layout()->setContentsMargins(12, 6, 12, 6);
+    notice_->setAutoFillBackground(true);
+    noticesChanged_ = window.notices().changed.connect([this] { placeNotice(); });
     addActions(window.actions());
     window.commands().addCentre(*this);
     browserChanged_ = desktop_.browser().changed.connect([this] { follow(); });
@@ -34,6 +38,22 @@ void FullScreen::follow()
         setGeometry(screen->geometry());
     showFullScreen();
     page_->setFocus();
+    placeNotice();
+}
+
+void FullScreen::placeNotice()
+{
+    const auto& photo = page_->panes().front()->view();
+    const int bottom = photo.mapTo(this, QPoint(0, photo.height())).y();
+    const int height = notice_->sizeHint().height();
+    notice_->setGeometry(0, bottom - height, width(), height);
+    notice_->raise();
+}
+
+void FullScreen::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    placeNotice();
 }
 
 void FullScreen::closeEvent(QCloseEvent* event)

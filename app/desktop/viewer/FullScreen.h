@@ -16,12 +16,16 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void follow();
+    void placeNotice();
 
     Desktop& desktop_;
     PhotoPage* page_;
+    NoticeLine* notice_; // over the photo's lower edge
+    Connection noticesChanged_;
     Connection browserChanged_;
 };
 

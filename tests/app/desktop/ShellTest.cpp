@@ -20,7 +20,6 @@
 #include <QMimeData>
 #include <QScrollBar>
 #include <QStatusBar>
-#include <QToolButton>
 
 namespace korvo {
 
@@ -28,21 +27,13 @@ using IDs = std::vector<PhotoID>;
 
 namespace {
 
-/// What the status line shows, and its buttons.
+/// Whether the status line says so.
 bool shows(const TestWindow& t, const char* text)
 {
     for (const auto* const label : t.window->statusBar()->findChildren<QLabel*>())
         if (label->isVisible() && label->text() == text)
             return true;
     return false;
-}
-
-QToolButton* visibleButton(const TestWindow& t, const QString& text)
-{
-    for (auto* const button : t.window->statusBar()->findChildren<QToolButton*>())
-        if (button->isVisible() && button->text() == text)
-            return button;
-    return nullptr;
 }
 
 } // namespace
@@ -65,12 +56,7 @@ TEST(StatusLine, offersToTakeBackWhatItTellsOfAndNothingElse)
 {
     TestWindow t(2);
     auto& commands = t.window->commands();
-    const auto undo = [&]() -> QToolButton* {
-        for (auto* const button : t.window->statusBar()->findChildren<QToolButton*>())
-            if (button->text() == "Undo" && button->isVisible())
-                return button;
-        return nullptr;
-    };
+    const auto undo = [&] { return t.visibleButton("Undo"); };
     t.store().arrange(std::nullopt, std::nullopt); // rejected photos stay in sight
     t.store().select({1});
     commands.run(Command::remove);
@@ -252,6 +238,28 @@ TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
     EXPECT_TRUE(QTest::qWaitFor([&] { return !sidebar.chosenKeyword(); })) << "not the neighbour";
 }
 
+TEST(Sidebar, deleteMeansItsLineAndNeverPhotos)
+{
+    TestWindow t(2);
+    auto& store = t.store();
+    const auto album = createAlbum(store, "album", {});
+    addToAlbum(store, album, IDs{1, 2});
+    store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    QTest::qWait(20);
+    store.select({1});
+    sidebarOf(*t.window)->setFocus();
+    t.press(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_EQ(store.list().shown().size(), 2U);
+    t.press(Qt::Key_Delete);
+    EXPECT_TRUE(store.tree().albums.empty());
+    EXPECT_EQ(store.list().shown().size(), 2U) << "all photos";
+    sidebarOf(*t.window)->setFocus();
+    t.press(Qt::Key_Delete); // on "All Photos"
+    EXPECT_EQ(store.undoTitle(), "Delete Album");
+    t.visibleButton("Undo")->click();
+    EXPECT_EQ(store.tree().albums.size(), 1U);
+}
+
 TEST(AlbumOrder, movesWhatIsShownTogether)
 {
     TestWindow t(5);
@@ -378,9 +386,9 @@ TEST(StatusLine, keepsErrorsUntilEachIsClosed)
     t.desktop->say("Set Rating: 30 photos.", Offer::undo);
     EXPECT_TRUE(shows(t, "Set Rating: 30 photos."));
     EXPECT_TRUE(QTest::qWaitFor([&] { return shows(t, "The second."); }, 10'000)) << "it comes back";
-    visibleButton(t, "Close (1 more)")->click();
+    t.visibleButton("Close (1 more)")->click();
     EXPECT_TRUE(shows(t, "The first."));
-    visibleButton(t, "Close")->click();
+    t.visibleButton("Close")->click();
     EXPECT_FALSE(shows(t, "The first."));
 }
 
@@ -389,21 +397,47 @@ TEST(StatusLine, keepsFailuresOfJobsUntilTheyWereSeen)
     TestWindow t(1);
     auto& jobs = t.desktop->jobs();
     const auto run = [&](const char* title, int failures) {
-        jobs.start(title, [failures](JobContext& job) {
+        jobs.start(title, Stopping::keeps, [failures](JobContext& job) {
             for (int i = 0; i < failures; ++i)
                 job.fail("It is damaged.");
             return std::string();
         });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !jobs.running(); }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return jobs.running().empty(); }));
     };
     run("Import", 2);
     run("Auto", 0);
     run("Export", 1);
-    visibleButton(t, "3 failures")->click();
+    t.visibleButton("3 failures")->click();
     run("Auto", 0);
-    EXPECT_TRUE(visibleButton(t, "3 failures")) << "as long as the list is open";
+    EXPECT_TRUE(t.visibleButton("3 failures")) << "as long as the list is open";
     t.window->findChild<QDialog*>()->close();
-    EXPECT_FALSE(visibleButton(t, "3 failures"));
+    EXPECT_FALSE(t.visibleButton("3 failures"));
+}
+
+TEST(MainWindow, quittingTellsWhatIsLeftOfAllThatRuns)
+{
+    TestWindow t(1);
+    std::atomic<bool> ends = false;
+    const auto start = [&](const char* title, Stopping stopping, std::size_t done) {
+        t.desktop->jobs().start(title, stopping, [&ends, done](JobContext& job) {
+            job.progress(done, 1000);
+            while (!ends && !job.stop().stop_requested())
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            return std::string();
+        });
+        const auto& job = *t.desktop->jobs().all().back();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return job.done() == done; }));
+    };
+    start("Adding", Stopping::keeps, 900);
+    EXPECT_EQ(t.refused(Command::quit),
+        "“Adding” is still going on.\n900 of 1,000 are done and stay.\nQuitting ends it here.");
+    start("Auto", Stopping::drops, 500);
+    EXPECT_EQ(t.refused(Command::quit),
+        "2 jobs are still going on.\n“Adding”: 900 of 1,000 are done and stay.\n"
+        "“Auto”: Nothing of it is kept before it has ended.\nQuitting ends them here.");
+    EXPECT_TRUE(t.window->isVisible());
+    ends = true;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }));
 }
 
 TEST(MainWindow, takesDroppedFilesWhateverBytesTheirNamesHave)
@@ -418,11 +452,11 @@ TEST(MainWindow, takesDroppedFilesWhateverBytesTheirNamesHave)
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.store().undoTitle() == "Add 1 Photo"; }));
     t.window->commands().run(Command::undo);
     EXPECT_TRUE(t.store().list().shown().empty());
-    auto* const redo = visibleButton(t, "Redo");
+    auto* const redo = t.visibleButton("Redo");
     ASSERT_TRUE(redo);
     redo->click();
     EXPECT_EQ(t.store().list().shown().size(), 1U);
-    EXPECT_FALSE(visibleButton(t, "Redo"));
+    EXPECT_FALSE(t.visibleButton("Redo"));
 }
 
 TEST(MainWindow, livesBeforeItsPhotosAreThere)

@@ -4,7 +4,10 @@
 #include "platform/FileDefaults.h"
 #include "tests/support/TestLibrary.h"
 
+#include <QMessageBox>
+#include <QStatusBar>
 #include <QTest>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 
@@ -31,6 +34,28 @@ struct TestWindow : TestLibrary {
     {
         QWidget* const focus = QApplication::focusWidget();
         QTest::keyClick(focus ? focus : window.get(), key, modifiers);
+    }
+
+    /// What is asked while a command runs, title and details; nothing if it asks nothing. The answer is no.
+    QString refused(Command command)
+    {
+        QString asked;
+        QTimer::singleShot(0, [&] {
+            if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                asked = (box->text() + "\n" + box->informativeText()).trimmed();
+                box->reject();
+            }
+        });
+        window->commands().run(command);
+        return asked;
+    }
+    /// A button of the status line, or of another place.
+    QToolButton* visibleButton(const QString& text, const QWidget* place = nullptr) const
+    {
+        for (auto* const button : (place ? place : window->statusBar())->findChildren<QToolButton*>())
+            if (button->isVisible() && button->text() == text)
+                return button;
+        return nullptr;
     }
 
     QtMainThread main;

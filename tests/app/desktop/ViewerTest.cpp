@@ -181,6 +181,26 @@ TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
     EXPECT_EQ(t.listed(gone).rating, 3);
 }
 
+TEST(Viewer, theFullScreenPhotoTellsOfErrorsAndOffersUndo)
+{
+    TestWindow t(1);
+    t.store().arrange({}, std::nullopt); // rejected photos stay in sight
+    t.press(Qt::Key_F);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() != t.window.get(); }));
+    const auto* const screen = QApplication::activeWindow();
+    EXPECT_FALSE(t.visibleButton("Close", screen));
+    t.window->commands().run(Command::remove);
+    ASSERT_TRUE(t.visibleButton("Undo", screen));
+    t.visibleButton("Undo", screen)->click();
+    EXPECT_EQ(t.listed(1).rating, 0);
+    t.desktop->fail(std::runtime_error("It went wrong"));
+    auto* const close = t.visibleButton("Close", screen);
+    ASSERT_TRUE(close);
+    EXPECT_TRUE(screen->rect().contains(close->mapTo(screen, close->rect().center())));
+    close->click();
+    EXPECT_FALSE(t.visibleButton("Close")) << "what was read there is read here";
+}
+
 TEST(Viewer, aLabelChosenBelowAPhotoMayTakeItOutOfTheSurvey)
 {
     TestWindow t(3);
@@ -291,7 +311,7 @@ TEST(ExportSheet, exportsAsAJobWithTheFailuresListed)
     ExportSheet sheet(*t.window, {t.listed(photo), t.listed(missing)});
     sheet.findChild<QLineEdit*>()->setText(QString::fromStdString((t.folder / "out").string()));
     static_cast<QDialog&>(sheet).accept();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !t.desktop->jobs().running(); }, wait));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }, wait));
     EXPECT_TRUE(std::filesystem::exists(t.folder / "out" / "a.jpg"));
     const auto& job = *t.desktop->jobs().all().back();
     EXPECT_EQ(job.failures().size(), 1U);

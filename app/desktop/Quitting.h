@@ -1,0 +1,19 @@
+#pragma once
+
+#include "app/desktop/Jobs.h"
+
+#include <QString>
+
+class QWidget;
+
+namespace korvo {
+
+/// What becomes of a running job that is stopped now: "900 of 1,000 are done and stay."
+QString whatStoppingLeaves(const Job& job);
+
+// Questions before quitting. Each says whether to quit all the same.
+bool isLossWished(QWidget& window);
+/// At least one.
+bool isEndWished(QWidget& window, const std::vector<std::shared_ptr<Job>>& jobs);
+
+} // namespace korvo
