@@ -231,11 +231,13 @@ void repairHalfRebuiltPhotos(Database& database)
     transaction.commit();
 }
 
-void ensureMasterPathIndex(Database& database)
+void ensureIndexes(Database& database)
 {
     database.exec("DROP INDEX IF EXISTS idx_photos_path_version");
     database.exec(
         "CREATE UNIQUE INDEX IF NOT EXISTS idx_photos_master_path ON photos(path) WHERE version_of IS NULL");
+    // Without it each photo that is deleted looks through the members of all albums.
+    database.exec("CREATE INDEX IF NOT EXISTS idx_album_items_photo ON album_items(photo_id)");
 }
 
 } // namespace
@@ -260,7 +262,7 @@ void migrate(Database& database)
         if (step.version == 5)
             repairHalfRebuiltPhotos(database);
     }
-    ensureMasterPathIndex(database);
+    ensureIndexes(database);
 }
 
 } // namespace korvo

@@ -179,8 +179,9 @@ TEST(Migration, newSchemaHasTheColumnsInTheirOrder)
             "0, "
             "longitude REAL 0 - 0, gps_read INTEGER 1 0 0, place TEXT 1 '' 0, stack_position INTEGER 1 0 0\n",
             "photos version_of -> photos(id) CASCADE\n", "photos stack_id -> stacks(id) SET NULL\n",
-            "photos idx_photos_master_path 1 1 path\n", "photos idx_photos_project 0 0 project_id\n",
-            "keywords parent_id -> keywords(id) CASCADE\n", "faces person_id -> people(id) SET NULL\n"})
+            "album_items idx_album_items_photo 0 0 photo_id\n", "photos idx_photos_master_path 1 1 path\n",
+            "photos idx_photos_project 0 0 project_id\n", "keywords parent_id -> keywords(id) CASCADE\n",
+            "faces person_id -> people(id) SET NULL\n"})
         EXPECT_NE(schema.find(expected), schema.npos) << expected << "is not in\n" << schema;
     EXPECT_EQ(schema.find("idx_photos_path_version"), schema.npos);
 }
