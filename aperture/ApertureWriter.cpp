@@ -1,7 +1,10 @@
 #include "aperture/ApertureImporter.h"
 #include "base/Json.h"
 #include "base/Text.h"
+#include "catalog/ApertureImports.h"
 #include "catalog/NewGroups.h"
+#include "catalog/Stacks.h"
+#include "catalog/Versions.h"
 
 #include <unordered_map>
 
@@ -53,7 +56,7 @@ public:
     ApertureImporter::Summary run()
     {
         Transaction transaction(catalog_.database());
-        if (catalog_.hasImported(plan_.identity))
+        if (hasImported(catalog_.database(), plan_.identity))
             throw ImportError::alreadyImported(plan_.bundle.filename().string());
         writeProjects();
         writePhotos();
@@ -61,7 +64,7 @@ public:
         importer_.show("Stacks and albums…", 0, plan_.albums.size() + plan_.stacks.size());
         writeAlbums();
         writeStacks();
-        catalog_.noteImport(plan_.identity, plan_.bundle);
+        noteImport(catalog_.database(), plan_.identity, plan_.bundle);
         throwIfStopped();
         transaction.commit();
         importer_.show("Done");
@@ -154,7 +157,8 @@ private:
             auto master = photo.versionOf ? std::optional(masterIDs_[*photo.versionOf]) : std::nullopt;
             const auto known
                 = !master && hadPhotos ? catalog_.masterAt(row.path) : knownMasterOf(photo.versionOf);
-            ids_.push_back(known ? addToKnown(*known, row) : catalog_.addImportedPhoto(row, master));
+            ids_.push_back(
+                known ? addToKnown(*known, row) : addAperturePhoto(catalog_.database(), row, master));
             if (known)
                 master = known;
             masterIDs_.push_back(master.value_or(ids_.back()));
@@ -175,7 +179,7 @@ private:
     {
         const auto name = isBlank(row.versionName) ? std::nullopt : std::optional(row.versionName);
         const auto edits = row.edits.empty() ? PhotoEdits() : fromJson<PhotoEdits>(row.edits);
-        const auto id = catalog_.createVersion(master, name, edits, now_);
+        const auto id = createVersion(catalog_, master, name, edits, now_);
         const std::span only(&id, 1);
         catalog_.setRating(only, row.rating);
         catalog_.setFlagged(only, row.flagged);
@@ -255,7 +259,7 @@ private:
         if (photos.size() < 2)
             return;
         const bool hasPick = stack.pick && !isStacked(*stack.pick);
-        catalog_.createStack(idsOf(photos), hasPick ? std::optional(ids_[*stack.pick]) : std::nullopt);
+        createStack(catalog_, idsOf(photos), hasPick ? std::optional(ids_[*stack.pick]) : std::nullopt);
         ++summary_.stacks;
     }
 

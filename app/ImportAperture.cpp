@@ -1,6 +1,7 @@
 #include "app/ImportAperture.h"
 
 #include "app/Libraries.h"
+#include "catalog/ApertureImports.h"
 #include "platform/ApertureBundles.h"
 
 #include <stdexcept>
@@ -27,7 +28,7 @@ void refuseSecondImport(
         return;
     if (!request.into)
         throw ImportError::catalogExists(folder);
-    if (Catalog(folder, clock).hasImported(bundle.identity()))
+    if (hasImported(Catalog(folder, clock).database(), bundle.identity()))
         throw ImportError::alreadyImported(bundle.bundleURL().filename().string());
 }
 

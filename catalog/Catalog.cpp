@@ -3,6 +3,7 @@
 #include "catalog/Backup.h"
 #include "catalog/Migration.h"
 #include "catalog/MovedLibrary.h"
+#include "catalog/Stacks.h"
 
 #include <unistd.h>
 
@@ -52,7 +53,7 @@ Catalog::Catalog(const std::filesystem::path& folder, const Clock& clock)
     backUpDaily(database_, backupsFolder(), clock.now());
     migrate(database_);
     repairMovedPaths(database_, folder_);
-    repairOldStacks();
+    repairOldStacks(database_);
 }
 
 } // namespace korvo

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "catalog/AutoStack.h"
 #include "catalog/CatalogErrors.h"
 #include "catalog/CatalogRecords.h"
 #include "catalog/Database.h"
@@ -8,18 +7,15 @@
 #include "catalog/LibrarySource.h"
 #include "catalog/MetadataChange.h"
 #include "catalog/SmartAlbumRules.h"
-#include "catalog/Stack.h"
 #include "catalog/Tree.h"
 
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <set>
 #include <span>
 #include <stop_token>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -28,7 +24,9 @@ namespace korvo {
 /// Whether a change of metadata still has to be written into the file.
 enum class WriteBack { done, pending };
 
-/// The open library: its folder, its database, and every statement over them. Calls may come from any thread.
+/// The open library: its folder, its database, and what is read and changed of its photos, of their files and
+/// of the sidebar's tree. What one feature adds to them stands beside it, as functions over a catalog in a
+/// header of their own (Stacks.h, Versions.h, ImportMemory.h…). Calls may come from any thread.
 /// Each throws DatabaseError, those that change one row of an id NotFoundError when there is none, and those
 /// that are given a name or a path std::invalid_argument for a blank name and a path that is not absolute.
 /// Changes of several statements happen as a whole or not at all.
@@ -74,7 +72,7 @@ public:
     /// In ascending order.
     std::vector<PhotoID> dirtyPhotos();
     bool contains(PhotoID id);
-    bool hasMaster(std::string_view path);
+    std::optional<PhotoID> masterAt(std::string_view path);
     /// Whether a file, by its absolute path, is one of the library's originals, under whatever name. Reads
     /// all photos' sizes where the file is there and the library does not have its name.
     bool isOriginal(const std::filesystem::path& file);
@@ -96,13 +94,12 @@ public:
     bool anyDirty(std::span<const PhotoID> ids);
     /// The photo's master, itself for a master; 0 for an unknown id.
     PhotoID masterOf(PhotoID id);
+    /// Throws NotFoundError instead.
+    PhotoID existingMasterOf(PhotoID id);
     /// The masters of the photos, each once; unknown ids are left out.
     std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
     /// Nothing for an unknown id and for a version.
     std::optional<FileRecord> fileRecord(PhotoID id);
-    /// To be called before the metadata of photos change beside setMetadata: where nothing waits, keeps what
-    /// the file holds as the base of the change.
-    void keepMetadataBase(std::span<const PhotoID> ids);
     /// A file that was changed elsewhere holds these values and has this date and size.
     void metadataSeen(PhotoID id, const PhotoMetadata& inFile, UnixTime fileDate, std::int64_t fileSize);
     /// Keeps what a file held when it was found. What is kept already stays.
@@ -129,51 +126,6 @@ public:
     /// decided by a photo's own values, all of them.
     std::vector<PhotoItem> photosOfSource(
         const std::optional<LibrarySource>& source, std::span<const PhotoID> ids);
-
-    // Imports of Aperture libraries (CatalogAperture.cpp)
-    /// Adds a master, or a version of one.
-    PhotoID addImportedPhoto(const AperturePhoto& photo, std::optional<PhotoID> versionOf);
-    std::optional<PhotoID> masterAt(std::string_view path);
-    /// Whether an Aperture library, known by what identifies it, has been imported.
-    bool hasImported(std::string_view identity);
-    void noteImport(std::string_view identity, const std::filesystem::path& bundle);
-    /// Whether originals of this library lie in Aperture libraries, where they are never written.
-    bool originalsAreReadOnly() { return !aperturePrefixes().empty(); }
-    /// Whether a file lies in an Aperture library: one that was imported, or any folder called so.
-    bool isReadOnlyOriginal(std::string_view path);
-
-    // Versions (CatalogVersions.cpp)
-    /// Makes a further rendering of the photo's file, with all that the catalog knows of the photo it is made
-    /// from, and its edits unless others are given. Without a name it is "Version " and a number that counts
-    /// the master as the first; after a deletion a number may come again.
-    PhotoID createVersion(PhotoID photo, const std::optional<std::string>& name,
-        const std::optional<PhotoEdits>& edits, UnixTime addedAt);
-    /// The versions of a master, or of the master of a version, oldest first.
-    std::vector<PhotoItem> versions(PhotoID photo);
-    /// Throws NotFoundError for a master, whose name is its file's.
-    void renameVersion(PhotoID version, std::string_view name);
-    /// How many versions each master has that has any.
-    std::unordered_map<PhotoID, std::int64_t> versionCounts();
-
-    // Stacks (CatalogStacks.cpp). Where an id is a version's, its master is meant. A stack always has two
-    // members or more, and its pick is one of them: one left with a single member is dissolved, and one that
-    // loses its pick takes the member shown next.
-    std::vector<Stack> stacks();
-    /// Gathers photos, in this order, under the pick, which without one is the first. Members leave the
-    /// stacks they were in. Throws std::invalid_argument for fewer than two and for a pick that is none of
-    /// them.
-    std::int64_t createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick);
-    /// Photos that have been stacked or removed since the plan was made are left out of it.
-    void createStacks(const AutoStackPlan& plan);
-    /// Dissolves those of the stacks that have fewer than two members, and gives a pick to those without one.
-    void repairStacks(const std::set<std::int64_t>& ids);
-    void unstack(std::int64_t id);
-    /// Throws std::invalid_argument when the photo is not in the stack. The members keep their order.
-    void setPick(std::int64_t stack, PhotoID photo);
-    void setStackState(std::int64_t id, StackState state);
-    /// Moves a member to a place among the members as shown, from 1, at most to the end; the others close up,
-    /// and the pick stays before them all. Throws std::invalid_argument when the photo is not in the stack.
-    void moveInStack(std::int64_t stack, PhotoID photo, std::size_t position);
 
     // The tree (CatalogTree.cpp)
     LibraryTree tree();
@@ -232,20 +184,8 @@ public:
     std::size_t countMatching(const SmartAlbumRules& rules, const std::stop_token& stop = {}) const;
 
 private:
-    std::set<std::int64_t> stacksOf(std::string_view selectStack, std::span<const std::int64_t> ids);
-    void dissolve(std::int64_t stack);
-    void requireStack(std::int64_t id);
-    void repairOldStacks();
-    void storeMetadataBase(PhotoID id, const PhotoMetadata& base);
-    void dropMetadataBase(PhotoID id);
-    PhotoID memberOf(std::int64_t stack, PhotoID photo);
-    std::vector<std::string> aperturePrefixes();
-    bool mayBeWritten(PhotoID id);
-    PhotoID existingMasterOf(PhotoID id);
-
     std::filesystem::path folder_;
     Database database_;
-    std::optional<std::vector<std::string>> aperturePrefixesCache_; // guarded by the connection
 };
 
 } // namespace korvo

@@ -1,9 +1,10 @@
 // What the files hold and what the catalog holds, kept in step.
 
-#include "base/Json.h"
 #include "catalog/Catalog.h"
-#include "catalog/Meta.h"
+#include "catalog/MetadataBase.h"
 #include "catalog/PhotoRows.h"
+
+#include <unordered_set>
 
 namespace korvo {
 
@@ -21,20 +22,6 @@ std::vector<std::pair<PhotoID, std::string>> idsAndPaths(
     while (statement.step())
         photos.emplace_back(statement.integer(0), statement.text(1));
     return photos;
-}
-
-std::string baseKey(PhotoID id)
-{
-    return "metadata_base:" + std::to_string(id);
-}
-
-/// What the file of a photo that waits to be written held when the catalog and it last agreed.
-std::optional<PhotoMetadata> metadataBase(Database& database, PhotoID id)
-try {
-    const auto stored = readMeta(database, baseKey(id));
-    return stored ? std::optional(fromJson<PhotoMetadata>(*stored)) : std::nullopt;
-} catch (const JsonError&) {
-    return std::nullopt; // as if nothing were known: what the file holds is then taken more readily
 }
 
 } // namespace
@@ -109,6 +96,18 @@ PhotoID Catalog::existingMasterOf(PhotoID id)
     return master;
 }
 
+std::vector<PhotoID> Catalog::mastersOf(std::span<const PhotoID> photos)
+{
+    std::vector<PhotoID> masters;
+    std::unordered_set<PhotoID> seen;
+    for (const PhotoID photo : photos) {
+        const auto master = masterOf(photo);
+        if (master != 0 && seen.insert(master).second)
+            masters.push_back(master);
+    }
+    return masters;
+}
+
 std::optional<FileRecord> Catalog::fileRecord(PhotoID id)
 {
     auto statement = database_.kept("SELECT * FROM photos WHERE id = ? AND version_of IS NULL");
@@ -132,12 +131,12 @@ void Catalog::metadataWritten(
 {
     Transaction transaction(database_);
     fileChanged(id, fileDate, fileSize);
-    storeMetadataBase(id, written);
+    storeMetadataBase(database_, id, written);
     database_.run(R"(UPDATE photos SET dirty = 0 WHERE id = ? AND alt_text = ? AND title = ? AND caption = ?
     AND keywords = ? AND creator = ? AND copyright = ?)",
         id, written.altText.view(), written.title.view(), written.caption.view(), written.keywords.view(),
         written.creator.view(), written.copyright.view());
-    dropMetadataBase(id);
+    dropMetadataBase(database_, id);
     transaction.commit();
 }
 
@@ -145,31 +144,8 @@ void Catalog::metadataSeen(PhotoID id, const PhotoMetadata& inFile, UnixTime fil
 {
     Transaction transaction(database_);
     fileChanged(id, fileDate, fileSize);
-    storeMetadataBase(id, inFile);
+    storeMetadataBase(database_, id, inFile);
     transaction.commit();
-}
-
-void Catalog::keepMetadataBase(std::span<const PhotoID> ids)
-{
-    for (const PhotoID id : ids)
-        database_.run(R"(INSERT OR REPLACE INTO meta
-SELECT ?, json_object('altText', alt_text, 'title', title, 'caption', caption, 'keywords', keywords,
-    'creator', creator, 'copyright', copyright)
-FROM photos WHERE id = ? AND dirty = 0 AND version_of IS NULL)",
-            baseKey(id), id);
-}
-
-void Catalog::storeMetadataBase(PhotoID id, const PhotoMetadata& base)
-{
-    writeMeta(database_, baseKey(id), toJson(base));
-}
-
-/// Unless the photo waits still.
-void Catalog::dropMetadataBase(PhotoID id)
-{
-    database_.run(
-        "DELETE FROM meta WHERE key = ? AND NOT EXISTS (SELECT 1 FROM photos WHERE id = ? AND dirty = 1)",
-        baseKey(id), id);
 }
 
 } // namespace korvo

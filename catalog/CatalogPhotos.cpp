@@ -1,5 +1,7 @@
+#include "catalog/ApertureImports.h"
 #include "catalog/ChangeRow.h"
-#include "catalog/PhotoRows.h"
+#include "catalog/MetadataBase.h"
+#include "catalog/Stacks.h"
 
 namespace korvo {
 
@@ -29,6 +31,13 @@ std::optional<PhotoMetadata> metadataOf(Database& database, PhotoID id)
     if (!row.step())
         return std::nullopt;
     return PhotoMetadata{row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5)};
+}
+
+bool mayBeWritten(Database& database, PhotoID id)
+{
+    auto row = database.kept("SELECT path FROM photos WHERE id = ?");
+    row.bind(id);
+    return row.step() && !isReadOnlyOriginal(database, row.text(0));
 }
 
 } // namespace
@@ -102,8 +111,8 @@ void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack w
 {
     Transaction transaction(database_);
     const auto master = existingMasterOf(id);
-    keepMetadataBase(std::span(&master, 1));
-    const bool waits = writeBack == WriteBack::pending && mayBeWritten(master);
+    keepMetadataBase(database_, std::span(&master, 1));
+    const bool waits = writeBack == WriteBack::pending && mayBeWritten(database_, master);
     database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
     creator = ?, copyright = ?,
     dirty = CASE WHEN version_of IS NULL THEN ? ELSE 0 END
@@ -111,7 +120,7 @@ WHERE id = ? OR version_of = ?)",
         metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
         metadata.creator.view(), metadata.copyright.view(), waits, master, master);
     if (!waits)
-        dropMetadataBase(master);
+        dropMetadataBase(database_, master);
     transaction.commit();
 }
 
@@ -131,14 +140,16 @@ void Catalog::changeMetadata(std::span<const PhotoID> ids, const MetadataChange&
 
 void Catalog::clearDirty(PhotoID id)
 {
+    Transaction transaction(database_);
     database_.run("UPDATE photos SET dirty = 0 WHERE id = ?", id);
-    dropMetadataBase(id);
+    dropMetadataBase(database_, id);
+    transaction.commit();
 }
 
 void Catalog::markDirty(std::span<const PhotoID> ids)
 {
     std::vector<PhotoID> writable(ids.begin(), ids.end());
-    std::erase_if(writable, [this](PhotoID id) { return !mayBeWritten(id); });
+    std::erase_if(writable, [this](PhotoID id) { return !mayBeWritten(database_, id); });
     forEachID(database_, "UPDATE photos SET dirty = 1 WHERE id = ? AND version_of IS NULL", writable,
         [](Statement& statement, PhotoID id) { statement.bind(id); });
 }
@@ -178,11 +189,11 @@ void Catalog::fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize)
 void Catalog::deletePhotos(std::span<const PhotoID> ids)
 {
     Transaction transaction(database_);
-    const auto touched = stacksOf("SELECT stack_id FROM photos WHERE id = ?", ids);
+    const auto touched = stacksOf(database_, "SELECT stack_id FROM photos WHERE id = ?", ids);
     forEachID(database_, "DELETE FROM photos WHERE id = ?", ids,
         [](Statement& statement, PhotoID id) { statement.bind(id); });
     // The bases of their metadata stay: undo may bring back photos that wait, and no other gets their ids.
-    repairStacks(touched);
+    repairStacks(database_, touched);
     transaction.commit();
 }
 
@@ -200,14 +211,15 @@ bool Catalog::contains(PhotoID id)
     return database_.scalar("SELECT COUNT(*) FROM photos WHERE id = ?", id) > 0;
 }
 
-bool Catalog::hasMaster(std::string_view path)
+std::optional<PhotoID> Catalog::masterAt(std::string_view path)
 {
-    return database_.scalar("SELECT COUNT(*) FROM photos WHERE path = ? AND version_of IS NULL", path) > 0;
+    const auto id = database_.scalar("SELECT id FROM photos WHERE path = ? AND version_of IS NULL", path);
+    return id != 0 ? std::optional(id) : std::nullopt;
 }
 
 bool Catalog::isOriginal(const std::filesystem::path& file)
 {
-    if (hasMaster(file.native()))
+    if (masterAt(file.native()))
         return true;
     std::error_code absent; // then it is nobody's
     const auto size = std::filesystem::file_size(file, absent);

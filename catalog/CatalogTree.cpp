@@ -1,6 +1,7 @@
 #include "catalog/ChangeRow.h"
 #include "catalog/LibraryReading.h"
 #include "catalog/NewGroups.h"
+#include "catalog/Stacks.h"
 
 #include <map>
 
@@ -146,9 +147,9 @@ void Catalog::removeFolder(std::int64_t id)
 {
     Transaction transaction(database_);
     const auto touched
-        = stacksOf("SELECT DISTINCT stack_id FROM photos WHERE folder_id = ?", std::span(&id, 1));
+        = stacksOf(database_, "SELECT DISTINCT stack_id FROM photos WHERE folder_id = ?", std::span(&id, 1));
     changeRow(database_, "folder", id, "DELETE FROM folders WHERE id = ?", id);
-    repairStacks(touched);
+    repairStacks(database_, touched);
     transaction.commit();
 }
 

@@ -2,6 +2,8 @@
 
 #include "base/Json.h"
 #include "catalog/SmartAlbumEditor.h"
+#include "catalog/Stacks.h"
+#include "catalog/Versions.h"
 
 namespace korvo {
 
@@ -10,7 +12,7 @@ PhotoID createVersion(LibraryStore& store, PhotoID photo, const std::optional<st
 {
     PhotoID id = 0;
     store.perform(
-        "New Version", [&](Catalog& catalog) { id = catalog.createVersion(photo, name, edits, addedAt); });
+        "New Version", [&](Catalog& catalog) { id = createVersion(catalog, photo, name, edits, addedAt); });
     return id;
 }
 
@@ -19,7 +21,7 @@ std::vector<PhotoID> createVersions(LibraryStore& store, std::span<const PhotoID
     std::vector<PhotoID> made;
     store.perform("New Version", [&](Catalog& catalog) {
         for (const PhotoID photo : photos)
-            made.push_back(catalog.createVersion(photo, std::nullopt, std::nullopt, addedAt));
+            made.push_back(createVersion(catalog, photo, std::nullopt, std::nullopt, addedAt));
         if (store.source() && store.source()->kind == LibrarySource::Kind::album)
             catalog.addToAlbumBehind(store.source()->id, made, photos);
     });
@@ -28,7 +30,7 @@ std::vector<PhotoID> createVersions(LibraryStore& store, std::span<const PhotoID
 
 void renameVersion(LibraryStore& store, PhotoID version, std::string_view name)
 {
-    store.perform("Rename Version", [&](Catalog& catalog) { catalog.renameVersion(version, name); });
+    store.perform("Rename Version", [&](Catalog& catalog) { renameVersion(catalog, version, name); });
 }
 
 void removeVersion(LibraryStore& store, PhotoID version)
@@ -39,29 +41,29 @@ void removeVersion(LibraryStore& store, PhotoID version)
 std::int64_t createStack(LibraryStore& store, std::span<const PhotoID> photos, std::optional<PhotoID> pick)
 {
     std::int64_t id = 0;
-    store.perform("Stack", [&](Catalog& catalog) { id = catalog.createStack(photos, pick); });
+    store.perform("Stack", [&](Catalog& catalog) { id = createStack(catalog, photos, pick); });
     return id;
 }
 
 void unstack(LibraryStore& store, std::int64_t id)
 {
-    store.perform("Unstack", [&](Catalog& catalog) { catalog.unstack(id); });
+    store.perform("Unstack", [&](Catalog& catalog) { unstack(catalog, id); });
 }
 
 void setPick(LibraryStore& store, std::int64_t stack, PhotoID photo)
 {
-    store.perform("Set Pick", [&](Catalog& catalog) { catalog.setPick(stack, photo); });
+    store.perform("Set Pick", [&](Catalog& catalog) { setPick(catalog, stack, photo); });
 }
 
 void setStackState(LibraryStore& store, std::int64_t id, StackState state)
 {
     store.perform(state == StackState::collapsed ? "Collapse Stack" : "Expand Stack",
-        [&](Catalog& catalog) { catalog.setStackState(id, state); });
+        [&](Catalog& catalog) { setStackState(catalog, id, state); });
 }
 
 void moveInStack(LibraryStore& store, std::int64_t stack, PhotoID photo, std::size_t position)
 {
-    store.perform("Move in Stack", [&](Catalog& catalog) { catalog.moveInStack(stack, photo, position); });
+    store.perform("Move in Stack", [&](Catalog& catalog) { moveInStack(catalog, stack, photo, position); });
 }
 
 void autoStack(LibraryStore& store, double interval)
@@ -71,7 +73,7 @@ void autoStack(LibraryStore& store, double interval)
 
 void autoStack(LibraryStore& store, const AutoStackPlan& plan)
 {
-    store.perform(std::string(autoStackSheet::title), [&](Catalog& catalog) { catalog.createStacks(plan); });
+    store.perform(std::string(autoStackSheet::title), [&](Catalog& catalog) { createStacks(catalog, plan); });
 }
 
 std::int64_t createSmartAlbum(LibraryStore& store, std::string_view name, const SmartAlbumRules& rules)

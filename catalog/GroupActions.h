@@ -1,6 +1,8 @@
 #pragma once
 
+#include "catalog/AutoStack.h"
 #include "catalog/LibraryStore.h"
+#include "catalog/Stack.h"
 
 namespace korvo {
 

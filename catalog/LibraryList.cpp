@@ -1,5 +1,6 @@
 #include "catalog/DatabaseError.h"
 #include "catalog/LibraryStore.h"
+#include "catalog/Stacks.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -191,7 +192,7 @@ bool LibraryStore::updateRows(const ChangedRows& rows)
 {
     const bool changesPhotos = !sourceFault_ && updatePhotos(rows);
     if (rows.stacks)
-        list_.setStacks(catalog_->stacks());
+        list_.setStacks(stacksIn(catalog_->database()));
     return changesPhotos || rows.stacks;
 }
 

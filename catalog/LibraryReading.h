@@ -4,7 +4,6 @@
 #include "catalog/LibrarySource.h"
 #include "catalog/PhotoItem.h"
 #include "catalog/SmartAlbumMatcher.h"
-#include "catalog/Stack.h"
 #include "catalog/Tree.h"
 
 #include <stop_token>
@@ -23,7 +22,6 @@ std::vector<PhotoItem> photosIn(
 ListedBy listedBy(const std::optional<LibrarySource>& source);
 /// Throws NotFoundError and SmartAlbumError.
 SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id);
-std::vector<Stack> stacksIn(Database& database);
 
 /// How many photos there are of some kinds. Takes long in a large library, whose photos are all looked at.
 struct LibraryCounts {

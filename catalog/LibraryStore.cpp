@@ -1,6 +1,8 @@
 #include "catalog/LibraryStore.h"
 
 #include "base/Text.h"
+#include "catalog/MetadataBase.h"
+#include "catalog/Stacks.h"
 
 #include <algorithm>
 #include <array>
@@ -208,14 +210,14 @@ ChangedRows LibraryStore::replay(const Changeset& changes, const ChangedRows& to
     Transaction transaction(database, writePatience);
     const ChangeRecorder recorder(database);
     if (touches(touched, metadataColumns))
-        catalog_->keepMetadataBase(touched.updated);
+        keepMetadataBase(database, touched.updated);
     apply(database, changes);
     // The file may have been written meanwhile; only a further write makes sure that it holds these values.
     if (touches(touched, metadataColumns))
         catalog_->markDirty(touched.updated);
     // Others may have stacked the photos anew: their stacks lose them now.
     if (touched.stacks)
-        catalog_->repairStacks(changedRows(database, recorder.changes()).stackIDs);
+        repairStacks(database, changedRows(database, recorder.changes()).stackIDs);
     auto rows = changedRows(database, recorder.changes());
     transaction.commit();
     // What others had brought to the same state already may still be shown in its old one.

@@ -4,6 +4,7 @@
 #include "catalog/CatalogErrors.h"
 #include "catalog/Database.h"
 #include "catalog/LibraryReading.h"
+#include "catalog/Stacks.h"
 
 namespace korvo {
 

@@ -89,7 +89,7 @@ std::optional<NamedFile> ImportNames::tryName(const std::string& name, const Unn
 {
     const auto path = folder_ / name;
     // A photo whose file is missing keeps its path: another one there would get its title and its edits.
-    if (claimed_.contains(folded(name)) || (file.isPhoto && catalog_.hasMaster(path.native())))
+    if (claimed_.contains(folded(name)) || (file.isPhoto && catalog_.masterAt(path.native())))
         return std::nullopt;
     if (!fs::exists(fs::symlink_status(path)))
         return NamedFile{path};

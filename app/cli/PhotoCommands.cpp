@@ -2,6 +2,7 @@
 #include "app/cli/PhotoOrFile.h"
 #include "app/cli/PhotoOutput.h"
 #include "catalog/GridOrder.h"
+#include "catalog/Versions.h"
 
 #include <fmt/ranges.h>
 
@@ -111,15 +112,15 @@ struct VersionArguments {
 
 void createVersion(Context& context, const VersionArguments& arguments)
 {
-    context.printMade(context.library().createVersion(
-        arguments.photo, arguments.name, std::nullopt, context.clock().now()));
+    context.printMade(createVersion(
+        context.library(), arguments.photo, arguments.name, std::nullopt, context.clock().now()));
 }
 
 void listVersions(Context& context, PhotoID photo)
 {
     if (!context.library().contains(photo))
         throw NotFoundError("photo", photo);
-    for (const auto& version : context.library().versions(photo))
+    for (const auto& version : versionsOf(context.library(), photo))
         context.print(context.options().json
                 ? photoJSON(version)
                 : fmt::format("{}  {}", photoLine(version), version.versionName.view()));

@@ -1,6 +1,7 @@
 #include "app/cli/Commands.h"
 #include "base/Text.h"
 #include "catalog/GridOrder.h"
+#include "catalog/Stacks.h"
 
 #include <fmt/ranges.h>
 
@@ -27,18 +28,18 @@ void addStackAndPhoto(CLI::App& sub, StackArguments& arguments)
     sub.add_option("ID", arguments.photo, "one of its photos")->required();
 }
 
-ExitCode createStack(Context& context, const StackArguments& arguments)
+ExitCode stackPhotos(Context& context, const StackArguments& arguments)
 {
     const auto ids = context.photos(arguments.photos);
     if (ids.size() < 2 && context.hasFailures())
         return context.finish(0);
-    context.printMade(context.library().createStack(ids, arguments.pick));
+    context.printMade(createStack(context.library(), ids, arguments.pick));
     return context.finish(ids.size(), Ended::whole);
 }
 
 void listStacks(Context& context)
 {
-    for (const auto& stack : context.library().stacks())
+    for (const auto& stack : stacksIn(context.library().database()))
         context.print(stack,
             fmt::format("stack {:>6}  {}, {}: {}", stack.id, counted(stack.members.size(), "photo"),
                 stack.collapsed ? "collapsed" : "expanded", fmt::join(stack.members, " ")));
@@ -89,7 +90,7 @@ void stackByTime(Context& context, const AutoStackArguments& arguments)
     const auto items = context.library().photos(context.existingSource(arguments.source));
     const AutoStackPlan plan(items, listed(items, ListedBy::hand).order, arguments.interval);
     if (!arguments.dryRun)
-        context.library().createStacks(plan);
+        createStacks(context.library(), plan);
     transaction.commit();
     context.print(plannedStacks(plan, arguments.interval), autoStackText(plan, arguments.interval));
 }
@@ -98,7 +99,7 @@ void addStateCommand(const Commands& stack, const char* name, const char* descri
 {
     stack.add<StackArguments>(
         name, description, addStack, [state](Context& context, const StackArguments& arguments) {
-            context.library().setStackState(arguments.stack, state);
+            setStackState(context.library(), arguments.stack, state);
         });
 }
 
@@ -113,14 +114,14 @@ void addStackCommands(const Commands& app)
             addPhotos(sub, arguments.photos);
             sub.add_option("--pick", arguments.pick, "the pick; the first photo without one");
         },
-        createStack);
+        stackPhotos);
     stack.add<StackArguments>("unstack", "dissolve a stack; its photos stay", addStack,
         [](Context& context, const StackArguments& arguments) {
-            context.library().unstack(arguments.stack);
+            unstack(context.library(), arguments.stack);
         });
     stack.add<StackArguments>("pick", "choose the photo that stands for the stack", addStackAndPhoto,
         [](Context& context, const StackArguments& arguments) {
-            context.library().setPick(arguments.stack, arguments.photo);
+            setPick(context.library(), arguments.stack, arguments.photo);
         });
     addStateCommand(stack, "collapse", "show the stack's pick only", StackState::collapsed);
     addStateCommand(stack, "expand", "show all photos of the stack", StackState::expanded);
@@ -133,7 +134,7 @@ void addStackCommands(const Commands& app)
                 ->check(CLI::NonNegativeNumber);
         },
         [](Context& context, const StackArguments& arguments) {
-            context.library().moveInStack(arguments.stack, arguments.photo, arguments.position);
+            moveInStack(context.library(), arguments.stack, arguments.photo, arguments.position);
         });
     stack.add("list", "all stacks with their photos as shown", listStacks);
     stack.add<AutoStackArguments>(

@@ -12,6 +12,7 @@
 #include "base/Text.h"
 #include "catalog/GroupActions.h"
 #include "catalog/LibraryActions.h"
+#include "catalog/Stacks.h"
 #include "platform/AppFolders.h"
 
 #include <QDesktopServices>
@@ -102,7 +103,7 @@ std::set<std::int64_t> stacksOf(const PhotoList& list, std::span<const PhotoID> 
 std::vector<PhotoID> withHidden(LibraryStore& store, std::span<const PhotoID> ids)
 {
     std::map<PhotoID, std::vector<PhotoID>> collapsed; // by their pick
-    for (auto& stack : store.catalog().stacks())
+    for (auto& stack : stacksIn(store.catalog().database()))
         if (stack.collapsed && !stack.members.empty())
             collapsed.emplace(stack.members.front(), std::move(stack.members));
     std::vector<PhotoID> all;
@@ -119,7 +120,7 @@ void unstack(LibraryStore& store, std::span<const PhotoID> ids)
     const auto stacks = stacksOf(store.list(), ids);
     store.perform("Unstack", [&](Catalog& catalog) {
         for (const auto stack : stacks)
-            catalog.unstack(stack);
+            unstack(catalog, stack);
     });
 }
 
@@ -127,7 +128,7 @@ void unstack(LibraryStore& store, std::span<const PhotoID> ids)
 void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
 {
     const auto stacks = stacksOf(store.list(), ids);
-    const auto all = store.catalog().stacks();
+    const auto all = stacksIn(store.catalog().database());
     const auto first
         = std::find_if(all.begin(), all.end(), [&](const Stack& stack) { return stacks.contains(stack.id); });
     if (first == all.end())
@@ -135,7 +136,7 @@ void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
     const auto state = first->collapsed ? StackState::expanded : StackState::collapsed;
     store.perform(first->collapsed ? "Expand Stack" : "Collapse Stack", [&](Catalog& catalog) {
         for (const auto stack : stacks)
-            catalog.setStackState(stack, state);
+            setStackState(catalog, stack, state);
     });
 }
 

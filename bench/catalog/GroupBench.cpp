@@ -1,6 +1,7 @@
 #include "bench/catalog/GroupBench.h"
 
 #include "bench/support/Compare.h"
+#include "catalog/AutoStack.h"
 #include "catalog/Catalog.h"
 #include "catalog/ReadList.h"
 #include "catalog/SmartAlbumMatcher.h"

@@ -1,4 +1,7 @@
 #include "aperture/ApertureImporter.h"
+#include "catalog/ApertureImports.h"
+#include "catalog/Stacks.h"
+#include "catalog/Versions.h"
 #include "tests/support/ApertureBundle.h"
 #include "tests/support/BundleState.h"
 #include "tests/support/TestLibrary.h"
@@ -100,7 +103,7 @@ TEST_F(Importing, bringsOverAllThatAVersionIs)
         phases, (Phases{"Reading the Aperture library…", "Reading photos…", "Stacks and albums…", "Done"}));
     auto items = photos();
     ASSERT_EQ(items.size(), 1U);
-    items.push_back(target.catalog->versions(items[0].id).at(0));
+    items.push_back(versionsOf(*target.catalog, items[0].id).at(0));
     for (const auto& item : items) {
         EXPECT_EQ(item.path(), fs::canonical(master.file));
         EXPECT_EQ(item.rating, -1);
@@ -176,7 +179,7 @@ TEST_F(Importing, keepsProjectsAlbumsStacksAndKeywords)
     for (const auto& item : photos(LibrarySource{LibrarySource::Kind::album, tree.albums[0].id}))
         members.push_back(item.filename.string() + (item.versionOf ? "'" : ""));
     EXPECT_EQ(members, (std::vector<std::string>{"c.jpg", "a.jpg'", "b.jpg"}));
-    const auto stacks = target.catalog->stacks();
+    const auto stacks = stacksIn(target.catalog->database());
     ASSERT_EQ(stacks.size(), 1U);
     const auto stacked = target.catalog->photosByID(stacks[0].members);
     EXPECT_EQ(stacked[0].filename, "a.jpg"); // the pick first
@@ -250,7 +253,7 @@ TEST_F(Importing, countsMissingFilesAndTakesAFileOnce)
     const auto taken
         = bundle.add({.imagePath = held.string(), .versions = 2, .rating = 2, .project = project});
     bundle.addIptc(taken.versions[0].id, "ObjectName", "theirs");
-    const auto stack = target.catalog->createStack(std::vector{id, target.photo("other.jpg")}, id);
+    const auto stack = createStack(*target.catalog, std::vector{id, target.photo("other.jpg")}, id);
     bundle.addStack({taken.versions[0], bundle.add({.name = "stacked.jpg"}).versions[0]}, std::nullopt);
     bundle.add({.name = "lost.jpg", .contents = ""});
     bundle.add({.name = "hidden.jpg", .versions = 0});
@@ -260,15 +263,15 @@ TEST_F(Importing, countsMissingFilesAndTakesAFileOnce)
     EXPECT_EQ(target.item(id).stackID, stack);
     EXPECT_EQ(summary.versions, 3U);
     EXPECT_EQ(summary.missingFiles, 1U);
-    ASSERT_EQ(target.catalog->versions(id).size(), 2U);
-    for (const auto& version : target.catalog->versions(id)) { // it shares what its file has here
+    ASSERT_EQ(versionsOf(*target.catalog, id).size(), 2U);
+    for (const auto& version : versionsOf(*target.catalog, id)) { // it shares what its file has here
         EXPECT_EQ(version.rating, 2);
         EXPECT_EQ(version.metadata.title, "mine");
         EXPECT_FALSE(version.projectID);
     }
     const auto master = target.catalog->masterAt(shared.string()).value();
-    EXPECT_EQ(target.catalog->versions(master).at(0).projectID, target.item(master).projectID);
-    EXPECT_EQ(target.catalog->versions(master).at(0).rating, 4);
+    EXPECT_EQ(versionsOf(*target.catalog, master).at(0).projectID, target.item(master).projectID);
+    EXPECT_EQ(versionsOf(*target.catalog, master).at(0).rating, 4);
     EXPECT_EQ(summaryText({.masters = 1, .missingFiles = 2}, Matching::on),
         "1 photo. Compare mode shows Aperture's own render for every photo. Your Aperture library wasn't "
         "modified; "
@@ -341,11 +344,14 @@ TEST_F(Importing, originalsInAnImportedBundleAreNeverWritten)
     other.add({.name = "a.jpg"});
     ApertureBundle::finish(std::move(other));
     library.emplace(ApertureLibrary::open(plain));
-    EXPECT_FALSE(target.catalog->originalsAreReadOnly());
+    auto& database = target.catalog->database();
+    Catalog second(target.catalog->libraryURL(), target.clock); // as another process has it
+    EXPECT_FALSE(isReadOnlyOriginal(second.database(), (plain / "a.jpg").native()));
     import();
-    EXPECT_TRUE(target.catalog->originalsAreReadOnly());
     const auto item = photos().front();
-    EXPECT_TRUE(target.catalog->isReadOnlyOriginal(item.path().native()));
+    EXPECT_TRUE(isReadOnlyOriginal(second.database(), item.path().native()));
+    EXPECT_TRUE(isReadOnlyOriginal(database, item.path().native()));
+    EXPECT_FALSE(isReadOnlyOriginal(database, plain.native() + " beside/a.jpg"));
     target.catalog->setMetadata(item.id, {.title = "new"}, WriteBack::pending);
     target.catalog->markDirty(only(item.id));
     EXPECT_FALSE(photos().front().dirty);

@@ -2,6 +2,7 @@
 
 #include "catalog/GroupActions.h"
 #include "catalog/LibraryStore.h"
+#include "catalog/Stacks.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
@@ -89,12 +90,12 @@ TEST(LibraryStore, autoStackIsOneStepOverWhatIsShown)
     const auto before = store.undoTitle();
     autoStack(store, 5);
     EXPECT_EQ(store.undoTitle(), "Auto-Stack");
-    const auto stacks = store.catalog().stacks();
+    const auto stacks = stacksIn(store.catalog().database());
     ASSERT_EQ(stacks.size(), 1U) << "the rejected photo is not shown, and the first stands alone";
     EXPECT_EQ(stacks.front().members, (IDs{3, 4, 5}));
     EXPECT_EQ(store.list().shown().size(), 2U);
     store.undo();
-    EXPECT_TRUE(store.catalog().stacks().empty());
+    EXPECT_TRUE(stacksIn(store.catalog().database()).empty());
     EXPECT_EQ(store.undoTitle(), before);
 }
 

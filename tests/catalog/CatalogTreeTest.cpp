@@ -1,4 +1,5 @@
 #include "catalog/NewGroups.h"
+#include "catalog/Versions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
@@ -242,7 +243,7 @@ TEST(Catalog, refusesNamelessThingsRelativePathsAndWhatIsNotThere)
         [&] { catalog.createKeyword("\n", std::nullopt); },
         [&] { catalog.createSmartAlbum(" ", "{}"); },
         [&] { catalog.changeSmartAlbum(smart, " ", "{}"); },
-        [&] { catalog.createVersion(photo, " ", std::nullopt, 1); },
+        [&] { createVersion(catalog, photo, " ", std::nullopt, 1); },
         [&] { catalog.addFolder("photos", 1); },
         [&] { catalog.fileRenamed(photo, "b.jpg"); },
         [&] { catalog.addPhotos(std::vector<NewPhoto>{{.path = "b.jpg"}}); },

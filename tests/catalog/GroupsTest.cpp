@@ -1,6 +1,8 @@
 #include "catalog/GroupActions.h"
 #include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
+#include "catalog/Stacks.h"
+#include "catalog/Versions.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
@@ -23,8 +25,8 @@ struct Photos : TestLibrary {
             photo(std::string(1, static_cast<char>('a' + i)) + ".jpg");
     }
 
-    PhotoID newVersion(PhotoID of) { return catalog->createVersion(of, std::nullopt, std::nullopt, 5); }
-    IDs members(std::size_t stack = 0) const { return catalog->stacks().at(stack).members; }
+    PhotoID newVersion(PhotoID of) { return createVersion(*catalog, of, std::nullopt, std::nullopt, 5); }
+    IDs members(std::size_t stack = 0) const { return stacksIn(catalog->database()).at(stack).members; }
 };
 
 struct Grid : Photos {
@@ -48,13 +50,13 @@ TEST(Versions, areNumberedByTheirCountAndBelongToTheMaster)
     EXPECT_EQ(t.item(t.newVersion(1)).versionName, "Version 4");
     t.catalog->deletePhotos(only(2));
     EXPECT_EQ(t.item(t.newVersion(1)).versionName, "Version 4") << "by the count alone";
-    const auto named = t.catalog->createVersion(1, "Print", std::nullopt, 5);
+    const auto named = createVersion(*t.catalog, 1, "Print", std::nullopt, 5);
     EXPECT_EQ(t.item(named).versionName, "Print");
-    EXPECT_EQ(t.catalog->versions(third).back().id, named);
-    EXPECT_EQ(t.catalog->versionCounts(), (std::unordered_map<PhotoID, std::int64_t>{{1, 4}}));
+    EXPECT_EQ(versionsOf(*t.catalog, third).back().id, named);
+    EXPECT_EQ(versionCounts(*t.catalog), (std::unordered_map<PhotoID, std::int64_t>{{1, 4}}));
     EXPECT_THROW(t.newVersion(99), NotFoundError);
     t.catalog->deletePhotos(only(1));
-    EXPECT_TRUE(t.catalog->versions(1).empty());
+    EXPECT_TRUE(versionsOf(*t.catalog, 1).empty());
     EXPECT_FALSE(t.catalog->contains(named));
 }
 
@@ -75,7 +77,7 @@ TEST(Versions, startAsTheirPhotoStandsAndThenGoTheirOwnWay)
     expected.addedAt = 5;
     EXPECT_EQ(t.item(version), expected);
 
-    const auto plain = t.catalog->createVersion(version, std::nullopt, PhotoEdits(), 5);
+    const auto plain = createVersion(*t.catalog, version, std::nullopt, PhotoEdits(), 5);
     EXPECT_FALSE(t.item(plain).hasEdits());
     t.catalog->setRating(only(version), 1);
     EXPECT_EQ(t.item(1).rating, 4);
@@ -87,21 +89,21 @@ TEST(Stacks, standInTheOrderOfPickPositionAndName)
 {
     Photos t(4);
     const auto version = t.newVersion(3);
-    const auto stack = t.catalog->createStack(IDs{4, version, 1}, 1);
-    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{stack, 1, true, {1, 4, 3}}}));
+    const auto stack = createStack(*t.catalog, IDs{4, version, 1}, 1);
+    EXPECT_EQ(stacksIn(t.catalog->database()), (std::vector<Stack>{{stack, 1, true, {1, 4, 3}}}));
     EXPECT_EQ(*t.item(version).stackID, stack) << "versions go with their master";
-    t.catalog->setPick(stack, version);
+    setPick(*t.catalog, stack, version);
     EXPECT_EQ(t.members(), (IDs{3, 4, 1}));
-    t.catalog->setPick(stack, 4);
+    setPick(*t.catalog, stack, 4);
     for (const auto& [photo, position, members] : {std::tuple{1, 0U, IDs{4, 1, 3}}, {1, 1U, IDs{4, 1, 3}},
              {1, 99U, IDs{4, 3, 1}}, {4, 2U, IDs{4, 3, 1}}, {1, 1U, IDs{4, 1, 3}}}) {
-        t.catalog->moveInStack(stack, photo, position);
+        moveInStack(*t.catalog, stack, photo, position);
         EXPECT_EQ(t.members(), members) << photo << " to " << position << ", as shown";
     }
-    t.catalog->setStackState(stack, StackState::expanded);
-    EXPECT_FALSE(t.catalog->stacks().front().collapsed);
-    t.catalog->unstack(stack);
-    EXPECT_TRUE(t.catalog->stacks().empty());
+    setStackState(*t.catalog, stack, StackState::expanded);
+    EXPECT_FALSE(stacksIn(t.catalog->database()).front().collapsed);
+    unstack(*t.catalog, stack);
+    EXPECT_TRUE(stacksIn(t.catalog->database()).empty());
     for (const auto id : {PhotoID(1), PhotoID(3), PhotoID(4), version})
         EXPECT_FALSE(t.item(id).stackID);
 }
@@ -110,14 +112,15 @@ TEST(Stacks, refuseWhatIsNoStack)
 {
     Photos t(3);
     const auto version = t.newVersion(1);
-    EXPECT_THROW(t.catalog->createStack(IDs{1, version, 1}, std::nullopt), std::invalid_argument);
-    EXPECT_THROW(t.catalog->createStack(IDs{1, 2}, 3), std::invalid_argument);
-    EXPECT_THROW(t.catalog->createStack(IDs{1, 99}, std::nullopt), NotFoundError);
-    const auto stack = t.catalog->createStack(IDs{1, 2}, std::nullopt);
-    EXPECT_THROW(t.catalog->setPick(stack, 3), std::invalid_argument);
-    EXPECT_THROW(t.catalog->moveInStack(stack, 3, 0), std::invalid_argument);
-    for (const auto& change : std::vector<std::function<void()>>{[&] { t.catalog->unstack(99); },
-             [&] { t.catalog->setPick(99, 1); }, [&] { t.catalog->setStackState(99, StackState::expanded); }})
+    EXPECT_THROW(createStack(*t.catalog, IDs{1, version, 1}, std::nullopt), std::invalid_argument);
+    EXPECT_THROW(createStack(*t.catalog, IDs{1, 2}, 3), std::invalid_argument);
+    EXPECT_THROW(createStack(*t.catalog, IDs{1, 99}, std::nullopt), NotFoundError);
+    const auto stack = createStack(*t.catalog, IDs{1, 2}, std::nullopt);
+    EXPECT_THROW(setPick(*t.catalog, stack, 3), std::invalid_argument);
+    EXPECT_THROW(moveInStack(*t.catalog, stack, 3, 0), std::invalid_argument);
+    for (const auto& change : std::vector<std::function<void()>>{[&] { unstack(*t.catalog, 99); },
+             [&] { setPick(*t.catalog, 99, 1); },
+             [&] { setStackState(*t.catalog, 99, StackState::expanded); }})
         EXPECT_THROW(change(), NotFoundError);
     EXPECT_EQ(t.members(), (IDs{1, 2})) << "as it was";
 }
@@ -125,22 +128,23 @@ TEST(Stacks, refuseWhatIsNoStack)
 TEST(Stacks, staySoundWhenMembersGo)
 {
     Photos t(7);
-    const auto first = t.catalog->createStack(IDs{1, 2, 3}, 2);
+    const auto first = createStack(*t.catalog, IDs{1, 2, 3}, 2);
     t.catalog->deletePhotos(only(2));
-    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{first, 1, true, {1, 3}}})) << "the next is the pick";
+    EXPECT_EQ(stacksIn(t.catalog->database()), (std::vector<Stack>{{first, 1, true, {1, 3}}}))
+        << "the next is the pick";
     t.catalog->deletePhotos(only(3));
-    EXPECT_TRUE(t.catalog->stacks().empty());
+    EXPECT_TRUE(stacksIn(t.catalog->database()).empty());
     EXPECT_FALSE(t.item(1).stackID);
 
-    t.catalog->createStack(IDs{4, 5, 6}, std::nullopt);
-    const auto taken = t.catalog->createStack(IDs{1, 4, 5}, std::nullopt);
-    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{taken, 1, true, {1, 4, 5}}}));
+    createStack(*t.catalog, IDs{4, 5, 6}, std::nullopt);
+    const auto taken = createStack(*t.catalog, IDs{1, 4, 5}, std::nullopt);
+    EXPECT_EQ(stacksIn(t.catalog->database()), (std::vector<Stack>{{taken, 1, true, {1, 4, 5}}}));
     EXPECT_FALSE(t.item(6).stackID);
 
     const auto folder = t.catalog->addFolder("/photos", 1).id;
     t.catalog->database().run("UPDATE photos SET folder_id = ? WHERE id IN (1, 4)", folder);
     t.catalog->removeFolder(folder);
-    EXPECT_TRUE(t.catalog->stacks().empty());
+    EXPECT_TRUE(stacksIn(t.catalog->database()).empty());
 }
 
 TEST(Stacks, thoseThatAnotherProgramLeftUnsoundAreMendedOnce)
@@ -150,11 +154,11 @@ TEST(Stacks, thoseThatAnotherProgramLeftUnsoundAreMendedOnce)
                                "INSERT INTO stacks (id, pick_photo_id) VALUES (1, 99), (2, 3), (3, 1);"
                                "UPDATE photos SET stack_id = 1 WHERE id IN (1, 2);"
                                "UPDATE photos SET stack_id = 2 WHERE id = 3");
-    EXPECT_EQ(t.catalog->stacks().front().pick, 1) << "as the grid shows it";
+    EXPECT_EQ(stacksIn(t.catalog->database()).front().pick, 1) << "as the grid shows it";
     const auto folder = t.catalog->libraryURL();
     t.catalog.reset();
     t.catalog = std::make_unique<Catalog>(folder, t.clock);
-    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{1, 1, true, {1, 2}}}));
+    EXPECT_EQ(stacksIn(t.catalog->database()), (std::vector<Stack>{{1, 1, true, {1, 2}}}));
     EXPECT_EQ(t.catalog->database().scalar("SELECT COUNT(*) FROM stacks WHERE pick_photo_id = 1"), 1);
     EXPECT_FALSE(t.item(3).stackID);
 }
@@ -178,10 +182,11 @@ TEST(AutoStack, leavesOutWhatWasStackedOrRemovedSinceThePlanWasMade)
     for (auto& item : dated)
         item.captureDate = 100.0;
     const AutoStackPlan plan(dated, all, 10);
-    const auto made = t.catalog->createStack(IDs{1, 2}, 2);
+    const auto made = createStack(*t.catalog, IDs{1, 2}, 2);
     t.catalog->deletePhotos(only(3));
-    t.catalog->createStacks(plan);
-    EXPECT_EQ(t.catalog->stacks(), (std::vector<Stack>{{made, 2, true, {2, 1}}, {2, 4, true, {4, 5}}}));
+    createStacks(*t.catalog, plan);
+    EXPECT_EQ(
+        stacksIn(t.catalog->database()), (std::vector<Stack>{{made, 2, true, {2, 1}}, {2, 4, true, {4, 5}}}));
 }
 
 namespace {
@@ -191,7 +196,7 @@ namespace {
 {
     PhotoList fresh;
     auto& catalog = const_cast<LibraryStore&>(t.store).catalog();
-    fresh.setStacks(catalog.stacks());
+    fresh.setStacks(stacksIn(catalog.database()));
     fresh.assign(catalog.photos(t.store.source()), listedBy(t.store.source()));
     if (!listTheSame(t.store.list(), fresh))
         return ::testing::AssertionFailure() << "the list is not what it is when read anew";
@@ -225,16 +230,18 @@ TEST(Stacks, staySoundWhenUndoMeetsWhatAnotherProcessDid)
     {
         Grid t(4);
         createStack(t.store, IDs{1, 2}, std::nullopt);
-        otherOf(t).createStack(IDs{3, 2}, 3);
+        auto other = otherOf(t);
+        createStack(other, IDs{3, 2}, 3);
         t.store.undo();
         EXPECT_TRUE(isTrue(t));
-        EXPECT_TRUE(t.store.catalog().stacks().empty());
+        EXPECT_TRUE(stacksIn(t.store.catalog().database()).empty());
     }
     {
         Grid t(4);
         createStack(t.store, IDs{1, 2}, std::nullopt);
         t.store.undo();
-        otherOf(t).createStack(IDs{3, 2}, 2);
+        auto other = otherOf(t);
+        createStack(other, IDs{3, 2}, 2);
         t.store.redo();
         t.store.reload();
         EXPECT_TRUE(isTrue(t));
@@ -247,7 +254,7 @@ TEST(Stacks, staySoundWhenUndoMeetsWhatAnotherProcessDid)
     removePhotos(t.store, only(3));
     {
         auto other = otherOf(t);
-        other.unstack(stack);
+        unstack(other, stack);
         other.deleteProject(project);
     }
     t.store.undo();
@@ -289,7 +296,7 @@ TEST(LibraryStore, aCollapsedStackShowsItsPickAndAnExpandedOneAllTogether)
     EXPECT_EQ(t.shown(), (IDs{1, 3, 5, 6})) << "the filter hides the pick: the next is shown";
     removePhotos(t.store, IDs{2, 4});
     EXPECT_EQ(t.shown(), (IDs{1, 3, 5, 6}));
-    EXPECT_TRUE(t.store.catalog().stacks().empty());
+    EXPECT_TRUE(stacksIn(t.store.catalog().database()).empty());
     while (t.store.undoTitle())
         t.store.undo();
     EXPECT_EQ(t.shown(), (IDs{1, 2, 3, 4, 5, 6}));

@@ -5,6 +5,7 @@
 #include "catalog/GroupActions.h"
 #include "catalog/LibraryActions.h"
 #include "catalog/LibraryStore.h"
+#include "catalog/Stacks.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/Soak.h"
@@ -171,7 +172,7 @@ public:
                 return "a selected photo that is not shown";
         if (!listsAsWhenReadAnew())
             return "the order of the photos";
-        for (const auto& stack : store_->catalog().stacks())
+        for (const auto& stack : stacksIn(store_->catalog().database()))
             if (stack.members.size() < 2 || stack.members.front() != stack.pick)
                 return "stack " + std::to_string(stack.id);
         if (contentOf(store_->catalog()) != state_.tables)
@@ -185,7 +186,7 @@ private:
     bool listsAsWhenReadAnew()
     {
         PhotoList fresh;
-        fresh.setStacks(store_->catalog().stacks());
+        fresh.setStacks(stacksIn(store_->catalog().database()));
         if (!store_->sourceFault())
             fresh.assign(store_->catalog().photos(store_->source()), listedBy(store_->source()));
         return listTheSame(store_->list(), fresh);
@@ -353,7 +354,7 @@ private:
 
     void changeStack()
     {
-        const auto stacks = store_->catalog().stacks();
+        const auto stacks = stacksIn(store_->catalog().database());
         if (stacks.empty())
             return;
         const auto& stack = stacks[upTo(stacks.size())];

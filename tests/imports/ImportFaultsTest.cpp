@@ -83,7 +83,7 @@ void expectFilesAndRowsAgree(Catalog& catalog, const fs::path& folder)
 {
     std::size_t files = 0;
     for (const auto& entry : fs::directory_iterator(folder)) {
-        EXPECT_TRUE(catalog.hasMaster(entry.path().native())) << entry.path();
+        EXPECT_TRUE(catalog.masterAt(entry.path().native())) << entry.path();
         ++files;
     }
     EXPECT_EQ(catalog.photos(std::nullopt).size(), files);

@@ -2,6 +2,7 @@
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
+#include "catalog/Versions.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -50,7 +51,7 @@ GridView::GridView(MainWindow& window)
         cursor_.reset();
         showCurrent();
     });
-    versions_ = store().catalog().versionCounts();
+    versions_ = versionCounts(store().catalog());
     layOut();
 }
 
@@ -105,7 +106,7 @@ void GridView::setThumbnailSize(int size)
 void GridView::libraryChanged(const LibraryChange& change)
 {
     if (change.tree)
-        versions_ = store().catalog().versionCounts();
+        versions_ = versionCounts(store().catalog());
     if (change.list) {
         hovered_.reset();
         layOut();

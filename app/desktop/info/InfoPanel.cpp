@@ -5,6 +5,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/FailureList.h"
 #include "base/Text.h"
+#include "catalog/Versions.h"
 
 #include <QElapsedTimer>
 #include <QLabel>
@@ -207,7 +208,7 @@ InfoPanel::Looked InfoPanel::lookAt(Catalog& catalog, const Wanted& wanted)
 {
     Looked looked{.facts = fileFacts(wanted.file), .versions = {}};
     try {
-        looked.versions = catalog.versions(wanted.photo);
+        looked.versions = versionsOf(catalog, wanted.photo);
     } catch (const DatabaseError&) { // they are looked for again with the next change
     }
     return looked;

@@ -2,6 +2,7 @@
 
 #include "app/desktop/Desktop.h"
 #include "app/desktop/sheets/FileThumbnails.h"
+#include "catalog/AutoStack.h"
 
 #include <QListView>
 

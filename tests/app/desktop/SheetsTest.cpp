@@ -1,5 +1,6 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "catalog/LibraryActions.h"
+#include "catalog/Stacks.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/platform/DiskService.h"
@@ -101,11 +102,11 @@ TEST(AutoStackSheet, previewsBeforeAnythingIsWritten)
     EXPECT_FALSE(named<QPushButton>(sheet, "Stack").isEnabled());
     named<QSlider>(sheet, "Interval in seconds").setValue(20);
     EXPECT_TRUE(comesToSay(sheet, "Within 20 seconds: 1 stack from 2 photos"));
-    EXPECT_TRUE(t.store().catalog().stacks().empty());
+    EXPECT_TRUE(stacksIn(t.store().catalog().database()).empty());
     setRating(t.store(), only(3), 4);
     EXPECT_TRUE(named<QPushButton>(sheet, "Stack").isEnabled()) << "the plan stays until there is a new one";
     click(sheet, "Stack");
-    EXPECT_EQ(t.store().catalog().stacks().size(), 1U);
+    EXPECT_EQ(stacksIn(t.store().catalog().database()).size(), 1U);
     EXPECT_EQ(t.store().undoTitle(), "Auto-Stack");
 }
 

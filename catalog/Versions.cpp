@@ -1,19 +1,22 @@
+#include "catalog/Versions.h"
+
 #include "catalog/ChangeRow.h"
 #include "catalog/PhotoRows.h"
 
 namespace korvo {
 
-PhotoID Catalog::createVersion(PhotoID photo, const std::optional<std::string>& name,
+PhotoID createVersion(Catalog& catalog, PhotoID photo, const std::optional<std::string>& name,
     const std::optional<PhotoEdits>& edits, UnixTime addedAt)
 {
     if (name)
         requireName(*name);
-    Transaction transaction(database_);
-    const auto master = existingMasterOf(photo);
-    const auto count = database_.scalar("SELECT COUNT(*) FROM photos WHERE version_of = ?", master);
+    auto& database = catalog.database();
+    Transaction transaction(database);
+    const auto master = catalog.existingMasterOf(photo);
+    const auto count = database.scalar("SELECT COUNT(*) FROM photos WHERE version_of = ?", master);
     const auto json = edits ? std::optional(storedEdits(*edits)) : std::nullopt;
     // What was read from the file comes along too: only masters are read.
-    const auto id = database_.insert(R"(INSERT INTO photos
+    const auto id = database.insert(R"(INSERT INTO photos
     (folder_id, path, filename, added_at, mtime, file_size, rating, flagged,
      alt_text, title, caption, keywords, creator, copyright, edits, label,
      version_of, version_name, stack_id, stack_position, project_id,
@@ -30,11 +33,12 @@ FROM photos WHERE id = ?)",
     return id;
 }
 
-std::vector<PhotoItem> Catalog::versions(PhotoID photo)
+std::vector<PhotoItem> versionsOf(Catalog& catalog, PhotoID photo)
 {
     std::vector<PhotoItem> items;
-    auto statement = database_.kept("SELECT * FROM photos WHERE version_of = "
-                                    "(SELECT COALESCE(version_of, id) FROM photos WHERE id = ?) ORDER BY id");
+    auto statement
+        = catalog.database().kept("SELECT * FROM photos WHERE version_of = "
+                                  "(SELECT COALESCE(version_of, id) FROM photos WHERE id = ?) ORDER BY id");
     statement.bind(photo);
     PhotoRows rows(statement);
     while (statement.step())
@@ -42,18 +46,18 @@ std::vector<PhotoItem> Catalog::versions(PhotoID photo)
     return items;
 }
 
-void Catalog::renameVersion(PhotoID version, std::string_view name)
+void renameVersion(Catalog& catalog, PhotoID version, std::string_view name)
 {
     requireName(name);
-    changeRow(database_, "version", version,
+    changeRow(catalog.database(), "version", version,
         "UPDATE photos SET version_name = ? WHERE id = ? AND version_of IS NOT NULL", name, version);
 }
 
-std::unordered_map<PhotoID, std::int64_t> Catalog::versionCounts()
+std::unordered_map<PhotoID, std::int64_t> versionCounts(Catalog& catalog)
 {
     std::unordered_map<PhotoID, std::int64_t> counts;
-    auto statement = database_.kept("SELECT version_of AS m, COUNT(*) AS n FROM photos "
-                                    "WHERE version_of IS NOT NULL GROUP BY version_of");
+    auto statement = catalog.database().kept("SELECT version_of AS m, COUNT(*) AS n FROM photos "
+                                             "WHERE version_of IS NOT NULL GROUP BY version_of");
     while (statement.step())
         counts.emplace(statement.integer(0), statement.integer(1));
     return counts;

@@ -1,10 +1,10 @@
+#include "catalog/Stacks.h"
+
 #include "catalog/ChangeRow.h"
-#include "catalog/LibraryReading.h"
 #include "catalog/Meta.h"
 
 #include <algorithm>
 #include <stdexcept>
-#include <unordered_set>
 
 namespace korvo {
 
@@ -37,12 +37,29 @@ std::int64_t insertStack(Database& database, std::span<const PhotoID> masters, P
     return id;
 }
 
-} // namespace
-
-std::vector<Stack> Catalog::stacks()
+void dissolve(Database& database, std::int64_t stack)
 {
-    return stacksIn(database_);
+    database.run("UPDATE photos SET stack_id = NULL WHERE stack_id = ?", stack);
+    database.run("DELETE FROM stacks WHERE id = ?", stack);
 }
+
+void requireStack(Database& database, std::int64_t id)
+{
+    if (database.scalar("SELECT COUNT(*) FROM stacks WHERE id = ?", id) == 0)
+        throw NotFoundError("stack", id);
+}
+
+PhotoID memberOf(Catalog& catalog, std::int64_t stack, PhotoID photo)
+{
+    requireStack(catalog.database(), stack);
+    const auto master = catalog.existingMasterOf(photo);
+    if (catalog.database().scalar("SELECT stack_id FROM photos WHERE id = ?", master) != stack)
+        throw std::invalid_argument(
+            "photo " + std::to_string(photo) + " is not in the stack " + std::to_string(stack));
+    return master;
+}
+
+} // namespace
 
 std::vector<Stack> stacksIn(Database& database)
 {
@@ -60,117 +77,89 @@ ORDER BY s.id, (p.id = s.pick_photo_id) DESC, p.stack_position, p.filename COLLA
     return stacks;
 }
 
-std::vector<PhotoID> Catalog::mastersOf(std::span<const PhotoID> photos)
+std::int64_t createStack(Catalog& catalog, std::span<const PhotoID> photos, std::optional<PhotoID> pick)
 {
-    std::vector<PhotoID> masters;
-    std::unordered_set<PhotoID> seen;
-    for (const PhotoID photo : photos) {
-        const auto master = masterOf(photo);
-        if (master != 0 && seen.insert(master).second)
-            masters.push_back(master);
-    }
-    return masters;
-}
-
-std::int64_t Catalog::createStack(std::span<const PhotoID> photos, std::optional<PhotoID> pick)
-{
-    Transaction transaction(database_);
+    auto& database = catalog.database();
+    Transaction transaction(database);
     for (const PhotoID photo : photos)
-        existingMasterOf(photo);
-    const auto members = mastersOf(photos);
+        catalog.existingMasterOf(photo);
+    const auto members = catalog.mastersOf(photos);
     if (members.size() < 2)
         throw std::invalid_argument("a stack takes two photos or more, each with a file of its own");
-    const auto top = pick ? existingMasterOf(*pick) : members.front();
+    const auto top = pick ? catalog.existingMasterOf(*pick) : members.front();
     if (std::find(members.begin(), members.end(), top) == members.end())
         throw std::invalid_argument("the pick of a stack is one of its photos");
-    const auto before = stacksOf("SELECT stack_id FROM photos WHERE id = ?", members);
-    const auto id = insertStack(database_, members, top);
-    repairStacks(before);
+    const auto before = stacksOf(database, "SELECT stack_id FROM photos WHERE id = ?", members);
+    const auto id = insertStack(database, members, top);
+    repairStacks(database, before);
     transaction.commit();
     return id;
 }
 
-void Catalog::createStacks(const AutoStackPlan& plan)
+void createStacks(Catalog& catalog, const AutoStackPlan& plan)
 {
-    Transaction transaction(database_);
+    auto& database = catalog.database();
+    Transaction transaction(database);
     for (const auto& group : plan.groups()) {
         // The plan may be older than a stack that another process made, or a removal.
         std::vector<PhotoID> free;
         for (const PhotoID photo : plan.photos(group))
-            if (database_.scalar(
+            if (database.scalar(
                     "SELECT 1 FROM photos WHERE id = ? AND stack_id IS NULL AND version_of IS NULL", photo)
                 != 0)
                 free.push_back(photo);
         const bool hasPick = std::find(free.begin(), free.end(), group.pick) != free.end();
         if (free.size() >= 2)
-            insertStack(database_, free, hasPick ? group.pick : free.front());
+            insertStack(database, free, hasPick ? group.pick : free.front());
     }
     transaction.commit();
 }
 
-void Catalog::unstack(std::int64_t id)
+void unstack(Catalog& catalog, std::int64_t id)
 {
-    Transaction transaction(database_);
-    requireStack(id);
-    dissolve(id);
+    auto& database = catalog.database();
+    Transaction transaction(database);
+    requireStack(database, id);
+    dissolve(database, id);
     transaction.commit();
 }
 
-void Catalog::dissolve(std::int64_t stack)
+void setPick(Catalog& catalog, std::int64_t stack, PhotoID photo)
 {
-    database_.run("UPDATE photos SET stack_id = NULL WHERE stack_id = ?", stack);
-    database_.run("DELETE FROM stacks WHERE id = ?", stack);
-}
-
-void Catalog::requireStack(std::int64_t id)
-{
-    if (database_.scalar("SELECT COUNT(*) FROM stacks WHERE id = ?", id) == 0)
-        throw NotFoundError("stack", id);
-}
-
-PhotoID Catalog::memberOf(std::int64_t stack, PhotoID photo)
-{
-    requireStack(stack);
-    const auto master = existingMasterOf(photo);
-    if (database_.scalar("SELECT stack_id FROM photos WHERE id = ?", master) != stack)
-        throw std::invalid_argument(
-            "photo " + std::to_string(photo) + " is not in the stack " + std::to_string(stack));
-    return master;
-}
-
-void Catalog::setPick(std::int64_t stack, PhotoID photo)
-{
-    Transaction transaction(database_);
-    const auto pick = memberOf(stack, photo);
-    database_.run(setPickOf, pick, stack);
+    auto& database = catalog.database();
+    Transaction transaction(database);
+    const auto pick = memberOf(catalog, stack, photo);
+    database.run(setPickOf, pick, stack);
     transaction.commit();
 }
 
-void Catalog::setStackState(std::int64_t id, StackState state)
+void setStackState(Catalog& catalog, std::int64_t id, StackState state)
 {
-    changeRow(database_, "stack", id, "UPDATE stacks SET collapsed = ? WHERE id = ?",
+    changeRow(catalog.database(), "stack", id, "UPDATE stacks SET collapsed = ? WHERE id = ?",
         state == StackState::collapsed, id);
 }
 
-void Catalog::moveInStack(std::int64_t stack, PhotoID photo, std::size_t position)
+void moveInStack(Catalog& catalog, std::int64_t stack, PhotoID photo, std::size_t position)
 {
-    Transaction transaction(database_);
-    const auto member = memberOf(stack, photo);
-    auto members = membersOf(database_, membersAsShown, stack);
+    auto& database = catalog.database();
+    Transaction transaction(database);
+    const auto member = memberOf(catalog, stack, photo);
+    auto members = membersOf(database, membersAsShown, stack);
     if (member != members.front()) {
         std::erase(members, member);
         const auto at = static_cast<std::ptrdiff_t>(std::clamp<std::size_t>(position, 1, members.size()));
         members.insert(members.begin() + at, member);
     }
     for (std::int64_t index = 0; const PhotoID id : members)
-        database_.run(setPosition, index++, id, id);
+        database.run(setPosition, index++, id, id);
     transaction.commit();
 }
 
-std::set<std::int64_t> Catalog::stacksOf(std::string_view selectStack, std::span<const std::int64_t> ids)
+std::set<std::int64_t> stacksOf(
+    Database& database, std::string_view selectStack, std::span<const std::int64_t> ids)
 {
     std::set<std::int64_t> stacks;
-    auto statement = database_.kept(selectStack);
+    auto statement = database.kept(selectStack);
     for (const auto id : ids) {
         statement.bind(id);
         while (statement.step())
@@ -180,34 +169,34 @@ std::set<std::int64_t> Catalog::stacksOf(std::string_view selectStack, std::span
     return stacks;
 }
 
-void Catalog::repairOldStacks()
+void repairOldStacks(Database& database)
 {
     constexpr auto done = "stacks_sound";
-    if (readMeta(database_, done))
+    if (readMeta(database, done))
         return;
-    Transaction transaction(database_);
+    Transaction transaction(database);
     std::set<std::int64_t> unsound;
     {
-        auto statement = database_.prepare(R"(SELECT s.id FROM stacks s
+        auto statement = database.prepare(R"(SELECT s.id FROM stacks s
 WHERE (SELECT COUNT(*) FROM photos p WHERE p.stack_id = s.id AND p.version_of IS NULL) < 2
     OR NOT EXISTS (SELECT 1 FROM photos p
         WHERE p.id = s.pick_photo_id AND p.stack_id = s.id AND p.version_of IS NULL))");
         while (statement.step())
             unsound.insert(statement.integer(0));
     }
-    repairStacks(unsound);
-    writeMeta(database_, done, "1");
+    repairStacks(database, unsound);
+    writeMeta(database, done, "1");
     transaction.commit();
 }
 
-void Catalog::repairStacks(const std::set<std::int64_t>& ids)
+void repairStacks(Database& database, const std::set<std::int64_t>& ids)
 {
     for (const auto id : ids) {
-        const auto members = membersOf(database_, membersAsShown, id);
+        const auto members = membersOf(database, membersAsShown, id);
         if (members.size() < 2)
-            dissolve(id);
+            dissolve(database, id);
         else
-            database_.run(setPickOf, members.front(), id); // the pick itself, if it is still there
+            database.run(setPickOf, members.front(), id); // the pick itself, if it is still there
     }
 }
 
