@@ -36,6 +36,14 @@ QList<QKeySequence> keysOf(const CommandInfo& info)
     return keys;
 }
 
+/// What no menu would offer without photos.
+bool actsOnPhotos(Command command)
+{
+    const auto info = std::ranges::find(commandTable(), command, &CommandInfo::id);
+    return info->needs == CommandNeeds::photos || info->needs == CommandNeeds::several
+        || info->needs == CommandNeeds::stacked;
+}
+
 bool isStacked(const LibraryStore& store, std::span<const PhotoID> ids)
 {
     return std::any_of(ids.begin(), ids.end(), [&](PhotoID id) {
@@ -82,7 +90,8 @@ void Commands::run(Command command)
     advance_ = std::exchange(shiftOrCapsLock_, false);
     if (command == Command::undo && takeBackWhatIsOpen())
         return refresh();
-    if (!settle() && command != Command::quit && command != Command::escape)
+    if (actsOnPhotos(command) ? !settleForPhotos()
+                              : !settle() && command != Command::quit && command != Command::escape)
         return; // quitting asks, and Esc only leaves the field
     if (const auto& handler = handlers_[indexOf(command)])
         desktop_.attempt(handler);
@@ -94,6 +103,21 @@ bool Commands::settle()
     const bool isKept = !isTyping() || typing_.keep();
     desktop_.attempt([&] { desktop_.draft().keep(); });
     return isKept;
+}
+
+bool Commands::settleForPhotos()
+{
+    if (!isTyping() && !desktop_.draft().isOpen())
+        return true;
+    const auto meant = desktop_.browser().targets();
+    if (!settle())
+        return false;
+    const bool areMeant = meant == desktop_.browser().targets();
+    if (!areMeant)
+        desktop_.say(
+            "What you typed or adjusted was stored, and took the photo out of this list. Nothing else "
+            "was done to it.");
+    return areMeant;
 }
 
 /// What is not a step yet is what undo takes back first.

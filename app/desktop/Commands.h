@@ -106,6 +106,11 @@ public:
     /// Keeps what is still open: the text being typed, and what a slider was moved to by keys. False when a
     /// text could not be kept, which the user was told.
     bool settle();
+    /// The same before something is done to the photos that commands act on. False, too, when they are others
+    /// by then, which the user was told: a text may take its photo out of the list.
+    bool settleForPhotos();
+    /// Whether a text was typed that is not stored.
+    bool isTyping() const { return typing_.isOpen && typing_.isOpen(); }
     /// The text that is being typed, asked before each command.
     void setTyping(Typing typing) { typing_ = std::move(typing); }
     QAction* action(Command command) const { return actions_[static_cast<std::size_t>(command)]; }
@@ -134,7 +139,6 @@ private:
     };
     Situation situation() const;
     bool isPossible(const CommandInfo& info, const Situation& now) const;
-    bool isTyping() const { return typing_.isOpen && typing_.isOpen(); }
     bool takeBackWhatIsOpen();
 
     Desktop& desktop_;

@@ -271,6 +271,8 @@ void MainWindow::leaveFieldOrCentre()
         return desktop_.browser().setMode(ViewMode::viewer);
     if (centre() && !middle_->isAncestorOf(QApplication::focusWidget()))
         centre()->setFocus();
+    else if (commands_.isTyping())
+        return; // a text that could not be stored belongs to the photos that are shown
     else if (desktop_.browser().mode() != ViewMode::grid)
         desktop_.browser().setMode(ViewMode::grid);
     else

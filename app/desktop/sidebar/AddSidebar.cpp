@@ -29,7 +29,7 @@ void addAddTo(MainWindow& window)
                 return takesPhotos({node.kind, node.id});
             },
             [&window, &desktop](const SidebarNode& node) {
-                if (!window.commands().settle()) // as before every command
+                if (!window.commands().settleForPhotos()) // as before every command
                     return;
                 desktop.attempt([&] {
                     desktop.say(dropPhotos(desktop.store(), node, desktop.browser().targets()), Offer::undo);

@@ -147,9 +147,31 @@ TEST(Info, quittingAsksForATextThatCannotBeStored)
     t.store().catalog().database().exec("PRAGMA query_only = ON");
     t.press(Qt::Key_Escape);
     EXPECT_EQ(QApplication::focusWidget(), t.window->centre()) << "the text waits in its field";
+    t.desktop->browser().setMode(ViewMode::viewer);
+    t.press(Qt::Key_Escape);
+    EXPECT_EQ(t.desktop->browser().mode(), ViewMode::viewer) << "other photos would take its fields";
     EXPECT_EQ(t.refused(Command::quit), "What you changed last could not be stored.\nQuitting now loses it.");
     EXPECT_TRUE(t.window->isVisible());
     EXPECT_EQ(field(t, "Title").toPlainText(), "First");
+}
+
+TEST(Info, aCommandIsForThePhotoThatWasTypedForOrForNone)
+{
+    TestWindow t(2);
+    auto& store = t.store();
+    store.chooseSource(LibrarySource{LibrarySource::Kind::noAltText, 0, {}});
+    store.select({1});
+    settle();
+    type(t, "ALT Text", "A red barn");
+    t.press(Qt::Key_1, Qt::ControlModifier);
+    ASSERT_EQ(store.selection(), only(2)) << "the first has left the list";
+    EXPECT_EQ(store.catalog().photo(1)->metadata.altText, "A red barn");
+    EXPECT_EQ(t.listed(2).label, PhotoLabel::none);
+    settle();
+    type(t, "ALT Text", "The last one");
+    t.window->commands().run(Command::showVersions);
+    EXPECT_TRUE(store.list().shown().empty());
+    EXPECT_EQ(store.source()->kind, LibrarySource::Kind::noAltText);
 }
 
 TEST(Info, worksOffAltTextsWithEnter)
