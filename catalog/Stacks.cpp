@@ -49,6 +49,19 @@ void requireStack(Database& database, std::int64_t id)
         throw NotFoundError("stack", id);
 }
 
+} // namespace
+
+Stack stackIn(Database& database, std::int64_t id)
+{
+    auto statement = database.kept("SELECT pick_photo_id, collapsed FROM stacks WHERE id = ?");
+    statement.bind(id);
+    if (!statement.step())
+        throw NotFoundError("stack", id);
+    return {id, statement.integer(0), statement.integer(1) != 0, membersOf(database, membersAsShown, id)};
+}
+
+namespace {
+
 PhotoID memberOf(Catalog& catalog, std::int64_t stack, PhotoID photo)
 {
     requireStack(catalog.database(), stack);

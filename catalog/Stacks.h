@@ -20,6 +20,8 @@ namespace korvo {
 
 /// All stacks, in the order of their ids, their members as shown.
 std::vector<Stack> stacksIn(Database& database);
+/// One of them. Throws NotFoundError.
+Stack stackIn(Database& database, std::int64_t id);
 /// Gathers photos, in this order, under the pick, which without one is the first. Members leave the stacks
 /// they were in. Throws std::invalid_argument for fewer than two and for a pick that is none of them.
 std::int64_t createStack(Catalog& catalog, std::span<const PhotoID> photos, std::optional<PhotoID> pick);

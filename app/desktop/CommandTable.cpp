@@ -91,6 +91,8 @@ constexpr CommandInfo table[] = {
     {C::unstack, M::photo, "Stack", "Unstack", "Ctrl+Shift+G", N::stacked},
     {C::toggleStack, M::photo, "Stack", "Collapse or Expand", "S", N::stacked},
     {C::setPick, M::photo, "Stack", "Make the Pick", "", N::stacked},
+    {C::earlierInStack, M::photo, "Stack", "One Place Earlier in the Stack", "Alt+Shift+Left", N::stacked, centre},
+    {C::laterInStack, M::photo, "Stack", "One Place Later in the Stack", "Alt+Shift+Right", N::stacked, centre},
     {C::autoStack, M::photo, "Stack", "Auto-Stack…", "", N::shown},
     line(M::photo),
     {C::showInFolder, M::photo, nullptr, "Show in Folder", "", N::photos},

@@ -39,7 +39,7 @@ enum class Command {
     // Photo
     rate0, rate1, rate2, rate3, rate4, rate5, rateUp, rateDown, reject, pick, clearMarks, toggleFlag,
     labelRed, labelOrange, labelYellow, labelGreen, labelBlue, labelPurple, labelGray, labelNone,
-    newVersion, showVersions, addTo, moveEarlier, moveLater, stack, unstack, toggleStack, setPick, rotateLeft, rotateRight, autoAdjust, resetAdjustments, showInFolder,
+    newVersion, showVersions, addTo, moveEarlier, moveLater, stack, unstack, toggleStack, setPick, earlierInStack, laterInStack, rotateLeft, rotateRight, autoAdjust, resetAdjustments, showInFolder,
     // View
     grid, viewer, space, cycle, compare, survey, actualSize, loupe, beforeAfter, nextPhoto, previousPhoto,
     fullScreenPhoto, fullScreenWindow, sidebar, inspector, filmstrip, hideSides, largerThumbnails, smallerThumbnails, escape,

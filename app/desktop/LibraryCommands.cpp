@@ -2,6 +2,7 @@
 
 #include "app/AlbumOrder.h"
 #include "app/Marking.h"
+#include "app/Stacking.h"
 #include "app/desktop/Adding.h"
 #include "app/desktop/AskName.h"
 #include "app/desktop/MainWindow.h"
@@ -12,7 +13,6 @@
 #include "base/Text.h"
 #include "catalog/GroupActions.h"
 #include "catalog/LibraryActions.h"
-#include "catalog/Stacks.h"
 #include "platform/AppFolders.h"
 
 #include <QDesktopServices>
@@ -21,7 +21,6 @@
 #include <QPushButton>
 #include <QUrl>
 
-#include <map>
 #include <set>
 
 namespace korvo {
@@ -90,56 +89,6 @@ void newAlbum(MainWindow& window)
     });
 }
 
-std::set<std::int64_t> stacksOf(const PhotoList& list, std::span<const PhotoID> ids)
-{
-    std::set<std::int64_t> stacks;
-    for (const PhotoID id : ids)
-        if (const auto* const item = list.find(id); item && item->stackID)
-            stacks.insert(*item->stackID);
-    return stacks;
-}
-
-/// The photos, each pick of a collapsed stack with the members that it stands for.
-std::vector<PhotoID> withHidden(LibraryStore& store, std::span<const PhotoID> ids)
-{
-    std::map<PhotoID, std::vector<PhotoID>> collapsed; // by their pick
-    for (auto& stack : stacksIn(store.catalog().database()))
-        if (stack.collapsed && !stack.members.empty())
-            collapsed.emplace(stack.members.front(), std::move(stack.members));
-    std::vector<PhotoID> all;
-    for (const PhotoID id : ids)
-        if (const auto found = collapsed.find(id); found != collapsed.end())
-            all.insert(all.end(), found->second.begin(), found->second.end());
-        else
-            all.push_back(id);
-    return all;
-}
-
-void unstack(LibraryStore& store, std::span<const PhotoID> ids)
-{
-    const auto stacks = stacksOf(store.list(), ids);
-    store.perform("Unstack", [&](Catalog& catalog) {
-        for (const auto stack : stacks)
-            unstack(catalog, stack);
-    });
-}
-
-/// All become as the first of them is not.
-void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
-{
-    const auto stacks = stacksOf(store.list(), ids);
-    const auto all = stacksIn(store.catalog().database());
-    const auto first
-        = std::find_if(all.begin(), all.end(), [&](const Stack& stack) { return stacks.contains(stack.id); });
-    if (first == all.end())
-        return;
-    const auto state = first->collapsed ? StackState::expanded : StackState::collapsed;
-    store.perform(first->collapsed ? "Expand Stack" : "Collapse Stack", [&](Catalog& catalog) {
-        for (const auto stack : stacks)
-            setStackState(catalog, stack, state);
-    });
-}
-
 /// "Their 2 versions go along. ", or nothing.
 std::string whatGoesAlong(Catalog& catalog, const std::vector<PhotoID>& ids)
 {
@@ -192,15 +141,21 @@ void addStackCommands(MainWindow& window)
     auto& commands = window.commands();
     auto& desktop = window.desktop();
     auto& store = desktop.store();
-    commands.handle(Command::stack, [&] {
-        createStack(store, withHidden(store, desktop.browser().targets()), desktop.browser().current());
-    });
-    commands.handle(Command::unstack, [&] { unstack(store, desktop.browser().targets()); });
-    commands.handle(Command::toggleStack, [&] { toggleStacks(store, desktop.browser().targets()); });
-    commands.handle(Command::setPick, [&] {
-        if (const auto* const item = desktop.browser().currentItem(); item && item->stackID)
-            setPick(store, *item->stackID, item->id);
-    });
+    auto& browser = desktop.browser();
+    commands.handle(Command::stack, [&] { stackPhotos(store, browser.targets(), browser.current()); });
+    commands.handle(Command::unstack, [&] { unstackPhotos(store, browser.targets()); });
+    commands.handle(Command::toggleStack, [&] { toggleStacks(store, browser.targets()); });
+    const auto isStacked = [&] { return browser.currentItem() && browser.currentItem()->stackID; };
+    commands.handle(
+        Command::setPick, [&] { makePick(store, *browser.current()); }, isStacked);
+    for (const auto& [command, places] : {std::pair{Command::earlierInStack, -1}, {Command::laterInStack, 1}})
+        commands.handle(
+            command,
+            [&, places = places] {
+                if (const auto said = stepInStack(store, *browser.current(), places); !said.empty())
+                    desktop.say(said);
+            },
+            isStacked);
     commands.handle(Command::newVersion, [&] { newVersions(desktop); });
     commands.handle(
         Command::showVersions, [&] { desktop.browser().showVersions(desktop.browser().targets().front()); });

@@ -51,7 +51,7 @@ GridView::GridView(MainWindow& window)
         cursor_.reset();
         showCurrent();
     });
-    versions_ = versionCounts(store().catalog());
+    countVersions();
     layOut();
 }
 
@@ -75,6 +75,28 @@ Cell GridView::cellAt(Index index) const
         .isHovered = hovered_ == index,
         .versions = versions == versions_.end() ? 0 : static_cast<int>(versions->second),
         .stackSize = static_cast<int>(store().list().stackSize(item))};
+}
+
+void GridView::countVersions()
+{
+    countAgain_ = counting_ != nullptr;
+    if (!counting_)
+        counting_ = std::make_unique<Reading<Counts>>(
+            desktop_.mainThread(), store().catalog(),
+            [](Database& database, const std::stop_token&) { return versionCountsIn(database); },
+            [this] { versionsCounted(); });
+}
+
+void GridView::versionsCounted()
+{
+    const auto counting = std::move(counting_);
+    try {
+        versions_ = counting->take();
+    } catch (const DatabaseError&) { // those of before stay; the next change counts again
+    }
+    viewport()->update();
+    if (countAgain_)
+        countVersions();
 }
 
 void GridView::layOut()
@@ -106,7 +128,7 @@ void GridView::setThumbnailSize(int size)
 void GridView::libraryChanged(const LibraryChange& change)
 {
     if (change.tree)
-        versions_ = versionCounts(store().catalog());
+        countVersions();
     if (change.list) {
         hovered_.reset();
         layOut();

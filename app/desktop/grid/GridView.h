@@ -4,6 +4,7 @@
 #include "app/desktop/grid/Cell.h"
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/grid/Thumbnails.h"
+#include "catalog/Reading.h"
 
 #include <QAbstractScrollArea>
 #include <QTimer>
@@ -58,6 +59,8 @@ private:
     LibraryStore& store() const { return desktop_.store(); }
     const PhotoItem& itemAt(Index index) const;
     Cell cellAt(Index index) const;
+    void countVersions();
+    void versionsCounted();
     void layOut();
     void libraryChanged(const LibraryChange& change);
     void selectionChanged();
@@ -96,7 +99,10 @@ private:
     CellGeometry geometry_;
     GridLayout layout_;
     Thumbnails thumbnails_;
-    std::unordered_map<PhotoID, std::int64_t> versions_; // how many the photos have, themselves left out
+    using Counts = std::unordered_map<PhotoID, std::int64_t>;
+    Counts versions_; // how many the photos have, themselves left out
+    std::unique_ptr<Reading<Counts>> counting_; // of them, for which all versions are looked at
+    bool countAgain_ = false;
     std::vector<PhotoID> selected_; // ascending
     QTimer wantTimer_; // pictures are asked for once a frame, not for each step of scrolling
     std::optional<LibrarySource> source_; // that was shown last

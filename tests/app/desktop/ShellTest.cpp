@@ -1,6 +1,7 @@
 #include "app/AlbumOrder.h"
 #include "app/SearchFilter.h"
 #include "app/SidebarTree.h"
+#include "app/Stacking.h"
 #include "app/ViewMemory.h"
 #include "app/desktop/Instance.h"
 #include "app/desktop/PhotoDrag.h"
@@ -9,6 +10,7 @@
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/sidebar/Sidebar.h"
+#include "catalog/GroupActions.h"
 #include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
@@ -283,6 +285,37 @@ TEST(AlbumOrder, movesWhatIsShownTogether)
     EXPECT_EQ(store.selection(), (IDs{5, 1}));
     store.arrange(SortKey::rating, std::nullopt);
     EXPECT_FALSE(t.window->commands().action(Command::moveLater)->isEnabled());
+}
+
+TEST(Stacking, movesBehindThePickAndTakesAlongWhatACollapsedStackHides)
+{
+    TestWindow t(6);
+    auto& store = t.store();
+    const auto order = [&] { return shownIDs(store.list()); };
+    createStack(store, IDs{1, 2, 3}, 1);
+    store.select({1});
+    t.press(Qt::Key_S);
+    EXPECT_EQ(order(), (IDs{1, 2, 3, 4, 5, 6}));
+    store.select({2});
+    for (int i = 0; i < 2; ++i) // the second time it is the last already
+        t.press(Qt::Key_Right, Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_EQ(order(), (IDs{1, 3, 2, 4, 5, 6}));
+    EXPECT_EQ(store.selection(), IDs{2});
+    for (int i = 0; i < 2; ++i)
+        t.press(Qt::Key_Left, Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_EQ(order(), (IDs{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(store.undoTitle(), "Move in Stack");
+    store.undo();
+    EXPECT_EQ(order(), (IDs{1, 3, 2, 4, 5, 6}));
+    EXPECT_NE(stepInStack(store, 1, 1), "") << "the pick stays";
+    t.press(Qt::Key_S);
+    store.select({1, 5});
+    t.press(Qt::Key_G, Qt::ControlModifier);
+    EXPECT_EQ(order(), (IDs{1, 4, 6}));
+    t.press(Qt::Key_S);
+    EXPECT_EQ(order(), (IDs{1, 3, 2, 5, 4, 6}));
+    t.press(Qt::Key_G, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(order(), (IDs{1, 2, 3, 4, 5, 6}));
 }
 
 TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)

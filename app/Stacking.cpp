@@ -1,0 +1,95 @@
+#include "app/Stacking.h"
+
+#include "catalog/GroupActions.h"
+#include "catalog/Stacks.h"
+
+#include <algorithm>
+#include <set>
+
+namespace korvo {
+
+namespace {
+
+std::optional<std::int64_t> stackOf(const LibraryStore& store, PhotoID id)
+{
+    const auto* const item = store.list().find(id);
+    return item && item->stackID ? std::optional(*item->stackID) : std::nullopt;
+}
+
+std::set<std::int64_t> stacksOfListed(const LibraryStore& store, std::span<const PhotoID> ids)
+{
+    std::set<std::int64_t> stacks;
+    for (const PhotoID id : ids)
+        if (const auto stack = stackOf(store, id))
+            stacks.insert(*stack);
+    return stacks;
+}
+
+Stack stackIn(LibraryStore& store, std::int64_t id)
+{
+    return stackIn(store.catalog().database(), id);
+}
+
+} // namespace
+
+void stackPhotos(LibraryStore& store, std::span<const PhotoID> ids, std::optional<PhotoID> pick)
+{
+    std::vector<PhotoID> all;
+    for (const PhotoID id : ids) {
+        const auto number = stackOf(store, id);
+        const auto stack = number ? std::optional(stackIn(store, *number)) : std::nullopt;
+        if (stack && stack->collapsed && stack->members.front() == id)
+            all.insert(all.end(), stack->members.begin(), stack->members.end());
+        else
+            all.push_back(id);
+    }
+    createStack(store, all, pick);
+}
+
+void unstackPhotos(LibraryStore& store, std::span<const PhotoID> ids)
+{
+    const auto stacks = stacksOfListed(store, ids);
+    store.perform("Unstack", [&](Catalog& catalog) {
+        for (const auto stack : stacks)
+            unstack(catalog, stack);
+    });
+}
+
+void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
+{
+    const auto stacks = stacksOfListed(store, ids);
+    if (stacks.empty())
+        return;
+    const bool isCollapsed = stackIn(store, *stacks.begin()).collapsed;
+    const auto state = isCollapsed ? StackState::expanded : StackState::collapsed;
+    store.perform(isCollapsed ? "Expand Stack" : "Collapse Stack", [&](Catalog& catalog) {
+        for (const auto stack : stacks)
+            setStackState(catalog, stack, state);
+    });
+}
+
+void makePick(LibraryStore& store, PhotoID id)
+{
+    if (const auto stack = stackOf(store, id))
+        setPick(store, *stack, id);
+}
+
+std::string stepInStack(LibraryStore& store, PhotoID id, int places)
+{
+    const auto number = stackOf(store, id);
+    if (!number)
+        return {};
+    const auto stack = stackIn(store, *number);
+    if (stack.collapsed)
+        return "The stack is collapsed. S expands it.";
+    const auto at
+        = std::ranges::find(stack.members, store.catalog().existingMasterOf(id)) - stack.members.begin();
+    if (at == 0)
+        return "The pick stands first in its stack. “Make the Pick” gives its place to another.";
+    const auto to = at + places;
+    if (to > 0 && to < std::ssize(stack.members))
+        moveInStack(store, stack.id, id, static_cast<std::size_t>(to));
+    return {};
+}
+
+} // namespace korvo
