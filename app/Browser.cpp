@@ -1,6 +1,7 @@
 #include "app/Browser.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace korvo {
@@ -90,7 +91,12 @@ void Browser::selectShown(std::vector<PhotoID> ids)
 {
     const auto& list = store_.list();
     if (!ids.empty() && !store_.isReading() && !store_.isOrdering()) {
-        std::erase_if(ids, [&](PhotoID id) { return !list.shownFor(id); });
+        std::vector<PhotoID> shown; // of collapsed stacks the picks
+        std::unordered_set<PhotoID> known;
+        for (const PhotoID id : ids)
+            if (const auto seen = list.shownFor(id); seen && known.insert(*seen).second)
+                shown.push_back(*seen);
+        ids = std::move(shown);
         if (ids.empty() && !list.shown().empty())
             ids.push_back(shownAt(list, 0));
     }

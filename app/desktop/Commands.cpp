@@ -36,12 +36,16 @@ QList<QKeySequence> keysOf(const CommandInfo& info)
     return keys;
 }
 
+const CommandInfo& infoOf(Command command)
+{
+    return *std::ranges::find(commandTable(), command, &CommandInfo::id);
+}
+
 /// What no menu would offer without photos.
 bool actsOnPhotos(Command command)
 {
-    const auto info = std::ranges::find(commandTable(), command, &CommandInfo::id);
-    return info->needs == CommandNeeds::photos || info->needs == CommandNeeds::several
-        || info->needs == CommandNeeds::stacked;
+    const auto needs = infoOf(command).needs;
+    return needs == CommandNeeds::photos || needs == CommandNeeds::several || needs == CommandNeeds::stacked;
 }
 
 bool isStacked(const LibraryStore& store, std::span<const PhotoID> ids)
@@ -87,7 +91,7 @@ void Commands::handle(Command command, Handler handler, Condition possible)
 
 void Commands::run(Command command)
 {
-    advance_ = std::exchange(shiftOrCapsLock_, false);
+    advance_ = std::exchange(shiftOrCapsLock_, false) && infoOf(command).marks == MarksPhotos::advances;
     if (command == Command::undo && takeBackWhatIsOpen())
         return refresh();
     if (actsOnPhotos(command) ? !settleForPhotos()
@@ -110,7 +114,7 @@ bool Commands::settleForPhotos()
     if (!isTyping() && !desktop_.draft().isOpen())
         return true;
     const auto meant = desktop_.browser().targets();
-    if (!settle())
+    if (!settle() || desktop_.draft().isOpen()) // an older slider would be stored over what follows
         return false;
     const bool areMeant = meant == desktop_.browser().targets();
     if (!areMeant)

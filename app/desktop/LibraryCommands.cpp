@@ -37,9 +37,11 @@ void openLibrary(MainWindow& window)
     const QString folder = QFileDialog::getExistingDirectory(&window, "Open Library", startFolder());
     if (folder.isEmpty())
         return;
-    if (!std::filesystem::exists(pathOf(folder) / "catalog.sqlite"))
-        throw std::runtime_error(
-            "There is no library in " + utf8(folder) + ". Choose the folder that holds its catalog.sqlite.");
+    std::error_code unreadable;
+    if (!std::filesystem::exists(pathOf(folder) / "catalog.sqlite", unreadable))
+        throw std::runtime_error("There is no library in " + utf8(folder)
+            + (unreadable ? ", or it may not be looked into (" + unreadable.message() + ")" : "")
+            + ". Choose the folder that holds its catalog.sqlite.");
     openInNewWindow(pathOf(folder));
 }
 

@@ -108,7 +108,13 @@ void MainWindow::search(const std::string& words)
 {
     if (desktop_.store().source())
         desktop_.store().chooseSource(std::nullopt);
-    searchField(words);
+    setSearchField(words);
+}
+
+void MainWindow::endSearch(const std::string& words)
+{
+    if (searchField() == words)
+        search({});
 }
 
 void MainWindow::addDropped(const QMimeData& dropped)

@@ -38,7 +38,10 @@ public:
 
     /// Searches all photos for these words, as if they were typed into the search field.
     void search(const std::string& words);
-    std::function<void(const std::string&)> searchField; ///< set by the toolbar
+    /// Searches no longer, if these are still the words.
+    void endSearch(const std::string& words);
+    std::function<void(const std::string&)> setSearchField; ///< set by the toolbar
+    std::function<std::string()> searchField; ///< set by the toolbar
     /// Takes dropped files and folders into the library.
     void addDropped(const QMimeData& dropped);
 

@@ -109,9 +109,12 @@ void StatusLine::showCounts()
     const bool isReading = desktop_.store().isReading() && list.items().empty();
     QString text = isReading ? QString("Reading…") : number(shown) + " " + qt(plural(shown, "photo"));
     if (const auto& source = desktop_.store().source();
-        source && source->kind == LibrarySource::Kind::versions && !list.items().empty())
-        text = number(shown) + " " + qt(plural(shown, "version")) + " of "
-            + qt(repairedUtf8(list.items().front().filename.view())) + " (Esc goes back)";
+        source && source->kind == LibrarySource::Kind::versions && !list.items().empty()) {
+        const auto versions = list.items().size() - 1; // the first is the photo itself
+        text = qt(repairedUtf8(list.items().front().filename.view())) + " and "
+            + (versions > 0 ? qt(counted(versions, "version")) : QString("no versions"))
+            + " (Esc in the grid goes back)";
+    }
     if (selected > 0)
         text += ", " + number(selected) + " selected";
     counts_->setText(text);

@@ -94,6 +94,7 @@ Toolbar::Toolbar(MainWindow& window) : QToolBar("Toolbar"), window_(window)
 void Toolbar::addSearch()
 {
     search_ = new QLineEdit;
+    search_->setObjectName("search");
     search_->setPlaceholderText("Search");
     search_->setAccessibleName("Search");
     search_->setToolTip("Words in names, texts, keywords, people, cameras and lenses (Ctrl+F)");
@@ -107,7 +108,8 @@ void Toolbar::addSearch()
         asked_.words = utf8(search_->text());
         apply();
     });
-    window_.searchField = [this](const std::string& words) {
+    window_.searchField = [this] { return utf8(search_->text()); };
+    window_.setSearchField = [this](const std::string& words) {
         search_->setText(qt(words));
         asked_.words = words;
         apply();

@@ -11,31 +11,33 @@
 
 namespace korvo {
 
-/// The cell before which the point lies, or one behind the last.
-std::size_t GridView::gapAt(QPoint point) const
+GridView::Gap GridView::gapAt(QPoint point) const
 {
     const auto columns = static_cast<std::size_t>(layout_.columns());
     const int y = std::max(0, point.y() + verticalScrollBar()->value());
-    const auto row = static_cast<std::size_t>(y / layout_.cell.height()) * columns;
-    for (std::size_t index = row; index < std::min(row + columns, layout_.count); ++index)
+    const auto lastRow = layout_.count > 0 ? (layout_.count - 1) / columns : 0;
+    const auto row = std::min(static_cast<std::size_t>(y / layout_.cell.height()), lastRow);
+    const auto end = std::min((row + 1) * columns, layout_.count);
+    for (std::size_t index = row * columns; index < end; ++index)
         if (point.x() < layout_.rect(index).center().x())
-            return index;
-    return std::min(row + columns, layout_.count);
+            return {index, row};
+    return {end, row};
 }
 
 /// A line on the left of the cell; behind the last of a row on its right.
-QRect GridView::gapRect(std::size_t gap) const
+QRect GridView::gapRect(const Gap& gap) const
 {
     constexpr int width = 3;
-    const bool isEnd
-        = gap > 0 && (gap == layout_.count || gap % static_cast<std::size_t>(layout_.columns()) == 0);
-    const QRect cell(cellPosition(isEnd ? gap - 1 : gap), geometry_.cell());
+    const bool isEnd = gap.before > 0
+        && (gap.before == layout_.count
+            || gap.before / static_cast<std::size_t>(layout_.columns()) > gap.row);
+    const QRect cell(cellPosition(isEnd ? gap.before - 1 : gap.before), geometry_.cell());
     return {(isEnd ? cell.right() + 1 : cell.left()) - width / 2, cell.top(), width, cell.height()};
 }
 
-void GridView::setGap(std::optional<std::size_t> gap)
+void GridView::setGap(std::optional<Gap> gap)
 {
-    for (const auto changed : {std::exchange(gap_, gap), gap})
+    for (const auto& changed : {std::exchange(gap_, gap), gap})
         if (changed)
             viewport()->update(gapRect(*changed));
 }
@@ -66,7 +68,7 @@ void GridView::dropEvent(QDropEvent* event)
     setGap(std::nullopt);
     event->setDropAction(Qt::CopyAction); // after a move, whoever it came from would remove them there
     event->accept();
-    desktop_.attempt([&] { placeInAlbum(store(), draggedPhotos(*event->mimeData()), gap); });
+    desktop_.attempt([&] { placeInAlbum(store(), draggedPhotos(*event->mimeData()), gap.before); });
 }
 
 } // namespace korvo

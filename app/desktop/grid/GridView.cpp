@@ -131,6 +131,8 @@ void GridView::libraryChanged(const LibraryChange& change)
         countVersions();
     if (change.list) {
         hovered_.reset();
+        if (cursor_ && !store().list().shownPosition(*cursor_))
+            cursor_.reset();
         layOut();
         if (std::exchange(source_, store().source()) != store().source())
             verticalScrollBar()->setValue(0);

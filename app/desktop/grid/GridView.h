@@ -80,9 +80,14 @@ private:
     bool mark(Index index, const CellPart& part);
     void dragOut();
     // Drops, which arrange an album (GridDrop.cpp)
-    std::size_t gapAt(QPoint point) const;
-    QRect gapRect(std::size_t gap) const;
-    void setGap(std::optional<std::size_t> gap);
+    /// Where a drop would go: before a cell, or behind the last one; shown in the row that is pointed at.
+    struct Gap {
+        std::size_t before = 0;
+        std::size_t row = 0;
+    };
+    Gap gapAt(QPoint point) const;
+    QRect gapRect(const Gap& gap) const;
+    void setGap(std::optional<Gap> gap);
     void hover(std::optional<Index> index);
     void sweep(QPoint to);
     void scrollAt(QPoint point);
@@ -110,7 +115,7 @@ private:
     std::optional<Index> hovered_;
     std::optional<PhotoID> anchor_; // of a range
     std::optional<PhotoID> cursor_; // where the keys are, when it was moved without selecting
-    std::optional<std::size_t> gap_; // before which cell a drop would go
+    std::optional<Gap> gap_; // while something is dragged
     std::optional<QPoint> pressed_; // moves with what it is on
     QPoint sweptTo_;
     QTimer sweepTimer_; // runs while a sweep is at an edge

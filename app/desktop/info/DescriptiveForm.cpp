@@ -76,9 +76,12 @@ bool DescriptiveForm::isTouched() const
 
 bool DescriptiveForm::commit()
 {
-    for (auto* const field : fields_)
+    for (auto* const field : fields_) {
         field->commit();
-    return !isTouched();
+        if (field->isTouched()) // the others would fail and wait the same way
+            return false;
+    }
+    return true;
 }
 
 void DescriptiveForm::takeBack()

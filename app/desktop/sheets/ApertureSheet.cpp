@@ -203,9 +203,10 @@ void ApertureSheet::start()
         return *imported ? summaryText((*imported)->summary, matching) : std::string("Nothing was imported.");
     };
     const auto finish = [sheet, &desktop, imported](const Job& job) {
-        if (*imported && (*imported)->library == desktop.store().catalog().libraryURL())
+        const bool isHere = *imported && (*imported)->library == desktop.store().catalog().libraryURL();
+        if (isHere)
             desktop.attempt([&] { desktop.session().photosAdded(); });
-        desktop.say(job.summary());
+        desktop.say(job.summary() + (isHere ? " Undo does not take this back." : ""));
         if (sheet)
             sheet->finished(job, *imported);
     };

@@ -36,6 +36,7 @@ private:
     QPushButton* stack_;
     std::shared_ptr<const std::vector<AutoStackShot>> shots_; // by time; none until they are sorted
     bool planning_ = false;
+    bool isStale_ = false; // the photos have changed while it plans
     int planned_ = 0; // the interval whose plan is shown or made
     QTimer readAgain_; // once a second at most, while the photos change all the time
     Connection storeChanged_;
@@ -98,6 +99,9 @@ void AutoStackSheet::makeButtons()
 /// shown stays till the new one is there: what was stacked meanwhile is left out when it is carried out.
 void AutoStackSheet::readShots()
 {
+    isStale_ = planning_; // the plan that is being made is waited for, lest none is ever ready
+    if (planning_)
+        return;
     const auto& list = desktop_.store().list();
     planning_ = true;
     begin([this,
@@ -137,7 +141,10 @@ void AutoStackSheet::showPlan(AutoStackPlan plan)
     stack_->setEnabled(!plan.groups().empty());
     preview_->show(std::move(plan));
     planning_ = false;
-    this->plan(); // the slider may have moved on
+    if (isStale_)
+        readShots();
+    else
+        this->plan(); // the slider may have moved on
 }
 
 void AutoStackSheet::stack()

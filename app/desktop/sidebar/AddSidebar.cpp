@@ -23,6 +23,7 @@ void addAddTo(MainWindow& window)
     QObject::connect(menu, &QMenu::aboutToShow, &window, [&window, menu] {
         auto& desktop = window.desktop();
         menu->clear();
+        qDeleteAll(menu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly)); // which are not cleared
         addNodes(
             *menu, sidebarTree(desktop.store().tree()),
             [](const SidebarNode& node) {
@@ -61,6 +62,7 @@ void addSidebar(MainWindow& window)
     filter->setClearButtonEnabled(true);
     auto* const sidebar = new Sidebar(window);
     sidebar->keywordChosen = [&window](const std::string& keyword) { window.search(keyword); };
+    sidebar->keywordLeft = [&window](const std::string& keyword) { window.endSearch(keyword); };
     QObject::connect(
         filter, &QLineEdit::textChanged, sidebar, [sidebar](const QString& text) { sidebar->filter(text); });
     layout->addWidget(filter);

@@ -88,13 +88,13 @@ void Sidebar::refill()
 {
     if (state() == EditingState) // a name is being typed
         return refillTimer_.start(whileEditing);
+    auto& store = desktop_.store();
+    const auto& tree = store.tree(); // which may count, and fail
+    const auto nodes = sidebarTree(tree, store.isCounted() ? PhotosCounted::yes : PhotosCounted::notYet);
     filling_ = true;
     const auto chosen = currentItem() ? std::optional(keyOf(*currentItem())) : std::nullopt;
-    auto& store = desktop_.store();
-    const auto& tree = store.tree(); // which may count
     const auto wereOpen = open();
-    sync(*invisibleRootItem(),
-        sidebarTree(tree, store.isCounted() ? PhotosCounted::yes : PhotosCounted::notYet));
+    sync(*invisibleRootItem(), nodes);
     for (const auto& key : wereOpen) // a line that has moved is closed
         if (auto* const item = itemOf(key))
             item->setExpanded(true);
@@ -104,7 +104,7 @@ void Sidebar::refill()
     filling_ = false;
     filter(filter_);
     if (!item && chosen && chosen->kind == Kind::keyword)
-        keywordChosen(""); // what was searched for is gone
+        searchKeyword({}); // what was searched for is gone
     showSource();
 }
 
@@ -174,6 +174,7 @@ void Sidebar::showSource()
     filling_ = true;
     setCurrentItem(item);
     filling_ = false;
+    window_.commands().refresh(); // which have heard of the source before its line was the current one
 }
 
 QTreeWidgetItem* Sidebar::itemOf(const SidebarKey& key) const
@@ -190,9 +191,19 @@ void Sidebar::choose(QTreeWidgetItem* item, QTreeWidgetItem* before)
         return;
     const auto key = keyOf(*item);
     if (isKeyword(item) || isKeyword(before)) // the search for one ends when another line is chosen
-        keywordChosen(isKeyword(item) ? utf8(item->text(0)) : "");
+        searchKeyword(isKeyword(item) ? utf8(item->text(0)) : "");
     if (const auto source = sourceOf(key); source && *source != desktop_.store().source())
         desktop_.attempt([&] { desktop_.store().chooseSource(*source); });
+}
+
+/// Or none any more.
+void Sidebar::searchKeyword(const std::string& keyword)
+{
+    const auto before = std::exchange(searched_, keyword);
+    if (keyword.empty())
+        keywordLeft(before);
+    else
+        keywordChosen(keyword);
 }
 
 void Sidebar::filter(const QString& text)
@@ -302,7 +313,7 @@ void Sidebar::renamed(QTreeWidgetItem* item)
     desktop_.attempt([&] {
         renameLine(desktop_.store(), keyOf(*item), utf8(item->text(0)));
         if (isKeyword(item) && item == currentItem()) // what is searched for is called so now
-            keywordChosen(utf8(item->text(0)));
+            searchKeyword(utf8(item->text(0)));
     });
     refillTimer_.start(0); // a name that was refused goes back
 }

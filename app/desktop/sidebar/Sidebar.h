@@ -29,8 +29,8 @@ public:
     std::string openLines() const;
     void restoreOpenLines(const std::string& text);
 
-    std::function<void(const std::string&)>
-        keywordChosen; ///< a keyword was chosen, to be searched for; empty: no longer
+    std::function<void(const std::string&)> keywordChosen; ///< a keyword was chosen, to be searched for
+    std::function<void(const std::string&)> keywordLeft; ///< it is to be searched for no longer
 
 protected:
     bool event(QEvent* event) override;
@@ -52,6 +52,7 @@ private:
     void setOpen(const std::set<SidebarKey>& keys);
     void showSource();
     void choose(QTreeWidgetItem* item, QTreeWidgetItem* before);
+    void searchKeyword(const std::string& keyword);
     void renamed(QTreeWidgetItem* item);
     void remove(const QTreeWidgetItem& item);
     QTreeWidgetItem* itemOf(const SidebarKey& key) const;
@@ -60,6 +61,7 @@ private:
     Desktop& desktop_;
     QTimer refillTimer_; // once for all that changes at a time
     bool filling_ = false;
+    std::string searched_; // the keyword that is searched for
     QString filter_;
     std::set<SidebarKey> openBeforeFilter_; // which opens what holds a line that it shows
     Connection storeChanged_;

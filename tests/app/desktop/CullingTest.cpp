@@ -141,6 +141,10 @@ TEST(Culling, controlChoosesSinglePhotosApart)
     EXPECT_EQ(t.store().selection(), IDs{1});
     t.press(Qt::Key_Right);
     EXPECT_EQ(t.store().selection(), IDs{4}) << "from where the keys are";
+    t.press(Qt::Key_Right, Qt::ControlModifier);
+    removePhotos(t.store(), IDs{5});
+    t.press(Qt::Key_Left);
+    EXPECT_EQ(t.store().selection(), IDs{3}) << "from the selected one, as where they were is gone";
 }
 
 } // namespace korvo

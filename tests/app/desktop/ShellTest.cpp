@@ -222,6 +222,15 @@ TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
         })) << name;
         return item;
     };
+    auto& search = *t.window->findChild<QLineEdit*>("search");
+    sidebar.setCurrentItem(line("zoo"));
+    EXPECT_EQ(search.text(), "zoo");
+    sidebar.setCurrentItem(line("Flagged"));
+    EXPECT_EQ(search.text(), "");
+    sidebar.setCurrentItem(line("zoo"));
+    search.setText("zoo lion");
+    sidebar.setCurrentItem(line("Flagged"));
+    EXPECT_EQ(search.text(), "zoo lion") << "other words were typed since";
     sidebar.setCurrentItem(line("zoo"));
     renameLine(store, zoo, "ant");
     const auto* const moved = line("ant"); // above the other

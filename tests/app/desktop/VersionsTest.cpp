@@ -75,6 +75,18 @@ TEST(Versions, nothingIsSelectedThatTheFilterHides)
     EXPECT_EQ(t.store().selection(), IDs());
 }
 
+TEST(Versions, leavingThemForACollapsedStackSelectsItsPick)
+{
+    TestWindow t(2);
+    const auto stack = createStack(t.store(), IDs{1, 2}, 1);
+    setStackState(t.store(), stack, StackState::expanded);
+    t.store().select({2});
+    t.desktop->browser().showVersions(2);
+    setStackState(t.store(), stack, StackState::collapsed);
+    t.desktop->browser().leaveVersions();
+    EXPECT_EQ(t.store().selection(), IDs{1});
+}
+
 TEST(Versions, theInfoTabListsOpensAndRemovesThem)
 {
     TestWindow t(2);
