@@ -21,7 +21,7 @@ using MatchRender = std::function<std::optional<ToneCurves>(
 /// What an import will write, as plain data. Photos are named by their place in `photos`.
 struct ApertureImportPlan {
     struct Photo {
-        AperturePhoto row;
+        NewPhoto row;
         std::optional<std::size_t> versionOf; ///< its master, which stands before it
         std::optional<std::string> projectUuid;
     };

@@ -93,10 +93,10 @@ bool isPosition(const Version& version)
 }
 
 /// What all photos of the master have in common.
-AperturePhoto masterRow(
+NewPhoto masterRow(
     const ApertureSource& source, const ApertureDescriptions& descriptions, const fs::path& file)
 {
-    AperturePhoto row;
+    NewPhoto row;
     row.path = file.native();
     try {
         row.fileDate = modificationTime(file);
@@ -106,17 +106,19 @@ AperturePhoto masterRow(
     }
     row.metadata = photoMetadata(source, descriptions);
     row.camera = cameraData(source, descriptions);
-    row.isCameraRead = !row.camera.camera.empty() || row.camera.iso || row.camera.aperture;
     const auto placed = std::find_if(source.versions.begin(), source.versions.end(),
         [](const Version* version) { return isPosition(*version); });
     if (placed != source.versions.end()) {
         row.latitude = (*placed)->latitude;
         row.longitude = (*placed)->longitude;
     }
+    row.read = {.camera = !row.camera.camera.empty() || row.camera.iso || row.camera.aperture,
+        .captureDate = row.camera.captureDate.has_value(),
+        .position = placed != source.versions.end()};
     return row;
 }
 
-void setMarks(AperturePhoto& row, const Version& version)
+void setMarks(NewPhoto& row, const Version& version)
 {
     row.rating = static_cast<int>(std::clamp<std::int64_t>(version.rating, rejectedRating, highestRating));
     row.flagged = version.isFlagged;
@@ -147,7 +149,7 @@ public:
         }
     }
 
-    PreparedMaster run(const AperturePhoto& common)
+    PreparedMaster run(const NewPhoto& common)
     {
         for (std::size_t i = 0; i < source_.versions.size(); ++i)
             add(*source_.versions[i], adjustments_[i], common);
@@ -155,7 +157,7 @@ public:
     }
 
 private:
-    void add(const Version& version, const std::vector<ApertureAdjustment>& adjustments, AperturePhoto row)
+    void add(const Version& version, const std::vector<ApertureAdjustment>& adjustments, NewPhoto row)
     {
         setMarks(row, version);
         row.versionName = versionName(version);

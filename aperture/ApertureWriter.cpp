@@ -157,8 +157,8 @@ private:
             auto master = photo.versionOf ? std::optional(masterIDs_[*photo.versionOf]) : std::nullopt;
             const auto known
                 = !master && hadPhotos ? catalog_.masterAt(row.path) : knownMasterOf(photo.versionOf);
-            ids_.push_back(
-                known ? addToKnown(*known, row) : addAperturePhoto(catalog_.database(), row, master));
+            row.versionOf = master;
+            ids_.push_back(known ? addToKnown(*known, row) : catalog_.addPhoto(row).id);
             if (known)
                 master = known;
             masterIDs_.push_back(master.value_or(ids_.back()));
@@ -175,7 +175,7 @@ private:
 
     /// A file that the library holds already gets Aperture's photo as a version, which shares the library's
     /// own description of the file.
-    PhotoID addToKnown(PhotoID master, const AperturePhoto& row)
+    PhotoID addToKnown(PhotoID master, const NewPhoto& row)
     {
         const auto name = isBlank(row.versionName) ? std::nullopt : std::optional(row.versionName);
         const auto edits = row.edits.empty() ? PhotoEdits() : fromJson<PhotoEdits>(row.edits);

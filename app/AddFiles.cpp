@@ -3,7 +3,7 @@
 #include "catalog/DatabaseError.h"
 #include "catalog/FolderScan.h"
 #include "catalog/UnreadPhotos.h"
-#include "metadata/FileContents.h"
+#include "metadata/CameraFacts.h"
 #include "metadata/MetadataError.h"
 
 #include <tbb/parallel_pipeline.h>
@@ -24,7 +24,6 @@ constexpr std::size_t batchSize = 256;
 struct NewFile {
     ScannedFile file;
     NewPhoto photo;
-    FileContents contents;
     std::string failure; // a sentence; empty when nothing went wrong
     bool wasUnread = false; // the catalog has it, but it could not be read when it was added
 };
@@ -109,8 +108,10 @@ private:
                 return;
             if (candidate.photo.fileSize == 0)
                 candidate.failure = sentence(candidate.file.path, "the file is empty");
-            candidate.contents = readContents(candidate.file.path);
-            candidate.photo.metadata = candidate.contents.metadata;
+            if (mode_ == ReadCameraData::now)
+                readInto(candidate.photo, candidate.file.path);
+            else
+                candidate.photo.metadata = photoMetadata(readDescriptive(candidate.file.path));
         } catch (const fs::filesystem_error& error) { // it has gone since it was scanned
             candidate.failure = sentence(candidate.file.path, error.code().message());
             candidate.photo.path.clear();
@@ -159,11 +160,8 @@ private:
             ++(added[i].isNew ? result_.added : result_.known);
             if (added[i].isNew)
                 result_.photos.push_back(added[i].id);
-            const bool isReadLate = !added[i].isNew && sources[i]->wasUnread && photos[i].fileSize;
-            if (isReadLate)
+            if (!added[i].isNew && sources[i]->wasUnread && photos[i].fileSize)
                 storeLateReading(catalog_, added[i].id, photos[i]);
-            if ((added[i].isNew || isReadLate) && mode_ == ReadCameraData::now)
-                storeCameraFacts(catalog_, added[i].id, sources[i]->contents);
         }
         transaction.commit();
     }

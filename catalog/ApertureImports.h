@@ -1,10 +1,8 @@
 #pragma once
 
-#include "catalog/CatalogRecords.h"
 #include "catalog/Database.h"
 
 #include <filesystem>
-#include <optional>
 #include <string_view>
 
 namespace korvo {
@@ -12,8 +10,6 @@ namespace korvo {
 // What came from Aperture libraries, of which the catalog notes each with what identifies it and with where
 // it lay.
 
-/// Adds a master, or a version of one.
-PhotoID addAperturePhoto(Database& database, const AperturePhoto& photo, std::optional<PhotoID> versionOf);
 /// Whether an Aperture library has been imported.
 bool hasImported(Database& database, std::string_view identity);
 void noteImport(Database& database, std::string_view identity, const std::filesystem::path& bundle);

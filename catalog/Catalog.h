@@ -46,6 +46,7 @@ public:
     Database lookingConnection() const { return Database::openForALook(folder_ / "catalog.sqlite"); }
 
     // Photos (CatalogPhotos.cpp)
+    AddedRow addPhoto(const NewPhoto& photo);
     std::vector<AddedRow> addPhotos(std::span<const NewPhoto> photos);
     void setRating(std::span<const PhotoID> ids, int rating);
     void setFlagged(std::span<const PhotoID> ids, bool flagged);

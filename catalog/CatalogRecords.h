@@ -11,7 +11,25 @@ namespace korvo {
 
 /// What the catalog is given to keep.
 
-/// A file to be taken into the library.
+/// What the files themselves say about how a photo was taken.
+struct CameraData {
+    std::string camera;
+    std::string lens;
+    std::optional<std::int64_t> iso;
+    std::optional<double> focalLength;
+    std::optional<double> aperture;
+    std::optional<double> shutter;
+    std::optional<UnixTime> captureDate;
+};
+
+/// What is known of a photo's file, and not to be read from it later.
+struct FactsRead {
+    bool camera = false;
+    bool captureDate = false;
+    bool position = false;
+};
+
+/// A photo to be taken into the library, with what is known of it.
 struct NewPhoto {
     std::optional<std::int64_t> folderID; // the added folder it lies in
     std::string path; // absolute
@@ -19,6 +37,18 @@ struct NewPhoto {
     std::optional<UnixTime> fileDate;
     std::optional<std::int64_t> fileSize; // not set when the file could not be read
     PhotoMetadata metadata; // as read from the file
+    CameraData camera;
+    std::optional<double> latitude; // and longitude, or neither
+    std::optional<double> longitude;
+    FactsRead read;
+    std::optional<std::int64_t> projectID;
+    std::optional<PhotoID> versionOf; // a version of this master, with the same path
+    std::string versionName;
+    int rating = 0;
+    bool flagged = false;
+    PhotoLabel label = PhotoLabel::none;
+    std::string edits; // as stored
+    std::string referencePath; // another program's own render
 };
 
 /// A row that was asked for, and is there now.
@@ -34,37 +64,6 @@ struct AddedRows {
     std::vector<std::int64_t> projects;
 
     bool areThere() const { return !photos.empty() || !folders.empty() || !projects.empty(); }
-};
-
-/// What the files themselves say about how a photo was taken.
-struct CameraData {
-    std::string camera;
-    std::string lens;
-    std::optional<std::int64_t> iso;
-    std::optional<double> focalLength;
-    std::optional<double> aperture;
-    std::optional<double> shutter;
-    std::optional<UnixTime> captureDate;
-};
-
-/// A photo of another program's library, with all that is known of it.
-struct AperturePhoto {
-    std::string path; // absolute
-    UnixTime addedAt = 0;
-    std::optional<UnixTime> fileDate;
-    std::optional<std::int64_t> fileSize;
-    PhotoMetadata metadata;
-    int rating = 0;
-    bool flagged = false;
-    PhotoLabel label = PhotoLabel::none;
-    std::string edits; // as stored
-    std::string versionName;
-    std::string referencePath; // the other program's own render
-    std::optional<std::int64_t> projectID;
-    CameraData camera;
-    bool isCameraRead = false; // else it is read from the file later
-    std::optional<double> latitude;
-    std::optional<double> longitude;
 };
 
 } // namespace korvo

@@ -103,7 +103,7 @@ double numberOf(const PhotoItem& item, Field field)
 {
     switch (field) {
     case Field::rating:
-        return static_cast<double>(item.rating);
+        return std::max(item.rating, rejectedRating); // the stars beneath a rejection do not count
     case Field::label:
         return static_cast<double>(item.label);
     default:

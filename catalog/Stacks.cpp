@@ -109,9 +109,10 @@ std::int64_t createStack(Catalog& catalog, std::span<const PhotoID> photos, std:
     return id;
 }
 
-void createStacks(Catalog& catalog, const AutoStackPlan& plan)
+std::vector<std::int64_t> createStacks(Catalog& catalog, const AutoStackPlan& plan)
 {
     auto& database = catalog.database();
+    std::vector<std::int64_t> made;
     Transaction transaction(database);
     for (const auto& group : plan.groups()) {
         // The plan may be older than a stack that another process made, or a removal.
@@ -123,9 +124,10 @@ void createStacks(Catalog& catalog, const AutoStackPlan& plan)
                 free.push_back(photo);
         const bool hasPick = std::find(free.begin(), free.end(), group.pick) != free.end();
         if (free.size() >= 2)
-            insertStack(database, free, hasPick ? group.pick : free.front());
+            made.push_back(insertStack(database, free, hasPick ? group.pick : free.front()));
     }
     transaction.commit();
+    return made;
 }
 
 void unstack(Catalog& catalog, std::int64_t id)

@@ -25,8 +25,9 @@ Stack stackIn(Database& database, std::int64_t id);
 /// Gathers photos, in this order, under the pick, which without one is the first. Members leave the stacks
 /// they were in. Throws std::invalid_argument for fewer than two and for a pick that is none of them.
 std::int64_t createStack(Catalog& catalog, std::span<const PhotoID> photos, std::optional<PhotoID> pick);
-/// Photos that have been stacked or removed since the plan was made are left out of it.
-void createStacks(Catalog& catalog, const AutoStackPlan& plan);
+/// Photos that have been stacked or removed since the plan was made are left out of it. The ids of the stacks
+/// that were made, in the plan's order.
+std::vector<std::int64_t> createStacks(Catalog& catalog, const AutoStackPlan& plan);
 void unstack(Catalog& catalog, std::int64_t id);
 /// Throws std::invalid_argument when the photo is not in the stack. The members keep their order.
 void setPick(Catalog& catalog, std::int64_t stack, PhotoID photo);

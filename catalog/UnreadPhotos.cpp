@@ -22,6 +22,10 @@ void storeLateReading(Catalog& catalog, PhotoID id, const NewPhoto& photo)
     catalog.database().run(
         "UPDATE photos SET exif_read = 0, capture_read = 0, gps_read = 0 WHERE id = ? OR version_of = ?", id,
         id);
+    if (photo.read.camera)
+        catalog.storeCameraData(id, photo.camera);
+    if (photo.read.position)
+        catalog.storeReadPosition(id, photo.latitude, photo.longitude);
     transaction.commit();
 }
 

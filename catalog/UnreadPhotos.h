@@ -11,8 +11,8 @@ namespace korvo {
 enum class HeldFile { none, read, unread };
 HeldFile heldFile(Catalog& catalog, std::string_view path);
 
-/// Stores what the file of an unread master holds, now that it can be read. Its camera data are to be read
-/// again.
+/// Stores what the file of an unread master holds, now that it can be read. What of it was not read now
+/// is to be read later.
 void storeLateReading(Catalog& catalog, PhotoID id, const NewPhoto& photo);
 
 } // namespace korvo

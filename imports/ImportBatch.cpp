@@ -109,7 +109,7 @@ void ImportBatch::name(ImportedShot& shot)
         if (!file.copy)
             continue;
         if (facts.title.empty())
-            facts.title = file.contents.metadata.title.string();
+            facts.title = file.photo.metadata.title.string();
         unnamed.push_back({file.file->suffix, duplicateKey(file.file->file), file.file->file.path,
             file.copy->size, file.copy->digest, !file.file->isSidecar});
         files.push_back(&file);
@@ -186,7 +186,9 @@ void ImportBatch::store()
 
 void ImportBatch::storePhoto(ImportedFile& file)
 {
-    NewPhoto photo{.path = file.path.native(), .addedAt = clock_.now(), .metadata = file.contents.metadata};
+    NewPhoto& photo = file.photo;
+    photo.path = file.path.native();
+    photo.addedAt = clock_.now();
     try {
         photo.fileDate = modificationTime(file.path);
         photo.fileSize = static_cast<std::int64_t>(fs::file_size(file.path));
@@ -194,7 +196,7 @@ void ImportBatch::storePhoto(ImportedFile& file)
         return fail(file, error.code().message());
     }
     photo.folderID = folderOf(file);
-    const auto [id, isNew] = catalog_.addPhotos(std::span(&photo, 1)).front();
+    const auto [id, isNew] = catalog_.addPhoto(photo);
     if (!isNew && folder_)
         return fail(file, file.path.string() + " has become another photo's meanwhile; import it again");
     memory_.forgetLeft(file.file->key);
@@ -203,7 +205,6 @@ void ImportBatch::storePhoto(ImportedFile& file)
         return;
     }
     result_.photos.push_back(id);
-    storeCameraFacts(catalog_, id, file.contents);
     const std::vector<PhotoID> ids = {id};
     catalog_.changeMetadata(ids, plannedChange(plan_, photo.metadata), WriteBack::pending);
     if (const auto into = project(file, photo.fileDate.value()))
@@ -214,7 +215,7 @@ void ImportBatch::storePhoto(ImportedFile& file)
 std::optional<std::int64_t> ImportBatch::project(const ImportedFile& file, UnixTime fileDate)
 {
     if (plan_.byDay)
-        return projectNamed(localDay(file.contents.camera.captureDate.value_or(fileDate)));
+        return projectNamed(localDay(file.photo.camera.captureDate.value_or(fileDate)));
     return plan_.newProject.empty() ? plan_.project : std::optional(projectNamed(plan_.newProject));
 }
 

@@ -4,7 +4,6 @@
 #include "imports/ImportFolder.h"
 #include "imports/ImportNames.h"
 #include "imports/ImportRun.h"
-#include "metadata/FileContents.h"
 
 #include <cstdint>
 #include <map>
@@ -17,7 +16,7 @@ namespace korvo {
 struct ImportedFile {
     const Shot::File* file = nullptr;
     std::optional<FileCopy> copy; // of files that are copied
-    FileContents contents; // of photos
+    NewPhoto photo; // unless it is a sidecar
     std::string failure; // a sentence; empty when nothing went wrong
     std::filesystem::path path; // where it stands in the end; empty when it does not
 };

@@ -3,6 +3,7 @@
 #include "imports/ImportBatch.h"
 #include "imports/ImportShots.h"
 #include "imports/VolumeWatcher.h"
+#include "metadata/CameraFacts.h"
 #include "metadata/MetadataError.h"
 
 #include <tbb/global_control.h>
@@ -147,7 +148,7 @@ private:
             if (imported.copy && !verify(*imported.copy, stop_))
                 return false;
             if (!imported.file->isSidecar)
-                imported.contents = readContents(imported.copy ? imported.copy->part.path() : imported.path);
+                readInto(imported.photo, imported.copy ? imported.copy->part.path() : imported.path);
         } catch (const MetadataError&) { // it is imported all the same
             imported.failure = "what it says of itself could not be read";
         } catch (const SourceError& error) {

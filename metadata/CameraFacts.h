@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "catalog/Catalog.h"
 #include "metadata/DescriptiveFields.h"
+#include "metadata/DescriptiveReader.h"
 #include "metadata/PhotoExifInfo.h"
 
 namespace korvo {
@@ -19,6 +20,20 @@ inline PhotoMetadata photoMetadata(const DescriptiveFields& fields)
 {
     return {fields.altText, fields.title, fields.caption, joinKeywords(fields.keywords), fields.creator,
         fields.copyright};
+}
+
+/// Gives a new photo what its file says, from one look at its head. Throws MetadataError when the file cannot
+/// be opened or read.
+inline void readInto(NewPhoto& photo, const std::filesystem::path& file)
+{
+    const auto read = readFileMetadata(file);
+    photo.metadata = photoMetadata(read.descriptive);
+    photo.camera = cameraData(read.exif);
+    if (const auto& position = read.exif.coordinate) {
+        photo.latitude = position->latitude;
+        photo.longitude = position->longitude;
+    }
+    photo.read = {.camera = true, .captureDate = true, .position = true};
 }
 
 } // namespace korvo

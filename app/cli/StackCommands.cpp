@@ -60,10 +60,11 @@ void addAutoStackArguments(CLI::App& sub, AutoStackArguments& arguments)
 }
 
 struct PlannedStack {
+    std::optional<std::int64_t> id; // once it is made
     PhotoID pick;
     std::vector<PhotoID> members;
 };
-KORVO_RECORD(PlannedStack, pick, members)
+KORVO_RECORD(PlannedStack, id, pick, members)
 
 struct PlannedStacks {
     int interval;
@@ -78,21 +79,26 @@ PlannedStacks plannedStacks(const AutoStackPlan& plan, int interval)
     PlannedStacks result{interval, plan.groups().size(), plan.photoCount(), {}};
     for (const auto& group : plan.groups()) {
         const auto members = plan.photos(group);
-        result.groups.push_back({group.pick, {members.begin(), members.end()}});
+        result.groups.push_back({std::nullopt, group.pick, {members.begin(), members.end()}});
     }
     return result;
 }
 
 void stackByTime(Context& context, const AutoStackArguments& arguments)
 {
-    // What the plan is made from must not change before it is carried out.
-    Transaction transaction(context.library().database());
+    std::optional<Transaction> transaction;
+    if (!arguments.dryRun) // what the plan is made from must not change before it is carried out
+        transaction.emplace(context.library().database());
     const auto items = context.library().photos(context.existingSource(arguments.source));
     const AutoStackPlan plan(items, listed(items, ListedBy::hand).order, arguments.interval);
-    if (!arguments.dryRun)
-        createStacks(context.library(), plan);
-    transaction.commit();
-    context.print(plannedStacks(plan, arguments.interval), autoStackText(plan, arguments.interval));
+    auto stacks = plannedStacks(plan, arguments.interval);
+    if (transaction) {
+        const auto made = createStacks(context.library(), plan);
+        for (std::size_t i = 0; i < made.size(); ++i)
+            stacks.groups[i].id = made[i];
+        transaction->commit();
+    }
+    context.print(stacks, autoStackText(plan, arguments.interval));
 }
 
 void addStateCommand(const Commands& stack, const char* name, const char* description, StackState state)

@@ -2,9 +2,7 @@
 #include "base/Text.h"
 #include "catalog/GridOrder.h"
 #include "catalog/LibrarySource.h"
-#include "tests/app/KorvoProgram.h"
-
-#include <gtest/gtest.h>
+#include "tests/app/ProgramWithPhotos.h"
 
 #include <regex>
 
@@ -12,17 +10,7 @@ namespace korvo {
 
 namespace {
 
-/// The program with the library in which the test's photos are.
-class CommandLine : public ::testing::Test, protected KorvoProgram {
-protected:
-    CommandLine()
-    {
-        for (const char* name : {"a.jpg", "b.jpg", "c.mov"})
-            folder.write(std::string("photos/") + name, "x");
-        run("create " + (folder / "Library").string());
-        run("--quiet add " + (folder / "photos").string());
-    }
-};
+using CommandLine = ProgramWithPhotos;
 
 /// The manual's entries by the word they begin with.
 std::map<std::string, std::string> manualEntries(const std::string& manual)
@@ -274,33 +262,6 @@ TEST_F(CommandLine, aPlaceForPreferencesThatCannotBeToldIsAnError)
                                        .c_str());
     EXPECT_EQ(WEXITSTATUS(status), 1);
     EXPECT_TRUE(readFile(folder / "err").starts_with("korvo: ")) << readFile(folder / "err");
-}
-
-TEST_F(CommandLine, groupsPhotosIntoVersionsStacksAndSmartAlbums)
-{
-    EXPECT_EQ(json("version create 1"), "{\"id\":4}\n");
-    run("version create 4 --name Print");
-    EXPECT_NE(json("version list 1").find(R"("versionOf":1,"versionName":"Print")"), std::string::npos);
-
-    EXPECT_EQ(run("stack auto --dry-run").out, "Within 10 seconds: 1 stack from 3 photos\n");
-    EXPECT_EQ(json("stack list"), "");
-    EXPECT_EQ(json("stack create 1 2 --pick 2"), "{\"id\":1}\n");
-    EXPECT_EQ(run("stack create 1 --pick 3").exitCode, 2);
-    EXPECT_EQ(run("stack create 1 99").err, "korvo: no photo with the id 99\n");
-    EXPECT_EQ(run("stack auto --source album:99").err, "korvo: no album with the id 99\n");
-    EXPECT_EQ(run("stack move 1 1 -1").exitCode, 2);
-    run("stack expand 1");
-    EXPECT_EQ(json("stack list"), "{\"id\":1,\"pick\":2,\"collapsed\":false,\"members\":[2,1]}\n");
-
-    const std::string videos = R"(--rules '{"rules":[{"field":"kind","op":"is","value":"video"}]}')";
-    EXPECT_EQ(json("smart count " + videos), "{\"count\":1}\n");
-    EXPECT_EQ(json("smart create Films " + videos), "{\"id\":1}\n");
-    EXPECT_EQ(run("rate 5 --source smart:1").exitCode, 0);
-    EXPECT_NE(run("list --source smart:1").out.find("c.mov  *****"), std::string::npos);
-    EXPECT_EQ(run("smart update 1 --rules '[]'").exitCode, 1);
-    EXPECT_EQ(run("smart update 1").exitCode, 2);
-    EXPECT_EQ(run("smart delete 1").exitCode, 0);
-    EXPECT_EQ(run("list --source smart:1").exitCode, 1);
 }
 
 TEST_F(CommandLine, namesPhotosByPatternsAndKeepsPresets)

@@ -16,7 +16,19 @@ std::string KorvoProgram::command(const std::string& arguments) const
 KorvoProgram::Outcome KorvoProgram::run(const std::string& arguments, const std::string& input) const
 {
     folder.write("in", input);
-    const int status = std::system(command(arguments).c_str());
+    return outcome(command(arguments));
+}
+
+KorvoProgram::Outcome KorvoProgram::runWithin(std::size_t bytes, const std::string& arguments) const
+{
+    folder.write("in", "");
+    // Ignored, the signal leaves it to the failing write to tell.
+    return outcome("trap '' XFSZ; ulimit -f " + std::to_string(bytes / 512) + "; " + command(arguments));
+}
+
+KorvoProgram::Outcome KorvoProgram::outcome(const std::string& command) const
+{
+    const int status = std::system(command.c_str());
     return {WEXITSTATUS(status), readFile(folder / "out"), readFile(folder / "err")};
 }
 

@@ -2,6 +2,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 
+#include <cstddef>
 #include <string>
 
 namespace korvo {
@@ -17,6 +18,8 @@ public:
 
     /// Runs "korvo" with arguments as a shell would split them.
     Outcome run(const std::string& arguments, const std::string& input = {}) const;
+    /// The same where no file grows beyond so many bytes, as on a disk that becomes full.
+    Outcome runWithin(std::size_t bytes, const std::string& arguments) const;
     std::string json(const std::string& arguments) const { return run("--json " + arguments).out; }
 
     /// Runs it beside the test. Returns its process id.
@@ -25,6 +28,7 @@ public:
     TemporaryFolder folder;
 
 private:
+    Outcome outcome(const std::string& command) const;
     std::string command(const std::string& arguments) const;
 };
 

@@ -105,6 +105,18 @@ TEST(SmartAlbumRules, sayWhatIsWrongAndSuchARuleMatchesNothing)
     }
 }
 
+TEST(SmartAlbumMatcher, aRejectedPhotoIsMinusOneWhateverItsStars)
+{
+    for (const int rating : {-1, -4}) {
+        auto item = photo("a.jpg");
+        item.rating = rating;
+        EXPECT_TRUE(matches({Field::rating, Op::is, "-1"}, item)) << rating;
+        EXPECT_FALSE(matches({Field::rating, Op::isNot, "-1"}, item)) << rating;
+        EXPECT_TRUE(matches({Field::rating, Op::atLeast, "-1"}, item)) << rating;
+        EXPECT_FALSE(matches({Field::rating, Op::is, "-4"}, item)) << rating;
+    }
+}
+
 TEST(SmartAlbumMatcher, eachFieldHasItsWayOfComparing)
 {
     auto item = photo("IMG_Straße.JPG");
