@@ -121,7 +121,8 @@ std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids)
     if (kept.empty())
         return "Already rejected. “Remove from Library…” takes photos out for good; their files stay.";
     setMark(store, kept, Mark::reject);
-    return "Rejected " + counted(kept.size(), "photo") + "; the filter “Rejected” shows them.";
+    return "Rejected " + counted(kept.size(), "photo") + "; the filter “Rejected” shows "
+        + (kept.size() == 1 ? "it." : "them.");
 }
 
 std::optional<PhotoID> photoAfter(const PhotoList& list, std::span<const PhotoID> ids)

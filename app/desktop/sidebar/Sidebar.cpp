@@ -1,6 +1,5 @@
 #include "app/desktop/sidebar/Sidebar.h"
 
-#include "app/desktop/PhotoDrag.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/sheets/Sheets.h"
@@ -8,13 +7,11 @@
 #include "base/Text.h"
 
 #include <QContextMenuEvent>
-#include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMenu>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QTreeWidgetItemIterator>
 
 namespace korvo {
@@ -22,14 +19,8 @@ namespace korvo {
 namespace {
 
 using Kind = SidebarNode::Kind;
-constexpr int keyRole = Qt::UserRole;
-constexpr int idRole = Qt::UserRole + 1;
+constexpr int openWhileDragging = 700; // ms over a closed line
 constexpr std::chrono::milliseconds whileEditing{200}; // between looks whether a name is there
-
-SidebarKey keyOf(const QTreeWidgetItem& item)
-{
-    return {static_cast<Kind>(item.data(0, keyRole).toInt()), item.data(0, idRole).toLongLong()};
-}
 
 bool isKeyword(const QTreeWidgetItem* item)
 {
@@ -51,6 +42,12 @@ QString question(Kind kind, const QString& name)
 
 } // namespace
 
+SidebarKey keyOf(const QTreeWidgetItem& item)
+{
+    return {static_cast<Kind>(item.data(0, sidebarRole::kind).toInt()),
+        item.data(0, sidebarRole::id).toLongLong()};
+}
+
 Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop())
 {
     setObjectName("sidebar");
@@ -66,8 +63,9 @@ Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop(
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setDragEnabled(true);
     setAcceptDrops(true);
-    setDropIndicatorShown(true);
+    setDropIndicatorShown(false); // Qt's shows nothing for photos, nor that a line can be put into another
     setDragDropMode(QAbstractItemView::DragDrop);
+    setAutoExpandDelay(openWhileDragging);
     setTextElideMode(Qt::ElideMiddle);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     refillTimer_.setSingleShot(true);
@@ -137,8 +135,8 @@ void Sidebar::sync(QTreeWidgetItem& parent, const std::vector<SidebarNode>& node
 
 void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
 {
-    item.setData(0, keyRole, static_cast<int>(node.kind));
-    item.setData(0, idRole, static_cast<qlonglong>(node.id));
+    item.setData(0, sidebarRole::kind, static_cast<int>(node.kind));
+    item.setData(0, sidebarRole::id, static_cast<qlonglong>(node.id));
     const QString name = qt(repairedUtf8(node.name));
     item.setText(0, name);
     item.setToolTip(0, node.hint.empty() ? name : qt(repairedUtf8(node.hint)));
@@ -385,57 +383,6 @@ void Sidebar::contextMenuEvent(QContextMenuEvent* event)
              Command::newKeyword, Command::addFolder})
         menu.addAction(commands.action(command));
     menu.exec(event->globalPos());
-}
-
-void Sidebar::dragEnterEvent(QDragEnterEvent* event)
-{
-    event->acceptProposedAction();
-}
-
-/// At an edge of a line beside it, where that can be; else into it.
-DropAt Sidebar::dropAt(const SidebarKey& onto) const
-{
-    const auto at = dropIndicatorPosition() == QAbstractItemView::AboveItem ? DropAt::above
-        : dropIndicatorPosition() == QAbstractItemView::BelowItem           ? DropAt::below
-                                                                            : DropAt::into;
-    return canBeMoved(keyOf(*currentItem()), onto, at) ? at : DropAt::into;
-}
-
-bool Sidebar::takesDrop(const QDropEvent& event, const QTreeWidgetItem* item) const
-{
-    if (!item)
-        return false;
-    if (!draggedPhotos(*event.mimeData()).empty())
-        return takesPhotos(keyOf(*item));
-    return event.source() == this && currentItem()
-        && canBeMoved(keyOf(*currentItem()), keyOf(*item), dropAt(keyOf(*item)));
-}
-
-void Sidebar::dragMoveEvent(QDragMoveEvent* event)
-{
-    QTreeWidget::dragMoveEvent(event); // scrolls, and shows the line
-    const bool files = draggedPhotos(*event->mimeData()).empty() && event->mimeData()->hasUrls();
-    event->setAccepted(files || takesDrop(*event, itemAt(event->position().toPoint())));
-}
-
-void Sidebar::dropEvent(QDropEvent* event)
-{
-    event->setDropAction(Qt::CopyAction); // after a move, whoever it came from would remove it there
-    event->accept();
-    stopAutoScroll();
-    const auto ids = draggedPhotos(*event->mimeData());
-    if (ids.empty() && event->mimeData()->hasUrls())
-        return window_.addDropped(*event->mimeData());
-    const auto* const item = itemAt(event->position().toPoint());
-    if (!takesDrop(*event, item))
-        return;
-    const auto key = keyOf(*item);
-    if (ids.empty())
-        return desktop_.attempt([&] { moveLine(desktop_.store(), keyOf(*currentItem()), key, dropAt(key)); });
-    desktop_.attempt([&] {
-        desktop_.say(
-            dropPhotos(desktop_.store(), {key.kind, key.id, utf8(item->text(0)), {}}, ids), Offer::undo);
-    });
 }
 
 } // namespace korvo

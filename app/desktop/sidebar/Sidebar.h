@@ -12,6 +12,13 @@ class QMenu;
 
 namespace korvo {
 
+/// Where a line keeps which one it is.
+namespace sidebarRole {
+inline constexpr int kind = Qt::UserRole, id = Qt::UserRole + 1;
+} // namespace sidebarRole
+
+SidebarKey keyOf(const QTreeWidgetItem& item);
+
 /// The lines of the sidebar. It shows what the store says, and is told of nothing else.
 class Sidebar : public QTreeWidget {
 public:
@@ -37,8 +44,11 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void startDrag(Qt::DropActions actions) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
@@ -46,8 +56,13 @@ private:
     void sync(QTreeWidgetItem& parent, const std::vector<SidebarNode>& nodes);
     void show(QTreeWidgetItem& item, const SidebarNode& node);
     void addPlaces(QMenu& menu, const SidebarKey& what);
-    DropAt dropAt(const SidebarKey& onto) const;
-    bool takesDrop(const QDropEvent& event, const QTreeWidgetItem* item) const;
+    /// Where a drop would go.
+    struct Place {
+        SidebarKey line;
+        DropAt at;
+    };
+    std::optional<Place> placeOf(const QDropEvent& event) const;
+    void mark(std::optional<Place> place);
     std::set<SidebarKey> open() const;
     void setOpen(const std::set<SidebarKey>& keys);
     void showSource();
@@ -61,6 +76,7 @@ private:
     Desktop& desktop_;
     QTimer refillTimer_; // once for all that changes at a time
     bool filling_ = false;
+    std::optional<Place> marked_; // while something is dragged over it
     std::string searched_; // the keyword that is searched for
     QString filter_;
     std::set<SidebarKey> openBeforeFilter_; // which opens what holds a line that it shows

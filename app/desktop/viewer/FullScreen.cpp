@@ -1,7 +1,10 @@
 #include "app/desktop/viewer/FullScreen.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace korvo {
 
@@ -24,6 +27,7 @@ FullScreen::FullScreen(MainWindow& window, PhotoPage* page)
     noticesChanged_ = window.notices().changed.connect([this] { placeNotice(); });
     addActions(window.actions());
     window.commands().addCentre(*this);
+    qApp->installEventFilter(this);
     browserChanged_ = desktop_.browser().changed.connect([this] { follow(); });
 }
 
@@ -45,8 +49,8 @@ void FullScreen::placeNotice()
 {
     const auto& photo = page_->panes().front()->view();
     const int bottom = photo.mapTo(this, QPoint(0, photo.height())).y();
-    const int height = notice_->sizeHint().height();
-    notice_->setGeometry(0, bottom - height, width(), height);
+    const QSize size = notice_->sizeHint().boundedTo(QSize(width(), bottom));
+    notice_->setGeometry(QRect(QPoint(0, bottom - size.height()), size));
     notice_->raise();
 }
 
@@ -54,6 +58,15 @@ void FullScreen::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     placeNotice();
+}
+
+/// Dialogs belong to the main window, which would come before the photo with them.
+bool FullScreen::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Show && isVisible())
+        if (const auto* const dialog = qobject_cast<QDialog*>(watched); dialog && dialog->windowHandle())
+            dialog->windowHandle()->setTransientParent(windowHandle());
+    return QWidget::eventFilter(watched, event);
 }
 
 void FullScreen::closeEvent(QCloseEvent* event)

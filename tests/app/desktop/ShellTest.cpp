@@ -249,6 +249,31 @@ TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
     EXPECT_TRUE(QTest::qWaitFor([&] { return !sidebar.chosenKeyword(); })) << "not the neighbour";
 }
 
+TEST(Sidebar, takesPhotosWhereTheyCanGo)
+{
+    TestWindow t(2);
+    const auto album = createAlbum(t.store(), "album", {});
+    auto& sidebar = *sidebarOf(*t.window);
+    QTest::qWait(20);
+    const std::vector dragged{t.store().list().find(2)};
+    const std::unique_ptr<QMimeData> data(dragData(dragged));
+    const auto dropOn = [&](const char* name) {
+        const auto* const line = sidebar.findItems(name, Qt::MatchExactly | Qt::MatchRecursive).at(0);
+        const QPoint at = sidebar.visualItemRect(line).center();
+        QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &move);
+        QDropEvent drop(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &drop);
+        return move.isAccepted();
+    };
+    EXPECT_FALSE(dropOn("Videos"));
+    EXPECT_TRUE(dropOn("album"));
+    t.store().chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    EXPECT_EQ(shownIDs(t.store().list()), IDs{2});
+}
+
 TEST(Sidebar, deleteMeansItsLineAndNeverPhotos)
 {
     TestWindow t(2);

@@ -6,9 +6,11 @@
 #include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
+#include <QDialog>
 #include <QLineEdit>
 #include <QPointer>
 #include <QTabWidget>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -199,6 +201,10 @@ TEST(Viewer, theFullScreenPhotoTellsOfErrorsAndOffersUndo)
     EXPECT_TRUE(screen->rect().contains(close->mapTo(screen, close->rect().center())));
     close->click();
     EXPECT_FALSE(t.visibleButton("Close")) << "what was read there is read here";
+    t.window->commands().run(Command::keys);
+    const auto* const dialog = t.window->findChild<QDialog*>();
+    ASSERT_TRUE(dialog && dialog->isVisible());
+    EXPECT_EQ(dialog->windowHandle()->transientParent(), screen->windowHandle()) << "comes before the photo";
 }
 
 TEST(Viewer, aLabelChosenBelowAPhotoMayTakeItOutOfTheSurvey)

@@ -1,0 +1,127 @@
+// What is dragged from the sidebar, and dropped on its lines.
+
+#include "app/desktop/PhotoDrag.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/Theme.h"
+#include "app/desktop/sidebar/Sidebar.h"
+
+#include <QDrag>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QPainter>
+
+namespace korvo {
+
+/// The line's name beside the pointer, so that the line below it can be seen.
+void Sidebar::startDrag(Qt::DropActions actions)
+{
+    if (!currentItem() || !currentItem()->flags().testFlag(Qt::ItemIsDragEnabled))
+        return;
+    const QString name = fontMetrics().elidedText(currentItem()->text(0), Qt::ElideMiddle, 200);
+    const QSize size = fontMetrics().size(Qt::TextSingleLine, name) + QSize(16, 8);
+    QPixmap ghost(size * devicePixelRatioF());
+    ghost.setDevicePixelRatio(devicePixelRatioF());
+    ghost.fill(theme::accentFill);
+    QPainter painter(&ghost);
+    painter.setFont(font());
+    painter.setPen(theme::text);
+    painter.drawText(QRect({}, size), Qt::AlignCenter, name);
+    painter.end();
+    auto* const drag = new QDrag(this); // Qt's from then on
+    drag->setMimeData(mimeData({currentItem()}));
+    drag->setPixmap(ghost);
+    drag->setHotSpot({-14, -10});
+    drag->exec(actions, Qt::CopyAction);
+}
+
+/// Photos go into a line. A line goes beside or into another, as near to where the pointer is as can be.
+std::optional<Sidebar::Place> Sidebar::placeOf(const QDropEvent& event) const
+{
+    const auto point = event.position().toPoint();
+    const auto* const item = itemAt(point);
+    if (!item)
+        return std::nullopt;
+    const auto onto = keyOf(*item);
+    if (!draggedPhotos(*event.mimeData()).empty())
+        return takesPhotos(onto) ? std::optional(Place{onto, DropAt::into}) : std::nullopt;
+    if (event.source() != this || !currentItem())
+        return std::nullopt;
+    const QRect line = visualItemRect(item);
+    const bool isUpper = point.y() < line.center().y();
+    const auto beside = isUpper ? DropAt::above : DropAt::below;
+    const int fromEdge = isUpper ? point.y() - line.top() : line.bottom() - point.y();
+    const bool isAtEdge = fromEdge < line.height() / 4;
+    for (const auto at : {isAtEdge ? beside : DropAt::into, isAtEdge ? DropAt::into : beside})
+        if (canBeMoved(keyOf(*currentItem()), onto, at))
+            return Place{onto, at};
+    return std::nullopt;
+}
+
+void Sidebar::mark(std::optional<Place> place)
+{
+    marked_ = place;
+    viewport()->update();
+}
+
+void Sidebar::paintEvent(QPaintEvent* event)
+{
+    QTreeWidget::paintEvent(event);
+    const auto* const item = marked_ ? itemOf(marked_->line) : nullptr;
+    if (!item)
+        return;
+    QRect line = visualItemRect(item);
+    line.setRight(viewport()->width() - 1);
+    QPainter painter(viewport());
+    if (marked_->at == DropAt::into) {
+        painter.setPen({theme::accent, 2});
+        painter.drawRect(line.adjusted(1, 1, -1, -1));
+    } else {
+        const int y = marked_->at == DropAt::above ? line.top() - 1 : line.bottom();
+        painter.fillRect(line.left(), y, line.width(), 3, theme::accent);
+    }
+}
+
+void Sidebar::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->acceptProposedAction();
+}
+
+void Sidebar::dragMoveEvent(QDragMoveEvent* event)
+{
+    QTreeWidget::dragMoveEvent(event); // scrolls
+    const bool areFiles = draggedPhotos(*event->mimeData()).empty() && event->mimeData()->hasUrls();
+    mark(placeOf(*event));
+    event->setAccepted(areFiles || marked_);
+}
+
+void Sidebar::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    QTreeWidget::dragLeaveEvent(event);
+    mark(std::nullopt);
+}
+
+void Sidebar::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction); // after a move, whoever it came from would remove it there
+    event->accept();
+    stopAutoScroll();
+    setState(NoState);
+    mark(std::nullopt);
+    const auto ids = draggedPhotos(*event->mimeData());
+    if (ids.empty() && event->mimeData()->hasUrls())
+        return window_.addDropped(*event->mimeData());
+    const auto place = placeOf(*event);
+    if (!place)
+        return;
+    desktop_.attempt([&] {
+        const auto& line = place->line;
+        if (ids.empty())
+            moveLine(desktop_.store(), keyOf(*currentItem()), line, place->at);
+        else
+            desktop_.say(
+                dropPhotos(desktop_.store(), {line.kind, line.id, utf8(itemOf(line)->text(0)), {}}, ids),
+                Offer::undo);
+    });
+}
+
+} // namespace korvo
