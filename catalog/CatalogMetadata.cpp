@@ -62,7 +62,7 @@ bool Catalog::isCaptureDateRead(PhotoID id)
 
 void Catalog::setUserPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude)
 {
-    database_.run(
+    runAlone(database_,
         "UPDATE photos SET latitude = ?, longitude = ?, gps_read = 1 WHERE id = ? OR version_of = ?",
         latitude, longitude, id, id);
 }
@@ -123,7 +123,8 @@ std::optional<FileRecord> Catalog::fileRecord(PhotoID id)
 
 void Catalog::storeMetadataBackup(PhotoID id, std::string_view backup)
 {
-    database_.run("UPDATE photos SET metadata_backup = ? WHERE id = ? AND metadata_backup = ''", backup, id);
+    runAlone(
+        database_, "UPDATE photos SET metadata_backup = ? WHERE id = ? AND metadata_backup = ''", backup, id);
 }
 
 void Catalog::metadataWritten(

@@ -189,7 +189,7 @@ WHERE id = ? OR version_of = ?)",
 
 void Catalog::fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize)
 {
-    database_.run("UPDATE photos SET mtime = ?, file_size = ? WHERE id = ? OR version_of = ?", fileDate,
+    runAlone(database_, "UPDATE photos SET mtime = ?, file_size = ? WHERE id = ? OR version_of = ?", fileDate,
         fileSize, id, id);
 }
 

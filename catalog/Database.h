@@ -124,7 +124,8 @@ private:
 
 /// A change of several statements that happens as a whole or not at all: what is not committed when the
 /// transaction goes is rolled back. It holds the connection for its life, so keep it short. A transaction
-/// inside another is a part of it that can be rolled back alone.
+/// inside another is a part of it that can be rolled back alone. Not to be begun while the same thread reads
+/// by a Statement: it would keep the connection from others all the same.
 class Transaction {
 public:
     /// Takes the write lock at once, waiting so long for other processes. Other threads may use the
@@ -145,5 +146,15 @@ private:
     bool nested_ = false;
     bool open_ = true;
 };
+
+/// Runs a kept statement as a Transaction of its own: by itself it would hold the connection while it waits
+/// for another process. Throws DatabaseError.
+template <typename... Args>
+void runAlone(Database& database, std::string_view sql, const Args&... args)
+{
+    Transaction transaction(database);
+    database.run(sql, args...);
+    transaction.commit();
+}
 
 } // namespace korvo

@@ -61,6 +61,13 @@ DatabaseError DatabaseError::step(const std::string& message, const std::string&
     return {Case::step, message, sql, code, "Catalog error: " + message + " [" + sql + "]"};
 }
 
+DatabaseError DatabaseError::outdated(
+    const std::string& title, const std::string& done, const DatabaseError& failed)
+{
+    return {Case::step, failed.message(), failed.sql(), failed.code(),
+        "\"" + title + "\" cannot be " + done + ": the library has changed since."};
+}
+
 std::string textForUser(const std::exception& error)
 {
     const std::string description = error.what();

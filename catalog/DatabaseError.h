@@ -16,6 +16,9 @@ public:
     static DatabaseError prepare(const std::string& message, const std::string& sql, int code = 0);
     /// A statement failed when it ran.
     static DatabaseError step(const std::string& message, const std::string& sql, int code = 0);
+    /// What was to be done, "undone", cannot stand beside what is there now. `failed` is what showed it.
+    static DatabaseError outdated(
+        const std::string& title, const std::string& done, const DatabaseError& failed);
 
     Case which() const { return which_; }
     /// SQLite's result code; 0 when it was not SQLite that failed.

@@ -67,7 +67,7 @@ std::vector<std::string> ImportMemory::announcedPaths(std::string_view key)
 
 void ImportMemory::forgetAnnounced(std::string_view path)
 {
-    database_.run("DELETE FROM meta WHERE key = ?", announcedKey(path));
+    runAlone(database_, "DELETE FROM meta WHERE key = ?", announcedKey(path));
 }
 
 std::optional<std::string> ImportMemory::path(std::string_view key)
@@ -107,7 +107,7 @@ UnfinishedImport ImportMemory::unfinished()
 
 void ImportMemory::forgetLeft(std::string_view key)
 {
-    database_.run("DELETE FROM meta WHERE key = ?", leftKey(key));
+    runAlone(database_, "DELETE FROM meta WHERE key = ?", leftKey(key));
 }
 
 } // namespace korvo

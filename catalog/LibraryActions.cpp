@@ -41,11 +41,11 @@ void setMetadataField(
 
 void editKeywords(LibraryStore& store, std::span<const PhotoID> ids, const KeywordEdit& edit)
 {
-    std::unordered_map<SharedText, std::vector<PhotoID>> byKeywords;
-    for (const auto id : ids)
-        if (const PhotoItem* const item = store.list().find(id))
-            byKeywords[item->metadata.keywords].push_back(id);
     store.perform(std::string(metadataFields()[keywordsField].undoTitle), [&](Catalog& catalog) {
+        // As they are stored: the list may wait for what background work has changed.
+        std::unordered_map<SharedText, std::vector<PhotoID>> byKeywords;
+        for (const auto& item : catalog.photosByID(ids))
+            byKeywords[item.metadata.keywords].push_back(item.id);
         for (const auto& [keywords, photos] : byKeywords)
             catalog.changeMetadata(
                 photos, {.keywords = SharedText(edit.appliedTo(keywords))}, WriteBack::pending);

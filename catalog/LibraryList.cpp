@@ -42,7 +42,7 @@ void LibraryStore::show(ReadList read, const ChangedRows& since)
     replaceList(std::move(read.list));
     sourceFault_ = std::move(read.fault);
     isListed_ = true;
-    updateRows(since);
+    follow([&] { updateRows(since); });
     if (!list_.isArranged()) // the wish came too late
         order(patience_);
 }
@@ -138,12 +138,14 @@ void LibraryStore::orderArrived()
     changed.emit({.photos = late.updated, .list = true, .selection = selected});
 }
 
-void LibraryStore::follow(const std::function<void()>& step)
+bool LibraryStore::follow(const std::function<void()>& step)
 {
     try {
         step();
+        return true;
     } catch (const std::exception&) { // the list is read again when others' changes are looked for
         dataVersion_ = -1;
+        return false;
     }
 }
 

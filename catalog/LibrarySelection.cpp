@@ -38,7 +38,7 @@ bool LibraryStore::repairSelection(std::optional<std::size_t> firstPosition)
 {
     const auto before = selection_;
     if (!reading_ && !toSelect_.empty())
-        selection_ = std::exchange(toSelect_, {});
+        selection_ = ordering_ ? toSelect_ : std::exchange(toSelect_, {}); // it may show what is hidden yet
     std::vector<PhotoID> kept;
     for (const PhotoID id : selection_)
         if (const auto shownID = list_.shownFor(id))

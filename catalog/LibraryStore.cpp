@@ -157,51 +157,64 @@ std::optional<std::string> LibraryStore::redoTitle() const
     return step ? std::optional(step->title) : std::nullopt;
 }
 
+void LibraryStore::attempt(Way way, const std::function<void()>& step)
+{
+    try {
+        step();
+    } catch (const DatabaseError& error) {
+        if (error.mayPass())
+            throw;
+        const auto title = (way == Way::back ? history_.toUndo() : history_.toRedo())->title;
+        way == Way::back ? history_.forgetUndo()
+                         : history_.forgetRedo(); // those behind it can still be taken
+        if (error.primaryCode() == SQLITE_CONSTRAINT)
+            throw DatabaseError::outdated(title, way == Way::back ? "undone" : "done again", error);
+        throw;
+    }
+}
+
 std::size_t LibraryStore::undo()
 {
     main_.assertCurrent();
     const UndoStep* const step = history_.toUndo();
-    if (!step)
-        return 0;
-    if (step->added.areThere()) {
-        auto [taken, rows] = recorded([&](Catalog& catalog) { catalog.takeOut(step->added); });
-        const auto photos = step->added.photos.size();
-        history_.undone(taken.inverted());
-        publish(std::move(rows));
-        return photos;
-    }
-    const auto inverse = step->changes.inverted();
-    const auto touched = changedRows(catalog_->database(), inverse);
-    ChangedRows rows;
-    try {
-        rows = replay(inverse, touched);
-    } catch (const DatabaseError& error) {
-        if (!error.mayPass()) // the steps before it still may be undone
-            history_.forgetUndo();
-        throw;
-    }
-    history_.undone();
-    publish(rows, touched.inserted.empty() ? touched.updated : touched.inserted);
+    if (step && step->added.areThere())
+        return takeOut(step->added);
+    if (step)
+        retrace(step->changes.inverted(), Way::back);
     return 0;
 }
 
 void LibraryStore::redo()
 {
     main_.assertCurrent();
-    const UndoStep* const step = history_.toRedo();
-    if (!step)
-        return;
-    const auto touched = changedRows(catalog_->database(), step->changes);
+    if (const UndoStep* const step = history_.toRedo())
+        retrace(step->changes, Way::forth);
+}
+
+std::size_t LibraryStore::takeOut(const AddedRows& added)
+{
+    Recorded taken;
+    Changeset redo;
+    attempt(Way::back, [&] {
+        Transaction transaction(catalog_->database(), writePatience);
+        taken = recorded([&](Catalog& catalog) { catalog.takeOut(added); });
+        redo = taken.changes.inverted();
+        transaction.commit();
+    });
+    history_.undone(std::move(redo));
+    const auto photos = taken.rows.deleted.size();
+    publish(std::move(taken.rows));
+    return photos;
+}
+
+void LibraryStore::retrace(const Changeset& changes, Way way)
+{
+    const auto touched = changedRows(catalog_->database(), changes);
     ChangedRows rows;
-    try {
-        rows = replay(step->changes, touched);
-    } catch (const DatabaseError& error) {
-        if (!error.mayPass())
-            history_.forgetRedo();
-        throw;
-    }
-    history_.redone();
-    publish(rows, touched.updated);
+    attempt(way, [&] { rows = replay(changes, touched); });
+    way == Way::back ? history_.undone() : history_.redone();
+    const bool bringsBack = way == Way::back && !touched.inserted.empty();
+    publish(std::move(rows), bringsBack ? touched.inserted : touched.updated);
 }
 
 ChangedRows LibraryStore::replay(const Changeset& changes, const ChangedRows& touched)
@@ -273,12 +286,13 @@ void LibraryStore::publish(ChangedRows rows, std::span<const PhotoID> select)
         treeChanged();
     const auto first = firstSelectedPosition();
     const bool wasReading = isReading();
-    follow([&] { change.list = updateList(rows); });
+    if (!follow([&] { change.list = updateList(rows); }))
+        change.list = true; // it may be half done
     change.tree |= wasReading && !isReading() && counter_.isDue();
     const auto before = selection_;
     if (!select.empty())
         selection_.assign(select.begin(), select.end());
-    if (!select.empty() && reading_)
+    if (!select.empty() && (reading_ || ordering_))
         toSelect_ = selection_;
     if (change.list || !select.empty())
         repairSelection(first);

@@ -127,7 +127,8 @@ private:
     /// Ends an ordering that may be running, before what it looks at changes. Returns the rows kept for it.
     ChangedRows endOrdering();
     /// Does what follows a change that is stored already, and must be told even if the list cannot show it.
-    void follow(const std::function<void()>& step);
+    /// Returns whether it went well.
+    bool follow(const std::function<void()>& step);
     /// Frees a list that may be long, in the background.
     void discard(PhotoList list);
     bool mustReload(const ChangedRows& rows) const;
@@ -153,6 +154,13 @@ private:
     };
     /// Makes a change in a transaction of its own and returns what it did.
     Recorded recorded(const std::function<void(Catalog&)>& change);
+    enum class Way { back, forth };
+    /// Takes the step that is next on this way; forgets it when it can never be taken.
+    void attempt(Way way, const std::function<void()>& step);
+    /// Takes back that these were added; returns how many photos left the library.
+    std::size_t takeOut(const AddedRows& added);
+    /// Makes the changes of the step that is next on this way.
+    void retrace(const Changeset& changes, Way way);
     /// Makes the changes, which touch these rows, again, and returns what really happened.
     ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
@@ -166,7 +174,7 @@ private:
     PhotoList list_;
     bool isListed_ = false; // list_ is the source's, though maybe of an earlier moment
     std::vector<PhotoID> selection_;
-    std::vector<PhotoID> toSelect_; // once the list that is being read is there
+    std::vector<PhotoID> toSelect_; // once the list is there that is being read, or its order
     std::optional<LibraryTree> tree_;
     std::unordered_map<PhotoID, PhotoItem::Status> statuses_; // but those that are idle
     UndoHistory history_;

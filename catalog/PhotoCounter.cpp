@@ -17,20 +17,26 @@ bool PhotoCounter::bringUpToDate()
         [this] { countsArrived(); });
     if (!counting_->waitFor(patience_))
         return false;
+    return takeCounts();
+}
+
+bool PhotoCounter::takeCounts()
+{
     const auto counting = std::move(counting_);
-    counts_ = counting->take();
-    return true;
+    try {
+        counts_ = counting->take();
+        return true;
+    } catch (const DatabaseError&) { // those of before stay, and who asks next counts again
+        isDue_ = true;
+        return false;
+    }
 }
 
 void PhotoCounter::countsArrived()
 {
-    const auto counting = std::move(counting_);
     const auto before = counts_;
-    try {
-        counts_ = counting->take();
-    } catch (const DatabaseError&) { // the counts of before stay; the next change counts again
-    }
-    bringUpToDate();
+    if (takeCounts())
+        bringUpToDate();
     if (before != counts_)
         counted_();
 }

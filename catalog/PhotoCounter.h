@@ -25,6 +25,8 @@ public:
 
 private:
     void countsArrived();
+    /// Returns whether there were any to take.
+    bool takeCounts();
 
     MainThread& main_;
     const Catalog& catalog_;

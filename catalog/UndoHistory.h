@@ -32,9 +32,12 @@ public:
         put(std::move(step), done_);
     }
     /// An action that ends now but began when the step `since` was the newest: what was done meanwhile is
-    /// undone before it, and what was undone still can be redone.
+    /// undone before it, and still can be redone if it is undone already. What is older and was undone no
+    /// longer can: it may be what has come again.
     void addBehind(std::uint64_t since, UndoStep step)
     {
+        if (done_ < steps_.size() && steps_[done_].number <= since)
+            steps_.resize(done_);
         auto place = done_;
         while (place > 0 && steps_[place - 1].number > since)
             --place;

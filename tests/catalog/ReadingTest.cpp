@@ -260,6 +260,24 @@ TEST_F(StoreReading, batchesOfBackgroundWorkDoNotKeepALongListFromBeingSorted)
     EXPECT_EQ(store->list().shown().size(), 60'300U);
 }
 
+TEST_F(StoreReading, whatUndoBringsBackIsSelectedOnceTheOrderShowsIt)
+{
+    ASSERT_TRUE(isRead());
+    store->catalog().database().exec(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60000) INSERT INTO photos "
+        "(path, filename, added_at, rating) SELECT printf('/many/%05d.jpg', i), printf('%05d.jpg', i), "
+        "1e9 - i, 3 FROM n");
+    store->reload();
+    ASSERT_TRUE(isRead());
+    store->arrange(SortKey::name, GridFilter::starred);
+    ASSERT_TRUE(main.runUntil([&] { return !store->isOrdering(); }));
+    setFlagged(*store, only(ids[5]), true); // which the filter hides
+    store->arrange(SortKey::imported, std::nullopt);
+    store->undo();
+    ASSERT_TRUE(main.runUntil([&] { return !store->isOrdering(); }));
+    EXPECT_EQ(store->selection(), only(ids[5]));
+}
+
 TEST(StoreReadingCounts, areToldThoughAShortListIsChosenMeanwhile)
 {
     TestLibrary library;
@@ -295,9 +313,11 @@ TEST_F(StoreReading, anActionThatIsStoredIsToldThoughTheListCannotFollow)
     EXPECT_TRUE(told);
     EXPECT_TRUE(shown.undoTitle());
     EXPECT_TRUE(shown.list().items().empty());
+    EXPECT_EQ(shown.tree().albums.size(), 1U) << "what can be read is there without the counts";
     std::filesystem::rename(catalog.string() + ".away", catalog);
     shown.reloadIfChangedElsewhere();
     EXPECT_EQ(shown.list().items().size(), 1U);
+    EXPECT_EQ(shown.tree().totals.photos, 1) << "counted after all";
 }
 
 TEST(MetadataBase, comesBackWithAPhotoThatWasRemoved)
