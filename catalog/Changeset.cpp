@@ -60,6 +60,17 @@ void noteStacks(ChangedRows& rows, const ChangeIterator& change, int stackColumn
             rows.stackIDs.insert(sqlite3_value_int64(value));
 }
 
+/// The stacks that changed photos are in: of one that moved within its own the change does not say which.
+void noteOwnStacks(ChangedRows& rows, Database& database)
+{
+    auto statement = database.kept("SELECT stack_id FROM photos WHERE id = ? AND stack_id IS NOT NULL");
+    for (const auto photo : rows.updated) {
+        statement.bind(photo);
+        if (statement.step())
+            rows.stackIDs.insert(statement.integer(0));
+    }
+}
+
 } // namespace
 
 void ChangeRecorder::Delete::operator()(sqlite3_session* session) const
@@ -118,7 +129,9 @@ ChangedRows changedRows(Database& database, const Changeset& changes)
         note(rows, change, columns);
         noteStacks(rows, change, stackColumn);
     }
-    rows.stacks = !rows.stackIDs.empty() || rows.photoColumns.contains("stack_position");
+    if (rows.photoColumns.contains("stack_position"))
+        noteOwnStacks(rows, database);
+    rows.stacks = !rows.stackIDs.empty();
     return rows;
 }
 

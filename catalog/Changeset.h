@@ -37,8 +37,8 @@ struct ChangedRows {
     std::set<std::string, std::less<>> photoColumns; // whose values an update of `photos` changed
     std::set<std::int64_t> albums; // whose members changed
     std::set<std::int64_t> smartAlbums; // that were made, changed or deleted
-    std::set<std::int64_t> stackIDs; // that were made, changed or deleted, or won or lost a member
-    bool stacks = false; // one of these, or the order in one
+    std::set<std::int64_t> stackIDs; // that were made, changed or deleted, or whose members changed
+    bool stacks = false; // one of these
     bool tree = false; // a folder, project, album, keyword or person changed
 };
 

@@ -194,7 +194,7 @@ bool LibraryStore::updateRows(const ChangedRows& rows)
 {
     const bool changesPhotos = !sourceFault_ && updatePhotos(rows);
     if (rows.stacks)
-        list_.setStacks(stacksIn(catalog_->database()));
+        list_.updateStacks(rows.stackIDs, stacksIn(catalog_->database(), rows.stackIDs));
     return changesPhotos || rows.stacks;
 }
 

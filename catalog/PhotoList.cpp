@@ -102,6 +102,12 @@ void PhotoList::setStacks(const std::vector<Stack>& stacks)
     arrangeStacks();
 }
 
+void PhotoList::updateStacks(const std::set<std::int64_t>& ids, const std::vector<Stack>& stacks)
+{
+    stacks_.update(ids, stacks);
+    arrangeStacks();
+}
+
 std::optional<PhotoID> PhotoList::shownFor(PhotoID id) const
 {
     const PhotoItem* const item = find(id);

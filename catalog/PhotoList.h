@@ -52,6 +52,8 @@ public:
     void assign(std::vector<PhotoItem> items, ListedBy by, const std::stop_token& stop = {});
     /// All stacks of the library, whose members stand together or behind their pick.
     void setStacks(const std::vector<Stack>& stacks);
+    /// The same where those of these ids alone have changed, after the photos that they won or lost.
+    void updateStacks(const std::set<std::int64_t>& ids, const std::vector<Stack>& stacks);
     /// How many members the photo's stack has; 0 for one that is in none.
     std::size_t stackSize(const PhotoItem& item) const
     {

@@ -5,13 +5,20 @@
 
 namespace korvo {
 
-StackPlaces::StackPlaces(const std::vector<Stack>& stacks)
+void StackPlaces::add(const std::vector<Stack>& stacks)
 {
     for (const Stack& stack : stacks) {
-        sizes_.emplace(stack.id, stack.members.size());
+        sizes_.insert_or_assign(stack.id, stack.members.size());
         for (std::size_t rank = 0; rank < stack.members.size(); ++rank)
-            places_.emplace(stack.members[rank], Place{stack.id, rank, stack.collapsed});
+            places_.insert_or_assign(stack.members[rank], Place{stack.id, rank, stack.collapsed});
     }
+}
+
+void StackPlaces::update(const std::set<std::int64_t>& ids, const std::vector<Stack>& stacks)
+{
+    for (const auto id : ids)
+        sizes_.erase(id);
+    add(stacks);
 }
 
 std::vector<StackPlaces::ShownMember> StackPlaces::membersIn(
@@ -20,9 +27,12 @@ std::vector<StackPlaces::ShownMember> StackPlaces::membersIn(
     std::vector<ShownMember> members;
     for (const auto position : order) {
         check();
-        if (items[position].stackID)
-            if (const auto found = places_.find(items[position].id); found != places_.end())
-                members.push_back({found->second, position});
+        const auto stack = items[position].stackID;
+        if (!stack)
+            continue;
+        const auto found = places_.find(items[position].id);
+        if (found != places_.end() && found->second.stack == *stack)
+            members.push_back({found->second, position});
     }
     std::sort(members.begin(), members.end(), check.with([](const ShownMember& a, const ShownMember& b) {
         return std::tie(a.place.stack, a.place.rank) < std::tie(b.place.stack, b.place.rank);

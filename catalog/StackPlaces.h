@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -17,7 +18,11 @@ namespace korvo {
 class StackPlaces {
 public:
     StackPlaces() = default;
-    explicit StackPlaces(const std::vector<Stack>& stacks);
+    explicit StackPlaces(const std::vector<Stack>& stacks) { add(stacks); }
+
+    /// Takes the stacks of these ids as they are now; those that are missing are gone. The items must know
+    /// which stack they are in.
+    void update(const std::set<std::int64_t>& ids, const std::vector<Stack>& stacks);
 
     struct Arrangement {
         std::vector<std::uint32_t> shown; // positions in the items
@@ -46,10 +51,11 @@ private:
         std::uint32_t position; // in the items
     };
 
+    void add(const std::vector<Stack>& stacks);
     std::vector<ShownMember> membersIn(
         const std::vector<std::uint32_t>& order, const std::vector<PhotoItem>& items, StopCheck& check) const;
 
-    std::unordered_map<PhotoID, Place> places_;
+    std::unordered_map<PhotoID, Place> places_; // also of photos that have left their stack
     std::unordered_map<std::int64_t, std::size_t> sizes_;
 };
 

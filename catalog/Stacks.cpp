@@ -51,13 +51,23 @@ void requireStack(Database& database, std::int64_t id)
 
 } // namespace
 
+std::vector<Stack> stacksIn(Database& database, const std::set<std::int64_t>& ids)
+{
+    std::vector<Stack> stacks;
+    auto statement = database.kept("SELECT pick_photo_id, collapsed FROM stacks WHERE id = ?");
+    for (const auto id : ids) {
+        statement.bind(id);
+        if (statement.step())
+            stacks.push_back({id, statement.integer(0), statement.integer(1) != 0,
+                membersOf(database, membersAsShown, id)});
+    }
+    return stacks;
+}
+
 Stack stackIn(Database& database, std::int64_t id)
 {
-    auto statement = database.kept("SELECT pick_photo_id, collapsed FROM stacks WHERE id = ?");
-    statement.bind(id);
-    if (!statement.step())
-        throw NotFoundError("stack", id);
-    return {id, statement.integer(0), statement.integer(1) != 0, membersOf(database, membersAsShown, id)};
+    requireStack(database, id);
+    return stacksIn(database, {id}).front();
 }
 
 namespace {

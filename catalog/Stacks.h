@@ -20,6 +20,8 @@ namespace korvo {
 
 /// All stacks, in the order of their ids, their members as shown.
 std::vector<Stack> stacksIn(Database& database);
+/// Those of these ids that there are.
+std::vector<Stack> stacksIn(Database& database, const std::set<std::int64_t>& ids);
 /// One of them. Throws NotFoundError.
 Stack stackIn(Database& database, std::int64_t id);
 /// Gathers photos, in this order, under the pick, which without one is the first. Members leave the stacks
