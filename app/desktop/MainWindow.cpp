@@ -180,6 +180,8 @@ void MainWindow::changeEvent(QEvent* event)
     QMainWindow::changeEvent(event);
     if (event->type() != QEvent::ActivationChange || !isActiveWindow())
         return;
+    if (desktop_.browser().mode() == ViewMode::fullScreen && QApplication::activeWindow() == this)
+        desktop_.browser().setMode(ViewMode::viewer); // else keys would mean the photo behind this window
     desktop_.decoded().lookForChanges();
     desktop_.attempt([this] { desktop_.store().reloadIfChangedElsewhere(); });
 }

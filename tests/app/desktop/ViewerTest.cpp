@@ -205,6 +205,9 @@ TEST(Viewer, theFullScreenPhotoTellsOfErrorsAndOffersUndo)
     const auto* const dialog = t.window->findChild<QDialog*>();
     ASSERT_TRUE(dialog && dialog->isVisible());
     EXPECT_EQ(dialog->windowHandle()->transientParent(), screen->windowHandle()) << "comes before the photo";
+    EXPECT_EQ(t.desktop->browser().mode(), ViewMode::fullScreen);
+    t.window->activateWindow(); // as a second start does
+    EXPECT_TRUE(QTest::qWaitFor([&] { return t.desktop->browser().mode() == ViewMode::viewer; }));
 }
 
 TEST(Viewer, aLabelChosenBelowAPhotoMayTakeItOutOfTheSurvey)
