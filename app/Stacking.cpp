@@ -4,6 +4,7 @@
 #include "catalog/Stacks.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace korvo {
@@ -25,6 +26,12 @@ std::set<std::int64_t> stacksOfListed(const LibraryStore& store, std::span<const
     return stacks;
 }
 
+/// The members that only the pick is shown of, it first; null for an expanded stack.
+const std::vector<PhotoID>* hidden(const Stack& stack)
+{
+    return stack.collapsed && !stack.members.empty() ? &stack.members : nullptr;
+}
+
 Stack stackIn(LibraryStore& store, std::int64_t id)
 {
     return stackIn(store.catalog().database(), id);
@@ -34,12 +41,15 @@ Stack stackIn(LibraryStore& store, std::int64_t id)
 
 void stackPhotos(LibraryStore& store, std::span<const PhotoID> ids, std::optional<PhotoID> pick)
 {
+    std::map<std::int64_t, Stack> stacks; // many of the photos may be of one long stack
+    for (const auto stack : stacksOfListed(store, ids))
+        stacks.emplace(stack, stackIn(store, stack));
     std::vector<PhotoID> all;
     for (const PhotoID id : ids) {
-        const auto number = stackOf(store, id);
-        const auto stack = number ? std::optional(stackIn(store, *number)) : std::nullopt;
-        if (stack && stack->collapsed && stack->members.front() == id)
-            all.insert(all.end(), stack->members.begin(), stack->members.end());
+        const auto stack = stackOf(store, id);
+        if (const auto* const members = stack ? hidden(stacks.at(*stack)) : nullptr;
+            members && members->front() == id)
+            all.insert(all.end(), members->begin(), members->end());
         else
             all.push_back(id);
     }

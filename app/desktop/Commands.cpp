@@ -41,11 +41,12 @@ const CommandInfo& infoOf(Command command)
     return *std::ranges::find(commandTable(), command, &CommandInfo::id);
 }
 
-/// What no menu would offer without photos.
+/// What no menu would offer without photos, and what takes those with it that are selected.
 bool actsOnPhotos(Command command)
 {
     const auto needs = infoOf(command).needs;
-    return needs == CommandNeeds::photos || needs == CommandNeeds::several || needs == CommandNeeds::stacked;
+    return needs == CommandNeeds::photos || needs == CommandNeeds::several || needs == CommandNeeds::stacked
+        || command == Command::newAlbum;
 }
 
 bool isStacked(const LibraryStore& store, std::span<const PhotoID> ids)

@@ -16,7 +16,9 @@ GridView::Gap GridView::gapAt(QPoint point) const
     const auto columns = static_cast<std::size_t>(layout_.columns());
     const int y = std::max(0, point.y() + verticalScrollBar()->value());
     const auto lastRow = layout_.count > 0 ? (layout_.count - 1) / columns : 0;
-    const auto row = std::min(static_cast<std::size_t>(y / layout_.cell.height()), lastRow);
+    const auto row = static_cast<std::size_t>(y / layout_.cell.height());
+    if (row > lastRow)
+        return {layout_.count, lastRow};
     const auto end = std::min((row + 1) * columns, layout_.count);
     for (std::size_t index = row * columns; index < end; ++index)
         if (point.x() < layout_.rect(index).center().x())

@@ -19,7 +19,6 @@ namespace korvo {
 namespace {
 
 using Kind = SidebarNode::Kind;
-constexpr int openWhileDragging = 700; // ms over a closed line
 constexpr std::chrono::milliseconds whileEditing{200}; // between looks whether a name is there
 
 bool isKeyword(const QTreeWidgetItem* item)
@@ -65,11 +64,15 @@ Sidebar::Sidebar(MainWindow& window) : window_(window), desktop_(window.desktop(
     setAcceptDrops(true);
     setDropIndicatorShown(false); // Qt's shows nothing for photos, nor that a line can be put into another
     setDragDropMode(QAbstractItemView::DragDrop);
-    setAutoExpandDelay(openWhileDragging);
     setTextElideMode(Qt::ElideMiddle);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     refillTimer_.setSingleShot(true);
+    openTimer_.setSingleShot(true);
     connect(&refillTimer_, &QTimer::timeout, this, [this] { desktop_.attempt([this] { refill(); }); });
+    connect(&openTimer_, &QTimer::timeout, this, [this] {
+        if (auto* const item = under_ ? itemOf(*under_) : nullptr)
+            item->setExpanded(true);
+    });
     connect(this, &QTreeWidget::currentItemChanged, this,
         [this](QTreeWidgetItem* item, QTreeWidgetItem* before) { choose(item, before); });
     connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item) { renamed(item); });
@@ -277,7 +280,8 @@ bool Sidebar::event(QEvent* event)
 void Sidebar::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Delete) {
-        if (event->modifiers() == Qt::NoModifier && currentItem())
+        const bool isAlone = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+        if (isAlone && currentItem())
             remove(*currentItem());
         return;
     }

@@ -63,6 +63,7 @@ private:
     };
     std::optional<Place> placeOf(const QDropEvent& event) const;
     void mark(std::optional<Place> place);
+    void openLater(const QTreeWidgetItem* item);
     std::set<SidebarKey> open() const;
     void setOpen(const std::set<SidebarKey>& keys);
     void showSource();
@@ -77,6 +78,8 @@ private:
     QTimer refillTimer_; // once for all that changes at a time
     bool filling_ = false;
     std::optional<Place> marked_; // while something is dragged over it
+    std::optional<SidebarKey> under_; // the line that it is over
+    QTimer openTimer_; // Qt's own waits only for what is dragged from here, and closes open lines
     std::string searched_; // the keyword that is searched for
     QString filter_;
     std::set<SidebarKey> openBeforeFilter_; // which opens what holds a line that it shows

@@ -10,7 +10,15 @@
 #include <QMimeData>
 #include <QPainter>
 
+#include <utility>
+
 namespace korvo {
+
+namespace {
+
+constexpr int openWhileDragging = 700; // ms over a closed line
+
+} // namespace
 
 /// The line's name beside the pointer, so that the line below it can be seen.
 void Sidebar::startDrag(Qt::DropActions actions)
@@ -63,6 +71,14 @@ void Sidebar::mark(std::optional<Place> place)
     viewport()->update();
 }
 
+/// Opens the line once the pointer has rested on it for a while.
+void Sidebar::openLater(const QTreeWidgetItem* item)
+{
+    const auto line = item ? std::optional(keyOf(*item)) : std::nullopt;
+    if (std::exchange(under_, line) != line)
+        openTimer_.start(openWhileDragging);
+}
+
 void Sidebar::paintEvent(QPaintEvent* event)
 {
     QTreeWidget::paintEvent(event);
@@ -91,6 +107,7 @@ void Sidebar::dragMoveEvent(QDragMoveEvent* event)
     QTreeWidget::dragMoveEvent(event); // scrolls
     const bool areFiles = draggedPhotos(*event->mimeData()).empty() && event->mimeData()->hasUrls();
     mark(placeOf(*event));
+    openLater(itemAt(event->position().toPoint()));
     event->setAccepted(areFiles || marked_);
 }
 
@@ -98,6 +115,7 @@ void Sidebar::dragLeaveEvent(QDragLeaveEvent* event)
 {
     QTreeWidget::dragLeaveEvent(event);
     mark(std::nullopt);
+    openLater(nullptr);
 }
 
 void Sidebar::dropEvent(QDropEvent* event)
@@ -107,6 +125,7 @@ void Sidebar::dropEvent(QDropEvent* event)
     stopAutoScroll();
     setState(NoState);
     mark(std::nullopt);
+    openLater(nullptr);
     const auto ids = draggedPhotos(*event->mimeData());
     if (ids.empty() && event->mimeData()->hasUrls())
         return window_.addDropped(*event->mimeData());

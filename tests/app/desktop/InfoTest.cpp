@@ -157,7 +157,7 @@ TEST(Info, quittingAsksForATextThatCannotBeStored)
 
 TEST(Info, aCommandIsForThePhotoThatWasTypedForOrForNone)
 {
-    TestWindow t(2);
+    TestWindow t(3);
     auto& store = t.store();
     store.chooseSource(LibrarySource{LibrarySource::Kind::noAltText, 0, {}});
     store.select({1});
@@ -167,6 +167,10 @@ TEST(Info, aCommandIsForThePhotoThatWasTypedForOrForNone)
     ASSERT_EQ(store.selection(), only(2)) << "the first has left the list";
     EXPECT_EQ(store.catalog().photo(1)->metadata.altText, "A red barn");
     EXPECT_EQ(t.listed(2).label, PhotoLabel::none);
+    settle();
+    type(t, "ALT Text", "The one before the last");
+    t.window->commands().run(Command::newAlbum); // which would ask for a name
+    EXPECT_EQ(store.selection(), only(3));
     settle();
     type(t, "ALT Text", "The last one");
     t.window->commands().run(Command::showVersions);

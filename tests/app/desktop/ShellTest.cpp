@@ -274,6 +274,28 @@ TEST(Sidebar, takesPhotosWhereTheyCanGo)
     EXPECT_EQ(shownIDs(t.store().list()), IDs{2});
 }
 
+TEST(Sidebar, opensAClosedLineThatPhotosRestOnAndLeavesAnOpenOneOpen)
+{
+    TestWindow t(1);
+    createAlbum(t.store(), "album", createProject(t.store(), "project", "project", {}));
+    auto& sidebar = *sidebarOf(*t.window);
+    QTest::qWait(20);
+    const std::unique_ptr<QMimeData> data(dragData(std::vector{t.store().list().find(1)}));
+    auto* const line = sidebar.findItems("project", Qt::MatchExactly | Qt::MatchRecursive).at(0);
+    for (const bool wasOpen : {false, true}) {
+        line->setExpanded(wasOpen);
+        const QPoint at = sidebar.visualItemRect(line).center();
+        QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &move);
+        QTest::qWait(1000);
+        EXPECT_TRUE(line->isExpanded());
+        QDragLeaveEvent leave;
+        QApplication::sendEvent(sidebar.viewport(), &leave);
+    }
+}
+
 TEST(Sidebar, deleteMeansItsLineAndNeverPhotos)
 {
     TestWindow t(2);
@@ -580,6 +602,8 @@ TEST(GridView, aDropPutsPhotosWhereTheLineIsAndASweepEndsWithTheGrid)
     EXPECT_EQ(shownIDs(t.store().list()), (IDs{4, 1, 2, 3}));
     EXPECT_TRUE(drop(4, {grid->viewport()->width() - 5, grid->viewport()->height() - 5}));
     EXPECT_EQ(shownIDs(t.store().list()), (IDs{1, 2, 3, 4}));
+    EXPECT_TRUE(drop(1, {2, grid->viewport()->height() - 5})) << "below all of them";
+    EXPECT_EQ(shownIDs(t.store().list()), (IDs{2, 3, 4, 1}));
 
     QTest::mousePress(grid->viewport(), Qt::LeftButton, {}, {2, 2});
     t.press(Qt::Key_E);
