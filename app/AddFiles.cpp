@@ -48,7 +48,7 @@ public:
     {
         try {
             pass();
-        } catch (const DatabaseError& error) { // what is kept by then can be told, and undone
+        } catch (const std::exception& error) { // what is kept by then can be told, and undone
             result_.broken = textForUser(error);
         }
         result_.ignored = scan_.ignored();

@@ -4,7 +4,6 @@
 #include "edits/BasicFilters.h"
 #include "edits/DisabledBricks.h"
 #include "edits/Geometry.h"
-#include "platform/PictureWriter.h"
 
 #include <algorithm>
 #include <tuple>

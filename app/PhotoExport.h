@@ -5,12 +5,14 @@
 
 namespace korvo {
 
+/// A photo, its edits and where it goes.
 struct ExportJob {
     RenderJob render;
     std::filesystem::path destination; ///< its ending names the format
     int quality = 90;
 };
 
+/// What was written.
 struct ExportedPhoto {
     int width = 0;
     int height = 0;

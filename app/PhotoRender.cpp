@@ -73,11 +73,6 @@ RenderedPhoto renderPhoto(ImageReader& reader, const RenderJob& job, const std::
     return {finished(std::move(image), work, job.size), std::move(note)};
 }
 
-DecodedImage decodePhoto(ImageReader& reader, const RenderJob& job, const std::stop_token& stop)
-{
-    return reader.read(job.file, Work(job).request, stop);
-}
-
 Bitmap renderDecoded(const DecodedImage& image, const PhotoEdits& edits, int size)
 {
     const Work work({.edits = edits, .size = size});

@@ -27,10 +27,6 @@ struct RenderedPhoto {
 /// crop. Switched-off bricks are left out. Throws ImageError.
 RenderedPhoto renderPhoto(ImageReader& reader, const RenderJob& job, const std::stop_token& stop);
 
-/// A photo decoded for a job, before its edits: large enough for the job's size after its crop. Throws
-/// ImageError.
-DecodedImage decodePhoto(ImageReader& reader, const RenderJob& job, const std::stop_token& stop);
-
 /// A decoded photo with edits, its longer side no more than `size`; 0: no limit.
 Bitmap renderDecoded(const DecodedImage& image, const PhotoEdits& edits, int size);
 

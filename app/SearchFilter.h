@@ -13,7 +13,7 @@ namespace korvo {
 struct SearchFilter {
     enum class Kind { any, photos, videos };
 
-    std::string words; ///< each must be in a text, a name or a camera of the photo
+    std::string words; ///< each must be in a text, a name, a person, a camera or a lens
     int leastStars = 0;
     bool flaggedOnly = false;
     std::set<PhotoLabel> labels; ///< any of these; none: whatever label

@@ -10,6 +10,7 @@ inline constexpr std::size_t mostSurveyed = 60;
 /// The selected photos in the order of the grid, as many as can be looked at.
 std::vector<PhotoID> surveyed(const LibraryStore& store);
 
+/// A photo's place, in pixels.
 struct SurveyCell {
     int left = 0;
     int top = 0;

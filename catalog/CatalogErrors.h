@@ -7,7 +7,7 @@
 
 namespace korvo {
 
-/// An operation on a project, album, folder, keyword or smart album that the library does not hold.
+/// An operation on something that the library does not hold: a photo, project, album, stack, keyword…
 class NotFoundError : public std::runtime_error {
 public:
     NotFoundError(std::string_view noun, std::int64_t id)

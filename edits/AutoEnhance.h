@@ -26,7 +26,7 @@ struct AutoEnhance {
         vibrance = 4,
         highlights = 8,
         shadows = 16,
-        panel = exposure | contrast | vibrance, ///< "Nothing else changes."
+        panel = exposure | contrast | vibrance, ///< what the panel's button sets
         all = panel | highlights | shadows,
     };
 

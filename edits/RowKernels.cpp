@@ -192,8 +192,8 @@ void sharpen(
     }
 }
 
-// --- Bytes: both ways are table look-ups, so that the last few pixels can be done one by one
-// -----------------
+// --- Bytes -------------------------------------------------------------------------------------------------
+// Both ways are table look-ups, so that the last few pixels can be done one by one.
 
 #if HWY_TARGET == HWY_SCALAR // has no vectors of four bytes
 HWY_INLINE W loadPixels(const std::uint8_t* rgba)

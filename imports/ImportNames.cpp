@@ -1,7 +1,7 @@
 #include "imports/ImportNames.h"
 
 #include "base/FoldedText.h"
-#include "platform/PartFile.h"
+#include "platform/Sha256.h"
 
 #include <algorithm>
 #include <system_error>

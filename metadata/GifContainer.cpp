@@ -8,7 +8,7 @@ constexpr std::uint8_t extension = 0x21, image = 0x2C, applicationExtension = 0x
 constexpr std::uint64_t screenSize = 13;
 
 /// Bytes of the colour table that a flags byte announces.
-std::uint64_t colourTableSize(std::uint8_t flags)
+std::uint64_t colorTableSize(std::uint8_t flags)
 {
     return flags & 0x80 ? std::uint64_t(3) << ((flags & 7) + 1) : 0;
 }
@@ -22,7 +22,7 @@ public:
     {
         if (const auto screen = take(screenSize)) {
             blocks_.size = {screen->littleEndian(6, 2).value_or(0), screen->littleEndian(8, 2).value_or(0)};
-            pass(colourTableSize((*screen)[10]));
+            pass(colorTableSize((*screen)[10]));
             while (!blocks_.xmp && takeBlock()) { }
         }
         return blocks_;
@@ -49,7 +49,7 @@ private:
         const auto descriptor = take(9);
         if (!descriptor)
             return false;
-        pass(colourTableSize((*descriptor)[8]) + 1); // and the code size
+        pass(colorTableSize((*descriptor)[8]) + 1); // and the code size
         return passSubBlocks();
     }
 

@@ -67,6 +67,15 @@ struct Bitmap {
     bool operator==(const Bitmap&) const = default;
 };
 
+/// Whether every pixel is opaque.
+inline bool isOpaque(const Bitmap& image)
+{
+    for (std::size_t i = 3; i < image.bytes.size(); i += 4)
+        if (image.bytes[i] != 255)
+            return false;
+    return true;
+}
+
 enum class AlphaPlane { absent, present };
 
 /// Linear light in extended sRGB: sRGB's primaries and white, 0 black, 1 diffuse white, not clamped at either

@@ -42,8 +42,7 @@ struct DecodedImage {
     std::variant<Bitmap, LinearImage> pixels;
     int fullWidth = 0; ///< of the file's own picture, upright
     int fullHeight = 0;
-    std::string
-        note; ///< what the user should know of it, such as that a raw file shows its preview; or empty
+    std::string note; ///< what the user should know of it, as that it is a raw file's preview; or empty
 };
 
 /// The most pixels that a picture may have: about ten times what the largest cameras make.

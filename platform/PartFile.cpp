@@ -1,8 +1,6 @@
 #include "platform/PartFile.h"
 
-#include "platform/DirectFile.h"
 #include "platform/FileSync.h"
-#include "platform/Sha256.h"
 
 #include <cerrno>
 #include <chrono>
@@ -113,16 +111,6 @@ void PartFile::install()
 {
     moveIntoPlace(path_, target_);
     file_ = {};
-}
-
-std::optional<std::string> sha256OnDisk(const fs::path& path, const std::stop_token& stop)
-{
-    const auto file = openFile(path, O_RDONLY | O_NOFOLLOW);
-    if (!file || fsync(file.descriptor()) != 0)
-        throwFileError("read", path);
-    posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_DONTNEED); // a file system in memory has nothing else
-    goDirect(file.descriptor());
-    return sha256OfFile(file, path, stop);
 }
 
 } // namespace korvo

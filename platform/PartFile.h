@@ -5,8 +5,6 @@
 
 #include <filesystem>
 #include <optional>
-#include <stop_token>
-#include <string>
 
 namespace korvo {
 
@@ -51,9 +49,5 @@ private:
     std::filesystem::path path_;
     PosixFile file_; // without one once installed, or moved from
 };
-
-/// Waits until a file is safe on the disk and gives the SHA-256 of what the disk holds, read again past what
-/// the system remembers of it, where it can. Nothing when `stop` was asked for. Throws std::system_error.
-std::optional<std::string> sha256OnDisk(const std::filesystem::path& file, const std::stop_token& stop);
 
 } // namespace korvo

@@ -45,7 +45,4 @@ std::vector<std::uint8_t> encodedPreview(const Bitmap& image, int quality);
 /// Its picture; nothing when the bytes are damaged.
 std::optional<Bitmap> decodedPreview(std::vector<std::uint8_t> bytes);
 
-/// Whether every pixel is opaque.
-bool isOpaque(const Bitmap& image);
-
 } // namespace korvo

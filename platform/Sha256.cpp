@@ -90,4 +90,14 @@ std::optional<std::string> sha256OfFile(
     return digest.finish();
 }
 
+std::optional<std::string> sha256OnDisk(const std::filesystem::path& path, const std::stop_token& stop)
+{
+    const auto file = openFile(path, O_RDONLY | O_NOFOLLOW);
+    if (!file || fsync(file.descriptor()) != 0)
+        throwFileError("read", path);
+    posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_DONTNEED); // a file system in memory has nothing else
+    goDirect(file.descriptor());
+    return sha256OfFile(file, path, stop);
+}
+
 } // namespace korvo

@@ -36,4 +36,8 @@ std::optional<std::string> sha256OfFile(const std::filesystem::path& file, const
 std::optional<std::string> sha256OfFile(
     const PosixFile& file, const std::filesystem::path& path, const std::stop_token& stop);
 
+/// Waits until a file is safe on the disk and gives the SHA-256 of what the disk holds, read again past what
+/// the system remembers of it, where it can. Nothing when `stop` was asked for. Throws std::system_error.
+std::optional<std::string> sha256OnDisk(const std::filesystem::path& file, const std::stop_token& stop);
+
 } // namespace korvo

@@ -59,10 +59,10 @@ ExitCode addToLibrary(Context& context, const AddArguments& arguments)
         context.fail(failure.message);
     if (!result.broken.empty())
         context.fail(result.broken);
-    context.print(AddCounts{result.added, result.known, result.ignored, result.failures.size()},
+    const auto failed = result.failures.size() + (result.broken.empty() ? 0 : 1);
+    context.print(AddCounts{result.added, result.known, result.ignored, failed},
         fmt::format("{} added, {} known already, {} of other kinds passed over, {} failed",
-            counted(result.added, "photo"), result.known, counted(result.ignored, "file"),
-            result.failures.size()));
+            counted(result.added, "photo"), result.known, counted(result.ignored, "file"), failed));
     return context.finish(result.added + result.known, result.cancelled ? Ended::early : Ended::whole);
 }
 

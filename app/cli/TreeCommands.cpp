@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <map>
 #include <stdexcept>
 
 namespace korvo {
@@ -34,14 +35,18 @@ void printProjects(
     }
 }
 
+using KeywordsByParent = std::map<ParentID, std::vector<const KeywordRow*>>;
+
 void printKeywords(
-    const Context& context, const std::vector<KeywordRow>& keywords, ParentID parent, std::size_t depth)
+    const Context& context, const KeywordsByParent& keywords, ParentID parent, std::size_t depth)
 {
-    for (const auto& keyword : keywords)
-        if (keyword.parentID == parent) {
-            context.print(indented(depth, fmt::format("keyword {}  {}", keyword.id, keyword.name)));
-            printKeywords(context, keywords, keyword.id, depth + 1);
-        }
+    const auto found = keywords.find(parent);
+    if (found == keywords.end())
+        return;
+    for (const auto* const keyword : found->second) {
+        context.print(indented(depth, fmt::format("keyword {}  {}", keyword->id, keyword->name)));
+        printKeywords(context, keywords, keyword->id, depth + 1);
+    }
 }
 
 void printTree(Context& context)
@@ -62,7 +67,10 @@ void printTree(Context& context)
                 fmt::format("album:{}  {} ({})", album.id, album.name, counted(total(album.count), "photo")));
     for (const auto& album : tree.smartAlbums)
         context.print(fmt::format("smart:{}  {}", album.id, album.name));
-    printKeywords(context, tree.keywords, std::nullopt, 0);
+    KeywordsByParent keywords;
+    for (const auto& keyword : tree.keywords)
+        keywords[keyword.parentID].push_back(&keyword);
+    printKeywords(context, keywords, std::nullopt, 0);
     for (const auto& person : tree.people)
         context.print(
             fmt::format("person:{}  {} ({})", person.id, person.name, counted(total(person.count), "photo")));

@@ -5,9 +5,9 @@
 #include "app/Previews.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadePhoto.h"
-#include "bench/support/SixSteps.h"
 #include "edits/BasicStage.h"
 #include "platform/linux/images/SystemImageReader.h"
+#include "tests/support/SixSteps.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <atomic>
@@ -112,7 +112,7 @@ void compareExport(ImageReader& reader, const fs::path& photo, const TemporaryFo
     const auto out = folder / "out.jpg";
     const auto whole = std::get<Bitmap>(reader.read(photo, {}, {}).pixels);
     Bitmap adjusted = whole;
-    const auto plan = basicPlan(basicFilters(bench::sixSteps));
+    const auto plan = basicPlan(basicFilters(sixSteps));
     const auto alone = [&] {
         reader.read(photo, {}, {});
         runBasicStage(plan, whole, adjusted);
@@ -123,7 +123,7 @@ void compareExport(ImageReader& reader, const fs::path& photo, const TemporaryFo
     };
     std::vector<bench::Contender> contenders{
         {"korvo", [&] {
-             write(out, encodePhoto(reader, {photo, bench::sixSteps}, PictureFormat::jpeg, 90, {}).bytes);
+             write(out, encodePhoto(reader, {photo, sixSteps}, PictureFormat::jpeg, 90, {}).bytes);
          }}};
     if (const auto vips = yardstick("vips_render"); !vips.empty())
         contenders.push_back(
@@ -142,7 +142,7 @@ int main(int count, char** arguments)
     std::vector<fs::path> photos(arguments + 1, arguments + count);
     if (photos.empty())
         photos.push_back(bench::madePhoto(folder / "photo.jpg", width, height, 1));
-    encodePhoto(reader, {photos[0], bench::sixSteps}, PictureFormat::jpeg, 90, {});
+    encodePhoto(reader, {photos[0], sixSteps}, PictureFormat::jpeg, 90, {});
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     std::cout << "peak memory of an export: " << usage.ru_maxrss / 1024 << " MB\n";

@@ -5,9 +5,9 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/viewer/PhotoView.h"
 #include "bench/support/MadePhoto.h"
-#include "bench/support/SixSteps.h"
 #include "catalog/LibraryActions.h"
 #include "platform/FileDefaults.h"
+#include "tests/support/SixSteps.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <QApplication>

@@ -4,10 +4,10 @@
 //     bench_stage [render]      the render alone
 #include "bench/edits/PlainRender.h"
 #include "bench/support/Compare.h"
-#include "bench/support/SixSteps.h"
 #include "edits/AutoEnhance.h"
 #include "edits/BasicStage.h"
 #include "edits/HistogramData.h"
+#include "tests/support/SixSteps.h"
 
 #include <fmt/format.h>
 

@@ -1,10 +1,9 @@
 #include "platform/linux/Disks.h"
 
-#include <gio/gio.h>
+#include "platform/linux/GlibOwned.h"
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <set>
 
 namespace korvo {
@@ -14,10 +13,7 @@ namespace {
 constexpr std::array<std::string_view, 10> serverKinds = {"nfs", "nfs4", "cifs", "smb3", "afs", "ceph",
     "fuse.sshfs", "fuse.rclone", "fuse.davfs", "fuse.glusterfs"};
 
-struct Unref {
-    void operator()(GVariant* variant) const { g_variant_unref(variant); }
-};
-using Variant = std::unique_ptr<GVariant, Unref>;
+using Variant = GlibOwned<GVariant>;
 
 /// The properties of one interface of an object, an a{sv}; none for an object that there is not.
 class Properties {

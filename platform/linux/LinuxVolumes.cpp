@@ -1,8 +1,7 @@
 #include "platform/linux/LinuxVolumes.h"
 
 #include "platform/linux/Disks.h"
-
-#include <gio/gio.h>
+#include "platform/linux/GlibOwned.h"
 
 #include <algorithm>
 
@@ -14,18 +13,9 @@ constexpr auto service = "org.freedesktop.UDisks2";
 constexpr int patience = 25'000; // milliseconds
 constexpr int forAsLongAsItTakes = G_MAXINT; // what a slow card has not written yet may take minutes
 
-struct Free {
-    void operator()(GError* error) const { g_error_free(error); }
-    void operator()(GVariant* variant) const { g_variant_unref(variant); }
-    void operator()(GDBusConnection* connection) const { g_object_unref(connection); }
-    void operator()(char* text) const { g_free(text); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Free>;
-
 [[noreturn]] void fail(VolumeError::Case which, GError* error)
 {
-    const Owned<GError> owner(error);
+    const GlibOwned<GError> owner(error);
     g_dbus_error_strip_remote_error(error);
     if (which == VolumeError::Case::eject)
         throw VolumeError(which, error->message);
@@ -41,7 +31,7 @@ public:
         constexpr auto flags = static_cast<GDBusConnectionFlags>(
             G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
         GError* error = nullptr;
-        const Owned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
+        const GlibOwned<char> address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, &error));
         if (address)
             connection_.reset(
                 g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, &error));
@@ -53,7 +43,7 @@ public:
     {
         const auto answer = call(VolumeError::Case::unavailable, "/org/freedesktop/UDisks2",
             "org.freedesktop.DBus.ObjectManager", "GetManagedObjects", nullptr, "(a{oa{sa{sv}}})", patience);
-        const Owned<GVariant> objects(g_variant_get_child_value(answer.get(), 0));
+        const GlibOwned<GVariant> objects(g_variant_get_child_value(answer.get(), 0));
         return korvo::disks(objects.get());
     }
 
@@ -71,11 +61,11 @@ private:
             g_variant_new_parsed("(@a{sv} {},)"), "()", forAsLongAsItTakes);
     }
 
-    Owned<GVariant> call(VolumeError::Case failure, const char* object, const char* interface,
+    GlibOwned<GVariant> call(VolumeError::Case failure, const char* object, const char* interface,
         const char* method, GVariant* arguments, const char* answerType, int timeout) const
     {
         GError* error = nullptr;
-        Owned<GVariant> answer(g_dbus_connection_call_sync(connection_.get(), service, object, interface,
+        GlibOwned<GVariant> answer(g_dbus_connection_call_sync(connection_.get(), service, object, interface,
             method, arguments, G_VARIANT_TYPE(answerType), G_DBUS_CALL_FLAGS_ALLOW_INTERACTIVE_AUTHORIZATION,
             timeout, nullptr, &error));
         if (!answer)
@@ -83,7 +73,7 @@ private:
         return answer;
     }
 
-    Owned<GDBusConnection> connection_;
+    GlibOwned<GDBusConnection> connection_;
 };
 
 } // namespace

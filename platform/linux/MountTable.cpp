@@ -2,11 +2,11 @@
 
 #include "base/Text.h"
 #include "platform/PosixFile.h"
+#include "platform/linux/StopEvent.h"
 
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/sysmacros.h>
 #include <thread>
 #include <unistd.h>
@@ -66,14 +66,13 @@ void check(const PosixFile& file)
 class TableWatch {
 public:
     explicit TableWatch(std::function<void()> changed)
-        : table_(openFile(tablePath, O_RDONLY)), end_(eventfd(0, EFD_CLOEXEC))
+        : table_(openFile(tablePath, O_RDONLY)), end_(stop_.get_token())
     {
         check(table_);
-        check(end_);
         thread_ = std::jthread([this, call = std::move(changed)] { wait(call); });
     }
 
-    ~TableWatch() { eventfd_write(end_.descriptor(), 1); }
+    ~TableWatch() { stop_.request_stop(); }
     TableWatch(const TableWatch&) = delete;
     TableWatch& operator=(const TableWatch&) = delete;
 
@@ -92,7 +91,8 @@ private:
     }
 
     PosixFile table_;
-    PosixFile end_;
+    std::stop_source stop_;
+    StopEvent end_;
     std::jthread thread_;
 };
 

@@ -34,9 +34,10 @@ TEST_F(AddCommand, onADiskThatBecomesFullSaysHowMuchIsKeptAndGoesOnLater)
     EXPECT_TRUE(atOnce.err.starts_with("korvo: The library's disk ")) << atOnce.err;
     EXPECT_EQ(photos(), 0);
 
-    const auto partWay = runWithin(130'000, add());
+    const auto partWay = runWithin(130'000, "--json " + add());
     EXPECT_EQ(partWay.exitCode, 3);
     EXPECT_TRUE(partWay.err.starts_with("The library's disk ")) << partWay.err;
+    EXPECT_EQ(partWay.out, "{\"added\":256,\"known\":0,\"ignored\":0,\"failed\":1}\n");
     EXPECT_EQ(photos(), 256) << "the batches that were stored by then";
 
     EXPECT_EQ(run(add()).exitCode, 0);

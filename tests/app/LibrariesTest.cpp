@@ -32,6 +32,31 @@ TEST(Libraries, theLastOnesComeFirstAndThoseThatAreGoneAreLeftOut)
     EXPECT_EQ(recentLibraries(defaults).size(), 10U);
 }
 
+TEST(UnfinishedLibrary, takesAwayWhatWasMadeAndNothingThatWasThere)
+{
+    const TemporaryFolder folder;
+    const auto make = [&](const std::filesystem::path& library, bool isKept) {
+        UnfinishedLibrary unfinished(library);
+        Catalog(library, SystemClock());
+        if (isKept)
+            unfinished.keep();
+    };
+    make(folder / "new", false);
+    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+
+    folder.write("old/Previews/mine.jpg", "x");
+    folder.write("old/notes.txt", "x");
+    make(folder / "old", false);
+    EXPECT_EQ(readFile(folder / "old/Previews/mine.jpg") + readFile(folder / "old/notes.txt"), "xx");
+    EXPECT_FALSE(std::filesystem::exists(folder / "old/catalog.sqlite"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "old/Backups"));
+
+    make(folder / "new", true);
+    make(folder / "new", false); // of a library that is there
+    EXPECT_TRUE(std::filesystem::exists(folder / "new/catalog.sqlite"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "new/Backups"));
+}
+
 TEST(Libraries, aLibraryOpensWhereNothingCanBeRemembered)
 {
     const TemporaryFolder folder;

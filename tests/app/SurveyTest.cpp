@@ -1,8 +1,33 @@
 #include "app/Survey.h"
 
+#include "tests/support/ManualMainThread.h"
+#include "tests/support/TestLibrary.h"
+
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace korvo {
+
+TEST(Survey, takesTheFirstOfTheSelectedThatAreShownInTheirOrder)
+{
+    TestLibrary library;
+    for (int i = 100; i > 0; --i) // the later ones come first in the grid
+        library.photo(std::to_string(100 + i) + ".jpg");
+    ManualMainThread main;
+    LibraryStore store(main, std::move(library.catalog));
+    store.select({7, 99, 98});
+    EXPECT_EQ(surveyed(store), (std::vector<PhotoID>{99, 98, 7}));
+    store.catalog().setRating(only(98), rejectedRating); // which the usual filter hides
+    store.photosChanged(only(98));
+    store.select({7, 99, 98});
+    EXPECT_EQ(surveyed(store), (std::vector<PhotoID>{99, 7}));
+    std::vector<PhotoID> all(100);
+    std::iota(all.begin(), all.end(), 1);
+    store.select(all);
+    ASSERT_EQ(surveyed(store).size(), mostSurveyed);
+    EXPECT_EQ(surveyed(store).front(), 100);
+}
 
 TEST(Survey, cellsLieInTheRoomWithoutOverlapAndAsLargeAsCanBe)
 {

@@ -1,6 +1,7 @@
 #include "edits/BasicStage.h"
 
 #include "tests/edits/ReferenceStage.h"
+#include "tests/support/SixSteps.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -85,15 +86,6 @@ Bitmap noisyBitmap(int width, int height)
         image.bytes[i] = static_cast<std::uint8_t>(i % 4 == 3 ? 255 : random());
     return image;
 }
-
-const PhotoEdits allSix{.exposure = 0.5,
-    .saturation = 1.2,
-    .vibrance = 0.3,
-    .temperature = 10,
-    .tint = 5,
-    .sharpness = 0.4,
-    .highlights = 0.4,
-    .shadows = 0.2};
 
 /// Goes through the instruction sets that this processor has; afterwards the best is chosen again.
 class EachTarget {
@@ -234,7 +226,7 @@ TEST(BasicStage, rendersBytesAsAWhole)
         PhotoEdits edits;
         std::array<int, 3> in, out;
     };
-    PhotoEdits fiveOfThem = allSix;
+    PhotoEdits fiveOfThem = sixSteps;
     fiveOfThem.sharpness = 0;
     const Case cases[]{
         {{.exposure = 1}, {118, 118, 118}, {162, 162, 162}},
@@ -247,7 +239,7 @@ TEST(BasicStage, rendersBytesAsAWhole)
         {{.shadows = 0.2}, {30, 30, 30}, {39, 39, 39}},
         {{.highlights = 0.9, .recovery = 0.6}, {255, 255, 255}, {229, 229, 229}},
         {fiveOfThem, {90, 140, 200}, {95, 169, 253}},
-        {allSix, {90, 140, 200}, {95, 169, 253}}, // a flat area has nothing to sharpen
+        {sixSteps, {90, 140, 200}, {95, 169, 253}}, // a flat area has nothing to sharpen
     };
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         const auto& [edits, in, out] = cases[i];
@@ -294,7 +286,7 @@ TEST(BasicStage, agreesWithTheReferenceOnEveryInstructionSet)
         EachTarget().run([&] { expectNear(adjusted(filters, image), reference, 2e-5); });
     }
 
-    const BasicPlan plan = basicPlan(basicFilters(allSix));
+    const BasicPlan plan = basicPlan(basicFilters(sixSteps));
     runBasicStage(plan, bytes, expected);
     EachTarget().run([&] {
         runBasicStage(plan, bytes, result);
@@ -305,7 +297,7 @@ TEST(BasicStage, agreesWithTheReferenceOnEveryInstructionSet)
 
 TEST(BasicStage, doesNotDependOnTheNumberOfThreads)
 {
-    const BasicPlan plan = basicPlan(basicFilters(allSix));
+    const BasicPlan plan = basicPlan(basicFilters(sixSteps));
     const LinearImage image = noise(2100, 400);
     const tbb::global_control allowed(tbb::global_control::max_allowed_parallelism, 5);
     const auto onThreads = [&](int count) {
@@ -390,7 +382,7 @@ TEST(BasicStage, boundsAmountsThatNoSliderGives)
 TEST(BasicStage, takesImagesWithoutPixels)
 {
     Bitmap result(4, 4);
-    runBasicStage(basicPlan(basicFilters(allSix)), Bitmap(), result);
+    runBasicStage(basicPlan(basicFilters(sixSteps)), Bitmap(), result);
     EXPECT_EQ(result, Bitmap());
 }
 

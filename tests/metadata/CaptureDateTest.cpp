@@ -1,32 +1,14 @@
 #include "metadata/CaptureDate.h"
 
-#include <cstdlib>
-#include <ctime>
+#include "tests/support/TimeZone.h"
+
 #include <gtest/gtest.h>
 
 namespace korvo {
 
-namespace {
-
-/// The user's time zone for the length of a test.
-class TimeZone {
-public:
-    explicit TimeZone(const char* name) { set(name); }
-    ~TimeZone() { set("UTC"); }
-
-private:
-    static void set(const char* name)
-    {
-        setenv("TZ", name, 1);
-        tzset();
-    }
-};
-
-} // namespace
-
 TEST(CaptureDate, takesTheOffsetAndElseTheUsersZone)
 {
-    const TimeZone berlin("Europe/Berlin");
+    const TimeZone berlin("CET-1CEST,M3.5.0,M10.5.0/3");
     struct Case {
         const char *date, *offset;
         std::optional<UnixTime> instant;

@@ -14,10 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Colour = std::array<double, 3>;
+using Color = std::array<double, 3>;
 
 /// The four fields that every picture of tests/data/images shows.
-constexpr std::array<Colour, 4> fields{{{200, 40, 40}, {40, 180, 60}, {50, 60, 190}, {128, 128, 128}}};
+constexpr std::array<Color, 4> fields{{{200, 40, 40}, {40, 180, 60}, {50, 60, 190}, {128, 128, 128}}};
 
 fs::path picture(const std::string& name)
 {
@@ -30,16 +30,16 @@ double encoded(double light)
 }
 
 /// The colour, in sRGB's codes, in the middle of a field. Alpha is taken out again.
-Colour colourOf(const DecodedImage& image, std::size_t field)
+Color colorOf(const DecodedImage& image, std::size_t field)
 {
     const auto middle = [&](int side, bool second) { return side * (second ? 3 : 1) / 4; };
     if (const auto* const bitmap = std::get_if<Bitmap>(&image.pixels)) {
         const auto* const pixel
             = bitmap->row(middle(bitmap->height, field >= 2)) + 4 * middle(bitmap->width, field % 2 == 1);
-        Colour colour;
+        Color color;
         for (std::size_t i = 0; i < 3; ++i)
-            colour[i] = pixel[3] == 0 ? 0 : pixel[i] * 255.0 / pixel[3];
-        return colour;
+            color[i] = pixel[3] == 0 ? 0 : pixel[i] * 255.0 / pixel[3];
+        return color;
     }
     const auto& linear = std::get<LinearImage>(image.pixels);
     const auto at = linear.offset(middle(linear.height, field >= 2))
@@ -50,7 +50,7 @@ Colour colourOf(const DecodedImage& image, std::size_t field)
 void expectFields(const DecodedImage& image, double tolerance, bool isGrey = false)
 {
     for (std::size_t field = 0; field < fields.size(); ++field) {
-        const auto found = colourOf(image, field);
+        const auto found = colorOf(image, field);
         auto wanted = fields[field];
         if (isGrey)
             wanted.fill(0.2126 * wanted[0] + 0.7152 * wanted[1] + 0.0722 * wanted[2]);
@@ -253,19 +253,19 @@ TEST_F(ImageReading, aCutOffPhotoShowsWhatThereIs)
     const auto whole = readFile(picture("turned3.jpg"));
     const auto cut = read(folder.write("cut.jpg", whole.substr(0, whole.size() - 40)));
     EXPECT_NE(cut.note.find("damaged"), std::string::npos);
-    EXPECT_NEAR(colourOf(cut, 3)[0], 128, 3) << "the first rows, which are the last ones upright";
+    EXPECT_NEAR(colorOf(cut, 3)[0], 128, 3) << "the first rows, which are the last ones upright";
 }
 
 TEST_F(ImageReading, aProfileThatDescribesNoPicturesColoursIsPassedOver)
 {
     const auto whole = readFile(picture("p3.jpg"));
     const auto profile = whole.find("ICC_PROFILE") + 14;
-    const auto stored = colourOf(read(picture("p3.jpg"), {0, PixelKind::linear}), 0);
+    const auto stored = colorOf(read(picture("p3.jpg"), {0, PixelKind::linear}), 0);
     for (const auto& [at, text] : {std::pair(12, "link"), {12, "abst"}, {12, "nmcl"}, {20, "?!?!"}}) {
         auto changed = whole;
         changed.replace(profile + static_cast<std::size_t>(at), 4, text);
         const auto file = folder.write("changed.jpg", changed);
-        const auto bitmap = colourOf(read(file), 0), linear = colourOf(read(file, {0, PixelKind::linear}), 0);
+        const auto bitmap = colorOf(read(file), 0), linear = colorOf(read(file, {0, PixelKind::linear}), 0);
         EXPECT_LT(bitmap[0], stored[0] - 5) << text << ": wide colours, as if they were sRGB's";
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_NEAR(bitmap[i], linear[i], 0.5) << text << ", channel " << i;
@@ -346,7 +346,7 @@ TEST_F(ImageReading, rawFilesAreTurnedAndMirroredAsTheySay)
         EXPECT_EQ(image.fullWidth > image.fullHeight, number < 4);
         for (std::size_t field = 0; field < 4; ++field)
             for (std::size_t i = 0; i < 3; ++i)
-                EXPECT_NEAR(colourOf(image, field)[i], fields[sources[number][field]][i], 4)
+                EXPECT_NEAR(colorOf(image, field)[i], fields[sources[number][field]][i], 4)
                     << "orientation " << number + 1 << ", field " << field;
     }
 }

@@ -1,5 +1,5 @@
 #include "platform/PictureWriter.h"
-#include "platform/linux/images/ColourConversion.h"
+#include "platform/linux/images/ColorConversion.h"
 #include "platform/linux/images/IccProfiles.h"
 #include "platform/linux/images/PictureWriters.h"
 #include "platform/linux/images/SystemImageReader.h"
@@ -100,7 +100,7 @@ TEST(PictureWriter, refusesSizesBeyondItsFormatAndCanBeGivenUpAtAnyRow)
 }
 
 /// Rows of premultiplied colours in each way that a picture without, and one with, a profile is converted.
-TEST(ColourConversion, premultipliedColoursComeOutAsTheStraightOnesDo)
+TEST(ColorConversion, premultipliedColoursComeOutAsTheStraightOnesDo)
 {
     PictureInfo straight;
     straight.format.alpha = RowFormat::Alpha::straight;
@@ -112,27 +112,26 @@ TEST(ColourConversion, premultipliedColoursComeOutAsTheStraightOnesDo)
     for (const auto& each : {std::vector<std::uint8_t>(), wide}) {
         straight.profile = premultiplied.profile = each;
         std::array<std::uint8_t, 4> in = pixel, wanted{}, found{};
-        ColourConversion(straight, ColourConversion::Target::bitmap).toBitmap(in.data(), wanted.data(), 1);
+        ColorConversion(straight, ColorConversion::Target::bitmap).toBitmap(in.data(), wanted.data(), 1);
         in = multiplied;
-        ColourConversion(premultiplied, ColourConversion::Target::bitmap)
-            .toBitmap(in.data(), found.data(), 1);
+        ColorConversion(premultiplied, ColorConversion::Target::bitmap).toBitmap(in.data(), found.data(), 1);
         for (std::size_t i = 0; i < 4; ++i)
             EXPECT_NEAR(found[i], wanted[i], 1) << "channel " << i << ", profile " << each.size();
         std::array<float, 4> light{}, same{};
         in = pixel;
-        ColourConversion(straight, ColourConversion::Target::linear).toLinear(in.data(), light.data(), 1);
+        ColorConversion(straight, ColorConversion::Target::linear).toLinear(in.data(), light.data(), 1);
         in = multiplied;
-        ColourConversion(premultiplied, ColourConversion::Target::linear).toLinear(in.data(), same.data(), 1);
+        ColorConversion(premultiplied, ColorConversion::Target::linear).toLinear(in.data(), same.data(), 1);
         for (std::size_t i = 0; i < 4; ++i)
             EXPECT_NEAR(same[i], light[i], 0.01) << "channel " << i;
     }
 }
 
-TEST(ColourConversion, aBitmapsOwnNumbersStayAsTheyAre)
+TEST(ColorConversion, aBitmapsOwnNumbersStayAsTheyAre)
 {
     PictureInfo info;
     info.format.alpha = RowFormat::Alpha::premultiplied;
-    ColourConversion conversion(info, ColourConversion::Target::bitmap);
+    ColorConversion conversion(info, ColorConversion::Target::bitmap);
     std::vector<std::uint8_t> row;
     for (int alpha = 0; alpha < 256; ++alpha)
         for (int colour = 0; colour <= alpha; ++colour)

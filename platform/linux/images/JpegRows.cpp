@@ -121,7 +121,7 @@ private:
         jpeg_read_header(&jpeg_, TRUE);
         jpeg_.mem->alloc_large = allocate_;
         check(options.mostMemory);
-        chooseColours();
+        chooseColors();
         chooseScale(options.size);
         jpeg_.progress = &progress_;
         jpeg_start_decompress(&jpeg_);
@@ -158,7 +158,7 @@ private:
             file_.fail(ImageError::Case::memory, notEnoughMemory);
     }
 
-    void chooseColours()
+    void chooseColors()
     {
         using Model = RowFormat::Model;
         using Alpha = RowFormat::Alpha;

@@ -11,7 +11,7 @@ namespace korvo {
 
 namespace {
 
-constexpr int firstFullColourQuality = 90;
+constexpr int firstFullColorQuality = 90;
 
 /// Encodes with libjpeg-turbo, whose errors are jumps.
 class JpegWriter : public PictureWriter {
@@ -70,7 +70,7 @@ private:
         jpeg_set_defaults(&jpeg);
         jpeg_set_quality(&jpeg, quality, TRUE);
         jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor
-            = quality >= firstFullColourQuality ? 1 : 2;
+            = quality >= firstFullColorQuality ? 1 : 2;
         jpeg_start_compress(&jpeg, TRUE);
         if (profile == Profile::srgb)
             jpeg_write_icc_profile(&jpeg, srgbProfile().data(), static_cast<unsigned>(srgbProfile().size()));

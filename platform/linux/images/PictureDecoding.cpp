@@ -1,7 +1,7 @@
 #include "platform/linux/images/PictureDecoding.h"
 
 #include "platform/Shrinking.h"
-#include "platform/linux/images/ColourConversion.h"
+#include "platform/linux/images/ColorConversion.h"
 
 #include <algorithm>
 #include <array>
@@ -22,8 +22,8 @@ public:
     Decoding(PictureFile& file, PictureRows& rows, const ImageRequest& request, const std::stop_token& stop)
         : file_(file), rows_(rows), info_(rows.info()), stop_(stop), rowsReady_(request.rowsReady),
           isLinear_(request.kind == PixelKind::linear
-              || (request.kind == PixelKind::asStored && !ColourConversion::fitsBitmap(info_))),
-          isCopied_(!isLinear_ && ColourConversion::isBitmap(info_)),
+              || (request.kind == PixelKind::asStored && !ColorConversion::fitsBitmap(info_))),
+          isCopied_(!isLinear_ && ColorConversion::isBitmap(info_)),
           announcesRows_(rowsReady_ && isCopied_ && info_.orientation == Orientation::upright)
     {
         std::tie(width_, height_) = hasShapeOf(info_.width, info_.height, info_.fullWidth, info_.fullHeight)
@@ -62,9 +62,9 @@ private:
     template <typename Place, typename Done>
     void readBytes(Place place, Done done)
     {
-        std::optional<ColourConversion> conversion;
+        std::optional<ColorConversion> conversion;
         if (!isCopied_)
-            conversion.emplace(info_, ColourConversion::Target::bitmap);
+            conversion.emplace(info_, ColorConversion::Target::bitmap);
         std::vector<std::uint8_t> row(
             isCopied_ ? 0 : info_.format.pixelBytes() * static_cast<std::size_t>(info_.width));
         for (int y = 0; y < info_.height; ++y) {
@@ -114,7 +114,7 @@ private:
         const bool hasAlpha = info_.format.alpha == RowFormat::Alpha::straight
             || info_.format.alpha == RowFormat::Alpha::premultiplied;
         LinearImage image(width_, height_, hasAlpha ? AlphaPlane::present : AlphaPlane::absent);
-        ColourConversion conversion(info_, ColourConversion::Target::linear);
+        ColorConversion conversion(info_, ColorConversion::Target::linear);
         std::optional<Shrinking> shrinking;
         if (isShrunk())
             shrinking.emplace(info_.width, info_.height, width_, height_);

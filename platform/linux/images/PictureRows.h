@@ -28,8 +28,8 @@ struct RowFormat {
     Depth depth = Depth::bits8;
     bool isLinear = false; ///< without a profile: linear light instead of sRGB's curve
 
-    int colours() const { return model == Model::grey ? 1 : model == Model::rgb ? 3 : 4; }
-    int channels() const { return colours() + (alpha != Alpha::none); }
+    int colors() const { return model == Model::grey ? 1 : model == Model::rgb ? 3 : 4; }
+    int channels() const { return colors() + (alpha != Alpha::none); }
     std::size_t pixelBytes() const
     {
         const std::size_t size = depth == Depth::bits8 ? 1 : depth == Depth::bits16 ? 2 : 4;

@@ -63,21 +63,13 @@ try {
     return std::nullopt;
 }
 
-bool isOpaque(const Bitmap& image)
-{
-    for (std::size_t i = 3; i < image.bytes.size(); i += 4)
-        if (image.bytes[i] != 255)
-            return false;
-    return true;
-}
-
 std::span<const std::uint8_t> srgbProfile()
 {
     static const auto profile = iccBytes(IccProfile(cmsCreate_sRGBProfile()));
     return profile;
 }
 
-void straighten(const std::uint8_t* row, std::uint8_t* to, const PictureShape& shape)
+void withStraightAlpha(const std::uint8_t* row, std::uint8_t* to, const PictureShape& shape)
 {
     for (int x = 0; x < shape.width; ++x, row += 4) {
         const unsigned alpha = row[3];

@@ -19,6 +19,6 @@ std::unique_ptr<PictureWriter> tiffWriter(const PictureShape& shape, const std::
 std::span<const std::uint8_t> srgbProfile();
 
 /// Copies a bitmap's row to RGB bytes, or RGBA with straight alpha.
-void straighten(const std::uint8_t* row, std::uint8_t* to, const PictureShape& shape);
+void withStraightAlpha(const std::uint8_t* row, std::uint8_t* to, const PictureShape& shape);
 
 } // namespace korvo

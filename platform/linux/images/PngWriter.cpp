@@ -23,7 +23,7 @@ public:
 
     void write(const std::uint8_t* row) override
     {
-        straighten(row, row_.data(), shape_);
+        withStraightAlpha(row, row_.data(), shape_);
         writeRow();
     }
 

@@ -10,7 +10,7 @@ namespace korvo {
 namespace {
 
 constexpr auto previewNote = "the camera is not known: the preview that it stored is shown";
-constexpr auto colourNote = "the camera is not known: its colours are a guess";
+constexpr auto colorNote = "the camera is not known: its colours are a guess";
 constexpr auto damageNote = "its raw data are damaged: the preview that the camera stored is shown";
 constexpr auto kindNote = "its kind of raw data is not known: the preview that the camera stored is shown";
 
@@ -140,28 +140,28 @@ using Developed = std::unique_ptr<libraw_processed_image_t, FreeDeveloped>;
 class DevelopedRows : public PictureRows {
 public:
     DevelopedRows(Developed image, PictureInfo info, const Raw& raw)
-        : image_(std::move(image)), colours_(image_->colors)
+        : image_(std::move(image)), colors_(image_->colors)
     {
         info_ = std::move(info);
         const auto& colour = raw.imgdata.color;
         // What LibRaw divided by, so that no channel exceeds its numbers.
-        const float headroom = 1 / *std::min_element(colour.pre_mul, colour.pre_mul + colours_);
+        const float headroom = 1 / *std::min_element(colour.pre_mul, colour.pre_mul + colors_);
         for (std::size_t row = 0; row < 3; ++row)
             for (std::size_t column = 0; column < 4; ++column)
                 matrix_[row][column] = headroom / 65535
-                    * (raw.hasMatrix() && colours_ > 1 ? colour.rgb_cam[row][column] : float(row == column));
+                    * (raw.hasMatrix() && colors_ > 1 ? colour.rgb_cam[row][column] : float(row == column));
     }
 
     void read(std::uint8_t* row) override
     {
         auto* to = reinterpret_cast<float*>(row);
         const auto width = static_cast<std::size_t>(info_.width);
-        const auto* from = reinterpret_cast<const std::uint16_t*>(image_->data) + colours_ * width * next_++;
-        const auto count = static_cast<std::size_t>(info_.format.colours());
-        for (std::size_t x = 0; x < width; ++x, from += colours_)
+        const auto* from = reinterpret_cast<const std::uint16_t*>(image_->data) + colors_ * width * next_++;
+        const auto count = static_cast<std::size_t>(info_.format.colors());
+        for (std::size_t x = 0; x < width; ++x, from += colors_)
             for (std::size_t channel = 0; channel < count; ++channel) {
                 float sum = 0;
-                for (std::size_t i = 0; i < colours_; ++i)
+                for (std::size_t i = 0; i < colors_; ++i)
                     sum += matrix_[channel][i] * static_cast<float>(from[i]);
                 *to++ = sum;
             }
@@ -169,7 +169,7 @@ public:
 
 private:
     Developed image_;
-    std::size_t colours_; ///< of the camera
+    std::size_t colors_; ///< of the camera
     std::array<std::array<float, 4>, 3> matrix_{};
     std::size_t next_ = 0;
 };
@@ -249,7 +249,7 @@ std::unique_ptr<PictureRows> openRaw(PictureFile& file, const OpenOptions& optio
     if (options.isQuick || !isCameraKnown(*raw))
         if (auto rows = preview(file, *raw, info, options))
             return rows;
-    info.note = isCameraKnown(*raw) ? "" : colourNote;
+    info.note = isCameraKnown(*raw) ? "" : colorNote;
     try {
         return develop(file, *raw, info, options);
     } catch (const ImageError& error) {

@@ -83,7 +83,7 @@ public:
 
     void write(const std::uint8_t* row) override
     {
-        straighten(row, row_.data(), shape_);
+        withStraightAlpha(row, row_.data(), shape_);
         if (TIFFWriteScanline(tiff_.get(), row_.data(), next_++) != 1)
             fail();
     }

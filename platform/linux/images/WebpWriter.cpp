@@ -34,7 +34,10 @@ public:
         pixels_.resize(rowBytes() * static_cast<std::size_t>(shape.height));
     }
 
-    void write(const std::uint8_t* row) override { straighten(row, &pixels_[rowBytes() * next_++], shape_); }
+    void write(const std::uint8_t* row) override
+    {
+        withStraightAlpha(row, &pixels_[rowBytes() * next_++], shape_);
+    }
 
     std::vector<std::uint8_t> finish() override
     {

@@ -2,7 +2,7 @@
 
 #include "edits/PhotoEdits.h"
 
-namespace korvo::bench {
+namespace korvo {
 
 /// All adjustments that there are, as a photographer may set them; bench/compare/run has the same.
 inline const PhotoEdits sixSteps{.exposure = 0.5,
@@ -14,4 +14,4 @@ inline const PhotoEdits sixSteps{.exposure = 0.5,
     .highlights = 0.4,
     .shadows = 0.2};
 
-} // namespace korvo::bench
+} // namespace korvo

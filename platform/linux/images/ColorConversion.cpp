@@ -1,4 +1,4 @@
-#include "platform/linux/images/ColourConversion.h"
+#include "platform/linux/images/ColorConversion.h"
 
 #include "platform/ColorMatrix.h"
 #include "platform/Srgb.h"
@@ -102,7 +102,7 @@ cmsUInt32Number lcmsFormat(const RowFormat& format)
     const bool isReal = format.depth == Depth::real;
     const auto space = format.model == Model::grey ? PT_GRAY : format.model == Model::rgb ? PT_RGB : PT_CMYK;
     return static_cast<cmsUInt32Number>(FLOAT_SH(isReal) | COLORSPACE_SH(space)
-        | EXTRA_SH(format.alpha != Alpha::none) | CHANNELS_SH(format.colours())
+        | EXTRA_SH(format.alpha != Alpha::none) | CHANNELS_SH(format.colors())
         | BYTES_SH(format.depth == Depth::bits8 ? 1
                 : format.depth == Depth::bits16 ? 2
                                                 : 4));
@@ -110,9 +110,9 @@ cmsUInt32Number lcmsFormat(const RowFormat& format)
 
 /// By lcms2 to sRGB; null for profiles that it cannot use.
 cmsHTRANSFORM transformOf(
-    cmsHPROFILE profile, const RowFormat& format, ColourConversion::Target target, cmsUInt32Number flags)
+    cmsHPROFILE profile, const RowFormat& format, ColorConversion::Target target, cmsUInt32Number flags)
 {
-    const bool isLinear = target == ColourConversion::Target::linear;
+    const bool isLinear = target == ColorConversion::Target::linear;
     const IccProfile srgb = isLinear ? gammaProfile(srgbPrimaries, 1) : IccProfile(cmsCreate_sRGBProfile());
     return cmsCreateTransform(profile, lcmsFormat(format), srgb.get(), isLinear ? TYPE_RGB_FLT : TYPE_RGBA_8,
         INTENT_RELATIVE_COLORIMETRIC, flags);
@@ -120,7 +120,7 @@ cmsHTRANSFORM transformOf(
 
 /// Whether a profile is one of a device or a colour space; links between two, and effects, say nothing of a
 /// picture's colours (ICC.1:2022, 7.2.7).
-bool describesColours(cmsHPROFILE profile)
+bool describesColors(cmsHPROFILE profile)
 {
     constexpr std::array classes{
         cmsSigInputClass, cmsSigDisplayClass, cmsSigOutputClass, cmsSigColorSpaceClass};
@@ -131,11 +131,11 @@ bool describesColours(cmsHPROFILE profile)
 /// than a header.
 bool isUsable(cmsHPROFILE profile, const RowFormat& format)
 {
-    if (cmsGetColorSpace(profile) != spaceOf(format.model) || !describesColours(profile))
+    if (cmsGetColorSpace(profile) != spaceOf(format.model) || !describesColors(profile))
         return false;
     if (isSimple(profile, format.model))
         return true;
-    const auto tried = transformOf(profile, format, ColourConversion::Target::linear, cmsFLAGS_NOOPTIMIZE);
+    const auto tried = transformOf(profile, format, ColorConversion::Target::linear, cmsFLAGS_NOOPTIMIZE);
     if (tried)
         cmsDeleteTransform(tried);
     return tried != nullptr;
@@ -211,7 +211,7 @@ std::uint8_t byteAt(const Number* pixel, int channel, const RowFormat& format)
 }
 
 template <typename Number>
-void colourBytes(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format)
+void colorBytes(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format)
 {
     for (int x = 0; x < width; ++x, row += format.channels(), rgba += 4)
         for (int channel = 0; channel < 3; ++channel)
@@ -230,17 +230,17 @@ bool holdsBitmap(const RowFormat& format)
         && format.model != Model::cmyk;
 }
 
-enum class Colours { straight, premultiplied };
+enum class Colors { straight, premultiplied };
 
 /// Puts the row's alpha into a row of RGBA bytes, and multiplies the colours by it if they are straight.
 template <typename Number>
-void takeAlpha(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format, Colours colours)
+void takeAlpha(const Number* row, std::uint8_t* rgba, int width, const RowFormat& format, Colors colors)
 {
-    row += format.colours();
+    row += format.colors();
     for (int x = 0; x < width; ++x, row += format.channels(), rgba += 4) {
         rgba[3] = isSeeThrough(format) ? byteOf(*row) : 255;
         for (int channel = 0; rgba[3] < 255 && channel < 3; ++channel)
-            rgba[channel] = colours == Colours::premultiplied
+            rgba[channel] = colors == Colors::premultiplied
                 ? std::min(rgba[channel], rgba[3])
                 : static_cast<std::uint8_t>((rgba[channel] * rgba[3] + 127) / 255);
     }
@@ -252,8 +252,8 @@ void divideByAlpha(Number* row, int width, const RowFormat& format)
     constexpr bool isReal = std::is_same_v<Number, float>;
     constexpr float most = isReal ? 1 : static_cast<float>(std::numeric_limits<Number>::max());
     for (int x = 0; x < width; ++x, row += format.channels())
-        for (int channel = 0; channel < format.colours(); ++channel) {
-            const float alpha = fraction(row[format.colours()]);
+        for (int channel = 0; channel < format.colors(); ++channel) {
+            const float alpha = fraction(row[format.colors()]);
             const float colour = alpha > 0 ? static_cast<float>(row[channel]) / alpha : 0;
             row[channel] = static_cast<Number>(isReal ? colour : std::min(colour + 0.5F, most));
         }
@@ -261,12 +261,12 @@ void divideByAlpha(Number* row, int width, const RowFormat& format)
 
 } // namespace
 
-bool ColourConversion::isBitmap(const PictureInfo& picture)
+bool ColorConversion::isBitmap(const PictureInfo& picture)
 {
     return picture.format.alpha == Alpha::unused && picture.format.model == Model::rgb && fitsBitmap(picture);
 }
 
-bool ColourConversion::fitsBitmap(const PictureInfo& picture)
+bool ColorConversion::fitsBitmap(const PictureInfo& picture)
 {
     if (picture.format.depth != Depth::bits8 || picture.format.isLinear
         || picture.format.model == Model::cmyk)
@@ -275,7 +275,7 @@ bool ColourConversion::fitsBitmap(const PictureInfo& picture)
     return !profile || isSrgb(profile.get(), picture.format.model);
 }
 
-ColourConversion::ColourConversion(const PictureInfo& picture, Target target) : format_(picture.format)
+ColorConversion::ColorConversion(const PictureInfo& picture, Target target) : format_(picture.format)
 {
     const auto profile = profileOf(picture);
     auto* const applied = profile && !isSrgb(profile.get(), format_.model) ? profile.get() : nullptr;
@@ -288,7 +288,7 @@ ColourConversion::ColourConversion(const PictureInfo& picture, Target target) : 
         makeTables(fitsTables ? applied : nullptr);
 }
 
-void ColourConversion::makeTables(cmsHPROFILE profile)
+void ColorConversion::makeTables(cmsHPROFILE profile)
 {
     const std::size_t size = format_.depth == Depth::bits8 ? 256 : 65536;
     for (std::size_t channel = 0; channel < 3; ++channel) {
@@ -310,37 +310,37 @@ void ColourConversion::makeTables(cmsHPROFILE profile)
             toSrgb(profile), matrix_.begin(), [](double value) { return static_cast<float>(value); });
 }
 
-void ColourConversion::toBitmap(std::uint8_t* row, std::uint8_t* rgba, int width)
+void ColorConversion::toBitmap(std::uint8_t* row, std::uint8_t* rgba, int width)
 {
-    const auto colours = !transform_ && holdsBitmap(format_) ? Colours::premultiplied : Colours::straight;
+    const auto colors = !transform_ && holdsBitmap(format_) ? Colors::premultiplied : Colors::straight;
     withNumbers(format_.depth, row, [&](auto* numbers) {
-        if (format_.alpha == Alpha::premultiplied && colours == Colours::straight)
+        if (format_.alpha == Alpha::premultiplied && colors == Colors::straight)
             divideByAlpha(numbers, width, format_);
         if (transform_)
             cmsDoTransform(transform_.get(), row, rgba, static_cast<cmsUInt32Number>(width));
         else
-            colourBytes(numbers, rgba, width, format_);
-        takeAlpha(numbers, rgba, width, format_, colours);
+            colorBytes(numbers, rgba, width, format_);
+        takeAlpha(numbers, rgba, width, format_, colors);
     });
 }
 
-void ColourConversion::toLinear(std::uint8_t* row, float* rgba, int width)
+void ColorConversion::toLinear(std::uint8_t* row, float* rgba, int width)
 {
     if (format_.alpha == Alpha::premultiplied)
         withNumbers(format_.depth, row, [&](auto* numbers) { divideByAlpha(numbers, width, format_); });
     if (transform_) {
-        colours_.resize(3 * static_cast<std::size_t>(width));
-        cmsDoTransform(transform_.get(), row, colours_.data(), static_cast<cmsUInt32Number>(width));
+        colors_.resize(3 * static_cast<std::size_t>(width));
+        cmsDoTransform(transform_.get(), row, colors_.data(), static_cast<cmsUInt32Number>(width));
     }
     withNumbers(format_.depth, row, [&](const auto* numbers) { numbersToLinear(numbers, rgba, width); });
 }
 
 template <typename Number>
-void ColourConversion::numbersToLinear(const Number* row, float* rgba, int width) const
+void ColorConversion::numbersToLinear(const Number* row, float* rgba, int width) const
 {
     for (int x = 0; x < width; ++x, row += format_.channels(), rgba += 4) {
         if (transform_)
-            std::copy_n(&colours_[3 * static_cast<std::size_t>(x)], 3, rgba);
+            std::copy_n(&colors_[3 * static_cast<std::size_t>(x)], 3, rgba);
         else
             for (int channel = 0; channel < 3; ++channel)
                 rgba[channel] = light(row, channel);
@@ -349,12 +349,12 @@ void ColourConversion::numbersToLinear(const Number* row, float* rgba, int width
             for (std::size_t i = 0; i < 3; ++i)
                 rgba[i] = matrix_[3 * i] * red + matrix_[3 * i + 1] * green + matrix_[3 * i + 2] * blue;
         }
-        rgba[3] = isSeeThrough(format_) ? fraction(row[format_.colours()]) : 1;
+        rgba[3] = isSeeThrough(format_) ? fraction(row[format_.colors()]) : 1;
     }
 }
 
 template <typename Number>
-float ColourConversion::light(const Number* pixel, int channel) const
+float ColorConversion::light(const Number* pixel, int channel) const
 {
     if (format_.model == Model::cmyk)
         return decodedSrgb(inked(pixel, channel));

@@ -12,11 +12,11 @@ namespace korvo {
 /// Turns rows as a file stores them into sRGB: by the picture's ICC profile, or as sRGB without one. A
 /// profile of three curves and a matrix is applied by tables for linear light, every other by lcms2; a
 /// profile that cannot be read, or is meant for other colours, is passed over.
-class ColourConversion {
+class ColorConversion {
 public:
     enum class Target { bitmap, linear };
 
-    ColourConversion(const PictureInfo& picture, Target target);
+    ColorConversion(const PictureInfo& picture, Target target);
 
     /// Whether a picture without alpha is what a bitmap holds already: its rows need no conversion.
     static bool isBitmap(const PictureInfo& picture);
@@ -43,7 +43,7 @@ private:
     std::array<std::vector<float>, 3> tables_; ///< from a stored number to linear light
     std::array<float, 9> matrix_{1, 0, 0, 0, 1, 0, 0, 0, 1};
     bool hasMatrix_ = false;
-    std::vector<float> colours_; ///< three a pixel, from lcms2
+    std::vector<float> colors_; ///< three a pixel, from lcms2
 };
 
 } // namespace korvo
