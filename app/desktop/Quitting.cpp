@@ -32,11 +32,11 @@ QString whatStoppingLeaves(const Job& job)
 {
     if (job.stopping() == Stopping::drops)
         return "Nothing of it is kept before it has ended.";
+    const QString done = "What is done stays";
     if (job.done() == 0)
-        return "What is done stays.";
-    const QString done = number(job.done());
-    const QString text = job.total() > 0 ? done + " of " + number(job.total()) : done;
-    return text + (job.done() == 1 && job.total() == 0 ? " is done and stays." : " are done and stay.");
+        return done + ".";
+    const QString ofAll = job.total() > 0 ? " of " + number(job.total()) : QString();
+    return done + ", about " + number(job.done()) + ofAll + "."; // of those begun a few may be dropped
 }
 
 bool isLossWished(QWidget& window)

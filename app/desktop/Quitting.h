@@ -8,7 +8,7 @@ class QWidget;
 
 namespace korvo {
 
-/// What becomes of a running job that is stopped now: "900 of 1,000 are done and stay."
+/// What becomes of a running job that is stopped now: "What is done stays, about 900 of 1,000."
 QString whatStoppingLeaves(const Job& job);
 
 // Questions before quitting. Each says whether to quit all the same.

@@ -258,8 +258,8 @@ void GridView::paintEmpty()
         title = "This cannot be shown";
         help = qt(*fault);
     } else if (!list.items().empty()) {
-        title = "No photo passes the filter";
-        help = "Choose another one in the toolbar.";
+        title = "No photo passes the search and the filter";
+        help = "Search for something else, or choose another filter in the toolbar.";
     } else if (!store().source()) {
         title = "This library is empty";
         help = "Drag a folder of photos here, or choose “Add Folder…” (Ctrl+Shift+O). The files stay where "

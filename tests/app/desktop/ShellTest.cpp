@@ -519,10 +519,10 @@ TEST(MainWindow, quittingTellsWhatIsLeftOfAllThatRuns)
     };
     start("Adding", Stopping::keeps, 900);
     EXPECT_EQ(t.refused(Command::quit),
-        "“Adding” is still going on.\n900 of 1,000 are done and stay.\nQuitting ends it here.");
+        "“Adding” is still going on.\nWhat is done stays, about 900 of 1,000.\nQuitting ends it here.");
     start("Auto", Stopping::drops, 500);
     EXPECT_EQ(t.refused(Command::quit),
-        "2 jobs are still going on.\n“Adding”: 900 of 1,000 are done and stay.\n"
+        "2 jobs are still going on.\n“Adding”: What is done stays, about 900 of 1,000.\n"
         "“Auto”: Nothing of it is kept before it has ended.\nQuitting ends them here.");
     EXPECT_TRUE(t.window->isVisible());
     ends = true;
