@@ -1,6 +1,9 @@
 #include "app/Browser.h"
 
+#include "app/Survey.h"
+
 #include <algorithm>
+#include <functional>
 #include <unordered_set>
 #include <utility>
 
@@ -59,6 +62,20 @@ void Browser::step(std::ptrdiff_t places)
     const auto to = from ? static_cast<std::ptrdiff_t>(*from) + places : 0;
     setCurrent(
         shownAt(store_.list(), static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(to, 0, count - 1))));
+}
+
+std::optional<PhotoID> Browser::after(std::span<const PhotoID> ids) const
+{
+    const std::unordered_set<PhotoID> marked(ids.begin(), ids.end());
+    const auto behindLast = [&](const auto& order, const auto& idOf) -> std::optional<PhotoID> {
+        const auto isMarked = [&](PhotoID id) { return marked.contains(id); };
+        const auto behind = std::ranges::find_if(order.rbegin(), order.rend(), isMarked, idOf).base();
+        return behind == order.begin() || behind == order.end() ? std::nullopt : std::optional(idOf(*behind));
+    };
+    if (mode_ == ViewMode::survey)
+        return behindLast(surveyed(store_), std::identity());
+    const auto& list = store_.list();
+    return behindLast(list.shown(), [&](std::uint32_t position) { return list.items()[position].id; });
 }
 
 bool Browser::listsVersions() const
@@ -152,9 +169,22 @@ void Browser::keepCurrent()
     const auto& shown = store_.list().shown();
     const bool left = current_ && !at;
     if (left && mode_ != ViewMode::grid && !shown.empty()) // the next one is looked at
-        return setCurrent(shownAt(store_.list(), std::min(place_, shown.size() - 1)));
+        return setCurrent(inPlaceOfCurrent());
     current_ = selected.empty() ? std::nullopt : std::optional(selected.front());
     place_ = place().value_or(0);
+}
+
+/// What is to be looked at after the current photo has left the list. A survey goes on with those that
+/// remain.
+PhotoID Browser::inPlaceOfCurrent() const
+{
+    const auto& list = store_.list();
+    const auto photos = mode_ == ViewMode::survey ? surveyed(store_) : std::vector<PhotoID>();
+    if (photos.empty())
+        return shownAt(list, std::min(place_, list.shown().size() - 1));
+    const auto next
+        = std::ranges::find_if(photos, [&](PhotoID id) { return list.shownPosition(id) >= place_; });
+    return next == photos.end() ? photos.back() : *next;
 }
 
 } // namespace korvo

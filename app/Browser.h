@@ -31,6 +31,10 @@ public:
     /// Makes the photo current that stands so many places further on (or back), at most the last (or first).
     void step(std::ptrdiff_t places);
 
+    /// The photo to go on to after these: the one behind the last of them that is shown, in the survey among
+    /// those that are surveyed.
+    std::optional<PhotoID> after(std::span<const PhotoID> ids) const;
+
     /// Lists a photo, or a version, with all versions of it, and makes it the selected one.
     void showVersions(PhotoID photo);
     /// Lists again what was listed before; does nothing when no versions are listed.
@@ -46,6 +50,7 @@ private:
     void storeChanged(const LibraryChange& change);
     std::optional<std::size_t> place() const;
     void keepCurrent();
+    PhotoID inPlaceOfCurrent() const;
 
     LibraryStore& store_;
     ViewMode mode_ = ViewMode::grid;

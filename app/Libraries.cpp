@@ -14,12 +14,6 @@ constexpr auto recentKey = "korvo_recent_libraries";
 constexpr std::size_t recentKept = 10;
 constexpr char separator = '\0'; // the one byte that no path holds
 
-bool holdsCatalog(const std::filesystem::path& folder)
-{
-    std::error_code ignored; // a folder that cannot be looked into holds none for us
-    return !folder.empty() && std::filesystem::exists(folder / "catalog.sqlite", ignored);
-}
-
 std::vector<std::filesystem::path> storedLibraries(const Defaults& defaults)
 {
     const auto stored = defaults.get(recentKey).value_or("");
@@ -28,12 +22,6 @@ std::vector<std::filesystem::path> storedLibraries(const Defaults& defaults)
         if (!path.empty())
             libraries.emplace_back(path);
     return libraries;
-}
-
-void setIfOther(Defaults& defaults, const char* key, const std::string& value)
-{
-    if (defaults.get(key) != value)
-        defaults.set(key, value);
 }
 
 /// Those that cannot be seen now stay in the list: their disk may be away for a day.
@@ -46,16 +34,29 @@ void remember(const std::filesystem::path& folder, Defaults& defaults)
     std::string list;
     for (const auto& path : recent)
         list += path.native() + separator;
-    setIfOther(defaults, recentKey, list);
-    setIfOther(defaults, lastKey, folder.native());
+    defaults.setIfOther(recentKey, list);
+    defaults.setIfOther(lastKey, folder.native());
 }
 
 } // namespace
+
+bool holdsCatalog(const std::filesystem::path& folder)
+{
+    std::error_code ignored; // a folder that cannot be looked into holds none for us
+    return !folder.empty() && std::filesystem::exists(folder / "catalog.sqlite", ignored);
+}
 
 std::optional<std::filesystem::path> lastLibrary(const Defaults& defaults)
 {
     const auto stored = defaults.get(lastKey);
     return stored && holdsCatalog(*stored) ? std::optional<std::filesystem::path>(*stored) : std::nullopt;
+}
+
+std::optional<std::filesystem::path> missingLibrary(const Defaults& defaults)
+{
+    const auto stored = defaults.get(lastKey);
+    const bool isMissing = stored && !stored->empty() && !holdsCatalog(*stored);
+    return isMissing ? std::optional<std::filesystem::path>(*stored) : std::nullopt;
 }
 
 std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults)

@@ -10,8 +10,14 @@
 
 namespace korvo {
 
+/// Whether a folder is a library, as far as can be seen.
+bool holdsCatalog(const std::filesystem::path& folder);
+
 /// The library opened last, if its catalog is still there.
 std::optional<std::filesystem::path> lastLibrary(const Defaults& defaults);
+
+/// The library opened last, if its catalog cannot be seen: its disk may be away.
+std::optional<std::filesystem::path> missingLibrary(const Defaults& defaults);
 
 /// The libraries opened lately, the last one first; those whose catalog is gone are left out.
 std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults);

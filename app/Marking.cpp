@@ -125,18 +125,4 @@ std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids)
         + (kept.size() == 1 ? "it." : "them.");
 }
 
-std::optional<PhotoID> photoAfter(const PhotoList& list, std::span<const PhotoID> ids)
-{
-    const std::unordered_set<PhotoID> marked(ids.begin(), ids.end());
-    std::optional<PhotoID> after;
-    const auto& shown = list.shown();
-    for (auto at = shown.rbegin(); at != shown.rend(); ++at) {
-        const PhotoID id = list.items()[*at].id;
-        if (marked.contains(id))
-            return after;
-        after = id;
-    }
-    return std::nullopt;
-}
-
 } // namespace korvo

@@ -38,7 +38,4 @@ std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids);
 /// Number of photos above which a line offers to take back what one key did.
 inline constexpr std::size_t photosBeforeUndoIsOffered = 20;
 
-/// The photo behind the last of these in the order shown, to go on with after marking them.
-std::optional<PhotoID> photoAfter(const PhotoList& list, std::span<const PhotoID> ids);
-
 } // namespace korvo

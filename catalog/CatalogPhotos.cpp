@@ -40,32 +40,39 @@ bool mayBeWritten(Database& database, PhotoID id)
     return row.step() && !isReadOnlyOriginal(database, row.text(0));
 }
 
-} // namespace
-
-AddedRow Catalog::addPhoto(const NewPhoto& photo)
-{
-    const std::string_view path = photo.path;
-    requireAbsolute(path);
-    const PhotoMetadata& metadata = photo.metadata;
-    const CameraData& camera = photo.camera;
-    const ConnectionLock lock(database_.handle());
-    database_.run(R"(INSERT OR IGNORE INTO photos
+constexpr std::string_view insertPhoto = R"(INSERT OR IGNORE INTO photos
     (folder_id, path, filename, added_at, mtime, file_size,
      alt_text, title, caption, keywords, creator, copyright,
      camera, lens, iso, focal_length, aperture, shutter, capture_date, latitude, longitude,
      exif_read, capture_read, gps_read,
      project_id, version_of, version_name, rating, flagged, label, edits, reference_path)
-VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))",
-        photo.folderID, path, path.substr(path.rfind('/') + 1), photo.addedAt, photo.fileDate, photo.fileSize,
-        metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
-        metadata.creator.view(), metadata.copyright.view(), camera.camera, camera.lens, camera.iso,
-        camera.focalLength, camera.aperture, camera.shutter, camera.captureDate, photo.latitude,
-        photo.longitude, photo.read.camera, photo.read.captureDate, photo.read.position, photo.projectID,
-        photo.versionOf, photo.versionName, photo.rating, photo.flagged, static_cast<int>(photo.label),
-        photo.edits, photo.referencePath);
-    if (database_.changes() > 0)
-        return {sqlite3_last_insert_rowid(database_.handle()), true};
-    return {masterAt(path).value_or(0), false};
+VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?))";
+
+AddedRow addTo(Catalog& catalog, Statement& insert, const NewPhoto& photo)
+{
+    const std::string_view path = photo.path;
+    requireAbsolute(path);
+    const PhotoMetadata& metadata = photo.metadata;
+    const CameraData& camera = photo.camera;
+    insert.bind(photo.folderID, path, path.substr(path.rfind('/') + 1), photo.addedAt, photo.fileDate,
+        photo.fileSize, metadata.altText.view(), metadata.title.view(), metadata.caption.view(),
+        metadata.keywords.view(), metadata.creator.view(), metadata.copyright.view(), camera.camera,
+        camera.lens, camera.iso, camera.focalLength, camera.aperture, camera.shutter, camera.captureDate,
+        photo.latitude, photo.longitude, photo.read.camera, photo.read.captureDate, photo.read.position,
+        photo.projectID, photo.versionOf, photo.versionName, photo.rating, photo.flagged,
+        static_cast<int>(photo.label), photo.edits, photo.referencePath);
+    insert.run();
+    if (catalog.database().changes() > 0)
+        return {sqlite3_last_insert_rowid(catalog.database().handle()), true};
+    return {catalog.masterAt(path).value_or(0), false};
+}
+
+} // namespace
+
+AddedRow Catalog::addPhoto(const NewPhoto& photo)
+{
+    auto insert = database_.kept(insertPhoto);
+    return addTo(*this, insert, photo);
 }
 
 std::vector<AddedRow> Catalog::addPhotos(std::span<const NewPhoto> photos)
@@ -73,8 +80,11 @@ std::vector<AddedRow> Catalog::addPhotos(std::span<const NewPhoto> photos)
     std::vector<AddedRow> added;
     added.reserve(photos.size());
     Transaction transaction(database_);
-    for (const NewPhoto& photo : photos)
-        added.push_back(addPhoto(photo));
+    {
+        auto insert = database_.kept(insertPhoto);
+        for (const NewPhoto& photo : photos)
+            added.push_back(addTo(*this, insert, photo));
+    }
     transaction.commit();
     return added;
 }

@@ -17,6 +17,13 @@ public:
 
     /// Replaces the value; after a crash the old or the new one stands. Throws std::system_error.
     virtual void set(std::string_view key, std::string_view value) = 0;
+
+    /// The same, but for a value that stands there already.
+    void setIfOther(std::string_view key, std::string_view value)
+    {
+        if (get(key) != value)
+            set(key, value);
+    }
 };
 
 } // namespace korvo

@@ -1,5 +1,6 @@
 #include "app/desktop/FirstStart.h"
 
+#include "app/Libraries.h"
 #include "app/desktop/Texts.h"
 #include "platform/AppFolders.h"
 
@@ -16,12 +17,6 @@ std::filesystem::path askFolder(const QString& title)
 {
     return pathOf(
         QFileDialog::getExistingDirectory(nullptr, title, QFile::decodeName(picturesFolder().c_str())));
-}
-
-bool isLibrary(const std::filesystem::path& folder)
-{
-    std::error_code unreadable; // which the user is told
-    return !folder.empty() && std::filesystem::exists(folder / "catalog.sqlite", unreadable);
 }
 
 } // namespace
@@ -42,7 +37,7 @@ std::optional<FirstStart> askAtFirstStart()
             if (const auto folder = askFolder("Folder of Photos"); !folder.empty())
                 return FirstStart{library, {folder}};
         } else if (box.clickedButton() == other) {
-            if (const auto folder = askFolder("Open Library"); isLibrary(folder))
+            if (const auto folder = askFolder("Open Library"); holdsCatalog(folder))
                 return FirstStart{folder, {}};
             else if (!folder.empty())
                 QMessageBox::warning(nullptr, "Korvo",
@@ -51,6 +46,27 @@ std::optional<FirstStart> askAtFirstStart()
         } else {
             return std::nullopt;
         }
+    }
+}
+
+std::optional<FirstStart> askForMissing(const std::filesystem::path& library)
+{
+    QMessageBox box(
+        QMessageBox::NoIcon, "Korvo", "The library " + qt(library.filename().string()) + " is not there.");
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText("It was last opened at " + qt(library.string())
+        + ". If that is on a disk that is not connected, connect it and try again.");
+    const QAbstractButton* const again = box.addButton("Try Again", QMessageBox::AcceptRole);
+    const QAbstractButton* const other = box.addButton("Another Library…", QMessageBox::ActionRole);
+    box.addButton("Quit", QMessageBox::RejectRole);
+    while (true) {
+        box.exec();
+        if (box.clickedButton() == other)
+            return askAtFirstStart();
+        if (box.clickedButton() != again)
+            return std::nullopt;
+        if (holdsCatalog(library))
+            return FirstStart{library, {}};
     }
 }
 

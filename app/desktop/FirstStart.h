@@ -15,4 +15,8 @@ struct FirstStart {
 /// Asks for one folder of photos, or for a library that is there. Nothing when the user wants neither.
 std::optional<FirstStart> askAtFirstStart();
 
+/// Asks what to do without the library that was opened last, whose disk may be away: wait for it, or take
+/// another. Nothing when the user wants neither.
+std::optional<FirstStart> askForMissing(const std::filesystem::path& library);
+
 } // namespace korvo

@@ -18,7 +18,7 @@ void markTargets(MainWindow& window, const std::function<std::string(LibraryStor
     const auto ids = desktop.browser().targets();
     std::vector<PhotoID> next; // none, or the one to go on to
     if (window.commands().advance())
-        if (const auto after = photoAfter(desktop.store().list(), ids))
+        if (const auto after = desktop.browser().after(ids))
             next = {*after};
     const auto done = act(desktop.store(), ids);
     if (ids.size() > photosBeforeUndoIsOffered)

@@ -43,12 +43,12 @@ void rememberWindow(MainWindow& window)
     auto& desktop = window.desktop();
     auto& defaults = desktop.defaults();
     try {
-        defaults.set(geometryKey, window.saveGeometry().toBase64().toStdString());
-        defaults.set(sidesKey, window.saveSides().toBase64().toStdString());
-        defaults.set(thumbSizeKey, std::to_string(gridOf(window)->thumbnailSize()));
+        defaults.setIfOther(geometryKey, window.saveGeometry().toBase64().toStdString());
+        defaults.setIfOther(sidesKey, window.saveSides().toBase64().toStdString());
+        defaults.setIfOther(thumbSizeKey, std::to_string(gridOf(window)->thumbnailSize()));
         const auto& catalog = desktop.store().catalog();
-        defaults.set(keyOfLibrary(sidebarKeys, catalog), sidebarOf(window)->openLines());
-        defaults.set(keyOfLibrary(viewKeys, catalog), textOf(viewMemory(desktop.store())));
+        defaults.setIfOther(keyOfLibrary(sidebarKeys, catalog), sidebarOf(window)->openLines());
+        defaults.setIfOther(keyOfLibrary(viewKeys, catalog), textOf(viewMemory(desktop.store())));
     } catch (const std::exception&) { // only a convenience: no reason to keep a window from closing
     }
 }

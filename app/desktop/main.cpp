@@ -87,18 +87,33 @@ Options parsed(const QApplication& application, int argc, char** argv)
     return options;
 }
 
+/// A library that is only named, in the environment or for a picture, is not made.
+FirstStart existing(const std::filesystem::path& library, const Options& options)
+{
+    if (!holdsCatalog(library))
+        throw std::runtime_error("no library in " + library.string() + ", or its disk is not connected");
+    return {library, options.add};
+}
+
 /// The library that is asked for, the one opened last, or what the user chooses at the first start; nothing
 /// when the user does not want any.
 std::optional<FirstStart> startWith(const Options& options, const Defaults& defaults)
 {
     if (options.library)
-        return FirstStart{*options.library, options.add};
+        return options.screenshot ? existing(*options.library, options)
+                                  : FirstStart{*options.library, options.add};
     if (const char* const named = std::getenv("KORVO_LIBRARY"); named && *named)
-        return FirstStart{named, options.add};
+        return existing(named, options);
     if (const auto last = lastLibrary(defaults))
         return FirstStart{*last, options.add};
     if (options.screenshot)
         throw std::runtime_error("no library yet: name one with --library DIR");
+    if (const auto missing = missingLibrary(defaults)) {
+        auto start = askForMissing(*missing);
+        if (start)
+            start->add.insert(start->add.end(), options.add.begin(), options.add.end());
+        return start;
+    }
     if (!options.add.empty())
         return FirstStart{picturesFolder() / "Korvo Library", options.add};
     return askAtFirstStart();
@@ -148,7 +163,9 @@ int run(Application& application, const Options& options)
             return 0;
     }
     QtMainThread main;
-    Desktop desktop(main, openLibrary(start->library, clock, defaults), clock, defaults);
+    auto catalog = options.screenshot ? std::make_unique<Catalog>(start->library, clock)
+                                      : openLibrary(start->library, clock, defaults);
+    Desktop desktop(main, std::move(catalog), clock, defaults);
     if (options.screenshot)
         return picture(application, desktop, *options.screenshot);
     MainWindow window(desktop);
@@ -160,6 +177,13 @@ int run(Application& application, const Options& options)
     };
     restoreWindow(window);
     window.show();
+    // Not only at the end, which a crash or a power cut leaves out, and not while the user waits for
+    // something.
+    QObject::connect(
+        &application, &QGuiApplication::applicationStateChanged, &window, [&](Qt::ApplicationState state) {
+            if (state != Qt::ApplicationActive)
+                rememberWindow(window);
+        });
     addToLibrary(desktop, start->add);
     const int status = show(application, desktop);
     instance.reset(); // another start must not wait for this end

@@ -79,6 +79,34 @@ TEST(Browser, goesOnAfterTheHiddenPhotoThoughOthersStaySelected)
     EXPECT_EQ(t.browser->current(), 4);
 }
 
+TEST(Browser, goesOnBehindTheLastPhotoAndInASurveyAmongThoseOfIt)
+{
+    TestBrowser t;
+    t.store->select({1, 3, 5});
+    t.browser->setCurrent(1);
+    EXPECT_EQ(t.browser->after(IDs{2, 1}), 3);
+    EXPECT_EQ(t.browser->after(IDs{5}), std::nullopt);
+    EXPECT_EQ(t.browser->after({}), std::nullopt);
+    t.browser->setMode(ViewMode::survey);
+    EXPECT_EQ(t.browser->after(IDs{1}), 3);
+    EXPECT_EQ(t.browser->after(IDs{5}), std::nullopt);
+}
+
+TEST(Browser, aSurveyGoesOnWithThePhotosThatRemain)
+{
+    TestBrowser t;
+    t.store->select({1, 3, 5});
+    t.browser->setCurrent(3);
+    t.browser->setMode(ViewMode::survey);
+    const auto rejectCurrent = [&] { setRating(*t.store, only(*t.browser->current()), rejectedRating); };
+    rejectCurrent();
+    EXPECT_EQ(t.browser->current(), 5);
+    EXPECT_EQ(t.store->selection(), (IDs{1, 5}));
+    rejectCurrent();
+    EXPECT_EQ(t.browser->current(), 1) << "the last of them was the current one";
+    EXPECT_EQ(t.store->selection(), IDs{1});
+}
+
 TEST(Browser, returnsToTheGridWhenNoPhotoIsLeft)
 {
     TestBrowser t;

@@ -12,6 +12,7 @@ TEST(Libraries, theLastOnesComeFirstAndThoseThatAreGoneAreLeftOut)
     const ManualClock clock;
     FileDefaults defaults(folder / "config" / "korvo");
     EXPECT_FALSE(lastLibrary(defaults));
+    EXPECT_FALSE(missingLibrary(defaults));
     EXPECT_TRUE(recentLibraries(defaults).empty());
     const std::vector<std::filesystem::path> paths
         = {folder / "a", folder / "latin\xE9", folder / "new\nline"};
@@ -20,9 +21,11 @@ TEST(Libraries, theLastOnesComeFirstAndThoseThatAreGoneAreLeftOut)
     openLibrary(paths[0], clock, defaults);
     EXPECT_EQ(recentLibraries(defaults), (std::vector<std::filesystem::path>{paths[0], paths[2], paths[1]}));
     EXPECT_EQ(lastLibrary(defaults), paths[0]);
+    EXPECT_FALSE(missingLibrary(defaults));
     std::filesystem::rename(paths[0], folder / "unplugged");
     EXPECT_EQ(recentLibraries(defaults).size(), 2U);
     EXPECT_FALSE(lastLibrary(defaults));
+    EXPECT_EQ(missingLibrary(defaults), paths[0]);
     openLibrary(paths[1], clock, defaults);
     std::filesystem::rename(folder / "unplugged", paths[0]);
     EXPECT_EQ(recentLibraries(defaults), (std::vector<std::filesystem::path>{paths[1], paths[0], paths[2]}))

@@ -101,11 +101,4 @@ TEST(Marking, deleteTakesOutOfAnAlbumAndElsewhereRejects)
     EXPECT_EQ(t.marks(1), "x") << "the second time rejects no less";
 }
 
-TEST(Marking, goesOnBehindTheLastMarkedPhoto)
-{
-    const TestMarking t;
-    EXPECT_EQ(photoAfter(t.store->list(), std::vector<PhotoID>{2, 1}), 3);
-    EXPECT_EQ(photoAfter(t.store->list(), only(3)), std::nullopt);
-}
-
 } // namespace korvo

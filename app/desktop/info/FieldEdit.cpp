@@ -111,6 +111,12 @@ void FieldEdit::changeEvent(QEvent* event)
         fitHeight();
 }
 
+/// Photos and folders have names, but are not meant as text: the window takes them.
+bool FieldEdit::canInsertFromMimeData(const QMimeData* source) const
+{
+    return source->hasText() && !source->hasUrls();
+}
+
 void FieldEdit::insertFromMimeData(const QMimeData* source)
 {
     auto text = source->text();

@@ -353,8 +353,8 @@ void Sidebar::addPlaces(QMenu& menu, const SidebarKey& what)
             *menu.addMenu("Move to"), places, [](const SidebarNode&) { return true; }, move);
     if (what.kind != Kind::project && what.kind != Kind::album)
         return;
-    const auto step = [this, what](int places) {
-        return [this, what, places] { desktop_.attempt([&] { stepLine(desktop_.store(), what, places); }); };
+    const auto step = [this, what](int lines) {
+        return [this, what, lines] { desktop_.attempt([&] { stepLine(desktop_.store(), what, lines); }); };
     };
     menu.addAction("Move Up", QKeySequence(Qt::ALT | Qt::Key_Up), step(-1));
     menu.addAction("Move Down", QKeySequence(Qt::ALT | Qt::Key_Down), step(1));

@@ -4,6 +4,8 @@
 
 #include <QAbstractItemView>
 #include <QCompleter>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTimer>
 
@@ -176,6 +178,28 @@ TEST(Info, aCommandIsForThePhotoThatWasTypedForOrForNone)
     t.window->commands().run(Command::showVersions);
     EXPECT_TRUE(store.list().shown().empty());
     EXPECT_EQ(store.source()->kind, LibrarySource::Kind::noAltText);
+}
+
+TEST(Info, photosAndFoldersThatAreDroppedOnAFieldAreNoText)
+{
+    TestWindow t(1);
+    t.store().select({1});
+    settle();
+    auto& caption = field(t, "Caption");
+    const auto take = [&](const QMimeData& data) {
+        const QPoint at = caption.viewport()->rect().center();
+        QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(caption.viewport(), &enter);
+        QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(caption.viewport(), &drop);
+        return caption.toPlainText();
+    };
+    QMimeData text, files;
+    files.setUrls({QUrl("file:///photos/a.jpg")});
+    files.setText("file:///photos/a.jpg");
+    text.setText("A bridge");
+    EXPECT_EQ(take(files), "");
+    EXPECT_EQ(take(text), "A bridge");
 }
 
 TEST(Info, worksOffAltTextsWithEnter)
