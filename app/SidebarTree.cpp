@@ -332,6 +332,14 @@ void place(LibraryStore& store, const SidebarKey& what, Parent parent, Parent be
 
 } // namespace
 
+Parent projectAt(const LibraryTree& tree, const SidebarKey& key)
+{
+    if (key.kind == Kind::project)
+        return key.id;
+    const auto siblings = siblingsOf(tree, key);
+    return siblings ? siblings->parent : std::nullopt;
+}
+
 void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto, DropAt at)
 {
     const auto into = onto.kind == Kind::heading ? std::nullopt : std::optional(onto.id);

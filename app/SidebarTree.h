@@ -37,6 +37,8 @@ SidebarKey keyOf(const std::optional<LibrarySource>& source);
 bool canBeRenamed(SidebarNode::Kind kind);
 bool canBeDeleted(SidebarNode::Kind kind);
 bool takesPhotos(const SidebarKey& key);
+/// The project that new projects and albums made at a line belong in: the line's own, or an album's.
+std::optional<std::int64_t> projectAt(const LibraryTree& tree, const SidebarKey& key);
 /// Where a line is dropped: into another, or beside it.
 enum class DropAt { into, above, below };
 

@@ -90,7 +90,7 @@ void Commands::handle(Command command, Handler handler, Condition possible)
     refresh();
 }
 
-void Commands::run(Command command)
+void Commands::run(Command command, const Handler& handler)
 {
     advance_ = std::exchange(shiftOrCapsLock_, false) && infoOf(command).marks == MarksPhotos::advances;
     if (command == Command::undo && takeBackWhatIsOpen())
@@ -98,7 +98,7 @@ void Commands::run(Command command)
     if (actsOnPhotos(command) ? !settleForPhotos()
                               : !settle() && command != Command::quit && command != Command::escape)
         return; // quitting asks, and Esc only leaves the field
-    if (const auto& handler = handlers_[indexOf(command)])
+    if (handler)
         desktop_.attempt(handler);
     advance_ = false;
 }

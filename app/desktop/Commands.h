@@ -102,7 +102,9 @@ public:
 
     /// Who carries the command out, and when that is possible beside what the table says.
     void handle(Command command, Handler handler, Condition possible = {});
-    void run(Command command);
+    void run(Command command) { run(command, handlers_[static_cast<std::size_t>(command)]); }
+    /// The same carried out otherwise, as from a context menu for what was clicked.
+    void run(Command command, const Handler& handler);
     /// Keeps what is still open: the text being typed, and what a slider was moved to by keys. False when a
     /// text could not be kept, which the user was told.
     bool settle();

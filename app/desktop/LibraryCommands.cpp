@@ -4,12 +4,12 @@
 #include "app/Marking.h"
 #include "app/Stacking.h"
 #include "app/desktop/Adding.h"
-#include "app/desktop/AskName.h"
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/NewWindow.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Versions.h"
+#include "app/desktop/sidebar/NewLines.h"
 #include "base/Text.h"
 #include "catalog/GroupActions.h"
 #include "catalog/LibraryActions.h"
@@ -60,35 +60,11 @@ void addFolder(MainWindow& window)
         addToLibrary(window.desktop(), {pathOf(folder)});
 }
 
-/// Asks for a name and makes something of it.
-template <typename Make>
-void makeNamed(MainWindow& window, const QString& title, Make make)
-{
-    if (const auto name = askName(window, title))
-        make(window.desktop().store(), *name);
-}
-
 /// The project that is shown, below which new ones belong.
 std::optional<std::int64_t> shownProject(const LibraryStore& store)
 {
     const auto& source = store.source();
     return source && source->kind == LibrarySource::Kind::project ? std::optional(source->id) : std::nullopt;
-}
-
-void newAlbum(MainWindow& window)
-{
-    makeNamed(window, "New Album", [&](LibraryStore& store, const std::string& name) {
-        const auto photos = window.desktop().browser().targets();
-        std::int64_t album = 0;
-        const auto parent = shownProject(store);
-        store.perform("New Album", [&](Catalog& catalog) {
-            album = catalog.createAlbum(name, parent);
-            catalog.addToAlbum(album, photos);
-        });
-        if (!photos.empty())
-            window.desktop().say(
-                "Put " + counted(photos.size(), "photo") + " into “" + name + "”.", Offer::undo);
-    });
 }
 
 /// "Their 2 versions go along. ", or nothing.
@@ -173,12 +149,8 @@ void addLibraryCommands(MainWindow& window)
     commands.handle(Command::newLibrary, [&] { newLibrary(window); });
     commands.handle(Command::openLibrary, [&] { openLibrary(window); });
     commands.handle(Command::addFolder, [&] { addFolder(window); });
-    commands.handle(Command::newProject, [&] {
-        makeNamed(window, "New Project", [](LibraryStore& all, const std::string& name) {
-            createProject(all, name, "project", shownProject(all));
-        });
-    });
-    commands.handle(Command::newAlbum, [&] { newAlbum(window); });
+    commands.handle(Command::newProject, [&] { newProject(window, shownProject(store)); });
+    commands.handle(Command::newAlbum, [&] { newAlbum(window, shownProject(store)); });
     commands.handle(Command::selectAll, [&] { selectAll(store); });
     commands.handle(Command::selectNone, [&] { store.select({}); });
     commands.handle(Command::remove,

@@ -1,11 +1,10 @@
-#include "app/desktop/AskName.h"
 #include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Versions.h"
 #include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/sidebar/NewLines.h"
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
-#include "catalog/LibraryActions.h"
 
 #include <QLineEdit>
 #include <QMenu>
@@ -40,14 +39,6 @@ void addAddTo(MainWindow& window)
     window.commands().handle(Command::addTo, [] {}); // the menu does it
 }
 
-void newKeyword(MainWindow& window, const Sidebar& sidebar)
-{
-    const auto parent = sidebar.chosenKeyword();
-    const QString title = parent ? "New Keyword in “" + sidebar.currentItem()->text(0) + "”" : "New Keyword";
-    if (const auto name = askName(window, title))
-        createKeyword(window.desktop().store(), *name, parent);
-}
-
 } // namespace
 
 void addSidebar(MainWindow& window)
@@ -69,7 +60,8 @@ void addSidebar(MainWindow& window)
     layout->addWidget(sidebar);
     window.setSidebar(place);
     addAddTo(window);
-    window.commands().handle(Command::newKeyword, [&window, sidebar] { newKeyword(window, *sidebar); });
+    window.commands().handle(
+        Command::newKeyword, [&window, sidebar] { newKeyword(window, sidebar->chosenKeyword()); });
     auto& store = window.desktop().store();
     const auto isSmartAlbum
         = [&store] { return store.source() && store.source()->kind == LibrarySource::Kind::smartAlbum; };

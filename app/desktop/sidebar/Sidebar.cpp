@@ -2,15 +2,11 @@
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
-#include "app/desktop/sheets/Sheets.h"
-#include "app/desktop/sidebar/NodeMenu.h"
 #include "base/Text.h"
 
-#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLocale>
-#include <QMenu>
 #include <QMessageBox>
 #include <QTreeWidgetItemIterator>
 
@@ -339,54 +335,6 @@ void Sidebar::remove(const QTreeWidgetItem& item)
             desktop_.store().chooseSource(std::nullopt);
         desktop_.say("Deleted “" + utf8(name) + "”.", Offer::undo);
     });
-}
-
-/// "Move to", with all that the line can be moved into, and its places among its siblings.
-void Sidebar::addPlaces(QMenu& menu, const SidebarKey& what)
-{
-    const auto move = [this, what](const SidebarNode& place) {
-        desktop_.attempt([&] { moveLine(desktop_.store(), what, {place.kind, place.id}); });
-    };
-    const auto places = placesFor(sidebarTree(desktop_.store().tree()), what);
-    if (!places.empty())
-        addNodes(
-            *menu.addMenu("Move to"), places, [](const SidebarNode&) { return true; }, move);
-    if (what.kind != Kind::project && what.kind != Kind::album)
-        return;
-    const auto step = [this, what](int lines) {
-        return [this, what, lines] { desktop_.attempt([&] { stepLine(desktop_.store(), what, lines); }); };
-    };
-    menu.addAction("Move Up", QKeySequence(Qt::ALT | Qt::Key_Up), step(-1));
-    menu.addAction("Move Down", QKeySequence(Qt::ALT | Qt::Key_Down), step(1));
-}
-
-void Sidebar::contextMenuEvent(QContextMenuEvent* event)
-{
-    auto* const item = event->reason() == QContextMenuEvent::Keyboard ? currentItem() : itemAt(event->pos());
-    const auto key = item ? keyOf(*item) : SidebarKey();
-    QMenu menu(this);
-    auto& commands = window_.commands();
-    if (canBeRenamed(key.kind))
-        menu.addAction("Rename", QKeySequence(Qt::Key_F2), [this, key] {
-            if (auto* const line = itemOf(key)) // another process may have taken it away meanwhile
-                editItem(line, 0);
-        });
-    addPlaces(menu, key);
-    if (key.kind == Kind::smartAlbum)
-        menu.addAction("Edit Smart Album…", [this, key] { showSmartAlbumSheet(window_, key.id); });
-    if (canBeDeleted(key.kind)) {
-        const QString verb = key.kind == Kind::folder ? "Remove from Library…" : "Delete";
-        menu.addAction(verb, QKeySequence(Qt::Key_Delete), [this, key] {
-            if (const auto* const line = itemOf(key))
-                remove(*line);
-        });
-    }
-    if (!menu.isEmpty())
-        menu.addSeparator();
-    for (const auto command : {Command::newProject, Command::newAlbum, Command::newSmartAlbum,
-             Command::newKeyword, Command::addFolder})
-        menu.addAction(commands.action(command));
-    menu.exec(event->globalPos());
 }
 
 } // namespace korvo

@@ -56,6 +56,7 @@ private:
     void sync(QTreeWidgetItem& parent, const std::vector<SidebarNode>& nodes);
     void show(QTreeWidgetItem& item, const SidebarNode& node);
     void addPlaces(QMenu& menu, const SidebarKey& what);
+    void addNew(QMenu& menu, const SidebarKey& where);
     /// Where a drop would go.
     struct Place {
         SidebarKey line;

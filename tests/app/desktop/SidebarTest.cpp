@@ -5,9 +5,15 @@
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 
+#include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QInputDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
+#include <QTimer>
+
+#include <map>
 
 namespace korvo {
 
@@ -145,6 +151,52 @@ TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
     line("Best");
     deleteLine(store, zoo);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !sidebar.chosenKeyword(); })) << "not the neighbour";
+}
+
+TEST(Sidebar, makesThingsWhereOneClicked)
+{
+    TestWindow t(1);
+    auto& store = t.store();
+    const auto shown = createProject(store, "shown", "project", {});
+    const auto clicked = createProject(store, "clicked", "project", {});
+    createAlbum(store, "old", clicked);
+    const auto keyword = createKeyword(store, "sea", {});
+    auto& sidebar = *sidebarOf(*t.window);
+    store.chooseSource(LibrarySource{LibrarySource::Kind::project, shown, {}});
+    QTest::qWait(20);
+    sidebar.expandAll();
+    const auto make = [&](const char* line, const QString& entry, const char* name) {
+        const auto* const item = sidebar.findItems(line, Qt::MatchExactly | Qt::MatchRecursive).at(0);
+        const QPoint at = sidebar.visualItemRect(item).center();
+        QTimer::singleShot(0, [&] {
+            QTimer::singleShot(0, [&] {
+                auto& dialog = dynamic_cast<QInputDialog&>(*QApplication::activeModalWidget());
+                dialog.setTextValue(name);
+                dialog.accept();
+            });
+            auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
+            for (auto* const action : menu.actions())
+                if (action->text() == entry)
+                    action->trigger();
+            menu.close();
+        });
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, sidebar.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(sidebar.viewport(), &event);
+    };
+    make("clicked", "New Album…", "one");
+    make("old", "New Album…", "two");
+    make("All Photos", "New Album…", "three");
+    std::map<std::string, std::optional<std::int64_t>> parents;
+    for (const auto& album : store.tree().albums)
+        parents[album.name] = album.parentID;
+    EXPECT_EQ(parents.at("one"), clicked);
+    EXPECT_EQ(parents.at("two"), clicked) << "beside the album";
+    EXPECT_EQ(parents.at("three"), std::nullopt) << "not in the project that is shown";
+    make("clicked", "New Project…", "below");
+    EXPECT_EQ(store.tree().projects.at(1).children.at(0).name, "below");
+    make("sea", "New Keyword…", "wave");
+    EXPECT_EQ(store.tree().keywords.at(1).parentID, keyword);
+    EXPECT_EQ(store.source()->id, shown) << "a right click chooses nothing";
 }
 
 TEST(Sidebar, takesPhotosWhereTheyCanGo)
