@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Enum.h"
 #include "imports/ImportRun.h"
 #include "imports/ImportWindow.h"
 #include "platform/CameraService.h"
@@ -39,6 +40,7 @@ struct ImportOptions {
     std::string creator, copyright, keywords;
     bool eject = false;
 };
+KORVO_ENUM(ImportOptions::Project, none, made, byDay, chosen)
 
 /// The default destination. Throws std::runtime_error without a home folder.
 std::filesystem::path defaultDestination();

@@ -5,6 +5,7 @@
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
+#include "base/Json.h"
 #include "imports/NamingPreset.h"
 
 #include <QCheckBox>
@@ -16,9 +17,47 @@
 
 namespace korvo {
 
+/// What the user chose last.
+struct ImportChoice {
+    bool copies = true;
+    std::string folder;
+    bool renames = false;
+    std::string pattern = std::string(importWindow::defaultPattern);
+    ImportOptions::Project project = ImportOptions::Project::none;
+    std::string creator, copyright;
+    bool ejects = false;
+};
+KORVO_RECORD(ImportChoice, copies, folder, renames, pattern, project, creator, copyright, ejects)
+
 namespace {
 
 using Project = ImportOptions::Project;
+
+constexpr auto importChoiceKey = "korvo_import";
+constexpr int keepingNames = 0, renaming = 1; // the entries of the names' menu
+
+/// Without a home folder there is no default: the user names a folder.
+std::string destinationAtFirst()
+{
+    try {
+        return defaultDestination().native();
+    } catch (const std::runtime_error&) {
+        return {};
+    }
+}
+
+ImportChoice lastChoice(const Defaults& defaults)
+{
+    ImportChoice choice;
+    try {
+        if (const auto stored = defaults.get(importChoiceKey))
+            choice = fromJson<ImportChoice>(*stored);
+    } catch (const JsonError&) { // a preference that cannot be read is none
+    }
+    if (choice.folder.empty())
+        choice.folder = destinationAtFirst();
+    return choice;
+}
 
 void addNodes(QComboBox& box, const std::vector<ProjectNode>& nodes, int depth)
 {
@@ -54,19 +93,35 @@ ImportOptionsForm::ImportOptionsForm(MainWindow& window) : window_(window), layo
     layout_->addWidget(leaveOutDuplicates_);
     layout_->addWidget(eject_);
     layout_->addStretch(1);
+    load();
     refresh();
+}
+
+void ImportOptionsForm::load()
+{
+    const auto choice = lastChoice(window_.desktop().defaults());
+    copy_->setChecked(choice.copies);
+    folder_->edit().setText(qt(choice.folder));
+    naming_->setCurrentIndex(choice.renames ? renaming : keepingNames);
+    pattern_->setText(qt(choice.pattern));
+    project_->setCurrentIndex(static_cast<int>(choice.project));
+    creator_->setText(qt(choice.creator));
+    copyright_->setText(qt(choice.copyright));
+    eject_->setChecked(choice.ejects);
+}
+
+void ImportOptionsForm::keep() const
+{
+    const ImportChoice choice{copy_->isChecked(), utf8(folder_->edit().text()),
+        naming_->currentIndex() == renaming, utf8(pattern_->text()), projectOf(*project_),
+        utf8(creator_->text()), utf8(copyright_->text()), eject_->isChecked()};
+    window_.desktop().defaults().set(importChoiceKey, toJson(choice));
 }
 
 void ImportOptionsForm::addFiles()
 {
     copy_ = new QCheckBox(qt(importWindow::copyIntoFolder));
-    copy_->setChecked(true);
     folder_ = new FolderField(qt(importWindow::copyIntoFolder));
-    try {
-        folder_->edit().setText(qt(defaultDestination().native()));
-    } catch (const std::runtime_error&) {
-        // Without a home folder there is no default: the user names a folder.
-    }
     filesHelp_ = dimLabel({});
     layout_->addWidget(copy_);
     layout_->addWidget(folder_);
@@ -82,7 +137,7 @@ void ImportOptionsForm::addNames()
     patternRow_ = new QWidget;
     auto* const row = new QHBoxLayout(patternRow_);
     row->setContentsMargins(0, 0, 0, 0);
-    pattern_ = new QLineEdit(qt(importWindow::defaultPattern));
+    pattern_ = new QLineEdit;
     pattern_->setAccessibleName(qt(namingPresetEditor::pattern));
     pattern_->setToolTip(qt(namingPresetEditor::help));
     presets_ = new QToolButton;
@@ -179,7 +234,8 @@ void ImportOptionsForm::setExample(const Candidate* candidate, std::size_t total
 /// The title of a photo is not known before it is imported.
 void ImportOptionsForm::showExample()
 {
-    const bool shown = naming_->currentIndex() == 1 && naming_->isEnabled() && !exampleFacts_.name.empty();
+    const bool shown
+        = naming_->currentIndex() == renaming && naming_->isEnabled() && !exampleFacts_.name.empty();
     example_->setVisible(shown);
     if (shown)
         example_->setText(qt(namingPresetEditor::example) + " "
@@ -194,7 +250,7 @@ void ImportOptionsForm::refresh()
     filesHelp_->setText(qt(mustCopy_ ? importWindow::cardsAreCopied : importWindow::filesStay));
     filesHelp_->setVisible(mustCopy_ || !copies);
     naming_->setEnabled(copies);
-    patternRow_->setVisible(naming_->currentIndex() == 1);
+    patternRow_->setVisible(naming_->currentIndex() == renaming);
     patternRow_->setEnabled(copies);
     newProject_->setVisible(projectOf(*project_) == Project::made);
     chosenProject_->setVisible(projectOf(*project_) == Project::chosen);
@@ -210,7 +266,7 @@ Duplicates ImportOptionsForm::duplicates() const
 ImportOptions ImportOptionsForm::options() const
 {
     using Files = ImportOptions::Files;
-    const bool renames = naming_->currentIndex() == 1;
+    const bool renames = naming_->currentIndex() == renaming;
     return {.files = copy_->isChecked() ? Files::copy : Files::reference,
         .destination = pathOf(folder_->edit().text()),
         .pattern = renames ? utf8(pattern_->text()) : std::string(importWindow::defaultPattern),

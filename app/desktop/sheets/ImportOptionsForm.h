@@ -25,6 +25,9 @@ public:
 
     ImportOptions options() const;
     Duplicates duplicates() const;
+    /// Has them come back in the next import, but for what belongs to this one: a project's name, keywords
+    /// and whether duplicates are taken. Throws std::system_error.
+    void keep() const;
     /// Offers what fits the source, and an example of a name with one of its files.
     void setSource(const Source& source);
     void setExample(const Candidate* candidate, std::size_t total);
@@ -37,6 +40,7 @@ private:
     void addNames();
     void addProjects();
     void addTexts();
+    void load();
     void fillPresets();
     void fillProjects();
     void refresh();

@@ -313,6 +313,7 @@ void ImportSheet::start()
         throw std::runtime_error(std::string(importWindow::nothingImportable));
     if (plan.copyTo && plan.copyTo->empty())
         throw std::runtime_error("Choose a folder for the copies.");
+    desktop_.attempt([this] { options_->keep(); });
     running_ = true;
     setAttribute(Qt::WA_DeleteOnClose, false); // closed meanwhile, it comes back with what it runs
     failures_->hide();

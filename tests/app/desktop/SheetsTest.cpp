@@ -20,6 +20,7 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -141,6 +142,36 @@ TEST(ImportSheet, importsWhatIsPickedAndLeavesWhatTheLibraryHas)
     EXPECT_TRUE(std::filesystem::exists(t.folder / "Copies/IMG_2-2.JPG"))
         << "the same again, beside the other";
     sheet.close();
+}
+
+TEST(ImportSheet, remembersWhatIsNotOfOneImport)
+{
+    TestWindow t(0);
+    t.folder.write("card/DCIM/100TEST/IMG_1.JPG", "one");
+    const auto open = [&]() -> QWidget& {
+        QWidget& sheet = *showImportWindow(*t.window, {t.folder / "card"});
+        EXPECT_TRUE(comesToSay(sheet, "photo will be imported"));
+        return sheet;
+    };
+    const std::array<std::pair<const char*, QString>, 4> kept{
+        {{"Copy into a folder", (t.folder / "Copies").c_str()}, {"Pattern", "{date}-{seq}"},
+            {"Creator", "Ann"}, {"Copyright", "© Ann"}}};
+    QWidget& sheet = open();
+    named<QComboBox>(sheet, "File names").setCurrentText("Rename");
+    named<QComboBox>(sheet, "Project").setCurrentText("One project per day");
+    named<QLineEdit>(sheet, "Keywords").setText("sea");
+    for (const auto& [field, text] : kept)
+        named<QLineEdit>(sheet, field).setText(text);
+    click(sheet, "Import 1 Photo");
+    EXPECT_TRUE(comesToSay(sheet, "1 photo imported"));
+    sheet.close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !t.window->findChild<QDialog*>(); }));
+    QWidget& again = open();
+    EXPECT_EQ(named<QComboBox>(again, "Project").currentText(), "One project per day");
+    EXPECT_EQ(named<QLineEdit>(again, "Keywords").text(), "");
+    for (const auto& [field, text] : kept)
+        EXPECT_EQ(named<QLineEdit>(again, field).text(), text);
+    again.close();
 }
 
 TEST(ImportSheet, takesACardInAndLetsItGo)
