@@ -174,22 +174,30 @@ void ImportOptionsForm::addProjects()
         project_->addItem(qt(text));
     newProject_ = new QLineEdit;
     newProject_->setPlaceholderText(tr("Name of the project"));
+    newProject_->setAccessibleName(newProject_->placeholderText());
     chosenProject_ = new QComboBox;
     chosenProject_->setAccessibleName(tr("Selected project"));
+    chosenProject_->setPlaceholderText(tr("Choose a project"));
     layout_->addWidget(project_);
     layout_->addWidget(newProject_);
     layout_->addWidget(chosenProject_);
     fillProjects();
-    connect(project_, &QComboBox::currentIndexChanged, this, [this] { refresh(); });
+    connect(project_, &QComboBox::currentIndexChanged, this, [this] {
+        fillProjects(); // the window may have made some meanwhile
+        refresh();
+    });
 }
 
-/// The project that the window shows is offered first.
+/// The project that the window shows is chosen at first, else none.
 void ImportOptionsForm::fillProjects()
 {
     auto& store = window_.desktop().store();
+    QVariant chosen = chosenProject_->currentData();
+    if (!chosen.isValid() && store.source() && store.source()->kind == LibrarySource::Kind::project)
+        chosen = qlonglong(store.source()->id);
+    chosenProject_->clear();
     addNodes(*chosenProject_, store.tree().projects, 0);
-    if (store.source() && store.source()->kind == LibrarySource::Kind::project)
-        chosenProject_->setCurrentIndex(std::max(0, chosenProject_->findData(qlonglong(store.source()->id))));
+    chosenProject_->setCurrentIndex(chosenProject_->findData(chosen));
 }
 
 QLineEdit* ImportOptionsForm::addLine(const QString& title, const QString& hint)
@@ -266,12 +274,18 @@ Duplicates ImportOptionsForm::duplicates() const
 ImportOptions ImportOptionsForm::options() const
 {
     using Files = ImportOptions::Files;
+    const auto project = projectOf(*project_);
+    const auto newProject = newProject_->text().trimmed();
+    if (project == Project::made && newProject.isEmpty())
+        throw std::runtime_error("Name the project that the photos go into.");
+    if (project == Project::chosen && !chosenProject_->currentData().isValid())
+        throw std::runtime_error("Choose the project that the photos go into.");
     const bool renames = naming_->currentIndex() == renaming;
     return {.files = copy_->isChecked() ? Files::copy : Files::reference,
         .destination = pathOf(folder_->edit().text()),
         .pattern = renames ? utf8(pattern_->text()) : std::string(importWindow::defaultPattern),
-        .project = projectOf(*project_),
-        .newProject = utf8(newProject_->text()),
+        .project = project,
+        .newProject = utf8(newProject),
         .chosenProject = chosenProject_->currentData().toLongLong(),
         .creator = utf8(creator_->text()),
         .copyright = utf8(copyright_->text()),

@@ -23,6 +23,7 @@ class ImportOptionsForm : public QWidget {
 public:
     explicit ImportOptionsForm(MainWindow& window);
 
+    /// Throws std::runtime_error when the project has no name, or none is chosen.
     ImportOptions options() const;
     Duplicates duplicates() const;
     /// Has them come back in the next import, but for what belongs to this one: a project's name, keywords

@@ -14,6 +14,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSlider>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -141,6 +142,37 @@ TEST(ImportSheet, importsWhatIsPickedAndLeavesWhatTheLibraryHas)
     import("1 photo imported, 1 already in the library, 0 failed");
     EXPECT_TRUE(std::filesystem::exists(t.folder / "Copies/IMG_2-2.JPG"))
         << "the same again, beside the other";
+    sheet.close();
+}
+
+TEST(ImportSheet, asksForTheProjectBeforeItStarts)
+{
+    TestWindow t(0);
+    createProject(t.store(), "not shown", "project", {});
+    t.folder.write("card/DCIM/100TEST/IMG_1.JPG", "one");
+    QWidget& sheet = *showImportWindow(*t.window, {t.folder / "card"});
+    EXPECT_TRUE(comesToSay(sheet, "photo will be imported"));
+    named<QLineEdit>(sheet, "Copy into a folder").setText((t.folder / "Copies").c_str());
+    for (const auto& [kind, expected] :
+        {std::pair{"New project", "Name the project that"}, {"Selected", "Choose the project that"}}) {
+        named<QComboBox>(sheet, "Project").setCurrentText(kind);
+        QString told;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                told = box->text();
+                box->reject();
+            }
+        });
+        timer.start(0);
+        click(sheet, "Import 1 Photo");
+        EXPECT_TRUE(told.startsWith(expected)) << told.toStdString();
+    }
+    EXPECT_FALSE(std::filesystem::exists(t.folder / "Copies"));
+    named<QComboBox>(sheet, "Selected project").setCurrentIndex(0);
+    click(sheet, "Import 1 Photo");
+    EXPECT_TRUE(comesToSay(sheet, "1 photo imported"));
+    EXPECT_EQ(t.store().tree().projects.at(0).count, 1);
     sheet.close();
 }
 
