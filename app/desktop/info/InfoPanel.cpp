@@ -209,6 +209,8 @@ InfoPanel::Looked InfoPanel::lookAt(Catalog& catalog, const Wanted& wanted)
     Looked looked{.facts = fileFacts(wanted.file), .versions = {}};
     try {
         looked.versions = versionsOf(catalog, wanted.photo);
+        const auto record = catalog.fileRecord(catalog.masterOf(wanted.photo));
+        looked.hasBackup = record && !record->backup.empty();
     } catch (const DatabaseError&) { // they are looked for again with the next change
     }
     return looked;
@@ -249,6 +251,8 @@ void InfoPanel::show(const Looked& looked)
 {
     showFile(looked.facts);
     versions_->setVersions(wanted_.photo, looked.versions);
+    hasBackup_ = looked.hasBackup;
+    showWriteBack();
 }
 
 void InfoPanel::showFile(const FileFacts& facts)
@@ -263,12 +267,13 @@ void InfoPanel::showWriteBack()
 {
     const auto& writeBack = desktop_.session().writeBack();
     const bool waits = reading_.waiting > 0 && !writeBack.isSaving();
+    const bool reverts = (reading_.waiting > 0 || (hasBackup_ && onlyPhoto())) && !writeBack.isSaving();
     const bool failed = !writeBack.failures().empty() && !writeBack.isSaving();
     window_.setShown(*save_, waits);
-    window_.setShown(*revert_, waits);
+    window_.setShown(*revert_, reverts);
     window_.setShown(*stop_, writeBack.isSaving());
     window_.setShown(*failures_, failed);
-    window_.setShown(*writeBackRow_, waits || failed || writeBack.isSaving());
+    window_.setShown(*writeBackRow_, reverts || failed || writeBack.isSaving());
     setOrHide(*status_, qt(writeBack.statusMessage()));
 }
 

@@ -48,6 +48,7 @@ private:
     struct Looked {
         FileFacts facts;
         std::vector<PhotoItem> versions;
+        bool hasBackup = false; // of what the file held when it was found: it was written since
     };
     static Looked lookAt(Catalog& catalog, const Wanted& wanted);
     void show(const Looked& looked);
@@ -80,6 +81,8 @@ private:
     Reading reading_;
     VersionList* versions_;
     Wanted wanted_;
+    bool hasBackup_
+        = false; // the only photo, or, until it was looked at, the one before: fields must not jump
     bool isLooking_ = false;
     bool lookAgain_ = false; // what is being looked at may have changed
     QTimer loading_;

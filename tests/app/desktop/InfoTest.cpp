@@ -1,4 +1,5 @@
 #include "app/desktop/info/DescriptiveForm.h"
+#include "base/Json.h"
 #include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
@@ -7,6 +8,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTimer>
 
 namespace korvo {
@@ -28,6 +30,14 @@ void type(TestWindow& t, const char* title, const char* text)
     edit.setFocus();
     edit.selectAll();
     QTest::keyClicks(&edit, text);
+}
+
+const QPushButton& button(TestWindow& t, const char* text)
+{
+    for (const auto* const found : t.window->findChildren<QPushButton*>())
+        if (found->text() == text)
+            return *found;
+    throw std::out_of_range(text);
 }
 
 void settle()
@@ -223,6 +233,21 @@ TEST(Info, worksOffAltTextsWithEnter)
     EXPECT_EQ(t.listed(1).metadata.altText, "a cat");
     EXPECT_EQ(t.listed(2).metadata.altText, "");
     EXPECT_EQ(t.listed(3).metadata.altText, "a dog");
+}
+
+TEST(Info, offersToRevertAFileThatWasWritten)
+{
+    TestWindow t(2);
+    t.store().catalog().storeMetadataBackup(1, toJson(PhotoMetadata()));
+    const auto& revert = button(t, "Revert…");
+    t.store().select({1});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return revert.isVisible(); }));
+    t.store().select({2});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !revert.isVisible(); })) << "its file is as it was found";
+    t.store().select({1});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return revert.isVisible(); }));
+    t.store().select({1, 2});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !revert.isVisible(); })) << "nothing of them waits";
 }
 
 TEST(Info, editsTheKeywordsThatManyHaveInCommon)
