@@ -1,6 +1,7 @@
 #include "app/desktop/adjust/ExportSheet.h"
 
 #include "app/desktop/Texts.h"
+#include "app/desktop/sheets/PatternField.h"
 #include "base/Json.h"
 #include "base/Record.h"
 #include "base/Text.h"
@@ -76,7 +77,7 @@ void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
 
 ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     : QDialog(&window), desktop_(window.desktop()), photos_(std::move(photos)), folder_(new QLineEdit),
-      format_(new QComboBox), size_(new QComboBox), pattern_(new QComboBox),
+      format_(new QComboBox), size_(new QComboBox), pattern_(new PatternField(desktop_.defaults())),
       pixels_(spinBox(16, 100000, " pixels")), quality_(spinBox(1, 100, {})), example_(new QLabel)
 {
     setWindowTitle("Export " + qt(counted(photos_.size(), "Photo")));
@@ -84,9 +85,6 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     connect(browse, &QPushButton::clicked, this, [this] { chooseFolder(); });
     format_->addItems({"JPEG", "PNG", "WebP", "TIFF"}); // in the order of PictureFormat
     size_->addItems({"All pixels", "Longer side at most"});
-    pattern_->setEditable(true);
-    for (const auto& preset : NamingPreset::load(desktop_.defaults()))
-        pattern_->addItem(qt(preset.pattern));
     auto* const tokens = new QLabel(qt(namingPresetEditor::help));
     for (auto* const label : {tokens, example_}) {
         label->setWordWrap(true);
@@ -108,9 +106,10 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     form->addRow(buttons);
     setMinimumWidth(540);
     load();
-    for (auto* const box : {format_, size_, pattern_})
+    for (auto* const box : {format_, size_})
         connect(box, &QComboBox::currentTextChanged, this, [this] { refresh(); });
-    connect(folder_, &QLineEdit::textChanged, this, [this] { refresh(); });
+    for (auto* const edit : {folder_, &pattern_->edit()})
+        connect(edit, &QLineEdit::textChanged, this, [this] { refresh(); });
     refresh();
 }
 
@@ -128,13 +127,13 @@ void ExportSheet::load()
     size_->setCurrentIndex(static_cast<int>(choice.size));
     pixels_->setValue(static_cast<int>(choice.pixels));
     quality_->setValue(static_cast<int>(choice.quality));
-    pattern_->setEditText(qt(choice.pattern));
+    pattern_->edit().setText(qt(choice.pattern));
 }
 
 void ExportSheet::save() const
 {
     const ExportChoice choice{utf8(folder_->text()), format_->currentIndex(), size_->currentIndex(),
-        pixels_->value(), quality_->value(), utf8(pattern_->currentText())};
+        pixels_->value(), quality_->value(), utf8(pattern_->edit().text())};
     desktop_.defaults().set(choiceKey, toJson(choice));
 }
 
@@ -144,7 +143,7 @@ ExportPlan ExportSheet::plan() const
         .format = static_cast<PictureFormat>(format_->currentIndex()),
         .size = size_->currentIndex() == limitedSize ? pixels_->value() : 0,
         .quality = quality_->value(),
-        .pattern = utf8(pattern_->currentText())};
+        .pattern = utf8(pattern_->edit().text())};
 }
 
 void ExportSheet::chooseFolder()

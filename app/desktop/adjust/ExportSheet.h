@@ -13,6 +13,8 @@ class QLabel;
 
 namespace korvo {
 
+class PatternField;
+
 /// Asks how photos are to be exported, and starts it as a job.
 void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos);
 
@@ -33,7 +35,8 @@ private:
     Desktop& desktop_;
     std::vector<PhotoItem> photos_;
     QLineEdit* folder_;
-    QComboBox *format_, *size_, *pattern_;
+    QComboBox *format_, *size_;
+    PatternField* pattern_;
     QSpinBox *pixels_, *quality_;
     QLabel* example_;
     QPushButton* export_;

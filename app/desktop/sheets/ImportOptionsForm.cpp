@@ -3,6 +3,7 @@
 #include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/FolderField.h"
+#include "app/desktop/sheets/PatternField.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "base/Json.h"
@@ -11,8 +12,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QMenu>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace korvo {
@@ -103,7 +102,7 @@ void ImportOptionsForm::load()
     copy_->setChecked(choice.copies);
     folder_->edit().setText(qt(choice.folder));
     naming_->setCurrentIndex(choice.renames ? renaming : keepingNames);
-    pattern_->setText(qt(choice.pattern));
+    pattern_->edit().setText(qt(choice.pattern));
     project_->setCurrentIndex(static_cast<int>(choice.project));
     creator_->setText(qt(choice.creator));
     copyright_->setText(qt(choice.copyright));
@@ -113,7 +112,7 @@ void ImportOptionsForm::load()
 void ImportOptionsForm::keep() const
 {
     const ImportChoice choice{copy_->isChecked(), utf8(folder_->edit().text()),
-        naming_->currentIndex() == renaming, utf8(pattern_->text()), projectOf(*project_),
+        naming_->currentIndex() == renaming, utf8(pattern_->edit().text()), projectOf(*project_),
         utf8(creator_->text()), utf8(copyright_->text()), eject_->isChecked()};
     window_.desktop().defaults().set(importChoiceKey, toJson(choice));
 }
@@ -134,36 +133,13 @@ void ImportOptionsForm::addNames()
     naming_ = new QComboBox;
     naming_->addItems({qt(importWindow::keepNames), qt(importWindow::rename)});
     naming_->setAccessibleName(tr("File names"));
-    patternRow_ = new QWidget;
-    auto* const row = new QHBoxLayout(patternRow_);
-    row->setContentsMargins(0, 0, 0, 0);
-    pattern_ = new QLineEdit;
-    pattern_->setAccessibleName(qt(namingPresetEditor::pattern));
-    pattern_->setToolTip(qt(namingPresetEditor::help));
-    presets_ = new QToolButton;
-    presets_->setText(tr("Presets"));
-    presets_->setPopupMode(QToolButton::InstantPopup);
-    presets_->setMenu(new QMenu(presets_));
-    row->addWidget(pattern_, 1);
-    row->addWidget(presets_);
+    pattern_ = new PatternField(window_.desktop().defaults(), [this] { showNamingPresets(window_); });
     example_ = dimLabel({});
     layout_->addWidget(naming_);
-    layout_->addWidget(patternRow_);
+    layout_->addWidget(pattern_);
     layout_->addWidget(example_);
     connect(naming_, &QComboBox::currentIndexChanged, this, [this] { refresh(); });
-    connect(pattern_, &QLineEdit::textChanged, this, [this] { showExample(); });
-    connect(presets_->menu(), &QMenu::aboutToShow, this, [this] { fillPresets(); });
-}
-
-void ImportOptionsForm::fillPresets()
-{
-    auto* const menu = presets_->menu();
-    menu->clear();
-    for (const auto& preset : NamingPreset::load(window_.desktop().defaults()))
-        menu->addAction(qt(preset.name + "\t" + preset.pattern), this,
-            [this, pattern = preset.pattern] { pattern_->setText(qt(pattern)); });
-    menu->addSeparator();
-    menu->addAction(tr("Edit Presets…"), this, [this] { showNamingPresets(window_); });
+    connect(&pattern_->edit(), &QLineEdit::textChanged, this, [this] { showExample(); });
 }
 
 void ImportOptionsForm::addProjects()
@@ -247,7 +223,8 @@ void ImportOptionsForm::showExample()
     example_->setVisible(shown);
     if (shown)
         example_->setText(qt(namingPresetEditor::example) + " "
-            + qt(baseName(exampleFacts_, utf8(pattern_->text()), {1, exampleTotal_}) + exampleExtension_));
+            + qt(baseName(exampleFacts_, utf8(pattern_->edit().text()), {1, exampleTotal_})
+                + exampleExtension_));
 }
 
 void ImportOptionsForm::refresh()
@@ -258,8 +235,8 @@ void ImportOptionsForm::refresh()
     filesHelp_->setText(qt(mustCopy_ ? importWindow::cardsAreCopied : importWindow::filesStay));
     filesHelp_->setVisible(mustCopy_ || !copies);
     naming_->setEnabled(copies);
-    patternRow_->setVisible(naming_->currentIndex() == renaming);
-    patternRow_->setEnabled(copies);
+    pattern_->setVisible(naming_->currentIndex() == renaming);
+    pattern_->setEnabled(copies);
     newProject_->setVisible(projectOf(*project_) == Project::made);
     chosenProject_->setVisible(projectOf(*project_) == Project::chosen);
     eject_->setEnabled(canEject_);
@@ -283,7 +260,7 @@ ImportOptions ImportOptionsForm::options() const
     const bool renames = naming_->currentIndex() == renaming;
     return {.files = copy_->isChecked() ? Files::copy : Files::reference,
         .destination = pathOf(folder_->edit().text()),
-        .pattern = renames ? utf8(pattern_->text()) : std::string(importWindow::defaultPattern),
+        .pattern = renames ? utf8(pattern_->edit().text()) : std::string(importWindow::defaultPattern),
         .project = project,
         .newProject = utf8(newProject),
         .chosenProject = chosenProject_->currentData().toLongLong(),

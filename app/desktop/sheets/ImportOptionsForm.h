@@ -10,13 +10,13 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
-class QToolButton;
 class QVBoxLayout;
 
 namespace korvo {
 
 class FolderField;
 class MainWindow;
+class PatternField;
 
 /// What is done with the picked photos: where they go, how they are named, what is written about them.
 class ImportOptionsForm : public QWidget {
@@ -42,7 +42,6 @@ private:
     void addProjects();
     void addTexts();
     void load();
-    void fillPresets();
     void fillProjects();
     void refresh();
     void showExample();
@@ -53,9 +52,7 @@ private:
     FolderField* folder_;
     QLabel* filesHelp_;
     QComboBox* naming_;
-    QWidget* patternRow_;
-    QLineEdit* pattern_;
-    QToolButton* presets_;
+    PatternField* pattern_;
     QLabel* example_;
     QComboBox* project_;
     QLineEdit* newProject_;

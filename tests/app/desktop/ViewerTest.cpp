@@ -4,10 +4,12 @@
 #include "app/desktop/viewer/MarksBar.h"
 #include "app/desktop/viewer/Pages.h"
 #include "catalog/LibraryActions.h"
+#include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPointer>
 #include <QTabWidget>
 #include <QWindow>
@@ -325,6 +327,20 @@ TEST(ExportSheet, exportsAsAJobWithTheFailuresListed)
     const auto& job = *t.desktop->jobs().all().back();
     EXPECT_EQ(job.failures().size(), 1U);
     EXPECT_TRUE(QString::fromStdString(job.summary()).startsWith("Exported 1 photo "));
+}
+
+TEST(ExportSheet, offersPresetsByTheirNames)
+{
+    TestWindow t(1);
+    NamingPreset::save({NamingPreset::make("By Day & Number", "{date}-{seq}")}, t.defaults);
+    ExportSheet sheet(*t.window, {t.listed(1)});
+    auto* const menu = sheet.findChild<QMenu*>();
+    ASSERT_TRUE(menu);
+    Q_EMIT menu->aboutToShow();
+    ASSERT_EQ(menu->actions().size(), 1);
+    EXPECT_TRUE(menu->actions().at(0)->text().startsWith("By Day && Number"));
+    menu->actions().at(0)->trigger();
+    EXPECT_EQ(sheet.plan().pattern, "{date}-{seq}");
 }
 
 } // namespace korvo
