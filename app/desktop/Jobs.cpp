@@ -40,7 +40,7 @@ std::vector<std::string> Job::failures() const
     return state_->failures;
 }
 
-void Jobs::start(std::string title, Stopping stopping, Work work, Finished finished)
+std::shared_ptr<Job> Jobs::start(std::string title, Stopping stopping, Work work, Finished finished)
 {
     forgetEnded();
     auto job = std::make_shared<Job>();
@@ -75,6 +75,7 @@ void Jobs::start(std::string title, Stopping stopping, Work work, Finished finis
             task.deliver([end, summary] { end(summary); });
         });
     changed.emit();
+    return job;
 }
 
 std::vector<std::shared_ptr<Job>> Jobs::running() const

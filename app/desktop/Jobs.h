@@ -95,7 +95,7 @@ public:
     Signal<> changed; ///< one has begun, ended, or was cancelled; running ones are looked at now and then
 
     /// Starts a job; `finished` is called on the main thread at its end, cancelled or not.
-    void start(std::string title, Stopping stopping, Work work, Finished finished = {});
+    std::shared_ptr<Job> start(std::string title, Stopping stopping, Work work, Finished finished = {});
 
     /// Those that run and those that ended with failures that were not seen yet, oldest first.
     const std::vector<std::shared_ptr<Job>>& all() const { return jobs_; }

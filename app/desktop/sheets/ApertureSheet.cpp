@@ -210,8 +210,8 @@ void ApertureSheet::start()
         if (sheet)
             sheet->finished(job, *imported);
     };
-    desktop_.jobs().start("Importing " + chosen().bundle.filename().native(), Stopping::drops, work, finish);
-    job_ = desktop_.jobs().all().back();
+    job_ = desktop_.jobs().start(
+        "Importing " + chosen().bundle.filename().native(), Stopping::drops, work, finish);
 }
 
 void ApertureSheet::showProgress(const ApertureImporter::Progress& progress)

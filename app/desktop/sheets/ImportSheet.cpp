@@ -54,6 +54,7 @@ private:
     void showPicked();
     void start();
     void importFrom(ImportPlan plan);
+    void stop();
     void finished(const Job& job);
 
     MainWindow& window_;
@@ -72,8 +73,10 @@ private:
     ImportOptionsForm* options_;
     QLabel* status_;
     QProgressBar* progress_;
+    QPushButton* stop_;
     QPushButton* failures_;
     QPushButton* import_;
+    std::weak_ptr<Job> job_;
     std::vector<std::string> failed_; // in the last import
     Task listing_;
 };
@@ -176,6 +179,10 @@ QLayout* ImportSheet::makeBottom()
     progress_->setMaximumWidth(200);
     progress_->setTextVisible(false);
     progress_->hide();
+    stop_ = new QPushButton(tr("Stop"));
+    stop_->setAutoDefault(false);
+    stop_->hide();
+    connect(stop_, &QPushButton::clicked, this, [this] { stop(); });
     failures_ = new QPushButton(tr("Failures…"));
     failures_->setAutoDefault(false);
     failures_->hide();
@@ -190,7 +197,7 @@ QLayout* ImportSheet::makeBottom()
     row->setContentsMargins(12, 10, 12, 10);
     row->setSpacing(8);
     row->addWidget(status_, 1);
-    for (QWidget* const widget : std::initializer_list<QWidget*>{progress_, failures_, close, import_})
+    for (QWidget* const widget : std::initializer_list<QWidget*>{progress_, stop_, failures_, close, import_})
         row->addWidget(widget);
     return row;
 }
@@ -321,6 +328,8 @@ void ImportSheet::start()
     progress_->setRange(0, static_cast<int>(plan.files.size()));
     progress_->setValue(0);
     progress_->show();
+    stop_->show();
+    stop_->setEnabled(true);
     import_->setEnabled(false);
     sources_->setEnabled(false);
     importFrom(std::move(plan));
@@ -377,7 +386,7 @@ void ImportSheet::importFrom(ImportPlan plan)
         return said;
     };
     const auto since = desktop.store().newestStep();
-    desktop_.jobs().start("Importing from " + nameOf(source_), Stopping::keeps, work,
+    job_ = desktop_.jobs().start("Importing from " + nameOf(source_), Stopping::keeps, work,
         [sheet, added, since, &desktop](const Job& job) {
             desktop.attempt([&] {
                 desktop.session().photosAdded("Import", std::move(*added), since);
@@ -386,6 +395,14 @@ void ImportSheet::importFrom(ImportPlan plan)
             if (sheet)
                 sheet->finished(job);
         });
+}
+
+/// What was imported till then stays, and the next import goes on.
+void ImportSheet::stop()
+{
+    stop_->setEnabled(false);
+    if (const auto job = job_.lock())
+        job->cancel();
 }
 
 /// The candidates are looked at again, since the library now holds what was imported.
@@ -399,6 +416,7 @@ void ImportSheet::finished(const Job& job)
     }
     sources_->setEnabled(true);
     progress_->hide();
+    stop_->hide();
     const auto said = job.summary();
     failed_ = job.failures();
     if (state_ != ListingState::nothingChosen) // the card may have been taken out meanwhile

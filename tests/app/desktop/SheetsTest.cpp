@@ -145,6 +145,23 @@ TEST(ImportSheet, importsWhatIsPickedAndLeavesWhatTheLibraryHas)
     sheet.close();
 }
 
+TEST(ImportSheet, stopsItsImport)
+{
+    TestWindow t(0);
+    constexpr std::size_t many = 300;
+    for (std::size_t i = 0; i < many; ++i)
+        t.folder.write("card/DCIM/100TEST/IMG_" + std::to_string(i) + ".JPG", std::to_string(i));
+    QWidget& sheet = *showImportWindow(*t.window, {t.folder / "card"});
+    EXPECT_TRUE(comesToSay(sheet, "300 of 300 photos will be imported"));
+    named<QLineEdit>(sheet, "Copy into a folder").setText((t.folder / "Copies").c_str());
+    click(sheet, "Import 300 Photos");
+    click(sheet, "Stop");
+    EXPECT_TRUE(comesToSay(sheet, "0 failed"));
+    EXPECT_LT(t.store().list().items().size(), many);
+    EXPECT_THROW(click(sheet, "Stop"), std::out_of_range) << "there is nothing to stop";
+    sheet.close();
+}
+
 TEST(ImportSheet, asksForTheProjectBeforeItStarts)
 {
     TestWindow t(0);
