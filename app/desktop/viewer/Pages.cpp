@@ -150,6 +150,8 @@ void ComparePage::follow(bool isOn)
 {
     if (!std::exchange(wasOn_, isOn) && isOn)
         begin();
+    if (isOn && left_->photo() && left_->photo() == desktop_.browser().current())
+        passOverLeft();
     if (!isOn)
         left_->setPhoto(std::nullopt);
     right_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
@@ -167,6 +169,18 @@ void ComparePage::begin()
     browser.step(1);
     if (browser.current() == current)
         browser.step(-1);
+}
+
+/// No photo stands beside itself: the way goes on behind it, or back where it is the last.
+void ComparePage::passOverLeft()
+{
+    auto& browser = desktop_.browser();
+    const auto& list = desktop_.store().list();
+    const auto from = right_->photo() ? list.shownPosition(*right_->photo()) : std::nullopt;
+    const int ahead = from > list.shownPosition(*left_->photo()) ? -1 : 1;
+    browser.step(ahead);
+    if (browser.current() == left_->photo())
+        browser.step(-ahead);
 }
 
 /// A photo has left the list: two others stand beside each other, as long as there are two.

@@ -80,6 +80,7 @@ public:
 private:
     void follow(bool isOn) override;
     void begin();
+    void passOverLeft();
     void listChanged();
 
     PhotoPane *left_, *right_;

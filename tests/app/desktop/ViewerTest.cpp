@@ -161,6 +161,9 @@ TEST(Viewer, keysStepAndActOnThePhotoShownAlone)
     EXPECT_EQ(t.grey(200), 200);
     for (auto* const page : t.parts<ComparePage>())
         EXPECT_EQ(page->panes().front()->photo(), photos[1]) << "the left one stays";
+    t.press(Qt::Key_Left);
+    EXPECT_EQ(t.desktop->browser().current(), photos[0]) << "and is passed over";
+    t.press(Qt::Key_End);
     t.press(Qt::Key_N);
     EXPECT_EQ(t.grey(200), 200);
     for (auto* const page : t.parts<SurveyPage>())
