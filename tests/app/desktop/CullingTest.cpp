@@ -1,4 +1,5 @@
 #include "app/Marking.h"
+#include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QLineEdit>
