@@ -58,36 +58,36 @@ public:
 private:
     void pass()
     {
-        const auto workers = std::max(1U, std::thread::hardware_concurrency());
-        tbb::parallel_pipeline(2 * workers,
-            tbb::make_filter<void, std::shared_ptr<Batch>>(tbb::filter_mode::serial_in_order,
+        tbb::parallel_pipeline(batches_.size(),
+            tbb::make_filter<void, Batch*>(tbb::filter_mode::serial_in_order,
                 [this](tbb::flow_control& flow) {
-                    auto batch = scanBatch();
-                    if (batch->empty())
+                    Batch& batch = scanBatch();
+                    if (batch.empty())
                         flow.stop();
-                    return batch;
+                    return &batch;
                 })
-                & tbb::make_filter<std::shared_ptr<Batch>, std::shared_ptr<Batch>>(tbb::filter_mode::parallel,
-                    [this](std::shared_ptr<Batch> batch) {
+                & tbb::make_filter<Batch*, Batch*>(tbb::filter_mode::parallel,
+                    [this](Batch* batch) {
                         for (NewFile& candidate : *batch)
                             read(candidate);
                         return batch;
                     })
-                & tbb::make_filter<std::shared_ptr<Batch>, void>(tbb::filter_mode::serial_in_order,
-                    [this](const std::shared_ptr<Batch>& batch) { store(*batch); }));
+                & tbb::make_filter<Batch*, void>(
+                    tbb::filter_mode::serial_in_order, [this](Batch* batch) { store(*batch); }));
     }
 
-    std::shared_ptr<Batch> scanBatch()
+    Batch& scanBatch()
     {
-        auto batch = std::make_shared<Batch>();
-        while (batch->size() < batchSize && !result_.cancelled) {
+        Batch& batch = batches_[scanned_++ % batches_.size()];
+        batch.clear();
+        while (batch.size() < batchSize && !result_.cancelled) {
             auto file = scan_.next();
             if (!file)
                 break;
             if (stop_.stop_requested())
                 result_.cancelled = true;
             else
-                batch->push_back({.file = std::move(*file)});
+                batch.push_back({.file = std::move(*file)});
         }
         return batch;
     }
@@ -189,6 +189,10 @@ private:
     std::map<std::string, std::int64_t> folders_;
     AddResult result_;
     std::size_t done_ = 0;
+    /// Those under way, in turn: the pipeline starts none before the one as many before it is stored. It
+    /// would leak batches of its own when storing throws.
+    std::vector<Batch> batches_{2 * std::max<std::size_t>(1, std::thread::hardware_concurrency())};
+    std::size_t scanned_ = 0;
 };
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "app/desktop/sheets/CandidateList.h"
 #include "app/desktop/sheets/FailureList.h"
+#include "app/desktop/sheets/ImportJob.h"
 #include "app/desktop/sheets/ImportOptionsForm.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sheets/SourceList.h"
 #include "base/Text.h"
-#include "platform/linux/LinuxVolumes.h"
 
 #include <QFileDialog>
 #include <QProgressBar>
@@ -14,9 +14,6 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
-
-#include <condition_variable>
-#include <thread>
 
 namespace korvo {
 
@@ -335,66 +332,21 @@ void ImportSheet::start()
     importFrom(std::move(plan));
 }
 
-/// Lets the volume go, and says so. What is not written yet may keep the system at it for minutes: when the
-/// job is stopped meanwhile, the system goes on by itself.
-std::string ejectedText(const ImportResult& result, const Source& source, const std::stop_token& stop)
-{
-    struct Ejecting {
-        std::mutex mutex;
-        std::condition_variable_any ended;
-        std::optional<std::string> text;
-    };
-    const auto ejecting = std::make_shared<Ejecting>();
-    std::thread([ejecting, result, source] {
-        LinuxVolumes volumes;
-        const auto ejected = ejectAfter(result, source, volumes);
-        const std::lock_guard lock(ejecting->mutex);
-        ejecting->text = ejected ? ". " + ejected->text : std::string();
-        ejecting->ended.notify_all();
-    }).detach();
-    std::unique_lock lock(ejecting->mutex);
-    ejecting->ended.wait(lock, stop, [&] { return ejecting->text.has_value(); });
-    return ejecting->text.value_or(". " + nameOf(source) + " is still being ejected.");
-}
-
-/// What the job needs goes with it: the window may be closed while it runs.
+/// The window may be closed while the job runs.
 void ImportSheet::importFrom(ImportPlan plan)
 {
     const QPointer<ImportSheet> sheet(this);
-    const auto files = listed_.files;
-    const auto added = std::make_shared<AddedRows>();
-    auto& desktop = desktop_;
-    const auto work = [sheet, files, added, &desktop, plan = std::make_shared<ImportPlan>(std::move(plan)),
-                          listing = listed_.listing, source = source_](JobContext& job) {
-        const auto total = plan->files.size();
-        auto result = runImport(
-            desktop.store().catalog(), *files, *plan, desktop.clock(), job.stop(), [&](std::size_t index) {
-                job.progress(index - 1, total);
-                job.deliver([sheet, index, text = progressText(index, total, nameOf(source))] {
-                    if (!sheet)
-                        return;
-                    sheet->status_->setText(qt(text));
-                    sheet->progress_->setValue(static_cast<int>(index));
-                });
-            });
-        *added = result; // before anything can fail: undo goes by it
-        for (auto& text : failuresOf(listing, result))
-            job.fail(std::move(text));
-        auto said = countsText(countsOf(listing, result));
-        if (plan->eject && !result.cancelled)
-            said += ejectedText(result, source, job.stop());
-        return said;
+    const auto progress = [sheet](std::size_t index, const std::string& text) {
+        if (!sheet)
+            return;
+        sheet->status_->setText(qt(text));
+        sheet->progress_->setValue(static_cast<int>(index));
     };
-    const auto since = desktop.store().newestStep();
-    job_ = desktop_.jobs().start("Importing from " + nameOf(source_), Stopping::keeps, work,
-        [sheet, added, since, &desktop](const Job& job) {
-            desktop.attempt([&] {
-                desktop.session().photosAdded("Import", std::move(*added), since);
-                desktop.say(job.summary(), Offer::undo);
-            });
-            if (sheet)
-                sheet->finished(job);
-        });
+    const auto ended = [sheet](const Job& job) {
+        if (sheet)
+            sheet->finished(job);
+    };
+    job_ = startImport(desktop_, listed_.files, source_, listed_.listing, std::move(plan), {progress, ended});
 }
 
 /// What was imported till then stays, and the next import goes on.
