@@ -22,8 +22,9 @@ LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
     std::optional<ReadList> read;
     if (reading->waitFor(patience_))
         read = reading->take();
-    if (reading_)
-        reading_->leaveTo(left_);
+    if (const auto givenUp
+        = std::exchange(reading_, nullptr)) // which nothing may wait for, should this throw
+        givenUp->leaveTo(left_);
     reading_ = read ? nullptr : std::move(reading);
     if (source != source_) {
         source_ = std::move(source);
