@@ -2,8 +2,8 @@
 // photo, both painted: bench_viewer [FILE...], JPEGs of 24 megapixels or twelve that are made. The view has
 // 2 megapixels and no display.
 #include "app/AddFiles.h"
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/viewer/PhotoView.h"
+#include "app/desktop/window/MainWindow.h"
 #include "bench/support/MadePhoto.h"
 #include "catalog/LibraryActions.h"
 #include "platform/FileDefaults.h"

@@ -4,10 +4,10 @@
 
 #include "app/Libraries.h"
 #include "app/SearchFilter.h"
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Theme.h"
-#include "app/desktop/WindowMemory.h"
 #include "app/desktop/grid/GridView.h"
+#include "app/desktop/window/MainWindow.h"
+#include "app/desktop/window/WindowMemory.h"
 #include "bench/desktop/WatchedApplication.h"
 #include "bench/desktop/WindowLibrary.h"
 #include "bench/support/Compare.h"

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/adjust/BrickBox.h"
 #include "app/desktop/adjust/HistogramView.h"
 #include "app/desktop/viewer/PhotoFeed.h"
+#include "app/desktop/window/MainWindow.h"
 
 class QPushButton;
 

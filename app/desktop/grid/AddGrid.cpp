@@ -1,5 +1,5 @@
-#include "app/desktop/Parts.h"
 #include "app/desktop/grid/GridView.h"
+#include "app/desktop/window/Parts.h"
 
 namespace korvo {
 

@@ -3,7 +3,7 @@
 #include "app/Marking.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
-#include "app/desktop/grid/Glyphs.h"
+#include "app/desktop/photos/Glyphs.h"
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
 

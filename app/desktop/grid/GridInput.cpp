@@ -1,8 +1,8 @@
 // What the user does in the grid with mouse and keys.
 
 #include "app/Marking.h"
-#include "app/desktop/PhotoDrag.h"
 #include "app/desktop/grid/GridView.h"
+#include "app/desktop/photos/PhotoDrag.h"
 #include "base/Text.h"
 #include "catalog/LibraryActions.h"
 

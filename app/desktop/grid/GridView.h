@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/grid/Cell.h"
 #include "app/desktop/grid/GridLayout.h"
-#include "app/desktop/grid/Thumbnails.h"
+#include "app/desktop/photos/Thumbnails.h"
+#include "app/desktop/window/MainWindow.h"
 #include "catalog/Reading.h"
 
 #include <QAbstractScrollArea>

@@ -1,7 +1,7 @@
-#include "app/desktop/MainWindow.h"
-#include "app/desktop/Parts.h"
 #include "app/desktop/info/InfoPanel.h"
 #include "app/desktop/info/WriteBackCommands.h"
+#include "app/desktop/window/MainWindow.h"
+#include "app/desktop/window/Parts.h"
 
 namespace korvo {
 

@@ -1,9 +1,9 @@
 #include "app/desktop/info/InfoPanel.h"
 
+#include "app/desktop/FailureList.h"
 #include "app/desktop/Labels.h"
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/sheets/FailureList.h"
+#include "app/desktop/window/MainWindow.h"
 #include "base/Text.h"
 #include "catalog/Versions.h"
 

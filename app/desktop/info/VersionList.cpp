@@ -2,7 +2,7 @@
 
 #include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/Versions.h"
+#include "app/desktop/window/Versions.h"
 #include "base/Text.h"
 
 #include <QLabel>

@@ -1,7 +1,7 @@
 #include "app/desktop/info/WriteBackCommands.h"
 
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/window/MainWindow.h"
 
 #include <QMessageBox>
 #include <QPushButton>

@@ -1,6 +1,6 @@
-#include "app/desktop/MainWindow.h"
-#include "app/desktop/Parts.h"
 #include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/window/MainWindow.h"
+#include "app/desktop/window/Parts.h"
 
 namespace korvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/sheets/FileThumbnails.h"
+#include "app/desktop/photos/FileThumbnails.h"
 #include "imports/ImportPlan.h"
 
 #include <QListView>

@@ -1,11 +1,11 @@
 #include "app/desktop/sheets/ImportOptionsForm.h"
 
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/PatternField.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/window/MainWindow.h"
 #include "base/Json.h"
 #include "imports/NamingPreset.h"
 

@@ -1,5 +1,5 @@
+#include "app/desktop/FailureList.h"
 #include "app/desktop/sheets/CandidateList.h"
-#include "app/desktop/sheets/FailureList.h"
 #include "app/desktop/sheets/ImportJob.h"
 #include "app/desktop/sheets/ImportOptionsForm.h"
 #include "app/desktop/sheets/Sheet.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/desktop/Labels.h"
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/window/MainWindow.h"
 #include "base/Text.h"
 #include "catalog/DatabaseError.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/desktop/Desktop.h"
-#include "app/desktop/sheets/FileThumbnails.h"
+#include "app/desktop/photos/FileThumbnails.h"
 #include "catalog/AutoStack.h"
 
 #include <QListView>

@@ -1,10 +1,10 @@
-#include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/Versions.h"
 #include "app/desktop/sheets/Sheets.h"
-#include "app/desktop/sidebar/NewLines.h"
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
+#include "app/desktop/window/NewLines.h"
+#include "app/desktop/window/Parts.h"
+#include "app/desktop/window/Versions.h"
 
 #include <QLineEdit>
 #include <QMenu>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/SidebarTree.h"
-#include "app/desktop/MainWindow.h"
+#include "app/desktop/window/MainWindow.h"
 
 #include <QTimer>
 #include <QTreeWidget>

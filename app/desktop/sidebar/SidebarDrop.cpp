@@ -1,8 +1,8 @@
 // What is dragged from the sidebar, and dropped on its lines.
 
-#include "app/desktop/PhotoDrag.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
+#include "app/desktop/photos/PhotoDrag.h"
 #include "app/desktop/sidebar/Sidebar.h"
 
 #include <QDrag>

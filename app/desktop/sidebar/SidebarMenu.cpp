@@ -1,9 +1,9 @@
 // The menu of a line, which acts on the line that was clicked, whichever is chosen.
 
 #include "app/desktop/sheets/Sheets.h"
-#include "app/desktop/sidebar/NewLines.h"
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
+#include "app/desktop/window/NewLines.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>

@@ -1,8 +1,8 @@
-#include "app/desktop/MainWindow.h"
-#include "app/desktop/Parts.h"
 #include "app/desktop/viewer/Filmstrip.h"
 #include "app/desktop/viewer/FullScreen.h"
 #include "app/desktop/viewer/Pages.h"
+#include "app/desktop/window/MainWindow.h"
+#include "app/desktop/window/Parts.h"
 
 namespace korvo {
 
@@ -27,7 +27,7 @@ public:
         window.setFilmstrip(new Filmstrip(desktop_));
         commands_.handle(Command::actualSize, [this] { toggleZoom(); });
         commands_.handle(Command::loupe, [this] { toggleLoupe(); });
-        commands_.handle(Command::beforeAfter, [this] { toggleVersion(); });
+        commands_.handle(Command::beforeAfter, [this] { toggleBefore(); });
         browserChanged_ = desktop_.browser().changed.connect([this] { browserChanged(); });
     }
 
@@ -56,24 +56,24 @@ private:
             pane->view().setLoupe(!pane->view().hasLoupe());
     }
 
-    void toggleVersion()
+    void toggleBefore()
     {
-        version_ = version_ == Version::edited ? Version::original : Version::edited;
-        showVersion();
+        look_ = look_ == Look::after ? Look::before : Look::after;
+        showLook();
     }
 
-    void showVersion()
+    void showLook()
     {
         for (auto* const page : pages())
-            page->setVersion(version_);
-        commands_.setChecked(Command::beforeAfter, version_ == Version::original);
+            page->setLook(look_);
+        commands_.setChecked(Command::beforeAfter, look_ == Look::before);
     }
 
     /// Another photo is shown as it is.
     void browserChanged()
     {
-        if (version_ == Version::original)
-            toggleVersion();
+        if (look_ == Look::before)
+            toggleBefore();
     }
 
     Desktop& desktop_;
@@ -82,7 +82,7 @@ private:
     ComparePage* compare_;
     SurveyPage* survey_;
     FullScreen* fullScreen_;
-    Version version_ = Version::edited;
+    Look look_ = Look::after;
     Connection browserChanged_;
 };
 

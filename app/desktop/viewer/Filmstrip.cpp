@@ -2,7 +2,7 @@
 
 #include "app/Marking.h"
 #include "app/desktop/Theme.h"
-#include "app/desktop/grid/Glyphs.h"
+#include "app/desktop/photos/Glyphs.h"
 
 #include <QMouseEvent>
 #include <QPainter>

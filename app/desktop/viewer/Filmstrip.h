@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/grid/Thumbnails.h"
+#include "app/desktop/photos/Thumbnails.h"
 
 #include <QAbstractScrollArea>
 

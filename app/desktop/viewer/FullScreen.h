@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/viewer/Pages.h"
+#include "app/desktop/window/MainWindow.h"
 
 namespace korvo {
 

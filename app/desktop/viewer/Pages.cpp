@@ -42,10 +42,10 @@ void PhotoPane::setPhoto(std::optional<PhotoID> photo)
     showNote();
 }
 
-void PhotoPane::setVersion(Version version)
+void PhotoPane::setLook(Look look)
 {
-    version_ = version;
-    view_->setVersion(version);
+    look_ = look;
+    view_->setLook(look);
     showNote();
 }
 
@@ -55,7 +55,7 @@ void PhotoPane::showNote()
     const auto shown = photo();
     const auto place = shown ? list.shownPosition(*shown) : std::nullopt;
     QStringList parts;
-    if (version_ == Version::original)
+    if (look_ == Look::before)
         parts << "Before";
     else if (view_->feed().isLoading())
         parts << "Loading…";
@@ -75,10 +75,10 @@ void PhotoPage::start()
     look();
 }
 
-void PhotoPage::setVersion(Version version)
+void PhotoPage::setLook(Look look)
 {
     for (auto* const pane : panes())
-        pane->setVersion(version);
+        pane->setLook(look);
 }
 
 void PhotoPage::keyPressEvent(QKeyEvent* event)

@@ -16,7 +16,7 @@ public:
     const PhotoView& view() const { return *view_; }
     std::optional<PhotoID> photo() { return view_->feed().photo(); }
     void setPhoto(std::optional<PhotoID> photo);
-    void setVersion(Version version);
+    void setLook(Look look);
 
 private:
     void showNote();
@@ -24,7 +24,7 @@ private:
     Desktop& desktop_;
     PhotoView* view_;
     MarksBar* bar_;
-    Version version_ = Version::edited;
+    Look look_ = Look::after;
     Connection feedChanged_, zoomed_;
 };
 
@@ -37,7 +37,7 @@ public:
     /// The one that commands act on; null when none is shown.
     virtual PhotoPane* active() = 0;
     virtual std::vector<PhotoPane*> panes() = 0;
-    void setVersion(Version version);
+    void setLook(Look look);
 
 protected:
     /// Brings the panes in line with the browser; those of a mode that is not on show nothing.

@@ -85,11 +85,11 @@ void PhotoFeed::setDetail(ViewDetail detail)
     wish();
 }
 
-void PhotoFeed::setVersion(Version version)
+void PhotoFeed::setLook(Look look)
 {
-    if (version == version_)
+    if (look == look_)
         return;
-    version_ = version;
+    look_ = look;
     editsChanged();
 }
 
@@ -149,7 +149,7 @@ void PhotoFeed::arrived(const DecodeWish& wish)
 PhotoEdits PhotoFeed::edits() const
 {
     auto edits = desktop_.draft().editsOf(*item());
-    return version_ == Version::edited ? edits : withoutAdjustments(edits);
+    return look_ == Look::after ? edits : withoutAdjustments(edits);
 }
 
 void PhotoFeed::storeChanged(const LibraryChange& change)

@@ -9,7 +9,8 @@
 
 namespace korvo {
 
-enum class Version { edited, original };
+/// A photo with its adjustments, or as it was before them.
+enum class Look { after, before };
 
 /// The pictures of one photo as they come: a thumbnail or what the cache still has, then the photo at the
 /// size of its view, and all its pixels where they are asked for. Follows the photo's edits, those that are
@@ -37,7 +38,7 @@ public:
     /// Pixels of the longer side of the view.
     void setSize(int size);
     void setDetail(ViewDetail detail);
-    void setVersion(Version version);
+    void setLook(Look look);
 
     std::optional<PhotoID> photo() const { return photo_; }
     const PhotoItem* item() const;
@@ -76,7 +77,7 @@ private:
     std::ptrdiff_t direction_ = 1;
     int size_ = 0;
     ViewDetail detail_ = ViewDetail::screen;
-    Version version_ = Version::edited;
+    Look look_ = Look::after;
     PhotoEdits drawn_; // the last edits that were asked to be drawn
     Picture screen_, full_;
     Shown shown_ = Shown::nothing;

@@ -44,10 +44,10 @@ void PhotoView::setPhoto(std::optional<PhotoID> photo)
     setAccessibleName(item ? "Photo " + qt(item->filename.view()) : QString("No photo"));
 }
 
-void PhotoView::setVersion(Version version)
+void PhotoView::setLook(Look look)
 {
-    version_ = version;
-    feed_.setVersion(version);
+    look_ = look;
+    feed_.setLook(look);
     update();
 }
 
@@ -112,7 +112,7 @@ void PhotoView::feedChanged()
         zoom_.setPhoto({double(picture.image.width()) * placeholderGrowth,
             double(picture.image.height()) * placeholderGrowth});
     update();
-    if (!picture.full.isEmpty() && version_ == Version::edited)
+    if (!picture.full.isEmpty() && look_ == Look::after)
         drawn.emit(picture.histogram);
 }
 

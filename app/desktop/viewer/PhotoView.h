@@ -25,7 +25,7 @@ public:
     void toggleZoom();
     /// Takes the zoom of another view, whose photo may have another size.
     void followZoom(const ViewZoom& zoom);
-    void setVersion(Version version);
+    void setLook(Look look);
     void setLoupe(bool shown);
     bool hasLoupe() const { return loupe_; }
     /// A frame that marks the one of several that keys act on.
@@ -60,7 +60,7 @@ private:
     bool loupe_ = false;
     bool active_ = false;
     bool clickZooms_ = true;
-    Version version_ = Version::edited;
+    Look look_ = Look::after;
     QColor backdrop_;
     QPointF pressed_, dragged_;
     bool isDragging_ = false;

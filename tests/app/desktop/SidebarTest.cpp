@@ -1,6 +1,6 @@
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/SidebarTree.h"
-#include "app/desktop/PhotoDrag.h"
+#include "app/desktop/photos/PhotoDrag.h"
 #include "catalog/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"

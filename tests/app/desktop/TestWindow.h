@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/MainWindow.h"
+#include "app/desktop/window/MainWindow.h"
 #include "platform/FileDefaults.h"
 #include "tests/support/TestLibrary.h"
 

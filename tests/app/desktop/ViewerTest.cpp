@@ -1,6 +1,6 @@
 #include "app/SearchFilter.h"
 #include "app/desktop/adjust/AdjustPanel.h"
-#include "app/desktop/adjust/ExportSheet.h"
+#include "app/desktop/sheets/ExportSheet.h"
 #include "app/desktop/viewer/MarksBar.h"
 #include "app/desktop/viewer/Pages.h"
 #include "catalog/LibraryActions.h"

@@ -1,4 +1,4 @@
-#include "app/desktop/NewWindow.h"
+#include "app/desktop/window/NewWindow.h"
 
 #include <QCoreApplication>
 #include <QFile>

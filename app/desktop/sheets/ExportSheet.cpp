@@ -1,4 +1,4 @@
-#include "app/desktop/adjust/ExportSheet.h"
+#include "app/desktop/sheets/ExportSheet.h"
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/PatternField.h"

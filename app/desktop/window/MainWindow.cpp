@@ -1,11 +1,11 @@
-#include "app/desktop/MainWindow.h"
+#include "app/desktop/window/MainWindow.h"
 
 #include "app/desktop/Adding.h"
-#include "app/desktop/Parts.h"
-#include "app/desktop/PhotoDrag.h"
-#include "app/desktop/Quitting.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/WindowMemory.h"
+#include "app/desktop/photos/PhotoDrag.h"
+#include "app/desktop/window/Parts.h"
+#include "app/desktop/window/Quitting.h"
+#include "app/desktop/window/WindowMemory.h"
 
 #include <QApplication>
 #include <QDataStream>

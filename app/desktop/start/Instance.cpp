@@ -1,4 +1,4 @@
-#include "app/desktop/Instance.h"
+#include "app/desktop/start/Instance.h"
 
 #include <QCryptographicHash>
 #include <QLocalServer>

@@ -1,4 +1,4 @@
-#include "app/desktop/Quitting.h"
+#include "app/desktop/window/Quitting.h"
 
 #include "app/desktop/Texts.h"
 

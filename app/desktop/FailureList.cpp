@@ -1,4 +1,4 @@
-#include "app/desktop/sheets/FailureList.h"
+#include "app/desktop/FailureList.h"
 
 #include "app/desktop/Texts.h"
 #include "base/Text.h"

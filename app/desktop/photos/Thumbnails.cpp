@@ -1,4 +1,4 @@
-#include "app/desktop/grid/Thumbnails.h"
+#include "app/desktop/photos/Thumbnails.h"
 
 #include <unordered_set>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/Commands.h"
+#include "app/desktop/window/Commands.h"
 
 #include <QTimer>
 #include <QWidget>

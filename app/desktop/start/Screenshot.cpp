@@ -1,8 +1,8 @@
-#include "app/desktop/Screenshot.h"
+#include "app/desktop/start/Screenshot.h"
 
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
+#include "app/desktop/window/MainWindow.h"
 
 #include <QApplication>
 #include <QPainter>

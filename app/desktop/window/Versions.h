@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/MainWindow.h"
+#include "app/desktop/window/MainWindow.h"
 
 namespace korvo {
 

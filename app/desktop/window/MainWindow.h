@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/Notices.h"
+#include "app/desktop/window/Notices.h"
 
 #include <QMainWindow>
 #include <QTimer>

@@ -1,4 +1,4 @@
-#include "app/desktop/Versions.h"
+#include "app/desktop/window/Versions.h"
 
 #include "app/desktop/AskName.h"
 #include "app/desktop/Texts.h"

@@ -1,8 +1,8 @@
-#include "app/desktop/sidebar/NewLines.h"
+#include "app/desktop/window/NewLines.h"
 
 #include "app/desktop/AskName.h"
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/window/MainWindow.h"
 #include "base/Text.h"
 #include "catalog/LibraryActions.h"
 

@@ -1,6 +1,6 @@
 #include "app/Marking.h"
-#include "app/desktop/MainWindow.h"
-#include "app/desktop/Parts.h"
+#include "app/desktop/window/MainWindow.h"
+#include "app/desktop/window/Parts.h"
 #include "base/Text.h"
 #include "catalog/LibraryActions.h"
 

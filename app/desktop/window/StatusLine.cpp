@@ -1,9 +1,9 @@
+#include "app/desktop/FailureList.h"
 #include "app/desktop/Labels.h"
-#include "app/desktop/MainWindow.h"
-#include "app/desktop/Parts.h"
-#include "app/desktop/Quitting.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/sheets/FailureList.h"
+#include "app/desktop/window/MainWindow.h"
+#include "app/desktop/window/Parts.h"
+#include "app/desktop/window/Quitting.h"
 #include "base/Text.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "app/desktop/Application.h"
+#include "app/desktop/start/Application.h"
 
 namespace korvo {
 

@@ -1,4 +1,4 @@
-#include "app/desktop/Commands.h"
+#include "app/desktop/window/Commands.h"
 
 #include "app/desktop/Texts.h"
 

@@ -1,4 +1,4 @@
-#include "app/desktop/PhotoDrag.h"
+#include "app/desktop/photos/PhotoDrag.h"
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"

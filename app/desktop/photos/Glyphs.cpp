@@ -1,4 +1,4 @@
-#include "app/desktop/grid/Glyphs.h"
+#include "app/desktop/photos/Glyphs.h"
 
 #include <QPolygonF>
 #include <QTransform>

@@ -1,4 +1,4 @@
-#include "app/desktop/FirstStart.h"
+#include "app/desktop/start/FirstStart.h"
 
 #include "app/Libraries.h"
 #include "app/desktop/Texts.h"

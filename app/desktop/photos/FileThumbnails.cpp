@@ -1,4 +1,4 @@
-#include "app/desktop/sheets/FileThumbnails.h"
+#include "app/desktop/photos/FileThumbnails.h"
 
 #include <QPainter>
 

@@ -1,9 +1,9 @@
-#include "app/desktop/WindowMemory.h"
+#include "app/desktop/window/WindowMemory.h"
 
 #include "app/ViewMemory.h"
-#include "app/desktop/MainWindow.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/sidebar/Sidebar.h"
+#include "app/desktop/window/MainWindow.h"
 
 #include <QCryptographicHash>
 #include <QScreen>

@@ -1,4 +1,4 @@
-#include "app/desktop/Notices.h"
+#include "app/desktop/window/Notices.h"
 
 #include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"

@@ -1,10 +1,10 @@
 #include "app/SearchFilter.h"
-#include "app/desktop/MainWindow.h"
-#include "app/desktop/Parts.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
-#include "app/desktop/grid/Glyphs.h"
 #include "app/desktop/grid/GridView.h"
+#include "app/desktop/photos/Glyphs.h"
+#include "app/desktop/window/MainWindow.h"
+#include "app/desktop/window/Parts.h"
 
 #include <QComboBox>
 #include <QLineEdit>
