@@ -73,6 +73,16 @@ std::vector<KeywordRow> keywordsIn(Database& database)
         });
 }
 
+std::unordered_map<PhotoID, std::int64_t> versionCounts(Database& database)
+{
+    std::unordered_map<PhotoID, std::int64_t> counts;
+    auto statement = database.kept("SELECT version_of AS m, COUNT(*) AS n FROM photos "
+                                   "WHERE version_of IS NOT NULL GROUP BY version_of");
+    while (statement.step())
+        counts.emplace(statement.integer(0), statement.integer(1));
+    return counts;
+}
+
 } // namespace
 
 LibraryCounts countsIn(Database& database)
@@ -87,7 +97,8 @@ LibraryCounts countsIn(Database& database)
         rowsOf(database,
             "SELECT project_id, COUNT(*) AS n FROM photos WHERE version_of IS NULL AND project_id IS NOT "
             "NULL GROUP BY project_id",
-            [](const Statement& row) { return std::pair(row.integer(0), row.integer(1)); })};
+            [](const Statement& row) { return std::pair(row.integer(0), row.integer(1)); }),
+        versionCounts(database)};
 }
 
 LibraryTree treeIn(Database& database, const LibraryCounts& counts)

@@ -120,7 +120,7 @@ Statement Database::prepare(std::string_view sql)
 Statement Database::kept(std::string_view sql)
 {
     const ConnectionLock lock(handle());
-    auto waiting = kept_.extract(std::string(sql));
+    const auto waiting = kept_.extract(sql); // its key goes with its statement, and is not looked at any more
     return {handle(), waiting.empty() ? compile(handle(), sql) : std::move(waiting.mapped()), &kept_};
 }
 

@@ -7,6 +7,7 @@
 #include "catalog/Tree.h"
 
 #include <stop_token>
+#include <unordered_map>
 #include <vector>
 
 namespace korvo {
@@ -23,10 +24,12 @@ ListedBy listedBy(const std::optional<LibrarySource>& source);
 /// Throws NotFoundError and SmartAlbumError.
 SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id);
 
-/// How many photos there are of some kinds. Takes long in a large library, whose photos are all looked at.
+/// How many photos and versions there are of some kinds. Takes long in a large library, whose photos are all
+/// looked at.
 struct LibraryCounts {
     LibraryTotals totals;
     std::vector<std::pair<std::int64_t, std::int64_t>> inProjects; // id and count
+    std::unordered_map<PhotoID, std::int64_t> versions; // of each master that has any
 
     bool operator==(const LibraryCounts&) const = default;
 };

@@ -51,6 +51,15 @@ const LibraryTree& LibraryStore::tree()
     return *tree_;
 }
 
+std::int64_t LibraryStore::versionCount(PhotoID master) const
+{
+    if (!counter_.counts())
+        return 0;
+    const auto& versions = counter_.counts()->versions;
+    const auto found = versions.find(master);
+    return found == versions.end() ? 0 : found->second;
+}
+
 void LibraryStore::treeChanged()
 {
     tree_.reset();

@@ -61,6 +61,8 @@ public:
     bool isCounted() const { return counter_.counts().has_value(); }
     /// Whether counts are to follow.
     bool isCounting() const { return counter_.isCounting() || (reading_ && counter_.isDue()); }
+    /// How many versions a photo has, itself left out, as last counted with the tree.
+    std::int64_t versionCount(PhotoID master) const;
     /// What is being done with the photo, as setStatus has it.
     const PhotoItem::Status& status(PhotoID id) const;
     void setStatus(std::span<const PhotoID> ids, const PhotoItem::Status& status);

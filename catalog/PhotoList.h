@@ -33,8 +33,6 @@ public:
     const ListArrangement& arrangement() const { return wished_; }
     std::optional<SortKey> sortKey() const { return wished_.key; }
     std::optional<GridFilter> filter() const { return wished_.filter; }
-    /// Whether rules hide photos that pass the filter.
-    bool isNarrowed() const { return !wished_.narrowing.empty(); }
     /// Whether it is shown as it is to be.
     bool isArranged() const { return wished_ == shownAs_; }
 

@@ -12,8 +12,7 @@ Statement::~Statement()
         return;
     sqlite3_reset(handle_.get());
     sqlite3_clear_bindings(handle_.get());
-    std::string sql = sqlite3_sql(handle_.get());
-    cache_->insert_or_assign(std::move(sql), std::move(handle_));
+    cache_->try_emplace(sqlite3_sql(handle_.get()), std::move(handle_));
 }
 
 void Statement::bindValues(const std::vector<sqlite3_value*>& values)

@@ -46,8 +46,8 @@ struct FinalizeStatement {
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
-/// Statements that wait, reset, for their next use, by their text.
-using StatementCache = std::unordered_map<std::string, StatementHandle>;
+/// Statements that wait, reset, for their next use, by their text, which they hold themselves.
+using StatementCache = std::unordered_map<std::string_view, StatementHandle>;
 
 /// A prepared statement in use. It holds the connection until it goes; then it is finalized, or put back
 /// where kept statements wait.

@@ -53,14 +53,4 @@ void renameVersion(Catalog& catalog, PhotoID version, std::string_view name)
         "UPDATE photos SET version_name = ? WHERE id = ? AND version_of IS NOT NULL", name, version);
 }
 
-std::unordered_map<PhotoID, std::int64_t> versionCountsIn(Database& database)
-{
-    std::unordered_map<PhotoID, std::int64_t> counts;
-    auto statement = database.kept("SELECT version_of AS m, COUNT(*) AS n FROM photos "
-                                   "WHERE version_of IS NOT NULL GROUP BY version_of");
-    while (statement.step())
-        counts.emplace(statement.integer(0), statement.integer(1));
-    return counts;
-}
-
 } // namespace korvo

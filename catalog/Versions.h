@@ -20,7 +20,5 @@ PhotoID createVersion(Catalog& catalog, PhotoID photo, const std::optional<std::
 std::vector<PhotoItem> versionsOf(Catalog& catalog, PhotoID photo);
 /// Throws NotFoundError for a master, whose name is its file's.
 void renameVersion(Catalog& catalog, PhotoID version, std::string_view name);
-/// How many versions each master has that has any.
-std::unordered_map<PhotoID, std::int64_t> versionCountsIn(Database& database);
 
 } // namespace korvo

@@ -53,7 +53,7 @@ TEST(Versions, areNumberedByTheirCountAndBelongToTheMaster)
     const auto named = createVersion(*t.catalog, 1, "Print", std::nullopt, 5);
     EXPECT_EQ(t.item(named).versionName, "Print");
     EXPECT_EQ(versionsOf(*t.catalog, third).back().id, named);
-    EXPECT_EQ(versionCountsIn(t.catalog->database()), (std::unordered_map<PhotoID, std::int64_t>{{1, 4}}));
+    EXPECT_EQ(countsIn(t.catalog->database()).versions, (std::unordered_map<PhotoID, std::int64_t>{{1, 4}}));
     EXPECT_THROW(t.newVersion(99), NotFoundError);
     t.catalog->deletePhotos(only(1));
     EXPECT_TRUE(versionsOf(*t.catalog, 1).empty());

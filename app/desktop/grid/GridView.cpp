@@ -2,7 +2,6 @@
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
-#include "catalog/Versions.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -51,7 +50,6 @@ GridView::GridView(MainWindow& window)
         cursor_.reset();
         showCurrent();
     });
-    countVersions();
     layOut();
 }
 
@@ -65,7 +63,6 @@ Cell GridView::cellAt(Index index) const
 {
     const auto& item = itemAt(index);
     auto [pixmap, isBroken] = thumbnails_.find(item.id);
-    const auto versions = versions_.find(item.id); // of masters only
     return {.item = &item,
         .picture = std::move(pixmap),
         .isBroken = isBroken,
@@ -73,30 +70,8 @@ Cell GridView::cellAt(Index index) const
         .isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id),
         .isCurrent = hasFocus() && cursor() == item.id,
         .isHovered = hovered_ == index,
-        .versions = versions == versions_.end() ? 0 : static_cast<int>(versions->second),
+        .versions = static_cast<int>(store().versionCount(item.id)),
         .stackSize = static_cast<int>(store().list().stackSize(item))};
-}
-
-void GridView::countVersions()
-{
-    countAgain_ = counting_ != nullptr;
-    if (!counting_)
-        counting_ = std::make_unique<Reading<Counts>>(
-            desktop_.mainThread(), store().catalog(),
-            [](Database& database, const std::stop_token&) { return versionCountsIn(database); },
-            [this] { versionsCounted(); });
-}
-
-void GridView::versionsCounted()
-{
-    const auto counting = std::move(counting_);
-    try {
-        versions_ = counting->take();
-    } catch (const DatabaseError&) { // those of before stay; the next change counts again
-    }
-    viewport()->update();
-    if (countAgain_)
-        countVersions();
 }
 
 void GridView::layOut()
@@ -127,8 +102,8 @@ void GridView::setThumbnailSize(int size)
 
 void GridView::libraryChanged(const LibraryChange& change)
 {
-    if (change.tree)
-        countVersions();
+    if (change.tree) // counts of versions may have come
+        viewport()->update();
     if (change.list) {
         hovered_.reset();
         if (cursor_ && !store().list().shownPosition(*cursor_))

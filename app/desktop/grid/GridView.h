@@ -4,12 +4,9 @@
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/photos/Thumbnails.h"
 #include "app/desktop/window/MainWindow.h"
-#include "catalog/Reading.h"
 
 #include <QAbstractScrollArea>
 #include <QTimer>
-
-#include <unordered_map>
 
 class QRubberBand;
 
@@ -59,8 +56,6 @@ private:
     LibraryStore& store() const { return desktop_.store(); }
     const PhotoItem& itemAt(Index index) const;
     Cell cellAt(Index index) const;
-    void countVersions();
-    void versionsCounted();
     void layOut();
     void libraryChanged(const LibraryChange& change);
     void selectionChanged();
@@ -104,10 +99,6 @@ private:
     CellGeometry geometry_;
     GridLayout layout_;
     Thumbnails thumbnails_;
-    using Counts = std::unordered_map<PhotoID, std::int64_t>;
-    Counts versions_; // how many the photos have, themselves left out
-    std::unique_ptr<Reading<Counts>> counting_; // of them, for which all versions are looked at
-    bool countAgain_ = false;
     std::vector<PhotoID> selected_; // ascending
     QTimer wantTimer_; // pictures are asked for once a frame, not for each step of scrolling
     std::optional<LibrarySource> source_; // that was shown last

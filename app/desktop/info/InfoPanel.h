@@ -25,7 +25,6 @@ public:
     DescriptiveForm& form() { return *form_; }
 
 private:
-    void makeLabels();
     QWidget* makeWriteBackRow(MainWindow& window);
     void libraryChanged(const LibraryChange& change);
     void loadSoon() { loading_.start(); }

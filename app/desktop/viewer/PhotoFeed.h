@@ -46,8 +46,6 @@ public:
     const Picture& screen() const { return screen_; }
     /// All pixels; null while they are not asked for or not there.
     const Picture& full() const { return full_; }
-    /// Whether what the screen shows is only a stand-in.
-    bool isPlaceholder() const { return shown_ == Shown::placeholder; }
     bool isLoading() const;
     /// Why there is no picture, or only an old one; empty when all is well.
     const QString& fault() const { return missing_.isEmpty() ? fault_ : missing_; }
