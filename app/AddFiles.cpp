@@ -1,8 +1,8 @@
 #include "app/AddFiles.h"
 
-#include "catalog/DatabaseError.h"
 #include "catalog/FolderScan.h"
 #include "catalog/UnreadPhotos.h"
+#include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/MetadataError.h"
 

@@ -1,5 +1,5 @@
 #include "app/AlbumOrder.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 
 #include <algorithm>
 #include <unordered_set>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalog/LibraryStore.h"
+#include "catalog/store/LibraryStore.h"
 
 namespace korvo {
 

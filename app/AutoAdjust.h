@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/PhotoRender.h"
-#include "catalog/LibraryStore.h"
+#include "catalog/store/LibraryStore.h"
 #include "edits/AutoEnhance.h"
 
 #include <functional>

@@ -1,5 +1,5 @@
 #include "app/EditDraft.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 
 #include <algorithm>
 #include <utility>

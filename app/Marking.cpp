@@ -1,7 +1,7 @@
 #include "app/Marking.h"
 
 #include "base/Text.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 
 #include <algorithm>
 #include <map>

@@ -1,8 +1,8 @@
 #include "app/PhotoExport.h"
 
 #include "base/Uuid.h"
-#include "metadata/Containers.h"
 #include "metadata/MetadataError.h"
+#include "metadata/containers/Containers.h"
 #include "platform/ApertureBundles.h"
 #include "platform/FileSync.h"
 #include "platform/PosixFile.h"

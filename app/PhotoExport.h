@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/PhotoRender.h"
-#include "metadata/ExifTool.h"
+#include "metadata/exiftool/ExifTool.h"
 
 namespace korvo {
 

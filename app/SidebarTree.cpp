@@ -3,9 +3,9 @@
 #include "app/Marking.h"
 #include "base/Text.h"
 #include "catalog/CommonMetadata.h"
-#include "catalog/GroupActions.h"
-#include "catalog/LibraryActions.h"
 #include "catalog/RenameKeyword.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/LibraryActions.h"
 
 #include <array>
 #include <filesystem>

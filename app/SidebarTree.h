@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalog/LibrarySource.h"
-#include "catalog/LibraryStore.h"
+#include "catalog/store/LibraryStore.h"
 
 namespace korvo {
 

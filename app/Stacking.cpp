@@ -1,7 +1,7 @@
 #include "app/Stacking.h"
 
-#include "catalog/GroupActions.h"
 #include "catalog/Stacks.h"
+#include "catalog/store/GroupActions.h"
 
 #include <algorithm>
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/DecodedPhotos.h"
-#include "catalog/PhotoList.h"
+#include "catalog/store/PhotoList.h"
 
 namespace korvo {
 

@@ -2,12 +2,12 @@
 
 #include "catalog/CatalogErrors.h"
 #include "catalog/CatalogRecords.h"
-#include "catalog/Database.h"
 #include "catalog/FileRecord.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/MetadataChange.h"
 #include "catalog/SmartAlbumRules.h"
 #include "catalog/Tree.h"
+#include "catalog/sql/Database.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "catalog/Database.h"
 #include "catalog/PhotoItem.h"
+#include "catalog/sql/Database.h"
 
 #include <optional>
 #include <span>

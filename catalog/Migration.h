@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalog/Database.h"
+#include "catalog/sql/Database.h"
 
 namespace korvo {
 

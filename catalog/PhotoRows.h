@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalog/PhotoItem.h"
-#include "catalog/Statement.h"
+#include "catalog/sql/Statement.h"
 
 #include <memory>
 #include <vector>

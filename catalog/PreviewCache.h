@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Dates.h"
-#include "catalog/Database.h"
+#include "catalog/sql/Database.h"
 #include "edits/PhotoEdits.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 #include "metadata/Backfill.h"
 
-#include "catalog/DatabaseError.h"
+#include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
 #include "platform/ThreadPriority.h"

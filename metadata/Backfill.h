@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Task.h"
-#include "catalog/LibraryStore.h"
+#include "catalog/store/LibraryStore.h"
 
 #include <stop_token>
 #include <vector>

@@ -1,11 +1,11 @@
 #include "metadata/DescriptiveReader.h"
 
 #include "base/Text.h"
-#include "metadata/Containers.h"
 #include "metadata/ExifTagReader.h"
 #include "metadata/ForeignText.h"
 #include "metadata/Iptc.h"
 #include "metadata/Xmp.h"
+#include "metadata/containers/Containers.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metadata/FileWindow.h"
+#include "metadata/containers/FileWindow.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "metadata/ExifReader.h"
 
-#include "metadata/Containers.h"
 #include "metadata/ExifTagReader.h"
 #include "metadata/MetadataError.h"
+#include "metadata/containers/Containers.h"
 
 namespace korvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metadata/MetadataBlocks.h"
+#include "metadata/containers/MetadataBlocks.h"
 
 namespace korvo {
 

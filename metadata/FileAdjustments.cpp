@@ -1,6 +1,6 @@
 #include "metadata/FileAdjustments.h"
 
-#include "catalog/DatabaseError.h"
+#include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
 #include "metadata/MetadataFiles.h"

@@ -4,8 +4,8 @@
 #include "base/Text.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
-#include "metadata/ExifToolRecords.h"
 #include "metadata/MetadataError.h"
+#include "metadata/exiftool/ExifToolRecords.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,12 @@
 #include "metadata/MetadataSave.h"
 
 #include "base/Json.h"
-#include "catalog/DatabaseError.h"
+#include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
-#include "metadata/KeptExifTool.h"
 #include "metadata/MetadataError.h"
 #include "metadata/MetadataFiles.h"
+#include "metadata/exiftool/KeptExifTool.h"
 #include "platform/ApertureBundles.h"
 
 #include <fmt/format.h>

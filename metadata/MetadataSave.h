@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalog/Catalog.h"
-#include "metadata/ExifTool.h"
+#include "metadata/exiftool/ExifTool.h"
 
 #include <functional>
 #include <span>

@@ -1,7 +1,7 @@
 #include "metadata/MetadataWriteBack.h"
 
 #include "base/Text.h"
-#include "catalog/DatabaseError.h"
+#include "catalog/sql/DatabaseError.h"
 
 #include <fmt/format.h>
 

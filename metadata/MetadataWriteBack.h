@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Task.h"
-#include "catalog/LibraryStore.h"
+#include "catalog/store/LibraryStore.h"
 #include "metadata/MetadataSave.h"
 #include "platform/Defaults.h"
 

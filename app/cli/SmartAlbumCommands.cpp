@@ -1,6 +1,6 @@
 #include "app/cli/Commands.h"
 #include "catalog/RuleTest.h"
-#include "catalog/SmartAlbumEditor.h"
+#include "catalog/store/SmartAlbumEditor.h"
 
 #include <fmt/ranges.h>
 

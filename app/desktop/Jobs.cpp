@@ -1,6 +1,6 @@
 #include "app/desktop/Jobs.h"
 
-#include "catalog/DatabaseError.h"
+#include "catalog/sql/DatabaseError.h"
 
 #include <algorithm>
 

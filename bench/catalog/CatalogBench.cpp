@@ -6,9 +6,9 @@
 #include "bench/catalog/GroupBench.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadeLibrary.h"
-#include "catalog/LibraryActions.h"
-#include "catalog/LibraryStore.h"
 #include "catalog/PhotoRows.h"
+#include "catalog/store/LibraryActions.h"
+#include "catalog/store/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 
 #include <fmt/format.h>

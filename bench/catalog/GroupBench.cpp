@@ -3,8 +3,8 @@
 #include "bench/support/Compare.h"
 #include "catalog/AutoStack.h"
 #include "catalog/Catalog.h"
-#include "catalog/ReadList.h"
 #include "catalog/SmartAlbumMatcher.h"
+#include "catalog/store/ReadList.h"
 
 #include <fmt/format.h>
 

@@ -5,7 +5,7 @@
 #include "app/desktop/viewer/PhotoView.h"
 #include "app/desktop/window/MainWindow.h"
 #include "bench/support/MadePhoto.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "platform/FileDefaults.h"
 #include "tests/support/SixSteps.h"
 #include "tests/support/TemporaryFolder.h"

@@ -12,7 +12,7 @@
 #include "bench/desktop/WindowLibrary.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadePhoto.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "platform/FileDefaults.h"
 #include "platform/HeapArenas.h"
 #include "tests/support/TemporaryFolder.h"

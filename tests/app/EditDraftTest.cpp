@@ -1,6 +1,6 @@
 #include "app/EditDraft.h"
 #include "base/JsonError.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 

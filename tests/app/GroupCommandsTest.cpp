@@ -1,4 +1,4 @@
-#include "catalog/Database.h"
+#include "catalog/sql/Database.h"
 #include "tests/app/ProgramWithPhotos.h"
 
 namespace korvo {

@@ -1,6 +1,6 @@
 #include "app/PhotoExport.h"
-#include "metadata/Containers.h"
 #include "metadata/ExifTagReader.h"
+#include "metadata/containers/Containers.h"
 #include "platform/linux/images/SystemImageReader.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,8 +1,8 @@
 #include "catalog/AutoStack.h"
 
-#include "catalog/GroupActions.h"
-#include "catalog/LibraryStore.h"
 #include "catalog/Stacks.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 

@@ -1,4 +1,4 @@
-#include "catalog/Database.h"
+#include "catalog/sql/Database.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

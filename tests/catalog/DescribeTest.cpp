@@ -1,8 +1,8 @@
 // Describing several photos at once: what they have in common, keywords, and completing them.
 
-#include "catalog/KeywordCompletion.h"
-#include "catalog/LibraryActions.h"
-#include "catalog/LibraryStore.h"
+#include "catalog/store/KeywordCompletion.h"
+#include "catalog/store/LibraryActions.h"
+#include "catalog/store/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 

@@ -1,4 +1,4 @@
-#include "catalog/PhotoList.h"
+#include "catalog/store/PhotoList.h"
 #include "base/StopCheck.h"
 #include "tests/support/ListedPhotos.h"
 

@@ -1,8 +1,8 @@
 #include "tests/catalog/RandomActions.h"
 
-#include "catalog/GroupActions.h"
-#include "catalog/LibraryActions.h"
 #include "catalog/Stacks.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/LibraryActions.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,8 +1,8 @@
 // What the store shows while a list is being read in the background.
 
-#include "catalog/AllPhotos.h"
-#include "catalog/LibraryActions.h"
-#include "catalog/LibraryStore.h"
+#include "catalog/store/AllPhotos.h"
+#include "catalog/store/LibraryActions.h"
+#include "catalog/store/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 

@@ -1,4 +1,4 @@
-#include "catalog/UndoHistory.h"
+#include "catalog/store/UndoHistory.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/ExifReader.h"
-#include "metadata/KeptExifTool.h"
+#include "metadata/exiftool/KeptExifTool.h"
 #include "tests/metadata/ExifTool.h"
 #include "tests/metadata/FakeTool.h"
 

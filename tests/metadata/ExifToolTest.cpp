@@ -1,8 +1,8 @@
-#include "metadata/ExifTool.h"
+#include "metadata/exiftool/ExifTool.h"
 
 #include "metadata/ExifReader.h"
-#include "metadata/ExifToolRecords.h"
-#include "metadata/KeptExifTool.h"
+#include "metadata/exiftool/ExifToolRecords.h"
+#include "metadata/exiftool/KeptExifTool.h"
 #include "tests/metadata/ExifTool.h"
 #include "tests/metadata/FakeTool.h"
 

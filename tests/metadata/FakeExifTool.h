@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metadata/ExifTool.h"
+#include "metadata/exiftool/ExifTool.h"
 #include "tests/support/FakeProcessLauncher.h"
 
 #include <condition_variable>

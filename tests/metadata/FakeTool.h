@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metadata/ExifTool.h"
+#include "metadata/exiftool/ExifTool.h"
 #include "platform/ProcessLauncher.h"
 #include "tests/support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "metadata/FileWindow.h"
+#include "metadata/containers/FileWindow.h"
 
 #include "tests/support/TemporaryFolder.h"
 

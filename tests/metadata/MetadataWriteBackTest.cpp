@@ -1,6 +1,6 @@
 #include "metadata/MetadataWriteBack.h"
 
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "platform/FileDefaults.h"
 #include "tests/metadata/FakeExifTool.h"
 #include "tests/support/ManualMainThread.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalog/PhotoList.h"
+#include "catalog/store/PhotoList.h"
 
 #include <algorithm>
 

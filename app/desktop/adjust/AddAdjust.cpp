@@ -4,7 +4,7 @@
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/Parts.h"
 #include "base/Text.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "edits/AdjustmentCopy.h"
 #include "edits/Geometry.h"
 

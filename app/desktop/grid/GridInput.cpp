@@ -4,7 +4,7 @@
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/photos/PhotoDrag.h"
 #include "base/Text.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

@@ -1,7 +1,7 @@
 #include "app/desktop/info/KeywordField.h"
 
 #include "app/desktop/Texts.h"
-#include "catalog/KeywordCompletion.h"
+#include "catalog/store/KeywordCompletion.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>

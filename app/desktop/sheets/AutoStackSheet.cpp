@@ -1,7 +1,7 @@
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sheets/StackPreview.h"
-#include "catalog/GroupActions.h"
+#include "catalog/store/GroupActions.h"
 
 #include <QDialogButtonBox>
 #include <QPushButton>

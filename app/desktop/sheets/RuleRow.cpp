@@ -4,7 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "base/Text.h"
 #include "catalog/RuleTest.h"
-#include "catalog/SmartAlbumEditor.h"
+#include "catalog/store/SmartAlbumEditor.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -3,9 +3,9 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "base/JsonError.h"
 #include "base/Text.h"
-#include "catalog/GroupActions.h"
-#include "catalog/MatchCounter.h"
-#include "catalog/SmartAlbumEditor.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/MatchCounter.h"
+#include "catalog/store/SmartAlbumEditor.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

@@ -4,7 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/photos/Glyphs.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 
 #include <QMenu>
 #include <QMouseEvent>

@@ -11,8 +11,8 @@
 #include "app/desktop/window/Parts.h"
 #include "app/desktop/window/Versions.h"
 #include "base/Text.h"
-#include "catalog/GroupActions.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "platform/AppFolders.h"
 
 #include <QDesktopServices>

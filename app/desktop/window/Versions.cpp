@@ -3,7 +3,7 @@
 #include "app/desktop/AskName.h"
 #include "app/desktop/Texts.h"
 #include "base/Text.h"
-#include "catalog/GroupActions.h"
+#include "catalog/store/GroupActions.h"
 
 namespace korvo {
 

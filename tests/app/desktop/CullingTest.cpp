@@ -1,5 +1,5 @@
 #include "app/Marking.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QLineEdit>

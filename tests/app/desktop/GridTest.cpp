@@ -4,8 +4,8 @@
 #include "app/desktop/grid/GridLayout.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/photos/PhotoDrag.h"
-#include "catalog/GroupActions.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 

@@ -1,6 +1,6 @@
 #include "app/desktop/info/DescriptiveForm.h"
 #include "base/Json.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QAbstractItemView>

@@ -1,6 +1,6 @@
 #include "app/desktop/sheets/Sheets.h"
-#include "catalog/LibraryActions.h"
 #include "catalog/Stacks.h"
+#include "catalog/store/LibraryActions.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/platform/DiskService.h"

@@ -4,7 +4,7 @@
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/start/Instance.h"
 #include "app/desktop/window/WindowMemory.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 

@@ -1,7 +1,7 @@
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/SidebarTree.h"
 #include "app/desktop/photos/PhotoDrag.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 

@@ -1,5 +1,5 @@
-#include "catalog/GroupActions.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
 

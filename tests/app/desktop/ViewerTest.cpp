@@ -3,7 +3,7 @@
 #include "app/desktop/sheets/ExportSheet.h"
 #include "app/desktop/viewer/MarksBar.h"
 #include "app/desktop/viewer/Pages.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 

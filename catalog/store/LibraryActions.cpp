@@ -1,0 +1,198 @@
+#include "catalog/store/LibraryActions.h"
+
+#include "base/Json.h"
+
+#include <map>
+
+namespace korvo {
+
+void setRating(LibraryStore& store, std::span<const PhotoID> ids, int rating)
+{
+    store.perform(
+        rating < 0 ? "Reject" : "Set Rating", [&](Catalog& catalog) { catalog.setRating(ids, rating); });
+}
+
+void setFlagged(LibraryStore& store, std::span<const PhotoID> ids, bool flagged)
+{
+    store.perform(
+        flagged ? "Flag" : "Remove Flag", [&](Catalog& catalog) { catalog.setFlagged(ids, flagged); });
+}
+
+void setLabel(LibraryStore& store, std::span<const PhotoID> ids, PhotoLabel label)
+{
+    store.perform("Set Label", [&](Catalog& catalog) { catalog.setLabel(ids, label); });
+}
+
+void setMetadata(LibraryStore& store, std::span<const PhotoID> ids, const MetadataChange& change)
+{
+    store.perform("Change Metadata",
+        [&](Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); });
+}
+
+void setMetadataField(
+    LibraryStore& store, std::span<const PhotoID> ids, std::size_t field, std::string_view text)
+{
+    const auto& [title, value, member, undoTitle] = metadataFields()[field];
+    MetadataChange change;
+    change.*member = text;
+    store.perform(std::string(undoTitle),
+        [&](Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); });
+}
+
+void editKeywords(LibraryStore& store, std::span<const PhotoID> ids, const KeywordEdit& edit)
+{
+    store.perform(std::string(metadataFields()[keywordsField].undoTitle), [&](Catalog& catalog) {
+        // As they are stored: the list may wait for what background work has changed.
+        std::unordered_map<SharedText, std::vector<PhotoID>> byKeywords;
+        for (const auto& item : catalog.photosByID(ids))
+            byKeywords[item.metadata.keywords].push_back(item.id);
+        for (const auto& [keywords, photos] : byKeywords)
+            catalog.changeMetadata(
+                photos, {.keywords = SharedText(edit.appliedTo(keywords))}, WriteBack::pending);
+    });
+}
+
+void setEdits(LibraryStore& store, std::span<const PhotoID> ids, const PhotoEdits& edits)
+{
+    store.perform("Adjust", [&](Catalog& catalog) { catalog.saveEdits(ids, edits); });
+}
+
+void changeEdits(LibraryStore& store, std::string title, std::span<const PhotoID> ids,
+    const std::function<void(PhotoEdits&)>& change)
+{
+    store.perform(std::move(title), [&](Catalog& catalog) {
+        std::map<std::string, std::vector<PhotoID>, std::less<>> byEdits; // most photos have none
+        for (const PhotoID id : ids) {
+            const auto* const listed = store.list().find(id);
+            const auto item = listed ? std::nullopt : catalog.photo(id);
+            if (listed || item)
+                byEdits[(listed ? *listed : *item).editsJSON.string()].push_back(id);
+        }
+        for (const auto& [json, photos] : byEdits) {
+            auto edits = json.empty() ? PhotoEdits() : fromJson<PhotoEdits>(json);
+            change(edits);
+            catalog.saveEdits(photos, edits);
+        }
+    });
+}
+
+void saveComposition(LibraryStore& store, PhotoID id, std::string_view json)
+{
+    store.perform("Change Composition", [&](Catalog& catalog) { catalog.saveComposition(id, json); });
+}
+
+void removePhotos(LibraryStore& store, std::span<const PhotoID> ids)
+{
+    store.perform("Remove from Library", [&](Catalog& catalog) { catalog.deletePhotos(ids); });
+}
+
+void removeFolder(LibraryStore& store, std::int64_t id)
+{
+    store.perform("Remove Folder from Library", [&](Catalog& catalog) { catalog.removeFolder(id); });
+}
+
+std::int64_t createProject(
+    LibraryStore& store, std::string_view name, std::string_view kind, std::optional<std::int64_t> parent)
+{
+    std::int64_t id = 0;
+    store.perform("New Project", [&](Catalog& catalog) { id = catalog.createProject(name, kind, parent); });
+    return id;
+}
+
+std::int64_t gatherUnderProject(LibraryStore& store, std::string_view name)
+{
+    std::int64_t id = 0;
+    store.perform(
+        "Gather under New Project", [&](Catalog& catalog) { id = catalog.gatherUnderProject(name); });
+    return id;
+}
+
+void renameProject(LibraryStore& store, std::int64_t id, std::string_view name)
+{
+    store.perform("Rename Project", [&](Catalog& catalog) { catalog.renameProject(id, name); });
+}
+
+void moveProject(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parent)
+{
+    store.perform("Move Project", [&](Catalog& catalog) { catalog.moveProject(id, parent); });
+}
+
+void placeProject(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parent,
+    std::optional<std::int64_t> before)
+{
+    store.perform("Move Project", [&](Catalog& catalog) { catalog.placeProject(id, parent, before); });
+}
+
+void deleteProject(LibraryStore& store, std::int64_t id)
+{
+    store.perform("Delete Project", [&](Catalog& catalog) { catalog.deleteProject(id); });
+}
+
+void assignToProject(LibraryStore& store, std::span<const PhotoID> ids, std::optional<std::int64_t> project)
+{
+    store.perform("Move to Project", [&](Catalog& catalog) { catalog.assignToProject(ids, project); });
+}
+
+std::int64_t createAlbum(
+    LibraryStore& store, std::string_view name, std::optional<std::int64_t> parentProject)
+{
+    std::int64_t id = 0;
+    store.perform("New Album", [&](Catalog& catalog) { id = catalog.createAlbum(name, parentProject); });
+    return id;
+}
+
+void renameAlbum(LibraryStore& store, std::int64_t id, std::string_view name)
+{
+    store.perform("Rename Album", [&](Catalog& catalog) { catalog.renameAlbum(id, name); });
+}
+
+void moveAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parentProject)
+{
+    store.perform("Move Album", [&](Catalog& catalog) { catalog.moveAlbum(id, parentProject); });
+}
+
+void placeAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parentProject,
+    std::optional<std::int64_t> before)
+{
+    store.perform("Move Album", [&](Catalog& catalog) { catalog.placeAlbum(id, parentProject, before); });
+}
+
+void deleteAlbum(LibraryStore& store, std::int64_t id)
+{
+    store.perform("Delete Album", [&](Catalog& catalog) { catalog.deleteAlbum(id); });
+}
+
+void addToAlbum(LibraryStore& store, std::int64_t album, std::span<const PhotoID> photos)
+{
+    store.perform("Add to Album", [&](Catalog& catalog) { catalog.addToAlbum(album, photos); });
+}
+
+void moveInAlbum(
+    LibraryStore& store, std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before)
+{
+    store.perform("Move in Album", [&](Catalog& catalog) { catalog.moveInAlbum(album, photos, before); });
+}
+
+void removeFromAlbum(LibraryStore& store, std::int64_t album, std::span<const PhotoID> photos)
+{
+    store.perform("Remove from Album", [&](Catalog& catalog) { catalog.removeFromAlbum(album, photos); });
+}
+
+std::int64_t createKeyword(LibraryStore& store, std::string_view name, std::optional<std::int64_t> parent)
+{
+    std::int64_t id = 0;
+    store.perform("New Keyword", [&](Catalog& catalog) { id = catalog.createKeyword(name, parent); });
+    return id;
+}
+
+void moveKeyword(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parent)
+{
+    store.perform("Move Keyword", [&](Catalog& catalog) { catalog.moveKeyword(id, parent); });
+}
+
+void deleteKeyword(LibraryStore& store, std::int64_t id)
+{
+    store.perform("Delete Keyword", [&](Catalog& catalog) { catalog.deleteKeyword(id); });
+}
+
+} // namespace korvo
