@@ -108,6 +108,31 @@ std::string setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark
     return title;
 }
 
+std::string clickMark(LibraryStore& store, std::span<const PhotoID> ids, const MarkPart& part)
+{
+    const auto items = listedItems(store.list(), ids);
+    switch (part.kind) {
+    case MarkPart::Kind::star: {
+        const bool isLast
+            = std::ranges::all_of(items, [&](const PhotoItem* item) { return item->rating == part.stars; });
+        setRating(store, ids, isLast ? 0 : part.stars);
+        return "Set Rating";
+    }
+    case MarkPart::Kind::flag:
+        return setMark(store, ids, Mark::toggleFlag);
+    case MarkPart::Kind::cross: {
+        std::vector<PhotoID> rejected;
+        for (const PhotoItem* const item : items)
+            if (item->isRejected())
+                rejected.push_back(item->id);
+        return setMark(store, rejected, Mark::reject);
+    }
+    case MarkPart::Kind::label:
+        break;
+    }
+    return {};
+}
+
 std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids)
 {
     if (const auto source = store.source(); source && source->kind == LibrarySource::Kind::album) {

@@ -31,6 +31,20 @@ constexpr int rejectedWith(int stars)
 /// were. Throws DatabaseError.
 std::string setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark);
 
+/// What can be clicked of a photo's marks. A photo that is rejected has a cross in place of its flag.
+struct MarkPart {
+    enum class Kind { star, flag, cross, label };
+    Kind kind;
+    int stars = 0; // for a star, 1 to 5
+
+    bool operator==(const MarkPart&) const = default;
+};
+
+/// What a click on a mark of one of these photos means for all of them, as one step of undo: so many stars,
+/// or none when all have just these; the flag, or none when all are flagged; at a cross, no rejection. A
+/// label is chosen from a list instead, so that nothing happens. Returns what was done. Throws DatabaseError.
+std::string clickMark(LibraryStore& store, std::span<const PhotoID> ids, const MarkPart& part);
+
 /// What the Delete key does: takes photos out of the album that is shown, or else rejects them. Returns a
 /// sentence that says so. Throws DatabaseError.
 std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids);

@@ -1,6 +1,5 @@
 #include "app/desktop/Theme.h"
 
-#include "app/desktop/Texts.h"
 #include "platform/AppFolders.h"
 
 #include <QApplication>
@@ -143,17 +142,6 @@ QColor labelColor(PhotoLabel label)
     static constexpr std::array<QColor, 8> colors{QColor(0, 0, 0, 0), {0xff, 0x6b, 0x5e}, {0xff, 0xa9, 0x40},
         {0xf5, 0xd8, 0x4a}, {0x6f, 0xd0, 0x6a}, {0x6a, 0xb4, 0xff}, {0xc7, 0x9a, 0xff}, {0xb8, 0xb8, 0xb8}};
     return colors[static_cast<std::size_t>(label)];
-}
-
-void paintLabel(QPainter& painter, const QRect& box, PhotoLabel label)
-{
-    if (label == PhotoLabel::none)
-        return;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(labelColor(label));
-    painter.drawRoundedRect(box, 3, 3);
-    painter.setPen(Qt::black);
-    painter.drawText(box, Qt::AlignCenter, qt(name(label)).left(1));
 }
 
 void applyTheme(QApplication& application)

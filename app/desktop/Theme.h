@@ -5,8 +5,6 @@
 #include <QColor>
 
 class QApplication;
-class QPainter;
-class QRect;
 
 namespace korvo {
 
@@ -34,8 +32,6 @@ inline constexpr QColor plate{0, 0, 0, 190}; // behind what is written on photos
 
 /// The fill of a label, on which black reads well.
 QColor labelColor(PhotoLabel label);
-/// The label as its colour with its initial, in a square; nothing for none.
-void paintLabel(QPainter& painter, const QRect& box, PhotoLabel label);
 
 /// Makes the program dark, with fonts as the system has them.
 void applyTheme(QApplication& application);

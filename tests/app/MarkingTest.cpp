@@ -85,6 +85,25 @@ TEST(Marking, isTakenBackOnlyWhenAllHaveItAndUndoneInOneStep)
     EXPECT_EQ(t.marks(1) + t.marks(2), "4fx");
 }
 
+TEST(Marking, aClickMeansWhatIsClicked)
+{
+    using Kind = MarkPart::Kind;
+    TestMarking t;
+    t.give(1, 3, false);
+    t.give(2, rejectedWith(2), false);
+    const std::vector<PhotoID> both{1, 2};
+    const auto click = [&](std::span<const PhotoID> ids, MarkPart part) {
+        clickMark(*t.store, ids, part);
+        return t.marks(1) + " " + t.marks(2);
+    };
+    EXPECT_EQ(click(both, {Kind::cross}), "3 2") << "leaves what is not rejected";
+    EXPECT_EQ(click(both, {Kind::flag}), "3f 2f");
+    EXPECT_EQ(click(both, {Kind::flag}), "3 2");
+    EXPECT_EQ(click(both, {Kind::star, 3}), "3 3");
+    EXPECT_EQ(click(both, {Kind::star, 3}), "0 0") << "the last star of all";
+    EXPECT_EQ(click(only(2), {Kind::label}), "0 0");
+}
+
 TEST(Marking, deleteTakesOutOfAnAlbumAndElsewhereRejects)
 {
     TestMarking t;

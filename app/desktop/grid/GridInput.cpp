@@ -1,14 +1,11 @@
 // What the user does in the grid with mouse and keys.
 
-#include "app/Marking.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/photos/PhotoDrag.h"
-#include "base/Text.h"
-#include "catalog/store/LibraryActions.h"
+#include "app/desktop/window/MarkCommands.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QMenu>
 #include <QMouseEvent>
 #include <QRubberBand>
 #include <QScrollBar>
@@ -81,33 +78,19 @@ void GridView::chooseRange(Index from, Index to)
     desktop_.browser().setCurrent(itemAt(to).id);
 }
 
-bool GridView::mark(Index index, const CellPart& part)
+std::optional<MarkPart> GridView::markAt(Index index, QPoint point) const
 {
-    const auto& item = itemAt(index);
-    const bool isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id);
-    const auto ids = isSelected ? store().selection() : std::vector{item.id};
-    const auto done = [&](const std::string& what) {
-        if (ids.size() > photosBeforeUndoIsOffered)
-            desktop_.say(what + ": " + counted(ids.size(), "photo") + ".", Offer::undo);
-    };
-    switch (part.kind) {
-    case CellPart::Kind::star: // a click on the last star that is lit puts all out
-        desktop_.attempt([&] {
-            setRating(store(), ids, item.rating == part.stars ? 0 : part.stars);
-            done("Set Rating");
-        });
-        return true;
-    case CellPart::Kind::flag:
-        desktop_.attempt([&] { done(setMark(store(), ids, Mark::toggleFlag)); });
-        return true;
-    case CellPart::Kind::label:
-        if (!isSelected)
-            choose(index, {});
-        window_.showLabelMenu(viewport()->mapToGlobal(geometry_.label(cellPosition(index)).bottomLeft()));
-        return true;
-    default:
-        return false;
-    }
+    return korvo::markAt(geometry_.marks(cellPosition(index)), itemAt(index), point);
+}
+
+/// Of all selected, if the photo is one of them.
+void GridView::mark(Index index, const MarkPart& part)
+{
+    const PhotoID id = itemAt(index).id;
+    const bool isSelected = std::binary_search(selected_.begin(), selected_.end(), id);
+    const QPoint below = geometry_.marks(cellPosition(index)).label.bottomLeft();
+    clickOnMark(
+        window_, isSelected ? store().selection() : std::vector{id}, part, viewport()->mapToGlobal(below));
 }
 
 void GridView::mousePressEvent(QMouseEvent* event)
@@ -123,10 +106,10 @@ void GridView::mousePressEvent(QMouseEvent* event)
             store().select({});
         return;
     }
-    const auto part = geometry_.partAt(cellPosition(*index), event->pos());
-    if (event->button() == Qt::LeftButton && !event->modifiers() && mark(*index, part)) {
+    const bool isPlain = event->button() == Qt::LeftButton && !event->modifiers();
+    if (const auto part = markAt(*index, event->pos()); part && isPlain) {
         pressed_.reset();
-        return;
+        return mark(*index, *part);
     }
     const bool isSelected = std::binary_search(selected_.begin(), selected_.end(), itemAt(*index).id);
     if (isSelected && !event->modifiers()) { // it may become a drag of all of them
@@ -160,7 +143,7 @@ void GridView::mouseReleaseEvent(QMouseEvent* event)
 void GridView::mouseDoubleClickEvent(QMouseEvent* event)
 {
     const auto index = indexAt(event->pos());
-    if (index && geometry_.partAt(cellPosition(*index), event->pos()).kind <= CellPart::Kind::picture)
+    if (index && !markAt(*index, event->pos()))
         window_.commands().run(Command::viewer);
     else
         mousePressEvent(event);

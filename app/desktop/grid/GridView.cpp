@@ -62,16 +62,13 @@ const PhotoItem& GridView::itemAt(Index index) const
 Cell GridView::cellAt(Index index) const
 {
     const auto& item = itemAt(index);
-    auto [pixmap, isBroken] = thumbnails_.find(item.id);
+    auto picture = thumbnails_.find(item.id);
     return {.item = &item,
-        .picture = std::move(pixmap),
-        .isBroken = isBroken,
-        .isUnsaved = desktop_.session().writeBack().failureOf(item.id) != nullptr,
+        .picture = std::move(picture.pixmap),
+        .signs = signsOf(desktop_, item, picture.state),
         .isSelected = std::binary_search(selected_.begin(), selected_.end(), item.id),
         .isCurrent = hasFocus() && cursor() == item.id,
-        .isHovered = hovered_ == index,
-        .versions = static_cast<int>(store().versionCount(item.id)),
-        .stackSize = static_cast<int>(store().list().stackSize(item))};
+        .isHovered = hovered_ == index};
 }
 
 void GridView::layOut()
@@ -182,7 +179,8 @@ void GridView::showCurrent()
     if (current && *current < layout_.count)
         makeVisible(*current);
     if (const auto* const item = desktop_.browser().currentItem())
-        setAccessibleDescription(spokenText(*item));
+        setAccessibleDescription(
+            spokenText(*item, signsOf(desktop_, *item, thumbnails_.find(item->id).state)));
     const auto [first, last] = visible();
     for (Index index = first; index < last; ++index) // the one that was current has no mark of its own
         updateCell(index);
@@ -296,13 +294,8 @@ bool GridView::viewportEvent(QEvent* event)
         return QAbstractScrollArea::viewportEvent(event);
     const auto* const help = static_cast<QHelpEvent*>(event);
     const auto index = indexAt(help->pos());
-    const auto* const item = index ? &itemAt(*index) : nullptr;
-    QStringList lines;
-    if (item && thumbnails_.find(item->id).isBroken)
-        lines << "The file is missing or cannot be read: " + qt(item->path().native());
-    if (const auto* const why = item ? desktop_.session().writeBack().failureOf(item->id) : nullptr)
-        lines << qt(*why);
-    QToolTip::showText(help->globalPos(), lines.join("\n"), viewport());
+    const auto text = index ? warningText(desktop_, itemAt(*index), cellAt(*index).signs) : QString();
+    QToolTip::showText(help->globalPos(), text, viewport());
     return true;
 }
 

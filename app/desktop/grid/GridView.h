@@ -72,7 +72,8 @@ private:
     std::optional<Index> indexAt(QPoint point) const;
     void choose(Index index, Qt::KeyboardModifiers modifiers);
     void chooseRange(Index from, Index to);
-    bool mark(Index index, const CellPart& part);
+    std::optional<MarkPart> markAt(Index index, QPoint point) const;
+    void mark(Index index, const MarkPart& part);
     void dragOut();
     // Drops, which arrange an album (GridDrop.cpp)
     /// Where a drop would go: before a cell, or behind the last one; shown in the row that is pointed at.

@@ -7,7 +7,7 @@ namespace korvo {
 Thumbnails::Picture Thumbnails::find(PhotoID id) const
 {
     const Kept* const kept = kept_.object(id);
-    return kept ? Picture{kept->pixmap, kept->isBroken} : Picture();
+    return kept ? Picture{kept->pixmap, kept->state} : Picture();
 }
 
 void Thumbnails::want(std::span<const PhotoItem* const> shown, std::span<const PhotoItem* const> soon,
@@ -36,14 +36,14 @@ void Thumbnails::load(const PhotoItem& item, PicturePriority priority, int pixel
         auto kept = std::make_unique<Kept>(loaded.mapped().result);
         kept->pixmap = QPixmap::fromImage(std::move(image));
         kept->pixmap.setDevicePixelRatio(ratio);
-        kept->isBroken = !fault.isEmpty();
+        kept->state = fault.isEmpty() ? PictureState::fine : PictureState::broken;
         const auto bytes = qsizetype{4} * kept->pixmap.width() * kept->pixmap.height();
         kept_.insert(id, kept.release(), 1 + bytes / 1024);
         arrived_(id);
     };
     auto handle = desktop_.pictures().load(pictureOf(item, pixels, priority), std::move(done));
     loading_.insert_or_assign(
-        item.id, Loading{priority, {{}, false, item.filename, item.editsJSON, pixels}, std::move(handle)});
+        item.id, Loading{priority, {{}, {}, item.filename, item.editsJSON, pixels}, std::move(handle)});
 }
 
 } // namespace korvo

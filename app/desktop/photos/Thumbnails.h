@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/Desktop.h"
+#include "app/desktop/photos/PhotoSigns.h"
 
 #include <QCache>
 #include <QPixmap>
@@ -27,14 +27,15 @@ public:
     struct Picture {
         QPixmap pixmap; ///< of an earlier edit or another size till the wanted one is there; null if there is
                         ///< none
-        bool isBroken = false; ///< the file is missing or cannot be read; what it showed before may be there
+        PictureState state
+            = PictureState::fine; ///< broken: the file cannot be read; what it showed before may be there
     };
     Picture find(PhotoID id) const;
 
 private:
     struct Kept {
         QPixmap pixmap;
-        bool isBroken = false;
+        PictureState state = PictureState::fine;
         SharedText file;
         SharedText edits;
         int pixels = 0;
@@ -47,7 +48,8 @@ private:
         /// Whether it is time to look again for a file that may be back.
         bool isDue() const
         {
-            return isBroken && std::chrono::steady_clock::now() - asked > std::chrono::seconds(2);
+            return state == PictureState::broken
+                && std::chrono::steady_clock::now() - asked > std::chrono::seconds(2);
         }
     };
     struct Loading {

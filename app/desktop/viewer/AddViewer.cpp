@@ -16,18 +16,20 @@ class Viewer : public QObject {
 public:
     explicit Viewer(MainWindow& window)
         : QObject(&window), desktop_(window.desktop()), commands_(window.commands()),
-          single_(new SinglePage(desktop_, ViewMode::viewer, singleViewer)),
-          compare_(new ComparePage(desktop_, compareViewer)), survey_(new SurveyPage(desktop_, surveyViewer)),
-          fullScreen_(
-              new FullScreen(window, new SinglePage(desktop_, ViewMode::fullScreen, fullScreenViewer)))
+          single_(new SinglePage(window, ViewMode::viewer, singleViewer)),
+          compare_(new ComparePage(window, compareViewer)), survey_(new SurveyPage(window, surveyViewer)),
+          fullScreen_(new FullScreen(window, new SinglePage(window, ViewMode::fullScreen, fullScreenViewer)))
     {
         window.setCentre(ViewMode::viewer, single_);
         window.setCentre(ViewMode::compare, compare_);
         window.setCentre(ViewMode::survey, survey_);
-        window.setFilmstrip(new Filmstrip(desktop_));
+        window.setFilmstrip(new Filmstrip(window));
         commands_.handle(Command::actualSize, [this] { toggleZoom(); });
-        commands_.handle(Command::loupe, [this] { toggleLoupe(); });
-        commands_.handle(Command::beforeAfter, [this] { toggleBefore(); });
+        const auto isLarge = [this] { return desktop_.browser().mode() != ViewMode::grid; };
+        commands_.handle(
+            Command::loupe, [this] { toggleLoupe(); }, isLarge);
+        commands_.handle(
+            Command::beforeAfter, [this] { toggleBefore(); }, isLarge);
         browserChanged_ = desktop_.browser().changed.connect([this] { browserChanged(); });
     }
 
@@ -52,8 +54,10 @@ private:
 
     void toggleLoupe()
     {
-        if (auto* const pane = active())
-            pane->view().setLoupe(!pane->view().hasLoupe());
+        loupe_ = loupe_ == Loupe::off ? Loupe::on : Loupe::off;
+        for (auto* const page : pages())
+            page->setLoupe(loupe_);
+        commands_.setChecked(Command::loupe, loupe_ == Loupe::on);
     }
 
     void toggleBefore()
@@ -69,11 +73,13 @@ private:
         commands_.setChecked(Command::beforeAfter, look_ == Look::before);
     }
 
-    /// Another photo is shown as it is.
+    /// Another photo is shown as it is, and the grid has neither.
     void browserChanged()
     {
         if (look_ == Look::before)
             toggleBefore();
+        if (loupe_ == Loupe::on && desktop_.browser().mode() == ViewMode::grid)
+            toggleLoupe();
     }
 
     Desktop& desktop_;
@@ -83,6 +89,7 @@ private:
     SurveyPage* survey_;
     FullScreen* fullScreen_;
     Look look_ = Look::after;
+    Loupe loupe_ = Loupe::off;
     Connection browserChanged_;
 };
 

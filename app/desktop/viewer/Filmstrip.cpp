@@ -1,12 +1,14 @@
 #include "app/desktop/viewer/Filmstrip.h"
 
-#include "app/Marking.h"
 #include "app/desktop/Theme.h"
-#include "app/desktop/photos/Glyphs.h"
+#include "app/desktop/photos/PhotoDrag.h"
+#include "app/desktop/window/MarkCommands.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -17,34 +19,45 @@ namespace {
 
 constexpr int pictureSide = 84;
 constexpr int gap = 4;
-constexpr int marksHeight = 12;
 constexpr std::size_t ahead = 12; // thumbnails that are loaded on each side of those in sight
 
 } // namespace
 
-Filmstrip::Filmstrip(Desktop& desktop)
-    : desktop_(desktop), thumbnails_(desktop, [this](PhotoID) { viewport()->update(); }),
-      storeChanged_(desktop.store().changed.connect([this](const LibraryChange& change) {
+Filmstrip::Filmstrip(MainWindow& window)
+    : window_(window), desktop_(window.desktop()),
+      thumbnails_(desktop_, [this](PhotoID) { viewport()->update(); }),
+      storeChanged_(desktop_.store().changed.connect([this](const LibraryChange& change) {
           if (change.list)
               layOut();
           want();
           viewport()->update();
       })),
-      browserChanged_(desktop.browser().changed.connect([this] { showCurrent(); }))
+      browserChanged_(desktop_.browser().changed.connect([this] { showCurrent(); }))
 {
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus); // its keys are the viewer's
     setAccessibleName("Filmstrip");
-    setFixedHeight(pictureSide + marksHeight + 2 * gap + horizontalScrollBar()->sizeHint().height());
+    viewport()->setMouseTracking(true);
+    measure();
 }
 
-std::size_t Filmstrip::count() const
+void Filmstrip::measure()
+{
+    setFixedHeight(pictureSide + marksHeight() + 2 * gap + horizontalScrollBar()->sizeHint().height());
+}
+
+int Filmstrip::marksHeight() const
+{
+    return std::max(12, fontMetrics().height() * 3 / 4);
+}
+
+Filmstrip::Index Filmstrip::count() const
 {
     return desktop_.store().list().shown().size();
 }
 
-const PhotoItem& Filmstrip::itemAt(std::size_t index) const
+const PhotoItem& Filmstrip::itemAt(Index index) const
 {
     const auto& list = desktop_.store().list();
     return list.items()[list.shown()[index]];
@@ -55,17 +68,34 @@ int Filmstrip::cellWidth() const
     return pictureSide + 2 * gap;
 }
 
-QRect Filmstrip::cell(std::size_t index) const
+QRect Filmstrip::cell(Index index) const
 {
     const auto left = static_cast<int>(index) * cellWidth() - horizontalScrollBar()->value();
-    return {left, 0, cellWidth(), pictureSide + marksHeight + 2 * gap};
+    return {left, 0, cellWidth(), pictureSide + marksHeight() + 2 * gap};
 }
 
-std::pair<std::size_t, std::size_t> Filmstrip::visible() const
+QRect Filmstrip::pictureIn(const QRect& cell) const
+{
+    return {cell.left() + gap, cell.top() + gap, pictureSide, pictureSide};
+}
+
+MarkPlaces Filmstrip::marksIn(const QRect& cell) const
+{
+    const QRect above = pictureIn(cell);
+    return marksAcross({above.left() + 2, above.bottom() + 1, above.width() - 4, marksHeight()});
+}
+
+PhotoSigns Filmstrip::signsAt(Index index) const
+{
+    const auto& item = itemAt(index);
+    return signsOf(desktop_, item, thumbnails_.find(item.id).state);
+}
+
+std::pair<Filmstrip::Index, Filmstrip::Index> Filmstrip::visible() const
 {
     const int left = horizontalScrollBar()->value(), right = left + viewport()->width();
-    const auto first = std::min(count(), static_cast<std::size_t>(left / cellWidth()));
-    return {first, std::min(count(), static_cast<std::size_t>(right / cellWidth()) + 1)};
+    const auto first = std::min(count(), static_cast<Index>(left / cellWidth()));
+    return {first, std::min(count(), static_cast<Index>(right / cellWidth()) + 1)};
 }
 
 void Filmstrip::layOut()
@@ -116,6 +146,7 @@ void Filmstrip::showEvent(QShowEvent*)
 
 void Filmstrip::scrollContentsBy(int, int)
 {
+    hovered_.reset();
     want();
     viewport()->update();
 }
@@ -131,7 +162,7 @@ void Filmstrip::paintEvent(QPaintEvent*)
         paintCell(painter, i);
 }
 
-void Filmstrip::paintCell(QPainter& painter, std::size_t index)
+void Filmstrip::paintCell(QPainter& painter, Index index)
 {
     const auto& item = itemAt(index);
     const QRect place = cell(index);
@@ -139,45 +170,86 @@ void Filmstrip::paintCell(QPainter& painter, std::size_t index)
     painter.setPen(isCurrent ? QPen(theme::accent, 2) : QPen(Qt::NoPen));
     painter.setBrush(isCurrent ? theme::selectedCell : theme::cell);
     painter.drawRoundedRect(QRectF(place).adjusted(2, 2, -2, -2), 3, 3);
-    const QRect room(place.left() + gap, place.top() + gap, pictureSide, pictureSide);
-    if (const auto [pixmap, isBroken] = thumbnails_.find(item.id); !pixmap.isNull()) {
-        QRectF target(QPointF(),
-            pixmap.deviceIndependentSize().scaled(pictureSide - 4, pictureSide - 4, Qt::KeepAspectRatio));
-        target.moveCenter(QRectF(room).center());
-        painter.setOpacity(item.isRejected() ? 0.4 : 1);
-        painter.drawPixmap(target, pixmap, QRectF(pixmap.rect()));
-        painter.setOpacity(1);
-    } else if (isBroken) {
-        painter.fillPath(warningGlyph(QRectF(room).adjusted(28, 28, -28, -28)), theme::warning);
-    }
-    paintMarks(painter, {room.left() + 2, room.bottom() + 1, room.width() - 4, marksHeight}, item);
+    painter.setFont(font());
+    paintPicture(painter, pictureIn(place), thumbnails_.find(item.id).pixmap, item, signsAt(index));
+    paintMarks(painter, marksIn(place), item, hovered_ == index ? MarkHints::all : MarkHints::none);
 }
 
-/// Stars on the left; flag or cross and the label on the right, as below a cell of the grid.
-void Filmstrip::paintMarks(QPainter& painter, const QRect& line, const PhotoItem& item)
+std::optional<Filmstrip::Index> Filmstrip::indexAt(QPoint point) const
 {
-    const QRect first(line.left(), line.top(), marksHeight, marksHeight);
-    for (int star = 0; star < starsOf(item); ++star)
-        painter.fillPath(
-            starGlyph(QRectF(first.translated(star * (marksHeight - 2), 0)).adjusted(1, 1, -1, -1)),
-            item.isRejected() ? theme::mutedText : theme::star);
-    const QRect flag(line.right() + 1 - marksHeight, line.top(), marksHeight, marksHeight);
-    if (item.isRejected())
-        painter.fillPath(crossGlyph(QRectF(flag).adjusted(1, 1, -1, -1)), theme::warning);
-    else if (item.flagged)
-        painter.fillPath(flagGlyph(QRectF(flag).adjusted(1, 1, -1, -1)), theme::flag);
-    auto small = font();
-    small.setPixelSize(marksHeight - 2);
-    painter.setFont(small);
-    paintLabel(painter, flag.translated(-marksHeight - 2, 0), item.label);
+    const auto index = static_cast<Index>((point.x() + horizontalScrollBar()->value()) / cellWidth());
+    return index < count() && cell(index).contains(point) ? std::optional(index) : std::nullopt;
+}
+
+/// Makes the photo there the current one. A comparison passes over the one that stays.
+bool Filmstrip::choose(QPoint at)
+{
+    const auto index = indexAt(at);
+    if (!index)
+        return false;
+    const PhotoID id = itemAt(*index).id;
+    desktop_.browser().setCurrent(id);
+    return desktop_.browser().current() == id;
 }
 
 void Filmstrip::mousePressEvent(QMouseEvent* event)
 {
-    const auto index
-        = static_cast<std::size_t>((event->pos().x() + horizontalScrollBar()->value()) / cellWidth());
-    if (event->button() == Qt::LeftButton && index < count())
-        desktop_.browser().setCurrent(itemAt(index).id);
+    pressed_.reset();
+    if (event->button() != Qt::LeftButton)
+        return;
+    const auto index = indexAt(event->pos());
+    const auto place = index ? marksIn(cell(*index)) : MarkPlaces();
+    if (const auto part = index ? markAt(place, itemAt(*index), event->pos()) : std::nullopt)
+        clickOnMark(window_, {itemAt(*index).id}, *part, viewport()->mapToGlobal(place.label.bottomLeft()));
+    else if (choose(event->pos()))
+        pressed_ = event->pos();
+}
+
+void Filmstrip::mouseMoveEvent(QMouseEvent* event)
+{
+    hover(event->buttons() ? std::nullopt : indexAt(event->pos()));
+    if (!pressed_ || !event->buttons().testFlag(Qt::LeftButton)
+        || (event->pos() - *pressed_).manhattanLength() < QApplication::startDragDistance())
+        return;
+    pressed_.reset();
+    if (const auto* const item = desktop_.browser().currentItem())
+        dragPhotos(*this, {&item, 1}, thumbnails_.find(item->id).pixmap);
+}
+
+void Filmstrip::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (choose(event->pos()))
+        window_.showPhotoMenu(event->globalPos());
+}
+
+void Filmstrip::hover(std::optional<Index> index)
+{
+    if (std::exchange(hovered_, index) != index)
+        viewport()->update();
+}
+
+void Filmstrip::leaveEvent(QEvent* event)
+{
+    QAbstractScrollArea::leaveEvent(event);
+    hover(std::nullopt);
+}
+
+void Filmstrip::changeEvent(QEvent* event)
+{
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        measure();
+}
+
+bool Filmstrip::viewportEvent(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QAbstractScrollArea::viewportEvent(event);
+    const auto* const help = static_cast<QHelpEvent*>(event);
+    const auto index = indexAt(help->pos());
+    const auto text = index ? warningText(desktop_, itemAt(*index), signsAt(*index)) : QString();
+    QToolTip::showText(help->globalPos(), text, viewport());
+    return true;
 }
 
 void Filmstrip::wheelEvent(QWheelEvent* event)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "app/desktop/Desktop.h"
+#include "app/desktop/photos/Marks.h"
+#include "app/desktop/window/MainWindow.h"
 
 #include <QWidget>
 
@@ -9,7 +10,7 @@ namespace korvo {
 /// The line below a photo: its stars, flag and label, which can be clicked, its name, and a note at the end.
 class MarksBar : public QWidget {
 public:
-    explicit MarksBar(Desktop& desktop);
+    explicit MarksBar(MainWindow& window);
 
     void setPhoto(std::optional<PhotoID> photo);
     void setNote(const QString& note);
@@ -22,13 +23,10 @@ protected:
 
 private:
     const PhotoItem* item() const;
-    QRect starRect(int star) const; ///< 1 to 5
-    QRect flagRect() const;
-    QRect labelRect() const;
-    void chooseLabel(const std::vector<PhotoID>& ids);
+    MarkPlaces places() const;
     int lineHeight() const;
-    void paintMarks(QPainter& painter, const PhotoItem& photo);
 
+    MainWindow& window_;
     Desktop& desktop_;
     std::optional<PhotoID> photo_;
     QString note_;

@@ -2,6 +2,7 @@
 
 #include "app/Survey.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
@@ -22,8 +23,9 @@ QString percent(double scale)
 
 } // namespace
 
-PhotoPane::PhotoPane(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours)
-    : desktop_(desktop), view_(new PhotoView(desktop, viewer, neighbours)), bar_(new MarksBar(desktop))
+PhotoPane::PhotoPane(MainWindow& window, int viewer, PhotoFeed::Neighbours neighbours)
+    : desktop_(window.desktop()), view_(new PhotoView(desktop_, viewer, neighbours)),
+      bar_(new MarksBar(window))
 {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -66,7 +68,9 @@ void PhotoPane::showNote()
     bar_->setNote(parts.join("  ·  "));
 }
 
-PhotoPage::PhotoPage(Desktop& desktop, ViewMode mode) : desktop_(desktop), mode_(mode) { }
+PhotoPage::PhotoPage(MainWindow& window, ViewMode mode)
+    : window_(window), desktop_(window.desktop()), mode_(mode)
+{ }
 
 void PhotoPage::start()
 {
@@ -77,8 +81,22 @@ void PhotoPage::start()
 
 void PhotoPage::setLook(Look look)
 {
+    look_ = look;
     for (auto* const pane : panes())
         pane->setLook(look);
+}
+
+void PhotoPage::setLoupe(Loupe loupe)
+{
+    loupe_ = loupe;
+    for (auto* const pane : panes())
+        pane->view().setLoupe(loupe);
+}
+
+void PhotoPage::dress(PhotoPane& pane)
+{
+    pane.setLook(look_);
+    pane.view().setLoupe(loupe_);
 }
 
 void PhotoPage::keyPressEvent(QKeyEvent* event)
@@ -110,8 +128,25 @@ void PhotoPage::wheelEvent(QWheelEvent* event)
     wheel_ = 0;
 }
 
-SinglePage::SinglePage(Desktop& desktop, ViewMode mode, int viewer)
-    : PhotoPage(desktop, mode), pane_(new PhotoPane(desktop, viewer, PhotoFeed::Neighbours::ahead))
+void PhotoPage::contextMenuEvent(QContextMenuEvent* event)
+{
+    const auto shown = panes();
+    const auto under = std::ranges::find_if(
+        shown, [&](PhotoPane* pane) { return pane->geometry().contains(event->pos()); });
+    auto* const pane
+        = event->reason() == QContextMenuEvent::Mouse && under != shown.end() ? *under : active();
+    if (pane && pane->photo())
+        showMenu(*pane, event->globalPos());
+}
+
+void PhotoPage::showMenu(PhotoPane& pane, QPoint at)
+{
+    desktop_.browser().setCurrent(*pane.photo());
+    window_.showPhotoMenu(at);
+}
+
+SinglePage::SinglePage(MainWindow& window, ViewMode mode, int viewer)
+    : PhotoPage(window, mode), pane_(new PhotoPane(window, viewer, PhotoFeed::Neighbours::ahead))
 {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -125,10 +160,10 @@ void SinglePage::follow(bool isOn)
     pane_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
 }
 
-ComparePage::ComparePage(Desktop& desktop, int viewer)
-    : PhotoPage(desktop, ViewMode::compare),
-      left_(new PhotoPane(desktop, viewer + 1, PhotoFeed::Neighbours::none)),
-      right_(new PhotoPane(desktop, viewer, PhotoFeed::Neighbours::ahead))
+ComparePage::ComparePage(MainWindow& window, int viewer)
+    : PhotoPage(window, ViewMode::compare),
+      left_(new PhotoPane(window, viewer + 1, PhotoFeed::Neighbours::none)),
+      right_(new PhotoPane(window, viewer, PhotoFeed::Neighbours::ahead))
 {
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -137,8 +172,13 @@ ComparePage::ComparePage(Desktop& desktop, int viewer)
     layout->addWidget(right_, 1);
     right_->view().setActive(true);
     setFocusProxy(right_);
-    zoomed_[0] = left_->view().zoomed.connect([this] { right_->view().followZoom(left_->view().zoom()); });
-    zoomed_[1] = right_->view().zoomed.connect([this] { left_->view().followZoom(right_->view().zoom()); });
+    const auto follow = [this](PhotoView& leader, PhotoView& other, std::size_t first) {
+        followed_[first] = leader.zoomed.connect([&] { other.followZoom(leader.zoom()); });
+        followed_[first + 1]
+            = leader.pointed.connect([&](std::optional<QPointF> place) { other.followLoupe(place); });
+    };
+    follow(left_->view(), right_->view(), 0);
+    follow(right_->view(), left_->view(), 2);
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
         if (change.list && desktop_.browser().mode() == mode())
             listChanged();
@@ -150,11 +190,11 @@ void ComparePage::follow(bool isOn)
 {
     if (!std::exchange(wasOn_, isOn) && isOn)
         begin();
-    if (isOn && left_->photo() && left_->photo() == desktop_.browser().current())
-        passOverLeft();
+    if (isOn && stays_->photo() && stays_->photo() == desktop_.browser().current())
+        passOverStaying();
     if (!isOn)
-        left_->setPhoto(std::nullopt);
-    right_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
+        stays_->setPhoto(std::nullopt);
+    steps_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
 }
 
 /// The first two of the selected, else the current photo and the next one, or the one before it at the end.
@@ -162,7 +202,7 @@ void ComparePage::begin()
 {
     auto& browser = desktop_.browser();
     const auto current = browser.current();
-    left_->setPhoto(current);
+    stays_->setPhoto(current);
     for (const PhotoID id : desktop_.store().selection())
         if (id != current && desktop_.store().list().shownPosition(id))
             return browser.setCurrent(id);
@@ -172,15 +212,34 @@ void ComparePage::begin()
 }
 
 /// No photo stands beside itself: the way goes on behind it, or back where it is the last.
-void ComparePage::passOverLeft()
+void ComparePage::passOverStaying()
 {
     auto& browser = desktop_.browser();
     const auto& list = desktop_.store().list();
-    const auto from = right_->photo() ? list.shownPosition(*right_->photo()) : std::nullopt;
-    const int ahead = from > list.shownPosition(*left_->photo()) ? -1 : 1;
+    const auto from = steps_->photo() ? list.shownPosition(*steps_->photo()) : std::nullopt;
+    const int ahead = from > list.shownPosition(*stays_->photo()) ? -1 : 1;
     browser.step(ahead);
-    if (browser.current() == left_->photo())
+    if (browser.current() == stays_->photo())
         browser.step(-ahead);
+}
+
+void ComparePage::swapRoles()
+{
+    std::swap(stays_, steps_);
+    left_->view().setActive(steps_ == left_);
+    right_->view().setActive(steps_ == right_);
+}
+
+/// Commands act on the current photo: this one is that until its menu has gone.
+void ComparePage::showMenu(PhotoPane& pane, QPoint at)
+{
+    if (&pane != stays_)
+        return PhotoPage::showMenu(pane, at);
+    swapRoles();
+    PhotoPage::showMenu(pane, at);
+    swapRoles();
+    if (desktop_.browser().mode() == mode() && steps_->photo())
+        desktop_.browser().setCurrent(*steps_->photo());
 }
 
 /// A photo has left the list: two others stand beside each other, as long as there are two.
@@ -190,16 +249,16 @@ void ComparePage::listChanged()
     const auto isShown = [this](std::optional<PhotoID> photo) {
         return photo && desktop_.store().list().shownPosition(*photo);
     };
-    if (!isShown(left_->photo()))
-        left_->setPhoto(browser.current());
-    if (left_->photo() != browser.current())
+    if (!isShown(stays_->photo()))
+        stays_->setPhoto(browser.current());
+    if (stays_->photo() != browser.current())
         return;
     browser.step(1);
-    if (left_->photo() == browser.current())
+    if (stays_->photo() == browser.current())
         browser.step(-1);
 }
 
-SurveyPage::SurveyPage(Desktop& desktop, int viewer) : PhotoPage(desktop, ViewMode::survey), viewer_(viewer)
+SurveyPage::SurveyPage(MainWindow& window, int viewer) : PhotoPage(window, ViewMode::survey), viewer_(viewer)
 {
     setFocusPolicy(Qt::StrongFocus);
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
@@ -228,13 +287,14 @@ std::vector<PhotoPane*> SurveyPage::panes()
 void SurveyPage::addPane()
 {
     auto pane = std::make_unique<PhotoPane>(
-        desktop_, viewer_ + static_cast<int>(places_.size()), PhotoFeed::Neighbours::none);
+        window_, viewer_ + static_cast<int>(places_.size()), PhotoFeed::Neighbours::none);
     pane->setParent(this);
     pane->view().setClickZooms(false);
     auto clicked = pane->view().clicked.connect([this, shown = pane.get()] {
         if (shown->photo())
             desktop_.browser().setCurrent(*shown->photo());
     });
+    dress(*pane);
     places_.push_back({std::move(pane), std::move(clicked)});
 }
 

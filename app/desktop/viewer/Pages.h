@@ -10,7 +10,7 @@ namespace korvo {
 /// A photo with its line of marks below it.
 class PhotoPane : public QWidget {
 public:
-    PhotoPane(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours);
+    PhotoPane(MainWindow& window, int viewer, PhotoFeed::Neighbours neighbours);
 
     PhotoView& view() { return *view_; }
     const PhotoView& view() const { return *view_; }
@@ -31,26 +31,35 @@ private:
 /// What the centre shows in a mode that shows photos. Keys and the wheel go to other photos.
 class PhotoPage : public QWidget {
 public:
-    PhotoPage(Desktop& desktop, ViewMode mode);
+    PhotoPage(MainWindow& window, ViewMode mode);
 
     ViewMode mode() const { return mode_; }
     /// The one that commands act on; null when none is shown.
     virtual PhotoPane* active() = 0;
     virtual std::vector<PhotoPane*> panes() = 0;
     void setLook(Look look);
+    void setLoupe(Loupe loupe);
 
 protected:
+    /// Gives a new pane what the others have.
+    void dress(PhotoPane& pane);
     /// Brings the panes in line with the browser; those of a mode that is not on show nothing.
     virtual void follow(bool isOn) = 0;
     virtual void step(std::ptrdiff_t places) { desktop_.browser().step(places); }
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    /// A menu for the photo of a pane, on which its commands act.
+    virtual void showMenu(PhotoPane& pane, QPoint at);
     void start(); ///< at the end of each constructor
 
+    MainWindow& window_;
     Desktop& desktop_;
 
 private:
     ViewMode mode_;
+    Look look_ = Look::after;
+    Loupe loupe_ = Loupe::off;
     int wheel_ = 0; // what is left of a notch
     Connection browserChanged_;
 };
@@ -58,7 +67,7 @@ private:
 /// One photo, in the window or on the whole screen.
 class SinglePage : public PhotoPage {
 public:
-    SinglePage(Desktop& desktop, ViewMode mode, int viewer);
+    SinglePage(MainWindow& window, ViewMode mode, int viewer);
 
     PhotoPane* active() override { return pane_; }
     std::vector<PhotoPane*> panes() override { return {pane_}; }
@@ -69,30 +78,34 @@ private:
     PhotoPane* pane_;
 };
 
-/// Two photos beside each other at one zoom: the left one stays, the right one is the current one.
+/// Two photos beside each other at one zoom: the left one stays, the right one is the current one, but as
+/// long as the left one has its menu.
 class ComparePage : public PhotoPage {
 public:
-    ComparePage(Desktop& desktop, int viewer);
+    ComparePage(MainWindow& window, int viewer);
 
-    PhotoPane* active() override { return right_; }
+    PhotoPane* active() override { return steps_; }
     std::vector<PhotoPane*> panes() override { return {left_, right_}; }
 
 private:
     void follow(bool isOn) override;
+    void showMenu(PhotoPane& pane, QPoint at) override;
+    void swapRoles();
     void begin();
-    void passOverLeft();
+    void passOverStaying();
     void listChanged();
 
     PhotoPane *left_, *right_;
+    PhotoPane *stays_ = left_, *steps_ = right_;
     bool wasOn_ = false;
     Connection storeChanged_;
-    std::array<Connection, 3> zoomed_;
+    std::array<Connection, 4> followed_; // the views follow each other
 };
 
 /// The selected photos beside each other, as large as they can be.
 class SurveyPage : public PhotoPage {
 public:
-    SurveyPage(Desktop& desktop, int viewer);
+    SurveyPage(MainWindow& window, int viewer);
 
     PhotoPane* active() override;
     std::vector<PhotoPane*> panes() override;

@@ -2,6 +2,7 @@
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
+#include "app/desktop/photos/PhotoDrag.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -63,13 +64,47 @@ void PhotoView::setActive(bool active)
         update();
 }
 
-void PhotoView::setLoupe(bool shown)
+void PhotoView::setLoupe(Loupe loupe)
 {
-    loupe_ = shown;
-    pointer_ = mapFromGlobal(QCursor::pos());
-    setCursor(loupe_ ? Qt::BlankCursor : Qt::ArrowCursor);
+    loupe_ = loupe;
+    setCursor(loupe_ == Loupe::on ? Qt::BlankCursor : Qt::ArrowCursor);
     updateDetail();
+    point(mapFromGlobal(QCursor::pos()));
+}
+
+void PhotoView::followLoupe(std::optional<QPointF> place)
+{
+    followed_ = place;
     update();
+}
+
+void PhotoView::point(QPointF at)
+{
+    pointer_ = at;
+    if (loupe_ == Loupe::off)
+        return;
+    update();
+    const QSize full = feed_.screen().full;
+    if (full.isEmpty() || !rect().contains(at.toPoint()))
+        return pointed.emit({});
+    const auto device = devicePoint(at);
+    const auto origin = zoom_.origin();
+    pointed.emit(QPointF((device.x - origin.x) / (full.width() * zoom_.scale()),
+        (device.y - origin.y) / (full.height() * zoom_.scale())));
+}
+
+std::optional<QPointF> PhotoView::loupePoint() const
+{
+    if (loupe_ == Loupe::off)
+        return std::nullopt;
+    if (rect().contains(pointer_.toPoint()))
+        return pointer_;
+    if (!followed_)
+        return std::nullopt;
+    const auto origin = zoom_.origin();
+    const QSizeF photo = QSizeF(feed_.screen().full) * zoom_.scale();
+    return QPointF(origin.x + followed_->x() * photo.width(), origin.y + followed_->y() * photo.height())
+        / devicePixelRatioF();
 }
 
 ViewPoint PhotoView::devicePoint(const QPointF& point) const
@@ -100,7 +135,7 @@ void PhotoView::zoomChanged()
 
 void PhotoView::updateDetail()
 {
-    feed_.setDetail(zoom_.isFit() && !loupe_ ? ViewDetail::screen : ViewDetail::full);
+    feed_.setDetail(zoom_.isFit() && loupe_ == Loupe::off ? ViewDetail::screen : ViewDetail::full);
 }
 
 void PhotoView::feedChanged()
@@ -144,8 +179,8 @@ void PhotoView::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), backdrop_);
     paintPhoto(painter);
-    if (loupe_ && rect().contains(pointer_.toPoint()))
-        paintLoupe(painter);
+    if (const auto middle = loupePoint())
+        paintLoupe(painter, *middle);
     if (!feed_.item())
         paintMessage(painter, "No photo is shown.");
     else if (!feed_.fault().isEmpty())
@@ -184,7 +219,7 @@ void PhotoView::paintPhoto(QPainter& painter)
     painter.restore();
 }
 
-void PhotoView::paintLoupe(QPainter& painter)
+void PhotoView::paintLoupe(QPainter& painter, QPointF middle)
 {
     const QSize full = feed_.screen().full;
     const QImage& image = feed_.full().image.isNull() ? feed_.screen().image : feed_.full().image;
@@ -192,14 +227,13 @@ void PhotoView::paintLoupe(QPainter& painter)
         return;
     const double ratio = devicePixelRatioF();
     const auto origin = zoom_.origin();
-    const auto at = devicePoint(pointer_);
-    // The place of the photo under the pointer, in the image's pixels.
+    const auto at = devicePoint(middle);
+    // The place of the photo under it, in the image's pixels.
     const double across = double(image.width()) / full.width();
     const double x = (at.x - origin.x) / zoom_.scale() * across,
                  y = (at.y - origin.y) / zoom_.scale() * across;
     const double side = loupeWidth * ratio * across * (zoom_.scale() < 1 ? 1 : 0.5 / zoom_.scale());
-    const QRectF glass(
-        pointer_.x() - loupeWidth / 2.0, pointer_.y() - loupeWidth / 2.0, loupeWidth, loupeWidth);
+    const QRectF glass(middle.x() - loupeWidth / 2.0, middle.y() - loupeWidth / 2.0, loupeWidth, loupeWidth);
     QPainterPath round;
     round.addEllipse(glass);
     painter.save();
@@ -243,16 +277,17 @@ void PhotoView::mousePressEvent(QMouseEvent* event)
 
 void PhotoView::mouseMoveEvent(QMouseEvent* event)
 {
-    pointer_ = event->position();
-    if (loupe_)
-        update();
+    point(event->position());
     if (!event->buttons().testFlag(Qt::LeftButton))
         return;
     if (!isDragging_ && (event->position() - pressed_).manhattanLength() < QApplication::startDragDistance())
         return;
-    isDragging_ = true;
-    if (zoom_.isFit())
+    const bool begins = !std::exchange(isDragging_, true);
+    if (zoom_.isFit()) {
+        if (begins && loupe_ == Loupe::off)
+            dragOut();
         return;
+    }
     setCursor(Qt::ClosedHandCursor);
     const auto way = event->position() - dragged_;
     dragged_ = event->position();
@@ -260,12 +295,19 @@ void PhotoView::mouseMoveEvent(QMouseEvent* event)
     zoomChanged();
 }
 
+void PhotoView::dragOut()
+{
+    if (const auto* const item = feed_.item())
+        dragPhotos(*this, {&item, 1},
+            QPixmap::fromImage(feed_.screen().image.scaled(200, 200, Qt::KeepAspectRatio)));
+}
+
 void PhotoView::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    setCursor(loupe_ ? Qt::BlankCursor : Qt::ArrowCursor);
-    if (isDragging_ || !clickZooms_ || loupe_)
+    setCursor(loupe_ == Loupe::on ? Qt::BlankCursor : Qt::ArrowCursor);
+    if (isDragging_ || !clickZooms_ || loupe_ == Loupe::on)
         return;
     zoom_.toggle(devicePoint(event->position()));
     zoomChanged();
@@ -273,9 +315,7 @@ void PhotoView::mouseReleaseEvent(QMouseEvent* event)
 
 void PhotoView::leaveEvent(QEvent*)
 {
-    pointer_ = {-1, -1};
-    if (loupe_)
-        update();
+    point({-1, -1});
 }
 
 void PhotoView::wheelEvent(QWheelEvent* event)

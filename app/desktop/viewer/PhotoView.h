@@ -7,8 +7,10 @@
 
 namespace korvo {
 
-/// Shows one photo: as a whole, or at 100 % and more, where it can be dragged about. Below it, what there is
-/// to say of the picture.
+enum class Loupe { off, on };
+
+/// Shows one photo: as a whole, when it can be dragged elsewhere, or at 100 % and more, where it can be
+/// dragged about. Below it, what there is to say of the picture.
 class PhotoView : public QWidget {
 public:
     PhotoView(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours);
@@ -18,6 +20,8 @@ public:
 
     Signal<> zoomed; ///< the user has zoomed or panned
     Signal<> clicked; ///< pressed with the mouse, whatever follows
+    /// The loupe is over a place of the photo, in fractions of its sides, or over none.
+    Signal<std::optional<QPointF>> pointed;
     Signal<const HistogramData&> drawn; ///< a picture of the photo with its edits is on screen
 
     void setPhoto(std::optional<PhotoID> photo);
@@ -26,8 +30,11 @@ public:
     /// Takes the zoom of another view, whose photo may have another size.
     void followZoom(const ViewZoom& zoom);
     void setLook(Look look);
-    void setLoupe(bool shown);
-    bool hasLoupe() const { return loupe_; }
+    void setLoupe(Loupe loupe);
+    /// Shows the loupe over the same place as another view does, while the pointer is not in this one.
+    void followLoupe(std::optional<QPointF> place);
+    /// Where the loupe's middle is; nothing while there is none.
+    std::optional<QPointF> loupePoint() const;
     /// A frame that marks the one of several that keys act on.
     void setActive(bool active);
     /// In survey, a click chooses the photo instead of zooming.
@@ -49,15 +56,18 @@ private:
     void zoomChanged();
     void measure();
     void updateDetail();
+    void dragOut();
     ViewPoint devicePoint(const QPointF& point) const;
     void paintPhoto(QPainter& painter);
-    void paintLoupe(QPainter& painter);
+    void paintLoupe(QPainter& painter, QPointF middle);
+    void point(QPointF at);
     void paintMessage(QPainter& painter, const QString& text);
 
     Desktop& desktop_;
     PhotoFeed feed_;
     ViewZoom zoom_;
-    bool loupe_ = false;
+    Loupe loupe_ = Loupe::off;
+    std::optional<QPointF> followed_; // another view's loupe, in fractions of the photo
     bool active_ = false;
     bool clickZooms_ = true;
     Look look_ = Look::after;

@@ -190,21 +190,12 @@ void MainWindow::showPhotoMenu(QPoint at)
 {
     if (desktop_.browser().targets().empty())
         return;
-    QMenu menu(this);
+    QMenu menu(QApplication::activeWindow()); // this one, or that of the full-screen photo
     commands_.fillMenu(menu, CommandMenu::photo);
     menu.addSeparator();
     for (const auto command : {Command::copyAdjustments, Command::pasteAdjustments, Command::exportPhotos,
              Command::remove, Command::removeFromLibrary})
         menu.addAction(commands_.action(command));
-    menu.exec(at);
-}
-
-void MainWindow::showLabelMenu(QPoint at)
-{
-    QMenu menu(this);
-    for (const auto& info : commandTable())
-        if (info.submenu && info.text && QString("Label") == info.submenu)
-            menu.addAction(commands_.action(info.id));
     menu.exec(at);
 }
 

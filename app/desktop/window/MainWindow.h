@@ -45,9 +45,8 @@ public:
     /// Takes dropped files and folders into the library.
     void addDropped(const QMimeData& dropped);
 
-    // Menus at a place of the screen, for the photos that commands act on.
+    /// A menu at a place of the screen, for the photos that commands act on. Returns when it has gone.
     void showPhotoMenu(QPoint at);
-    void showLabelMenu(QPoint at);
 
     /// The widget the centre shows now, for the focus.
     QWidget* centre() const;

@@ -1,14 +1,32 @@
-#include "app/Marking.h"
+#include "app/desktop/window/MarkCommands.h"
+
+#include "app/desktop/photos/Marks.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/Parts.h"
 #include "base/Text.h"
 #include "catalog/store/LibraryActions.h"
+
+#include <QApplication>
+#include <QMenu>
 
 namespace korvo {
 
 namespace {
 
 using Ids = std::span<const PhotoID>;
+
+constexpr std::pair<Command, PhotoLabel> labels[]
+    = {{Command::labelRed, PhotoLabel::red}, {Command::labelOrange, PhotoLabel::orange},
+        {Command::labelYellow, PhotoLabel::yellow}, {Command::labelGreen, PhotoLabel::green},
+        {Command::labelBlue, PhotoLabel::blue}, {Command::labelPurple, PhotoLabel::purple},
+        {Command::labelGray, PhotoLabel::gray}, {Command::labelNone, PhotoLabel::none}};
+
+/// Says what was done to many photos, and offers to take it back.
+void tellOfMany(Desktop& desktop, const std::string& done, std::size_t photos)
+{
+    if (photos > photosBeforeUndoIsOffered)
+        desktop.say(done + ": " + counted(photos, "photo") + ".", Offer::undo);
+}
 
 /// Marks what the command acts on, goes on to the next photo when that is asked for, and offers to take back
 /// what changed many photos. `act` returns the name of what was done.
@@ -21,8 +39,7 @@ void markTargets(MainWindow& window, const std::function<std::string(LibraryStor
         if (const auto after = desktop.browser().after(ids))
             next = {*after};
     const auto done = act(desktop.store(), ids);
-    if (ids.size() > photosBeforeUndoIsOffered)
-        desktop.say(done + ": " + counted(ids.size(), "photo") + ".", Offer::undo);
+    tellOfMany(desktop, done, ids.size());
     if (next.empty())
         return;
     if (desktop.browser().mode() == ViewMode::grid)
@@ -49,6 +66,7 @@ void addRating(MainWindow& window, Command command, int rating)
 
 void addLabel(MainWindow& window, Command command, PhotoLabel label)
 {
+    window.commands().action(command)->setIcon(labelIcon(label));
     window.commands().handle(command, [&window, label] {
         markTargets(window, [label](LibraryStore& store, Ids ids) {
             setLabel(store, ids, label);
@@ -57,7 +75,33 @@ void addLabel(MainWindow& window, Command command, PhotoLabel label)
     });
 }
 
+/// What is chosen may take a photo out of what is shown, and the widget that was clicked with it.
+void offerLabels(MainWindow& window, const std::vector<PhotoID>& ids, QPoint at)
+{
+    auto* const menu = new QMenu(QApplication::activeWindow());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const auto& [command, label] : labels) {
+        const auto* const action = window.commands().action(command);
+        const auto text = action->text() + "\t" + action->shortcut().toString(QKeySequence::NativeText);
+        menu->addAction(action->icon(), text, [&window, command, label, ids] {
+            window.commands().run(command, [&window, label, &ids] {
+                setLabel(window.desktop().store(), ids, label);
+                tellOfMany(window.desktop(), "Set Label", ids.size());
+            });
+        });
+    }
+    menu->popup(at);
+}
+
 } // namespace
+
+void clickOnMark(MainWindow& window, const std::vector<PhotoID>& ids, const MarkPart& part, QPoint at)
+{
+    if (part.kind == MarkPart::Kind::label)
+        return offerLabels(window, ids, at);
+    auto& desktop = window.desktop();
+    desktop.attempt([&] { tellOfMany(desktop, clickMark(desktop.store(), ids, part), ids.size()); });
+}
 
 void addMarking(MainWindow& window)
 {
@@ -67,11 +111,7 @@ void addMarking(MainWindow& window)
              {Command::clearMarks, Mark::clear}, {Command::toggleFlag, Mark::toggleFlag},
              {Command::rateUp, Mark::oneStarMore}, {Command::rateDown, Mark::oneStarLess}})
         addMark(window, command, mark);
-    for (const auto& [command, label] :
-        {std::pair{Command::labelRed, PhotoLabel::red}, {Command::labelOrange, PhotoLabel::orange},
-            {Command::labelYellow, PhotoLabel::yellow}, {Command::labelGreen, PhotoLabel::green},
-            {Command::labelBlue, PhotoLabel::blue}, {Command::labelPurple, PhotoLabel::purple},
-            {Command::labelGray, PhotoLabel::gray}, {Command::labelNone, PhotoLabel::none}})
+    for (const auto& [command, label] : labels)
         addLabel(window, command, label);
 }
 

@@ -3,6 +3,7 @@
 #include "app/desktop/Theme.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/photos/Glyphs.h"
+#include "app/desktop/photos/Marks.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/Parts.h"
 
@@ -26,21 +27,6 @@ QIcon icon(const QPainterPath& glyph, const QColor& color, const QSize& size)
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(glyph, color);
-    return picture;
-}
-
-QIcon labelIcon(PhotoLabel label)
-{
-    QPixmap picture(32, 32);
-    picture.setDevicePixelRatio(2);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(labelColor(label));
-    painter.setPen(Qt::NoPen);
-    painter.drawRoundedRect(QRectF(1, 1, 14, 14), 3, 3);
-    painter.setPen(Qt::black);
-    painter.drawText(QRectF(1, 1, 14, 14), Qt::AlignCenter, qt(name(label)).left(1));
     return picture;
 }
 

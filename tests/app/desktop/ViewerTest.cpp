@@ -1,12 +1,16 @@
+#include "app/Marking.h"
 #include "app/SearchFilter.h"
 #include "app/desktop/adjust/AdjustPanel.h"
+#include "app/desktop/grid/GridView.h"
 #include "app/desktop/sheets/ExportSheet.h"
+#include "app/desktop/viewer/Filmstrip.h"
 #include "app/desktop/viewer/MarksBar.h"
 #include "app/desktop/viewer/Pages.h"
 #include "catalog/store/LibraryActions.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QLineEdit>
 #include <QMenu>
@@ -173,6 +177,38 @@ TEST(Viewer, keysStepAndActOnThePhotoShownAlone)
     EXPECT_EQ(t.store().selection(), photos);
 }
 
+TEST(Viewer, theLoupeIsOverTheSamePlaceOfBothPhotosAndGoesWithThem)
+{
+    PhotoWindow t;
+    t.add("a.png", 50, 600, 400);
+    t.add("b.png", 150, 300, 200);
+    auto& loupe = *t.window->commands().action(Command::loupe);
+    EXPECT_FALSE(loupe.isEnabled());
+    t.store().select({1});
+    t.open(ViewMode::compare);
+    const auto panes = dynamic_cast<ComparePage&>(*t.window->centre()).panes();
+    PhotoView &left = panes.front()->view(), &right = panes.back()->view();
+    for (PhotoView* const view : {&left, &right})
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !view->feed().screen().full.isEmpty(); }, wait));
+    t.press(Qt::Key_QuoteLeft);
+    EXPECT_TRUE(loupe.isChecked());
+    const QPointF middle = left.rect().center() + QPointF(0.5, 0.5);
+    for (const QPointF off : {QPointF(), QPointF(60, 40)}) {
+        const QPointF at = middle + off;
+        QMouseEvent move(
+            QEvent::MouseMove, at, left.mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&left, &move);
+        const auto there = right.loupePoint();
+        ASSERT_TRUE(there);
+        const double smaller = 0.5 * right.zoom().scale() / left.zoom().scale(); // in points
+        const QPointF expected = right.rect().center() + QPointF(0.5, 0.5) + off * smaller;
+        EXPECT_LT((*there - expected).manhattanLength(), 3) << off.x();
+    }
+    t.press(Qt::Key_G);
+    EXPECT_FALSE(loupe.isEnabled() || loupe.isChecked());
+    EXPECT_FALSE(left.loupePoint());
+}
+
 TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
 {
     PhotoWindow t;
@@ -213,6 +249,62 @@ TEST(Viewer, theFullScreenPhotoTellsOfErrorsAndOffersUndo)
     EXPECT_EQ(t.desktop->browser().mode(), ViewMode::fullScreen);
     t.window->activateWindow(); // as a second start does
     EXPECT_TRUE(QTest::qWaitFor([&] { return t.desktop->browser().mode() == ViewMode::viewer; }));
+}
+
+TEST(Viewer, theMenuOfAPhotoActsOnIt)
+{
+    TestWindow t(3);
+    t.store().select({1});
+    t.desktop->browser().setMode(ViewMode::compare);
+    EXPECT_EQ(t.desktop->browser().current(), 2);
+    const auto chooseFlag = [&](PhotoView& on) {
+        QTimer::singleShot(0, [&] {
+            auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_TRUE(menu);
+            menu->setActiveAction(t.window->commands().action(Command::toggleFlag));
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        const QPoint middle = on.rect().center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, middle, on.mapToGlobal(middle));
+        QApplication::sendEvent(&on, &event);
+    };
+    for (auto* const pane : dynamic_cast<ComparePage&>(*t.window->centre()).panes())
+        chooseFlag(pane->view());
+    EXPECT_TRUE(t.listed(1).flagged && t.listed(2).flagged && !t.listed(3).flagged);
+    EXPECT_EQ(t.desktop->browser().current(), 2);
+}
+
+TEST(Viewer, marksCanBeClickedWhereverTheyAre)
+{
+    TestWindow t(2);
+    t.store().arrange({}, std::nullopt); // rejected photos stay in sight
+    const auto clickedCross = [&](QWidget* on, QPoint at) {
+        setMark(t.store(), ids({1}), Mark::reject);
+        QTest::mouseClick(on, Qt::LeftButton, {}, at);
+        return std::pair(t.listed(1).rating, t.listed(1).flagged);
+    };
+    constexpr auto neither = std::pair(0, false);
+    auto* const grid = gridOf(*t.window);
+    const CellGeometry geometry(grid->thumbnailSize(), grid->font());
+    const GridLayout layout{grid->viewport()->width(), geometry.cell(), 2};
+    EXPECT_EQ(
+        clickedCross(grid->viewport(), geometry.marks(layout.rect(0).topLeft()).flag.center()), neither);
+    t.store().select({1});
+    t.desktop->browser().setMode(ViewMode::viewer);
+    for (auto* const widget : t.window->findChildren<QWidget*>()) {
+        if (!widget->isVisible())
+            continue;
+        if (auto* const bar = dynamic_cast<MarksBar*>(widget)) {
+            const int side = bar->fontMetrics().height();
+            const auto line = marksInRow({10, 0, bar->width(), bar->height()}, side);
+            EXPECT_EQ(clickedCross(bar, line.flag.center()), neither);
+        } else if (auto* const strip = dynamic_cast<Filmstrip*>(widget)) {
+            EXPECT_EQ(clickedCross(strip->viewport(), {80, 95}), neither);
+            QTest::mouseClick(strip->viewport(), Qt::LeftButton, {}, {92 + 10, 95}); // of the second one
+            EXPECT_EQ(t.listed(2).rating, 1);
+        }
+    }
+    EXPECT_EQ(t.desktop->browser().current(), 1) << "the photo shown stays";
 }
 
 TEST(Viewer, aLabelChosenBelowAPhotoMayTakeItOutOfTheSurvey)
