@@ -29,7 +29,10 @@ void Browser::setMode(ViewMode mode)
         return;
     if (!current_ && mode != ViewMode::grid)
         setCurrent(shownAt(store_.list(), 0));
+    if (mode == ViewMode::survey)
+        setCurrent(*current_); // it may be a cursor that selects nothing
     mode_ = mode;
+    keepSurvey();
     changed.emit();
 }
 
@@ -76,6 +79,30 @@ std::optional<PhotoID> Browser::after(std::span<const PhotoID> ids) const
         return behindLast(surveyed(store_), std::identity());
     const auto& list = store_.list();
     return behindLast(list.shown(), [&](std::uint32_t position) { return list.items()[position].id; });
+}
+
+std::size_t Browser::undo()
+{
+    if (mode_ != ViewMode::survey)
+        return store_.undo();
+    auto together = store_.selection();
+    std::vector<PhotoID> touched;
+    const auto connection = store_.changed.connect([&](const LibraryChange& change) {
+        touched.insert(touched.end(), change.photos.begin(), change.photos.end());
+    });
+    const auto takenOut = store_.undo();
+    const auto& cameBack = touched.empty() ? store_.selection() : touched;
+    together.insert(together.end(), cameBack.begin(), cameBack.end());
+    selectShown(std::move(together));
+    return takenOut;
+}
+
+void Browser::redo()
+{
+    const auto together = store_.selection();
+    store_.redo();
+    if (mode_ == ViewMode::survey)
+        selectShown(together);
 }
 
 bool Browser::listsVersions() const
@@ -150,6 +177,7 @@ void Browser::storeChanged(const LibraryChange& change)
         return; // another source's photos are about to come
     const auto before = std::pair(current_, mode_);
     keepCurrent();
+    keepSurvey();
     if (store_.list().shown().empty())
         mode_ = ViewMode::grid;
     if (before != std::pair(current_, mode_))
@@ -172,6 +200,18 @@ void Browser::keepCurrent()
         return setCurrent(inPlaceOfCurrent());
     current_ = selected.empty() ? std::nullopt : std::optional(selected.front());
     place_ = place().value_or(0);
+}
+
+/// What is surveyed is part of the selection, which the current photo may be in without being shown.
+void Browser::keepSurvey()
+{
+    if (mode_ != ViewMode::survey)
+        return;
+    const auto photos = surveyed(store_);
+    if (photos.empty())
+        mode_ = ViewMode::grid;
+    else if (std::ranges::find(photos, current_) == photos.end())
+        setCurrent(photos.front());
 }
 
 /// What is to be looked at after the current photo has left the list. A survey goes on with those that

@@ -19,7 +19,8 @@ public:
     Signal<> changed;
 
     ViewMode mode() const { return mode_; }
-    /// Does nothing for a mode other than the grid while no photo is shown.
+    /// Does nothing for a mode other than the grid while no photo is shown. In the survey the current photo
+    /// is one of those that are surveyed; without any the grid comes back.
     void setMode(ViewMode mode);
 
     /// Nothing only when no photo is shown, or when none was chosen yet.
@@ -34,6 +35,11 @@ public:
     /// The photo to go on to after these: the one behind the last of them that is shown, in the survey among
     /// those that are surveyed.
     std::optional<PhotoID> after(std::span<const PhotoID> ids) const;
+
+    /// The store's undo, which selects what it touched. A survey keeps what it shows, and takes that along.
+    std::size_t undo();
+    /// The store's redo. A survey keeps what it shows.
+    void redo();
 
     /// Lists a photo, or a version, with all versions of it, and makes it the selected one.
     void showVersions(PhotoID photo);
@@ -50,6 +56,7 @@ private:
     void storeChanged(const LibraryChange& change);
     std::optional<std::size_t> place() const;
     void keepCurrent();
+    void keepSurvey();
     PhotoID inPlaceOfCurrent() const;
 
     LibraryStore& store_;

@@ -80,7 +80,7 @@ Catalog& Context::library()
 {
     if (!library_) {
         const auto folder = libraryFolder();
-        if (!holdsCatalog(folder))
+        if (!std::filesystem::exists(folder / "catalog.sqlite"))
             throw std::runtime_error(
                 "no library in " + folder.string() + ": make one with \"korvo create DIR\"");
         library_ = openLibrary(folder, clock_, defaults_);
@@ -91,7 +91,7 @@ Catalog& Context::library()
 Catalog* Context::libraryIfAny()
 {
     const auto folder = chosenFolder();
-    return folder && holdsCatalog(*folder) ? &library() : nullptr;
+    return folder && std::filesystem::exists(*folder / "catalog.sqlite") ? &library() : nullptr;
 }
 
 std::optional<LibrarySource> Context::existingSource(const std::string& text)

@@ -58,9 +58,10 @@ public:
     /// The folder of the library in use: the option's, $KORVO_LIBRARY's or the last one. Throws
     /// std::runtime_error when there is none.
     std::filesystem::path libraryFolder() const;
-    /// The library in use, opened at the first call; never made. Throws also DatabaseError.
+    /// The library in use, opened at the first call; never made. Throws also DatabaseError, and
+    /// std::filesystem::filesystem_error for a folder that cannot be looked into.
     Catalog& library();
-    /// The same, or null when there is none. Throws DatabaseError.
+    /// The same, or null when there is none.
     Catalog* libraryIfAny();
 
     /// The photos of the arguments, each once, in their order. Ids that the library does not hold are

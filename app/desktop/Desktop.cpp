@@ -39,7 +39,7 @@ void Desktop::say(std::string text, Offer offer)
 
 void Desktop::undo()
 {
-    if (const auto photos = store().undo(); photos > 0)
+    if (const auto photos = browser_.undo(); photos > 0)
         noticed.emit({Notice::Kind::note,
             "Took " + counted(photos, "photo") + " out of the library. "
                 + (photos == 1 ? "Its file stays." : "Their files stay."),

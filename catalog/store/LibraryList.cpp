@@ -15,6 +15,17 @@ constexpr std::size_t fewPhotos = 20'000; // to be put in order, or freed, at on
 
 } // namespace
 
+void LibraryStore::giveUp(std::unique_ptr<ListReading> reading)
+{
+    try {
+        reading->leaveTo(left_);
+    } catch (
+        ...) { // no thread could be begun to end it; the list is read when others' changes are looked for
+        dataVersion_ = -1;
+        throw;
+    }
+}
+
 LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
 {
     auto reading = std::make_unique<ListReading>(
@@ -22,9 +33,8 @@ LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
     std::optional<ReadList> read;
     if (reading->waitFor(patience_))
         read = reading->take();
-    if (const auto givenUp
-        = std::exchange(reading_, nullptr)) // which nothing may wait for, should this throw
-        givenUp->leaveTo(left_);
+    if (reading_)
+        giveUp(std::exchange(reading_, nullptr));
     reading_ = read ? nullptr : std::move(reading);
     if (source != source_) {
         source_ = std::move(source);

@@ -117,6 +117,8 @@ private:
     /// Reads all photos of a source and makes it the current one. Throws, with nothing changed, when it
     /// cannot be read and that shows in time.
     Shown load(std::optional<LibrarySource> source);
+    /// Ends a reading that nobody waits for any more.
+    void giveUp(std::unique_ptr<ListReading> reading);
     /// What was waited for is there.
     void listArrived();
     /// `since` may be missing in what was read.

@@ -107,6 +107,41 @@ TEST(Browser, aSurveyGoesOnWithThePhotosThatRemain)
     EXPECT_EQ(t.store->selection(), IDs{1});
 }
 
+TEST(Browser, aSurveyKeepsItsPhotosThroughUndoAndRedo)
+{
+    TestBrowser t;
+    setFlagged(*t.store, only(2), true);
+    t.store->select({1, 3, 5});
+    t.browser->setCurrent(3);
+    t.browser->setMode(ViewMode::survey);
+    setRating(*t.store, only(3), rejectedRating);
+    t.browser->undo();
+    EXPECT_EQ(t.store->selection(), (IDs{1, 5, 3}));
+    EXPECT_EQ(t.browser->current(), 3);
+    t.browser->redo();
+    EXPECT_EQ(t.store->selection(), (IDs{1, 5}));
+    setRating(*t.store, only(5), 4);
+    t.browser->undo();
+    EXPECT_EQ(t.store->selection(), (IDs{1, 5})) << "nothing had left it";
+    t.browser->undo();
+    t.browser->undo();
+    EXPECT_EQ(t.store->selection(), (IDs{1, 5, 3, 2})) << "what is taken back is shown";
+}
+
+TEST(Browser, inASurveyTheCurrentPhotoIsOneThatIsShown)
+{
+    TestBrowser t;
+    t.store->select({1, 3, 5});
+    t.browser->setMode(ViewMode::survey);
+    t.store->select({2, 4});
+    EXPECT_EQ(t.browser->current(), 2);
+    t.store->select({});
+    EXPECT_EQ(t.browser->mode(), ViewMode::grid);
+    t.browser->setMode(ViewMode::survey);
+    EXPECT_EQ(t.browser->mode(), ViewMode::survey);
+    EXPECT_EQ(t.store->selection().size(), 1U) << "the one under the cursor";
+}
+
 TEST(Browser, returnsToTheGridWhenNoPhotoIsLeft)
 {
     TestBrowser t;

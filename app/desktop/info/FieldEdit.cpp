@@ -1,5 +1,7 @@
 #include "app/desktop/info/FieldEdit.h"
 
+#include "app/desktop/photos/PhotoDrag.h"
+
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QScrollBar>
@@ -114,11 +116,13 @@ void FieldEdit::changeEvent(QEvent* event)
 /// Photos and folders have names, but are not meant as text: the window takes them.
 bool FieldEdit::canInsertFromMimeData(const QMimeData* source) const
 {
-    return source->hasText() && !source->hasUrls();
+    return source->hasText() && !holdsFiles(*source);
 }
 
 void FieldEdit::insertFromMimeData(const QMimeData* source)
 {
+    if (!canInsertFromMimeData(source)) // which pasting does not ask
+        return;
     auto text = source->text();
     if (lines_ == Lines::one)
         text = text.simplified();

@@ -206,7 +206,7 @@ void InfoPanel::showFacts()
 
 InfoPanel::Looked InfoPanel::lookAt(Catalog& catalog, const Wanted& wanted)
 {
-    Looked looked{.facts = fileFacts(wanted.file), .versions = {}};
+    Looked looked;
     try {
         looked.versions = versionsOf(catalog, wanted.photo);
         const auto record = catalog.fileRecord(catalog.masterOf(wanted.photo));
@@ -238,9 +238,13 @@ void InfoPanel::lookInBackground()
     lookTask_ = runInBackground(
         desktop_.mainThread(), [this, &catalog, wanted = wanted_](const Task::Context& context) {
             context.deliver([this, wanted, looked = lookAt(catalog, wanted)] {
-                isLooking_ = false;
                 if (wanted == wanted_)
                     show(looked);
+            });
+            context.deliver([this, wanted, facts = fileFacts(wanted.file)] { // a disk may take its time
+                isLooking_ = false;
+                if (wanted == wanted_)
+                    showFile(facts);
                 if (lookAgain_)
                     look();
             });
@@ -249,7 +253,6 @@ void InfoPanel::lookInBackground()
 
 void InfoPanel::show(const Looked& looked)
 {
-    showFile(looked.facts);
     versions_->setVersions(wanted_.photo, looked.versions);
     hasBackup_ = looked.hasBackup;
     showWriteBack();

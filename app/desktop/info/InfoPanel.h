@@ -45,7 +45,6 @@ private:
         bool operator==(const Wanted&) const = default;
     };
     struct Looked {
-        FileFacts facts;
         std::vector<PhotoItem> versions;
         bool hasBackup = false; // of what the file held when it was found: it was written since
     };
@@ -80,8 +79,8 @@ private:
     Reading reading_;
     VersionList* versions_;
     Wanted wanted_;
-    bool hasBackup_
-        = false; // the only photo, or, until it was looked at, the one before: fields must not jump
+    /// The only photo, or, until the catalog was asked, the one before: fields must not jump.
+    bool hasBackup_ = false;
     bool isLooking_ = false;
     bool lookAgain_ = false; // what is being looked at may have changed
     QTimer loading_;

@@ -11,6 +11,8 @@
 #include <QUrl>
 #include <QUuid>
 
+#include <algorithm>
+
 namespace korvo {
 
 namespace {
@@ -94,6 +96,11 @@ std::vector<PhotoID> draggedPhotos(const QMimeData& data)
         ids.push_back(id);
     }
     return ids;
+}
+
+bool holdsFiles(const QMimeData& data)
+{
+    return std::ranges::any_of(data.urls(), [](const QUrl& url) { return url.isLocalFile(); });
 }
 
 } // namespace korvo

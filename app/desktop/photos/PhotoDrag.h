@@ -21,4 +21,7 @@ QMimeData* dragData(std::span<const PhotoItem* const> items);
 /// The photos of this library that are being dragged; none for anything else.
 std::vector<PhotoID> draggedPhotos(const QMimeData& data);
 
+/// Whether files or folders of this computer are dragged or pasted; links into the web are none.
+bool holdsFiles(const QMimeData& data);
+
 } // namespace korvo

@@ -23,6 +23,7 @@ PatternField::PatternField(const Defaults& defaults, std::function<void()> editP
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(edit_, 1);
     layout->addWidget(button);
+    setFocusPolicy(Qt::StrongFocus); // or a label's key would pass it over
     setFocusProxy(edit_);
     connect(presets_, &QMenu::aboutToShow, this, [this] { fill(); });
 }

@@ -2,6 +2,7 @@
 
 #include "app/Survey.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QVBoxLayout>
@@ -303,8 +304,11 @@ void SurveyPage::follow(bool isOn)
     const auto photos = isOn ? surveyed(desktop_.store()) : std::vector<PhotoID>();
     while (places_.size() < photos.size())
         addPane();
-    while (places_.size() > photos.size())
+    while (places_.size() > photos.size()) {
+        if (places_.back().pane->isAncestorOf(QApplication::focusWidget()))
+            setFocus(); // or the keys would go nowhere
         places_.pop_back();
+    }
     arrange();
     for (std::size_t i = 0; i < photos.size(); ++i) {
         places_[i].pane->setPhoto(photos[i]);

@@ -128,7 +128,7 @@ void MainWindow::addDropped(const QMimeData& dropped)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (event->mimeData()->hasUrls() && draggedPhotos(*event->mimeData()).empty())
+    if (holdsFiles(*event->mimeData()) && draggedPhotos(*event->mimeData()).empty())
         event->acceptProposedAction();
 }
 
@@ -236,7 +236,7 @@ void MainWindow::makeCommands()
     commands_.handle(Command::nextPhoto, [&browser] { browser.step(1); });
     commands_.handle(Command::previousPhoto, [&browser] { browser.step(-1); });
     commands_.handle(Command::undo, [this] { desktop_.undo(); });
-    commands_.handle(Command::redo, [this] { desktop_.store().redo(); });
+    commands_.handle(Command::redo, [this] { desktop_.browser().redo(); });
     commands_.handle(Command::quit, [this] { close(); });
     commands_.handle(Command::hideSides, [this] { toggleSides(); });
     commands_.handle(Command::sidebar, [this] { toggle(Command::sidebar, sidebar_); });

@@ -42,9 +42,11 @@ void markTargets(MainWindow& window, const std::function<std::string(LibraryStor
     tellOfMany(desktop, done, ids.size());
     if (next.empty())
         return;
-    if (desktop.browser().mode() == ViewMode::grid)
+    const bool isGrid = desktop.browser().mode() == ViewMode::grid;
+    if (isGrid)
         desktop.store().select(next);
-    desktop.browser().setCurrent(next.front());
+    if (isGrid || desktop.browser().current() == ids.front()) // one that left was gone on from already
+        desktop.browser().setCurrent(next.front());
 }
 
 void addMark(MainWindow& window, Command command, Mark mark)

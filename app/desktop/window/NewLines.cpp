@@ -18,11 +18,11 @@ void newProject(MainWindow& window, std::optional<std::int64_t> parent)
 
 void newAlbum(MainWindow& window, std::optional<std::int64_t> project)
 {
+    auto& desktop = window.desktop();
+    const auto photos = desktop.browser().targets(); // those of now: the library goes on while one types
     const auto name = askName(window, "New Album");
     if (!name)
         return;
-    auto& desktop = window.desktop();
-    const auto photos = desktop.browser().targets();
     desktop.store().perform("New Album", [&](Catalog& catalog) {
         const auto album = catalog.createAlbum(*name, project);
         catalog.addToAlbum(album, photos);

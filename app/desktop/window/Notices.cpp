@@ -80,7 +80,7 @@ void Notices::takeOffer()
     pass();
     desktop_.attempt([&] {
         if (isRedo)
-            desktop_.store().redo();
+            desktop_.browser().redo();
         else
             desktop_.undo();
     });

@@ -209,6 +209,36 @@ TEST(Viewer, theLoupeIsOverTheSamePlaceOfBothPhotosAndGoesWithThem)
     EXPECT_FALSE(left.loupePoint());
 }
 
+TEST(Viewer, compareGoesOnBehindThePhotoThatAMarkTookAway)
+{
+    for (const auto keys : {Qt::NoModifier, Qt::ShiftModifier}) {
+        TestWindow t(4);
+        t.store().select({2, 3});
+        t.desktop->browser().setCurrent(3);
+        t.press(Qt::Key_C); // 3 on the left, 2 beside it
+        ASSERT_EQ(t.desktop->browser().current(), 2);
+        t.press(Qt::Key_X, keys);
+        EXPECT_EQ(t.desktop->browser().current(), 4) << "with " << int(keys);
+    }
+}
+
+TEST(Viewer, keysGoOnInASurveyWhoseClickedPhotoLeft)
+{
+    PhotoWindow t;
+    for (const char* name : {"a.png", "b.png", "c.png"})
+        t.add(name);
+    t.store().select({1, 2, 3});
+    t.press(Qt::Key_N);
+    auto* const last = t.parts<SurveyPage>().front()->panes().back();
+    QTest::mouseClick(&last->view(), Qt::LeftButton);
+    ASSERT_EQ(t.desktop->browser().current(), 3);
+    t.press(Qt::Key_X);
+    ASSERT_EQ(t.desktop->browser().current(), 2);
+    ASSERT_TRUE(t.window->focusWidget());
+    QTest::keyClick(t.window->focusWidget(), Qt::Key_Left);
+    EXPECT_EQ(t.desktop->browser().current(), 1);
+}
+
 TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
 {
     PhotoWindow t;
