@@ -1,128 +1,26 @@
 #include "app/Marking.h"
 #include "app/SearchFilter.h"
-#include "app/desktop/adjust/AdjustPanel.h"
 #include "app/desktop/grid/GridView.h"
-#include "app/desktop/sheets/ExportSheet.h"
 #include "app/desktop/viewer/Filmstrip.h"
 #include "app/desktop/viewer/MarksBar.h"
-#include "app/desktop/viewer/Pages.h"
 #include "catalog/store/LibraryActions.h"
-#include "imports/NamingPreset.h"
-#include "tests/app/desktop/TestWindow.h"
+#include "tests/app/desktop/PhotoWindow.h"
 
 #include <QContextMenuEvent>
 #include <QDialog>
-#include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
-#include <QTabWidget>
 #include <QWindow>
 
 #include <gtest/gtest.h>
 
 namespace korvo {
 
-namespace {
-
-constexpr int wait = 10'000; // ms
-
-/// A window over photos of one grey each.
-struct PhotoWindow : TestWindow {
-    PhotoWindow() : TestWindow(0) { }
-
-    PhotoID add(const std::string& name, int grey = 100, int width = 600, int height = 400)
-    {
-        const auto path = folder / name;
-        const auto writer = pictureWriter(PictureFormat::png, {width, height}, 0, path);
-        std::vector<std::uint8_t> row(4 * static_cast<std::size_t>(width), static_cast<std::uint8_t>(grey));
-        for (std::size_t i = 3; i < row.size(); i += 4)
-            row[i] = 255;
-        for (int y = 0; y < height; ++y)
-            writer->write(row.data());
-        const auto bytes = writer->finish();
-        folder.write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-        return addFile(name);
-    }
-
-    PhotoID addFile(const std::string& name)
-    {
-        const NewPhoto photo{.path = (folder / name).string()};
-        const auto id = store().catalog().addPhotos(std::span(&photo, 1)).front().id;
-        store().reload();
-        return id;
-    }
-
-    /// Every widget of that class, shown or not.
-    template <typename T>
-    std::vector<T*> parts()
-    {
-        std::vector<T*> found;
-        for (auto* const widget : window->findChildren<QWidget*>())
-            if (auto* const part = dynamic_cast<T*>(widget))
-                found.push_back(part);
-        return found;
-    }
-
-    /// The one on show that commands act on.
-    PhotoView& view()
-    {
-        for (auto* const page : parts<PhotoPage>())
-            if (page->mode() == desktop->browser().mode() && page->active())
-                return page->active()->view();
-        throw std::logic_error("no photo is shown");
-    }
-
-    void open(ViewMode mode)
-    {
-        desktop->browser().setMode(mode);
-        view().setFocus();
-    }
-
-    bool isDrawn()
-    {
-        return QTest::qWaitFor([&] { return view().feed().item() && !view().feed().isLoading(); }, wait);
-    }
-    /// The grey in the middle of the view, once it is as wanted or time is up.
-    int grey(const std::function<bool(int)>& isWanted)
-    {
-        int value = -1;
-        (void)QTest::qWaitFor(
-            [&] {
-                const auto shot = view().grab().toImage();
-                value = shot.pixelColor(shot.width() / 2, shot.height() / 2).green();
-                return isWanted(value);
-            },
-            wait);
-        return value;
-    }
-    int grey(int wanted)
-    {
-        return grey([wanted](int value) { return value == wanted; });
-    }
-
-    QSlider& slider(const QString& name)
-    {
-        for (auto* const tabs : parts<QTabWidget>())
-            tabs->setCurrentWidget(parts<AdjustPanel>().front());
-        for (auto* const bar : parts<QSlider>())
-            if (bar->accessibleName() == name)
-                return *bar;
-        throw std::logic_error("no such slider");
-    }
-};
-
-std::vector<PhotoID> ids(std::initializer_list<PhotoID> list)
-{
-    return list;
-}
-
-} // namespace
-
 TEST(Viewer, showsThePhotoWholeAtAllItsPixelsAndAsItWas)
 {
     PhotoWindow t;
     const auto photo = t.add("a.png", 100, 3000, 2000);
-    setEdits(t.store(), ids({photo}), {.exposure = 1});
+    setEdits(t.store(), std::vector<PhotoID>{photo}, {.exposure = 1});
     t.store().select({photo});
     t.open(ViewMode::viewer);
     ASSERT_TRUE(t.isDrawn());
@@ -309,7 +207,7 @@ TEST(Viewer, marksCanBeClickedWhereverTheyAre)
     TestWindow t(2);
     t.store().arrange({}, std::nullopt); // rejected photos stay in sight
     const auto clickedCross = [&](QWidget* on, QPoint at) {
-        setMark(t.store(), ids({1}), Mark::reject);
+        setMark(t.store(), std::vector<PhotoID>{1}, Mark::reject);
         QTest::mouseClick(on, Qt::LeftButton, {}, at);
         return std::pair(t.listed(1).rating, t.listed(1).flagged);
     };
@@ -358,114 +256,6 @@ TEST(Viewer, aLabelChosenBelowAPhotoMayTakeItOutOfTheSurvey)
     QTest::keyClick(menu, Qt::Key_Return);
     EXPECT_EQ(t.store().list().shown().size(), 2U);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !menu; }));
-}
-
-TEST(Adjust, aSliderDrawsAtOnceAndIsStoredWhenItIsLetGo)
-{
-    PhotoWindow t;
-    const auto photo = t.add("a.png");
-    t.store().select({photo});
-    t.open(ViewMode::viewer);
-    ASSERT_TRUE(t.isDrawn());
-    auto& bar = t.slider("Exposure");
-    bar.setSliderDown(true);
-    for (const int step : {20, 60, 100})
-        bar.setValue(step);
-    EXPECT_GT(t.grey([](int value) { return value > 130; }), 130);
-    EXPECT_FALSE(t.listed(photo).hasEdits()) << "stored before it was let go";
-    bar.setSliderDown(false);
-    EXPECT_EQ(t.listed(photo).edits(), (PhotoEdits{.exposure = 1}));
-    t.press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_FALSE(t.listed(photo).hasEdits()) << "more than one step";
-    EXPECT_EQ(bar.value(), 0);
-    EXPECT_EQ(t.grey(100), 100);
-
-    setEdits(t.store(), ids({photo}), {.exposure = 2, .tint = 5});
-    EXPECT_EQ(bar.value(), 200);
-    QTest::mouseDClick(&bar, Qt::LeftButton);
-    EXPECT_EQ(t.listed(photo).edits(), (PhotoEdits{.tint = 5}));
-}
-
-TEST(Adjust, keysOnASliderAreOneStepEvenWhenAnotherPhotoFollows)
-{
-    PhotoWindow t;
-    const auto first = t.add("a.png"), second = t.add("b.png");
-    t.store().select({first});
-    t.open(ViewMode::viewer);
-    auto& bar = t.slider("Tint");
-    bar.setValue(3);
-    bar.setValue(4);
-    t.desktop->browser().step(1);
-    EXPECT_EQ(t.listed(first).edits(), (PhotoEdits{.tint = 4}));
-    EXPECT_EQ(bar.value(), 0);
-    bar.setValue(7);
-    t.window->commands().run(Command::undo); // takes back what is seen
-    EXPECT_FALSE(t.listed(second).hasEdits());
-    EXPECT_EQ(t.listed(first).edits(), (PhotoEdits{.tint = 4}));
-    EXPECT_EQ(bar.value(), 0);
-}
-
-TEST(Adjust, adjustmentsAreCopiedToManyInOneStep)
-{
-    PhotoWindow t;
-    std::vector<PhotoID> photos;
-    for (char name = 'a'; name <= 'j'; ++name)
-        photos.push_back(t.add(std::string(1, name) + ".png"));
-    setEdits(t.store(), ids({photos[0]}), {.exposure = 1, .rotation = 1});
-    setEdits(t.store(), ids({photos[1]}), {.tint = 3, .rotation = 2});
-    auto& commands = t.window->commands();
-    EXPECT_FALSE(commands.action(Command::pasteAdjustments)->isEnabled());
-    t.store().select({photos[0]});
-    t.desktop->browser().setCurrent(photos[0]);
-    commands.run(Command::copyAdjustments);
-    t.store().select({photos.begin() + 1, photos.end()});
-    commands.run(Command::pasteAdjustments);
-    EXPECT_EQ(t.listed(photos[1]).edits(), (PhotoEdits{.exposure = 1, .rotation = 2}));
-    for (std::size_t i = 2; i < photos.size(); ++i)
-        EXPECT_EQ(t.listed(photos[i]).edits(), (PhotoEdits{.exposure = 1}));
-    t.store().undo();
-    EXPECT_EQ(t.listed(photos[1]).edits(), (PhotoEdits{.tint = 3, .rotation = 2}));
-    EXPECT_FALSE(t.listed(photos[9]).hasEdits());
-}
-
-TEST(Adjust, autoLooksAtThePhotosInTheBackground)
-{
-    PhotoWindow t;
-    const auto dark = t.add("a.png", 40);
-    t.store().select({dark});
-    t.window->commands().run(Command::autoAdjust);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return t.listed(dark).hasEdits(); }, wait));
-    EXPECT_EQ(t.listed(dark).edits().exposure, 1.25);
-    EXPECT_EQ(t.store().undoTitle(), "Auto Enhance");
-}
-
-TEST(ExportSheet, exportsAsAJobWithTheFailuresListed)
-{
-    PhotoWindow t;
-    const auto photo = t.add("a.png", 100, 300, 200);
-    const auto missing = t.addFile("missing.jpg");
-    ExportSheet sheet(*t.window, {t.listed(photo), t.listed(missing)});
-    sheet.findChild<QLineEdit*>()->setText(QString::fromStdString((t.folder / "out").string()));
-    static_cast<QDialog&>(sheet).accept();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }, wait));
-    EXPECT_TRUE(std::filesystem::exists(t.folder / "out" / "a.jpg"));
-    const auto& job = *t.desktop->jobs().all().back();
-    EXPECT_EQ(job.failures().size(), 1U);
-    EXPECT_TRUE(QString::fromStdString(job.summary()).startsWith("Exported 1 photo "));
-}
-
-TEST(ExportSheet, offersPresetsByTheirNames)
-{
-    TestWindow t(1);
-    NamingPreset::save({NamingPreset::make("By Day & Number", "{date}-{seq}")}, t.defaults);
-    ExportSheet sheet(*t.window, {t.listed(1)});
-    auto* const menu = sheet.findChild<QMenu*>();
-    ASSERT_TRUE(menu);
-    Q_EMIT menu->aboutToShow();
-    ASSERT_EQ(menu->actions().size(), 1);
-    EXPECT_TRUE(menu->actions().at(0)->text().startsWith("By Day && Number"));
-    menu->actions().at(0)->trigger();
-    EXPECT_EQ(sheet.plan().pattern, "{date}-{seq}");
 }
 
 } // namespace korvo

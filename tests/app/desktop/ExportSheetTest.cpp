@@ -1,0 +1,39 @@
+#include "app/desktop/sheets/ExportSheet.h"
+#include "imports/NamingPreset.h"
+#include "tests/app/desktop/PhotoWindow.h"
+
+#include <QLineEdit>
+#include <QMenu>
+
+namespace korvo {
+
+TEST(ExportSheet, exportsAsAJobWithTheFailuresListed)
+{
+    PhotoWindow t;
+    const auto photo = t.add("a.png", 100, 300, 200);
+    const auto missing = t.addFile("missing.jpg");
+    ExportSheet sheet(*t.window, {t.listed(photo), t.listed(missing)});
+    sheet.findChild<QLineEdit*>()->setText(QString::fromStdString((t.folder / "out").string()));
+    static_cast<QDialog&>(sheet).accept();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }, wait));
+    EXPECT_TRUE(std::filesystem::exists(t.folder / "out" / "a.jpg"));
+    const auto& job = *t.desktop->jobs().all().back();
+    EXPECT_EQ(job.failures().size(), 1U);
+    EXPECT_TRUE(QString::fromStdString(job.summary()).startsWith("Exported 1 photo "));
+}
+
+TEST(ExportSheet, offersPresetsByTheirNames)
+{
+    TestWindow t(1);
+    NamingPreset::save({NamingPreset::make("By Day & Number", "{date}-{seq}")}, t.defaults);
+    ExportSheet sheet(*t.window, {t.listed(1)});
+    auto* const menu = sheet.findChild<QMenu*>();
+    ASSERT_TRUE(menu);
+    Q_EMIT menu->aboutToShow();
+    ASSERT_EQ(menu->actions().size(), 1);
+    EXPECT_TRUE(menu->actions().at(0)->text().startsWith("By Day && Number"));
+    menu->actions().at(0)->trigger();
+    EXPECT_EQ(sheet.plan().pattern, "{date}-{seq}");
+}
+
+} // namespace korvo
