@@ -2,6 +2,8 @@
 
 #include <QPainter>
 
+#include <cmath>
+
 namespace korvo {
 
 namespace {
@@ -15,15 +17,19 @@ FileThumbnails::FileThumbnails(Pictures& pictures, int size, std::function<void(
     : pictures_(pictures), size_(size), arrived_(std::move(arrived))
 { }
 
-QPixmap FileThumbnails::picture(const std::filesystem::path& file, const SharedText& editsJSON)
+QPixmap FileThumbnails::picture(
+    const std::filesystem::path& file, double devicePixelRatio, const SharedText& editsJSON)
 {
     const auto [found, isNew] = entries_.try_emplace(file.native());
     auto& entry = found->second;
     if (isNew)
         order_.push_back(file.native());
-    if (!entry.picture.isNull() || entry.failed || entry.request)
+    const auto pixels = static_cast<int>(std::lround(size_ * devicePixelRatio));
+    const bool isAskedFor = entry.request || !entry.picture.isNull() || entry.failed;
+    if (isAskedFor && pixels == entry.pixels)
         return entry.picture;
-    entry.request = pictures_.load({.file = file, .editsJSON = editsJSON, .size = size_},
+    entry.pixels = pixels;
+    entry.request = pictures_.load({.file = file, .editsJSON = editsJSON, .size = pixels},
         [this, key = file.native()](const QImage& image, const QString&) {
             auto& loaded = entries_[key];
             loaded.picture = QPixmap::fromImage(image);
@@ -31,8 +37,9 @@ QPixmap FileThumbnails::picture(const std::filesystem::path& file, const SharedT
             loaded.request.reset();
             arrived_();
         });
+    const auto shown = entry.picture;
     forgetOldest();
-    return {};
+    return shown;
 }
 
 bool FileThumbnails::isBroken(const std::filesystem::path& file) const

@@ -15,11 +15,13 @@ namespace korvo {
 /// newest wishes first kept, and `arrived` asks for another painting. Used on the main thread.
 class FileThumbnails {
 public:
-    /// `pictures` must outlive it. `size` is the longer side in pixels of the screen.
+    /// `pictures` must outlive it. `size` is the longer side in points.
     FileThumbnails(Pictures& pictures, int size, std::function<void()> arrived);
 
-    /// The picture of a file with its edits; null while it loads, and when there is none.
-    QPixmap picture(const std::filesystem::path& file, const SharedText& editsJSON = {});
+    /// The picture of a file with its edits, for a screen of that ratio; one for another screen while it
+    /// loads, null while there is none.
+    QPixmap picture(
+        const std::filesystem::path& file, double devicePixelRatio, const SharedText& editsJSON = {});
     /// Whether loading it has failed.
     bool isBroken(const std::filesystem::path& file) const;
     /// Drops all that is loaded and asked for.
@@ -28,6 +30,7 @@ public:
 private:
     struct Entry {
         QPixmap picture;
+        int pixels = 0; // that were asked for last
         bool failed = false;
         Pictures::Handle request;
     };

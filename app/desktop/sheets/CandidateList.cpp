@@ -126,8 +126,9 @@ private:
         QPainter& painter, const QRect& place, const Candidate& candidate, const QPalette& palette) const
     {
         const auto& file = candidate.file.path;
-        const auto picture
-            = view_.showsPictures_ == ShowPictures::yes ? view_.thumbnails_.picture(file) : QPixmap();
+        const auto picture = view_.showsPictures_ == ShowPictures::yes
+            ? view_.thumbnails_.picture(file, view_.devicePixelRatioF())
+            : QPixmap();
         if (!picture.isNull()) {
             paintThumbnail(painter, place, picture);
             return;
@@ -155,8 +156,7 @@ private:
 };
 
 CandidateList::CandidateList(Pictures& pictures)
-    : thumbnails_(pictures, static_cast<int>(side * devicePixelRatioF()), [this] { viewport()->update(); }),
-      model_(new Model(*this))
+    : thumbnails_(pictures, side, [this] { viewport()->update(); }), model_(new Model(*this))
 {
     setModel(model_);
     setItemDelegate(new Delegate(*this));

@@ -77,7 +77,8 @@ private:
         const PhotoItem* const item = view_.desktop_.store().list().find(id);
         if (!item)
             return;
-        paintThumbnail(painter, place, view_.thumbnails_.picture(item->path(), item->editsJSON));
+        paintThumbnail(painter, place,
+            view_.thumbnails_.picture(item->path(), view_.devicePixelRatioF(), item->editsJSON));
         if (!isPick)
             return;
         painter.setPen(QPen(palette.color(QPalette::Highlight), 2));
@@ -89,9 +90,7 @@ private:
 
 StackPreview::StackPreview(Desktop& desktop)
     : desktop_(desktop), plan_(std::span<const AutoStackShot>(), 0),
-      thumbnails_(
-          desktop.pictures(), static_cast<int>(side * devicePixelRatioF()), [this] { viewport()->update(); }),
-      model_(new Model(*this))
+      thumbnails_(desktop.pictures(), side, [this] { viewport()->update(); }), model_(new Model(*this))
 {
     setModel(model_);
     setItemDelegate(new Delegate(*this));
