@@ -45,6 +45,7 @@ void GridView::setCursorPhoto(std::optional<PhotoID> photo)
     for (const auto index : {before, cursorIndex()})
         if (index)
             updateCell(*index);
+    describeCurrent();
 }
 
 void GridView::choose(Index index, Qt::KeyboardModifiers modifiers)

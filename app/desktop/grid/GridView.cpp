@@ -111,6 +111,7 @@ void GridView::libraryChanged(const LibraryChange& change)
     } else {
         updatePhotos(change.photos);
         wantTimer_.start(); // edits may have changed
+        describeCurrent();
     }
     if (!change.selection)
         return;
@@ -178,12 +179,23 @@ void GridView::showCurrent()
     const auto current = currentIndex();
     if (current && *current < layout_.count)
         makeVisible(*current);
-    if (const auto* const item = desktop_.browser().currentItem())
-        setAccessibleDescription(
-            spokenText(*item, signsOf(desktop_, *item, thumbnails_.find(item->id).state)));
+    describeCurrent();
     const auto [first, last] = visible();
     for (Index index = first; index < last; ++index) // the one that was current has no mark of its own
         updateCell(index);
+}
+
+/// The cell that keys are on, in words; who reads the screen aloud is told of each change.
+void GridView::describeCurrent()
+{
+    const auto index = cursorIndex();
+    if (!index || !isVisible())
+        return;
+    const auto& item = itemAt(*index);
+    const auto words = spokenText(item, signsOf(desktop_, item, thumbnails_.find(item.id).state))
+        + QString(", %1 of %2").arg(number(*index + 1), number(store().list().shown().size()));
+    if (words != accessibleDescription())
+        setAccessibleDescription(words);
 }
 
 void GridView::wantPictures()

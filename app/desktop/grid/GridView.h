@@ -65,6 +65,7 @@ private:
     QPoint cellPosition(Index index) const;
     void makeVisible(Index index);
     void showCurrent();
+    void describeCurrent();
     void wantPictures();
     void paintEmpty();
 

@@ -4,6 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QToolButton>
 
@@ -105,15 +106,26 @@ void NoticeLine::look()
     const auto& notice = notices_.shown();
     setVisible(notice.has_value());
     if (!notice)
-        return;
+        return setAccessibleName({});
     const bool isError = notice->kind == Notice::Kind::error;
     const auto further = notices_.furtherErrors();
+    announce(qt(notice->text));
     text_->say(qt(notice->text));
     text_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
     offer_->setText(notice->redoes ? "Redo" : "Undo");
     offer_->setVisible(notices_.isOffered());
     close_->setText(further > 0 ? "Close (" + number(further) + " more)" : "Close");
     close_->setVisible(isError);
+}
+
+/// Tells who reads the screen aloud.
+void NoticeLine::announce(const QString& text)
+{
+    if (!isVisible() || accessibleName() == text)
+        return;
+    setAccessibleName(text);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
 } // namespace korvo

@@ -50,6 +50,7 @@ public:
 
 private:
     void look();
+    void announce(const QString& text);
 
     Notices& notices_;
     ElidedLabel* text_;

@@ -148,4 +148,16 @@ TEST(Culling, controlChoosesSinglePhotosApart)
     EXPECT_EQ(t.store().selection(), IDs{3}) << "from the selected one, as where they were is gone";
 }
 
+TEST(Culling, saysWhereItIsInWords)
+{
+    TestWindow t(3);
+    const auto* const grid = t.window->centre();
+    t.store().select({1});
+    t.press(Qt::Key_Right);
+    EXPECT_TRUE(grid->accessibleDescription().startsWith("b.jpg, unrated")) << "when the cell changes";
+    t.press(Qt::Key_P);
+    EXPECT_TRUE(grid->accessibleDescription().startsWith("b.jpg, unrated, flagged")) << "when its marks do";
+    EXPECT_TRUE(grid->accessibleDescription().endsWith(", 2 of 3"));
+}
+
 } // namespace korvo
