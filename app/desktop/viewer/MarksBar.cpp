@@ -36,6 +36,14 @@ const PhotoItem* MarksBar::item() const
 void MarksBar::setPhoto(std::optional<PhotoID> photo)
 {
     photo_ = photo;
+    title_.clear();
+    update();
+}
+
+void MarksBar::setTitle(const QString& title)
+{
+    photo_.reset();
+    title_ = title;
     update();
 }
 
@@ -64,17 +72,16 @@ void MarksBar::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const auto* const photo = item();
-    if (!photo)
-        return;
-    paintMarks(painter, places(), *photo, MarkHints::all);
-    const int left = places().label.right() + margin;
+    if (photo)
+        paintMarks(painter, places(), *photo, MarkHints::all);
+    const int left = (photo ? places().label.right() : 0) + margin;
     painter.setPen(theme::mutedText);
     const int noteWidth = fontMetrics().horizontalAdvance(note_);
     painter.drawText(rect().adjusted(0, 0, -margin, 0), Qt::AlignRight | Qt::AlignVCenter, note_);
     painter.setPen(theme::text);
     const QRect room(left, 0, std::max(0, width() - left - noteWidth - 2 * margin), height());
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
-        fontMetrics().elidedText(titleOf(*photo), Qt::ElideMiddle, room.width()));
+        fontMetrics().elidedText(photo ? titleOf(*photo) : title_, Qt::ElideMiddle, room.width()));
 }
 
 void MarksBar::mousePressEvent(QMouseEvent* event)

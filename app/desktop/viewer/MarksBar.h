@@ -7,12 +7,14 @@
 
 namespace korvo {
 
-/// The line below a photo: its stars, flag and label, which can be clicked, its name, and a note at the end.
+/// The line below a photo: its stars, flag and label, which can be clicked, its name, and a note at the end;
+/// or a title below something else.
 class MarksBar : public QWidget {
 public:
     explicit MarksBar(MainWindow& window);
 
     void setPhoto(std::optional<PhotoID> photo);
+    void setTitle(const QString& title);
     void setNote(const QString& note);
 
     QSize sizeHint() const override;
@@ -29,6 +31,7 @@ private:
     MainWindow& window_;
     Desktop& desktop_;
     std::optional<PhotoID> photo_;
+    QString title_; // in place of a photo
     QString note_;
     Connection storeChanged_;
 };

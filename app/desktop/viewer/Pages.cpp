@@ -1,6 +1,7 @@
 #include "app/desktop/viewer/Pages.h"
 
 #include "app/Survey.h"
+#include "app/desktop/photos/PhotoSigns.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -34,8 +35,13 @@ PhotoPane::PhotoPane(MainWindow& window, int viewer, PhotoFeed::Neighbours neigh
     layout->addWidget(view_, 1);
     layout->addWidget(bar_);
     setFocusProxy(view_);
-    feedChanged_ = view_->feed().changed.connect([this] { showNote(); });
+    feedChanged_ = view_->feed().changed.connect([this] {
+        showNote();
+        describe();
+    });
     zoomed_ = view_->zoomed.connect([this] { showNote(); });
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { describe(); });
+    describe();
 }
 
 void PhotoPane::setPhoto(std::optional<PhotoID> photo)
@@ -43,6 +49,30 @@ void PhotoPane::setPhoto(std::optional<PhotoID> photo)
     bar_->setPhoto(photo);
     view_->setPhoto(photo);
     showNote();
+    describe();
+}
+
+/// In words, for those who do not see it.
+void PhotoPane::describe()
+{
+    if (!photo() && view_->feed().item())
+        return; // a file, which has its title
+    const auto* const item = view_->feed().item();
+    const auto picture = view_->feed().isBroken() ? PictureState::broken : PictureState::fine;
+    const auto words = item ? spokenText(*item, signsOf(desktop_, *item, picture)) : QString("No photo");
+    if (words != view_->accessibleName())
+        view_->setAccessibleName(words);
+}
+
+void PhotoPane::setFile(const std::filesystem::path& file, const QString& title)
+{
+    if (file.empty())
+        view_->setPhoto(std::nullopt);
+    else
+        view_->setFile(file);
+    bar_->setTitle(title);
+    showNote();
+    view_->setAccessibleName(title);
 }
 
 void PhotoPane::setLook(Look look)
@@ -180,6 +210,10 @@ ComparePage::ComparePage(MainWindow& window, int viewer)
     };
     follow(left_->view(), right_->view(), 0);
     follow(right_->view(), left_->view(), 2);
+    drawn_ = right_->view().feed().changed.connect([this] {
+        if (showsReference_)
+            left_->view().showAsWideAs(right_->view().feed());
+    });
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
         if (change.list && desktop_.browser().mode() == mode())
             listChanged();
@@ -193,16 +227,24 @@ void ComparePage::follow(bool isOn)
         begin();
     if (isOn && stays_->photo() && stays_->photo() == desktop_.browser().current())
         passOverStaying();
+    showsReference_ = showsReference_ && isOn;
     if (!isOn)
         stays_->setPhoto(std::nullopt);
+    else if (showsReference_)
+        showReference();
     steps_->setPhoto(isOn ? desktop_.browser().current() : std::nullopt);
 }
 
-/// The first two of the selected, else the current photo and the next one, or the one before it at the end.
+/// The first two of the selected, else the current photo and its reference, the next one, or the one before
+/// it at the end.
 void ComparePage::begin()
 {
     auto& browser = desktop_.browser();
     const auto current = browser.current();
+    const auto* const item = browser.currentItem();
+    showsReference_ = item && !item->referencePath.empty() && desktop_.store().selection().size() <= 1;
+    if (showsReference_)
+        return;
     stays_->setPhoto(current);
     for (const PhotoID id : desktop_.store().selection())
         if (id != current && desktop_.store().list().shownPosition(id))
@@ -210,6 +252,15 @@ void ComparePage::begin()
     browser.step(1);
     if (browser.current() == current)
         browser.step(-1);
+}
+
+void ComparePage::showReference()
+{
+    const auto* const item = desktop_.browser().currentItem();
+    if (item && !item->referencePath.empty())
+        left_->setFile(item->referencePath.string(), "Aperture");
+    else
+        left_->setFile({}, "Aperture has no render of this photo");
 }
 
 /// No photo stands beside itself: the way goes on behind it, or back where it is the last.
@@ -246,6 +297,8 @@ void ComparePage::showMenu(PhotoPane& pane, QPoint at)
 /// A photo has left the list: two others stand beside each other, as long as there are two.
 void ComparePage::listChanged()
 {
+    if (showsReference_)
+        return;
     auto& browser = desktop_.browser();
     const auto isShown = [this](std::optional<PhotoID> photo) {
         return photo && desktop_.store().list().shownPosition(*photo);

@@ -16,16 +16,19 @@ public:
     const PhotoView& view() const { return *view_; }
     std::optional<PhotoID> photo() { return view_->feed().photo(); }
     void setPhoto(std::optional<PhotoID> photo);
+    /// Shows a file that is no photo of the library, or only the title where there is none.
+    void setFile(const std::filesystem::path& file, const QString& title);
     void setLook(Look look);
 
 private:
     void showNote();
+    void describe();
 
     Desktop& desktop_;
     PhotoView* view_;
     MarksBar* bar_;
     Look look_ = Look::after;
-    Connection feedChanged_, zoomed_;
+    Connection feedChanged_, zoomed_, storeChanged_;
 };
 
 /// What the centre shows in a mode that shows photos. Keys and the wheel go to other photos.
@@ -92,13 +95,16 @@ private:
     void showMenu(PhotoPane& pane, QPoint at) override;
     void swapRoles();
     void begin();
+    void showReference();
     void passOverStaying();
     void listChanged();
 
     PhotoPane *left_, *right_;
     PhotoPane *stays_ = left_, *steps_ = right_;
     bool wasOn_ = false;
+    bool showsReference_ = false; // on the left
     Connection storeChanged_;
+    Connection drawn_;
     std::array<Connection, 4> followed_; // the views follow each other
 };
 

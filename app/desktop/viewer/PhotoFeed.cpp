@@ -33,6 +33,8 @@ PhotoFeed::~PhotoFeed()
 
 const PhotoItem* PhotoFeed::item() const
 {
+    if (file_)
+        return &*file_;
     return photo_ ? desktop_.store().list().find(*photo_) : nullptr;
 }
 
@@ -43,13 +45,30 @@ bool PhotoFeed::isLoading() const
 
 void PhotoFeed::setPhoto(std::optional<PhotoID> photo)
 {
-    if (photo == photo_)
+    if (photo == photo_ && !file_)
         return;
     photo_ = photo;
+    file_.reset();
     if (const auto position = photo ? desktop_.store().list().shownPosition(*photo) : std::nullopt) {
         direction_ = *position < position_ ? -1 : 1;
         position_ = *position;
     }
+    begin();
+}
+
+void PhotoFeed::setFile(const std::filesystem::path& file)
+{
+    if (file_ && file_->path() == file)
+        return;
+    photo_.reset();
+    file_.emplace();
+    file_->folder = file.parent_path().native();
+    file_->filename = file.filename().native();
+    begin();
+}
+
+void PhotoFeed::begin()
+{
     clear();
     wish();
     if (shown_ == Shown::nothing && isAtHand()) // it follows at once; till then no empty view flickers up

@@ -35,18 +35,23 @@ public:
     Signal<> changed; ///< one of the pictures, or the fault
 
     void setPhoto(std::optional<PhotoID> photo);
+    /// Shows a file that is no photo of the library, as it is.
+    void setFile(const std::filesystem::path& file);
     /// Pixels of the longer side of the view.
     void setSize(int size);
     void setDetail(ViewDetail detail);
     void setLook(Look look);
 
     std::optional<PhotoID> photo() const { return photo_; }
+    /// The photo that is shown, or one without an id for a file; null when there is none.
     const PhotoItem* item() const;
     /// At the size of the view, or less until it is there; null while there is none.
     const Picture& screen() const { return screen_; }
     /// All pixels; null while they are not asked for or not there.
     const Picture& full() const { return full_; }
     bool isLoading() const;
+    /// Whether what is shown, if anything, is not what the file holds now.
+    bool isBroken() const { return !fault().isEmpty() && shown_ < Shown::quick; }
     /// Why there is no picture, or only an old one; empty when all is well.
     const QString& fault() const { return missing_.isEmpty() ? fault_ : missing_; }
 
@@ -58,6 +63,7 @@ private:
     void storeChanged(const LibraryChange& change);
     void editsChanged();
     void clear();
+    void begin();
     bool isAtHand() const;
     void dropFull();
     void askForPlaceholder();
@@ -71,6 +77,7 @@ private:
     int viewer_;
     Neighbours neighbours_;
     std::optional<PhotoID> photo_;
+    std::optional<PhotoItem> file_; // in place of a photo
     std::size_t position_ = 0;
     std::ptrdiff_t direction_ = 1;
     int size_ = 0;

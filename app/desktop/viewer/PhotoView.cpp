@@ -40,9 +40,27 @@ PhotoView::PhotoView(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbo
 
 void PhotoView::setPhoto(std::optional<PhotoID> photo)
 {
+    width_ = 0;
     feed_.setPhoto(photo);
-    const auto* const item = feed_.item();
-    setAccessibleName(item ? "Photo " + qt(item->filename.view()) : QString("No photo"));
+}
+
+void PhotoView::setFile(const std::filesystem::path& file)
+{
+    feed_.setFile(file);
+}
+
+void PhotoView::showAsWideAs(const PhotoFeed& other)
+{
+    width_ = other.screen().full.width();
+    feedChanged();
+}
+
+/// In the photo's pixels: a rendering of it in another size is seen as large as the photo. Nothing while it
+/// is not known.
+QSizeF PhotoView::photoSize() const
+{
+    const QSizeF full = feed_.screen().full;
+    return full.isEmpty() || width_ == 0 ? full : full * (width_ / full.width());
 }
 
 void PhotoView::setLook(Look look)
@@ -84,7 +102,7 @@ void PhotoView::point(QPointF at)
     if (loupe_ == Loupe::off)
         return;
     update();
-    const QSize full = feed_.screen().full;
+    const QSizeF full = photoSize();
     if (full.isEmpty() || !rect().contains(at.toPoint()))
         return pointed.emit({});
     const auto device = devicePoint(at);
@@ -102,7 +120,7 @@ std::optional<QPointF> PhotoView::loupePoint() const
     if (!followed_)
         return std::nullopt;
     const auto origin = zoom_.origin();
-    const QSizeF photo = QSizeF(feed_.screen().full) * zoom_.scale();
+    const QSizeF photo = photoSize() * zoom_.scale();
     return QPointF(origin.x + followed_->x() * photo.width(), origin.y + followed_->y() * photo.height())
         / devicePixelRatioF();
 }
@@ -141,8 +159,8 @@ void PhotoView::updateDetail()
 void PhotoView::feedChanged()
 {
     const auto& picture = feed_.screen();
-    if (!picture.full.isEmpty())
-        zoom_.setPhoto({double(picture.full.width()), double(picture.full.height())});
+    if (const QSizeF size = photoSize(); !size.isEmpty())
+        zoom_.setPhoto({size.width(), size.height()});
     else
         zoom_.setPhoto({double(picture.image.width()) * placeholderGrowth,
             double(picture.image.height()) * placeholderGrowth});
@@ -197,11 +215,11 @@ void PhotoView::paintPhoto(QPainter& painter)
 {
     const bool useFull = !zoom_.isFit() && !feed_.full().image.isNull();
     const QImage& image = useFull ? feed_.full().image : feed_.screen().image;
-    const QSize full = feed_.screen().full;
+    const QSizeF full = photoSize();
     if (image.isNull())
         return;
     const auto origin = zoom_.origin();
-    const QSizeF photo = full.isEmpty() ? QSizeF(image.size()) * placeholderGrowth : QSizeF(full);
+    const QSizeF photo = full.isEmpty() ? QSizeF(image.size()) * placeholderGrowth : full;
     const QRectF target(origin.x, origin.y, std::round(photo.width() * zoom_.scale()),
         std::round(photo.height() * zoom_.scale()));
     const double ratio = devicePixelRatioF();
@@ -221,7 +239,7 @@ void PhotoView::paintPhoto(QPainter& painter)
 
 void PhotoView::paintLoupe(QPainter& painter, QPointF middle)
 {
-    const QSize full = feed_.screen().full;
+    const QSizeF full = photoSize();
     const QImage& image = feed_.full().image.isNull() ? feed_.screen().image : feed_.full().image;
     if (image.isNull() || full.isEmpty())
         return;

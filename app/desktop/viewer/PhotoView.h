@@ -25,6 +25,9 @@ public:
     Signal<const HistogramData&> drawn; ///< a picture of the photo with its edits is on screen
 
     void setPhoto(std::optional<PhotoID> photo);
+    /// Shows a file that is no photo of the library, as large as a photo so wide, once that is known.
+    void setFile(const std::filesystem::path& file);
+    void showAsWideAs(const PhotoFeed& other);
     /// Between the whole photo and 100 %, at the pointer where it is over the photo.
     void toggleZoom();
     /// Takes the zoom of another view, whose photo may have another size.
@@ -55,6 +58,7 @@ private:
     void feedChanged();
     void zoomChanged();
     void measure();
+    QSizeF photoSize() const;
     void updateDetail();
     void dragOut();
     ViewPoint devicePoint(const QPointF& point) const;
@@ -69,6 +73,7 @@ private:
     Loupe loupe_ = Loupe::off;
     std::optional<QPointF> followed_; // another view's loupe, in fractions of the photo
     bool active_ = false;
+    int width_ = 0; // that the photo is taken to have; 0: its own
     bool clickZooms_ = true;
     Look look_ = Look::after;
     QColor backdrop_;

@@ -137,6 +137,31 @@ TEST(Viewer, keysGoOnInASurveyWhoseClickedPhotoLeft)
     EXPECT_EQ(t.desktop->browser().current(), 1);
 }
 
+TEST(Viewer, comparesAPhotoWithTheRenderItCameWith)
+{
+    PhotoWindow t;
+    const auto first = t.add("a.png", 50), second = t.add("b.png", 150);
+    const auto other = t.add("preview.png", 200, 300, 200);
+    t.store().catalog().setReferencePath(first, (t.folder / "preview.png").string());
+    t.store().reload();
+    t.store().select({first});
+    t.open(ViewMode::compare);
+    const auto panes = dynamic_cast<ComparePage&>(*t.window->centre()).panes();
+    PhotoView& left = panes.front()->view();
+    const auto greyOfLeft = [&] { return left.grab().toImage().pixelColor(left.rect().center()).green(); };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return greyOfLeft() == 200; }, wait));
+    EXPECT_EQ(t.grey(50), 50);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return left.zoom().scale() == t.view().zoom().scale(); }, wait))
+        << "as large as the photo";
+    t.press(Qt::Key_Right);
+    EXPECT_EQ(t.desktop->browser().current(), second);
+    EXPECT_FALSE(left.feed().item()) << "which has none";
+    t.press(Qt::Key_G);
+    t.store().select({first, other});
+    t.open(ViewMode::compare);
+    EXPECT_EQ(panes.front()->photo(), first) << "two that are chosen";
+}
+
 TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
 {
     PhotoWindow t;
@@ -150,6 +175,7 @@ TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().contains("gone.jpg"); }, wait));
     setRating(t.store(), t.desktop->browser().targets(), 3);
     EXPECT_EQ(t.listed(gone).rating, 3);
+    EXPECT_EQ(t.view().accessibleName(), "gone.jpg, 3 stars, the file is missing or cannot be read");
 }
 
 TEST(Viewer, theFullScreenPhotoTellsOfErrorsAndOffersUndo)
