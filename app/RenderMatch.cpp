@@ -62,4 +62,12 @@ std::optional<ToneCurves> matchRender(ImageReader& reader, const std::filesystem
     }
 }
 
+MatchRender matchBy(ImageReader& reader, std::stop_token stop)
+{
+    return [&reader, until = std::move(stop)](const std::filesystem::path& original, const PhotoEdits& edits,
+               const std::filesystem::path& preview) {
+        return matchRender(reader, original, edits, preview, until);
+    };
+}
+
 } // namespace korvo

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "edits/PhotoEdits.h"
+#include "aperture/ApertureImporter.h"
 #include "platform/ImageReader.h"
 
 #include <filesystem>
@@ -14,5 +14,8 @@ namespace korvo {
 /// not draw yet, such as levels: the curve would make up for what is not there.
 std::optional<ToneCurves> matchRender(ImageReader& reader, const std::filesystem::path& original,
     const PhotoEdits& edits, const std::filesystem::path& preview, const std::stop_token& stop);
+
+/// The same for an import, of one reader, which must outlive it.
+MatchRender matchBy(ImageReader& reader, std::stop_token stop);
 
 } // namespace korvo

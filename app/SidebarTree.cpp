@@ -16,19 +16,20 @@ namespace korvo {
 namespace {
 
 using Kind = SidebarNode::Kind;
-using Source = LibrarySource::Kind;
+using SourceKind = LibrarySource::Kind;
 using Parent = std::optional<std::int64_t>;
 
 enum Heading : std::int64_t { library, folders, projects, smartAlbums, keywords, people };
+KORVO_ENUM(Heading, library, folders, projects, smartAlbums, keywords, people)
 
 struct OwnSource {
-    Source source;
+    SourceKind source;
     const char* name;
 };
-constexpr std::array ownSources{OwnSource{Source::flagged, "Flagged"},
-    OwnSource{Source::recentlyAdded, "Recently Added"}, OwnSource{Source::videos, "Videos"},
-    OwnSource{Source::noAltText, "No ALT Text"}, OwnSource{Source::faces, "Faces"},
-    OwnSource{Source::places, "Places"}};
+constexpr std::array ownSources{OwnSource{SourceKind::flagged, "Flagged"},
+    OwnSource{SourceKind::recentlyAdded, "Recently Added"}, OwnSource{SourceKind::videos, "Videos"},
+    OwnSource{SourceKind::noAltText, "No ALT Text"}, OwnSource{SourceKind::faces, "Faces"},
+    OwnSource{SourceKind::places, "Places"}};
 
 SidebarNode heading(Heading which, const char* name, std::vector<SidebarNode> children)
 {
@@ -40,7 +41,8 @@ std::vector<SidebarNode> libraryLines(const LibraryTotals& totals)
     std::vector<SidebarNode> lines{{Kind::all, 0, "All Photos", totals.masters}};
     for (const auto& own : ownSources)
         lines.push_back({Kind::source, static_cast<std::int64_t>(own.source), own.name,
-            own.source == Source::noAltText ? std::optional(totals.mastersWithoutAltText) : std::nullopt});
+            own.source == SourceKind::noAltText ? std::optional(totals.mastersWithoutAltText)
+                                                : std::nullopt});
     return lines;
 }
 
@@ -152,22 +154,22 @@ std::vector<SidebarNode> sidebarTree(const LibraryTree& tree, PhotosCounted coun
 
 std::optional<std::optional<LibrarySource>> sourceOf(const SidebarKey& key)
 {
-    const auto of = [&](Source source) { return std::optional(LibrarySource{source, key.id, {}}); };
+    const auto of = [&](SourceKind source) { return std::optional(LibrarySource{source, key.id, {}}); };
     switch (key.kind) {
     case Kind::all:
         return std::optional<LibrarySource>();
     case Kind::source:
-        return std::optional(LibrarySource{static_cast<Source>(key.id), 0, {}});
+        return std::optional(LibrarySource{static_cast<SourceKind>(key.id), 0, {}});
     case Kind::folder:
-        return of(Source::folder);
+        return of(SourceKind::folder);
     case Kind::project:
-        return of(Source::project);
+        return of(SourceKind::project);
     case Kind::album:
-        return of(Source::album);
+        return of(SourceKind::album);
     case Kind::smartAlbum:
-        return of(Source::smartAlbum);
+        return of(SourceKind::smartAlbum);
     case Kind::person:
-        return of(Source::person);
+        return of(SourceKind::person);
     case Kind::heading:
     case Kind::keyword:
         return std::nullopt;
@@ -185,6 +187,26 @@ SidebarKey keyOf(const std::optional<LibrarySource>& source)
     return {Kind::source, static_cast<std::int64_t>(source->kind)};
 }
 
+std::string lineText(const SidebarKey& key)
+{
+    const auto which = key.kind == Kind::heading ? std::string(nameOf(static_cast<Heading>(key.id)))
+                                                 : std::to_string(key.id);
+    return std::string(nameOf(key.kind)) + ":" + which;
+}
+
+std::optional<SidebarKey> parseLine(std::string_view text)
+{
+    const auto colon = std::min(text.find(':'), text.size());
+    const auto kind = caseNamed<Kind>(text.substr(0, colon));
+    const auto which = text.substr(std::min(colon + 1, text.size()));
+    std::optional<std::int64_t> id;
+    if (kind == Kind::heading)
+        id = caseNamed<Heading>(which);
+    else
+        id = wholeNumber<std::int64_t>(which);
+    return kind && id ? std::optional(SidebarKey{*kind, *id}) : std::nullopt;
+}
+
 bool canBeRenamed(Kind kind)
 {
     return kind == Kind::project || kind == Kind::album || kind == Kind::smartAlbum || kind == Kind::keyword;
@@ -198,7 +220,7 @@ bool canBeDeleted(Kind kind)
 bool takesPhotos(const SidebarKey& key)
 {
     return key.kind == Kind::album || key.kind == Kind::project || key.kind == Kind::keyword
-        || key == SidebarKey{Kind::source, static_cast<std::int64_t>(Source::flagged)};
+        || key == SidebarKey{Kind::source, static_cast<std::int64_t>(SourceKind::flagged)};
 }
 
 bool canBeMoved(const SidebarKey& what, const SidebarKey& onto, DropAt at)

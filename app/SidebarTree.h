@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Enum.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/store/LibraryStore.h"
 
@@ -17,6 +18,8 @@ struct SidebarNode {
     std::vector<SidebarNode> children = {};
 };
 
+KORVO_ENUM(SidebarNode::Kind, heading, all, source, folder, project, album, smartAlbum, keyword, person)
+
 /// Which line it is, whatever it is called.
 struct SidebarKey {
     SidebarNode::Kind kind = SidebarNode::Kind::heading;
@@ -33,6 +36,12 @@ std::vector<SidebarNode> sidebarTree(const LibraryTree& tree, PhotosCounted coun
 std::optional<std::optional<LibrarySource>> sourceOf(const SidebarKey& key);
 /// The line that stands for a source.
 SidebarKey keyOf(const std::optional<LibrarySource>& source);
+
+/// A line as text to be kept, "project:3" or "heading:keywords"; of others than headings by their ids, which
+/// for the library's own sources are of this version alone.
+std::string lineText(const SidebarKey& key);
+/// Which line that is; nothing for a text of another version.
+std::optional<SidebarKey> parseLine(std::string_view text);
 
 bool canBeRenamed(SidebarNode::Kind kind);
 bool canBeDeleted(SidebarNode::Kind kind);

@@ -128,9 +128,7 @@ ExitCode importBundle(Context& context, const ApertureArguments& arguments)
     SystemTools tools;
     ApertureImport request{arguments.bundle, arguments.into, volumesOf(arguments.volumes), {}};
     if (arguments.matchRenders)
-        request.match = [&](const auto& original, const auto& edits, const auto& preview) {
-            return matchRender(tools.reader, original, edits, preview, context.stop());
-        };
+        request.match = matchBy(tools.reader, context.stop());
     std::optional<ApertureImported> imported;
     {
         PhaseProgress phases(context.progressMode());

@@ -1,7 +1,6 @@
+#include "app/PhotoImport.h"
 #include "app/cli/Commands.h"
 #include "app/cli/Progress.h"
-#include "imports/ImportSource.h"
-#include "platform/linux/LinuxCameras.h"
 #include "platform/linux/LinuxVolumes.h"
 
 #include <fmt/format.h>
@@ -99,31 +98,26 @@ ImportOptions optionsOf(const ImportArguments& arguments)
         .eject = arguments.eject};
 }
 
-ImportResult run(Context& context, FileSource& files, const ImportPlan& plan)
+PhotosImported run(Context& context, const ListedSource& from, const ImportPlan& plan)
 {
     Progress progress("Importing", context.progressMode());
     progress.setTotal(plan.files.size());
-    const auto result = runImport(context.library(), files, plan, context.clock(), context.stop(),
+    auto imported = importPhotos(context.library(), from, plan, context.clock(), context.stop(),
         [&](std::size_t index) { progress.setDone(index - 1); });
     progress.setDone(plan.files.size());
-    return result;
+    return imported;
 }
 
-/// A failure leaves what was imported in place.
-void eject(Context& context, const Source& source, const ImportResult& result)
+/// A volume that is not ejected leaves what was imported in place.
+void print(Context& context, const PhotosImported& imported)
 {
-    LinuxVolumes volumes;
-    const auto ejected = ejectAfter(result, source, volumes);
-    if (ejected && !ejected->done)
-        context.fail(ejected->text);
-    else if (ejected && !context.options().json)
-        context.print(ejected->text);
-}
-
-void noteFailures(Context& context, const ImportListing& listing, const ImportResult& result)
-{
-    for (auto& text : failuresOf(listing, result))
-        context.fail(std::move(text));
+    for (const auto& text : imported.failures)
+        context.fail(text);
+    context.print(imported.counts, countsText(imported.counts));
+    if (imported.ejected && !imported.ejected->done)
+        context.fail(imported.ejected->text);
+    else if (imported.ejected && !context.options().json)
+        context.print(imported.ejected->text);
 }
 
 struct OfferedVolume {
@@ -142,18 +136,16 @@ void listVolumes(Context& context)
     }
 }
 
-ExitCode importPhotos(Context& context, const ImportArguments& arguments)
+ExitCode importFrom(Context& context, const ImportArguments& arguments)
 {
-    Catalog& library = context.library();
-    const auto source = sourceOf(arguments.sources);
-    LinuxCameras cameras;
-    const auto files = openSource(source, cameras);
-    auto listing = listImportable(*files, library, context.stop());
+    auto from = listSource(sourceOf(arguments.sources), context.library(), context.stop());
+    auto& listing = from.listing;
     if (!listing.isWhole)
         throw Interrupted();
     pick(listing.candidates, arguments.keepDuplicates ? Duplicates::take : Duplicates::leaveOut);
     if (arguments.dryRun || listing.candidates.empty())
-        noteFailures(context, listing, {});
+        for (auto& text : failuresOf(listing, {}))
+            context.fail(std::move(text));
     if (arguments.dryRun) {
         printCandidates(context, listing);
         return context.finish(listing.candidates.size());
@@ -163,17 +155,13 @@ ExitCode importPhotos(Context& context, const ImportArguments& arguments)
             context.fail(std::string(importWindow::nothingImportable));
         return context.finish(0);
     }
-    const auto plan = planOf(listing, source, optionsOf(arguments));
+    const auto plan = planOf(listing, from.source, optionsOf(arguments));
     if (arguments.reference && plan.copyTo)
         printError(importWindow::cardsAreCopied);
-    const auto result = run(context, *files, plan);
-    noteFailures(context, listing, result);
-    const auto counts = countsOf(listing, result);
-    context.print(counts, countsText(counts));
-    if (plan.eject && !result.cancelled)
-        eject(context, source, result);
-    return context.finish(
-        counts.imported + counts.duplicates, result.cancelled ? Ended::early : Ended::whole);
+    const auto imported = run(context, from, plan);
+    print(context, imported);
+    return context.finish(imported.counts.imported + imported.counts.duplicates,
+        imported.cancelled ? Ended::early : Ended::whole);
 }
 
 } // namespace
@@ -182,7 +170,7 @@ void addImportCommands(const Commands& app)
 {
     app.add("volumes", "the cards and drives that photos can be imported from", listVolumes);
     app.add<ImportArguments>(
-        "import", "take photos in from cards, drives, folders and cameras", addImportArguments, importPhotos);
+        "import", "take photos in from cards, drives, folders and cameras", addImportArguments, importFrom);
 }
 
 } // namespace korvo

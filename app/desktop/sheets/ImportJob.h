@@ -1,8 +1,7 @@
 #pragma once
 
+#include "app/PhotoImport.h"
 #include "app/desktop/Desktop.h"
-#include "imports/ImportSource.h"
-#include "imports/ImportWindow.h"
 
 namespace korvo {
 
@@ -12,9 +11,8 @@ struct ImportWatcher {
     std::function<void(const Job& job)> ended;
 };
 
-/// Imports what was picked of a listing as a job, which needs no window, ejects the source if the plan says
-/// so, and makes one step of undo of it. `files` are the source's.
-std::shared_ptr<Job> startImport(Desktop& desktop, std::shared_ptr<FileSource> files, const Source& source,
-    ImportListing listing, ImportPlan plan, ImportWatcher watcher);
+/// Imports what was picked of a listing as a job, which needs no window, and makes one step of undo of it.
+std::shared_ptr<Job> startImport(
+    Desktop& desktop, const ListedSource& from, ImportPlan plan, ImportWatcher watcher);
 
 } // namespace korvo

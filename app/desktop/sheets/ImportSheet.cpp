@@ -29,9 +29,7 @@ public:
     void choose(const std::vector<std::filesystem::path>& paths) { sources_->add(paths); }
 
 private:
-    struct Listed {
-        std::shared_ptr<FileSource> files;
-        ImportListing listing;
+    struct Listed : ListedSource {
         std::string fault;
     };
 
@@ -229,9 +227,7 @@ void ImportSheet::list(const Source& source)
             earlier.reset(); // it may be the same camera, which only one can have
             auto found = std::make_shared<Listed>();
             try {
-                LinuxCameras cameras;
-                found->files = openSource(source, cameras);
-                found->listing = listImportable(*found->files, catalog, context.stopToken());
+                static_cast<ListedSource&>(*found) = listSource(source, catalog, context.stopToken());
             } catch (const std::exception& error) {
                 found->fault = textForUser(error);
             }
@@ -346,7 +342,7 @@ void ImportSheet::importFrom(ImportPlan plan)
         if (sheet)
             sheet->finished(job);
     };
-    job_ = startImport(desktop_, listed_.files, source_, listed_.listing, std::move(plan), {progress, ended});
+    job_ = startImport(desktop_, listed_, std::move(plan), {progress, ended});
 }
 
 /// What was imported till then stays, and the next import goes on.
