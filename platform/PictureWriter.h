@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Enum.h"
 #include "platform/Image.h"
 #include "platform/ImageError.h"
 
@@ -11,6 +12,7 @@
 namespace korvo {
 
 enum class PictureFormat { jpeg, png, webp, tiff };
+KORVO_ENUM(PictureFormat, jpeg, png, webp, tiff)
 
 /// The format that a file's name asks for by its ending; nothing for all others.
 std::optional<PictureFormat> pictureFormat(const std::filesystem::path& file);

@@ -1,6 +1,7 @@
 #include "app/desktop/sheets/ExportSheet.h"
 
 #include "app/desktop/Texts.h"
+#include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/PatternField.h"
 #include "base/Json.h"
 #include "base/Record.h"
@@ -11,7 +12,6 @@
 
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -21,11 +21,14 @@
 
 namespace korvo {
 
+enum class ExportSize { whole, limited };
+KORVO_ENUM(ExportSize, whole, limited)
+
 /// What the user chose last.
 struct ExportChoice {
     std::string folder;
-    std::int64_t format = 0;
-    std::int64_t size = 0;
+    PictureFormat format = PictureFormat::jpeg;
+    ExportSize size = ExportSize::whole;
     std::int64_t pixels = 2048;
     std::int64_t quality = 90;
     std::string pattern = "{name}";
@@ -35,7 +38,6 @@ KORVO_RECORD(ExportChoice, folder, format, size, pixels, quality, pattern)
 namespace {
 
 constexpr auto choiceKey = "korvo_export";
-constexpr int wholeSize = 0, limitedSize = 1; // the entries of the size's menu
 
 QSpinBox* spinBox(int lower, int upper, const QString& suffix)
 {
@@ -51,6 +53,13 @@ QHBoxLayout* row(QWidget* first, QWidget* second)
     layout->addWidget(first, 1);
     layout->addWidget(second);
     return layout;
+}
+
+/// The case that a menu, which lists all in their order, stands at.
+template <typename Choice>
+Choice chosenIn(const QComboBox& menu)
+{
+    return casesOf<Choice>.at(static_cast<std::size_t>(menu.currentIndex())).value;
 }
 
 std::string exported(
@@ -76,15 +85,14 @@ void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
 }
 
 ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
-    : QDialog(&window), desktop_(window.desktop()), photos_(std::move(photos)), folder_(new QLineEdit),
-      format_(new QComboBox), size_(new QComboBox), pattern_(new PatternField(desktop_.defaults())),
-      pixels_(spinBox(16, 100000, " pixels")), quality_(spinBox(1, 100, {})), example_(new QLabel)
+    : QDialog(&window), desktop_(window.desktop()), photos_(std::move(photos)),
+      folder_(new FolderField("Export to")), format_(new QComboBox), size_(new QComboBox),
+      pattern_(new PatternField(desktop_.defaults())), pixels_(spinBox(16, 100000, " pixels")),
+      quality_(spinBox(1, 100, {})), example_(new QLabel)
 {
     setWindowTitle("Export " + qt(counted(photos_.size(), "Photo")));
-    auto* const browse = new QPushButton("Choose…");
-    connect(browse, &QPushButton::clicked, this, [this] { chooseFolder(); });
     format_->addItems({"JPEG", "PNG", "WebP", "TIFF"}); // in the order of PictureFormat
-    size_->addItems({"All pixels", "Longer side at most"});
+    size_->addItems({"All pixels", "Longer side at most"}); // in that of ExportSize
     auto* const tokens = new QLabel(qt(namingPresetEditor::help));
     for (auto* const label : {tokens, example_}) {
         label->setWordWrap(true);
@@ -96,7 +104,7 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* const form = new QFormLayout(this);
-    form->addRow("Folder", row(folder_, browse));
+    form->addRow("Folder", folder_);
     form->addRow("F&ormat", format_);
     form->addRow("&Quality", quality_);
     form->addRow("Size", row(size_, pixels_));
@@ -108,7 +116,7 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     load();
     for (auto* const box : {format_, size_})
         connect(box, &QComboBox::currentTextChanged, this, [this] { refresh(); });
-    for (auto* const edit : {folder_, &pattern_->edit()})
+    for (auto* const edit : {&folder_->edit(), &pattern_->edit()})
         connect(edit, &QLineEdit::textChanged, this, [this] { refresh(); });
     refresh();
 }
@@ -122,7 +130,7 @@ void ExportSheet::load()
             choice = fromJson<ExportChoice>(*stored);
     } catch (const JsonError&) { // a preference that cannot be read is none
     }
-    folder_->setText(qt(choice.folder));
+    folder_->edit().setText(qt(choice.folder));
     format_->setCurrentIndex(static_cast<int>(choice.format));
     size_->setCurrentIndex(static_cast<int>(choice.size));
     pixels_->setValue(static_cast<int>(choice.pixels));
@@ -132,31 +140,24 @@ void ExportSheet::load()
 
 void ExportSheet::save() const
 {
-    const ExportChoice choice{utf8(folder_->text()), format_->currentIndex(), size_->currentIndex(),
-        pixels_->value(), quality_->value(), utf8(pattern_->edit().text())};
+    const ExportChoice choice{utf8(folder_->edit().text()), chosenIn<PictureFormat>(*format_),
+        chosenIn<ExportSize>(*size_), pixels_->value(), quality_->value(), utf8(pattern_->edit().text())};
     desktop_.defaults().set(choiceKey, toJson(choice));
 }
 
 ExportPlan ExportSheet::plan() const
 {
-    return {.folder = pathOf(folder_->text()),
-        .format = static_cast<PictureFormat>(format_->currentIndex()),
-        .size = size_->currentIndex() == limitedSize ? pixels_->value() : 0,
+    return {.folder = pathOf(folder_->edit().text()),
+        .format = chosenIn<PictureFormat>(*format_),
+        .size = chosenIn<ExportSize>(*size_) == ExportSize::limited ? pixels_->value() : 0,
         .quality = quality_->value(),
         .pattern = utf8(pattern_->edit().text())};
-}
-
-void ExportSheet::chooseFolder()
-{
-    const auto chosen = QFileDialog::getExistingDirectory(this, "Export to", folder_->text());
-    if (!chosen.isEmpty())
-        folder_->setText(chosen);
 }
 
 void ExportSheet::refresh()
 {
     const auto choice = plan();
-    pixels_->setEnabled(size_->currentIndex() != wholeSize);
+    pixels_->setEnabled(chosenIn<ExportSize>(*size_) == ExportSize::limited);
     quality_->setEnabled(hasQuality(choice.format));
     example_->setText(qt(std::string(namingPresetEditor::example) + " "
         + baseName(photos_.front(), choice.pattern, 1, photos_.size())

@@ -6,13 +6,13 @@
 #include <QDialog>
 
 class QComboBox;
-class QLineEdit;
 class QSpinBox;
 class QPushButton;
 class QLabel;
 
 namespace korvo {
 
+class FolderField;
 class PatternField;
 
 /// Asks how photos are to be exported, and starts it as a job.
@@ -28,13 +28,12 @@ public:
 private:
     void load();
     void save() const;
-    void chooseFolder();
     void refresh();
     void accept() override;
 
     Desktop& desktop_;
     std::vector<PhotoItem> photos_;
-    QLineEdit* folder_;
+    FolderField* folder_;
     QComboBox *format_, *size_;
     PatternField* pattern_;
     QSpinBox *pixels_, *quality_;

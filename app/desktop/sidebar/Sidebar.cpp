@@ -1,5 +1,6 @@
 #include "app/desktop/sidebar/Sidebar.h"
 
+#include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "base/Text.h"
@@ -7,7 +8,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLocale>
-#include <QMessageBox>
 #include <QTreeWidgetItemIterator>
 
 namespace korvo {
@@ -22,17 +22,16 @@ bool isKeyword(const QTreeWidgetItem* item)
     return item && keyOf(*item).kind == Kind::keyword;
 }
 
-QString question(Kind kind, const QString& name)
+/// Of what holds more than itself.
+bool isDeletionWished(QWidget& window, Kind kind, const QString& name)
 {
-    switch (kind) {
-    case Kind::folder:
-        return "Remove the folder “" + name
-            + "” and its photos from the library? The files stay where they are.";
-    case Kind::project:
-        return "Delete the project “" + name + "” with what lies in it? Its photos stay in the library.";
-    default:
-        return {};
-    }
+    if (kind == Kind::folder)
+        return ask(window, "Remove the folder “" + name + "” and its photos from the library?",
+            "The files stay where they are.", "Remove");
+    if (kind == Kind::project)
+        return ask(window, "Delete the project “" + name + "” with what lies in it?",
+            "Its photos stay in the library.", "Delete");
+    return true;
 }
 
 } // namespace
@@ -244,15 +243,16 @@ std::string Sidebar::openLines() const
 {
     std::string text;
     for (const auto& [kind, id] : filter_.isEmpty() ? open() : openBeforeFilter_)
-        text += std::to_string(static_cast<int>(kind)) + ":" + std::to_string(id) + " ";
+        text += lineText({kind, id}) + " ";
     return text;
 }
 
 void Sidebar::restoreOpenLines(const std::string& text)
 {
     std::set<SidebarKey> keys;
-    for (const auto& word : qt(text).split(' ', Qt::SkipEmptyParts))
-        keys.insert({static_cast<Kind>(word.section(':', 0, 0).toInt()), word.section(':', 1).toLongLong()});
+    for (const auto word : split(text, ' '))
+        if (const auto key = parseLine(word))
+            keys.insert(*key);
     if (!keys.empty())
         setOpen(keys);
 }
@@ -322,10 +322,7 @@ void Sidebar::remove(const QTreeWidgetItem& item)
     const QString name = item.text(0);
     if (!canBeDeleted(key.kind) || !window_.commands().settle()) // as before every command
         return;
-    if (const QString asked = question(key.kind, name); !asked.isEmpty()
-        && QMessageBox::question(
-               &window_, "Korvo", asked, QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel)
-            != QMessageBox::Yes)
+    if (!isDeletionWished(window_, key.kind, name))
         return;
     desktop_.attempt([&] {
         const auto source = sourceOf(key);

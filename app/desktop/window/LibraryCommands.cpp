@@ -4,6 +4,7 @@
 #include "app/Marking.h"
 #include "app/Stacking.h"
 #include "app/desktop/Adding.h"
+#include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/NewLines.h"
@@ -17,8 +18,6 @@
 
 #include <QDesktopServices>
 #include <QFileDialog>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QUrl>
 
 #include <set>
@@ -87,13 +86,8 @@ void removeFromLibrary(MainWindow& window)
     auto& store = window.desktop().store();
     const auto ids = window.desktop().browser().targets();
     const auto title = "Remove " + counted(ids.size(), "photo") + " from the library?";
-    QMessageBox box(QMessageBox::Question, "Korvo", qt(title), QMessageBox::Cancel, &window);
-    box.setInformativeText(
-        qt(whatGoesAlong(store.catalog(), ids) + "The files stay where they are on disk."));
-    const QAbstractButton* const remove = box.addButton("Remove", QMessageBox::DestructiveRole);
-    box.setDefaultButton(QMessageBox::Cancel);
-    box.exec();
-    if (box.clickedButton() != remove)
+    const auto details = whatGoesAlong(store.catalog(), ids) + "The files stay where they are on disk.";
+    if (!ask(window, qt(title), qt(details), "Remove"))
         return;
     removePhotos(store, ids);
     window.desktop().say("Removed " + counted(ids.size(), "photo") + " from the library.", Offer::undo);

@@ -1,25 +1,13 @@
 #include "app/desktop/window/Quitting.h"
 
+#include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 
 #include <QLocale>
-#include <QMessageBox>
-#include <QPushButton>
 
 namespace korvo {
 
 namespace {
-
-bool isQuitChosen(QWidget& window, const QString& title, const QString& text, const QString& goOn)
-{
-    QMessageBox question(QMessageBox::Warning, "Korvo", title, QMessageBox::NoButton, &window);
-    question.setTextFormat(Qt::PlainText);
-    question.setInformativeText(text);
-    const auto* const quit = question.addButton("Quit", QMessageBox::DestructiveRole);
-    question.setDefaultButton(question.addButton(goOn, QMessageBox::RejectRole));
-    question.exec();
-    return question.clickedButton() == quit;
-}
 
 QString inQuotes(const Job& job)
 {
@@ -41,8 +29,8 @@ QString whatStoppingLeaves(const Job& job)
 
 bool isLossWished(QWidget& window)
 {
-    return isQuitChosen(
-        window, "What you changed last could not be stored.", "Quitting now loses it.", "Go Back");
+    return ask(
+        window, "What you changed last could not be stored.", "Quitting now loses it.", "Quit", "Go Back");
 }
 
 bool isEndWished(QWidget& window, const std::vector<std::shared_ptr<Job>>& jobs)
@@ -53,7 +41,7 @@ bool isEndWished(QWidget& window, const std::vector<std::shared_ptr<Job>>& jobs)
     for (const auto& job : jobs)
         lines << (isOne ? QString() : inQuotes(*job) + ": ") + whatStoppingLeaves(*job);
     lines << (isOne ? "Quitting ends it here." : "Quitting ends them here.");
-    return isQuitChosen(window, title + " still going on.", lines.join('\n'), "Go On");
+    return ask(window, title + " still going on.", lines.join('\n'), "Quit", "Go On");
 }
 
 } // namespace korvo
