@@ -17,7 +17,8 @@ namespace korvo {
 
 namespace {
 
-/// Imports an Aperture library, as a job that goes on when the sheet is closed.
+/// Imports an Aperture library, as a job that goes on when the sheet is closed: opened again, the sheet is
+/// the one that follows it.
 class ApertureSheet : public QDialog {
 public:
     explicit ApertureSheet(MainWindow& window);
@@ -25,12 +26,14 @@ public:
 
 private:
     QLayout* makeForm();
+    QLayout* makeProgress();
     void makeButtons();
     void bundleChanged();
     void lookForVolumes();
     void showVolumes(const std::map<std::string, std::size_t>& volumes, const std::string& fault);
     ApertureImport chosen() const;
     void start();
+    void stop();
     void showProgress(const ApertureImporter::Progress& progress);
     void finished(const Job& job, const std::optional<ApertureImported>& imported);
     void openImported();
@@ -45,7 +48,7 @@ private:
     QCheckBox* match_;
     QLabel* status_;
     QProgressBar* progress_;
-    QPushButton* close_;
+    QPushButton* stop_;
     QDialogButtonBox* buttons_;
     QPushButton* import_;
     std::weak_ptr<Job> job_;
@@ -57,7 +60,7 @@ ApertureSheet::ApertureSheet(MainWindow& window)
     : QDialog(&window), desktop_(window.desktop()), bundle_(new FolderField(tr("Aperture Library"))),
       beside_(new QRadioButton), here_(new QRadioButton(tr("Into this library"))), volumesBox_(new QWidget),
       volumes_(new QFormLayout(volumesBox_)), match_(new QCheckBox(tr("Match Aperture's renders"))),
-      status_(new QLabel), progress_(new QProgressBar)
+      status_(new QLabel), progress_(new QProgressBar), stop_(new QPushButton(tr("Stop")))
 {
     setWindowTitle(tr("Import Aperture Library"));
     auto* const layout = new QVBoxLayout(this);
@@ -66,11 +69,9 @@ ApertureSheet::ApertureSheet(MainWindow& window)
     status_->setWordWrap(true);
     status_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(status_);
-    layout->addWidget(progress_);
+    layout->addLayout(makeProgress());
     layout->addStretch(1);
     volumesBox_->hide();
-    progress_->hide();
-    progress_->setTextVisible(false);
     makeButtons();
     connect(&bundle_->edit(), &QLineEdit::textChanged, this, [this] { bundleChanged(); });
     resize(600, 360);
@@ -98,17 +99,24 @@ QLayout* ApertureSheet::makeForm()
     return form;
 }
 
+QLayout* ApertureSheet::makeProgress()
+{
+    auto* const row = new QHBoxLayout;
+    progress_->setTextVisible(false);
+    progress_->hide();
+    stop_->setAutoDefault(false);
+    stop_->hide();
+    connect(stop_, &QPushButton::clicked, this, [this] { stop(); });
+    row->addWidget(progress_, 1);
+    row->addWidget(stop_);
+    return row;
+}
+
 void ApertureSheet::makeButtons()
 {
-    buttons_ = new QDialogButtonBox;
-    close_ = buttons_->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
+    buttons_ = new QDialogButtonBox(QDialogButtonBox::Close);
     import_ = buttons_->addButton(tr("Import"), QDialogButtonBox::AcceptRole);
-    connect(buttons_, &QDialogButtonBox::rejected, this, [this] {
-        if (const auto job = job_.lock(); job && job->isRunning())
-            job->cancel();
-        else
-            close();
-    });
+    connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::close);
     connect(buttons_, &QDialogButtonBox::accepted, this, [this] { start(); });
     layout()->addWidget(buttons_);
 }
@@ -172,23 +180,19 @@ ApertureImport ApertureSheet::chosen() const
     return import;
 }
 
-/// The rendering of ours that Aperture's is compared with. `reader` must outlive it.
-MatchRender matchBy(ImageReader& reader, std::stop_token stop)
-{
-    return [&reader, stop = std::move(stop)](const std::filesystem::path& original, const PhotoEdits& edits,
-               const std::filesystem::path& preview) {
-        return matchRender(reader, original, edits, preview, stop);
-    };
-}
-
 void ApertureSheet::start()
 {
     const QPointer<ApertureSheet> sheet(this);
     auto& desktop = desktop_;
     const auto matching = match_->isChecked() ? Matching::on : Matching::off;
     const auto imported = std::make_shared<std::optional<ApertureImported>>();
+    setAttribute(Qt::WA_DeleteOnClose, false); // closed meanwhile, it comes back with what it runs
     import_->setEnabled(false);
+    bundle_->setEnabled(false);
+    progress_->setRange(0, 0);
     progress_->show();
+    stop_->setEnabled(true);
+    stop_->show();
     const auto work = [sheet, &desktop, matching, imported, import = chosen()](JobContext& job) mutable {
         if (matching == Matching::on)
             import.match = matchBy(desktop.imageReader(), job.stop());
@@ -214,6 +218,14 @@ void ApertureSheet::start()
         "Importing " + chosen().bundle.filename().native(), Stopping::drops, work, finish);
 }
 
+/// Nothing of the import stays.
+void ApertureSheet::stop()
+{
+    stop_->setEnabled(false);
+    if (const auto job = job_.lock())
+        job->cancel();
+}
+
 void ApertureSheet::showProgress(const ApertureImporter::Progress& progress)
 {
     status_->setText(qt(progress.phase));
@@ -223,16 +235,22 @@ void ApertureSheet::showProgress(const ApertureImporter::Progress& progress)
 
 void ApertureSheet::finished(const Job& job, const std::optional<ApertureImported>& imported)
 {
+    setAttribute(Qt::WA_DeleteOnClose);
+    if (!isVisible()) {
+        deleteLater();
+        return;
+    }
     auto text = qt(job.summary());
     if (imported)
         for (const auto& note : translationNotes(imported->summary.report))
             text += "\n" + qt(note);
     status_->setText(text);
     progress_->hide();
+    stop_->hide();
+    bundle_->setEnabled(true);
     import_->setEnabled(!imported);
     if (!imported)
         return;
-    close_->setText(tr("Close"));
     imported_ = imported->library;
     if (imported_ == desktop_.store().catalog().libraryURL())
         return;
