@@ -88,6 +88,7 @@ public:
     /// The masters and all their versions.
     std::vector<PhotoID> withVersions(std::span<const PhotoID> masters);
     bool isCaptureDateRead(PhotoID id);
+    bool isPositionRead(PhotoID id);
     /// The position that the user gives a photo, for its versions too; none takes it away. The file's own
     /// does not come back.
     void setUserPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude);

@@ -60,6 +60,11 @@ bool Catalog::isCaptureDateRead(PhotoID id)
     return database_.scalar("SELECT capture_read FROM photos WHERE id = ?", id) != 0;
 }
 
+bool Catalog::isPositionRead(PhotoID id)
+{
+    return database_.scalar("SELECT gps_read FROM photos WHERE id = ?", id) != 0;
+}
+
 void Catalog::setUserPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude)
 {
     runAlone(database_,

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "catalog/sql/DatabaseError.h"
+#include "metadata/AdjustmentSteps.h"
 
 #include <fmt/format.h>
 
@@ -41,6 +42,19 @@ std::string revertSummary(const FilesWritten& result)
 {
     return result.failures.empty() ? "Reverted metadata on " + counted(result.done, "photo") + "."
                                    : partly("Reverted", result);
+}
+
+std::string shiftSummary(const FilesWritten& result)
+{
+    return result.failures.empty() ? "Moved the dates of " + counted(result.done, "photo") + "."
+                                   : partly("Moved", result);
+}
+
+std::string positionSummary(const FilesWritten& result, const std::optional<Coordinate>& position)
+{
+    if (!result.failures.empty())
+        return partly(position ? "Located" : "Cleared", result);
+    return (position ? "Located " : "Took the position from ") + counted(result.done, "photo") + ".";
 }
 
 AutosaveTexts autosaveTexts(MetadataWriteBack::Autosave autosave)
@@ -156,12 +170,58 @@ void MetadataWriteBack::revertMetadataToAsFound(std::span<const PhotoID> photos)
             const FileProgress& progress) { return revertMetadata(catalog, ids, tool, stop, progress); });
 }
 
-void MetadataWriteBack::begin(std::string verb, std::string (*summary)(const FilesWritten&), Work work)
+void MetadataWriteBack::shiftDates(std::span<const PhotoID> photos, double seconds)
+{
+    const auto step = std::make_shared<DateShift>(std::vector(photos.begin(), photos.end()), seconds);
+    adjust({"Shift Capture Dates", "Shifting", shiftSummary,
+        [step](auto&&... arguments) { return step->run(arguments...); }});
+}
+
+void MetadataWriteBack::setPosition(
+    std::span<const PhotoID> photos, const std::optional<Coordinate>& position)
+{
+    const auto step = std::make_shared<PositionChange>(std::vector(photos.begin(), photos.end()), position);
+    adjust({position ? "Set Position" : "Clear Position", "Locating",
+        [position](const FilesWritten& result) { return positionSummary(result, position); },
+        [step](auto&&... arguments) { return step->run(arguments...); }});
+}
+
+void MetadataWriteBack::adjust(const Adjustment& adjustment)
+{
+    main_.assertCurrent();
+    begin(adjustment, UndoWay::forth,
+        [this, adjustment, since = store_.newestStep()](const FilesWritten& result) {
+            if (!result.touched.empty())
+                store_.adopt(
+                    adjustment.title, [this, adjustment](UndoWay way) { begin(adjustment, way, {}); }, since);
+        });
+}
+
+void MetadataWriteBack::begin(const Adjustment& adjustment, UndoWay way, Ended ended)
+{
+    if (saving_)
+        throw RevertRefused(RevertRefused::Case::busy);
+    Summary summary = adjustment.summary;
+    if (way == UndoWay::back)
+        summary = [title = adjustment.title](const FilesWritten& result) {
+            return result.failures.empty()
+                ? "Took back “" + title + "” for " + counted(result.done, "photo") + "."
+                : partly("Took back", result);
+        };
+    begin(
+        adjustment.verb, std::move(summary),
+        [run = adjustment.run, way, &tool = tool_](Catalog& catalog, const std::stop_token& stop,
+            const FileProgress& progress) { return run(way, catalog, tool, stop, progress); },
+        std::move(ended));
+}
+
+void MetadataWriteBack::begin(std::string verb, Summary summary, Work work, Ended ended)
 {
     saving_ = true;
     stop_ = {};
+    ended_ = std::move(ended);
     task_ = runInBackground(main_,
-        [this, &catalog = store_.catalog(), stop = stop_, doing = std::move(verb), summary,
+        [this, &catalog = store_.catalog(), stop = stop_, doing = std::move(verb), sum = std::move(summary),
             job = std::move(work)](const Task::Context& context) {
             const auto deliver = [&](FilesWritten result, std::string message, bool missing) {
                 context.deliver([=, this] {
@@ -175,7 +235,7 @@ void MetadataWriteBack::begin(std::string verb, std::string (*summary)(const Fil
                 auto result = job(catalog, stop.get_token(), [&](std::size_t number, std::size_t total) {
                     context.deliver([=, this] { say(fmt::format("{} {} of {}…", doing, number, total)); });
                 });
-                const auto message = result.fault.empty() ? summary(result) : result.fault;
+                const auto message = result.fault.empty() ? sum(result) : result.fault;
                 deliver(std::move(result), message, false);
             } catch (const ExifToolError& error) {
                 deliver({.fault = textForUser(error)}, textForUser(error),
@@ -205,6 +265,8 @@ void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
     for (const auto& [photo, why] : result.failures)
         statuses.emplace_back(photo, PhotoItem::Status{PhotoItem::Status::Kind::error, why});
     store_.setStatuses(statuses);
+    if (const auto ended = std::exchange(ended_, {}))
+        ended(result);
     try {
         store_.photosChanged(store_.catalog().withVersions(result.touched));
         dirtyCount_ = store_.catalog().dirtyCount();

@@ -2,6 +2,7 @@
 
 #include "base/Task.h"
 #include "catalog/store/LibraryStore.h"
+#include "metadata/Coordinate.h"
 #include "metadata/MetadataSave.h"
 #include "platform/Defaults.h"
 
@@ -26,13 +27,16 @@ private:
 /// What a save or a revert has to say at its end.
 std::string saveSummary(const FilesWritten& result);
 std::string revertSummary(const FilesWritten& result);
+std::string shiftSummary(const FilesWritten& result);
+std::string positionSummary(const FilesWritten& result, const std::optional<Coordinate>& position);
 
 /// What the user is asked before a revert, and the title above it.
 constexpr auto revertTitle = "Revert metadata?";
 std::string revertQuestion(std::size_t photos);
 
-/// Keeps files in step with the descriptive metadata of the open library: saving on command or by itself, and
-/// going back to what the files held. The files are written in the background. Used on the main thread.
+/// Keeps files in step with the metadata of the open library: saving on command or by itself, going back to
+/// what the files held, and changing dates and positions in both. The files are written in the background.
+/// Used on the main thread.
 class MetadataWriteBack {
 public:
     enum class Autosave { off, on };
@@ -69,13 +73,32 @@ public:
     void requireRevertible(std::span<const PhotoID> photos) const;
     /// Throws RevertRefused.
     void revertMetadataToAsFound(std::span<const PhotoID> photos);
+    /// Moves capture dates by some seconds, in the library and in the files, as one step of undo. Undo and
+    /// redo write files too, in the background as this does. All three throw RevertRefused while something
+    /// runs.
+    void shiftDates(std::span<const PhotoID> photos, double seconds);
+    /// Gives photos a position, or takes it from them, in the same manner.
+    void setPosition(std::span<const PhotoID> photos, const std::optional<Coordinate>& position);
 
 private:
     using Work = std::function<FilesWritten(Catalog&, const std::stop_token&, const FileProgress&)>;
 
     void libraryChanged(const LibraryChange& change);
     void count();
-    void begin(std::string verb, std::string (*summary)(const FilesWritten&), Work work);
+    using Summary = std::function<std::string(const FilesWritten&)>;
+    using Ended = std::function<void(const FilesWritten&)>;
+    /// What is done to files and can be taken back.
+    struct Adjustment {
+        std::string title; // in the Edit menu
+        std::string verb;
+        Summary summary;
+        std::function<FilesWritten(
+            UndoWay, Catalog&, const ExifTool&, const std::stop_token&, const FileProgress&)>
+            run;
+    };
+    void adjust(const Adjustment& adjustment);
+    void begin(const Adjustment& adjustment, UndoWay way, Ended ended);
+    void begin(std::string verb, Summary summary, Work work, Ended ended = {});
     void say(std::string message);
     void finish(const FilesWritten& result, std::string message);
 
@@ -90,6 +113,7 @@ private:
     bool exiftoolMissing_ = false;
     std::string statusMessage_;
     std::stop_source stop_; // of what is running
+    Ended ended_; // the same
     std::vector<FileFailure> failures_;
     Connection storeChanged_;
     MainThread::Timer autosaveTask_;

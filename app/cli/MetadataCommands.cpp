@@ -127,7 +127,7 @@ ExitCode shiftPhotoDates(Context& context, const ShiftArguments& arguments)
         = withProgress(context, "Shifting", [&](const ExifTool& tool, const FileProgress& progress) {
               return shiftDates(context.library(), ids, arguments.seconds, tool, context.stop(), progress);
           });
-    return report(context, result, "shifted", "Moved the dates of " + counted(result.done, "photo") + ".");
+    return report(context, result, "shifted", shiftSummary(result));
 }
 
 struct LocateArguments {
@@ -165,8 +165,7 @@ ExitCode locate(Context& context, LocateArguments arguments)
         = withProgress(context, "Locating", [&](const ExifTool& tool, const FileProgress& progress) {
               return setLocation(context.library(), ids, position, tool, context.stop(), progress);
           });
-    return report(context, result, "located",
-        (position ? "Located " : "Took the position from ") + counted(result.done, "photo") + ".");
+    return report(context, result, "located", positionSummary(result, position));
 }
 
 ExitCode saveFields(Context& context)

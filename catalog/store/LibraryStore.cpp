@@ -142,6 +142,14 @@ void LibraryStore::adopt(std::string_view verb, AddedRows added, std::uint64_t s
     reload();
 }
 
+void LibraryStore::adopt(std::string title, std::function<void(UndoWay)> retrace, std::uint64_t since)
+{
+    main_.assertCurrent();
+    history_.addBehind(
+        since, {.title = std::move(title), .changes = {}, .added = {}, .retrace = std::move(retrace)});
+    changed.emit({});
+}
+
 std::optional<std::uint64_t> LibraryStore::undoStep() const
 {
     const UndoStep* const step = history_.toUndo();
@@ -188,7 +196,11 @@ std::size_t LibraryStore::undo()
     const UndoStep* const step = history_.toUndo();
     if (step && step->added.areThere())
         return takeOut(step->added);
-    if (step)
+    if (step && step->retrace) {
+        step->retrace(Way::back);
+        history_.undone();
+        changed.emit({});
+    } else if (step)
         retrace(step->changes.inverted(), Way::back);
     return 0;
 }
@@ -196,7 +208,12 @@ std::size_t LibraryStore::undo()
 void LibraryStore::redo()
 {
     main_.assertCurrent();
-    if (const UndoStep* const step = history_.toRedo())
+    const UndoStep* const step = history_.toRedo();
+    if (step && step->retrace) {
+        step->retrace(Way::forth);
+        history_.redone();
+        changed.emit({});
+    } else if (step)
         retrace(step->changes, Way::forth);
 }
 

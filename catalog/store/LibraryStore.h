@@ -85,6 +85,9 @@ public:
     /// Photos": undo does Catalog::takeOut, the files stay, and redo brings everything back as it was then.
     /// What was done since the job began, when newestStep() was `since`, is undone before it.
     void adopt(std::string_view verb, AddedRows added, std::uint64_t since);
+    /// The same of a job that has changed photos and their files: undo and redo call `retrace`, which begins
+    /// what they ask for, and by throwing leaves the step as it is.
+    void adopt(std::string title, std::function<void(UndoWay)> retrace, std::uint64_t since);
 
     /// A number for the action that would be undone, which no other gets.
     std::optional<std::uint64_t> undoStep() const;
@@ -158,7 +161,7 @@ private:
     };
     /// Makes a change in a transaction of its own and returns what it did.
     Recorded recorded(const std::function<void(Catalog&)>& change);
-    enum class Way { back, forth };
+    using Way = UndoWay;
     /// Takes the step that is next on this way; forgets it when it can never be taken.
     void attempt(Way way, const std::function<void()>& step);
     /// Takes back that these were added; returns how many photos left the library.

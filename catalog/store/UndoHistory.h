@@ -5,15 +5,20 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 
 namespace korvo {
+
+enum class UndoWay { back, forth };
 
 /// One user action, whatever the number of photos it changed.
 struct UndoStep {
     std::string title; // "Set Rating"
     Changeset changes;
     AddedRows added; // which undo takes out of the library, whatever became of them since
+    /// Begins what takes it back or does it again, where files have part in it; it may refuse by throwing.
+    std::function<void(UndoWay)> retrace = {};
     std::uint64_t number = 0; // given by the history, never twice
 };
 

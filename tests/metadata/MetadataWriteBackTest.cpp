@@ -211,4 +211,69 @@ TEST(MetadataWriteBack, endsAHangingToolWhenItGoes)
     EXPECT_EQ(library.store->catalog().dirtyCount(), 1);
 }
 
+TEST(MetadataWriteBack, shiftsDatesAsAStepThatTakesThemBackWhereTheyWereMoved)
+{
+    OpenLibrary library(3);
+    auto& store = *library.store;
+    const auto dates = [&] {
+        std::vector<double> all;
+        for (const PhotoID id : library.ids)
+            all.push_back(store.list().find(id)->captureDate.value_or(0));
+        return all;
+    };
+    for (const PhotoID id : library.ids)
+        store.catalog().shiftCaptureDate(id, 0); // from then on the date is the catalog's
+    store.reload();
+    const auto before = dates();
+    library.exiftool.failing = "2.jpg";
+    library.writeBack->shiftDates(library.ids, 60);
+    EXPECT_THROW(library.writeBack->shiftDates(library.ids, 60), RevertRefused);
+    setRating(store, only(1), 5);
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(library.writeBack->statusMessage(), "Moved 2, failed 1 — see marked photos.");
+    EXPECT_EQ(store.undoTitle(), "Set Rating") << "which was done meanwhile";
+    store.undo();
+    EXPECT_EQ(store.undoTitle(), "Shift Capture Dates");
+    for (std::size_t i = 0; i < before.size(); ++i)
+        EXPECT_EQ(dates()[i], before[i] + 60);
+    library.exiftool.failing = "3.jpg";
+    const auto made = library.calls();
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(dates(), before);
+    EXPECT_EQ(library.calls(), made + 2) << "the second file was never moved";
+    EXPECT_EQ(store.redoTitle(), "Shift Capture Dates");
+    library.exiftool.failing.clear();
+    store.redo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(library.exiftool.calls().back(), "-AllDates+=0:0:0 0:1:0 2.jpg") << "the third still is";
+    EXPECT_EQ(library.calls(), made + 4);
+    for (std::size_t i = 0; i < before.size(); ++i)
+        EXPECT_EQ(dates()[i], before[i] + 60);
+}
+
+TEST(MetadataWriteBack, takesPositionsBackToWhatEachPhotoHad)
+{
+    OpenLibrary library(2);
+    auto& store = *library.store;
+    store.catalog().setUserPosition(1, 10, 20);
+    library.writeBack->setPosition(library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(store.list().find(2)->latitude, 48);
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(library.writeBack->statusMessage(), "Took back “Set Position” for 2 photos.");
+    EXPECT_EQ(store.list().find(1)->latitude, 10);
+    EXPECT_FALSE(store.list().find(2)->latitude);
+    EXPECT_EQ(library.exiftool.calls(),
+        (Texts{
+            "-GPSLatitude=48 1.jpg", "-GPSLatitude=48 2.jpg", "-GPSLatitude=10 1.jpg", "-GPS:all= 2.jpg"}));
+    store.redo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(store.list().find(1)->longitude, 11);
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(store.list().find(1)->longitude, 20);
+}
+
 } // namespace korvo

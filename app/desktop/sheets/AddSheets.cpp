@@ -13,6 +13,12 @@ void addSheets(MainWindow& window)
     handle(Command::importAperture, showApertureImport);
     handle(Command::newSmartAlbum, [](MainWindow& over) { showSmartAlbumSheet(over, std::nullopt); });
     handle(Command::autoStack, showAutoStackSheet);
+    handle(Command::shiftDates, showShiftDates);
+    handle(Command::setPosition, showSetPosition);
+    handle(Command::clearPosition, [](MainWindow& over) {
+        auto& desktop = over.desktop();
+        desktop.session().writeBack().setPosition(desktop.browser().targets(), std::nullopt);
+    });
     handle(Command::namingPresets, showNamingPresets);
     handle(Command::settings, showSettings);
     handle(Command::keys, showKeys);

@@ -20,6 +20,9 @@ QWidget* showApertureImport(MainWindow& window);
 /// Changes a smart album; without an id makes one.
 QWidget* showSmartAlbumSheet(MainWindow& window, std::optional<std::int64_t> id);
 QWidget* showAutoStackSheet(MainWindow& window);
+/// Both act on the photos that commands act on, which must be some.
+QWidget* showShiftDates(MainWindow& window);
+QWidget* showSetPosition(MainWindow& window);
 QWidget* showNamingPresets(MainWindow& window);
 QWidget* showSettings(MainWindow& window);
 QWidget* showKeys(MainWindow& window);

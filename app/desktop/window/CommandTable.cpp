@@ -20,6 +20,7 @@ constexpr CommandInfo line(CommandMenu menu, const char* submenu = nullptr)
 constexpr CommandInfo table[] = {
     {C::newLibrary, M::file, nullptr, "New Library…", "Ctrl+Shift+N"},
     {C::openLibrary, M::file, nullptr, "Open Library…", "Ctrl+O"},
+    {C::openRecent, M::file, nullptr, "Open Recent", ""},
     line(M::file),
     {C::addFolder, M::file, nullptr, "Add Folder…", "Ctrl+Shift+O"},
     {C::importPhotos, M::file, nullptr, "Import…", "Ctrl+I"},
@@ -94,6 +95,10 @@ constexpr CommandInfo table[] = {
     {C::earlierInStack, M::photo, "Stack", "One Place Earlier in the Stack", "Alt+PgUp", N::stacked, centre},
     {C::laterInStack, M::photo, "Stack", "One Place Later in the Stack", "Alt+PgDown", N::stacked, centre},
     {C::autoStack, M::photo, "Stack", "Auto-Stack…", "", N::shown},
+    line(M::photo),
+    {C::shiftDates, M::photo, nullptr, "Shift Capture Dates…", "", N::photos},
+    {C::setPosition, M::photo, nullptr, "Set Position…", "", N::photos},
+    {C::clearPosition, M::photo, nullptr, "Clear Position", "", N::photos},
     line(M::photo),
     {C::showInFolder, M::photo, nullptr, "Show in Folder", "", N::photos},
 

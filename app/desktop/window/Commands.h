@@ -32,14 +32,15 @@ namespace korvo {
 // clang-format off
 enum class Command {
     // File
-    newLibrary, openLibrary, addFolder, importPhotos, importAperture, exportPhotos, saveMetadata, revertMetadata,
+    newLibrary, openLibrary, openRecent, addFolder, importPhotos, importAperture, exportPhotos, saveMetadata, revertMetadata,
     newProject, newAlbum, newSmartAlbum, editSmartAlbum, newKeyword, autoStack, namingPresets, settings, quit,
     // Edit
     undo, redo, selectAll, selectNone, remove, removeFromLibrary, rename, find, copyAdjustments, pasteAdjustments,
     // Photo
     rate0, rate1, rate2, rate3, rate4, rate5, rateUp, rateDown, reject, pick, clearMarks, toggleFlag,
     labelRed, labelOrange, labelYellow, labelGreen, labelBlue, labelPurple, labelGray, labelNone,
-    newVersion, showVersions, addTo, moveEarlier, moveLater, stack, unstack, toggleStack, setPick, earlierInStack, laterInStack, rotateLeft, rotateRight, autoAdjust, resetAdjustments, showInFolder,
+    newVersion, showVersions, addTo, moveEarlier, moveLater, stack, unstack, toggleStack, setPick, earlierInStack, laterInStack, rotateLeft, rotateRight, autoAdjust, resetAdjustments,
+    shiftDates, setPosition, clearPosition, showInFolder,
     // View
     grid, viewer, space, cycle, compare, survey, actualSize, loupe, beforeAfter, nextPhoto, previousPhoto,
     fullScreenPhoto, fullScreenWindow, sidebar, inspector, filmstrip, hideSides, largerThumbnails, smallerThumbnails, escape,

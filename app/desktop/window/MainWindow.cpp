@@ -50,6 +50,7 @@ MainWindow::MainWindow(Desktop& desktop)
     makeCommands();
     addMarking(*this);
     addLibraryCommands(*this);
+    addOpenRecent(*this);
     addSidebar(*this);
     addGrid(*this);
     addToolbar(*this);

@@ -10,6 +10,7 @@ class MainWindow;
 void addGrid(MainWindow& window);
 void addMarking(MainWindow& window); ///< the keys that rate, flag, reject and label
 void addLibraryCommands(MainWindow& window); ///< libraries, folders, albums, stacks, removing
+void addOpenRecent(MainWindow& window);
 void addToolbar(MainWindow& window);
 void addStatusLine(MainWindow& window);
 void addSidebar(MainWindow& window);

@@ -1,9 +1,13 @@
 #include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/Texts.h"
+#include "app/desktop/sheets/ExportSheet.h"
+#include "base/Dates.h"
 #include "catalog/Stacks.h"
 #include "catalog/store/LibraryActions.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/platform/DiskService.h"
+#include "tests/support/ApertureBundle.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -14,6 +18,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSlider>
+#include <QSpinBox>
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -255,6 +260,81 @@ TEST(ImportSheet, takesACardInAndLetsItGo)
     sheet.close();
     umount2(card.c_str(), MNT_DETACH); // in case it failed
     qunsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+TEST(ApertureSheet, goesOnWhenItIsClosedAndComesBackWithWhatItRuns)
+{
+    TestWindow t(0);
+    ApertureBundle bundle(t.folder / "My.aplibrary");
+    bundle.add({.name = "a.jpg"});
+    ApertureBundle::finish(std::move(bundle));
+    QWidget& sheet = *showApertureImport(*t.window);
+    named<QLineEdit>(sheet, "Aperture Library").setText((t.folder / "My.aplibrary").c_str());
+    click(sheet, "Import");
+    dynamic_cast<QDialog&>(sheet).reject(); // as Esc does
+    EXPECT_FALSE(sheet.isVisible());
+    EXPECT_EQ(showApertureImport(*t.window), &sheet);
+    EXPECT_TRUE(named<QPushButton>(sheet, "Stop").isEnabled());
+    EXPECT_TRUE(comesToSay(sheet, "1 photo"));
+    EXPECT_NO_THROW(named<QPushButton>(sheet, "Open the New Library"));
+    EXPECT_THROW(named<QPushButton>(sheet, "Stop"), std::out_of_range);
+    EXPECT_TRUE(std::filesystem::exists(t.folder / "My Korvo/catalog.sqlite"));
+    sheet.close();
+}
+
+TEST(ExportSheet, remembersWhatWasChosenAndReadsNoOtherVersions)
+{
+    TestWindow t(1);
+    for (const auto& [stored, expected] : {std::pair{R"("webp")", PictureFormat::webp},
+             {"9", PictureFormat::jpeg}, {R"("heic")", PictureFormat::jpeg}}) {
+        t.defaults.set("korvo_export",
+            R"({"folder":"/out","size":"limited","pixels":800,"quality":70,"pattern":"{name}","format":)"
+                + std::string(stored) + "}");
+        const auto plan = ExportSheet(*t.window, {t.listed(1)}).plan();
+        EXPECT_EQ(plan.format, expected) << stored;
+        EXPECT_EQ(plan.size, expected == PictureFormat::webp ? 800 : 0);
+    }
+}
+
+TEST(ShiftDatesSheet, showsAndShiftsTheFirstPhoto)
+{
+    TestWindow t(2);
+    t.store().catalog().shiftCaptureDate(2, 1e9);
+    t.store().reload();
+    t.store().select({2});
+    QWidget& sheet = *showShiftDates(*t.window);
+    EXPECT_FALSE(named<QPushButton>(sheet, "Shift 1 Photo").isEnabled());
+    const auto before = *t.listed(2).captureDate;
+    named<QSpinBox>(sheet, "hours").setValue(2);
+    named<QSpinBox>(sheet, "seconds").setValue(5);
+    named<QComboBox>(sheet, "Direction").setCurrentText("Earlier");
+    EXPECT_TRUE(says(sheet, qt(localDateTime(before) + " → " + localDateTime(before - 7205))));
+    click(sheet, "Shift 1 Photo");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return *t.listed(2).captureDate == before - 7205; }));
+    EXPECT_EQ(t.store().undoTitle(), "Shift Capture Dates");
+}
+
+TEST(PositionSheet, readsWhatPeopleWriteAndClearsIt)
+{
+    TestWindow t(1);
+    t.store().select({1});
+    QWidget& sheet = *showSetPosition(*t.window);
+    auto& text = named<QLineEdit>(sheet, "Latitude and longitude");
+    text.setText("48.137");
+    EXPECT_FALSE(named<QPushButton>(sheet, "Set for 1 Photo").isEnabled());
+    text.setText("33.5° S, 18.25 E");
+    EXPECT_TRUE(says(sheet, "33.50000° S, 18.25000° E"));
+    click(sheet, "Set for 1 Photo");
+    auto& writeBack = t.desktop->session().writeBack();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !writeBack.isSaving(); }));
+    EXPECT_EQ(t.listed(1).latitude, -33.5);
+    QWidget& again = *showSetPosition(*t.window);
+    EXPECT_TRUE(named<QPushButton>(again, "Set for 1 Photo").isEnabled()) << "it has one now";
+    again.close();
+    t.window->commands().run(Command::clearPosition);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !writeBack.isSaving(); }));
+    EXPECT_FALSE(t.listed(1).latitude);
+    EXPECT_EQ(t.store().undoTitle(), "Clear Position");
 }
 
 TEST(NamingSheet, keepsEachChange)
