@@ -126,7 +126,8 @@ private:
 
     void store(Batch& batch)
     {
-        const auto photos = result_.photos.size(), folders = result_.folders.size(), known = result_.known;
+        const auto photos = result_.photos.size(), folders = result_.folders.size(), known = result_.known,
+                   met = result_.met.size();
         try {
             keep(batch);
         } catch (...) { // nothing of this batch
@@ -134,6 +135,7 @@ private:
             result_.folders.resize(folders);
             result_.added = photos;
             result_.known = known;
+            result_.met.resize(met);
             throw;
         }
         done_ += batch.size();
@@ -158,6 +160,7 @@ private:
         const auto added = catalog_.addPhotos(photos);
         for (std::size_t i = 0; i < added.size(); ++i) {
             ++(added[i].isNew ? result_.added : result_.known);
+            result_.met.push_back(added[i].id);
             if (added[i].isNew)
                 result_.photos.push_back(added[i].id);
             if (!added[i].isNew && sources[i]->wasUnread && photos[i].fileSize)

@@ -19,6 +19,7 @@ struct AddResult : AddedRows {
     std::size_t added = 0;
     std::size_t known = 0; // had a master already
     std::size_t ignored = 0; // of a kind that a library does not hold
+    std::vector<PhotoID> met; // added or known, in the order of the scan
     std::vector<PathFailure> failures;
     bool cancelled = false;
     std::string broken; // why it ended before all was tried; else empty

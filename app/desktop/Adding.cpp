@@ -37,32 +37,34 @@ std::string summaryOf(const AddResult& result)
 
 } // namespace
 
-void addToLibrary(Desktop& desktop, std::vector<std::filesystem::path> paths)
+void addToLibrary(
+    Desktop& desktop, std::vector<std::filesystem::path> paths, const std::optional<SidebarNode>& onto)
 {
     if (paths.empty())
         return;
     auto showing = std::make_shared<Showing>();
-    auto added = std::make_shared<AddedRows>();
+    auto done = std::make_shared<AddResult>();
     auto work = [&desktop, &catalog = desktop.store().catalog(), &clock = desktop.clock(),
-                    paths = std::move(paths), showing, added](JobContext& job) {
-        auto result
-            = addFiles(catalog, paths, clock, ReadCameraData::later, job.stop(), [&](std::size_t done) {
-                  job.progress(done, 0);
-                  job.deliver([&desktop, showing] { showing->show(desktop); });
-              });
-        *added = result;
-        for (const auto& failure : result.failures)
+                    paths = std::move(paths), showing, done](JobContext& job) {
+        *done = addFiles(catalog, paths, clock, ReadCameraData::later, job.stop(), [&](std::size_t files) {
+            job.progress(files, 0);
+            job.deliver([&desktop, showing] { showing->show(desktop); });
+        });
+        for (const auto& failure : done->failures)
             job.fail(failure.message);
-        if (!result.broken.empty())
-            job.fail("The adding ended early; add again to go on. " + result.broken);
-        return summaryOf(result);
+        if (!done->broken.empty())
+            job.fail("The adding ended early; add again to go on. " + done->broken);
+        return summaryOf(*done);
     };
     const auto since = desktop.store().newestStep();
     desktop.jobs().start(
-        "Adding", Stopping::keeps, std::move(work), [&desktop, added, since](const Job& job) {
+        "Adding", Stopping::keeps, std::move(work), [&desktop, done, since, onto](const Job& job) {
             desktop.attempt([&] {
-                desktop.session().photosAdded("Add", std::move(*added), since);
-                desktop.say(job.summary(), Offer::undo);
+                desktop.session().photosAdded("Add", *done, since);
+                auto said = job.summary();
+                if (onto && !done->met.empty())
+                    desktop.attempt([&] { said += " " + dropPhotos(desktop.store(), *onto, done->met); });
+                desktop.say(said, Offer::undo);
             });
         });
 }

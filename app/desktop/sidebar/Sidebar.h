@@ -64,6 +64,8 @@ private:
     };
     std::optional<Place> placeOf(const QDropEvent& event) const;
     void mark(std::optional<Place> place);
+    SidebarNode nodeOf(const SidebarKey& line) const;
+    void tellOfFiles(const QPoint& at) const;
     void openLater(const QTreeWidgetItem* item);
     std::set<SidebarKey> open() const;
     void setOpen(const std::set<SidebarKey>& keys);

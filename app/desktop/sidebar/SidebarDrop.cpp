@@ -9,6 +9,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QToolTip>
 
 #include <utility>
 
@@ -42,7 +43,8 @@ void Sidebar::startDrag(Qt::DropActions actions)
     drag->exec(actions, Qt::CopyAction);
 }
 
-/// Photos go into a line. A line goes beside or into another, as near to where the pointer is as can be.
+/// Photos go into a line, and files that become photos of the library. A line goes beside or into another, as
+/// near to where the pointer is as can be.
 std::optional<Sidebar::Place> Sidebar::placeOf(const QDropEvent& event) const
 {
     const auto point = event.position().toPoint();
@@ -50,7 +52,7 @@ std::optional<Sidebar::Place> Sidebar::placeOf(const QDropEvent& event) const
     if (!item)
         return std::nullopt;
     const auto onto = keyOf(*item);
-    if (!draggedPhotos(*event.mimeData()).empty())
+    if (!draggedPhotos(*event.mimeData()).empty() || event.mimeData()->hasUrls())
         return takesPhotos(onto) ? std::optional(Place{onto, DropAt::into}) : std::nullopt;
     if (event.source() != this || !currentItem())
         return std::nullopt;
@@ -97,6 +99,18 @@ void Sidebar::paintEvent(QPaintEvent* event)
     }
 }
 
+SidebarNode Sidebar::nodeOf(const SidebarKey& line) const
+{
+    return {line.kind, line.id, utf8(itemOf(line)->text(0)), {}};
+}
+
+/// A line that takes no photos takes files too, which then are only added.
+void Sidebar::tellOfFiles(const QPoint& at) const
+{
+    const QString place = marked_ ? " and to “" + qt(nodeOf(marked_->line).name) + "”" : QString();
+    QToolTip::showText(viewport()->mapToGlobal(at), "Add to the library" + place, viewport());
+}
+
 void Sidebar::dragEnterEvent(QDragEnterEvent* event)
 {
     event->acceptProposedAction();
@@ -108,12 +122,15 @@ void Sidebar::dragMoveEvent(QDragMoveEvent* event)
     const bool areFiles = draggedPhotos(*event->mimeData()).empty() && event->mimeData()->hasUrls();
     mark(placeOf(*event));
     openLater(itemAt(event->position().toPoint()));
+    if (areFiles)
+        tellOfFiles(event->position().toPoint());
     event->setAccepted(areFiles || marked_);
 }
 
 void Sidebar::dragLeaveEvent(QDragLeaveEvent* event)
 {
     QTreeWidget::dragLeaveEvent(event);
+    QToolTip::hideText();
     mark(std::nullopt);
     openLater(nullptr);
 }
@@ -124,22 +141,21 @@ void Sidebar::dropEvent(QDropEvent* event)
     event->accept();
     stopAutoScroll();
     setState(NoState);
+    QToolTip::hideText();
     mark(std::nullopt);
     openLater(nullptr);
     const auto ids = draggedPhotos(*event->mimeData());
-    if (ids.empty() && event->mimeData()->hasUrls())
-        return window_.addDropped(*event->mimeData());
     const auto place = placeOf(*event);
+    if (ids.empty() && event->mimeData()->hasUrls())
+        return window_.addDropped(
+            *event->mimeData(), place ? std::optional(nodeOf(place->line)) : std::nullopt);
     if (!place)
         return;
     desktop_.attempt([&] {
-        const auto& line = place->line;
         if (ids.empty())
-            moveLine(desktop_.store(), keyOf(*currentItem()), line, place->at);
+            moveLine(desktop_.store(), keyOf(*currentItem()), place->line, place->at);
         else
-            desktop_.say(
-                dropPhotos(desktop_.store(), {line.kind, line.id, utf8(itemOf(line)->text(0)), {}}, ids),
-                Offer::undo);
+            desktop_.say(dropPhotos(desktop_.store(), nodeOf(place->line), ids), Offer::undo);
     });
 }
 

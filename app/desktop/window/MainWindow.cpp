@@ -118,13 +118,13 @@ void MainWindow::endSearch(const std::string& words)
         search({});
 }
 
-void MainWindow::addDropped(const QMimeData& dropped)
+void MainWindow::addDropped(const QMimeData& dropped, const std::optional<SidebarNode>& onto)
 {
     std::vector<std::filesystem::path> paths;
     for (const auto& url : dropped.urls())
         if (url.isLocalFile())
             paths.push_back(pathOf(url));
-    addToLibrary(desktop_, std::move(paths));
+    addToLibrary(desktop_, std::move(paths), onto);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/SidebarTree.h"
 #include "app/desktop/window/Notices.h"
 
 #include <QMainWindow>
@@ -43,7 +44,7 @@ public:
     std::function<void(const std::string&)> setSearchField; ///< set by the toolbar
     std::function<std::string()> searchField; ///< set by the toolbar
     /// Takes dropped files and folders into the library.
-    void addDropped(const QMimeData& dropped);
+    void addDropped(const QMimeData& dropped, const std::optional<SidebarNode>& onto = std::nullopt);
 
     /// A menu at a place of the screen, for the photos that commands act on. Returns when it has gone.
     void showPhotoMenu(QPoint at);

@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QTimer>
+#include <QToolTip>
 
 #include <map>
 
@@ -266,6 +267,64 @@ TEST(Sidebar, deleteMeansItsLineAndNeverPhotos)
     EXPECT_EQ(store.undoTitle(), "Delete Album");
     t.visibleButton("Undo")->click();
     EXPECT_EQ(store.tree().albums.size(), 1U);
+}
+
+TEST(Sidebar, keepsWhichLinesAreOpen)
+{
+    TestWindow t(0);
+    const auto project = createProject(t.store(), "project", "project", {});
+    createAlbum(t.store(), "album", project);
+    auto& sidebar = *sidebarOf(*t.window);
+    QTest::qWait(20);
+    auto* const line = sidebar.findItems("project", Qt::MatchExactly | Qt::MatchRecursive).at(0);
+    auto* const heading = sidebar.topLevelItem(4);
+    line->setExpanded(true);
+    heading->setExpanded(false);
+    const auto kept = sidebar.openLines();
+    EXPECT_NE(kept.find("project:" + std::to_string(project)), std::string::npos) << kept;
+    line->setExpanded(false);
+    heading->setExpanded(true);
+    sidebar.restoreOpenLines("4:12 mood:1 heading:none project: " + kept);
+    EXPECT_TRUE(line->isExpanded());
+    EXPECT_FALSE(heading->isExpanded());
+    EXPECT_TRUE(sidebar.topLevelItem(0)->isExpanded());
+}
+
+TEST(Sidebar, putsFilesWhereTheyAreDroppedThoseOfTheLibraryToo)
+{
+    TestWindow t(0);
+    auto& store = t.store();
+    const auto album = createAlbum(store, "album", {});
+    t.folder.write("new/a.jpg", "x");
+    t.folder.write("new/b.jpg", "x");
+    auto& sidebar = *sidebarOf(*t.window);
+    QTest::qWait(20);
+    std::string said;
+    const auto noticed = t.desktop->noticed.connect([&](const Notice& notice) { said = notice.text; });
+    const auto drop = [&](const char* file, const char* name) {
+        QMimeData data;
+        data.setUrls({urlOf(t.folder / file)});
+        const auto* const line = sidebar.findItems(name, Qt::MatchExactly | Qt::MatchRecursive).at(0);
+        const QPoint at = sidebar.visualItemRect(line).center();
+        QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &move);
+        EXPECT_TRUE(move.isAccepted());
+        EXPECT_EQ(QToolTip::text().contains("and to"), std::string_view(name) == "album");
+        QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(sidebar.viewport(), &event);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }));
+    };
+    drop("new/b.jpg", "Videos");
+    EXPECT_EQ(said, "Added 1 photo.");
+    drop("new", "album");
+    EXPECT_EQ(said, "Added 1 photo, 1 in the library already. Added 2 photos to “album”.");
+    store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
+    EXPECT_EQ(shownIDs(store.list()), (IDs{2, 1}));
+    store.undo();
+    EXPECT_TRUE(store.list().shown().empty());
+    EXPECT_EQ(store.undoTitle(), "Add 1 Photo");
 }
 
 } // namespace korvo
