@@ -4,7 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 
-#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QHBoxLayout>
 #include <QToolButton>
 
@@ -13,6 +13,12 @@ namespace korvo {
 namespace {
 
 constexpr std::chrono::seconds noticeStays{5};
+
+QAccessibleInterface* notification(const QString&, QObject* object)
+{
+    auto* const line = dynamic_cast<NoticeLine*>(object);
+    return line ? new QAccessibleWidget(line, QAccessible::Notification) : nullptr;
+}
 
 } // namespace
 
@@ -91,6 +97,7 @@ NoticeLine::NoticeLine(Notices& notices, QWidget* parent)
     : QWidget(parent), notices_(notices), text_(new ElidedLabel), offer_(new QToolButton),
       close_(new QToolButton)
 {
+    QAccessible::installFactory(notification); // no more than once
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     for (QWidget* const widget : std::initializer_list<QWidget*>{text_, offer_, close_})
@@ -104,12 +111,12 @@ NoticeLine::NoticeLine(Notices& notices, QWidget* parent)
 void NoticeLine::look()
 {
     const auto& notice = notices_.shown();
+    announce(notice ? qt(notice->text) : QString());
     setVisible(notice.has_value());
     if (!notice)
-        return setAccessibleName({});
+        return;
     const bool isError = notice->kind == Notice::Kind::error;
     const auto further = notices_.furtherErrors();
-    announce(qt(notice->text));
     text_->say(qt(notice->text));
     text_->setStyleSheet(isError ? "color: " + QColor(theme::warning).name() : QString());
     offer_->setText(notice->redoes ? "Redo" : "Undo");
@@ -118,14 +125,15 @@ void NoticeLine::look()
     close_->setVisible(isError);
 }
 
-/// Tells who reads the screen aloud.
+/// A notification is read aloud when it is shown, and is shown anew when it says something else.
 void NoticeLine::announce(const QString& text)
 {
-    if (!isVisible() || accessibleName() == text)
+    if (accessibleName() == text)
         return;
     setAccessibleName(text);
-    QAccessibleEvent alert(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&alert);
+    QAccessibleEvent shown(this, QAccessible::ObjectShow);
+    if (isVisible() && !text.isEmpty())
+        QAccessible::updateAccessibility(&shown);
 }
 
 } // namespace korvo

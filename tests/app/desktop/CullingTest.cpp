@@ -2,6 +2,7 @@
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 
+#include <QAccessible>
 #include <QLineEdit>
 
 namespace korvo {
@@ -158,6 +159,13 @@ TEST(Culling, saysWhereItIsInWords)
     t.press(Qt::Key_P);
     EXPECT_TRUE(grid->accessibleDescription().startsWith("b.jpg, unrated, flagged")) << "when its marks do";
     EXPECT_TRUE(grid->accessibleDescription().endsWith(", 2 of 3"));
+    t.desktop->say("Done.");
+    int lines = 0;
+    for (auto* const widget : t.window->statusBar()->findChildren<QWidget*>())
+        if (auto* const spoken = QAccessible::queryAccessibleInterface(widget);
+            spoken->role() == QAccessible::Notification)
+            lines += spoken->text(QAccessible::Name) == "Done.";
+    EXPECT_EQ(lines, 1);
 }
 
 } // namespace korvo
