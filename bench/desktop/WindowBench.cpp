@@ -25,6 +25,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <random>
 
 namespace korvo::bench {
 
@@ -37,6 +38,7 @@ constexpr int madePictures = 8, madeWidth = 6000, madeHeight = 4000;
 constexpr QSize windowSize(1600, 1000);
 constexpr int steps = 600; // of scrolling
 constexpr double frame = 16; // milliseconds
+constexpr double mostPatience = 10'000; // milliseconds until cells count as never filled
 
 /// The program's own start, as main.cpp has it.
 struct Window {
@@ -45,6 +47,7 @@ struct Window {
           desktop(main, openLibrary(library, clock, defaults), clock, defaults), window(desktop)
     {
         restoreWindow(window);
+        window.setWindowState(Qt::WindowNoState); // it fills the small screen that there is without a display
         window.resize(windowSize);
         window.show();
     }
@@ -74,6 +77,8 @@ void reportStart(Window& window, Clock::time_point begun)
 {
     while (window.application.paints() == 0)
         window.handleEvents();
+    if (window.window.size() != windowSize)
+        throw std::logic_error("the window has not the size that is measured");
     const double shown = millisecondsSince(begun);
     const auto waiting = [&] { return window.desktop.pictures().waiting(); };
     std::size_t most = 0;
@@ -94,28 +99,60 @@ void reportStart(Window& window, Clock::time_point begun)
         shown, listed, first, full, blocked.milliseconds, blocked.by, peakMemory() / 1e6);
 }
 
-/// Scrolls by a step at a time, as the wheel does, and handles what comes until the next frame is due.
-void reportScrolling(Window& window, const char* how, int pixels)
+/// Where to scroll next from where the bar stands, within its range.
+using Scrolling = std::function<int(int value, int range)>;
+
+Scrolling by(int pixels)
+{
+    return [pixels](int value, int range) { return ((value + pixels) % range + range) % range; };
+}
+
+Scrolling anywhere()
+{
+    return [random = std::mt19937(1)](
+               int, int range) mutable { return static_cast<int>(random() % static_cast<unsigned>(range)); };
+}
+
+/// How many cells were still empty when frames ended, and how long the last ones were.
+std::string reportEmptyCells(Window& window, const std::vector<std::size_t>& empty)
+{
+    const auto begun = Clock::now();
+    while (gridOf(window.window)->emptyCells() > 0 && millisecondsSince(begun) < mostPatience)
+        QApplication::processEvents(QEventLoop::AllEvents, 5);
+    const auto left = gridOf(window.window)->emptyCells();
+    return fmt::format("{:.0f} % of frames with empty cells, {} at most; {}",
+        100.0 * static_cast<double>(std::ranges::count_if(empty, [](auto cells) { return cells > 0; }))
+            / steps,
+        std::ranges::max(empty),
+        left > 0 ? fmt::format("{} NEVER FILLED", left)
+                 : fmt::format("filled {:.0f} ms after the end", millisecondsSince(begun)));
+}
+
+/// Scrolls by a step at a time, and handles what comes until the next frame is due.
+void reportScrolling(Window& window, const char* how, Scrolling next)
 {
     window.bar().setValue(0);
     window.settle();
     window.application.takeLongest();
     std::vector<double> frames;
+    std::vector<std::size_t> empty;
     for (int i = 0; i < steps; ++i) {
         const auto begun = Clock::now();
-        window.bar().setValue((window.bar().value() + pixels) % std::max(1, window.bar().maximum()));
+        window.bar().setValue(next(window.bar().value(), std::max(1, window.bar().maximum())));
         QApplication::processEvents();
         frames.push_back(millisecondsSince(begun));
         while (millisecondsSince(begun) < frame) {
             QThread::usleep(500);
             QApplication::processEvents();
         }
+        empty.push_back(gridOf(window.window)->emptyCells());
     }
     std::ranges::sort(frames);
     const auto blocked = window.application.takeLongest();
     fmt::print("  scrolling {:<24} median {:5.1f} ms, 95 % {:5.1f} ms, longest {:5.1f} ms; longest event "
-               "{:.1f} ms ({})\n",
-        how, frames[steps / 2], frames[steps * 95 / 100], frames.back(), blocked.milliseconds, blocked.by);
+               "{:.1f} ms ({}); {}\n",
+        how, frames[steps / 2], frames[steps * 95 / 100], frames.back(), blocked.milliseconds, blocked.by,
+        reportEmptyCells(window, empty));
 }
 
 void reportAction(Window& window, const char* what, const std::function<void(LibraryStore&)>& action)
@@ -197,10 +234,16 @@ int runChild(WatchedApplication& application, const QStringList& arguments)
     reportStart(window, begun);
     if (arguments[1] == "--start")
         return 0;
-    reportScrolling(window, "by the wheel", 120);
-    reportScrolling(window, "the same again", 120);
-    reportScrolling(window, "by pages", 3000);
-    reportScrolling(window, "by 50 screens", 50'000);
+    reportScrolling(window, "slowly", by(20));
+    reportScrolling(window, "slowly again", by(20));
+    reportScrolling(window, "upwards slowly", by(-20));
+    reportScrolling(window, "by the wheel", by(120));
+    reportScrolling(window, "the same again", by(120));
+    reportScrolling(window, "upwards by the wheel", by(-120));
+    reportScrolling(window, "by pages", by(3000));
+    reportScrolling(window, "upwards by pages", by(-3000));
+    reportScrolling(window, "by 50 screens", by(50'000));
+    reportScrolling(window, "to any place", anywhere());
     fmt::print("  memory after scrolling {:.0f} MB\n", peakMemory() / 1e6);
     reportActions(window);
     fmt::print("  most memory {:.0f} MB\n", peakMemory() / 1e6);

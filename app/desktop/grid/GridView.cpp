@@ -159,6 +159,15 @@ std::pair<GridView::Index, GridView::Index> GridView::visible() const
     return {std::min(first, count), std::min(last, count)};
 }
 
+std::size_t GridView::emptyCells() const
+{
+    const auto [first, last] = visible();
+    std::size_t count = 0;
+    for (Index index = first; index < last; ++index)
+        count += thumbnails_.find(itemAt(index).id).pixmap.isNull() ? 1 : 0;
+    return count;
+}
+
 QPoint GridView::cellPosition(Index index) const
 {
     return layout_.rect(index).topLeft() - QPoint(0, verticalScrollBar()->value());

@@ -24,6 +24,8 @@ public:
     /// Keeps the current photo, or else what is in the middle, in sight.
     void setThumbnailSize(int size);
     Signal<int> thumbnailSizeChanged;
+    /// How many cells in sight have no picture yet.
+    std::size_t emptyCells() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
