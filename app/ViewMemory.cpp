@@ -20,7 +20,7 @@ ViewMemory viewMemory(const LibraryStore& store)
         .filter = {},
         .selection = store.wishedSelection()};
     memory.selection.resize(std::min(memory.selection.size(), mostSelected));
-    for (const auto& [key, raw] : sortKeyNames)
+    for (const auto& [key, raw, title] : sortKeyNames)
         if (key == list.sortKey())
             memory.order = raw;
     for (const auto& [filter, raw, title] : gridFilterNames)

@@ -36,7 +36,7 @@ std::vector<AutoStackShot> autoStackShots(
     shots.reserve(positions.size());
     for (const auto position : positions) {
         const PhotoItem& item = items[position];
-        const double time = item.captureDate ? *item.captureDate : item.fileDate.value_or(0);
+        const double time = item.takenAt().value_or(0);
         if (item.isMaster() && !item.stackID && time > 0)
             shots.push_back({time, item.id, static_cast<std::uint32_t>(shots.size()), item.rating});
     }

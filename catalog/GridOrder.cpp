@@ -25,6 +25,8 @@ double numberOf(const PhotoItem& item, SortKey key)
         return item.addedAt;
     case SortKey::fileDate:
         return item.fileDate.value_or(unknownDate);
+    case SortKey::captured:
+        return item.takenAt().value_or(unknownDate);
     case SortKey::rating:
         return -static_cast<double>(item.rating);
     case SortKey::name:

@@ -17,7 +17,8 @@ enum class SortKey : std::uint8_t {
     name, // file name without regard to case
     imported, // when the photo was added, newest last
     fileDate, // the file's modification, newest last
-    rating // most stars first
+    rating, // most stars first
+    captured // when the photo was taken, else the file's modification, newest last
 };
 
 /// What the grid shows of the source. Each case is one test and no more: "Starred" says nothing about flags.
@@ -38,6 +39,7 @@ enum class GridFilter : std::uint8_t {
 struct SortKeyName {
     SortKey key;
     std::string_view rawValue;
+    std::string_view title; // in the menu
 };
 
 struct GridFilterName {
@@ -46,8 +48,9 @@ struct GridFilterName {
     std::string_view title; // in the menu
 };
 
-inline constexpr std::array<SortKeyName, 4> sortKeyNames{{{SortKey::name, "name"},
-    {SortKey::imported, "imported"}, {SortKey::fileDate, "fileDate"}, {SortKey::rating, "rating"}}};
+inline constexpr std::array<SortKeyName, 5> sortKeyNames{{{SortKey::name, "name", "By Name"},
+    {SortKey::captured, "captured", "By Capture Date"}, {SortKey::imported, "imported", "By Date Added"},
+    {SortKey::fileDate, "fileDate", "By File Date"}, {SortKey::rating, "rating", "By Rating"}}};
 
 inline constexpr std::array<GridFilterName, 11> gridFilterNames{{
     {GridFilter::unratedOrBetter, "unratedOrBetter", "Unrated or Better"},

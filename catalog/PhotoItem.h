@@ -62,6 +62,8 @@ struct PhotoItem {
     bool isMaster() const { return !versionOf; }
     bool hasEdits() const { return !editsJSON.empty(); }
     bool isRejected() const { return rating < 0; }
+    /// When it was taken, or else the file's date, which is the best guess.
+    CompactOptional<double> takenAt() const { return captureDate ? captureDate : fileDate; }
 
     /// The absolute path of the file.
     std::filesystem::path path() const;

@@ -144,7 +144,7 @@ bool NumberTest::holds(const PhotoItem& item) const
 
 bool DateTest::holds(const PhotoItem& item) const
 {
-    const auto date = item.captureDate ? item.captureDate : item.fileDate;
+    const auto date = item.takenAt();
     return date && *date >= from && *date < to;
 }
 

@@ -89,14 +89,16 @@ TEST(SortKey, datesRunForwardStarsDownAndTiesGoByName)
     c.rating = 5;
     b.fileDate = 9;
     c.fileDate = 4;
+    a.captureDate = 5;
     PhotoList list;
     list.assign({a, b, c}, ListedBy::hand);
     struct Case {
         std::optional<SortKey> key;
         IDs shown;
     };
-    for (const auto& [key, shown] : {Case{std::nullopt, {1, 2, 3}}, {SortKey::name, {2, 1, 3}},
-             {SortKey::imported, {2, 3, 1}}, {SortKey::fileDate, {1, 3, 2}}, {SortKey::rating, {3, 1, 2}}}) {
+    for (const auto& [key, shown] :
+        {Case{std::nullopt, {1, 2, 3}}, {SortKey::name, {2, 1, 3}}, {SortKey::imported, {2, 3, 1}},
+            {SortKey::fileDate, {1, 3, 2}}, {SortKey::rating, {3, 1, 2}}, {SortKey::captured, {3, 1, 2}}}) {
         list.arrange({key, std::nullopt, {}});
         EXPECT_EQ(shownIDs(list), shown);
     }
@@ -130,6 +132,8 @@ TEST_P(UpdatedPhotoList, equalsOneThatIsLoadedAnew)
         for (auto& item : model)
             if (upTo(oneIn) == 0) {
                 item.rating = static_cast<int>(upTo(7)) - 1;
+                if (upTo(2))
+                    item.captureDate = static_cast<double>(upTo(9));
                 if (byName && upTo(8) == 0)
                     item.filename = name();
                 changed.push_back(item);
@@ -160,7 +164,8 @@ TEST_P(UpdatedPhotoList, equalsOneThatIsLoadedAnew)
         for (const auto& item : model)
             ASSERT_EQ(*list.find(item.id), item);
         if (upTo(20) == 0)
-            list.arrange({upTo(2) ? std::optional(SortKey::rating) : std::nullopt,
+            list.arrange({std::vector<std::optional<SortKey>>{
+                              SortKey::rating, SortKey::captured, std::nullopt}[upTo(3)],
                 upTo(2) ? std::optional(GridFilter::starred) : GridFilter::unratedOrBetter, {}});
     }
 }
