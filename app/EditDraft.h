@@ -20,6 +20,8 @@ public:
     /// The photo's edits as drafted, else as stored; none for stored edits that cannot be read.
     PhotoEdits editsOf(const PhotoItem& item) const;
     bool isOpen() const { return bool(change_); }
+    /// What is drafted, "Change Exposure", while it is open.
+    const std::string& title() const { return title_; }
 
     /// Shows the change, in place of the one drafted before under that title, on the photos that commands act
     /// on when it begins. A draft of another title is kept first.

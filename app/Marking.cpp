@@ -85,7 +85,7 @@ int starsOf(const PhotoItem& item)
     return std::clamp(item.isRejected() ? rejectedRating - item.rating : item.rating, 0, highestRating);
 }
 
-std::string setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark)
+void setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark)
 {
     const auto items = listedItems(store.list(), ids);
     const bool takenBack = takesBack(items, mark);
@@ -98,25 +98,22 @@ std::string setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark
         if (after.flagged != item->flagged)
             byFlag[after.flagged].push_back(item->id);
     }
-    auto title = titleOf(mark, takenBack);
-    store.perform(title, [&](Catalog& catalog) {
+    store.perform(titleOf(mark, takenBack), [&](Catalog& catalog) {
         for (const auto& [rating, photos] : byRating)
             catalog.setRating(photos, rating);
         for (const auto& [flagged, photos] : byFlag)
             catalog.setFlagged(photos, flagged);
     });
-    return title;
 }
 
-std::string clickMark(LibraryStore& store, std::span<const PhotoID> ids, const MarkPart& part)
+void clickMark(LibraryStore& store, std::span<const PhotoID> ids, const MarkPart& part)
 {
     const auto items = listedItems(store.list(), ids);
     switch (part.kind) {
     case MarkPart::Kind::star: {
         const bool isLast
             = std::ranges::all_of(items, [&](const PhotoItem* item) { return item->rating == part.stars; });
-        setRating(store, ids, isLast ? 0 : part.stars);
-        return "Set Rating";
+        return setRating(store, ids, isLast ? 0 : part.stars);
     }
     case MarkPart::Kind::flag:
         return setMark(store, ids, Mark::toggleFlag);
@@ -130,7 +127,6 @@ std::string clickMark(LibraryStore& store, std::span<const PhotoID> ids, const M
     case MarkPart::Kind::label:
         break;
     }
-    return {};
 }
 
 std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids)

@@ -27,9 +27,9 @@ constexpr int rejectedWith(int stars)
     return rejectedRating - stars;
 }
 
-/// Marks photos of the list as one step of undo. Returns what was done ("Reject"), which depends on what they
-/// were. Throws DatabaseError.
-std::string setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark);
+/// Marks photos of the list as one step of undo. Its title says what was done ("Reject"), which depends on
+/// what they were. Throws DatabaseError.
+void setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark);
 
 /// What can be clicked of a photo's marks. A photo that is rejected has a cross in place of its flag.
 struct MarkPart {
@@ -42,14 +42,11 @@ struct MarkPart {
 
 /// What a click on a mark of one of these photos means for all of them, as one step of undo: so many stars,
 /// or none when all have just these; the flag, or none when all are flagged; at a cross, no rejection. A
-/// label is chosen from a list instead, so that nothing happens. Returns what was done. Throws DatabaseError.
-std::string clickMark(LibraryStore& store, std::span<const PhotoID> ids, const MarkPart& part);
+/// label is chosen from a list instead, so that nothing happens. Throws DatabaseError.
+void clickMark(LibraryStore& store, std::span<const PhotoID> ids, const MarkPart& part);
 
 /// What the Delete key does: takes photos out of the album that is shown, or else rejects them. Returns a
 /// sentence that says so. Throws DatabaseError.
 std::string removeOrReject(LibraryStore& store, std::span<const PhotoID> ids);
-
-/// Number of photos above which a line offers to take back what one key did.
-inline constexpr std::size_t photosBeforeUndoIsOffered = 20;
 
 } // namespace korvo

@@ -6,6 +6,12 @@
 
 namespace korvo {
 
+namespace {
+
+constexpr std::size_t photosBeforeUndoIsOffered = 20;
+
+} // namespace
+
 Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clock& clock, Defaults& defaults,
     std::chrono::milliseconds patience)
     : main_(main), clock_(clock), defaults_(defaults),
@@ -30,17 +36,39 @@ bool Desktop::isBusy()
         || decoded_.isBusy() || renders_.isBusy() || !jobs_.running().empty();
 }
 
+void Desktop::beginAttempt()
+{
+    if (attempts_++ > 0)
+        return;
+    newestBefore_ = store().newestStep();
+    hasSpoken_ = false;
+}
+
+void Desktop::endAttempt()
+{
+    const auto photos = store().undoPhotos();
+    if (--attempts_ == 0 && !hasSpoken_ && store().undoStep() > newestBefore_
+        && photos > photosBeforeUndoIsOffered)
+        say(*store().undoTitle() + ": " + counted(photos, "photo") + ".", Offer::undo);
+}
+
+void Desktop::notify(const Notice& notice)
+{
+    hasSpoken_ = true;
+    noticed.emit(notice);
+}
+
 void Desktop::say(std::string text, Offer offer)
 {
     const auto step = store().undoStep();
-    noticed.emit({Notice::Kind::note, std::move(text),
-        offer == Offer::undo && step != stepBefore_ ? step : std::nullopt});
+    notify({Notice::Kind::note, std::move(text),
+        offer == Offer::undo && step > newestBefore_ ? step : std::nullopt});
 }
 
 void Desktop::undo()
 {
     if (const auto photos = browser_.undo(); photos > 0)
-        noticed.emit({Notice::Kind::note,
+        notify({Notice::Kind::note,
             "Took " + counted(photos, "photo") + " out of the library. "
                 + (photos == 1 ? "Its file stays." : "Their files stay."),
             std::nullopt, store().redoStep()});
@@ -48,7 +76,7 @@ void Desktop::undo()
 
 void Desktop::fail(const std::exception& error)
 {
-    noticed.emit({Notice::Kind::error, asSentence(textForUser(error))});
+    notify({Notice::Kind::error, asSentence(textForUser(error))});
 }
 
 } // namespace korvo

@@ -70,21 +70,25 @@ public:
     void undo();
     /// Shows what went wrong, as a sentence; it stays until it is clicked away.
     void fail(const std::exception& error);
-    /// Does something that the user asked for, and shows what goes wrong with it.
+    /// Does something that the user asked for, and shows what goes wrong with it. When it has changed many
+    /// photos without a word, says so, and offers to take it back.
     template <typename Action>
     void attempt(Action action)
     {
-        if (attempts_++ == 0)
-            stepBefore_ = store().undoStep();
+        beginAttempt();
         try {
             action();
         } catch (const std::exception& error) {
             fail(error);
         }
-        --attempts_;
+        endAttempt();
     }
 
 private:
+    void beginAttempt();
+    void endAttempt();
+    void notify(const Notice& notice);
+
     QtMainThread& main_;
     const Clock& clock_;
     Defaults& defaults_;
@@ -103,7 +107,8 @@ private:
     std::unique_ptr<VolumeWatcher> volumes_; // from the first time on that it is asked for
     LeftTasks leftTasks_;
     int attempts_ = 0; // one within the other
-    std::optional<std::uint64_t> stepBefore_; // the last one when the outermost of them began
+    std::uint64_t newestBefore_ = 0; // step of the store when the outermost of them began
+    bool hasSpoken_ = false; // since then
 };
 
 } // namespace korvo

@@ -127,7 +127,10 @@ void LibraryStore::perform(std::string title, const std::function<void(Catalog&)
     auto [changes, rows] = recorded(change);
     if (changes.empty())
         return;
-    history_.add({.title = std::move(title), .changes = std::move(changes), .added = {}});
+    history_.add({.title = std::move(title),
+        .changes = std::move(changes),
+        .photos = rows.updated.size() + rows.inserted.size() + rows.deleted.size(),
+        .added = {}});
     publish(std::move(rows));
 }
 
@@ -166,6 +169,12 @@ std::optional<std::string> LibraryStore::undoTitle() const
 {
     const UndoStep* const step = history_.toUndo();
     return step ? std::optional(step->title) : std::nullopt;
+}
+
+std::size_t LibraryStore::undoPhotos() const
+{
+    const UndoStep* const step = history_.toUndo();
+    return step ? step->photos : 0;
 }
 
 std::optional<std::string> LibraryStore::redoTitle() const

@@ -98,6 +98,8 @@ public:
     /// The title of the action that would be undone or redone, for the menu.
     std::optional<std::string> undoTitle() const;
     std::optional<std::string> redoTitle() const;
+    /// How many photos the action that would be undone changed, made or removed; 0 for one that added them.
+    std::size_t undoPhotos() const;
     /// Takes the last action back, or does it again, and selects the photos it touched. Nothing happens when
     /// there is none; a step that can no longer be taken is forgotten, and DatabaseError thrown. Metadata
     /// that comes back waits to be written into the files again.

@@ -16,6 +16,7 @@ enum class UndoWay { back, forth };
 struct UndoStep {
     std::string title; // "Set Rating"
     Changeset changes;
+    std::size_t photos = 0; // that it changed, made or removed, but for those added
     AddedRows added; // which undo takes out of the library, whatever became of them since
     /// Begins what takes it back or does it again, where files have part in it; it may refuse by throwing.
     std::function<void(UndoWay)> retrace = {};

@@ -76,9 +76,11 @@ TEST(Marking, isTakenBackOnlyWhenAllHaveItAndUndoneInOneStep)
     t.give(1, 4, true);
     t.give(2, rejectedWith(2), false);
     const std::vector<PhotoID> both{1, 2};
-    EXPECT_EQ(setMark(*t.store, both, Mark::reject), "Reject");
+    setMark(*t.store, both, Mark::reject);
+    EXPECT_EQ(t.store->undoTitle(), "Reject");
     EXPECT_EQ(t.marks(1) + t.marks(2), "xx");
-    EXPECT_EQ(setMark(*t.store, both, Mark::reject), "Take Back Rejection");
+    setMark(*t.store, both, Mark::reject);
+    EXPECT_EQ(t.store->undoTitle(), "Take Back Rejection");
     EXPECT_EQ(t.marks(1) + t.marks(2), "42");
     t.store->undo();
     t.store->undo();

@@ -14,8 +14,6 @@ namespace korvo {
 
 namespace {
 
-constexpr std::size_t manyPhotos = 20; // from more than that on, an undo is offered
-
 /// The commands on adjustments.
 class Adjusting : public QObject {
 public:
@@ -29,8 +27,7 @@ public:
         commands.handle(Command::rotateRight, [this] { rotate("Rotate Right", 1); });
         commands.handle(Command::autoAdjust, [this] { enhance(); });
         commands.handle(Command::resetAdjustments, [this] {
-            change(
-                "Reset Adjustments", "Reset", [](PhotoEdits& edits) { edits = withoutAdjustments(edits); });
+            change("Reset Adjustments", [](PhotoEdits& edits) { edits = withoutAdjustments(edits); });
         });
         commands.handle(Command::exportPhotos, [this] { showExportSheet(window_, targets()); });
     }
@@ -58,21 +55,18 @@ private:
 
     void paste()
     {
-        change("Paste Adjustments", "Pasted adjustments to",
+        change("Paste Adjustments",
             [copied = *copied_](PhotoEdits& edits) { edits = withAdjustmentsOf(copied, edits); });
     }
 
     void rotate(const char* title, int quarters)
     {
-        change(title, "Turned", [quarters](PhotoEdits& edits) { turn(edits, quarters); });
+        change(title, [quarters](PhotoEdits& edits) { turn(edits, quarters); });
     }
 
-    void change(const char* title, const char* done, const EditDraft::Change& how)
+    void change(const char* title, const EditDraft::Change& how)
     {
-        const auto photos = desktop_.browser().targets();
-        changeEdits(desktop_.store(), title, photos, how);
-        if (photos.size() > manyPhotos)
-            desktop_.say(done + std::string(" ") + counted(photos.size(), "photo") + ".", Offer::undo);
+        changeEdits(desktop_.store(), title, desktop_.browser().targets(), how);
     }
 
     void enhance()

@@ -149,9 +149,11 @@ void AutoStackSheet::showPlan(AutoStackPlan plan)
 
 void AutoStackSheet::stack()
 {
-    attemptIn(*this, [&] {
-        autoStack(desktop_.store(), preview_->plan());
-        accept();
+    desktop_.attempt([&] {
+        attemptIn(*this, [&] {
+            autoStack(desktop_.store(), preview_->plan());
+            accept();
+        });
     });
 }
 

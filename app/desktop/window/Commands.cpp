@@ -64,6 +64,7 @@ Commands::Commands(Desktop& desktop, QWidget& window) : desktop_(desktop)
     makeActions(window);
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { refresh(); });
     browserChanged_ = desktop_.browser().changed.connect([this] { refresh(); });
+    draftChanged_ = desktop_.draft().changed.connect([this] { refresh(); });
     qApp->installEventFilter(this);
 }
 
@@ -151,7 +152,7 @@ Commands::Situation Commands::situation() const
         .photos = photos,
         // Looking through very many takes longer than a click that does nothing.
         .stacked = photos > mostLookedThrough || isStacked(store, desktop_.browser().targets()),
-        .undo = store.undoTitle().has_value() || isTyping() || desktop_.draft().isOpen(),
+        .undo = undoTitle().has_value(),
         .redo = store.redoTitle().has_value()};
 }
 
@@ -180,6 +181,14 @@ bool Commands::isPossible(const CommandInfo& info, const Situation& now) const
     return handlers_[indexOf(info.id)] && has() && (!condition || condition());
 }
 
+/// What undo would take back.
+std::optional<std::string> Commands::undoTitle() const
+{
+    if (isTyping())
+        return "Typing";
+    return desktop_.draft().isOpen() ? desktop_.draft().title() : desktop_.store().undoTitle();
+}
+
 void Commands::refresh()
 {
     const auto now = situation();
@@ -189,8 +198,7 @@ void Commands::refresh()
     const auto title = [](const char* verb, const std::optional<std::string>& step) {
         return QString(verb) + (step ? " " + qt(*step) : QString());
     };
-    action(Command::undo)
-        ->setText(isTyping() ? QString("Undo Typing") : title("Undo", desktop_.store().undoTitle()));
+    action(Command::undo)->setText(title("Undo", undoTitle()));
     action(Command::redo)->setText(title("Redo", desktop_.store().redoTitle()));
 }
 

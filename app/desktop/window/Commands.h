@@ -143,6 +143,7 @@ private:
     Situation situation() const;
     bool isPossible(const CommandInfo& info, const Situation& now) const;
     bool takeBackWhatIsOpen();
+    std::optional<std::string> undoTitle() const;
 
     Desktop& desktop_;
     std::array<QAction*, static_cast<std::size_t>(Command::count)> actions_{};
@@ -153,6 +154,7 @@ private:
     bool shiftOrCapsLock_ = false; // at the last key
     Connection storeChanged_;
     Connection browserChanged_;
+    Connection draftChanged_;
 };
 
 } // namespace korvo

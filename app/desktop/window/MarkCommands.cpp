@@ -3,7 +3,6 @@
 #include "app/desktop/photos/Marks.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/Parts.h"
-#include "base/Text.h"
 #include "catalog/store/LibraryActions.h"
 
 #include <QApplication>
@@ -21,16 +20,8 @@ constexpr std::pair<Command, PhotoLabel> labels[]
         {Command::labelBlue, PhotoLabel::blue}, {Command::labelPurple, PhotoLabel::purple},
         {Command::labelGray, PhotoLabel::gray}, {Command::labelNone, PhotoLabel::none}};
 
-/// Says what was done to many photos, and offers to take it back.
-void tellOfMany(Desktop& desktop, const std::string& done, std::size_t photos)
-{
-    if (photos > photosBeforeUndoIsOffered)
-        desktop.say(done + ": " + counted(photos, "photo") + ".", Offer::undo);
-}
-
-/// Marks what the command acts on, goes on to the next photo when that is asked for, and offers to take back
-/// what changed many photos. `act` returns the name of what was done.
-void markTargets(MainWindow& window, const std::function<std::string(LibraryStore&, Ids)>& act)
+/// Marks what the command acts on, and goes on to the next photo when that is asked for.
+void markTargets(MainWindow& window, const std::function<void(LibraryStore&, Ids)>& act)
 {
     auto& desktop = window.desktop();
     const auto ids = desktop.browser().targets();
@@ -38,8 +29,7 @@ void markTargets(MainWindow& window, const std::function<std::string(LibraryStor
     if (window.commands().advance())
         if (const auto after = desktop.browser().after(ids))
             next = {*after};
-    const auto done = act(desktop.store(), ids);
-    tellOfMany(desktop, done, ids.size());
+    act(desktop.store(), ids);
     if (next.empty())
         return;
     const bool isGrid = desktop.browser().mode() == ViewMode::grid;
@@ -52,17 +42,14 @@ void markTargets(MainWindow& window, const std::function<std::string(LibraryStor
 void addMark(MainWindow& window, Command command, Mark mark)
 {
     window.commands().handle(command, [&window, mark] {
-        markTargets(window, [mark](LibraryStore& store, Ids ids) { return setMark(store, ids, mark); });
+        markTargets(window, [mark](LibraryStore& store, Ids ids) { setMark(store, ids, mark); });
     });
 }
 
 void addRating(MainWindow& window, Command command, int rating)
 {
     window.commands().handle(command, [&window, rating] {
-        markTargets(window, [rating](LibraryStore& store, Ids ids) {
-            setRating(store, ids, rating);
-            return std::string("Set Rating");
-        });
+        markTargets(window, [rating](LibraryStore& store, Ids ids) { setRating(store, ids, rating); });
     });
 }
 
@@ -70,10 +57,7 @@ void addLabel(MainWindow& window, Command command, PhotoLabel label)
 {
     window.commands().action(command)->setIcon(labelIcon(label));
     window.commands().handle(command, [&window, label] {
-        markTargets(window, [label](LibraryStore& store, Ids ids) {
-            setLabel(store, ids, label);
-            return std::string("Set Label");
-        });
+        markTargets(window, [label](LibraryStore& store, Ids ids) { setLabel(store, ids, label); });
     });
 }
 
@@ -86,10 +70,8 @@ void offerLabels(MainWindow& window, const std::vector<PhotoID>& ids, QPoint at)
         const auto* const action = window.commands().action(command);
         const auto text = action->text() + "\t" + action->shortcut().toString(QKeySequence::NativeText);
         menu->addAction(action->icon(), text, [&window, command, label, ids] {
-            window.commands().run(command, [&window, label, &ids] {
-                setLabel(window.desktop().store(), ids, label);
-                tellOfMany(window.desktop(), "Set Label", ids.size());
-            });
+            window.commands().run(
+                command, [&window, label, &ids] { setLabel(window.desktop().store(), ids, label); });
         });
     }
     menu->popup(at);
@@ -102,7 +84,7 @@ void clickOnMark(MainWindow& window, const std::vector<PhotoID>& ids, const Mark
     if (part.kind == MarkPart::Kind::label)
         return offerLabels(window, ids, at);
     auto& desktop = window.desktop();
-    desktop.attempt([&] { tellOfMany(desktop, clickMark(desktop.store(), ids, part), ids.size()); });
+    desktop.attempt([&] { clickMark(desktop.store(), ids, part); });
 }
 
 void addMarking(MainWindow& window)

@@ -15,6 +15,9 @@ TEST(Adjust, aSliderDrawsAtOnceAndIsStoredWhenItIsLetGo)
         bar.setValue(step);
     EXPECT_GT(t.grey([](int value) { return value > 130; }), 130);
     EXPECT_FALSE(t.listed(photo).hasEdits()) << "stored before it was let go";
+    const auto* const undo = t.window->commands().action(Command::undo);
+    EXPECT_TRUE(undo->isEnabled());
+    EXPECT_EQ(undo->text(), "Undo Change Exposure") << "it takes back what is open";
     bar.setSliderDown(false);
     EXPECT_EQ(t.listed(photo).edits(), (PhotoEdits{.exposure = 1}));
     t.press(Qt::Key_Z, Qt::ControlModifier);

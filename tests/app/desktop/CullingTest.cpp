@@ -4,6 +4,8 @@
 
 #include <QAccessible>
 #include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSlider>
 
 namespace korvo {
 
@@ -72,18 +74,52 @@ TEST(Culling, aPhotoThatTheFilterHidesMakesRoomForTheNextAndUndoBringsItBackSele
     EXPECT_TRUE(t.store().catalog().photo(2)->isRejected());
 }
 
-TEST(Culling, offersUndoInALineWhenOneKeyChangedManyPhotos)
+TEST(Culling, offersUndoInALineForWhateverChangedManyPhotos)
 {
-    TestWindow t(22);
-    const Heard heard(*t.desktop);
+    TestWindow t(23);
+    Heard heard(*t.desktop);
+    const auto run = [&](Command command) { return [&t, command] { t.window->commands().run(command); }; };
+    const auto named = [&]<typename Widget>(Widget*, const char* name) {
+        for (auto* const widget : t.window->findChildren<Widget*>())
+            if (widget->accessibleName() == name)
+                return widget;
+        throw std::out_of_range(name);
+    };
+    const auto type = [&] {
+        auto* const field = named(static_cast<QPlainTextEdit*>(nullptr), "Title");
+        QTest::qWait(50); // what they have is read
+        field->setFocus();
+        QTest::keyClicks(field, "Kyoto");
+        run(Command::find)(); // keeps what was typed
+    };
+    const auto slide = [&] {
+        auto* const slider = named(static_cast<QSlider*>(nullptr), "Exposure");
+        slider->setSliderDown(true);
+        slider->setValue(50);
+        slider->setSliderDown(false);
+    };
     t.store().select({1, 2});
     t.press(Qt::Key_P);
     EXPECT_TRUE(heard.notices.empty());
-    t.press(Qt::Key_A, Qt::ControlModifier);
-    t.press(Qt::Key_P);
-    ASSERT_EQ(heard.notices.size(), 1U);
-    EXPECT_EQ(heard.notices[0].text, "Pick: 22 photos.");
-    EXPECT_TRUE(heard.notices[0].undoes);
+    struct Case {
+        std::function<void()> act;
+        const char* said;
+    };
+    for (const auto& [act, said] :
+        {Case{run(Command::pick), "Pick: 21 photos."}, {type, "Change Title: 23 photos."},
+            {slide, "Change Exposure: 23 photos."}, {run(Command::rotateLeft), "Rotate Left: 23 photos."},
+            {run(Command::stack), "Stack: 23 photos."}, {run(Command::unstack), "Unstack: 23 photos."}}) {
+        t.press(Qt::Key_Escape);
+        t.press(Qt::Key_A, Qt::ControlModifier);
+        heard.notices.clear();
+        act();
+        ASSERT_EQ(heard.notices.size(), 1U) << said;
+        EXPECT_EQ(heard.notices[0].text, said);
+        EXPECT_EQ(heard.notices[0].undoes, t.store().undoStep());
+    }
+    t.press(Qt::Key_Z, Qt::ControlModifier);
+    t.press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(heard.notices.size(), 1U) << "nothing new was done";
 }
 
 TEST(Culling, deleteSaysThatItRejects)
