@@ -253,7 +253,9 @@ void GridView::paintEmpty()
         help = qt(*fault);
     } else if (!list.items().empty()) {
         title = "No photo passes the search and the filter";
-        help = "Search for something else, or choose another filter in the toolbar.";
+        help = "Search for something else, or choose another filter in the toolbar; “Clear” there takes all "
+               "of "
+               "them back.";
     } else if (!store().source()) {
         title = "This library is empty";
         help = "Drag a folder of photos here, or choose “Add Folder…” (Ctrl+Shift+O). The files stay where "

@@ -49,6 +49,7 @@ constexpr CommandInfo table[] = {
     {C::selectAll, M::edit, nullptr, "Select All", "Ctrl+A", N::shown},
     {C::selectNone, M::edit, nullptr, "Select None", "Ctrl+D", N::photos},
     {C::find, M::edit, nullptr, "Search", "Ctrl+F"},
+    {C::clearFilters, M::edit, nullptr, "Clear Search and Filters", "Ctrl+Shift+F"},
     line(M::edit),
     {C::rename, M::edit, nullptr, "Rename", "F2"},
     {C::remove, M::edit, nullptr, "Remove from Album or Reject", "Del", N::photos},

@@ -35,7 +35,7 @@ enum class Command {
     newLibrary, openLibrary, openRecent, addFolder, importPhotos, importAperture, exportPhotos, saveMetadata, revertMetadata,
     newProject, newAlbum, newSmartAlbum, editSmartAlbum, newKeyword, autoStack, namingPresets, settings, quit,
     // Edit
-    undo, redo, selectAll, selectNone, remove, removeFromLibrary, rename, find, copyAdjustments, pasteAdjustments,
+    undo, redo, selectAll, selectNone, remove, removeFromLibrary, rename, find, clearFilters, copyAdjustments, pasteAdjustments,
     // Photo
     rate0, rate1, rate2, rate3, rate4, rate5, rateUp, rateDown, reject, pick, clearMarks, toggleFlag,
     labelRed, labelOrange, labelYellow, labelGreen, labelBlue, labelPurple, labelGray, labelNone,

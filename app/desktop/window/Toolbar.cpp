@@ -38,12 +38,18 @@ public:
 private:
     void addSearch();
     void addStars();
-    void addFlagAndLabels();
+    void addFlagAndReject();
+    void addLabels();
     void addKind();
     void addFilterAndSort();
+    void addClear();
     void addSize();
-    void apply();
+    void ask(SearchFilter filter);
+    void showRejected(bool only);
+    void clear();
+    bool isAsked() const;
     void arrange();
+    void showAsked();
     void showArrangement();
     QToolButton* addButton(const QString& text, const QIcon& icon, const QString& help);
 
@@ -51,8 +57,12 @@ private:
     SearchFilter asked_;
     QLineEdit* search_ = nullptr;
     std::vector<QToolButton*> stars_;
+    QToolButton* flag_ = nullptr;
+    QToolButton* reject_ = nullptr;
     QToolButton* labels_ = nullptr;
+    QComboBox* kind_ = nullptr;
     QComboBox* filter_ = nullptr;
+    std::optional<GridFilter> beforeRejected_ = ListArrangement().filter; // to come back to
     QComboBox* sort_ = nullptr;
     QTimer typed_; // searching a large library waits for the end of a word
     Connection storeChanged_;
@@ -67,10 +77,14 @@ Toolbar::Toolbar(MainWindow& window) : QToolBar("Toolbar"), window_(window)
     addAction(window_.commands().action(Command::importPhotos));
     addSearch();
     addStars();
-    addFlagAndLabels();
+    addFlagAndReject();
+    addLabels();
     addKind();
     addFilterAndSort();
+    addClear();
     addSize();
+    showAsked();
+    showArrangement();
     storeChanged_ = window_.desktop().store().changed.connect([this](const LibraryChange& change) {
         if (change.list)
             showArrangement();
@@ -90,15 +104,11 @@ void Toolbar::addSearch()
     addWidget(search_);
     typed_.setSingleShot(true);
     connect(search_, &QLineEdit::textChanged, this, [this] { typed_.start(150); });
-    connect(&typed_, &QTimer::timeout, this, [this] {
-        asked_.words = utf8(search_->text());
-        apply();
-    });
+    connect(&typed_, &QTimer::timeout, this, [this] { ask(asked_); });
     window_.searchField = [this] { return utf8(search_->text()); };
     window_.setSearchField = [this](const std::string& words) {
         search_->setText(qt(words));
-        asked_.words = words;
-        apply();
+        ask(asked_);
     };
     window_.commands().handle(Command::find, [this] {
         search_->setFocus();
@@ -121,34 +131,45 @@ QToolButton* Toolbar::addButton(const QString& text, const QIcon& picture, const
 
 void Toolbar::addStars()
 {
-    const auto show = [this] {
-        for (std::size_t i = 0; i < stars_.size(); ++i)
-            stars_[i]->setIcon(icon(starGlyph({0, 0, 16, 16}),
-                static_cast<int>(i) < asked_.leastStars ? theme::star : QColor(0x70, 0x70, 0x70), {16, 16}));
-    };
     for (int stars = 1; stars <= highestRating; ++stars) {
         const QString help = "Only " + qt(ratingText(stars)) + (stars < highestRating ? " or more" : "");
         auto* const button = addButton(help, {}, help + "; again: all");
         button->setFixedWidth(20);
         stars_.push_back(button);
-        connect(button, &QToolButton::clicked, this, [this, stars, show] {
-            asked_.leastStars = asked_.leastStars == stars ? 0 : stars;
-            show();
-            apply();
+        connect(button, &QToolButton::clicked, this, [this, stars] {
+            auto filter = asked_;
+            filter.leastStars = asked_.leastStars == stars ? 0 : stars;
+            ask(std::move(filter));
         });
     }
-    show();
 }
 
-void Toolbar::addFlagAndLabels()
+void Toolbar::addFlagAndReject()
 {
-    auto* const flag
-        = addButton("Flagged only", icon(flagGlyph({1, 1, 14, 14}), theme::flag, {16, 16}), "Only flagged");
-    flag->setCheckable(true);
-    connect(flag, &QToolButton::toggled, this, [this](bool on) {
-        asked_.flaggedOnly = on;
-        apply();
+    flag_ = addButton("Flagged only", icon(flagGlyph({1, 1, 14, 14}), theme::flag, {16, 16}), "Only flagged");
+    reject_ = addButton(
+        "Rejected only", icon(crossGlyph({2, 2, 12, 12}), theme::warning, {16, 16}), "Only rejected");
+    for (auto* const button : {flag_, reject_})
+        button->setCheckable(true);
+    connect(flag_, &QToolButton::clicked, this, [this](bool on) {
+        auto filter = asked_;
+        filter.flaggedOnly = on;
+        ask(std::move(filter));
     });
+    connect(reject_, &QToolButton::clicked, this, [this](bool on) { showRejected(on); });
+}
+
+/// The usual filter hides the rejected, so that this takes its place until it is taken back.
+void Toolbar::showRejected(bool only)
+{
+    auto& store = window_.desktop().store();
+    if (only)
+        beforeRejected_ = store.list().filter();
+    store.arrange(store.list().sortKey(), only ? GridFilter::rejected : beforeRejected_);
+}
+
+void Toolbar::addLabels()
+{
     labels_ = addButton("Labels", {}, "Only photos with these labels");
     labels_->setText("Label");
     labels_->setPopupMode(QToolButton::InstantPopup);
@@ -158,13 +179,14 @@ void Toolbar::addFlagAndLabels()
         const auto label = static_cast<PhotoLabel>(number);
         auto* const action = menu->addAction(labelIcon(label), qt(name(label)));
         action->setCheckable(true);
-        connect(action, &QAction::toggled, this, [this, label](bool on) {
+        action->setData(number);
+        connect(action, &QAction::triggered, this, [this, label](bool on) {
+            auto filter = asked_;
             if (on)
-                asked_.labels.insert(label);
+                filter.labels.insert(label);
             else
-                asked_.labels.erase(label);
-            labels_->setChecked(!asked_.labels.empty());
-            apply();
+                filter.labels.erase(label);
+            ask(std::move(filter));
         });
     }
     labels_->setMenu(menu);
@@ -172,14 +194,15 @@ void Toolbar::addFlagAndLabels()
 
 void Toolbar::addKind()
 {
-    auto* const kind = new QComboBox;
-    kind->setAccessibleName("Kind");
-    kind->addItems({"All Kinds", "Photos", "Videos"});
-    connect(kind, &QComboBox::activated, this, [this](int index) {
-        asked_.kind = static_cast<SearchFilter::Kind>(index);
-        apply();
+    kind_ = new QComboBox;
+    kind_->setAccessibleName("Kind");
+    kind_->addItems({"All Kinds", "Photos", "Videos"});
+    connect(kind_, &QComboBox::activated, this, [this](int index) {
+        auto filter = asked_;
+        filter.kind = static_cast<SearchFilter::Kind>(index);
+        ask(std::move(filter));
     });
-    addWidget(kind);
+    addWidget(kind_);
 }
 
 void Toolbar::addFilterAndSort()
@@ -194,16 +217,41 @@ void Toolbar::addFilterAndSort()
     sort_->setAccessibleName("Order");
     sort_->setToolTip("The order of the photos");
     sort_->addItem("As in the Source", -1);
-    for (const auto& [title, key] :
-        {std::pair{"By Name", SortKey::name}, {"By Date Added", SortKey::imported},
-            {"By File Date", SortKey::fileDate}, {"By Rating", SortKey::rating}})
-        sort_->addItem(title, static_cast<int>(key));
+    for (const auto& [key, raw, title] : sortKeyNames)
+        sort_->addItem(qt(title), static_cast<int>(key));
     for (auto* const box : {filter_, sort_}) {
         box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         connect(box, &QComboBox::activated, this, [this] { arrange(); });
         addWidget(box);
     }
-    showArrangement();
+}
+
+void Toolbar::addClear()
+{
+    auto& commands = window_.commands();
+    commands.handle(
+        Command::clearFilters, [this] { clear(); }, [this] { return isAsked(); });
+    auto* const action = commands.action(Command::clearFilters);
+    auto* const button = addButton("Clear", {}, "No search, and the usual filter alone");
+    button->setText("Clear");
+    const auto follow = [action, button] { button->setEnabled(action->isEnabled()); };
+    connect(action, &QAction::changed, button, follow);
+    connect(button, &QToolButton::clicked, action, &QAction::trigger);
+    follow();
+}
+
+/// Whether anything but the usual filter hides photos.
+bool Toolbar::isAsked() const
+{
+    return asked_ != SearchFilter() || window_.desktop().store().list().filter() != ListArrangement().filter;
+}
+
+void Toolbar::clear()
+{
+    search_->clear();
+    auto& store = window_.desktop().store();
+    store.arrange(store.list().sortKey(), ListArrangement().filter);
+    ask({});
 }
 
 void Toolbar::arrange()
@@ -220,6 +268,7 @@ void Toolbar::showArrangement()
     const auto number = [](const auto& value) { return value ? static_cast<int>(*value) : -1; };
     filter_->setCurrentIndex(filter_->findData(number(list.filter())));
     sort_->setCurrentIndex(sort_->findData(number(list.sortKey())));
+    reject_->setChecked(list.filter() == GridFilter::rejected);
 }
 
 void Toolbar::addSize()
@@ -239,9 +288,27 @@ void Toolbar::addSize()
     addWidget(size);
 }
 
-void Toolbar::apply()
+/// Asks for this, and for the words of the search field.
+void Toolbar::ask(SearchFilter filter)
 {
+    typed_.stop();
+    asked_ = std::move(filter);
+    asked_.words = utf8(search_->text());
+    showAsked();
     window_.desktop().store().narrow(rulesOf(asked_));
+    window_.commands().refresh();
+}
+
+void Toolbar::showAsked()
+{
+    for (std::size_t i = 0; i < stars_.size(); ++i)
+        stars_[i]->setIcon(icon(starGlyph({0, 0, 16, 16}),
+            static_cast<int>(i) < asked_.leastStars ? theme::star : QColor(0x70, 0x70, 0x70), {16, 16}));
+    flag_->setChecked(asked_.flaggedOnly);
+    for (auto* const action : labels_->menu()->actions())
+        action->setChecked(asked_.labels.contains(static_cast<PhotoLabel>(action->data().toInt())));
+    labels_->setChecked(!asked_.labels.empty());
+    kind_->setCurrentIndex(static_cast<int>(asked_.kind));
 }
 
 } // namespace
