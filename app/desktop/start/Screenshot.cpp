@@ -22,18 +22,30 @@ struct View {
     const char* name;
     Command command;
 };
+/// All that --view knows; the manual names them too.
 constexpr View views[] = {{"grid", Command::grid}, {"viewer", Command::viewer}, {"compare", Command::compare},
     {"survey", Command::survey}, {"import", Command::importPhotos}, {"smart-album", Command::newSmartAlbum},
     {"auto-stack", Command::autoStack}, {"naming", Command::namingPresets}, {"settings", Command::settings},
     {"keys", Command::keys}, {"about", Command::about}};
+
+} // namespace
+
+std::string screenshotViews()
+{
+    std::string names;
+    for (const auto& view : views)
+        names += (names.empty() ? "" : &view == std::end(views) - 1 ? " or " : ", ") + std::string(view.name);
+    return names;
+}
+
+namespace {
 
 Command commandOf(const QString& view)
 {
     for (const auto& [name, command] : views)
         if (view == name)
             return command;
-    throw std::invalid_argument("no view \"" + view.toStdString()
-        + "\": use grid, viewer, compare, survey, import, smart-album, auto-stack, naming or settings");
+    throw std::invalid_argument("no view \"" + view.toStdString() + "\": use " + screenshotViews());
 }
 
 /// The window with the sheets that are open above it.

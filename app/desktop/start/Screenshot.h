@@ -3,6 +3,8 @@
 #include <QSize>
 #include <QString>
 
+#include <string>
+
 namespace korvo {
 
 class MainWindow;
@@ -13,6 +15,9 @@ struct ScreenshotRequest {
     QString view = "grid";
     QSize size{1280, 800};
 };
+
+/// What `view` may be, as a list for the user: "grid, viewer … or about".
+std::string screenshotViews();
 
 /// Brings the window, which is shown, into the state that is asked for, waits until its pictures are there,
 /// writes the picture and ends the program: with 0, or 1 when that failed. An unknown view is refused at once

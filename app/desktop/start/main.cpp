@@ -70,10 +70,7 @@ Options parsed(const QApplication& application, int argc, char** argv)
     parser.addVersionOption();
     parser.addOption({"library", "The folder of the library; else the one opened last.", "DIR"});
     parser.addOption({"screenshot", "Writes a picture of the window as PNG and ends.", "FILE"});
-    parser.addOption({"view",
-        "What the picture shows: grid, viewer, compare, survey, import, smart-album, auto-stack, "
-        "naming or settings.",
-        "VIEW", "grid"});
+    parser.addOption({"view", "What the picture shows: " + qt(screenshotViews()) + ".", "VIEW", "grid"});
     parser.addOption({"size", "The size of the picture's window.", "WxH", "1280x800"});
     parser.addPositionalArgument("FOLDER", "Photos to add to the library.", "[FOLDER…]");
     parser.process(application);
