@@ -24,6 +24,15 @@ std::vector<std::size_t> placesOf(const PhotoList& list, std::span<const PhotoID
     return places;
 }
 
+/// Whether members of one stack, which stand together whatever is placed between them, are before and behind.
+bool splitsStack(const PhotoList& list, std::size_t place)
+{
+    if (place == 0 || place >= list.shown().size())
+        return false;
+    const auto stackAt = [&](std::size_t each) { return list.items()[list.shown()[each]].stackID; };
+    return stackAt(place) && stackAt(place) == stackAt(place - 1);
+}
+
 } // namespace
 
 std::optional<std::int64_t> shownAlbum(const LibraryStore& store)
@@ -54,11 +63,14 @@ void placeInAlbum(LibraryStore& store, std::span<const PhotoID> ids, std::size_t
 
 void stepInAlbum(LibraryStore& store, std::span<const PhotoID> ids, int places)
 {
-    const auto at = placesOf(store.list(), ids);
+    const auto& list = store.list();
+    const auto at = placesOf(list, ids);
     if (at.empty() || (places < 0 && at.front() == 0))
         return;
-    placeInAlbum(
-        store, ids, places < 0 ? at.front() - 1 : std::min(at.back() + 2, store.list().shown().size()));
+    auto place = places < 0 ? at.front() - 1 : std::min(at.back() + 2, list.shown().size());
+    while (splitsStack(list, place))
+        place = places < 0 ? place - 1 : place + 1;
+    placeInAlbum(store, ids, place);
 }
 
 } // namespace korvo
