@@ -1,7 +1,7 @@
 #include "app/AlbumOrder.h"
 #include "app/Stacking.h"
-#include "catalog/GroupActions.h"
-#include "catalog/LibraryActions.h"
+#include "catalog/store/GroupActions.h"
+#include "catalog/store/LibraryActions.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/StoreOfPhotos.h"
 

@@ -1,8 +1,7 @@
-#include "app/SidebarTree.h"
-#include "app/ViewMemory.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/start/Instance.h"
+#include "app/desktop/start/Screenshot.h"
 #include "app/desktop/window/WindowMemory.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
@@ -10,7 +9,9 @@
 
 #include <QDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QStatusBar>
 
 namespace korvo {
@@ -53,35 +54,6 @@ TEST(StatusLine, offersToTakeBackWhatItTellsOfAndNothingElse)
 
     t.desktop->fail(std::runtime_error(std::string(5000, 'x')));
     EXPECT_LE(t.window->minimumSizeHint().width(), 1000) << "a long line does not widen the window";
-}
-
-TEST(ViewMemory, bringsBackSourceOrderAndSelectionAndPassesOverWhatIsGone)
-{
-    TestWindow t(3);
-    auto& store = t.store();
-    const auto album = createAlbum(store, "Best", {});
-    addToAlbum(store, album, IDs{1, 2, 3});
-    store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
-    store.arrange(SortKey::rating, std::nullopt);
-    store.select({3, 1});
-    const auto memory = viewMemoryOf(textOf(viewMemory(store)));
-
-    store.chooseSource({});
-    store.arrange({}, GridFilter::starred);
-    restoreView(store, memory);
-    EXPECT_EQ(store.source()->id, album);
-    EXPECT_EQ(store.list().sortKey(), SortKey::rating);
-    EXPECT_EQ(store.list().filter(), std::nullopt);
-    EXPECT_EQ(store.selection(), (IDs{3, 1}));
-
-    store.chooseSource({});
-    deleteAlbum(store, album);
-    removePhotos(store, IDs{3});
-    restoreView(store, memory);
-    EXPECT_EQ(store.source(), std::nullopt);
-    EXPECT_EQ(store.selection(), IDs{1});
-    restoreView(store, viewMemoryOf("{\"source\": 3"));
-    EXPECT_EQ(store.list().filter(), GridFilter::unratedOrBetter);
 }
 
 TEST(Window, comesBackAsItWasLeft)
@@ -131,6 +103,44 @@ TEST(Window, tabHidesWhatIsShownOfBothSidesAndVGoesThroughTheThreeViews)
         views += isGrid ? "grid " : shown(Command::filmstrip) ? "both " : "viewer ";
     }
     EXPECT_EQ(views, "both viewer grid both ");
+}
+
+TEST(Toolbar, theRejectButtonTakesTheUsualFiltersPlaceAndClearTakesAllBack)
+{
+    TestWindow t(3);
+    auto& store = t.store();
+    setRating(store, only(2), rejectedRating);
+    const auto button = [&](const char* name) -> QToolButton& {
+        for (auto* const each : t.window->findChildren<QToolButton*>())
+            if (each->accessibleName() == name)
+                return *each;
+        throw std::out_of_range(name);
+    };
+    button("Rejected only").click();
+    EXPECT_EQ(shownIDs(store.list()), IDs{2});
+    button("Rejected only").click();
+    EXPECT_EQ(shownIDs(store.list()), (IDs{1, 3}));
+    EXPECT_FALSE(button("Clear").isEnabled());
+    auto& search = *t.window->findChild<QLineEdit*>("search");
+    search.setText("a.jpg");
+    button("Flagged only").click();
+    button("Only 3 stars or more").click();
+    store.arrange(SortKey::rating, GridFilter::missingAlt);
+    EXPECT_TRUE(store.list().shown().empty());
+    button("Clear").click();
+    EXPECT_EQ(shownIDs(store.list()), (IDs{1, 3}));
+    EXPECT_EQ(store.list().sortKey(), SortKey::rating) << "the order stays";
+    EXPECT_TRUE(search.text().isEmpty() && !button("Flagged only").isChecked());
+    EXPECT_FALSE(button("Clear").isEnabled());
+    QTest::qWait(200); // no words come late
+    EXPECT_TRUE(store.list().arrangement().narrowing.empty());
+}
+
+TEST(Screenshot, itsViewsStandInTheManual)
+{
+    const auto plain = [](QString text) { return text.remove(QRegularExpression("[\\s\"]|\\.BR")); };
+    EXPECT_TRUE(
+        plain(QString::fromStdString(readFile(KORVO_DESKTOP_MANUAL))).contains(plain(qt(screenshotViews()))));
 }
 
 TEST(Instance, aSecondStartBringsTheFirstWindowForward)
