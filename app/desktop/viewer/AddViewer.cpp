@@ -1,6 +1,7 @@
+#include "app/desktop/viewer/ComparePage.h"
 #include "app/desktop/viewer/Filmstrip.h"
 #include "app/desktop/viewer/FullScreen.h"
-#include "app/desktop/viewer/Pages.h"
+#include "app/desktop/viewer/SurveyPage.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/Parts.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/viewer/Pages.h"
+#include "app/desktop/viewer/PhotoPage.h"
 #include "app/desktop/window/MainWindow.h"
 
 namespace korvo {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/desktop/adjust/AdjustPanel.h"
-#include "app/desktop/viewer/Pages.h"
+#include "app/desktop/viewer/PhotoPage.h"
 #include "tests/app/desktop/TestWindow.h"
 
 #include <QSlider>

@@ -1,8 +1,11 @@
 #include "app/Marking.h"
 #include "app/SearchFilter.h"
 #include "app/desktop/grid/GridView.h"
+#include "app/desktop/photos/FileThumbnails.h"
+#include "app/desktop/viewer/ComparePage.h"
 #include "app/desktop/viewer/Filmstrip.h"
 #include "app/desktop/viewer/MarksBar.h"
+#include "app/desktop/viewer/SurveyPage.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/PhotoWindow.h"
 
@@ -160,6 +163,17 @@ TEST(Viewer, comparesAPhotoWithTheRenderItCameWith)
     t.store().select({first, other});
     t.open(ViewMode::compare);
     EXPECT_EQ(panes.front()->photo(), first) << "two that are chosen";
+}
+
+TEST(FileThumbnails, followTheScreenTheyAreOn)
+{
+    PhotoWindow t;
+    t.add("a.png");
+    FileThumbnails pictures(t.desktop->pictures(), 50, [] {});
+    const auto side = [&](double ratio) { return pictures.picture(t.folder / "a.png", ratio).width(); };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return side(1) == 50; }, wait));
+    EXPECT_EQ(side(2), 50) << "till the finer one is there";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return side(2) == 100; }, wait));
 }
 
 TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
