@@ -36,8 +36,12 @@ std::optional<Ejected> eject(const ImportResult& result, const Source& source, c
 
 } // namespace
 
-ListedSource listSource(const Source& source, Catalog& catalog, const std::stop_token& stop)
+ListedSource listSource(
+    const Source& source, Catalog& catalog, const std::stop_token& stop, std::shared_ptr<FileSource> before)
 {
+    while (source.kind == Source::Kind::camera && before.use_count() > 1 && !stop.stop_requested())
+        std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a picture is being fetched from it
+    before.reset();
     LinuxCameras cameras;
     ListedSource listed{source, openSource(source, cameras), {}};
     listed.listing = listImportable(*listed.files, catalog, stop);

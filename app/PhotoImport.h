@@ -11,9 +11,11 @@ struct ListedSource {
     ImportListing listing;
 };
 
-/// Opens a source and lists it; what is picked is for the caller to say. Throws as openSource() and
-/// listImportable().
-ListedSource listSource(const Source& source, Catalog& catalog, const std::stop_token& stop);
+/// Opens a source and lists it; what is picked is for the caller to say. A camera is opened when nobody uses
+/// the source that was listed before any more: it may be the same one, which only one can have. Throws as
+/// openSource() and listImportable().
+ListedSource listSource(const Source& source, Catalog& catalog, const std::stop_token& stop,
+    std::shared_ptr<FileSource> before = {});
 
 /// What came of an import, as the window and the command line tell it.
 struct PhotosImported {

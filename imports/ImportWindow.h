@@ -61,7 +61,6 @@ inline constexpr std::array<std::string_view, 4> projects
     = {"No project", "New project", "One project per day", "Selected"};
 inline constexpr std::string_view pickAll = "Pick All";
 inline constexpr std::string_view pickNone = "Pick None";
-inline constexpr std::string_view noThumbnails = "A camera shows its pictures when they have been copied.";
 inline constexpr std::string_view creator = "Creator";
 inline constexpr std::string_view copyright = "Copyright";
 inline constexpr std::string_view keywords = "Keywords";

@@ -39,7 +39,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Where files are imported from. Used by one thread at a time; calls may take long.
+/// Where files are imported from. Used by one thread at a time, but for preview(); calls may take long.
 class FileSource {
 public:
     /// Which names are listed.
@@ -56,6 +56,14 @@ public:
     virtual void read(
         const SourceFile& file, const std::function<void(Bytes)>& use, const std::stop_token& stop)
         = 0;
+
+    /// A small picture of a file, as a file of its own, where the source gives one without handing out the
+    /// whole; else empty. Throws SourceError.
+    virtual std::string preview(const SourceFile& file, const std::stop_token& stop)
+    {
+        (void)file, (void)stop;
+        return {};
+    }
 };
 
 } // namespace korvo

@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <exception>
+#include <mutex>
 
 namespace korvo {
 
 namespace {
 
+constexpr std::size_t largestPreview = 512 * 1024; // bytes
 constexpr int deepest = 32; // folders within folders; a camera that shows more is broken
 
 struct Free {
@@ -125,6 +127,7 @@ public:
 
     SourceListing list(Admits admits, const std::stop_token& stop) override
     {
+        const std::lock_guard lock(mutex_);
         SourceListing listing;
         walk("/", admits, stop, listing, 0);
         return listing;
@@ -133,6 +136,7 @@ public:
     void read(
         const SourceFile& file, const std::function<void(Bytes)>& use, const std::stop_token& stop) override
     {
+        const std::lock_guard lock(mutex_);
         Download download{use, stop, {}};
         auto handler = downloadHandler();
         CameraFile* made = nullptr;
@@ -144,6 +148,20 @@ public:
             std::rethrow_exception(download.thrown);
         if (!stop.stop_requested())
             check(code);
+    }
+
+    std::string preview(const SourceFile& file, const std::stop_token& stop) override
+    {
+        const std::lock_guard lock(mutex_);
+        if (stop.stop_requested())
+            return {};
+        const auto picture = make(gp_file_new);
+        check(gp_camera_file_get(camera_.get(), file.path.parent_path().c_str(), file.path.filename().c_str(),
+            GP_FILE_TYPE_PREVIEW, picture.get(), context()));
+        const char* bytes = nullptr;
+        unsigned long size = 0;
+        check(gp_file_get_data_and_size(picture.get(), &bytes, &size));
+        return size <= largestPreview ? std::string(bytes, size) : std::string();
     }
 
 private:
@@ -193,6 +211,7 @@ private:
 
     GPContext* context() const { return drivers_.context.get(); }
 
+    std::mutex mutex_; // a preview may be asked for while another thread reads
     Drivers drivers_;
     Owned<Camera> camera_ = make(gp_camera_new);
 };

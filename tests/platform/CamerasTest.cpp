@@ -46,4 +46,16 @@ TEST(Cameras, listTheirFilesAndHandThemOut)
     EXPECT_THROW(cameras.open({"No such camera", "usb:"}), SourceError);
 }
 
+TEST(Cameras, givePicturesOfTheirFilesWhereTheyHaveSome)
+{
+    const TemporaryFolder folder;
+    const std::string photos = std::string(KORVO_TEST_DATA) + "/metadata/";
+    folder.write("a.jpg", readFile(photos + "thumbnail.jpg"));
+    folder.write("b.jpg", "nothing of the kind");
+    LinuxCameras cameras;
+    const auto camera = cameras.open({"Mass Storage Camera", "disk:" + folder.path().string()});
+    EXPECT_EQ(camera->preview({"/a.jpg"}, {}), readFile(photos + "plain.jpg"));
+    EXPECT_THROW(camera->preview({"/b.jpg"}, {}), SourceError);
+}
+
 } // namespace korvo

@@ -125,18 +125,17 @@ private:
     void paintPicture(
         QPainter& painter, const QRect& place, const Candidate& candidate, const QPalette& palette) const
     {
-        const auto& file = candidate.file.path;
-        const auto picture = view_.showsPictures_ == ShowPictures::yes
-            ? view_.thumbnails_.picture(file, view_.devicePixelRatioF())
-            : QPixmap();
+        const auto file = view_.pictureOf_(candidate.file);
+        const auto picture = file ? view_.thumbnails_.picture(*file, view_.devicePixelRatioF()) : QPixmap();
         if (!picture.isNull()) {
             paintThumbnail(painter, place, picture);
             return;
         }
         painter.fillRect(place, palette.color(QPalette::AlternateBase));
         painter.setPen(palette.color(QPalette::PlaceholderText));
-        if (view_.showsPictures_ == ShowPictures::no || view_.thumbnails_.isBroken(file))
-            painter.drawText(place, Qt::AlignCenter, qt(file.extension().native()).mid(1).toUpper());
+        if (!file || view_.thumbnails_.isBroken(*file))
+            painter.drawText(
+                place, Qt::AlignCenter, qt(candidate.file.path.extension().native()).mid(1).toUpper());
     }
 
     static void paintTexts(QPainter& painter, const QStyleOptionViewItem& option, const Candidate& candidate)
@@ -172,10 +171,10 @@ CandidateList::CandidateList(Pictures& pictures)
 
 CandidateList::~CandidateList() = default;
 
-void CandidateList::show(ImportListing* listing, ShowPictures pictures)
+void CandidateList::show(ImportListing* listing, PictureOf pictureOf)
 {
     thumbnails_.clear();
-    showsPictures_ = pictures;
+    pictureOf_ = std::move(pictureOf);
     model_->change(listing);
 }
 

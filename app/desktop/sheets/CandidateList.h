@@ -14,9 +14,10 @@ public:
     explicit CandidateList(Pictures& pictures);
     ~CandidateList() override;
 
-    enum class ShowPictures { no, yes };
+    /// Which file to show for a candidate's; nothing when there is none yet.
+    using PictureOf = std::function<std::optional<std::filesystem::path>(const SourceFile&)>;
     /// `listing` must outlive the list's use of it; null shows nothing.
-    void show(ImportListing* listing, ShowPictures pictures);
+    void show(ImportListing* listing, PictureOf pictureOf = {});
     /// Paints anew after others have picked.
     void refresh() { viewport()->update(); }
 
@@ -35,7 +36,7 @@ private:
 
     FileThumbnails thumbnails_;
     ImportListing* listing_ = nullptr;
-    ShowPictures showsPictures_ = ShowPictures::no;
+    PictureOf pictureOf_;
     Model* model_;
 };
 

@@ -1,3 +1,4 @@
+#include "app/SourcePreviews.h"
 #include "app/desktop/FailureList.h"
 #include "app/desktop/sheets/CandidateList.h"
 #include "app/desktop/sheets/ImportJob.h"
@@ -41,6 +42,7 @@ private:
     void chooseFiles();
     void list(const Source& source);
     void forgetSource();
+    CandidateList::PictureOf pictures();
     std::shared_ptr<FileSource> stopListing();
     void leave(std::shared_ptr<FileSource> files);
     void listed(Listed found);
@@ -57,6 +59,7 @@ private:
     Source source_;
     ListingState state_ = ListingState::nothingChosen;
     Listed listed_;
+    std::unique_ptr<SourcePreviews> previews_; // of a camera
     bool running_ = false;
     SourceList* sources_;
     QStackedWidget* pane_;
@@ -224,10 +227,10 @@ void ImportSheet::list(const Source& source)
     listing_ = runInBackground(desktop_.mainThread(),
         [this, source, earlier = std::move(earlier), &catalog = desktop_.store().catalog()](
             const Task::Context& context) mutable {
-            earlier.reset(); // it may be the same camera, which only one can have
             auto found = std::make_shared<Listed>();
             try {
-                static_cast<ListedSource&>(*found) = listSource(source, catalog, context.stopToken());
+                static_cast<ListedSource&>(*found)
+                    = listSource(source, catalog, context.stopToken(), std::move(earlier));
             } catch (const std::exception& error) {
                 found->fault = textForUser(error);
             }
@@ -247,7 +250,9 @@ void ImportSheet::forgetSource()
 /// Returns what was listed till now. A listing that is under way hears of it later.
 std::shared_ptr<FileSource> ImportSheet::stopListing()
 {
-    candidates_->show(nullptr, CandidateList::ShowPictures::no);
+    candidates_->show(nullptr);
+    if (previews_)
+        desktop_.leftTasks().take(std::exchange(previews_, nullptr)->end());
     desktop_.leftTasks().take(std::move(listing_));
     return std::exchange(listed_, {}).files;
 }
@@ -264,14 +269,20 @@ void ImportSheet::listed(Listed found)
     listed_ = std::move(found);
     state_ = ListingState::listed;
     pick(listed_.listing.candidates, options_->duplicates());
-    candidates_->show(&listed_.listing,
-        source_.kind == Source::Kind::camera ? CandidateList::ShowPictures::no
-                                             : CandidateList::ShowPictures::yes);
+    candidates_->show(&listed_.listing, pictures());
     if (const auto left = listed_.listing.failures.size(); left > 0 && status_->text().isEmpty())
         status_->setText(qt(counted(left, "place") + " could not be looked into"));
-    else if (source_.kind == Source::Kind::camera && status_->text().isEmpty())
-        status_->setText(qt(importWindow::noThumbnails));
     showState();
+}
+
+/// A camera's are fetched from it; other files are pictures themselves.
+CandidateList::PictureOf ImportSheet::pictures()
+{
+    if (source_.kind != Source::Kind::camera || !listed_.files)
+        return [](const SourceFile& file) { return file.path; };
+    previews_ = std::make_unique<SourcePreviews>(
+        desktop_.mainThread(), listed_.files, [this] { candidates_->refresh(); });
+    return [this](const SourceFile& file) { return previews_->find(file); };
 }
 
 void ImportSheet::pickAll(bool picked)
