@@ -213,6 +213,7 @@ void MetadataWriteBack::begin(const Adjustment& adjustment, UndoWay way, Ended e
         [run = adjustment.run, way, &tool = tool_](Catalog& catalog, const std::stop_token& stop,
             const FileProgress& progress) { return run(way, catalog, tool, stop, progress); },
         std::move(ended));
+    adjusting_ = adjustment.title;
 }
 
 void MetadataWriteBack::begin(std::string verb, Summary summary, Work work, Ended ended)
@@ -256,6 +257,7 @@ void MetadataWriteBack::say(std::string message)
 void MetadataWriteBack::finish(const FilesWritten& result, std::string message)
 {
     saving_ = false;
+    adjusting_.clear();
     statusMessage_ = std::move(message);
     failures_ = result.failures;
     hasFailed_ = !result.failures.empty() || !result.fault.empty();

@@ -50,6 +50,9 @@ public:
     std::int64_t dirtyCount() const { return dirtyCount_; }
     /// Whether a save or a revert is running.
     bool isSaving() const { return saving_; }
+    /// The title of a running change of dates or positions, or of its undoing, which leaves off when it is
+    /// ended; else empty. What is not saved or reverted yet waits on.
+    const std::string& adjusting() const { return adjusting_; }
     /// What is being done, or what came of it.
     const std::string& statusMessage() const { return statusMessage_; }
     /// What went wrong with which photo in the last save or revert.
@@ -109,6 +112,7 @@ private:
     Autosave autosave_;
     std::int64_t dirtyCount_;
     bool saving_ = false;
+    std::string adjusting_;
     bool hasFailed_ = false;
     bool exiftoolMissing_ = false;
     std::string statusMessage_;

@@ -169,7 +169,9 @@ void MainWindow::closeEvent(QCloseEvent* event)
 {
     const bool isKept = commands_.settle() && !desktop_.draft().isOpen();
     const auto jobs = desktop_.jobs().running();
-    if ((!isKept && !isLossWished(*this)) || (!jobs.empty() && !isEndWished(*this, jobs)))
+    const auto adjusting = desktop_.session().writeBack().adjusting();
+    if ((!isKept && !isLossWished(*this)) || (!jobs.empty() && !isEndWished(*this, jobs))
+        || (!adjusting.empty() && !isCutWished(*this, adjusting)))
         return event->ignore();
     rememberWindow(*this);
     QMainWindow::closeEvent(event);

@@ -33,6 +33,12 @@ bool isLossWished(QWidget& window)
         window, "What you changed last could not be stored.", "Quitting now loses it.", "Quit", "Go Back");
 }
 
+bool isCutWished(QWidget& window, const std::string& title)
+{
+    return ask(window, "“" + qt(title) + "” is still going on.",
+        "What is done stays; the other photos stay as they are.\nQuitting ends it here.", "Quit", "Go On");
+}
+
 bool isEndWished(QWidget& window, const std::vector<std::shared_ptr<Job>>& jobs)
 {
     const bool isOne = jobs.size() == 1;

@@ -13,6 +13,8 @@ QString whatStoppingLeaves(const Job& job);
 
 // Questions before quitting. Each says whether to quit all the same.
 bool isLossWished(QWidget& window);
+/// Of a change of files that is going on, by its title.
+bool isCutWished(QWidget& window, const std::string& title);
 /// At least one.
 bool isEndWished(QWidget& window, const std::vector<std::shared_ptr<Job>>& jobs);
 

@@ -1,6 +1,5 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/Texts.h"
-#include "app/desktop/sheets/ExportSheet.h"
 #include "base/Dates.h"
 #include "catalog/Stacks.h"
 #include "catalog/store/LibraryActions.h"
@@ -282,20 +281,6 @@ TEST(ApertureSheet, goesOnWhenItIsClosedAndComesBackWithWhatItRuns)
     sheet.close();
 }
 
-TEST(ExportSheet, remembersWhatWasChosenAndReadsNoOtherVersions)
-{
-    TestWindow t(1);
-    for (const auto& [stored, expected] : {std::pair{R"("webp")", PictureFormat::webp},
-             {"9", PictureFormat::jpeg}, {R"("heic")", PictureFormat::jpeg}}) {
-        t.defaults.set("korvo_export",
-            R"({"folder":"/out","size":"limited","pixels":800,"quality":70,"pattern":"{name}","format":)"
-                + std::string(stored) + "}");
-        const auto plan = ExportSheet(*t.window, {t.listed(1)}).plan();
-        EXPECT_EQ(plan.format, expected) << stored;
-        EXPECT_EQ(plan.size, expected == PictureFormat::webp ? 800 : 0);
-    }
-}
-
 TEST(ShiftDatesSheet, showsAndShiftsTheFirstPhoto)
 {
     TestWindow t(2);
@@ -310,6 +295,9 @@ TEST(ShiftDatesSheet, showsAndShiftsTheFirstPhoto)
     named<QComboBox>(sheet, "Direction").setCurrentText("Earlier");
     EXPECT_TRUE(says(sheet, qt(localDateTime(before) + " → " + localDateTime(before - 7205))));
     click(sheet, "Shift 1 Photo");
+    EXPECT_EQ(t.refused(Command::quit),
+        "“Shift Capture Dates” is still going on.\nWhat is done stays; the other photos stay as they are.\n"
+        "Quitting ends it here.");
     EXPECT_TRUE(QTest::qWaitFor([&] { return *t.listed(2).captureDate == before - 7205; }));
     EXPECT_EQ(t.store().undoTitle(), "Shift Capture Dates");
 }
