@@ -1,5 +1,6 @@
 #include "app/desktop/grid/GridView.h"
 
+#include "app/desktop/SpokenRole.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 
@@ -27,6 +28,7 @@ GridView::GridView(MainWindow& window)
       })
 {
     setObjectName("grid");
+    setSpokenRole(*this, QAccessible::List);
     setAccessibleName("Photos");
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);

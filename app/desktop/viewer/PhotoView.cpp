@@ -1,5 +1,6 @@
 #include "app/desktop/viewer/PhotoView.h"
 
+#include "app/desktop/SpokenRole.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/photos/PhotoDrag.h"
@@ -32,6 +33,7 @@ PhotoView::PhotoView(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbo
     : desktop_(desktop), feed_(desktop, viewer, neighbours), backdrop_(theme::centre),
       feedChanged_(feed_.changed.connect([this] { feedChanged(); }))
 {
+    setSpokenRole(*this, QAccessible::Graphic);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);

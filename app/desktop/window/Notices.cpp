@@ -1,10 +1,10 @@
 #include "app/desktop/window/Notices.h"
 
 #include "app/desktop/Labels.h"
+#include "app/desktop/SpokenRole.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 
-#include <QAccessibleWidget>
 #include <QHBoxLayout>
 #include <QToolButton>
 
@@ -13,12 +13,6 @@ namespace korvo {
 namespace {
 
 constexpr std::chrono::seconds noticeStays{5};
-
-QAccessibleInterface* notification(const QString&, QObject* object)
-{
-    auto* const line = dynamic_cast<NoticeLine*>(object);
-    return line ? new QAccessibleWidget(line, QAccessible::Notification) : nullptr;
-}
 
 } // namespace
 
@@ -97,7 +91,7 @@ NoticeLine::NoticeLine(Notices& notices, QWidget* parent)
     : QWidget(parent), notices_(notices), text_(new ElidedLabel), offer_(new QToolButton),
       close_(new QToolButton)
 {
-    QAccessible::installFactory(notification); // no more than once
+    setSpokenRole(*this, QAccessible::Notification);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     for (QWidget* const widget : std::initializer_list<QWidget*>{text_, offer_, close_})

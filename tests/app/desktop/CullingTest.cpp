@@ -188,7 +188,8 @@ TEST(Culling, controlChoosesSinglePhotosApart)
 TEST(Culling, saysWhereItIsInWords)
 {
     TestWindow t(3);
-    const auto* const grid = t.window->centre();
+    auto* const grid = t.window->centre();
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(grid)->role(), QAccessible::List);
     t.store().select({1});
     t.press(Qt::Key_Right);
     EXPECT_TRUE(grid->accessibleDescription().startsWith("b.jpg, unrated")) << "when the cell changes";
