@@ -81,7 +81,25 @@ std::optional<PhotoID> Browser::after(std::span<const PhotoID> ids) const
     return behindLast(list.shown(), [&](std::uint32_t position) { return list.items()[position].id; });
 }
 
+/// What was taken away, such as the album that was just made, lists nothing: all photos are better.
+void Browser::leaveGoneSource()
+{
+    try {
+        if (store_.source())
+            store_.catalog().requireSource(*store_.source());
+    } catch (const NotFoundError&) {
+        store_.chooseSource(std::nullopt);
+    }
+}
+
 std::size_t Browser::undo()
+{
+    const auto takenOut = undoTogether();
+    leaveGoneSource();
+    return takenOut;
+}
+
+std::size_t Browser::undoTogether()
 {
     if (mode_ != ViewMode::survey)
         return store_.undo();
@@ -103,6 +121,7 @@ void Browser::redo()
     store_.redo();
     if (mode_ == ViewMode::survey)
         selectShown(together);
+    leaveGoneSource();
 }
 
 bool Browser::listsVersions() const

@@ -37,6 +37,7 @@ public:
     std::optional<PhotoID> after(std::span<const PhotoID> ids) const;
 
     /// The store's undo, which selects what it touched. A survey keeps what it shows, and takes that along.
+    /// A source that is gone by it is left for all photos.
     std::size_t undo();
     /// The store's redo. A survey keeps what it shows.
     void redo();
@@ -51,6 +52,8 @@ public:
     std::size_t targetCount() const;
 
 private:
+    void leaveGoneSource();
+    std::size_t undoTogether();
     bool listsVersions() const;
     void selectShown(std::vector<PhotoID> ids);
     void storeChanged(const LibraryChange& change);

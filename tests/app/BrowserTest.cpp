@@ -168,4 +168,22 @@ TEST(Browser, staysInTheViewerWhileASourceIsRead)
     EXPECT_EQ(t.browser->targets(), IDs{4});
 }
 
+TEST(Browser, leavesASourceThatUndoOrRedoTookAway)
+{
+    TestBrowser t;
+    const auto album = createAlbum(*t.store, "Best", {});
+    const LibrarySource source{LibrarySource::Kind::album, album, {}};
+    t.store->chooseSource(source);
+    t.browser->undo();
+    EXPECT_EQ(t.store->source(), std::nullopt);
+    EXPECT_EQ(t.store->list().shown().size(), 5U);
+    t.browser->redo();
+    t.store->chooseSource(source);
+    deleteAlbum(*t.store, album);
+    t.browser->undo();
+    t.store->chooseSource(source);
+    t.browser->redo();
+    EXPECT_EQ(t.store->source(), std::nullopt);
+}
+
 } // namespace korvo
