@@ -1,6 +1,7 @@
 #include "app/ExportRun.h"
 
 #include "imports/Naming.h"
+#include "platform/FileSync.h"
 
 #include <array>
 
@@ -88,7 +89,7 @@ bool hasQuality(PictureFormat format)
 ExportResult runExport(const ExportTools& tools, std::span<const PhotoItem> photos, const ExportPlan& plan,
     const std::stop_token& stop, const std::function<void(std::size_t)>& progress)
 {
-    fs::create_directories(plan.folder);
+    makeFolders(plan.folder);
     removeUnfinishedExports(plan.folder);
     Run run(tools, plan, stop);
     for (std::size_t i = 0; i < photos.size() && !stop.stop_requested(); ++i) {

@@ -164,18 +164,6 @@ void Catalog::removeFolder(std::int64_t id)
     transaction.commit();
 }
 
-void Catalog::folderMoved(std::int64_t id, std::string_view oldPath, std::string_view newPath)
-{
-    requireAbsolute(newPath);
-    Transaction transaction(database_);
-    changeRow(database_, "folder", id, "UPDATE folders SET path = ? WHERE id = ?", newPath, id);
-    // Only the start of a path is the folder; the same text may stand again further on.
-    database_.run("UPDATE photos SET path = ?1 || substr(path, length(?2) + 1) "
-                  "WHERE folder_id = ?3 AND substr(path, 1, length(?2) + 1) = ?2 || '/'",
-        newPath, oldPath, id);
-    transaction.commit();
-}
-
 void Catalog::fileRenamed(PhotoID id, const std::filesystem::path& path)
 {
     requireAbsolute(path.native());

@@ -1,5 +1,6 @@
 #include "app/cli/Commands.h"
 #include "base/Text.h"
+#include "catalog/MovedFolder.h"
 #include "catalog/RenameKeyword.h"
 
 #include <fmt/format.h>
@@ -176,11 +177,21 @@ void addProjectCommands(const Commands& project)
         });
 }
 
+void addIDAndPlace(CLI::App& sub, TreeArguments& arguments)
+{
+    addID(sub, arguments);
+    sub.add_option("DIR", arguments.name, "where it is now")->required();
+}
+
 void addFolderCommands(const Commands& folder)
 {
     folder.add<TreeArguments>("remove", "take a folder and its photos out of the library; their files stay",
         addID,
         [](Context& context, const TreeArguments& removed) { context.library().removeFolder(removed.id); });
+    folder.add<TreeArguments>("locate", "tell where a folder is now that was moved or renamed", addIDAndPlace,
+        [](Context& context, const TreeArguments& located) {
+            locateFolder(context.library(), located.id, located.name);
+        });
 }
 
 void addAlbumAndPhotos(CLI::App& sub, TreeArguments& arguments)

@@ -46,7 +46,7 @@ void addToLibrary(
     auto done = std::make_shared<AddResult>();
     auto work = [&desktop, &catalog = desktop.store().catalog(), &clock = desktop.clock(),
                     paths = std::move(paths), showing, done](JobContext& job) {
-        *done = addFiles(catalog, paths, clock, ReadCameraData::later, job.stop(), [&](std::size_t files) {
+        *done = addFiles(catalog, paths, clock, ReadCameraData::now, job.stop(), [&](std::size_t files) {
             job.progress(files, 0);
             job.deliver([&desktop, showing] { showing->show(desktop); });
         });

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 
 namespace korvo {
 
@@ -70,6 +71,8 @@ DatabaseError DatabaseError::outdated(
 
 std::string textForUser(const std::exception& error)
 {
+    if (const auto* const file = dynamic_cast<const std::filesystem::filesystem_error*>(&error))
+        return file->path1().string() + ": " + file->code().message();
     const std::string description = error.what();
     const auto* const failed = dynamic_cast<const DatabaseError*>(&error);
     const auto* const trouble = failed ? troubleOf(*failed) : nullptr;

@@ -46,7 +46,8 @@ private:
 };
 
 /// What went wrong and what to do about it, as the user reads it: of a DatabaseError by its code, without SQL
-/// wherever SQLite says what is the matter; what() of any other.
+/// wherever SQLite says what is the matter; of the standard library's on a file the file and the reason;
+/// what() of any other.
 std::string textForUser(const std::exception& error);
 
 } // namespace korvo

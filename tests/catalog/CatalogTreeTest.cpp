@@ -1,3 +1,4 @@
+#include "catalog/MovedFolder.h"
 #include "catalog/NewGroups.h"
 #include "catalog/Versions.h"
 #include "tests/support/TestLibrary.h"
@@ -251,7 +252,7 @@ TEST(Catalog, refusesNamelessThingsRelativePathsAndWhatIsNotThere)
     for (std::size_t i = 0; i < invalid.size(); ++i)
         EXPECT_THROW(invalid[i](), std::invalid_argument) << i;
     const std::vector<std::function<void()>> unknown = {
-        [&] { catalog.folderMoved(9, "/a", "/b"); },
+        [&] { folderMoved(catalog, 9, "/b"); },
         [&] { catalog.fileRenamed(9, "/b.jpg"); },
         [&] { catalog.setMetadata(9, {}, WriteBack::done); },
         [&] { catalog.saveComposition(9, "{}"); },
@@ -264,19 +265,42 @@ TEST(Catalog, refusesNamelessThingsRelativePathsAndWhatIsNotThere)
     EXPECT_EQ(library.item(photo).path(), "/photos/a.jpg");
 }
 
-TEST(Catalog, aFolderMovedOnDiskTakesOnlyThePathsInsideIt)
+TEST(MovedFolder, takesOnlyWhatIsInsideItAndNothingOntoOthers)
 {
     TestLibrary library;
     auto& catalog = *library.catalog;
     const auto folder = catalog.addFolder("/a", 1).id;
+    const auto inner = catalog.addFolder("/a/a", 1).id;
     std::vector<NewPhoto> photos;
-    for (const std::string path : {"/a/x.jpg", "/a/a/y.jpg", "/ab/z.jpg"})
+    for (const std::string path : {"/a/x.jpg", "/a/a/y.jpg", "/ab/z.jpg", "/a0.jpg", "/new/b.jpg"})
         photos.push_back({.folderID = folder, .path = path});
     catalog.addPhotos(photos);
-    catalog.folderMoved(folder, "/a", "/new");
-    EXPECT_EQ(library.item(1).path(), "/new/x.jpg");
+    const auto version = library.version(1);
+    folderMoved(catalog, folder, "/new");
+    const char* expected[] = {"/new/x.jpg", "/new/a/y.jpg", "/ab/z.jpg", "/a0.jpg", "/new/b.jpg"};
+    for (PhotoID id = 1; id <= 5; ++id)
+        EXPECT_EQ(library.item(id).path(), expected[id - 1]);
+    EXPECT_EQ(library.item(version).path(), "/new/x.jpg");
+    EXPECT_EQ(catalog.tree().folders, (std::vector<FolderRow>{{folder, "/new"}, {inner, "/new/a"}}));
+    library.photo("y.jpg"); // in /photos
+    EXPECT_THROW(folderMoved(catalog, inner, "/photos"), std::invalid_argument);
     EXPECT_EQ(library.item(2).path(), "/new/a/y.jpg");
-    EXPECT_EQ(library.item(3).path(), "/ab/z.jpg");
+}
+
+TEST(MovedFolder, isFoundWhereItsPhotosAre)
+{
+    TestLibrary library;
+    library.folder.write("before/a.jpg", "");
+    const auto folder = library.catalog->addFolder((library.folder / "before").string(), 1).id;
+    const NewPhoto photo{.folderID = folder, .path = (library.folder / "before/a.jpg").string()};
+    const auto id = library.catalog->addPhotos(std::span(&photo, 1)).front().id;
+    std::filesystem::rename(library.folder / "before", library.folder / "after");
+    std::filesystem::create_directory(library.folder / "other");
+    for (const char* wrong : {"other", "before", "after/a.jpg"})
+        EXPECT_THROW(locateFolder(*library.catalog, folder, library.folder / wrong), std::runtime_error)
+            << wrong;
+    locateFolder(*library.catalog, folder, library.folder / "other" / ".." / "after");
+    EXPECT_EQ(library.item(id).path(), library.folder / "after/a.jpg");
 }
 
 } // namespace korvo

@@ -57,6 +57,7 @@ private:
     void show(QTreeWidgetItem& item, const SidebarNode& node);
     void addPlaces(QMenu& menu, const SidebarKey& what);
     void addNew(QMenu& menu, const SidebarKey& where);
+    void locate(std::int64_t folder);
     /// Where a drop would go.
     struct Place {
         SidebarKey line;

@@ -4,8 +4,10 @@
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/window/NewLines.h"
+#include "catalog/MovedFolder.h"
 
 #include <QContextMenuEvent>
+#include <QFileDialog>
 #include <QMenu>
 
 namespace korvo {
@@ -52,6 +54,17 @@ void Sidebar::addNew(QMenu& menu, const SidebarKey& where)
     menu.addAction(commands.action(Command::addFolder));
 }
 
+/// For a folder that was moved or renamed on disk.
+void Sidebar::locate(std::int64_t folder)
+{
+    const QString place = QFileDialog::getExistingDirectory(&window_, "Locate Folder");
+    if (!place.isEmpty())
+        desktop_.attempt([&] {
+            desktop_.store().perform(
+                "Locate Folder", [&](Catalog& catalog) { locateFolder(catalog, folder, pathOf(place)); });
+        });
+}
+
 void Sidebar::contextMenuEvent(QContextMenuEvent* event)
 {
     auto* const item = event->reason() == QContextMenuEvent::Keyboard ? currentItem() : itemAt(event->pos());
@@ -65,6 +78,8 @@ void Sidebar::contextMenuEvent(QContextMenuEvent* event)
     addPlaces(menu, key);
     if (key.kind == Kind::smartAlbum)
         menu.addAction("Edit Smart Album…", [this, key] { showSmartAlbumSheet(window_, key.id); });
+    if (key.kind == Kind::folder)
+        menu.addAction("Locate Folder…", [this, key] { locate(key.id); });
     if (canBeDeleted(key.kind)) {
         const QString verb = key.kind == Kind::folder ? "Remove from Library…" : "Delete";
         menu.addAction(verb, QKeySequence(Qt::Key_Delete), [this, key] {
