@@ -1,6 +1,7 @@
 #include "app/desktop/SpokenRole.h"
 
 #include <QAccessibleWidget>
+#include <QWidget>
 
 namespace korvo {
 
