@@ -144,7 +144,7 @@ private:
     {
         const auto& feed = view_->feed();
         const QSize size = feed.screen().image.size();
-        return feed.photo() == desktop_.browser().current() && !feed.isLoading() && !feed.isPlaceholder()
+        return feed.photo() == desktop_.browser().current() && !feed.isLoading()
             && std::max(size.width(), size.height()) >= std::max(view_->width(), view_->height());
     }
 
