@@ -35,7 +35,6 @@ Marks marksAfter(const PhotoItem& item, Mark mark, bool takenBack)
     const int stars = starsOf(item);
     switch (mark) {
     case Mark::pick:
-    case Mark::flag:
         return {stars, true};
     case Mark::reject:
         return takenBack ? Marks{stars, item.flagged} : Marks{rejectedWith(stars), false};
@@ -60,8 +59,6 @@ std::string titleOf(Mark mark, bool takenBack)
         return takenBack ? "Take Back Rejection" : "Reject";
     case Mark::clear:
         return "Clear Marks";
-    case Mark::flag:
-        return "Flag";
     case Mark::toggleFlag:
         return takenBack ? "Remove Flag" : "Flag";
     default:
@@ -103,6 +100,19 @@ void setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark)
             catalog.setRating(photos, rating);
         for (const auto& [flagged, photos] : byFlag)
             catalog.setFlagged(photos, flagged);
+    });
+}
+
+void flag(LibraryStore& store, std::span<const PhotoID> ids)
+{
+    store.perform("Flag", [&](Catalog& catalog) {
+        std::map<int, std::vector<PhotoID>> rejected; // by the stars beneath
+        for (const auto& item : catalog.photosByID(ids))
+            if (item.isRejected())
+                rejected[starsOf(item)].push_back(item.id);
+        for (const auto& [rating, photos] : rejected)
+            catalog.setRating(photos, rating);
+        catalog.setFlagged(ids, true);
     });
 }
 

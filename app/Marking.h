@@ -12,7 +12,6 @@ enum class Mark {
     pick, ///< flagged, and rejected no longer
     reject, ///< rejected and not flagged; taken back when all are rejected, which brings their stars back
     clear, ///< neither
-    flag, ///< as a pick
     toggleFlag, ///< taken back when all are flagged
     oneStarMore, ///< brings a rejected photo's stars back
     oneStarLess
@@ -39,6 +38,9 @@ struct MarkPart {
 
     bool operator==(const MarkPart&) const = default;
 };
+
+/// Picks photos, whether they are listed or not: they may have just been added.
+void flag(LibraryStore& store, std::span<const PhotoID> ids);
 
 /// What a click on a mark of one of these photos means for all of them, as one step of undo: so many stars,
 /// or none when all have just these; the flag, or none when all are flagged; at a cross, no rejection. A

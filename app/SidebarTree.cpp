@@ -293,7 +293,7 @@ std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<c
         addKeyword(store, onto.name, ids);
         return "Gave " + photos + " the keyword “" + onto.name + "”.";
     case Kind::source:
-        setMark(store, ids, Mark::flag);
+        flag(store, ids);
         return "Flagged " + photos + ".";
     default:
         return {};

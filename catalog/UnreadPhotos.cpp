@@ -29,4 +29,11 @@ void storeLateReading(Catalog& catalog, PhotoID id, const NewPhoto& photo)
     transaction.commit();
 }
 
+void forgetPosition(Catalog& catalog, PhotoID id)
+{
+    runAlone(catalog.database(),
+        "UPDATE photos SET latitude = NULL, longitude = NULL, gps_read = 0 WHERE id = ? OR version_of = ?",
+        id, id);
+}
+
 } // namespace korvo

@@ -15,4 +15,7 @@ HeldFile heldFile(Catalog& catalog, std::string_view path);
 /// is to be read later.
 void storeLateReading(Catalog& catalog, PhotoID id, const NewPhoto& photo);
 
+/// A photo has no position until its file is read again.
+void forgetPosition(Catalog& catalog, PhotoID id);
+
 } // namespace korvo

@@ -1,5 +1,6 @@
 #include "metadata/AdjustmentSteps.h"
 
+#include "catalog/UnreadPhotos.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/ExifReader.h"
 
@@ -39,6 +40,23 @@ std::optional<Coordinate> positionOf(Catalog& catalog, PhotoID photo)
     return Coordinate{*items.front().latitude, *items.front().longitude};
 }
 
+/// For a photo whose file was never changed.
+void putBackInCatalog(Catalog& catalog, PhotoID photo, bool wasRead,
+    const std::optional<Coordinate>& position, FilesWritten& result)
+{
+    try {
+        if (!wasRead)
+            forgetPosition(catalog, photo); // what the file holds is read again
+        else
+            catalog.setUserPosition(photo, position ? std::optional(position->latitude) : std::nullopt,
+                position ? std::optional(position->longitude) : std::nullopt);
+        result.touched.push_back(photo);
+        ++result.done;
+    } catch (const DatabaseError& error) {
+        result.fault = textForUser(error);
+    }
+}
+
 void append(FilesWritten& all, FilesWritten more)
 {
     all.done += more.done;
@@ -74,29 +92,45 @@ FilesWritten DateShift::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
     return result;
 }
 
+FilesWritten PositionChange::runForth(
+    Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
+{
+    std::map<PhotoID, Before> before;
+    for (const PhotoID photo : catalog.mastersOf(photos_)) {
+        const bool wasRead = catalog.isPositionRead(photo);
+        before[photo] = {positionOf(catalog, photo), wasRead};
+    }
+    auto result = setLocation(catalog, photos_, position_, tool, stop, progress);
+    for (const PhotoID photo : result.touched)
+        before_.try_emplace(photo, before[photo]);
+    auto written = std::set(result.touched.begin(), result.touched.end());
+    for (const auto& failure : result.failures)
+        written.erase(failure.id);
+    inFiles_.merge(written);
+    return result;
+}
+
 FilesWritten PositionChange::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
     const std::stop_token& stop, const FileProgress& progress)
 {
-    if (way == UndoWay::forth) {
-        std::map<PhotoID, std::optional<Coordinate>> before;
-        for (const PhotoID photo : catalog.mastersOf(photos_))
-            before[photo] = positionOf(catalog, photo);
-        auto result = setLocation(catalog, photos_, position_, tool, stop, progress);
-        for (const PhotoID photo : result.touched)
-            before_.try_emplace(photo, before[photo]);
-        return result;
-    }
+    if (way == UndoWay::forth)
+        return runForth(catalog, tool, stop, progress);
     FilesWritten result;
     const std::vector all(before_.begin(), before_.end());
     for (std::size_t i = 0; i < all.size() && !result.stopped && result.fault.empty(); ++i) {
-        const auto& [photo, position] = all[i];
+        const auto& [photo, before] = all[i];
         progress(i + 1, all.size());
-        append(result,
-            setLocation(
-                catalog, std::span(&photo, 1), position, tool, stop, [](std::size_t, std::size_t) {}));
+        if (inFiles_.contains(photo))
+            append(result,
+                setLocation(catalog, std::span(&photo, 1), before.position, tool, stop,
+                    [](std::size_t, std::size_t) {}));
+        else
+            putBackInCatalog(catalog, photo, before.wasRead, before.position, result);
     }
-    for (const PhotoID photo : result.touched)
+    for (const PhotoID photo : result.touched) {
         before_.erase(photo);
+        inFiles_.erase(photo);
+    }
     return result;
 }
 

@@ -39,7 +39,14 @@ public:
 private:
     std::vector<PhotoID> photos_;
     std::optional<Coordinate> position_;
-    std::map<PhotoID, std::optional<Coordinate>> before_; // of those that were changed
+    struct Before {
+        std::optional<Coordinate> position;
+        bool wasRead;
+    };
+    FilesWritten runForth(
+        Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
+    std::map<PhotoID, Before> before_; // of those that were changed
+    std::set<PhotoID> inFiles_; // those of them whose files were changed
 };
 
 } // namespace korvo

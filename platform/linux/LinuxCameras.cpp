@@ -136,35 +136,41 @@ public:
     void read(
         const SourceFile& file, const std::function<void(Bytes)>& use, const std::stop_token& stop) override
     {
+        get(file, GP_FILE_TYPE_NORMAL, use, stop);
+    }
+
+    std::string preview(const SourceFile& file, const std::stop_token& stop) override
+    {
+        std::string picture;
+        const auto take = [&](Bytes bytes) {
+            if (bytes.size() > largestPreview - picture.size())
+                throw SourceError("The preview of " + file.path.string() + " is too large");
+            picture.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        };
+        get(file, GP_FILE_TYPE_PREVIEW, take, stop);
+        return stop.stop_requested() ? std::string() : picture;
+    }
+
+private:
+    void get(const SourceFile& file, CameraFileType type, const std::function<void(Bytes)>& use,
+        const std::stop_token& stop)
+    {
         const std::lock_guard lock(mutex_);
+        if (stop.stop_requested())
+            return;
         Download download{use, stop, {}};
         auto handler = downloadHandler();
         CameraFile* made = nullptr;
         check(gp_file_new_from_handler(&made, &handler, &download));
         const Owned<CameraFile> target(made);
         const int code = gp_camera_file_get(camera_.get(), file.path.parent_path().c_str(),
-            file.path.filename().c_str(), GP_FILE_TYPE_NORMAL, target.get(), context());
+            file.path.filename().c_str(), type, target.get(), context());
         if (download.thrown)
             std::rethrow_exception(download.thrown);
         if (!stop.stop_requested())
             check(code);
     }
 
-    std::string preview(const SourceFile& file, const std::stop_token& stop) override
-    {
-        const std::lock_guard lock(mutex_);
-        if (stop.stop_requested())
-            return {};
-        const auto picture = make(gp_file_new);
-        check(gp_camera_file_get(camera_.get(), file.path.parent_path().c_str(), file.path.filename().c_str(),
-            GP_FILE_TYPE_PREVIEW, picture.get(), context()));
-        const char* bytes = nullptr;
-        unsigned long size = 0;
-        check(gp_file_get_data_and_size(picture.get(), &bytes, &size));
-        return size <= largestPreview ? std::string(bytes, size) : std::string();
-    }
-
-private:
     void walk(const std::filesystem::path& folder, Admits admits, const std::stop_token& stop,
         SourceListing& listing, int depth)
     {

@@ -55,7 +55,6 @@ TEST(Marking, ofOnePhoto)
              {3, false, Mark::toggleFlag, "3f"},
              {3, true, Mark::toggleFlag, "3"},
              {rejectedWith(3), false, Mark::toggleFlag, "3f"},
-             {4, true, Mark::flag, "4f"},
              {4, true, Mark::oneStarMore, "5f"},
              {5, false, Mark::oneStarMore, "5"},
              {0, false, Mark::oneStarLess, "0"},
@@ -68,6 +67,18 @@ TEST(Marking, ofOnePhoto)
         setMark(*t.store, only(1), mark);
         EXPECT_EQ(t.marks(1), after) << rating << (flagged ? "f" : "") << " and mark " << int(mark);
     }
+}
+
+TEST(Marking, flagsAlsoWhatIsNotListed)
+{
+    TestMarking t;
+    t.give(1, rejectedWith(3), false);
+    t.give(2, 0, false);
+    t.store->chooseSource(LibrarySource{LibrarySource::Kind::videos, 0, {}});
+    flag(*t.store, std::vector<PhotoID>{1, 2});
+    t.store->chooseSource(std::nullopt);
+    EXPECT_EQ(t.marks(1), "3f");
+    EXPECT_EQ(t.marks(2), "0f");
 }
 
 TEST(Marking, isTakenBackOnlyWhenAllHaveItAndUndoneInOneStep)

@@ -276,4 +276,22 @@ TEST(MetadataWriteBack, takesPositionsBackToWhatEachPhotoHad)
     EXPECT_EQ(store.list().find(1)->longitude, 20);
 }
 
+TEST(MetadataWriteBack, takesNoPositionFromAFileThatItNeverWrote)
+{
+    OpenLibrary library(2);
+    auto& store = *library.store;
+    library.exiftool.failing = "2.jpg";
+    library.writeBack->setPosition(library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    library.exiftool.failing.clear();
+    const auto made = library.exiftool.calls().size();
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    const auto calls = library.exiftool.calls();
+    EXPECT_EQ(
+        Texts(calls.begin() + static_cast<std::ptrdiff_t>(made), calls.end()), Texts{"-GPS:all= 1.jpg"});
+    EXPECT_FALSE(store.list().find(2)->latitude);
+    EXPECT_FALSE(store.catalog().isPositionRead(2)) << "its own is still to be read";
+}
+
 } // namespace korvo

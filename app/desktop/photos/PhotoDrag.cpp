@@ -75,7 +75,7 @@ void dragPhotos(QWidget& from, std::span<const PhotoItem* const> items, const QP
 {
     if (items.empty())
         return;
-    auto* const drag = new QDrag(&from);
+    auto* const drag = new QDrag(from.window()); // the drop may take `from` away
     drag->setMimeData(dragData(items));
     drag->setPixmap(dragPicture(from, picture, items.size()));
     // Never a move: whoever takes the files would take the originals away.
