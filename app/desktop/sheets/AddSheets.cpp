@@ -15,10 +15,7 @@ void addSheets(MainWindow& window)
     handle(Command::autoStack, showAutoStackSheet);
     handle(Command::shiftDates, showShiftDates);
     handle(Command::setPosition, showSetPosition);
-    handle(Command::clearPosition, [](MainWindow& over) {
-        auto& desktop = over.desktop();
-        desktop.session().writeBack().setPosition(desktop.browser().targets(), std::nullopt);
-    });
+    handle(Command::clearPosition, clearPosition);
     handle(Command::namingPresets, showNamingPresets);
     handle(Command::settings, showSettings);
     handle(Command::keys, showKeys);

@@ -1,3 +1,4 @@
+#include "app/desktop/Ask.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "catalog/NearPlace.h"
@@ -91,6 +92,19 @@ QWidget* showSetPosition(MainWindow& window)
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     sheet->open();
     return sheet;
+}
+
+void clearPosition(MainWindow& window)
+{
+    auto& desktop = window.desktop();
+    const auto photos = desktop.browser().targets(); // those of now: the library goes on while one reads
+    const auto title = photos.size() == 1 ? std::string("Clear the position of this photo?")
+                                          : "Clear the positions of " + counted(photos.size(), "photo") + "?";
+    if (ask(window, qt(title),
+            "They leave the files, too, with altitude, direction and time. Undo brings back latitude and "
+            "longitude alone.",
+            "Clear"))
+        desktop.session().writeBack().setPosition(photos, std::nullopt);
 }
 
 } // namespace korvo

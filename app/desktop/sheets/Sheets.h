@@ -23,6 +23,8 @@ QWidget* showAutoStackSheet(MainWindow& window);
 /// Both act on the photos that commands act on, which must be some.
 QWidget* showShiftDates(MainWindow& window);
 QWidget* showSetPosition(MainWindow& window);
+/// Takes the positions of photos away once that is confirmed.
+void clearPosition(MainWindow& window);
 QWidget* showNamingPresets(MainWindow& window);
 QWidget* showSettings(MainWindow& window);
 QWidget* showKeys(MainWindow& window);

@@ -319,6 +319,9 @@ TEST(PositionSheet, readsWhatPeopleWriteAndClearsIt)
     QWidget& again = *showSetPosition(*t.window);
     EXPECT_TRUE(named<QPushButton>(again, "Set for 1 Photo").isEnabled()) << "it has one now";
     again.close();
+    EXPECT_TRUE(t.refused(Command::clearPosition).startsWith("Clear the position of this photo?"));
+    EXPECT_TRUE(t.listed(1).latitude);
+    QTimer::singleShot(0, [&] { click(*QApplication::activeModalWidget(), "Clear"); });
     t.window->commands().run(Command::clearPosition);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !writeBack.isSaving(); }));
     EXPECT_FALSE(t.listed(1).latitude);
