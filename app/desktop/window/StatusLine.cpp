@@ -56,6 +56,7 @@ private:
     bool saving_ = false;
     QLabel* counts_;
     QToolButton* unwritten_;
+    QToolButton* stop_; // of what is being written
     ElidedLabel* job_;
     QProgressBar* progress_;
     QToolButton* cancel_;
@@ -75,7 +76,8 @@ Widget* StatusLine::add(Widget* widget, const char* accessibleName)
 
 StatusLine::StatusLine(MainWindow& window)
     : QObject(&window), window_(window), desktop_(window.desktop()), counts_(new QLabel),
-      unwritten_(add(new QToolButton, "Not yet written to files")), job_(add(new ElidedLabel, "Running job")),
+      unwritten_(add(new QToolButton, "Not yet written to files")),
+      stop_(add(new QToolButton, "Stop writing into files")), job_(add(new ElidedLabel, "Running job")),
       progress_(add(new QProgressBar, "Progress")), cancel_(add(new QToolButton, "Cancel the job")),
       failures_(add(new QToolButton, "Failures"))
 {
@@ -88,7 +90,8 @@ StatusLine::StatusLine(MainWindow& window)
     progress_->setMaximumWidth(140);
     progress_->setMaximumHeight(14);
     progress_->setTextVisible(false);
-    unwritten_->setToolTip("Write metadata to the files now (Ctrl+S)");
+    stop_->setText("Stop");
+    connect(stop_, &QToolButton::clicked, this, [this] { desktop_.session().writeBack().stopSaving(); });
     connect(
         unwritten_, &QToolButton::clicked, this, [this] { window_.commands().run(Command::saveMetadata); });
     connect(cancel_, &QToolButton::clicked, this, [this] { cancelJob(); });
@@ -128,7 +131,9 @@ void StatusLine::showUnwritten()
         : writeBack.statusMessage().empty()    ? QString("Saving…")
                                                : qt(writeBack.statusMessage());
     unwritten_->setText(text);
+    unwritten_->setToolTip(writeBack.isSaving() ? QString() : "Write metadata to the files now (Ctrl+S)");
     unwritten_->setVisible(count > 0 || writeBack.isSaving());
+    stop_->setVisible(writeBack.isSaving());
     window_.commands().refresh();
     if (std::exchange(saving_, writeBack.isSaving()) && !saving_)
         sayWhatWasWritten();

@@ -295,11 +295,13 @@ TEST(ShiftDatesSheet, showsAndShiftsTheFirstPhoto)
     named<QComboBox>(sheet, "Direction").setCurrentText("Earlier");
     EXPECT_TRUE(says(sheet, qt(localDateTime(before) + " → " + localDateTime(before - 7205))));
     click(sheet, "Shift 1 Photo");
+    EXPECT_TRUE(t.visibleButton("Stop"));
     EXPECT_EQ(t.refused(Command::quit),
         "“Shift Capture Dates” is still going on.\nWhat is done stays; the other photos stay as they are.\n"
         "Quitting ends it here.");
     EXPECT_TRUE(QTest::qWaitFor([&] { return *t.listed(2).captureDate == before - 7205; }));
     EXPECT_EQ(t.store().undoTitle(), "Shift Capture Dates");
+    EXPECT_FALSE(t.visibleButton("Stop"));
 }
 
 TEST(PositionSheet, readsWhatPeopleWriteAndClearsIt)
