@@ -110,7 +110,8 @@ std::size_t Browser::undoTogether()
     });
     const auto takenOut = store_.undo();
     const auto& cameBack = touched.empty() ? store_.selection() : touched;
-    together.insert(together.end(), cameBack.begin(), cameBack.end());
+    if (cameBack.size() <= mostSurveyed) // else there is no survey in it
+        together.insert(together.end(), cameBack.begin(), cameBack.end());
     selectShown(std::move(together));
     return takenOut;
 }

@@ -26,10 +26,12 @@ struct Inside {
 
 void requireRoom(Database& database, const Inside& inside, std::string_view place)
 {
-    auto taken = database.kept("SELECT path FROM folders WHERE path = ?1 "
-                               "UNION ALL SELECT path FROM photos WHERE version_of IS NULL AND path IN "
-                               "(SELECT ?1 || substr(path, length(?2)) FROM photos "
-                               "WHERE version_of IS NULL AND path >= ?2 AND path < ?3)");
+    auto taken
+        = database.kept("SELECT path FROM folders WHERE path = ?1 OR path IN "
+                        "(SELECT ?1 || substr(path, length(?2)) FROM folders WHERE path >= ?2 AND path < ?3) "
+                        "UNION ALL SELECT path FROM photos WHERE version_of IS NULL AND path IN "
+                        "(SELECT ?1 || substr(path, length(?2)) FROM photos "
+                        "WHERE version_of IS NULL AND path >= ?2 AND path < ?3)");
     taken.bind(place, inside.first, inside.end);
     if (taken.step())
         throw std::invalid_argument(std::string(taken.text(0))
@@ -61,6 +63,8 @@ void folderMoved(Catalog& catalog, std::int64_t id, std::string_view place)
     auto& database = catalog.database();
     Transaction transaction(database);
     const auto before = pathOf(database, id);
+    if (place == before)
+        return;
     const Inside inside(before);
     requireRoom(database, inside, place);
     for (const std::string table : {"folders", "photos"})

@@ -5,6 +5,8 @@
 #include "metadata/ExifReader.h"
 
 #include <algorithm>
+#include <iterator>
+#include <ranges>
 #include <tuple>
 
 namespace korvo {
@@ -27,34 +29,18 @@ void shiftInCatalog(
     }
 }
 
-/// The position that a photo has, in its file if that was not read yet.
-std::optional<Coordinate> positionOf(Catalog& catalog, PhotoID photo)
+std::optional<Coordinate> positionInCatalog(Catalog& catalog, PhotoID photo)
 {
-    if (!catalog.isPositionRead(photo)) {
-        const auto record = catalog.fileRecord(photo);
-        return record ? readGPS(record->path) : std::nullopt;
-    }
     const auto items = catalog.photosByID(std::span(&photo, 1));
     if (items.empty() || !items.front().latitude || !items.front().longitude)
         return std::nullopt;
     return Coordinate{*items.front().latitude, *items.front().longitude};
 }
 
-/// For a photo whose file was never changed.
-void putBackInCatalog(Catalog& catalog, PhotoID photo, bool wasRead,
-    const std::optional<Coordinate>& position, FilesWritten& result)
+void setInCatalog(Catalog& catalog, PhotoID photo, const std::optional<Coordinate>& position)
 {
-    try {
-        if (!wasRead)
-            forgetPosition(catalog, photo); // what the file holds is read again
-        else
-            catalog.setUserPosition(photo, position ? std::optional(position->latitude) : std::nullopt,
-                position ? std::optional(position->longitude) : std::nullopt);
-        result.touched.push_back(photo);
-        ++result.done;
-    } catch (const DatabaseError& error) {
-        result.fault = textForUser(error);
-    }
+    catalog.setUserPosition(photo, position ? std::optional(position->latitude) : std::nullopt,
+        position ? std::optional(position->longitude) : std::nullopt);
 }
 
 void append(FilesWritten& all, FilesWritten more)
@@ -62,9 +48,11 @@ void append(FilesWritten& all, FilesWritten more)
     all.done += more.done;
     all.failures.insert(all.failures.end(), more.failures.begin(), more.failures.end());
     all.touched.insert(all.touched.end(), more.touched.begin(), more.touched.end());
-    all.stopped = more.stopped;
     all.fault = std::move(more.fault);
 }
+
+/// For one of several photos, whose progress is told by who goes through them.
+void untold(std::size_t, std::size_t) { }
 
 } // namespace
 
@@ -92,45 +80,63 @@ FilesWritten DateShift::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
     return result;
 }
 
-FilesWritten PositionChange::runForth(
-    Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
+FilesWritten PositionChange::give(
+    Catalog& catalog, PhotoID photo, const ExifTool& tool, const std::stop_token& stop)
 {
-    std::map<PhotoID, Before> before;
-    for (const PhotoID photo : catalog.mastersOf(photos_)) {
-        const bool wasRead = catalog.isPositionRead(photo);
-        before[photo] = {positionOf(catalog, photo), wasRead};
+    const auto record = catalog.fileRecord(photo);
+    const Before before{positionInCatalog(catalog, photo), record ? readGPS(record->path) : std::nullopt,
+        catalog.isPositionRead(photo)};
+    auto result = setLocation(catalog, std::span(&photo, 1), position_, tool, stop, untold);
+    if (!result.touched.empty()) {
+        before_.try_emplace(photo, before);
+        if (result.failures.empty())
+            inFiles_.insert(photo);
     }
-    auto result = setLocation(catalog, photos_, position_, tool, stop, progress);
-    for (const PhotoID photo : result.touched)
-        before_.try_emplace(photo, before[photo]);
-    auto written = std::set(result.touched.begin(), result.touched.end());
-    for (const auto& failure : result.failures)
-        written.erase(failure.id);
-    inFiles_.merge(written);
+    return result;
+}
+
+FilesWritten PositionChange::putBack(
+    Catalog& catalog, PhotoID photo, const ExifTool& tool, const std::stop_token& stop)
+{
+    const auto before = before_.at(photo);
+    FilesWritten result;
+    if (inFiles_.contains(photo))
+        result = setLocation(catalog, std::span(&photo, 1), before.inFile, tool, stop, untold);
+    else {
+        result.touched = {photo};
+        result.done = 1;
+    }
+    if (!result.failures.empty() || !result.fault.empty() || result.touched.empty())
+        return result;
+    if (before.wasRead)
+        setInCatalog(catalog, photo, before.inCatalog);
+    else
+        forgetPosition(catalog, photo); // what the file holds is read again
+    before_.erase(photo);
+    inFiles_.erase(photo);
     return result;
 }
 
 FilesWritten PositionChange::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
     const std::stop_token& stop, const FileProgress& progress)
 {
+    std::vector<PhotoID> photos;
     if (way == UndoWay::forth)
-        return runForth(catalog, tool, stop, progress);
+        photos = catalog.mastersOf(photos_);
+    else
+        std::ranges::copy(std::views::keys(before_), std::back_inserter(photos));
     FilesWritten result;
-    const std::vector all(before_.begin(), before_.end());
-    for (std::size_t i = 0; i < all.size() && !result.stopped && result.fault.empty(); ++i) {
-        const auto& [photo, before] = all[i];
-        progress(i + 1, all.size());
-        if (inFiles_.contains(photo))
+    try {
+        for (std::size_t i = 0; i < photos.size() && !stop.stop_requested() && result.fault.empty(); ++i) {
+            progress(i + 1, photos.size());
             append(result,
-                setLocation(catalog, std::span(&photo, 1), before.position, tool, stop,
-                    [](std::size_t, std::size_t) {}));
-        else
-            putBackInCatalog(catalog, photo, before.wasRead, before.position, result);
+                way == UndoWay::forth ? give(catalog, photos[i], tool, stop)
+                                      : putBack(catalog, photos[i], tool, stop));
+        }
+    } catch (const DatabaseError& error) { // what is done must be told
+        result.fault = textForUser(error);
     }
-    for (const PhotoID photo : result.touched) {
-        before_.erase(photo);
-        inFiles_.erase(photo);
-    }
+    result.stopped = stop.stop_requested();
     return result;
 }
 

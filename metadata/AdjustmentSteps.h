@@ -26,7 +26,8 @@ private:
     std::set<PhotoID> inCatalog_, inFiles_; // what is shifted
 };
 
-/// A position given to photos, or taken from them; taking that back gives each the one that it had.
+/// A position given to photos, or taken from them. Taking that back gives each photo the one that it had, and
+/// each file that was written what it held then.
 class PositionChange {
 public:
     PositionChange(std::vector<PhotoID> photos, std::optional<Coordinate> position)
@@ -37,16 +38,17 @@ public:
         const FileProgress& progress);
 
 private:
+    struct Before {
+        std::optional<Coordinate> inCatalog, inFile;
+        bool wasRead = false;
+    };
+    FilesWritten give(Catalog& catalog, PhotoID photo, const ExifTool& tool, const std::stop_token& stop);
+    FilesWritten putBack(Catalog& catalog, PhotoID photo, const ExifTool& tool, const std::stop_token& stop);
+
     std::vector<PhotoID> photos_;
     std::optional<Coordinate> position_;
-    struct Before {
-        std::optional<Coordinate> position;
-        bool wasRead;
-    };
-    FilesWritten runForth(
-        Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
-    std::map<PhotoID, Before> before_; // of those that were changed
-    std::set<PhotoID> inFiles_; // those of them whose files were changed
+    std::map<PhotoID, Before> before_; // of those that are changed
+    std::set<PhotoID> inFiles_; // those of them whose files are
 };
 
 } // namespace korvo

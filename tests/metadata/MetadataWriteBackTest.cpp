@@ -1,11 +1,14 @@
 #include "metadata/MetadataWriteBack.h"
 
 #include "catalog/store/LibraryActions.h"
+#include "metadata/ExifReader.h"
 #include "platform/FileDefaults.h"
 #include "tests/metadata/FakeExifTool.h"
+#include "tests/metadata/Fixture.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/TestLibrary.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -266,8 +269,7 @@ TEST(MetadataWriteBack, takesPositionsBackToWhatEachPhotoHad)
     EXPECT_EQ(store.list().find(1)->latitude, 10);
     EXPECT_FALSE(store.list().find(2)->latitude);
     EXPECT_EQ(library.exiftool.calls(),
-        (Texts{
-            "-GPSLatitude=48 1.jpg", "-GPSLatitude=48 2.jpg", "-GPSLatitude=10 1.jpg", "-GPS:all= 2.jpg"}));
+        (Texts{"-GPSLatitude=48 1.jpg", "-GPSLatitude=48 2.jpg", "-GPS:all= 1.jpg", "-GPS:all= 2.jpg"}));
     store.redo();
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(store.list().find(1)->longitude, 11);
@@ -292,6 +294,24 @@ TEST(MetadataWriteBack, takesNoPositionFromAFileThatItNeverWrote)
         Texts(calls.begin() + static_cast<std::ptrdiff_t>(made), calls.end()), Texts{"-GPS:all= 1.jpg"});
     EXPECT_FALSE(store.list().find(2)->latitude);
     EXPECT_FALSE(store.catalog().isPositionRead(2)) << "its own is still to be read";
+}
+
+TEST(MetadataWriteBack, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
+{
+    OpenLibrary library(1);
+    auto& store = *library.store;
+    const auto file = store.list().find(1)->path();
+    std::filesystem::copy_file(
+        fixture("camera.jpg"), file, std::filesystem::copy_options::overwrite_existing);
+    store.catalog().setUserPosition(1, 10, 20); // another program has written the file since
+    library.writeBack->setPosition(library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    const auto held = readGPS(file);
+    ASSERT_TRUE(held);
+    EXPECT_EQ(library.exiftool.calls().back(), fmt::format("-GPSLatitude={} 1.jpg", held->latitude));
+    EXPECT_EQ(store.list().find(1)->latitude, 10);
 }
 
 } // namespace korvo

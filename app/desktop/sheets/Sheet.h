@@ -37,7 +37,10 @@ void attemptIn(QDialog& sheet, Action action)
     try {
         action();
     } catch (const std::exception& error) {
-        QMessageBox::warning(&sheet, sheet.windowTitle(), qt(asSentence(textForUser(error))));
+        QMessageBox box(QMessageBox::Warning, sheet.windowTitle(), qt(asSentence(textForUser(error))),
+            QMessageBox::Ok, &sheet);
+        box.setTextFormat(Qt::PlainText); // names of files may hold anything
+        box.exec();
     }
 }
 

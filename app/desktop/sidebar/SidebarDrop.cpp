@@ -52,7 +52,7 @@ std::optional<Sidebar::Place> Sidebar::placeOf(const QDropEvent& event) const
     if (!item)
         return std::nullopt;
     const auto onto = keyOf(*item);
-    if (!draggedPhotos(*event.mimeData()).empty() || event.mimeData()->hasUrls())
+    if (!draggedPhotos(*event.mimeData()).empty() || holdsFiles(*event.mimeData()))
         return takesPhotos(onto) ? std::optional(Place{onto, DropAt::into}) : std::nullopt;
     if (event.source() != this || !currentItem())
         return std::nullopt;
@@ -119,7 +119,7 @@ void Sidebar::dragEnterEvent(QDragEnterEvent* event)
 void Sidebar::dragMoveEvent(QDragMoveEvent* event)
 {
     QTreeWidget::dragMoveEvent(event); // scrolls
-    const bool areFiles = draggedPhotos(*event->mimeData()).empty() && event->mimeData()->hasUrls();
+    const bool areFiles = draggedPhotos(*event->mimeData()).empty() && holdsFiles(*event->mimeData());
     mark(placeOf(*event));
     openLater(itemAt(event->position().toPoint()));
     if (areFiles)
@@ -146,7 +146,7 @@ void Sidebar::dropEvent(QDropEvent* event)
     openLater(nullptr);
     const auto ids = draggedPhotos(*event->mimeData());
     const auto place = placeOf(*event);
-    if (ids.empty() && event->mimeData()->hasUrls())
+    if (ids.empty() && holdsFiles(*event->mimeData()))
         return window_.addDropped(
             *event->mimeData(), place ? std::optional(nodeOf(place->line)) : std::nullopt);
     if (!place)

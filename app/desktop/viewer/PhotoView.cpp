@@ -317,7 +317,7 @@ void PhotoView::mouseMoveEvent(QMouseEvent* event)
 
 void PhotoView::dragOut()
 {
-    if (const auto* const item = feed_.item())
+    if (const auto* const item = feed_.photo() ? feed_.item() : nullptr) // no render beside it
         dragPhotos(*this, {&item, 1},
             QPixmap::fromImage(feed_.screen().image.scaled(200, 200, Qt::KeepAspectRatio)));
 }
