@@ -1,11 +1,8 @@
 #include "catalog/Backup.h"
 
-#include "platform/FileSync.h"
-
-#include <unistd.h>
+#include "platform/PartFile.h"
 
 #include <algorithm>
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -14,19 +11,20 @@ namespace korvo {
 namespace {
 
 constexpr std::size_t copiesKept = 7;
+constexpr std::string_view backupStart = "catalog-";
 
 bool isBackupName(const std::string& name)
 {
-    return name.starts_with("catalog-") && name.ends_with(".sqlite");
+    return name.starts_with(backupStart) && name.ends_with(".sqlite");
 }
 
-/// SQLite's own online copy: whole even while another process writes.
+/// SQLite's own online copy into an empty file: whole even while another process writes.
 void copyDatabase(Database& source, const std::filesystem::path& file)
 {
-    std::filesystem::remove(file);
     sqlite3* opened = nullptr;
-    const int code
-        = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    // Without locks: the file is ours already, and on a network's file system the two would be in each
+    // other's way.
+    const int code = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, "unix-none");
     const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> target(opened, sqlite3_close);
     if (code != SQLITE_OK)
         throw DatabaseError::open(opened ? sqlite3_errmsg(opened) : "unknown");
@@ -36,15 +34,6 @@ void copyDatabase(Database& source, const std::filesystem::path& file)
     sqlite3_backup_finish(backup);
     if (stepped != SQLITE_DONE)
         throw DatabaseError::step(sqlite3_errmsg(opened), "backup");
-}
-
-/// Copies that were never finished, by a process that is long gone.
-void removeAbandoned(const std::filesystem::path& folder)
-{
-    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        if (entry.path().extension() == ".part" && entry.last_write_time() < longAgo)
-            std::filesystem::remove(entry.path());
 }
 
 void prune(const std::filesystem::path& folder)
@@ -63,21 +52,21 @@ void prune(const std::filesystem::path& folder)
 void backUpDaily(Database& database, const std::filesystem::path& folder, UnixTime now) noexcept
 try {
     std::filesystem::create_directories(folder);
-    const auto file = folder / ("catalog-" + localDay(now) + ".sqlite");
+    const auto file = folder / (std::string(backupStart) + localDay(now) + ".sqlite");
     if (std::filesystem::exists(file))
         return;
-    removeAbandoned(folder);
+    PartFile::removeLeftOvers(folder, backupStart);
     try {
         const WithoutWaiting impatient(database); // a reader in another process must not hold up the opening
         database.exec("PRAGMA wal_checkpoint(TRUNCATE)");
     } catch (const DatabaseError&) {
         // Another process reads the log just now; the copy is made through the log and misses nothing.
     }
-    auto unfinished = file;
-    unfinished
-        += "." + std::to_string(::getpid()) + ".part"; // two processes may open the day's first library
-    copyDatabase(database, unfinished);
-    moveIntoPlace(unfinished, file);
+    auto unfinished = PartFile::begin(file);
+    if (!unfinished)
+        return; // another process, which opened the day's first library too, makes it
+    copyDatabase(database, unfinished->path());
+    unfinished->install();
     prune(folder);
 } catch (const std::exception&) {
     // A library that cannot be backed up still opens; the health check reports when backups are missing.

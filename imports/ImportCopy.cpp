@@ -63,11 +63,7 @@ bool verify(const FileCopy& copy, const std::stop_token& stop)
 
 void removeHalfWritten(const fs::path& folder)
 {
-    for (const auto& entry : fs::directory_iterator(folder)) {
-        const auto name = entry.path().filename().native();
-        if (name.starts_with(hiddenStart) && entry.path().extension() == ".part")
-            PartFile::removeLeftOver(entry.path().parent_path() / entry.path().stem());
-    }
+    PartFile::removeLeftOvers(folder, hiddenStart);
 }
 
 } // namespace korvo

@@ -1,6 +1,6 @@
 #include "platform/FileDefaults.h"
 
-#include "platform/FileSync.h"
+#include "platform/PartFile.h"
 #include "platform/PosixFile.h"
 
 #include <system_error>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <string_view>
 
 namespace korvo {
 
@@ -20,9 +19,5 @@ void makeFolders(const std::filesystem::path& folder);
 /// Waits until the names in a folder are safe on the disk, where folders cannot be waited for until its whole
 /// file system is. Throws std::system_error.
 void syncFolder(const std::filesystem::path& folder);
-
-/// Replaces the contents of a file in the same all-or-nothing way, making the folders above it.
-/// Throws std::system_error.
-void replaceFile(const std::filesystem::path& file, std::string_view contents);
 
 } // namespace korvo

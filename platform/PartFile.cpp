@@ -6,6 +6,7 @@
 #include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -15,9 +16,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view partEnding = ".part";
+
 fs::path partOf(fs::path target)
 {
-    return target += ".part";
+    return target += partEnding;
 }
 
 enum class Lock { ours, others, none };
@@ -74,6 +77,15 @@ void PartFile::removeLeftOver(const fs::path& target)
         unlink(path.c_str());
 }
 
+void PartFile::removeLeftOvers(const fs::path& folder, std::string_view start)
+{
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        const auto& path = entry.path();
+        if (path.filename().native().starts_with(start) && path.extension() == partEnding)
+            removeLeftOver(path.parent_path() / path.stem());
+    }
+}
+
 PartFile::~PartFile()
 {
     if (file_)
@@ -111,6 +123,31 @@ void PartFile::install()
 {
     moveIntoPlace(path_, target_);
     file_ = {};
+}
+
+namespace {
+
+/// Begins the part file when who writes it now, which takes a moment, is done.
+PartFile beginInTurn(const fs::path& target)
+{
+    constexpr std::chrono::milliseconds pause(10);
+    constexpr std::chrono::seconds longest(5); // then its writer hangs
+    for (auto waited = pause; waited < longest; waited += pause) {
+        if (auto part = PartFile::begin(target))
+            return std::move(*part);
+        std::this_thread::sleep_for(pause);
+    }
+    throwFileError("write", target, std::make_error_code(std::errc::device_or_resource_busy));
+}
+
+} // namespace
+
+void replaceFile(const fs::path& file, std::string_view contents)
+{
+    makeFolders(file.parent_path());
+    auto part = beginInTurn(file);
+    part.write(Bytes(contents));
+    part.install();
 }
 
 } // namespace korvo

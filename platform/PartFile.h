@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 namespace korvo {
 
@@ -19,6 +20,9 @@ public:
 
     /// Removes the part file of `target` if no process is writing it.
     static void removeLeftOver(const std::filesystem::path& target);
+
+    /// The same for all in a folder whose names begin so. Throws std::filesystem::filesystem_error.
+    static void removeLeftOvers(const std::filesystem::path& folder, std::string_view start);
 
     PartFile(PartFile&&) noexcept = default;
     PartFile& operator=(PartFile&& other) noexcept;
@@ -49,5 +53,9 @@ private:
     std::filesystem::path path_;
     PosixFile file_; // without one once installed, or moved from
 };
+
+/// Replaces the contents of a small file by way of its part file, making the folders above it. Waits for
+/// others who do the same, for seconds at the most. Throws std::system_error.
+void replaceFile(const std::filesystem::path& file, std::string_view contents);
 
 } // namespace korvo

@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <fcntl.h>
-#include <string>
 #include <unistd.h>
 
 namespace korvo {
@@ -73,21 +72,6 @@ void syncFolder(const std::filesystem::path& folder)
     const bool cannot = errno == EINVAL || errno == ENOTSUP;
     if (!cannot || ::syncfs(opened.descriptor()) != 0)
         throwFileError("write", folder);
-}
-
-void replaceFile(const std::filesystem::path& file, std::string_view contents)
-{
-    makeFolders(file.parent_path());
-    auto unfinished = file;
-    unfinished += "." + std::to_string(::getpid()) + ".part";
-    try {
-        writeAll(opened(unfinished, O_WRONLY | O_CREAT | O_TRUNC), unfinished, Bytes(contents));
-        moveIntoPlace(unfinished, file);
-    } catch (...) {
-        std::error_code ignored; // the first error is the one to report
-        std::filesystem::remove(unfinished, ignored);
-        throw;
-    }
 }
 
 } // namespace korvo

@@ -75,8 +75,8 @@ TEST(Catalog, anInterruptedBackupDoesNotCountAsTheDays)
     const TemporaryFolder folder;
     const ManualClock clock;
     const auto name = "catalog-" + localDay(clock.time) + ".sqlite";
-    const auto abandoned = folder.write("Library/Backups/" + name + ".1.part", "half a copy");
-    fs::last_write_time(abandoned, fs::file_time_type::clock::now() - std::chrono::hours(2));
+    for (const auto& abandoned : {name, std::string("catalog-2001-01-01.sqlite")})
+        folder.write("Library/Backups/" + abandoned + ".part", "half a copy");
     const Catalog catalog(folder / "Library", clock);
     EXPECT_EQ(namesIn(catalog.backupsFolder()), std::vector{name});
 }

@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 namespace korvo {
@@ -34,8 +36,16 @@ TEST(FileSync, aFileIsReplacedAsAWholeOrNotAtAll)
     const TemporaryFolder folder;
     const auto file = folder / "new/folders/file";
     replaceFile(file, "first");
+    folder.write("new/folders/file.part", "what a killed process left");
     replaceFile(file, "second");
     EXPECT_EQ(readFile(file), "second");
+    auto other = PartFile::begin(file);
+    std::jthread writer([&] { replaceFile(file, "third"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(readFile(file), "second") << "it waits for the other";
+    other.reset();
+    writer.join();
+    EXPECT_EQ(readFile(file), "third");
     EXPECT_EQ(namesIn(file.parent_path()), Names{"file"}) << "nothing unfinished stays";
 
     const auto inTheWay = folder.write("full/x", "kept").parent_path();
