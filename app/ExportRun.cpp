@@ -3,25 +3,11 @@
 #include "imports/Naming.h"
 #include "platform/FileSync.h"
 
-#include <array>
-
 namespace korvo {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-struct FormatFacts {
-    std::string_view ending;
-    bool hasQuality;
-};
-constexpr std::array<FormatFacts, 4> formats{
-    {{".jpg", true}, {".png", false}, {".webp", true}, {".tif", false}}};
-
-const FormatFacts& factsOf(PictureFormat format)
-{
-    return formats[static_cast<std::size_t>(format)];
-}
 
 /// The first of name, name-2, name-3 that nothing has.
 fs::path freePlace(const PhotoItem& photo, const ExportPlan& plan, std::size_t index, std::size_t total)
@@ -75,16 +61,6 @@ private:
 };
 
 } // namespace
-
-std::string_view endingOf(PictureFormat format)
-{
-    return factsOf(format).ending;
-}
-
-bool hasQuality(PictureFormat format)
-{
-    return factsOf(format).hasQuality;
-}
 
 ExportResult runExport(const ExportTools& tools, std::span<const PhotoItem> photos, const ExportPlan& plan,
     const std::stop_token& stop, const std::function<void(std::size_t)>& progress)

@@ -31,11 +31,6 @@ struct ExportTools {
     const ExifTool& exifTool;
 };
 
-/// The ending of a format's files, with its dot.
-std::string_view endingOf(PictureFormat format);
-/// Whether its quality can be chosen.
-bool hasQuality(PictureFormat format);
-
 /// Renders photos into files of the folder. No file that is there is replaced: "-2", "-3" and so on are added
 /// to names that are taken. What fails is listed, and the rest goes on. `progress` is called with the number
 /// of photos dealt with. Throws std::system_error when the folder cannot be made.

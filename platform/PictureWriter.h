@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace korvo {
@@ -16,6 +17,10 @@ KORVO_ENUM(PictureFormat, jpeg, png, webp, tiff)
 
 /// The format that a file's name asks for by its ending; nothing for all others.
 std::optional<PictureFormat> pictureFormat(const std::filesystem::path& file);
+/// The ending that a format's files are given, with its dot.
+std::string_view endingOf(PictureFormat format);
+/// Whether its quality can be chosen.
+bool hasQuality(PictureFormat format);
 
 struct PictureShape {
     int width = 0;

@@ -11,22 +11,40 @@ namespace korvo {
 
 namespace {
 
-struct Ending {
-    std::string_view text;
+struct FormatFacts {
     PictureFormat format;
+    bool hasQuality;
+    std::array<std::string_view, 2> endings; // the first is the one that we give
 };
+constexpr std::array formats{FormatFacts{PictureFormat::jpeg, true, {".jpg", ".jpeg"}},
+    FormatFacts{PictureFormat::png, false, {".png", ".png"}},
+    FormatFacts{PictureFormat::webp, true, {".webp", ".webp"}},
+    FormatFacts{PictureFormat::tiff, false, {".tif", ".tiff"}}};
 
-constexpr std::array endings{Ending{".jpg", PictureFormat::jpeg}, Ending{".jpeg", PictureFormat::jpeg},
-    Ending{".png", PictureFormat::png}, Ending{".webp", PictureFormat::webp},
-    Ending{".tif", PictureFormat::tiff}, Ending{".tiff", PictureFormat::tiff}};
+const FormatFacts& factsOf(PictureFormat format)
+{
+    return *std::ranges::find(formats, format, &FormatFacts::format);
+}
 
 } // namespace
 
 std::optional<PictureFormat> pictureFormat(const std::filesystem::path& file)
 {
     const auto ending = asciiLower(file.extension().native());
-    const auto found = std::ranges::find(endings, ending, &Ending::text);
-    return found == endings.end() ? std::nullopt : std::optional(found->format);
+    for (const auto& facts : formats)
+        if (std::ranges::count(facts.endings, ending) > 0)
+            return facts.format;
+    return std::nullopt;
+}
+
+std::string_view endingOf(PictureFormat format)
+{
+    return factsOf(format).endings.front();
+}
+
+bool hasQuality(PictureFormat format)
+{
+    return factsOf(format).hasQuality;
 }
 
 std::unique_ptr<PictureWriter> pictureWriter(
