@@ -110,14 +110,7 @@ std::vector<SidebarNode> lines(Kind kind, const std::vector<Row>& rows)
 
 void addKeyword(LibraryStore& store, const std::string& keyword, std::span<const PhotoID> ids)
 {
-    const KeywordEdit edit{.added = {keyword}, .removed = {}};
-    store.perform("Add Keyword", [&](Catalog& catalog) {
-        for (const auto& item : catalog.photosByID(ids)) {
-            MetadataChange change;
-            change.keywords = edit.appliedTo(item.metadata.keywords.view());
-            catalog.changeMetadata({{item.id}}, change, WriteBack::pending);
-        }
-    });
+    editKeywords(store, ids, {.added = {keyword}, .removed = {}});
 }
 
 /// Takes away the counts that may take long to be made.
