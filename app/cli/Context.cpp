@@ -4,7 +4,6 @@
 #include "app/cli/StandardInput.h"
 #include "base/Text.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -23,32 +22,30 @@ std::string printableLines(std::string_view text)
     return lines;
 }
 
-PhotoID photoID(std::string_view text)
-{
-    PhotoID id = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
-    if (error != std::errc() || end != text.data() + text.size())
-        throw std::invalid_argument("\"" + std::string(text) + "\" is no photo id");
-    return id;
-}
-
 std::vector<PhotoID> listedIDs(const std::vector<std::string>& texts, const std::stop_token& stop)
 {
     std::vector<PhotoID> ids;
     for (const auto& text : texts) {
         if (text != "-") {
-            ids.push_back(photoID(text));
+            ids.push_back(idOf(text, "photo"));
             continue;
         }
         const auto input = readStandardInput(stop);
         for (const auto line : split(input, '\n'))
             if (const auto id = trimmed(line); !id.empty())
-                ids.push_back(photoID(id));
+                ids.push_back(idOf(id, "photo"));
     }
     return ids;
 }
 
 } // namespace
+
+std::int64_t idOf(std::string_view text, std::string_view noun)
+{
+    if (const auto id = wholeNumber<std::int64_t>(text))
+        return *id;
+    throw std::invalid_argument(fmt::format("\"{}\" is no {} id", text, noun));
+}
 
 void printError(std::string_view message)
 {

@@ -27,6 +27,9 @@ enum class ExitCode { done = 0, nothing = 1, usage = 2, part = 3, interrupted = 
 /// Whether a command did all it was asked for, or was stopped on the way.
 enum class Ended { whole, early };
 
+/// The id that a text is. Throws std::invalid_argument, which says what it is no id of.
+std::int64_t idOf(std::string_view text, std::string_view noun);
+
 /// What stands before the command.
 struct GlobalOptions {
     std::optional<std::filesystem::path> library;

@@ -8,16 +8,6 @@ namespace korvo {
 
 namespace {
 
-PhotoLabel labelNamed(const std::string& text)
-{
-    for (std::int64_t number = 0; const auto label = photoLabel(number); ++number)
-        if (text == std::to_string(number) || compareNoCase(text, name(*label)) == 0
-            || (label == PhotoLabel::none && compareNoCase(text, "none") == 0))
-            return *label;
-    throw std::invalid_argument(
-        "\"" + text + "\" is no label: use none, red, orange, yellow, green, blue, purple, gray or 0 to 7");
-}
-
 struct RateArguments {
     int rating = 0;
     PhotoArguments photos;
@@ -49,9 +39,12 @@ struct LabelArguments {
 
 ExitCode labelPhotos(Context& context, const LabelArguments& arguments)
 {
-    const auto value = labelNamed(arguments.label);
+    const auto label = labelNamed(arguments.label);
+    if (!label)
+        throw std::invalid_argument("\"" + arguments.label
+            + "\" is no label: use none, red, orange, yellow, green, blue, purple, gray or 0 to 7");
     return changePhotos(
-        context, arguments.photos, [&](const auto& ids) { context.library().setLabel(ids, value); });
+        context, arguments.photos, [&](const auto& ids) { context.library().setLabel(ids, *label); });
 }
 
 struct SetArguments {

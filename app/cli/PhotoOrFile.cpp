@@ -1,26 +1,15 @@
 #include "app/cli/PhotoOrFile.h"
 
-#include <charconv>
-#include <fstream>
-#include <iterator>
+#include "base/Text.h"
+#include "platform/PosixFile.h"
+
 #include <stdexcept>
 
 namespace korvo {
 
-namespace {
-
-std::optional<PhotoID> idIn(const std::string& text)
-{
-    PhotoID id = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(id) : std::nullopt;
-}
-
-} // namespace
-
 PhotoOrFile photoOrFile(Context& context, const std::string& text, const std::optional<std::string>& edits)
 {
-    PhotoOrFile result{idIn(text), text, {}};
+    PhotoOrFile result{wholeNumber<PhotoID>(text), text, {}};
     if (result.photo) {
         const auto item = existingPhoto(context, *result.photo);
         result.file = item.path();
@@ -41,13 +30,7 @@ PhotoItem existingPhoto(Context& context, PhotoID id)
 
 std::string textOrFile(const std::string& text)
 {
-    if (!text.starts_with('@'))
-        return text;
-    std::ifstream file(text.substr(1), std::ios::binary);
-    std::string contents(std::istreambuf_iterator<char>(file), {});
-    if (!file)
-        throw std::runtime_error("cannot read " + text.substr(1));
-    return contents;
+    return text.starts_with('@') ? readWholeFile(text.substr(1)) : text;
 }
 
 } // namespace korvo

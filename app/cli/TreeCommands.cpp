@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
 #include <map>
 #include <stdexcept>
 
@@ -138,13 +137,7 @@ void addAssignArguments(CLI::App& sub, AssignArguments& arguments)
 /// No project for "none".
 ParentID projectID(const std::string& text)
 {
-    if (text == "none")
-        return std::nullopt;
-    std::int64_t id = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
-    if (error != std::errc() || end != text.data() + text.size())
-        throw std::invalid_argument("\"" + text + "\" is no project id");
-    return id;
+    return text == "none" ? std::nullopt : ParentID(idOf(text, "project"));
 }
 
 ExitCode assign(Context& context, const AssignArguments& arguments)
