@@ -14,8 +14,8 @@ struct ApertureSource {
 
 /// One master made ready. Without photos its file is missing.
 struct PreparedMaster {
-    std::vector<ApertureImportPlan::Photo>
-        photos; ///< the first stands for the master, the others for its versions
+    /// The first stands for the master, the others for its versions.
+    std::vector<ApertureImportPlan::Photo> photos;
     std::size_t adjusted = 0;
     std::size_t matched = 0;
     ApertureTranslator::Report report;

@@ -9,7 +9,7 @@
 
 namespace korvo {
 
-/// What the catalog is given to keep.
+// What the catalog is given to keep.
 
 /// What the files themselves say about how a photo was taken.
 struct CameraData {

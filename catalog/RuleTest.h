@@ -12,8 +12,8 @@
 
 namespace korvo {
 
-/// The tests that rules become, from the cheapest to the dearest. Each is the positive one: "is not" and
-/// "does not contain" are turned round by RuleTest.
+// The tests that rules become, from the cheapest to the dearest. Each is the positive one: "is not" and
+// "does not contain" are turned round by RuleTest.
 
 struct YesNoTest {
     SmartAlbumRule::Field field;

@@ -10,7 +10,7 @@
 
 namespace korvo {
 
-/// The records of the sidebar.
+// The records of the sidebar.
 
 struct FolderRow {
     std::int64_t id = 0;

@@ -23,8 +23,8 @@ struct BasicPlan {
     float shadowStops = 0; ///< the gain of black
     float highlightStops = 0; ///< the gain of white
     float sharpness = 0;
-    std::array<float, sharpeningReach + 1>
-        blur{}; ///< weights of a symmetric Gaussian, from its centre outwards, sum 1
+    /// Weights of a symmetric Gaussian, from its centre outwards, sum 1.
+    std::array<float, sharpeningReach + 1> blur{};
 
     /// Whether there is nothing to do: the image stays itself.
     bool isIdentity() const { return !hasMatrix && !hasVibrance && !hasTone && !hasSharpening; }

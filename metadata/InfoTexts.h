@@ -10,7 +10,7 @@
 
 namespace korvo {
 
-/// What the inspector says of a photo beside its descriptive fields.
+// What the inspector says of a photo beside its descriptive fields.
 
 /// "Canon EOS R5 · RF50mm F1.8 STM"; empty when neither is known.
 std::string cameraLine(const PhotoItem& item);

@@ -6,9 +6,9 @@
 
 namespace korvo {
 
-/// Reading and writing straight from and to the disk, past the pages that the system keeps of files: filling
-/// pages that nobody will look at takes longer than all else that is done with a copy. Not all file systems
-/// do that, and none for odd places, lengths and addresses; they answer EINVAL.
+// Reading and writing straight from and to the disk, past the pages that the system keeps of files: filling
+// pages that nobody will look at takes longer than all else that is done with a copy. Not all file systems
+// do that, and none for odd places, lengths and addresses; they answer EINVAL.
 
 /// What places and lengths in a direct file are multiples of.
 inline constexpr std::size_t directUnit = 4096;

@@ -9,7 +9,7 @@
 
 namespace korvo::bench {
 
-/// What a program would write that used SQLite directly: the yardsticks.
+// What a program would write that used SQLite directly: the yardsticks.
 
 struct BareRow {
     long long id;

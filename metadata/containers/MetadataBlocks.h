@@ -11,14 +11,14 @@ namespace korvo {
 /// says.
 struct MetadataBlocks {
     std::optional<ByteRange> exif; ///< a TIFF structure, with its EXIF and GPS directories inside
-    std::optional<ByteRange>
-        exifDirectory; ///< a TIFF structure of its own whose first directory is the EXIF one
+    /// A TIFF structure of its own whose first directory is the EXIF one.
+    std::optional<ByteRange> exifDirectory;
     std::optional<ByteRange> gpsDirectory; ///< likewise for GPS
-    std::optional<ByteRange>
-        furtherExif; ///< of the preview in a raw file, or an older one; completes the others
+    /// Of the preview in a raw file, or an older one; completes the others.
+    std::optional<ByteRange> furtherExif;
     std::optional<ByteRange> xmp;
-    std::optional<ByteRange>
-        extendedXmp; ///< the part of an XMP packet that did not fit into one JPEG segment
+    /// The part of an XMP packet that did not fit into one JPEG segment.
+    std::optional<ByteRange> extendedXmp;
     std::optional<ByteRange> iptc; ///< IIM data sets
     ExifTags own; ///< what is said outside any EXIF block
     PixelSize size;

@@ -25,10 +25,10 @@ public:
         double devicePixelRatio);
 
     struct Picture {
-        QPixmap pixmap; ///< of an earlier edit or another size till the wanted one is there; null if there is
-                        ///< none
-        PictureState state
-            = PictureState::fine; ///< broken: the file cannot be read; what it showed before may be there
+        /// Of an earlier edit or another size till the wanted one is there; null if there is none.
+        QPixmap pixmap;
+        /// Broken: the file cannot be read; what it showed before may be there.
+        PictureState state = PictureState::fine;
     };
     Picture find(PhotoID id) const;
 
