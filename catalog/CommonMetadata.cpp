@@ -77,13 +77,6 @@ void CommonMetadata::addKeywords(const SharedText& keywords)
     }
 }
 
-bool CommonMetadata::isSettled() const
-{
-    if (isFirst_ || !keywordsDiffer_ || !texts_[keywordsField]->empty())
-        return false;
-    return std::count(texts_.begin(), texts_.end(), std::nullopt) == 5;
-}
-
 std::string KeywordEdit::appliedTo(std::string_view keywords) const
 {
     auto list = without(splitKeywords(keywords), removed);

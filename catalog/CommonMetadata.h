@@ -34,8 +34,6 @@ public:
     const std::optional<SharedText>& text(std::size_t field) const { return texts_[field]; }
     /// Whether some photos have keywords that others have not.
     bool keywordsDiffer() const { return keywordsDiffer_; }
-    /// Whether no further photo can change anything.
-    bool isSettled() const;
 
 private:
     void addKeywords(const SharedText& keywords);

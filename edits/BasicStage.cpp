@@ -191,16 +191,6 @@ void makeRoom(Image& result, int width, int height)
         result = Image(width, height);
 }
 
-template <typename Image>
-std::shared_ptr<const Image> adjusted(const BasicPlan& plan, std::shared_ptr<const Image> image)
-{
-    if (plan.isIdentity())
-        return image;
-    auto result = std::make_shared<Image>();
-    runBasicStage(plan, *image, *result);
-    return result;
-}
-
 } // namespace
 
 void runBasicStage(const BasicPlan& plan, const Bitmap& image, Bitmap& result)
@@ -234,16 +224,6 @@ void runBasicStage(const BasicPlan& plan, const LinearImage& image, Bitmap& resu
         storeBytes(row, rgba, span.count, rgba);
     };
     runTiles(plan, image.width, image.height, loadFrom(image), store);
-}
-
-std::shared_ptr<const Bitmap> basicStage(const BasicPlan& plan, std::shared_ptr<const Bitmap> image)
-{
-    return adjusted(plan, std::move(image));
-}
-
-std::shared_ptr<const LinearImage> basicStage(const BasicPlan& plan, std::shared_ptr<const LinearImage> image)
-{
-    return adjusted(plan, std::move(image));
 }
 
 } // namespace korvo

@@ -7,15 +7,6 @@
 
 namespace korvo {
 
-PhotoID createVersion(LibraryStore& store, PhotoID photo, const std::optional<std::string>& name,
-    const std::optional<PhotoEdits>& edits, UnixTime addedAt)
-{
-    PhotoID id = 0;
-    store.perform(
-        "New Version", [&](Catalog& catalog) { id = createVersion(catalog, photo, name, edits, addedAt); });
-    return id;
-}
-
 std::vector<PhotoID> createVersions(LibraryStore& store, std::span<const PhotoID> photos, UnixTime addedAt)
 {
     std::vector<PhotoID> made;
@@ -45,20 +36,9 @@ std::int64_t createStack(LibraryStore& store, std::span<const PhotoID> photos, s
     return id;
 }
 
-void unstack(LibraryStore& store, std::int64_t id)
-{
-    store.perform("Unstack", [&](Catalog& catalog) { unstack(catalog, id); });
-}
-
 void setPick(LibraryStore& store, std::int64_t stack, PhotoID photo)
 {
     store.perform("Set Pick", [&](Catalog& catalog) { setPick(catalog, stack, photo); });
-}
-
-void setStackState(LibraryStore& store, std::int64_t id, StackState state)
-{
-    store.perform(state == StackState::collapsed ? "Collapse Stack" : "Expand Stack",
-        [&](Catalog& catalog) { setStackState(catalog, id, state); });
 }
 
 void moveInStack(LibraryStore& store, std::int64_t stack, PhotoID photo, std::size_t position)

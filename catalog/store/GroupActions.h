@@ -8,17 +8,13 @@ namespace korvo {
 
 // What the user does to versions, stacks and smart albums, as LibraryActions.h has it for all else.
 
-PhotoID createVersion(LibraryStore& store, PhotoID photo, const std::optional<std::string>& name,
-    const std::optional<PhotoEdits>& edits, UnixTime addedAt);
 /// Makes a version of each; in an album each stands there behind its photo. The versions in the order of
 /// the photos.
 std::vector<PhotoID> createVersions(LibraryStore& store, std::span<const PhotoID> photos, UnixTime addedAt);
 void renameVersion(LibraryStore& store, PhotoID version, std::string_view name);
 void removeVersion(LibraryStore& store, PhotoID version);
 std::int64_t createStack(LibraryStore& store, std::span<const PhotoID> photos, std::optional<PhotoID> pick);
-void unstack(LibraryStore& store, std::int64_t id);
 void setPick(LibraryStore& store, std::int64_t stack, PhotoID photo);
-void setStackState(LibraryStore& store, std::int64_t id, StackState state);
 void moveInStack(LibraryStore& store, std::int64_t stack, PhotoID photo, std::size_t position);
 /// Stacks what is shown, as AutoStackPlan does. Nothing happens when no stack comes of it.
 void autoStack(LibraryStore& store, double interval);

@@ -12,21 +12,9 @@ void setRating(LibraryStore& store, std::span<const PhotoID> ids, int rating)
         rating < 0 ? "Reject" : "Set Rating", [&](Catalog& catalog) { catalog.setRating(ids, rating); });
 }
 
-void setFlagged(LibraryStore& store, std::span<const PhotoID> ids, bool flagged)
-{
-    store.perform(
-        flagged ? "Flag" : "Remove Flag", [&](Catalog& catalog) { catalog.setFlagged(ids, flagged); });
-}
-
 void setLabel(LibraryStore& store, std::span<const PhotoID> ids, PhotoLabel label)
 {
     store.perform("Set Label", [&](Catalog& catalog) { catalog.setLabel(ids, label); });
-}
-
-void setMetadata(LibraryStore& store, std::span<const PhotoID> ids, const MetadataChange& change)
-{
-    store.perform("Change Metadata",
-        [&](Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); });
 }
 
 void setMetadataField(
@@ -52,11 +40,6 @@ void editKeywords(LibraryStore& store, std::span<const PhotoID> ids, const Keywo
     });
 }
 
-void setEdits(LibraryStore& store, std::span<const PhotoID> ids, const PhotoEdits& edits)
-{
-    store.perform("Adjust", [&](Catalog& catalog) { catalog.saveEdits(ids, edits); });
-}
-
 void changeEdits(LibraryStore& store, std::string title, std::span<const PhotoID> ids,
     const std::function<void(PhotoEdits&)>& change)
 {
@@ -74,11 +57,6 @@ void changeEdits(LibraryStore& store, std::string title, std::span<const PhotoID
             catalog.saveEdits(photos, edits);
         }
     });
-}
-
-void saveComposition(LibraryStore& store, PhotoID id, std::string_view json)
-{
-    store.perform("Change Composition", [&](Catalog& catalog) { catalog.saveComposition(id, json); });
 }
 
 void removePhotos(LibraryStore& store, std::span<const PhotoID> ids)
@@ -99,22 +77,9 @@ std::int64_t createProject(
     return id;
 }
 
-std::int64_t gatherUnderProject(LibraryStore& store, std::string_view name)
-{
-    std::int64_t id = 0;
-    store.perform(
-        "Gather under New Project", [&](Catalog& catalog) { id = catalog.gatherUnderProject(name); });
-    return id;
-}
-
 void renameProject(LibraryStore& store, std::int64_t id, std::string_view name)
 {
     store.perform("Rename Project", [&](Catalog& catalog) { catalog.renameProject(id, name); });
-}
-
-void moveProject(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parent)
-{
-    store.perform("Move Project", [&](Catalog& catalog) { catalog.moveProject(id, parent); });
 }
 
 void placeProject(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parent,
@@ -133,22 +98,20 @@ void assignToProject(LibraryStore& store, std::span<const PhotoID> ids, std::opt
     store.perform("Move to Project", [&](Catalog& catalog) { catalog.assignToProject(ids, project); });
 }
 
-std::int64_t createAlbum(
-    LibraryStore& store, std::string_view name, std::optional<std::int64_t> parentProject)
+std::int64_t createAlbum(LibraryStore& store, std::string_view name,
+    std::optional<std::int64_t> parentProject, std::span<const PhotoID> photos)
 {
     std::int64_t id = 0;
-    store.perform("New Album", [&](Catalog& catalog) { id = catalog.createAlbum(name, parentProject); });
+    store.perform("New Album", [&](Catalog& catalog) {
+        id = catalog.createAlbum(name, parentProject);
+        catalog.addToAlbum(id, photos);
+    });
     return id;
 }
 
 void renameAlbum(LibraryStore& store, std::int64_t id, std::string_view name)
 {
     store.perform("Rename Album", [&](Catalog& catalog) { catalog.renameAlbum(id, name); });
-}
-
-void moveAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parentProject)
-{
-    store.perform("Move Album", [&](Catalog& catalog) { catalog.moveAlbum(id, parentProject); });
 }
 
 void placeAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parentProject,

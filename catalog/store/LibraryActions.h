@@ -8,35 +8,28 @@ namespace korvo {
 // title in the Edit menu, and throws as that does.
 
 void setRating(LibraryStore& store, std::span<const PhotoID> ids, int rating);
-void setFlagged(LibraryStore& store, std::span<const PhotoID> ids, bool flagged);
 void setLabel(LibraryStore& store, std::span<const PhotoID> ids, PhotoLabel label);
-void setMetadata(LibraryStore& store, std::span<const PhotoID> ids, const MetadataChange& change);
-/// The same in one field, under its title.
+/// Changes one field, under its title.
 void setMetadataField(
     LibraryStore& store, std::span<const PhotoID> ids, std::size_t field, std::string_view text);
 /// Adds and takes away keywords; each photo keeps its others.
 void editKeywords(LibraryStore& store, std::span<const PhotoID> ids, const KeywordEdit& edit);
-void setEdits(LibraryStore& store, std::span<const PhotoID> ids, const PhotoEdits& edits);
 /// Changes what each photo's own edits are, in one step of that title. Throws JsonError for a photo whose
 /// stored edits cannot be read, and then changes none.
 void changeEdits(LibraryStore& store, std::string title, std::span<const PhotoID> ids,
     const std::function<void(PhotoEdits&)>& change);
-void saveComposition(LibraryStore& store, PhotoID id, std::string_view json);
 void removePhotos(LibraryStore& store, std::span<const PhotoID> ids);
 void removeFolder(LibraryStore& store, std::int64_t id);
 std::int64_t createProject(
     LibraryStore& store, std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
-std::int64_t gatherUnderProject(LibraryStore& store, std::string_view name);
 void renameProject(LibraryStore& store, std::int64_t id, std::string_view name);
-void moveProject(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parent);
 void placeProject(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parent,
     std::optional<std::int64_t> before);
 void deleteProject(LibraryStore& store, std::int64_t id);
 void assignToProject(LibraryStore& store, std::span<const PhotoID> ids, std::optional<std::int64_t> project);
-std::int64_t createAlbum(
-    LibraryStore& store, std::string_view name, std::optional<std::int64_t> parentProject);
+std::int64_t createAlbum(LibraryStore& store, std::string_view name,
+    std::optional<std::int64_t> parentProject, std::span<const PhotoID> photos = {});
 void renameAlbum(LibraryStore& store, std::int64_t id, std::string_view name);
-void moveAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parentProject);
 void placeAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> parentProject,
     std::optional<std::int64_t> before);
 void deleteAlbum(LibraryStore& store, std::int64_t id);

@@ -2,6 +2,7 @@
 #include "base/JsonError.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>

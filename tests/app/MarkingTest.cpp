@@ -1,6 +1,7 @@
 #include "app/Marking.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>

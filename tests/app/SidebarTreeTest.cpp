@@ -1,5 +1,6 @@
 #include "app/SidebarTree.h"
 #include "catalog/store/LibraryActions.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/StoreOfPhotos.h"
 
 #include <gtest/gtest.h>

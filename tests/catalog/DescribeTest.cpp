@@ -35,8 +35,6 @@ TEST(CommonMetadata, tellsTextsThatDifferFromThoseThatAllHave)
     EXPECT_EQ(common.text(1), SharedText()) << "empty everywhere is no difference";
     EXPECT_EQ(common.text(3), std::nullopt) << "one has a creator";
     EXPECT_FALSE(common.keywordsDiffer());
-    EXPECT_FALSE(common.isSettled());
-    EXPECT_TRUE(commonOf({{}, {"alt", "title", "caption", "keyword", "creator", "copyright"}}).isSettled());
 }
 
 TEST(CommonMetadata, keywordsInCommonAreThoseOfAllPhotos)

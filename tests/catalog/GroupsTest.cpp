@@ -5,6 +5,7 @@
 #include "catalog/store/LibraryStore.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
@@ -308,7 +309,7 @@ TEST(LibraryStore, aCollapsedStackShowsItsPickAndAnExpandedOneAllTogether)
 TEST(LibraryStore, versionsAreMadeAndTakenBack)
 {
     Grid t(2);
-    const auto version = createVersion(t.store, 1, std::nullopt, std::nullopt, 5);
+    const auto version = createVersions(t.store, only(1), 5).front();
     EXPECT_EQ(t.shown(), (IDs{1, 2})) << "only albums show versions";
     const auto album = createAlbum(t.store, "album", std::nullopt);
     addToAlbum(t.store, album, IDs{version, 1});

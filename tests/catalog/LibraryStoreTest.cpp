@@ -4,6 +4,7 @@
 #include "catalog/store/LibraryActions.h"
 #include "tests/support/ListedPhotos.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
@@ -262,7 +263,7 @@ TEST(LibraryStore, undoPutsNoProjectIntoItselfNorIntoOneThatIsGone)
     TestStore t;
     const auto outer = createProject(*t.store, "outer", "folder", std::nullopt);
     const auto inner = createProject(*t.store, "inner", "folder", outer);
-    moveProject(*t.store, inner, std::nullopt);
+    placeProject(*t.store, inner, std::nullopt, std::nullopt);
     t.store->catalog().moveProject(outer, inner); // as another program does
     t.store->undo();
     const ProjectNode outerNode{outer, "outer", "folder", inner, 0, {}};
@@ -304,9 +305,9 @@ TEST(LibraryStore, photosMayChangePlacesAndComeBackWhereAnotherGoes)
     TestStore t(2);
     const auto before = contentOf(t.store->catalog());
     t.store->perform("Swap", [](Catalog& catalog) {
-        catalog.fileRenamed(1, "/photos/tmp.jpg");
-        catalog.fileRenamed(2, "/photos/a.jpg");
-        catalog.fileRenamed(1, "/photos/b.jpg");
+        for (const auto& [id, name] : {std::pair{1, "tmp.jpg"}, {2, "a.jpg"}, {1, "b.jpg"}})
+            catalog.database().run("UPDATE photos SET path = ?, filename = ? WHERE id = ?",
+                std::string("/photos/") + name, name, id);
     });
     t.store->perform("Replace", [](Catalog& catalog) {
         catalog.deletePhotos(only(1));

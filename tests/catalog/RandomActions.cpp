@@ -1,8 +1,10 @@
 #include "tests/catalog/RandomActions.h"
 
 #include "catalog/Stacks.h"
+#include "catalog/Versions.h"
 #include "catalog/store/GroupActions.h"
 #include "catalog/store/LibraryActions.h"
+#include "tests/support/StoreActions.h"
 
 #include <algorithm>
 #include <iterator>
@@ -104,7 +106,8 @@ void RandomActions::deleteProject()
 
 void RandomActions::gather()
 {
-    const auto outer = gatherUnderProject(*store_, "all");
+    std::int64_t outer = 0;
+    store_->perform("Gather", [&](Catalog& catalog) { outer = catalog.gatherUnderProject("all"); });
     for (auto& [id, project] : model_.projects)
         if (project.parent == 0)
             project.parent = outer;
@@ -116,7 +119,7 @@ void RandomActions::moveProject()
     const auto project = anyOf(model_.projects), to = upTo(2) ? anyOf(model_.projects) : 0;
     if (!project || model_.liesIn(to, project))
         return;
-    korvo::moveProject(*store_, project, to ? std::optional(to) : std::nullopt);
+    placeProject(*store_, project, to ? std::optional(to) : std::nullopt, std::nullopt);
     model_.projects[project].parent = to;
 }
 
@@ -128,7 +131,7 @@ void RandomActions::changeStack()
     const auto& stack = stacks[upTo(stacks.size())];
     switch (upTo(4)) {
     case 0:
-        return unstack(*store_, stack.id);
+        return store_->perform("Unstack", [&](Catalog& catalog) { unstack(catalog, stack.id); });
     case 1:
         return setStackState(*store_, stack.id, static_cast<StackState>(upTo(2)));
     case 2:
@@ -234,7 +237,11 @@ std::vector<std::function<void()>> RandomActions::groups()
                 {{{SmartAlbumRule::Field::rating, SmartAlbumRule::Op::atLeast, std::to_string(least)}}})]
                 = least;
         },
-        [&] { createVersion(*store_, anyOf(model_.photos), std::nullopt, std::nullopt, 1); },
+        [&] {
+            store_->perform("Version", [&](Catalog& catalog) {
+                createVersion(catalog, anyOf(model_.photos), std::nullopt, std::nullopt, 1);
+            });
+        },
         [&] {
             if (const auto ids = somePhotos(); ids.size() > 1)
                 createStack(*store_, ids, ids.back());
@@ -243,7 +250,8 @@ std::vector<std::function<void()>> RandomActions::groups()
         [&] { changeKeywords(); },
         [&] {
             store_->perform("Rename", [&](Catalog& catalog) {
-                catalog.fileRenamed(anyOf(model_.photos), "/photos/" + std::to_string(random_()) + ".jpg");
+                catalog.database().run("UPDATE photos SET path = ? WHERE id = ?",
+                    "/photos/" + std::to_string(random_()) + ".jpg", anyOf(model_.photos));
             });
         },
         [&] { removeFolder(); },

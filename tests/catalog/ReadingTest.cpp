@@ -4,6 +4,7 @@
 #include "catalog/store/LibraryActions.h"
 #include "catalog/store/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>

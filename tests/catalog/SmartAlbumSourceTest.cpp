@@ -8,6 +8,7 @@
 #include "catalog/store/MatchCounter.h"
 #include "catalog/store/SmartAlbumEditor.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>

@@ -250,18 +250,6 @@ TEST(BasicStage, rendersBytesAsAWhole)
     }
 }
 
-TEST(BasicStage, givesAnUntouchedPhotoBackAsItself)
-{
-    const auto bitmap = std::make_shared<const Bitmap>(noisyBitmap(3, 2));
-    const auto linear = std::make_shared<const LinearImage>(noise(3, 2));
-    const BasicPlan none = basicPlan(basicFilters(PhotoEdits{.contrast = 2, .sharpness = -1}));
-    EXPECT_EQ(basicStage(none, bitmap), bitmap);
-    EXPECT_EQ(basicStage(none, linear), linear);
-    const BasicPlan some = basicPlan(basicFilters(PhotoEdits{.exposure = 1}));
-    EXPECT_NE(basicStage(some, bitmap), bitmap);
-    EXPECT_NE(*basicStage(some, linear), *linear);
-}
-
 TEST(BasicStage, agreesWithTheReferenceOnEveryInstructionSet)
 {
     const LinearImage small = noise(53, 11);

@@ -6,6 +6,7 @@
 #include "tests/metadata/FakeExifTool.h"
 #include "tests/metadata/Fixture.h"
 #include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <fmt/format.h>

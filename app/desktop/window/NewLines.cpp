@@ -23,10 +23,7 @@ void newAlbum(MainWindow& window, std::optional<std::int64_t> project)
     const auto name = askName(window, "New Album");
     if (!name)
         return;
-    desktop.store().perform("New Album", [&](Catalog& catalog) {
-        const auto album = catalog.createAlbum(*name, project);
-        catalog.addToAlbum(album, photos);
-    });
+    createAlbum(desktop.store(), *name, project, photos);
     if (!photos.empty())
         desktop.say("Put " + counted(photos.size(), "photo") + " into “" + *name + "”.", Offer::undo);
 }

@@ -1,4 +1,5 @@
 #include "tests/app/desktop/PhotoWindow.h"
+#include "tests/support/StoreActions.h"
 
 namespace korvo {
 

@@ -2,6 +2,7 @@
 #include "base/Json.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
+#include "tests/support/StoreActions.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>

@@ -2,6 +2,7 @@
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
+#include "tests/support/StoreActions.h"
 
 #include <QListWidget>
 #include <QPushButton>

@@ -8,6 +8,7 @@
 #include "app/desktop/viewer/SurveyPage.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/PhotoWindow.h"
+#include "tests/support/StoreActions.h"
 
 #include <QContextMenuEvent>
 #include <QDialog>
