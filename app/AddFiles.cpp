@@ -24,14 +24,9 @@ constexpr std::size_t batchSize = 256;
 struct NewFile {
     ScannedFile file;
     NewPhoto photo;
-    std::string failure; // a sentence; empty when nothing went wrong
+    std::string failure; // why it is left out or taken in unread; else empty
     bool wasUnread = false; // the catalog has it, but it could not be read when it was added
 };
-
-std::string sentence(const fs::path& path, const std::string& reason)
-{
-    return path.string() + ": " + reason;
-}
 
 using Batch = std::vector<NewFile>;
 
@@ -95,7 +90,7 @@ private:
     void read(NewFile& candidate) const
     {
         if (!candidate.file.failure.empty()) {
-            candidate.failure = sentence(candidate.file.path, candidate.file.failure);
+            candidate.failure = candidate.file.failure;
             return;
         }
         candidate.photo.path = candidate.file.path.native();
@@ -107,69 +102,65 @@ private:
             if (held == HeldFile::read)
                 return;
             if (candidate.photo.fileSize == 0)
-                candidate.failure = sentence(candidate.file.path, "the file is empty");
+                candidate.failure = "the file is empty";
             if (mode_ == ReadCameraData::now)
                 readInto(candidate.photo, candidate.file.path);
             else
                 candidate.photo.metadata = photoMetadata(readDescriptive(candidate.file.path));
         } catch (const fs::filesystem_error& error) { // it has gone since it was scanned
-            candidate.failure = sentence(candidate.file.path, error.code().message());
+            candidate.failure = error.code().message();
             candidate.photo.path.clear();
         } catch (const MetadataError& error) { // if it is there, it is taken in unread
             candidate.photo.fileSize.reset();
             if (std::error_code unknown; !fs::exists(candidate.file.path, unknown))
                 candidate.photo.path.clear(); // known unread it would never be read when its disk comes back
-            candidate.failure
-                = (candidate.file.path.parent_path() / error.what()).string(); // it begins with the name
+            candidate.failure = error.reason();
         }
     }
 
     void store(Batch& batch)
     {
-        const auto photos = result_.photos.size(), folders = result_.folders.size(), known = result_.known,
-                   met = result_.met.size();
-        try {
-            keep(batch);
-        } catch (...) { // nothing of this batch
-            result_.photos.resize(photos);
-            result_.folders.resize(folders);
-            result_.added = photos;
-            result_.known = known;
-            result_.met.resize(met);
-            throw;
-        }
+        for (const NewFile& candidate : batch)
+            if (!candidate.failure.empty())
+                result_.failures.push_back({candidate.file.path, candidate.failure});
+        const auto kept = keep(batch);
+        result_.add(kept);
+        result_.added += kept.added;
+        result_.known += kept.known;
+        result_.met.insert(result_.met.end(), kept.met.begin(), kept.met.end());
         done_ += batch.size();
         progress_(done_);
     }
 
-    void keep(Batch& batch)
+    /// Nothing of the batch is in the library when this throws.
+    AddResult keep(Batch& batch)
     {
+        AddResult kept;
         std::vector<NewPhoto> photos;
         std::vector<const NewFile*> sources;
         Transaction transaction(catalog_.database());
         for (NewFile& candidate : batch) {
-            if (!candidate.failure.empty())
-                result_.failures.push_back({candidate.file.path, candidate.failure});
             if (candidate.photo.path.empty())
                 continue;
             candidate.photo.addedAt = clock_.now();
-            candidate.photo.folderID = folderOf(candidate.file);
+            candidate.photo.folderID = folderOf(candidate.file, kept);
             photos.push_back(std::move(candidate.photo));
             sources.push_back(&candidate);
         }
         const auto added = catalog_.addPhotos(photos);
         for (std::size_t i = 0; i < added.size(); ++i) {
-            ++(added[i].isNew ? result_.added : result_.known);
-            result_.met.push_back(added[i].id);
+            ++(added[i].isNew ? kept.added : kept.known);
+            kept.met.push_back(added[i].id);
             if (added[i].isNew)
-                result_.photos.push_back(added[i].id);
+                kept.photos.push_back(added[i].id);
             if (!added[i].isNew && sources[i]->wasUnread && photos[i].fileSize)
                 storeLateReading(catalog_, added[i].id, photos[i]);
         }
         transaction.commit();
+        return kept;
     }
 
-    std::optional<std::int64_t> folderOf(const ScannedFile& file)
+    std::optional<std::int64_t> folderOf(const ScannedFile& file, AddedRows& kept)
     {
         if (file.added.empty())
             return catalog_.folderContaining(file.path.native());
@@ -178,7 +169,7 @@ private:
             const auto [id, isNew] = catalog_.addFolder(file.added.native(), clock_.now());
             entry->second = id;
             if (isNew)
-                result_.folders.push_back(id);
+                kept.folders.push_back(id);
         }
         return entry->second;
     }

@@ -1,5 +1,6 @@
 #include "app/ExportRun.h"
 
+#include "base/PathFailure.h"
 #include "imports/Naming.h"
 #include "platform/FileSync.h"
 
@@ -25,8 +26,8 @@ fs::path freePlace(const PhotoItem& photo, const ExportPlan& plan, std::size_t i
 
 std::string sentence(const PhotoItem& photo, std::string_view what)
 {
-    const auto path = photo.path().string();
-    return what.find(path) != what.npos ? std::string(what) : path + ": " + std::string(what);
+    const bool namesIt = what.find(photo.path().native()) != what.npos;
+    return namesIt ? std::string(what) : sentenceOf({photo.path(), std::string(what)});
 }
 
 class Run {

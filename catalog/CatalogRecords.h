@@ -63,6 +63,12 @@ struct AddedRows {
     std::vector<std::int64_t> folders; // of the sidebar
     std::vector<std::int64_t> projects;
 
+    void add(const AddedRows& more)
+    {
+        photos.insert(photos.end(), more.photos.begin(), more.photos.end());
+        folders.insert(folders.end(), more.folders.begin(), more.folders.end());
+        projects.insert(projects.end(), more.projects.begin(), more.projects.end());
+    }
     bool areThere() const { return !photos.empty() || !folders.empty() || !projects.empty(); }
 };
 

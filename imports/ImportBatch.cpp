@@ -35,11 +35,6 @@ std::int64_t noted(AddedRow row, std::vector<std::int64_t>& added)
 
 } // namespace
 
-std::string failureText(const fs::path& file, const std::string& reason)
-{
-    return file.string() + ": " + reason;
-}
-
 ImportBatch::ImportBatch(Catalog& catalog, const ImportPlan& plan, const ImportFolder& folder,
     std::size_t shots, const Clock& clock, ImportResult& result)
     : catalog_(catalog), memory_(catalog), plan_(plan), folder_(folder), clock_(clock), result_(result),
@@ -50,8 +45,7 @@ void ImportBatch::add(ImportedShot shot)
 {
     for (ImportedFile& file : shot.files) {
         if (!file.failure.empty())
-            result_.failures.push_back(
-                {file.file->file.path, failureText(file.file->file.path, file.failure)});
+            result_.failures.push_back({file.file->file.path, file.failure});
         bytes_ += file.copy ? file.copy->size : 0;
     }
     shots_.push_back(std::move(shot));
@@ -61,17 +55,9 @@ void ImportBatch::add(ImportedShot shot)
 
 void ImportBatch::flush()
 {
-    const auto photos = result_.photos.size();
-    const auto folders = result_.folders.size();
-    const auto projects = result_.projects.size();
-    const auto known = result_.known;
     try {
         keep();
     } catch (const std::exception& error) {
-        result_.photos.resize(photos);
-        result_.folders.resize(folders);
-        result_.projects.resize(projects);
-        result_.known = known;
         for (ImportedShot& shot : shots_)
             for (ImportedFile& file : shot.files)
                 if (file.copy || !file.path.empty())
@@ -164,13 +150,14 @@ void ImportBatch::notMoved(ImportedFile& file, const std::string& reason)
 
 void ImportBatch::fail(ImportedFile& file, const std::string& reason)
 {
-    const auto& source = file.file->file.path;
-    result_.failures.push_back({source, failureText(source, reason)});
+    result_.failures.push_back({file.file->file.path, reason});
     file.path.clear();
 }
 
 void ImportBatch::store()
 {
+    added_ = {};
+    known_ = 0;
     Transaction transaction(catalog_.database());
     for (ImportedShot& shot : shots_)
         for (ImportedFile& file : shot.files) {
@@ -182,6 +169,8 @@ void ImportBatch::store()
                 storePhoto(file);
         }
     transaction.commit();
+    result_.add(added_);
+    result_.known += known_;
 }
 
 void ImportBatch::storePhoto(ImportedFile& file)
@@ -201,10 +190,10 @@ void ImportBatch::storePhoto(ImportedFile& file)
         return fail(file, file.path.string() + " has become another photo's meanwhile; import it again");
     memory_.forgetLeft(file.file->key);
     if (!isNew) {
-        ++result_.known;
+        ++known_;
         return;
     }
-    result_.photos.push_back(id);
+    added_.photos.push_back(id);
     const std::vector<PhotoID> ids = {id};
     catalog_.changeMetadata(ids, plannedChange(plan_, photo.metadata), WriteBack::pending);
     if (const auto into = project(file, photo.fileDate.value()))
@@ -223,7 +212,7 @@ std::int64_t ImportBatch::projectNamed(const std::string& name)
 {
     const auto [entry, isNew] = projects_.try_emplace(name, 0);
     if (isNew)
-        entry->second = noted(catalog_.projectAtRoot(name), result_.projects);
+        entry->second = noted(catalog_.projectAtRoot(name), added_.projects);
     return entry->second;
 }
 
@@ -237,7 +226,7 @@ std::optional<std::int64_t> ImportBatch::folderOf(const ImportedFile& file)
         // Copies need no folder of their own in the sidebar when one that is there shows them.
         const auto around = folder_ ? catalog_.folderContaining(file.path.native()) : std::nullopt;
         entry->second
-            = around ? *around : noted(catalog_.addFolder(added.native(), clock_.now()), result_.folders);
+            = around ? *around : noted(catalog_.addFolder(added.native(), clock_.now()), added_.folders);
     }
     return entry->second;
 }

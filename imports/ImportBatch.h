@@ -17,7 +17,7 @@ struct ImportedFile {
     const Shot::File* file = nullptr;
     std::optional<FileCopy> copy; // of files that are copied
     NewPhoto photo; // unless it is a sidecar
-    std::string failure; // a sentence; empty when nothing went wrong
+    std::string failure; // why; empty when nothing went wrong
     std::filesystem::path path; // where it stands in the end; empty when it does not
 };
 
@@ -61,14 +61,13 @@ private:
     const ImportFolder& folder_;
     const Clock& clock_;
     ImportResult& result_;
+    AddedRows added_; // what is being stored; the result's once that is committed
+    std::size_t known_ = 0; // likewise
     ImportNames names_;
     std::vector<ImportedShot> shots_;
     std::uint64_t bytes_ = 0;
     std::map<std::string, std::int64_t> projects_;
     std::map<std::string, std::int64_t> folders_;
 };
-
-/// "/card/DCIM/IMG_1.CR3: " and the reason.
-std::string failureText(const std::filesystem::path& file, const std::string& reason);
 
 } // namespace korvo

@@ -25,7 +25,7 @@ struct Candidate {
 struct ImportListing {
     std::vector<Candidate> candidates;
     std::vector<SourceFile> sidecars; // ".xmp" files: no photos, but they go where theirs go
-    std::vector<SourceFailure> failures;
+    std::vector<PathFailure> failures;
     bool isWhole = true; // not cut short by a stop
 };
 

@@ -110,9 +110,9 @@ std::vector<std::string> failuresOf(const ImportListing& listing, const ImportRe
 {
     std::vector<std::string> texts;
     for (const auto& failure : listing.failures)
-        texts.push_back(failure.path.string() + ": " + failure.reason);
+        texts.push_back(sentenceOf(failure));
     for (const auto& failure : result.failures)
-        texts.push_back(failure.message);
+        texts.push_back(sentenceOf(failure));
     if (!result.broken.empty())
         texts.push_back("The import ended early; import again to go on. " + result.broken);
     return texts;

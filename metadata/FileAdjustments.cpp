@@ -1,5 +1,6 @@
 #include "metadata/FileAdjustments.h"
 
+#include "base/PathFailure.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
@@ -42,7 +43,7 @@ FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
         if (!record)
             continue;
         const auto fail = [&](const std::string& reason) {
-            result.failures.push_back({record->id, record->path.string() + ": " + reason});
+            result.failures.push_back({record->id, sentenceOf({record->path, reason})});
         };
         try {
             adjustCatalog(*record);
@@ -53,7 +54,7 @@ FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
         } catch (const ExifToolError& error) {
             fail(error.what());
         } catch (const DatabaseError& error) { // what is done must be told: doing it again would be wrong
-            result.fault = record->path.string() + ": " + textForUser(error);
+            result.fault = sentenceOf({record->path, textForUser(error)});
             break;
         } catch (const NotFoundError&) {
             // It was removed meanwhile.

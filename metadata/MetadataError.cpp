@@ -3,21 +3,19 @@
 #include "base/Text.h"
 
 #include <system_error>
+#include <utility>
 
 namespace korvo {
 
-namespace {
-
-std::string description(MetadataError::Case which, const std::filesystem::path& file, int systemError)
-{
-    const char* failure = which == MetadataError::Case::open ? " can't be opened: " : " can't be read: ";
-    return repairedUtf8(file.filename().string()) + failure + std::generic_category().message(systemError);
-}
-
-} // namespace
-
 MetadataError::MetadataError(Case which, const std::filesystem::path& file, int systemError)
-    : std::runtime_error(description(which, file, systemError)), which_(which)
+    : MetadataError(which, file,
+        (which == Case::open ? "can't be opened: " : "can't be read: ")
+            + std::generic_category().message(systemError))
+{ }
+
+MetadataError::MetadataError(Case which, const std::filesystem::path& file, std::string reason)
+    : std::runtime_error(repairedUtf8(file.filename().string()) + " " + reason), which_(which),
+      reason_(std::move(reason))
 { }
 
 } // namespace korvo

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string>
 
 namespace korvo {
 
@@ -14,9 +15,14 @@ public:
     MetadataError(Case which, const std::filesystem::path& file, int systemError);
 
     Case which() const { return which_; }
+    /// The text without the file's name: "can't be opened: No such file or directory".
+    const std::string& reason() const { return reason_; }
 
 private:
+    MetadataError(Case which, const std::filesystem::path& file, std::string reason);
+
     Case which_;
+    std::string reason_;
 };
 
 } // namespace korvo

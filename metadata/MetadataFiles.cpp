@@ -61,7 +61,7 @@ try {
         return {std::nullopt, "its XMP is damaged, and writing would lose what is left of it"};
     return {fieldsIn(record, file), ""};
 } catch (const MetadataError& error) {
-    return {std::nullopt, error.what()};
+    return {std::nullopt, error.reason()};
 }
 
 FieldsInFile readAlone(const RunExifTool& run, const fs::path& file)

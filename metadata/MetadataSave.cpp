@@ -1,6 +1,7 @@
 #include "metadata/MetadataSave.h"
 
 #include "base/Json.h"
+#include "base/PathFailure.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
@@ -94,7 +95,7 @@ private:
 
     void fail(const FileRecord& record, const std::string& reason)
     {
-        result_.failures.push_back({record.id, record.path.string() + ": " + reason});
+        result_.failures.push_back({record.id, sentenceOf({record.path, reason})});
     }
 
     template <typename Work>
@@ -138,7 +139,7 @@ private:
         } catch (const fs::filesystem_error& error) {
             fail(*record, error.code().message());
         } catch (const MetadataError& error) {
-            fail(*record, error.what());
+            fail(*record, error.reason());
         } catch (const JsonError& error) {
             fail(
                 *record, std::string("what the file held when it was found cannot be read: ") + error.what());

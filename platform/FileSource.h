@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Bytes.h"
+#include "base/PathFailure.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -22,15 +23,9 @@ struct SourceFile {
     std::optional<std::filesystem::file_time_type> modified;
 };
 
-/// What cannot be looked into, and why.
-struct SourceFailure {
-    std::filesystem::path path;
-    std::string reason;
-};
-
 struct SourceListing {
     std::vector<SourceFile> files; // in an order that depends on the names alone
-    std::vector<SourceFailure> failures;
+    std::vector<PathFailure> failures; // what cannot be looked into
 };
 
 /// A source that does not give what it holds; the text tells why, and names no file.

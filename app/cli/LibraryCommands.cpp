@@ -56,7 +56,7 @@ ExitCode addToLibrary(Context& context, const AddArguments& arguments)
             [&](std::size_t done) { progress.setDone(done); });
     }
     for (const auto& failure : result.failures)
-        context.fail(failure.message);
+        context.fail(sentenceOf(failure));
     if (!result.broken.empty())
         context.fail(result.broken);
     const auto failed = result.failures.size() + (result.broken.empty() ? 0 : 1);

@@ -51,7 +51,7 @@ void addToLibrary(
             job.deliver([&desktop, showing] { showing->show(desktop); });
         });
         for (const auto& failure : done->failures)
-            job.fail(failure.message);
+            job.fail(sentenceOf(failure));
         if (!done->broken.empty())
             job.fail("The adding ended early; add again to go on. " + done->broken);
         return summaryOf(*done);

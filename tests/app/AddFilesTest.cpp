@@ -34,7 +34,7 @@ TEST(AddFiles, takesWhatTheFilesHoldAndReportsThoseItCannotRead)
     EXPECT_EQ(result.added, 2U);
     EXPECT_EQ(result.ignored, 1U);
     ASSERT_EQ(result.failures.size(), 2U);
-    EXPECT_EQ(result.failures[0].message, (folder / "a.jpg").string() + ": the file is empty");
+    EXPECT_EQ(sentenceOf(result.failures[0]), (folder / "a.jpg").string() + ": the file is empty");
     EXPECT_EQ(library.names(), (std::vector<std::string>{"a.jpg", "b.jpg"}));
     const auto items = library.catalog->photos(std::nullopt);
     EXPECT_FALSE(items[1].metadata.title.empty());

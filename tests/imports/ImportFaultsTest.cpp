@@ -121,8 +121,8 @@ TEST(ImportFaults, namesThatCannotBeLookedUpEndTheFileNotTheImport)
     const auto result = run(library, files, destination);
     EXPECT_EQ(result.photos.size(), 1U);
     ASSERT_EQ(result.failures.size(), 1U);
-    EXPECT_NE(result.failures[0].message.find("File name too long"), std::string::npos)
-        << result.failures[0].message;
+    EXPECT_NE(sentenceOf(result.failures[0]).find("File name too long"), std::string::npos)
+        << sentenceOf(result.failures[0]);
 }
 
 TEST(ImportFaults, theOriginalItselfIsNoCopy)
@@ -156,7 +156,7 @@ TEST(ImportFaults, aCopyThatTheDiskChangesIsFoundOutAndGoes)
     };
     const auto result = run(library, files, destination);
     ASSERT_EQ(result.failures.size(), 1U);
-    EXPECT_EQ(result.failures[0].message,
+    EXPECT_EQ(sentenceOf(result.failures[0]),
         (card / "IMG_1.CR3").string() + ": the copy, read again, differs from the original");
     EXPECT_EQ(result.photos.size(), 1U);
     expectFilesAndRowsAgree(*library.catalog, destination);

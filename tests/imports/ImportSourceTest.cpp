@@ -62,7 +62,7 @@ TEST(ImportSource, theEndSaysWhatCameOfEveryFile)
     ImportResult result;
     result.photos = {1};
     result.known = 1;
-    result.failures = {{"/c/9.jpg", "/c/9.jpg: the file is empty"}};
+    result.failures = {{"/c/9.jpg", "the file is empty"}};
     result.broken = "No disk.";
     EXPECT_EQ(countsText(countsOf(listed, result)), "1 photo imported, 2 already in the library, 2 failed");
     EXPECT_EQ(failuresOf(listed, result),

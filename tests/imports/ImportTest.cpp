@@ -159,9 +159,9 @@ TEST_F(Import, takesACardWithAllThatMayBeOnIt)
     // 303 are listed; 100 are known, two unreadable, one is empty.
     EXPECT_EQ(result.photos.size(), 200U);
     ASSERT_EQ(result.failures.size(), 3U);
-    EXPECT_EQ(result.failures[0].message,
+    EXPECT_EQ(sentenceOf(result.failures[0]),
         (card.folder / "DCIM/100CANON/IMG_0990.JPG").string() + ": the file is empty");
-    EXPECT_EQ(result.failures[1].message,
+    EXPECT_EQ(sentenceOf(result.failures[1]),
         (card.folder / "DCIM/101CANON/IMG_0200.JPG").string() + ": could not be read: Input/output error");
 
     for (const auto& item : library.catalog->photosByID(result.photos)) {
@@ -252,7 +252,7 @@ TEST_F(Import, aFullDiskFailsFileByFileAndGoesOnLater)
     const auto full = run({.copyTo = destination});
     EXPECT_GT(full.photos.size(), 20U);
     ASSERT_GT(full.failures.size(), 20U);
-    EXPECT_NE(full.failures.back().message.find("No space left on device"), std::string::npos);
+    EXPECT_NE(sentenceOf(full.failures.back()).find("No space left on device"), std::string::npos);
     auto copies = contents(destination);
     EXPECT_GE(full.photos.size() + 1, copies.size()) << "and nothing half-written";
     mount("tmpfs", destination.c_str(), "tmpfs", MS_REMOUNT, "size=16m");
