@@ -38,12 +38,15 @@ TEST(Signal, observersMayConnectAndDisconnectFromInsideACall)
 
 TEST(Signal, aConnectionMayOutliveItsSignal)
 {
+    const auto held = std::make_shared<int>();
     Connection connection;
     {
         Signal<> signal;
-        connection = signal.connect([] {});
+        connection = signal.connect([held] {});
     }
-    SUCCEED(); // the fault would be a crash, which the sanitizers report
+    EXPECT_EQ(held.use_count(), 2) << "the observer is the connection's";
+    connection = {};
+    EXPECT_EQ(held.use_count(), 1);
 }
 
 } // namespace korvo
