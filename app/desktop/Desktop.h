@@ -16,7 +16,8 @@ namespace korvo {
 
 /// A line for the user.
 struct Notice {
-    enum class Kind { note, error };
+    /// News come from the background, and wait while something is offered.
+    enum class Kind { note, news, error };
     Kind kind;
     std::string text;
     std::optional<std::uint64_t> undoes = std::nullopt; ///< the step that a button beside it takes back

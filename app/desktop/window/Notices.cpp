@@ -32,6 +32,9 @@ void Notices::say(const Notice& notice)
     if (notice.kind == Notice::Kind::error) {
         std::erase_if(errors_, [&](const Notice& earlier) { return earlier.text == notice.text; });
         errors_.push_back(notice);
+    } else if (notice.kind == Notice::Kind::news && isOffered()) {
+        waiting_ = notice;
+        return;
     }
     show(notice);
 }
@@ -39,6 +42,7 @@ void Notices::say(const Notice& notice)
 void Notices::show(const Notice& notice)
 {
     shown_ = notice;
+    waiting_.reset();
     if (notice.kind == Notice::Kind::error)
         timer_.stop();
     else
@@ -51,6 +55,8 @@ void Notices::pass()
     timer_.stop();
     if (!errors_.empty())
         return show(Notice(errors_.back()));
+    if (waiting_)
+        return show(Notice(*waiting_));
     shown_.reset();
     changed.emit();
 }

@@ -37,6 +37,7 @@ private:
     Desktop& desktop_;
     Commands& commands_;
     std::optional<Notice> shown_;
+    std::optional<Notice> waiting_; // news that came while something was offered
     std::vector<Notice> errors_; // that were not closed yet; the last one is shown
     QTimer timer_;
     Connection noticed_, storeChanged_;

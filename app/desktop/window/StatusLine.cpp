@@ -143,7 +143,7 @@ void StatusLine::sayWhatWasWritten()
 {
     const auto& writeBack = desktop_.session().writeBack();
     desktop_.noticed.emit(
-        {writeBack.hasFailed() ? Notice::Kind::error : Notice::Kind::note, writeBack.statusMessage()});
+        {writeBack.hasFailed() ? Notice::Kind::error : Notice::Kind::news, writeBack.statusMessage()});
 }
 
 void StatusLine::showJob()

@@ -40,6 +40,8 @@ TEST(StatusLine, offersToTakeBackWhatItTellsOfAndNothingElse)
     t.store().select({1});
     commands.run(Command::remove);
     EXPECT_TRUE(undo());
+    t.desktop->noticed.emit({Notice::Kind::news, "Saved metadata into 1 file."});
+    EXPECT_TRUE(undo()) << "what is offered keeps its time";
     commands.run(Command::remove); // rejected already
     EXPECT_FALSE(undo()) << "nothing was done that could be taken back";
     t.store().select({2});
