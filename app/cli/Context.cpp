@@ -4,6 +4,8 @@
 #include "app/cli/StandardInput.h"
 #include "base/Text.h"
 
+#include <fmt/format.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
