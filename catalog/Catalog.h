@@ -54,6 +54,27 @@ public:
     void saveEdits(std::span<const PhotoID> ids, const PhotoEdits& edits);
     void saveComposition(PhotoID id, std::string_view json);
     void setReferencePath(PhotoID id, std::string_view path);
+    void deletePhotos(std::span<const PhotoID> ids);
+    /// Takes out again what was added: the photos with their versions, and those folders and projects that
+    /// nothing else is in by now.
+    void takeOut(const AddedRows& added);
+    bool contains(PhotoID id);
+    std::optional<PhotoID> masterAt(std::string_view path);
+    /// Whether a file, by its absolute path, is one of the library's originals, under whatever name. Reads
+    /// all photos' sizes where the file is there and the library does not have its name.
+    bool isOriginal(const std::filesystem::path& file);
+    /// File name and size of every master.
+    std::vector<std::pair<std::string, std::int64_t>> knownFiles() const;
+    /// The photo's master, itself for a master; 0 for an unknown id.
+    PhotoID masterOf(PhotoID id);
+    /// Throws NotFoundError instead.
+    PhotoID existingMasterOf(PhotoID id);
+    /// The masters of the photos, each once; unknown ids are left out.
+    std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
+    /// The masters and all their versions.
+    std::vector<PhotoID> withVersions(std::span<const PhotoID> masters);
+
+    // Files and the metadata in them (CatalogMetadata.cpp)
     /// Changes the whole set of the photo's master and of all its versions.
     void setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack writeBack);
     /// Changes the named fields of each photo's set.
@@ -66,27 +87,12 @@ public:
     void storeReadPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude);
     void shiftCaptureDate(PhotoID id, double seconds);
     void fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize);
-    void deletePhotos(std::span<const PhotoID> ids);
-    /// Takes out again what was added: the photos with their versions, and those folders and projects that
-    /// nothing else is in by now.
-    void takeOut(const AddedRows& added);
     /// In ascending order.
     std::vector<PhotoID> dirtyPhotos();
-    bool contains(PhotoID id);
-    std::optional<PhotoID> masterAt(std::string_view path);
-    /// Whether a file, by its absolute path, is one of the library's originals, under whatever name. Reads
-    /// all photos' sizes where the file is there and the library does not have its name.
-    bool isOriginal(const std::filesystem::path& file);
-    /// File name and size of every master.
-    std::vector<std::pair<std::string, std::int64_t>> knownFiles() const;
-
-    // Files and the metadata in them (CatalogMetadata.cpp)
     /// Id and path of up to `limit` masters behind the id `after` whose camera data has not been read yet.
     std::vector<std::pair<PhotoID, std::string>> photosToRead(std::int64_t limit, PhotoID after = 0);
     /// The same of those whose position has not been read.
     std::vector<std::pair<PhotoID, std::string>> photosToLocate(std::int64_t limit, PhotoID after = 0);
-    /// The masters and all their versions.
-    std::vector<PhotoID> withVersions(std::span<const PhotoID> masters);
     bool isCaptureDateRead(PhotoID id);
     bool isPositionRead(PhotoID id);
     /// The position that the user gives a photo, for its versions too; none takes it away. The file's own
@@ -94,12 +100,6 @@ public:
     void setUserPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude);
     std::int64_t dirtyCount();
     bool anyDirty(std::span<const PhotoID> ids);
-    /// The photo's master, itself for a master; 0 for an unknown id.
-    PhotoID masterOf(PhotoID id);
-    /// Throws NotFoundError instead.
-    PhotoID existingMasterOf(PhotoID id);
-    /// The masters of the photos, each once; unknown ids are left out.
-    std::vector<PhotoID> mastersOf(std::span<const PhotoID> photos);
     /// Nothing for an unknown id and for a version.
     std::optional<FileRecord> fileRecord(PhotoID id);
     /// A file that was changed elsewhere holds these values and has this date and size.
@@ -173,11 +173,11 @@ public:
     /// itself (CatalogOrder.cpp).
     void moveKeyword(std::int64_t id, std::optional<std::int64_t> parent);
     void deleteKeyword(std::int64_t id);
+
+    // Smart albums (CatalogSmartAlbums.cpp)
     std::int64_t createSmartAlbum(std::string_view name, std::string_view rules);
     void changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules);
     void deleteSmartAlbum(std::int64_t id);
-
-    // Smart albums (CatalogSmartAlbums.cpp)
     SmartAlbumRow smartAlbum(std::int64_t id);
     /// How many masters the rules match, as far as it came at a stop request. On a connection of its own, so
     /// that it keeps nobody waiting; what is not committed does not count.

@@ -1,44 +1,11 @@
-#include "catalog/ApertureImports.h"
 #include "catalog/ChangeRow.h"
-#include "catalog/MetadataBase.h"
 #include "catalog/Stacks.h"
+
+#include <unordered_set>
 
 namespace korvo {
 
 namespace {
-
-/// Runs one statement for each photo, all of them in one transaction. `bind` is given the statement and an
-/// id.
-template <typename Bind>
-void forEachID(Database& database, std::string_view sql, std::span<const PhotoID> ids, Bind bind)
-{
-    Transaction transaction(database);
-    {
-        auto statement = database.kept(sql);
-        for (const PhotoID id : ids) {
-            bind(statement, id);
-            statement.run();
-        }
-    }
-    transaction.commit();
-}
-
-std::optional<PhotoMetadata> metadataOf(Database& database, PhotoID id)
-{
-    auto row = database.kept(
-        "SELECT alt_text, title, caption, keywords, creator, copyright FROM photos WHERE id = ?");
-    row.bind(id);
-    if (!row.step())
-        return std::nullopt;
-    return PhotoMetadata{row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5)};
-}
-
-bool mayBeWritten(Database& database, PhotoID id)
-{
-    auto row = database.kept("SELECT path FROM photos WHERE id = ?");
-    row.bind(id);
-    return row.step() && !isReadOnlyOriginal(database, row.text(0));
-}
 
 constexpr std::string_view insertPhoto = R"(INSERT OR IGNORE INTO photos
     (folder_id, path, filename, added_at, mtime, file_size,
@@ -91,26 +58,26 @@ std::vector<AddedRow> Catalog::addPhotos(std::span<const NewPhoto> photos)
 
 void Catalog::setRating(std::span<const PhotoID> ids, int rating)
 {
-    forEachID(database_, "UPDATE photos SET rating = ? WHERE id = ?", ids,
+    changeEach(database_, "UPDATE photos SET rating = ? WHERE id = ?", ids,
         [&](Statement& statement, PhotoID id) { statement.bind(rating, id); });
 }
 
 void Catalog::setFlagged(std::span<const PhotoID> ids, bool flagged)
 {
-    forEachID(database_, "UPDATE photos SET flagged = ? WHERE id = ?", ids,
+    changeEach(database_, "UPDATE photos SET flagged = ? WHERE id = ?", ids,
         [&](Statement& statement, PhotoID id) { statement.bind(flagged, id); });
 }
 
 void Catalog::setLabel(std::span<const PhotoID> ids, PhotoLabel label)
 {
-    forEachID(database_, "UPDATE photos SET label = ? WHERE id = ?", ids,
+    changeEach(database_, "UPDATE photos SET label = ? WHERE id = ?", ids,
         [&](Statement& statement, PhotoID id) { statement.bind(static_cast<int>(label), id); });
 }
 
 void Catalog::saveEdits(std::span<const PhotoID> ids, const PhotoEdits& edits)
 {
     const auto json = storedEdits(edits);
-    forEachID(database_, "UPDATE photos SET edits = ? WHERE id = ?", ids,
+    changeEach(database_, "UPDATE photos SET edits = ? WHERE id = ?", ids,
         [&](Statement& statement, PhotoID id) { statement.bind(json, id); });
 }
 
@@ -124,103 +91,15 @@ void Catalog::setReferencePath(PhotoID id, std::string_view path)
     changeRow(database_, "photo", id, "UPDATE photos SET reference_path = ? WHERE id = ?", path, id);
 }
 
-void Catalog::setMetadata(PhotoID id, const PhotoMetadata& metadata, WriteBack writeBack)
-{
-    Transaction transaction(database_);
-    const auto master = existingMasterOf(id);
-    keepMetadataBase(database_, std::span(&master, 1));
-    const bool waits = writeBack == WriteBack::pending && mayBeWritten(database_, master);
-    database_.run(R"(UPDATE photos SET alt_text = ?, title = ?, caption = ?, keywords = ?,
-    creator = ?, copyright = ?,
-    dirty = CASE WHEN version_of IS NULL THEN ? ELSE 0 END
-WHERE id = ? OR version_of = ?)",
-        metadata.altText.view(), metadata.title.view(), metadata.caption.view(), metadata.keywords.view(),
-        metadata.creator.view(), metadata.copyright.view(), waits, master, master);
-    if (!waits)
-        dropMetadataBase(database_, master);
-    transaction.commit();
-}
-
-void Catalog::changeMetadata(std::span<const PhotoID> ids, const MetadataChange& change, WriteBack writeBack)
-{
-    Transaction transaction(database_);
-    for (const PhotoID id : ids) {
-        const auto old = metadataOf(database_, id);
-        if (!old)
-            continue;
-        // What is the same already must not be written into the file.
-        if (const auto changed = change.appliedTo(*old); !(changed == *old))
-            setMetadata(id, changed, writeBack);
-    }
-    transaction.commit();
-}
-
-void Catalog::clearDirty(PhotoID id)
-{
-    Transaction transaction(database_);
-    database_.run("UPDATE photos SET dirty = 0 WHERE id = ?", id);
-    dropMetadataBase(database_, id);
-    transaction.commit();
-}
-
-void Catalog::markDirty(std::span<const PhotoID> ids)
-{
-    std::vector<PhotoID> writable(ids.begin(), ids.end());
-    std::erase_if(writable, [this](PhotoID id) { return !mayBeWritten(database_, id); });
-    forEachID(database_, "UPDATE photos SET dirty = 1 WHERE id = ? AND version_of IS NULL", writable,
-        [](Statement& statement, PhotoID id) { statement.bind(id); });
-}
-
-void Catalog::storeCameraData(PhotoID id, const CameraData& data)
-{
-    database_.run(
-        R"(UPDATE photos SET camera = ?, lens = ?, iso = ?, focal_length = ?, aperture = ?, shutter = ?, exif_read = 1,
-    capture_date = CASE WHEN capture_read = 1 THEN capture_date ELSE COALESCE(?, capture_date) END,
-    capture_read = 1
-WHERE id = ? OR version_of = ?)",
-        data.camera, data.lens, data.iso, data.focalLength, data.aperture, data.shutter, data.captureDate, id,
-        id);
-}
-
-void Catalog::storeReadPosition(PhotoID id, std::optional<double> latitude, std::optional<double> longitude)
-{
-    database_.run(R"(UPDATE photos SET latitude = CASE WHEN latitude IS NULL THEN ? ELSE latitude END,
-    longitude = CASE WHEN latitude IS NULL THEN ? ELSE longitude END, gps_read = 1
-WHERE (id = ? OR version_of = ?) AND gps_read = 0)",
-        latitude, longitude, id, id);
-}
-
-void Catalog::shiftCaptureDate(PhotoID id, double seconds)
-{
-    database_.run(R"(UPDATE photos SET capture_date = COALESCE(capture_date, mtime, 0) + ?, capture_read = 1
-WHERE id = ? OR version_of = ?)",
-        seconds, id, id);
-}
-
-void Catalog::fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize)
-{
-    runAlone(database_, "UPDATE photos SET mtime = ?, file_size = ? WHERE id = ? OR version_of = ?", fileDate,
-        fileSize, id, id);
-}
-
 void Catalog::deletePhotos(std::span<const PhotoID> ids)
 {
     Transaction transaction(database_);
     const auto touched = stacksOf(database_, "SELECT stack_id FROM photos WHERE id = ?", ids);
-    forEachID(database_, "DELETE FROM photos WHERE id = ?", ids,
+    changeEach(database_, "DELETE FROM photos WHERE id = ?", ids,
         [](Statement& statement, PhotoID id) { statement.bind(id); });
     // The bases of their metadata stay: undo may bring back photos that wait, and no other gets their ids.
     repairStacks(database_, touched);
     transaction.commit();
-}
-
-std::vector<PhotoID> Catalog::dirtyPhotos()
-{
-    std::vector<PhotoID> ids;
-    auto statement = database_.kept("SELECT id FROM photos WHERE dirty = 1 ORDER BY id");
-    while (statement.step())
-        ids.push_back(statement.integer(0));
-    return ids;
 }
 
 bool Catalog::contains(PhotoID id)
@@ -260,6 +139,60 @@ std::vector<std::pair<std::string, std::int64_t>> Catalog::knownFiles() const
     while (statement.step())
         files.emplace_back(statement.text(0), statement.integer(1));
     return files;
+}
+
+std::vector<PhotoID> Catalog::withVersions(std::span<const PhotoID> masters)
+{
+    std::vector<PhotoID> all(masters.begin(), masters.end());
+    auto statement = database_.kept("SELECT id FROM photos WHERE version_of = ?");
+    for (const PhotoID master : masters) {
+        statement.bind(master);
+        while (statement.step())
+            all.push_back(statement.integer(0));
+    }
+    return all;
+}
+
+PhotoID Catalog::masterOf(PhotoID id)
+{
+    return database_.scalar("SELECT COALESCE(version_of, id) FROM photos WHERE id = ?", id);
+}
+
+PhotoID Catalog::existingMasterOf(PhotoID id)
+{
+    const auto master = masterOf(id);
+    if (master == 0)
+        throw NotFoundError("photo", id);
+    return master;
+}
+
+std::vector<PhotoID> Catalog::mastersOf(std::span<const PhotoID> photos)
+{
+    std::vector<PhotoID> masters;
+    std::unordered_set<PhotoID> seen;
+    for (const PhotoID photo : photos) {
+        const auto master = masterOf(photo);
+        if (master != 0 && seen.insert(master).second)
+            masters.push_back(master);
+    }
+    return masters;
+}
+
+void Catalog::takeOut(const AddedRows& added)
+{
+    Transaction transaction(database_);
+    deletePhotos(added.photos);
+    for (const auto folder : added.folders)
+        database_.run("DELETE FROM folders WHERE id = ?1 AND NOT EXISTS "
+                      "(SELECT 1 FROM photos WHERE folder_id = ?1)",
+            folder);
+    for (const auto project : added.projects)
+        database_.run(R"(DELETE FROM projects WHERE id = ?1
+    AND NOT EXISTS (SELECT 1 FROM photos WHERE project_id = ?1)
+    AND NOT EXISTS (SELECT 1 FROM projects WHERE parent_id = ?1)
+    AND NOT EXISTS (SELECT 1 FROM albums WHERE parent_id = ?1))",
+            project);
+    transaction.commit();
 }
 
 } // namespace korvo

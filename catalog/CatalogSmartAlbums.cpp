@@ -1,37 +1,12 @@
-#include "catalog/Catalog.h"
-
-#include "base/JsonError.h"
+#include "catalog/ChangeRow.h"
 #include "catalog/LibraryReading.h"
 #include "catalog/PhotoRows.h"
 
 namespace korvo {
 
-namespace {
-
-SmartAlbumRow smartAlbumIn(Database& database, std::int64_t id)
-{
-    auto statement = database.kept("SELECT name, rules FROM smart_albums WHERE id = ?");
-    statement.bind(id);
-    if (!statement.step())
-        throw NotFoundError("smart album", id);
-    return {id, std::string(statement.text(0)), std::string(statement.text(1))};
-}
-
-} // namespace
-
 SmartAlbumRow Catalog::smartAlbum(std::int64_t id)
 {
     return smartAlbumIn(database_, id);
-}
-
-SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id)
-{
-    const auto album = smartAlbumIn(database, id);
-    try {
-        return SmartAlbumMatcher(smartAlbumRules(album.rules));
-    } catch (const JsonError& error) {
-        throw SmartAlbumError(album.name, error.what());
-    }
 }
 
 std::size_t Catalog::countMatching(const SmartAlbumRules& rules, const std::stop_token& stop) const
@@ -44,6 +19,24 @@ std::size_t Catalog::countMatching(const SmartAlbumRules& rules, const std::stop
     while (!stop.stop_requested() && statement.step())
         count += matcher.matches(photos.item()) ? 1 : 0;
     return count;
+}
+
+std::int64_t Catalog::createSmartAlbum(std::string_view name, std::string_view rules)
+{
+    requireName(name);
+    return database_.insert("INSERT INTO smart_albums (name, rules) VALUES (?, ?)", name, rules);
+}
+
+void Catalog::changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules)
+{
+    requireName(name);
+    changeRow(database_, "smart album", id, "UPDATE smart_albums SET name = ?, rules = ? WHERE id = ?", name,
+        rules, id);
+}
+
+void Catalog::deleteSmartAlbum(std::int64_t id)
+{
+    changeRow(database_, "smart album", id, "DELETE FROM smart_albums WHERE id = ?", id);
 }
 
 } // namespace korvo

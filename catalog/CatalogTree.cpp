@@ -3,29 +3,9 @@
 #include "catalog/NewGroups.h"
 #include "catalog/Stacks.h"
 
-#include <map>
-
 namespace korvo {
 
 namespace {
-
-/// All rows of a statement, each made by `make`.
-template <typename Make>
-auto rowsOf(Database& database, std::string_view sql, Make make)
-{
-    std::vector<decltype(make(std::declval<Statement&>()))> rows;
-    auto statement = database.kept(sql);
-    while (statement.step())
-        rows.push_back(make(statement));
-    return rows;
-}
-
-/// Throws NotFoundError when a row that another is about to refer to does not exist.
-void requireProject(Database& database, std::optional<std::int64_t> id)
-{
-    if (id && database.scalar("SELECT COUNT(*) FROM projects WHERE id = ?", *id) == 0)
-        throw NotFoundError("project", *id);
-}
 
 void requireKeyword(Database& database, std::optional<std::int64_t> id)
 {
@@ -39,91 +19,7 @@ void requireAlbum(Database& database, std::int64_t id)
         throw NotFoundError("album", id);
 }
 
-std::string text(const Statement& row, int column)
-{
-    return std::string(row.text(column));
-}
-
-std::vector<ProjectRow> projects(Database& database)
-{
-    return rowsOf(database,
-        "SELECT id, name, kind, parent_id, position FROM projects ORDER BY position, name COLLATE NOCASE",
-        [](const Statement& row) {
-            return ProjectRow{
-                row.integer(0), text(row, 1), text(row, 2), row.optionalInteger(3), row.integer(4)};
-        });
-}
-
-std::vector<AlbumRow> albums(Database& database)
-{
-    return rowsOf(database,
-        "SELECT a.id, a.name, a.parent_id, (SELECT COUNT(*) FROM album_items ai WHERE ai.album_id = a.id) AS "
-        "n "
-        "FROM albums a ORDER BY a.position, a.name COLLATE NOCASE",
-        [](const Statement& row) {
-            return AlbumRow{row.integer(0), text(row, 1), row.optionalInteger(2), row.integer(3)};
-        });
-}
-
-std::vector<KeywordRow> keywordsIn(Database& database)
-{
-    return rowsOf(database, "SELECT id, name, parent_id FROM keywords ORDER BY name COLLATE NOCASE",
-        [](const Statement& row) {
-            return KeywordRow{row.integer(0), text(row, 1), row.optionalInteger(2)};
-        });
-}
-
-std::unordered_map<PhotoID, std::int64_t> versionCounts(Database& database)
-{
-    std::unordered_map<PhotoID, std::int64_t> counts;
-    auto statement = database.kept("SELECT version_of AS m, COUNT(*) AS n FROM photos "
-                                   "WHERE version_of IS NOT NULL GROUP BY version_of");
-    while (statement.step())
-        counts.emplace(statement.integer(0), statement.integer(1));
-    return counts;
-}
-
 } // namespace
-
-LibraryCounts countsIn(Database& database)
-{
-    const LibraryTotals totals{database.scalar("SELECT COUNT(*) FROM photos"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE alt_text = ''"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE dirty = 1"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND project_id IS NULL"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL"),
-        database.scalar("SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND alt_text = ''")};
-    return {totals,
-        rowsOf(database,
-            "SELECT project_id, COUNT(*) AS n FROM photos WHERE version_of IS NULL AND project_id IS NOT "
-            "NULL GROUP BY project_id",
-            [](const Statement& row) { return std::pair(row.integer(0), row.integer(1)); }),
-        versionCounts(database)};
-}
-
-LibraryTree treeIn(Database& database, const LibraryCounts& counts)
-{
-    LibraryTree tree;
-    tree.folders = rowsOf(database, "SELECT id, path FROM folders ORDER BY path", [](const Statement& row) {
-        return FolderRow{row.integer(0), text(row, 1)};
-    });
-    tree.projects = projectTree(projects(database), counts.inProjects);
-    tree.albums = albums(database);
-    tree.smartAlbums
-        = rowsOf(database, "SELECT id, name, rules FROM smart_albums ORDER BY position, name COLLATE NOCASE",
-            [](const Statement& row) {
-                return SmartAlbumRow{row.integer(0), text(row, 1), text(row, 2)};
-            });
-    tree.keywords = keywordsIn(database);
-    tree.people = rowsOf(database,
-        "SELECT pe.id, pe.name, (SELECT COUNT(DISTINCT f.photo_id) FROM faces f WHERE f.person_id = pe.id) "
-        "FROM people pe ORDER BY pe.position, pe.name COLLATE NOCASE",
-        [](const Statement& row) {
-            return PersonRow{row.integer(0), text(row, 1), row.integer(2)};
-        });
-    tree.totals = counts.totals;
-    return tree;
-}
 
 LibraryTree Catalog::tree()
 {
@@ -169,27 +65,6 @@ std::int64_t Catalog::createProject(
 {
     const NewProject project{std::string(name), std::string(kind), parent};
     return createProjects(database_, std::span(&project, 1)).front();
-}
-
-std::vector<std::int64_t> createProjects(Database& database, std::span<const NewProject> projects)
-{
-    std::vector<std::int64_t> ids;
-    std::map<std::optional<std::int64_t>, std::int64_t> positions; // the next one below each parent
-    Transaction transaction(database);
-    for (const auto& [name, kind, parent] : projects) {
-        requireName(name);
-        const auto [position, isNew] = positions.try_emplace(parent, 0);
-        if (isNew) {
-            requireProject(database, parent);
-            position->second = database.scalar(
-                "SELECT COALESCE(MAX(position), 0) + 1 FROM projects WHERE parent_id IS ?", parent);
-        }
-        ids.push_back(
-            database.insert("INSERT INTO projects (name, kind, parent_id, position) VALUES (?, ?, ?, ?)",
-                name, kind, parent, position->second++));
-    }
-    transaction.commit();
-    return ids;
 }
 
 std::int64_t Catalog::gatherUnderProject(std::string_view name)
@@ -238,21 +113,6 @@ std::int64_t Catalog::createAlbum(std::string_view name, std::optional<std::int6
 {
     const NewAlbum album{std::string(name), parentProject};
     return createAlbums(database_, std::span(&album, 1)).front();
-}
-
-std::vector<std::int64_t> createAlbums(Database& database, std::span<const NewAlbum> albums)
-{
-    std::vector<std::int64_t> ids;
-    Transaction transaction(database);
-    auto position = database.scalar("SELECT COALESCE(MAX(position), 0) + 1 FROM albums");
-    for (const auto& [name, parentProject] : albums) {
-        requireName(name);
-        requireProject(database, parentProject);
-        ids.push_back(database.insert("INSERT INTO albums (name, position, parent_id) VALUES (?, ?, ?)", name,
-            position++, parentProject));
-    }
-    transaction.commit();
-    return ids;
 }
 
 void Catalog::renameAlbum(std::int64_t id, std::string_view name)
@@ -310,24 +170,6 @@ void Catalog::deleteKeyword(std::int64_t id)
     changeRow(database_, "keyword", id, "DELETE FROM keywords WHERE id = ?", id);
 }
 
-std::int64_t Catalog::createSmartAlbum(std::string_view name, std::string_view rules)
-{
-    requireName(name);
-    return database_.insert("INSERT INTO smart_albums (name, rules) VALUES (?, ?)", name, rules);
-}
-
-void Catalog::changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules)
-{
-    requireName(name);
-    changeRow(database_, "smart album", id, "UPDATE smart_albums SET name = ?, rules = ? WHERE id = ?", name,
-        rules, id);
-}
-
-void Catalog::deleteSmartAlbum(std::int64_t id)
-{
-    changeRow(database_, "smart album", id, "DELETE FROM smart_albums WHERE id = ?", id);
-}
-
 AddedRow Catalog::projectAtRoot(std::string_view name)
 {
     Transaction transaction(database_);
@@ -338,23 +180,6 @@ AddedRow Catalog::projectAtRoot(std::string_view name)
         id = createProject(name, "project", std::nullopt);
     transaction.commit();
     return {id, isNew};
-}
-
-void Catalog::takeOut(const AddedRows& added)
-{
-    Transaction transaction(database_);
-    deletePhotos(added.photos);
-    for (const auto folder : added.folders)
-        database_.run("DELETE FROM folders WHERE id = ?1 AND NOT EXISTS "
-                      "(SELECT 1 FROM photos WHERE folder_id = ?1)",
-            folder);
-    for (const auto project : added.projects)
-        database_.run(R"(DELETE FROM projects WHERE id = ?1
-    AND NOT EXISTS (SELECT 1 FROM photos WHERE project_id = ?1)
-    AND NOT EXISTS (SELECT 1 FROM projects WHERE parent_id = ?1)
-    AND NOT EXISTS (SELECT 1 FROM albums WHERE parent_id = ?1))",
-            project);
-    transaction.commit();
 }
 
 } // namespace korvo

@@ -16,6 +16,29 @@ void changeRow(
         throw NotFoundError(noun, id);
 }
 
+/// Runs one statement for each photo, all of them in one transaction. `bind` is given the statement and an
+/// id.
+template <typename Bind>
+void changeEach(Database& database, std::string_view sql, std::span<const PhotoID> ids, Bind bind)
+{
+    Transaction transaction(database);
+    {
+        auto statement = database.kept(sql);
+        for (const PhotoID id : ids) {
+            bind(statement, id);
+            statement.run();
+        }
+    }
+    transaction.commit();
+}
+
+/// Throws NotFoundError when a project that a row is about to refer to does not exist.
+inline void requireProject(Database& database, std::optional<std::int64_t> id)
+{
+    if (id && database.scalar("SELECT COUNT(*) FROM projects WHERE id = ?", *id) == 0)
+        throw NotFoundError("project", *id);
+}
+
 /// What the user is to find again by its name needs one. Throws std::invalid_argument.
 inline void requireName(std::string_view name)
 {

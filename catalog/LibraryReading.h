@@ -1,11 +1,11 @@
 #pragma once
 
-#include "catalog/GridOrder.h"
 #include "catalog/LibrarySource.h"
 #include "catalog/PhotoItem.h"
 #include "catalog/SmartAlbumMatcher.h"
 #include "catalog/Tree.h"
 
+#include <functional>
 #include <stop_token>
 #include <unordered_map>
 #include <vector>
@@ -20,7 +20,15 @@ class Database;
 /// as they come. Throws as Catalog::photos does.
 std::vector<PhotoItem> photosIn(
     Database& database, const std::optional<LibrarySource>& source, const std::stop_token& stop = {});
-ListedBy listedBy(const std::optional<LibrarySource>& source);
+
+/// The same one by one; `use` returns whether to go on. `orderByName` ends the statement of a source without
+/// an order made by hand.
+using PhotoUse = std::function<bool(PhotoItem&&)>;
+void forEachPhoto(Database& database, const std::optional<LibrarySource>& source,
+    std::string_view orderByName, const PhotoUse& use);
+
+/// Throws NotFoundError.
+SmartAlbumRow smartAlbumIn(Database& database, std::int64_t id);
 /// Throws NotFoundError and SmartAlbumError.
 SmartAlbumMatcher smartAlbumMatcher(Database& database, std::int64_t id);
 
@@ -34,6 +42,7 @@ struct LibraryCounts {
     bool operator==(const LibraryCounts&) const = default;
 };
 LibraryCounts countsIn(Database& database);
+std::vector<KeywordRow> keywordsIn(Database& database);
 /// The tree with these counts. Does not take long.
 LibraryTree treeIn(Database& database, const LibraryCounts& counts);
 

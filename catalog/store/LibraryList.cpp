@@ -1,3 +1,4 @@
+#include "catalog/SourceQuery.h"
 #include "catalog/Stacks.h"
 #include "catalog/sql/DatabaseError.h"
 #include "catalog/store/LibraryStore.h"

@@ -2,6 +2,7 @@
 
 #include "catalog/CatalogErrors.h"
 #include "catalog/LibraryReading.h"
+#include "catalog/SourceQuery.h"
 #include "catalog/Stacks.h"
 #include "catalog/sql/Database.h"
 #include "catalog/store/AllPhotos.h"

@@ -1,3 +1,5 @@
+#include "catalog/LibraryReading.h"
+#include "catalog/SourceQuery.h"
 #include "catalog/Stacks.h"
 #include "catalog/Versions.h"
 #include "catalog/store/GroupActions.h"

@@ -1,5 +1,6 @@
 // Random actions of a user beside a model that is plain enough to be right, and undo as whole copies of it.
 // What the model does not know of, as stacks and versions, is compared by the tables' rows.
+#include "catalog/SourceQuery.h"
 #include "catalog/Stacks.h"
 #include "tests/catalog/RandomActions.h"
 #include "tests/support/ListedPhotos.h"
