@@ -4,7 +4,7 @@
 #include "catalog/AutoStack.h"
 #include "catalog/Catalog.h"
 #include "catalog/SmartAlbumMatcher.h"
-#include "catalog/store/ReadList.h"
+#include "catalog/store/SourceReading.h"
 
 #include <fmt/format.h>
 
@@ -93,7 +93,7 @@ void compareGroups(const std::filesystem::path& library)
 {
     const auto file = library / "catalog.sqlite";
     Catalog catalog(library, SystemClock());
-    auto items = readList(catalog.database(), std::nullopt, [] { return ListArrangement(); }).list.items();
+    auto items = readSource(catalog.database(), std::nullopt, [] { return ListArrangement(); }).list.items();
     compareMatching(fmt::format("A smart album of four rules over {} photos", items.size()), items, fourRules,
         file, closestQuery);
     compareMatching(fmt::format("A text rule alone over {} photos", items.size()), items,

@@ -118,7 +118,7 @@ public:
 private:
     enum class Shown { yes, later };
 
-    // The list (LibraryList.cpp)
+    // The list (LibraryStoreList.cpp)
     /// Reads all photos of a source and makes it the current one. Throws, with nothing changed, when it
     /// cannot be read and that shows in time.
     Shown load(std::optional<LibrarySource> source);
@@ -127,7 +127,7 @@ private:
     /// What was waited for is there.
     void listArrived();
     /// `since` may be missing in what was read.
-    void show(ReadList read, const ChangedRows& since);
+    void show(ListOfSource read, const ChangedRows& since);
     void replaceList(PhotoList list);
     /// Shows the list as it is wished.
     void arrange(ListArrangement as);
@@ -149,7 +149,7 @@ private:
     /// Those of the photos that the source lists; nothing when it cannot be listed any more.
     std::optional<std::vector<PhotoItem>> listedOf(std::span<const PhotoID> ids);
 
-    // The selection (LibrarySelection.cpp)
+    // The selection (LibraryStoreSelection.cpp)
     /// Selects what was to be once the list is there. Drops from the selection what is no longer shown,
     /// taking the pick for what a collapsed stack hides; when nothing is left of it, the photo that took the
     /// place of the first one is selected. Returns whether the selection changed.

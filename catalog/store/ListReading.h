@@ -1,8 +1,8 @@
 #pragma once
 
 #include "catalog/sql/Changeset.h"
-#include "catalog/store/ReadList.h"
-#include "catalog/store/Reading.h"
+#include "catalog/store/BackgroundReading.h"
+#include "catalog/store/SourceReading.h"
 
 #include <mutex>
 
@@ -11,14 +11,14 @@ namespace korvo {
 /// The list of a source while it is read in the background, with what happens meanwhile.
 class ListReading {
 public:
-    /// As Reading.
+    /// As BackgroundReading.
     ListReading(MainThread& main, const Catalog& catalog, std::optional<LibrarySource> source,
         ListArrangement as, std::function<void()> ended)
         : wish_(std::make_shared<Wish>(std::move(as))),
           reading_(
               main, catalog,
               [source = std::move(source), wish = wish_](Database& database, const std::stop_token& stop) {
-                  return readList(
+                  return readSource(
                       database, source, [&] { return wish->get(); }, stop);
               },
               std::move(ended))
@@ -26,9 +26,9 @@ public:
 
     /// How the list is to be arranged; one that is nearly there may come arranged as was wished before.
     void arrange(ListArrangement as) { wish_->set(std::move(as)); }
-    /// As Reading.
+    /// As BackgroundReading.
     bool waitFor(std::chrono::milliseconds patience) { return reading_.waitFor(patience); }
-    ReadList take() { return reading_.take(); }
+    ListOfSource take() { return reading_.take(); }
     /// As Background.
     void leaveTo(LeftTasks& left) { reading_.leaveTo(left); }
 
@@ -56,7 +56,7 @@ private:
     };
 
     std::shared_ptr<Wish> wish_;
-    Reading<ReadList> reading_;
+    BackgroundReading<ListOfSource> reading_;
 };
 
 } // namespace korvo

@@ -12,7 +12,7 @@ bool PhotoCounter::bringUpToDate()
     if (!isDue_ || counting_)
         return false;
     isDue_ = false;
-    counting_ = std::make_unique<Reading<LibraryCounts>>(
+    counting_ = std::make_unique<BackgroundReading<LibraryCounts>>(
         main_, catalog_, [](Database& database, const std::stop_token&) { return countsIn(database); },
         [this] { countsArrived(); });
     if (!counting_->waitFor(patience_))

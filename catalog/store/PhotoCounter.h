@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalog/LibraryReading.h"
-#include "catalog/store/Reading.h"
+#include "catalog/store/BackgroundReading.h"
 
 namespace korvo {
 
@@ -34,7 +34,7 @@ private:
     std::function<void()> counted_;
     std::optional<LibraryCounts> counts_;
     bool isDue_ = true;
-    std::unique_ptr<Reading<LibraryCounts>> counting_;
+    std::unique_ptr<BackgroundReading<LibraryCounts>> counting_;
 };
 
 } // namespace korvo

@@ -1,8 +1,8 @@
 // What the store shows while a list is being read in the background.
 
-#include "catalog/store/AllPhotos.h"
 #include "catalog/store/LibraryActions.h"
 #include "catalog/store/LibraryStore.h"
+#include "catalog/store/SourceReading.h"
 #include "tests/support/ManualMainThread.h"
 #include "tests/support/StoreActions.h"
 #include "tests/support/TestLibrary.h"
@@ -47,11 +47,11 @@ struct StoreReading : ::testing::Test {
 
 } // namespace
 
-TEST(Reading, endsInTheMiddleOfAStatement)
+TEST(BackgroundReading, endsInTheMiddleOfAStatement)
 {
     TestLibrary library;
     ManualMainThread main;
-    Reading<std::int64_t> reading(
+    BackgroundReading<std::int64_t> reading(
         main, *library.catalog,
         [](Database& database, const std::stop_token&) {
             return database.scalar(

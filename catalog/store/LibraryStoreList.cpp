@@ -31,7 +31,7 @@ LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
 {
     auto reading = std::make_unique<ListReading>(
         main_, *catalog_, source, list_.arrangement(), [this] { listArrived(); });
-    std::optional<ReadList> read;
+    std::optional<ListOfSource> read;
     if (reading->waitFor(patience_))
         read = reading->take();
     if (reading_)
@@ -49,7 +49,7 @@ LibraryStore::Shown LibraryStore::load(std::optional<LibrarySource> source)
     return reading_ ? Shown::later : Shown::yes;
 }
 
-void LibraryStore::show(ReadList read, const ChangedRows& since)
+void LibraryStore::show(ListOfSource read, const ChangedRows& since)
 {
     replaceList(std::move(read.list));
     sourceFault_ = std::move(read.fault);

@@ -19,12 +19,12 @@ inline void endWith(Database& database, const std::stop_token& stop)
 /// Something that is read from the library in the background, on a connection of its own. What is committed
 /// after its making may be missing there.
 template <typename Result>
-class Reading : public Background<Result> {
+class BackgroundReading : public Background<Result> {
 public:
     using Read = std::function<Result(Database&, const std::stop_token&)>;
 
     /// As Background; `catalog` must outlive this too.
-    Reading(MainThread& main, const Catalog& catalog, Read read, std::function<void()> ended)
+    BackgroundReading(MainThread& main, const Catalog& catalog, Read read, std::function<void()> ended)
         : Background<Result>(
             main,
             [&catalog, read = std::move(read)](const std::stop_token& stop) {
