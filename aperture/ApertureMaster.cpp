@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "catalog/CameraName.h"
+#include "catalog/KeywordList.h"
 
 #include <algorithm>
 #include <cmath>

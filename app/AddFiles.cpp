@@ -2,7 +2,7 @@
 
 #include "catalog/FolderScan.h"
 #include "catalog/UnreadPhotos.h"
-#include "catalog/sql/DatabaseError.h"
+#include "catalog/UserText.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/MetadataError.h"
 

@@ -2,7 +2,7 @@
 
 #include "app/Marking.h"
 #include "base/Text.h"
-#include "catalog/CommonMetadata.h"
+#include "catalog/KeywordList.h"
 #include "catalog/RenameKeyword.h"
 #include "catalog/store/GroupActions.h"
 #include "catalog/store/LibraryActions.h"

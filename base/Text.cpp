@@ -117,23 +117,6 @@ std::vector<std::string_view> split(std::string_view text, char separator)
     }
 }
 
-std::vector<std::string> splitKeywords(std::string_view text)
-{
-    std::vector<std::string> keywords;
-    for (const auto piece : split(text, ','))
-        if (const auto keyword = trimmed(piece); !keyword.empty())
-            keywords.emplace_back(keyword);
-    return keywords;
-}
-
-std::string joinKeywords(const std::vector<std::string>& keywords)
-{
-    std::string joined;
-    for (const auto& keyword : keywords)
-        joined += (joined.empty() ? "" : ", ") + keyword;
-    return joined;
-}
-
 std::string asciiLower(std::string_view text)
 {
     std::string lower(text);

@@ -32,12 +32,6 @@ bool isBlank(std::string_view text);
 /// The pieces between separators, empty ones included; one piece for text without a separator.
 std::vector<std::string_view> split(std::string_view text, char separator);
 
-/// The entries of a keyword list: the text cut at commas, each entry trimmed, empty ones dropped.
-std::vector<std::string> splitKeywords(std::string_view text);
-
-/// Keywords as the catalog holds them: joined with ", ".
-std::string joinKeywords(const std::vector<std::string>& keywords);
-
 /// The text with the letters A to Z in lower case and all else as it is, as SQLite's NOCASE folds.
 std::string asciiLower(std::string_view text);
 

@@ -1,6 +1,6 @@
 #include "catalog/CommonMetadata.h"
 
-#include "base/Text.h"
+#include "catalog/KeywordList.h"
 
 #include <algorithm>
 
@@ -20,26 +20,6 @@ constexpr std::array<MetadataField, 6> fields{{
     {"ALT Text", &Metadata::altText, &Change::altText, "Change ALT Text"},
 }};
 static_assert(fields[keywordsField].value == &Metadata::keywords);
-
-bool holds(const std::vector<std::string>& list, const std::string& entry)
-{
-    return std::find(list.begin(), list.end(), entry) != list.end();
-}
-
-std::vector<std::string> without(std::vector<std::string> list, const std::vector<std::string>& others)
-{
-    std::erase_if(list, [&](const std::string& entry) { return holds(others, entry); });
-    return list;
-}
-
-std::vector<std::string> onceEach(std::vector<std::string> list)
-{
-    std::vector<std::string> once;
-    for (auto& entry : list)
-        if (!holds(once, entry))
-            once.push_back(std::move(entry));
-    return once;
-}
 
 } // namespace
 
@@ -71,29 +51,11 @@ void CommonMetadata::addKeywords(const SharedText& keywords)
     else {
         const auto others = splitKeywords(keywords);
         auto shared = splitKeywords(*common);
-        std::erase_if(shared, [&](const std::string& entry) { return !holds(others, entry); });
+        std::erase_if(shared,
+            [&](const std::string& entry) { return std::ranges::find(others, entry) == others.end(); });
         keywordsDiffer_ = true;
         common = joinKeywords(shared);
     }
-}
-
-std::string KeywordEdit::appliedTo(std::string_view keywords) const
-{
-    auto list = without(splitKeywords(keywords), removed);
-    list.insert(list.end(), added.begin(), added.end());
-    return joinKeywords(onceEach(std::move(list)));
-}
-
-KeywordEdit keywordEdit(std::string_view before, std::string_view after)
-{
-    const auto old = splitKeywords(before);
-    const auto now = splitKeywords(after);
-    return {onceEach(without(now, old)), without(old, now)};
-}
-
-std::string tidyKeywordText(std::string_view text)
-{
-    return joinKeywords(onceEach(splitKeywords(text)));
 }
 
 } // namespace korvo

@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace korvo {
 
@@ -48,20 +47,5 @@ private:
 inline constexpr std::string_view mixedText = "Multiple values";
 inline constexpr std::string_view mixedKeywordsText
     = "Shown are the keywords that all photos have; each keeps its others";
-
-/// A change of a keyword list that fits photos with different ones.
-struct KeywordEdit {
-    std::vector<std::string> added, removed;
-
-    bool empty() const { return added.empty() && removed.empty(); }
-    /// The list afterwards, as one text.
-    std::string appliedTo(std::string_view keywords) const;
-};
-
-/// What was added to a list and what was taken from it. Entries are told apart with their case.
-KeywordEdit keywordEdit(std::string_view before, std::string_view after);
-
-/// The list as the catalog holds it: entries trimmed, none empty, none twice.
-std::string tidyKeywordText(std::string_view text);
 
 } // namespace korvo

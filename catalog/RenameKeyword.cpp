@@ -1,7 +1,7 @@
 #include "catalog/RenameKeyword.h"
 
 #include "catalog/ChangeRow.h"
-#include "catalog/CommonMetadata.h"
+#include "catalog/KeywordList.h"
 
 #include <algorithm>
 #include <map>

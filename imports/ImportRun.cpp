@@ -1,5 +1,6 @@
 #include "imports/ImportRun.h"
 
+#include "catalog/UserText.h"
 #include "imports/ImportBatch.h"
 #include "imports/ImportShots.h"
 #include "imports/VolumeWatcher.h"

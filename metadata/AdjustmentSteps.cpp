@@ -1,6 +1,7 @@
 #include "metadata/AdjustmentSteps.h"
 
 #include "catalog/UnreadPhotos.h"
+#include "catalog/UserText.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/ExifReader.h"
 

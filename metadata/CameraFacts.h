@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/Text.h"
 #include "catalog/Catalog.h"
+#include "catalog/KeywordList.h"
 #include "metadata/DescriptiveFields.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/PhotoExifInfo.h"

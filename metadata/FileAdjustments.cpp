@@ -1,6 +1,7 @@
 #include "metadata/FileAdjustments.h"
 
 #include "base/PathFailure.h"
+#include "catalog/UserText.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"

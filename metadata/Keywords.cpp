@@ -1,6 +1,7 @@
 #include "metadata/Keywords.h"
 
 #include "base/Text.h"
+#include "catalog/KeywordList.h"
 
 namespace korvo {
 

@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "base/PathFailure.h"
+#include "catalog/UserText.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"

@@ -1,6 +1,7 @@
 #include "metadata/MetadataWriteBack.h"
 
 #include "base/Text.h"
+#include "catalog/UserText.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/AdjustmentSteps.h"
 

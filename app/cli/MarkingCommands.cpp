@@ -1,5 +1,6 @@
 #include "app/cli/Commands.h"
 #include "base/Text.h"
+#include "catalog/KeywordList.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,6 +1,7 @@
 #include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "base/Text.h"
+#include "catalog/UserText.h"
 #include "metadata/Backfill.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/FileAdjustments.h"

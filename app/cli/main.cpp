@@ -1,6 +1,6 @@
 #include "app/cli/CommandLine.h"
 #include "app/cli/Interrupt.h"
-#include "catalog/sql/DatabaseError.h"
+#include "catalog/UserText.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
 

@@ -1,7 +1,7 @@
 #include "app/desktop/Desktop.h"
 
 #include "base/Text.h"
-#include "catalog/sql/DatabaseError.h"
+#include "catalog/UserText.h"
 #include "platform/AppFolders.h"
 
 namespace korvo {

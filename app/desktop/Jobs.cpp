@@ -1,6 +1,6 @@
 #include "app/desktop/Jobs.h"
 
-#include "catalog/sql/DatabaseError.h"
+#include "catalog/UserText.h"
 
 #include <algorithm>
 

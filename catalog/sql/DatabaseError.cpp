@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 namespace korvo {
 
@@ -47,6 +46,14 @@ bool DatabaseError::mayPass() const
     return troubleOf(*this) != nullptr;
 }
 
+std::string DatabaseError::textForUser() const
+{
+    const auto* const trouble = troubleOf(*this);
+    if (!trouble)
+        return what();
+    return (which_ == Case::open ? what() + std::string(".") : trouble->what) + " " + trouble->toDo;
+}
+
 DatabaseError DatabaseError::open(const std::string& message, int code)
 {
     return {Case::open, message, {}, code, "Couldn't open library: " + message};
@@ -67,19 +74,6 @@ DatabaseError DatabaseError::outdated(
 {
     return {Case::step, failed.message(), failed.sql(), failed.code(),
         "\"" + title + "\" cannot be " + done + ": the library has changed since."};
-}
-
-std::string textForUser(const std::exception& error)
-{
-    if (const auto* const file = dynamic_cast<const std::filesystem::filesystem_error*>(&error))
-        return file->path1().string() + ": " + file->code().message();
-    const std::string description = error.what();
-    const auto* const failed = dynamic_cast<const DatabaseError*>(&error);
-    const auto* const trouble = failed ? troubleOf(*failed) : nullptr;
-    if (!trouble)
-        return description;
-    const bool isOpen = failed->which() != DatabaseError::Case::open;
-    return (isOpen ? std::string(trouble->what) : description + ".") + " " + trouble->toDo;
 }
 
 } // namespace korvo

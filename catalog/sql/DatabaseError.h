@@ -28,6 +28,8 @@ public:
     /// Whether it lies in what is around the library and can be mended there: another writer, the disk. What
     /// failed may succeed later then.
     bool mayPass() const;
+    /// What went wrong and what to do about it, without SQL wherever SQLite says what is the matter.
+    std::string textForUser() const;
     /// SQLite's own message.
     const std::string& message() const { return message_; }
     /// The statement; empty for a failed open.
@@ -44,10 +46,5 @@ private:
     std::string message_;
     std::string sql_;
 };
-
-/// What went wrong and what to do about it, as the user reads it: of a DatabaseError by its code, without SQL
-/// wherever SQLite says what is the matter; of the standard library's on a file the file and the reason;
-/// what() of any other.
-std::string textForUser(const std::exception& error);
 
 } // namespace korvo

@@ -3,6 +3,7 @@
 #include "base/FoldedText.h"
 #include "base/Text.h"
 #include "catalog/Catalog.h"
+#include "catalog/KeywordList.h"
 
 #include <algorithm>
 #include <map>

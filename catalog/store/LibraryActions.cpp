@@ -1,6 +1,7 @@
 #include "catalog/store/LibraryActions.h"
 
 #include "base/Json.h"
+#include "catalog/KeywordList.h"
 
 #include <map>
 

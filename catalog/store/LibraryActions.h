@@ -1,5 +1,6 @@
 #pragma once
 
+#include "catalog/KeywordList.h"
 #include "catalog/store/LibraryStore.h"
 
 namespace korvo {

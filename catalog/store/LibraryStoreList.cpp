@@ -1,6 +1,6 @@
 #include "catalog/SourceQuery.h"
 #include "catalog/Stacks.h"
-#include "catalog/sql/DatabaseError.h"
+#include "catalog/UserText.h"
 #include "catalog/store/LibraryStore.h"
 
 #include <algorithm>

@@ -1,5 +1,7 @@
 #include "catalog/store/MatchCounter.h"
 
+#include "catalog/UserText.h"
+
 #include <chrono>
 
 namespace korvo {

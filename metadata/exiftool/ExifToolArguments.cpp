@@ -1,6 +1,6 @@
 #include "metadata/exiftool/ExifToolArguments.h"
 
-#include "base/Text.h"
+#include "catalog/KeywordList.h"
 
 #include <fmt/format.h>
 

@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "base/Text.h"
+#include "catalog/KeywordList.h"
 #include "metadata/Keywords.h"
 
 #include <initializer_list>

@@ -1,4 +1,5 @@
 #include "base/Text.h"
+#include "catalog/KeywordList.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 #include "catalog/sql/Database.h"
+#include "catalog/UserText.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 // Describing several photos at once: what they have in common, keywords, and completing them.
 
+#include "catalog/KeywordList.h"
 #include "catalog/store/KeywordCompletion.h"
 #include "catalog/store/LibraryActions.h"
 #include "catalog/store/LibraryStore.h"

@@ -2,6 +2,7 @@
 #include "base/Json.h"
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
+#include "catalog/KeywordList.h"
 #include "catalog/store/GroupActions.h"
 #include "catalog/store/LibraryActions.h"
 #include "catalog/store/LibraryStore.h"

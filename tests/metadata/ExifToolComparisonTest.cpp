@@ -1,5 +1,6 @@
 // Reads files with our readers and with exiftool, and expects the same answers field by field.
 #include "base/Text.h"
+#include "catalog/KeywordList.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/ExifReader.h"

@@ -4,6 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/info/KeywordField.h"
 #include "base/Text.h"
+#include "catalog/KeywordList.h"
 #include "catalog/store/LibraryActions.h"
 
 #include <QLabel>

@@ -5,6 +5,7 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/window/NewWindow.h"
 #include "base/Text.h"
+#include "catalog/UserText.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

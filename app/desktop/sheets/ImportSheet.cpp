@@ -7,6 +7,7 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sheets/SourceList.h"
 #include "base/Text.h"
+#include "catalog/UserText.h"
 
 #include <QFileDialog>
 #include <QProgressBar>

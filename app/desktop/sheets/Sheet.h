@@ -4,7 +4,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/MainWindow.h"
 #include "base/Text.h"
-#include "catalog/sql/DatabaseError.h"
+#include "catalog/UserText.h"
 
 #include <QDialog>
 #include <QMessageBox>

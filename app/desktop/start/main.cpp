@@ -8,7 +8,7 @@
 #include "app/desktop/start/Screenshot.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/WindowMemory.h"
-#include "catalog/sql/DatabaseError.h"
+#include "catalog/UserText.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
 #include "platform/HeapArenas.h"
