@@ -20,18 +20,16 @@ ViewMemory viewMemory(const LibraryStore& store)
         .filter = {},
         .selection = store.wishedSelection()};
     memory.selection.resize(std::min(memory.selection.size(), mostSelected));
-    for (const auto& [key, raw, title] : sortKeyNames)
-        if (key == list.sortKey())
-            memory.order = raw;
-    for (const auto& [filter, raw, title] : gridFilterNames)
-        if (filter == list.filter())
-            memory.filter = raw;
+    if (list.sortKey())
+        memory.order = nameOf(*list.sortKey());
+    if (list.filter())
+        memory.filter = nameOf(*list.filter());
     return memory;
 }
 
 void restoreView(LibraryStore& store, const ViewMemory& memory)
 {
-    store.arrange(parseSortKey(memory.order), parseGridFilter(memory.filter));
+    store.arrange(caseNamed<SortKey>(memory.order), caseNamed<GridFilter>(memory.filter));
     try {
         if (const auto source = parseSource(memory.source)) {
             store.catalog().requireSource(*source);

@@ -53,6 +53,13 @@ std::optional<FileKind> fileKind(std::string_view filename)
     return found == kinds.end() ? std::nullopt : std::optional(found->second);
 }
 
+bool isVideo(std::string_view filename)
+{
+    const auto extension = extensionOf(filename);
+    return std::ranges::any_of(
+        videoExtensions, [&](std::string_view video) { return compareNoCase(extension, video) == 0; });
+}
+
 bool isLibraryFile(std::string_view filename)
 {
     const auto kind = fileKind(filename);

@@ -17,6 +17,9 @@ inline constexpr std::array<std::string_view, 6> videoExtensions
 /// The kind of a file by its name's extension in any case; nothing for all other files.
 std::optional<FileKind> fileKind(std::string_view filename);
 
+/// The same as fileKind() == FileKind::video, without making a text.
+bool isVideo(std::string_view filename);
+
 /// Whether a library takes the file in: images, raw files and videos.
 bool isLibraryFile(std::string_view filename);
 

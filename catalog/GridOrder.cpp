@@ -2,7 +2,6 @@
 
 #include "base/StopCheck.h"
 #include "base/Text.h"
-#include "catalog/FileTypes.h"
 #include "catalog/PutInto.h"
 
 #include <algorithm>
@@ -37,52 +36,6 @@ double numberOf(const PhotoItem& item, SortKey key)
 
 } // namespace
 
-std::optional<SortKey> parseSortKey(std::string_view rawValue)
-{
-    for (const auto& name : sortKeyNames)
-        if (name.rawValue == rawValue)
-            return name.key;
-    return std::nullopt;
-}
-
-std::optional<GridFilter> parseGridFilter(std::string_view rawValue)
-{
-    for (const auto& name : gridFilterNames)
-        if (name.rawValue == rawValue)
-            return name.filter;
-    return std::nullopt;
-}
-
-bool passes(const PhotoItem& item, GridFilter filter)
-{
-    const bool hasPosition = item.latitude && item.longitude;
-    switch (filter) {
-    case GridFilter::unratedOrBetter:
-        return !item.isRejected();
-    case GridFilter::starred:
-        return item.rating > 0;
-    case GridFilter::flagged:
-        return item.flagged;
-    case GridFilter::rejected:
-        return item.isRejected();
-    case GridFilter::videos:
-        return fileKind(item.filename) == FileKind::video;
-    case GridFilter::hasGPS:
-        return hasPosition;
-    case GridFilter::noGPS:
-        return !hasPosition;
-    case GridFilter::hasAlt:
-        return !item.metadata.altText.empty();
-    case GridFilter::missingAlt:
-        return item.metadata.altText.empty();
-    case GridFilter::adjusted:
-        return item.hasEdits();
-    case GridFilter::playground:
-        return !item.memeJSON.empty();
-    }
-    return true;
-}
-
 bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key)
 {
     const double numberA = numberOf(a, key), numberB = numberOf(b, key);
@@ -91,11 +44,6 @@ bool standsBefore(const PhotoItem& a, const PhotoItem& b, SortKey key)
     if (const int byName = compareNoCase(a.filename, b.filename))
         return byName < 0;
     return a.id < b.id;
-}
-
-PhotoTest testOf(std::optional<GridFilter> filter)
-{
-    return [filter](const PhotoItem& item) { return !filter || passes(item, *filter); };
 }
 
 namespace {

@@ -150,10 +150,7 @@ bool DateTest::holds(const PhotoItem& item) const
 
 bool VideoTest::holds(const PhotoItem& item) const
 {
-    const auto extension = extensionOf(item.filename);
-    const bool isVideo = std::any_of(videoExtensions.begin(), videoExtensions.end(),
-        [&](std::string_view video) { return compareNoCase(extension, video) == 0; });
-    return isVideo == wanted;
+    return isVideo(item.filename) == wanted;
 }
 
 bool FileTypeTest::holds(const PhotoItem& item) const

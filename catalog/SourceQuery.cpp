@@ -28,7 +28,7 @@ constexpr std::string_view idsAbove
     = "WITH RECURSIVE above(id) AS (VALUES (p.project_id) UNION SELECT parent_id FROM projects "
       "JOIN above USING (id)) SELECT id FROM above";
 
-std::string isVideo()
+std::string videosOnly()
 {
     std::string tests;
     for (const auto extension : videoExtensions)
@@ -52,7 +52,7 @@ std::string conditionOf(Kind kind)
     case Kind::flagged:
         return " AND p.flagged = 1";
     case Kind::videos:
-        return isVideo();
+        return videosOnly();
     case Kind::faces:
         return " AND p.id IN (SELECT photo_id FROM faces)";
     case Kind::places:

@@ -19,18 +19,16 @@ struct ListArguments {
 };
 
 /// Adds an option that is one of the names; another word is refused with all of them.
-template <typename T, std::size_t N, typename Entry>
-CLI::Option* addChoice(CLI::App& sub, const char* option, const char* noun, std::optional<T>& choice,
-    const std::array<Entry, N>& names, T Entry::*value)
+template <NamedEnum E>
+CLI::Option* addChoice(CLI::App& sub, const char* option, const char* noun, std::optional<E>& choice)
 {
-    std::vector<std::string_view> rawValues;
-    std::ranges::transform(names, std::back_inserter(rawValues), &Entry::rawValue);
-    const auto all = fmt::format("{}", fmt::join(rawValues, ", "));
-    const auto take = [=, &choice, &names](const std::string& text) {
-        const auto found = std::ranges::find(names, text, &Entry::rawValue);
-        if (found == names.end())
+    std::vector<std::string_view> names;
+    std::ranges::transform(casesOf<E>, std::back_inserter(names), &EnumCase<E>::name);
+    const auto all = fmt::format("{}", fmt::join(names, ", "));
+    const auto take = [=, &choice](const std::string& text) {
+        choice = caseNamed<E>(text);
+        if (!choice)
             throw CLI::ValidationError(fmt::format("\"{}\" is no {}: use {}", text, noun, all));
-        choice = *found.*value;
     };
     return sub.add_option_function<std::string>(option, take, all);
 }
@@ -38,9 +36,8 @@ CLI::Option* addChoice(CLI::App& sub, const char* option, const char* noun, std:
 void addListArguments(CLI::App& sub, ListArguments& arguments)
 {
     sub.add_option("--source", arguments.source, sourceNames());
-    addChoice(sub, "--sort", "sort key", arguments.sort, sortKeyNames, &SortKeyName::key)->type_name("KEY");
-    addChoice(sub, "--filter", "filter", arguments.filter, gridFilterNames, &GridFilterName::filter)
-        ->type_name("FILTER");
+    addChoice(sub, "--sort", "sort key", arguments.sort)->type_name("KEY");
+    addChoice(sub, "--filter", "filter", arguments.filter)->type_name("FILTER");
 }
 
 void printPhoto(const Context& context, const PhotoItem& item)

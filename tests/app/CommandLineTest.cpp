@@ -100,8 +100,8 @@ TEST_F(CommandLine, theManualTellsWhatTheHelpTells)
                 << name << ": " << told;
         }
     }
-    for (const auto& filter : gridFilterNames)
-        EXPECT_NE(entries.at("list").find(filter.rawValue), manual.npos) << filter.rawValue;
+    for (const auto& [filter, word] : casesOf<GridFilter>)
+        EXPECT_NE(entries.at("list").find(word), manual.npos) << word;
     const auto sources = manual.substr(manual.find(".SH SOURCES"), 300), names = sourceNames();
     for (const auto name : split(names, ','))
         EXPECT_NE(sources.find(trimmed(name.substr(0, name.find("ID")))), sources.npos) << name;

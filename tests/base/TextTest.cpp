@@ -1,18 +1,10 @@
 #include "base/Text.h"
-#include "catalog/KeywordList.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
 namespace korvo {
-
-TEST(Text, keywordsAreCutAtCommasTrimmedAndNeverEmpty)
-{
-    EXPECT_EQ(splitKeywords(" a,b ,, c d ,"), (std::vector<std::string>{"a", "b", "c d"}));
-    EXPECT_EQ(splitKeywords(""), std::vector<std::string>{});
-    EXPECT_EQ(joinKeywords({"a", "c d"}), "a, c d");
-}
 
 TEST(Text, whatIsShownGivesTerminalsNoOrders)
 {

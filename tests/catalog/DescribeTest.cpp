@@ -58,6 +58,13 @@ TEST(CommonMetadata, keywordsInCommonAreThoseOfAllPhotos)
     }
 }
 
+TEST(KeywordList, isCutAtCommasTrimmedAndNeverEmpty)
+{
+    EXPECT_EQ(splitKeywords(" a,b ,, c d ,"), (std::vector<std::string>{"a", "b", "c d"}));
+    EXPECT_EQ(splitKeywords(""), std::vector<std::string>{});
+    EXPECT_EQ(joinKeywords({"a", "c d"}), "a, c d");
+}
+
 TEST(KeywordEdit, isWhatWasAddedAndTakenAway)
 {
     const auto edit = keywordEdit("a, b", "b,c ,, c, d");

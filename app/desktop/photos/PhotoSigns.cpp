@@ -21,11 +21,6 @@ struct Badge {
     const char* words; // with a place for the number, if there is one
 };
 
-bool isVideo(const PhotoItem& item)
-{
-    return fileKind(item.filename) == FileKind::video;
-}
-
 /// From the right.
 std::vector<Badge> badgesOf(const PhotoItem& item, const PhotoSigns& signs)
 {
@@ -42,7 +37,7 @@ std::vector<Badge> badgesOf(const PhotoItem& item, const PhotoSigns& signs)
     add(versions > 1, {versionsGlyph, versions, theme::text, "%1 versions"});
     add(signs.stackSize > 0, {stackGlyph, signs.stackSize, theme::text, "stack of %1"});
     add(item.latitude && item.longitude, {pinGlyph, 0, theme::text, "with a position"});
-    add(isVideo(item), {playGlyph, 0, theme::text, "video"});
+    add(isVideo(item.filename), {playGlyph, 0, theme::text, "video"});
     return badges;
 }
 

@@ -211,14 +211,14 @@ void Toolbar::addFilterAndSort()
     filter_->setAccessibleName("Filter");
     filter_->setToolTip("Which photos are shown");
     filter_->addItem("All", -1);
-    for (const auto& [filter, raw, title] : gridFilterNames)
-        filter_->addItem(qt(title), static_cast<int>(filter));
+    for (const auto& [filter, name] : casesOf<GridFilter>)
+        filter_->addItem(qt(titleOf(filter)), static_cast<int>(filter));
     sort_ = new QComboBox;
     sort_->setAccessibleName("Order");
     sort_->setToolTip("The order of the photos");
     sort_->addItem("As in the Source", -1);
-    for (const auto& [key, raw, title] : sortKeyNames)
-        sort_->addItem(qt(title), static_cast<int>(key));
+    for (const auto& [key, name] : casesOf<SortKey>)
+        sort_->addItem(qt(titleOf(key)), static_cast<int>(key));
     for (auto* const box : {filter_, sort_}) {
         box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         connect(box, &QComboBox::activated, this, [this] { arrange(); });
