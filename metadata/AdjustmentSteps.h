@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalog/store/UndoHistory.h"
-#include "metadata/FileAdjustments.h"
+#include "metadata/DatesAndPlaces.h"
 
 #include <map>
 #include <set>

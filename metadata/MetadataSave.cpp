@@ -6,8 +6,8 @@
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"
+#include "metadata/FileFields.h"
 #include "metadata/MetadataError.h"
-#include "metadata/MetadataFiles.h"
 #include "metadata/exiftool/KeptExifTool.h"
 #include "platform/ApertureBundles.h"
 

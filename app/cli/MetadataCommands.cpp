@@ -3,8 +3,8 @@
 #include "base/Text.h"
 #include "catalog/UserText.h"
 #include "metadata/Backfill.h"
+#include "metadata/DatesAndPlaces.h"
 #include "metadata/DescriptiveReader.h"
-#include "metadata/FileAdjustments.h"
 #include "metadata/MetadataSave.h"
 #include "metadata/MetadataWriteBack.h"
 

@@ -1,7 +1,7 @@
 #include "metadata/MetadataSave.h"
 
 #include "metadata/DescriptiveReader.h"
-#include "metadata/MetadataFiles.h"
+#include "metadata/FileFields.h"
 #include "tests/metadata/ExifTool.h"
 #include "tests/metadata/FakeTool.h"
 #include "tests/support/TestLibrary.h"

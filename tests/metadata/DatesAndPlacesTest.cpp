@@ -1,6 +1,6 @@
-#include "metadata/FileAdjustments.h"
+#include "metadata/DatesAndPlaces.h"
 
-#include "metadata/MetadataFiles.h"
+#include "metadata/FileFields.h"
 #include "tests/metadata/FakeExifTool.h"
 #include "tests/support/TestLibrary.h"
 
@@ -37,7 +37,7 @@ struct Adjusted : TestLibrary {
 
 } // namespace
 
-TEST(FileAdjustments, shiftTheDatesOfPhotosOnceInCatalogAndFiles)
+TEST(DatesAndPlaces, shiftTheDatesOfPhotosOnceInCatalogAndFiles)
 {
     Adjusted library;
     const auto photo = library.add("a.jpg"), undated = library.add("b.jpg");
@@ -56,7 +56,7 @@ TEST(FileAdjustments, shiftTheDatesOfPhotosOnceInCatalogAndFiles)
     EXPECT_EQ(library.item(photo).captureDate, *date + 90);
 }
 
-TEST(FileAdjustments, setAndTakePositions)
+TEST(DatesAndPlaces, setAndTakePositions)
 {
     Adjusted library;
     const auto photo = library.add("a.jpg"), version = library.version(photo);
@@ -69,7 +69,7 @@ TEST(FileAdjustments, setAndTakePositions)
     EXPECT_TRUE(library.catalog->photosToLocate(10).empty()) << "the file's position does not come back";
 }
 
-TEST(FileAdjustments, countFilesThatFailAndGoOn)
+TEST(DatesAndPlaces, countFilesThatFailAndGoOn)
 {
     Adjusted library;
     const auto first = library.add("a.jpg"), second = library.add("b.jpg"), gone = library.add("gone.jpg");
@@ -81,7 +81,7 @@ TEST(FileAdjustments, countFilesThatFailAndGoOn)
     EXPECT_EQ(result.failures.front().message, (library.folder / "a.jpg").string() + ": Error: no");
 }
 
-TEST(FileAdjustments, tellWhatIsDoneWhenTheCatalogFails)
+TEST(DatesAndPlaces, tellWhatIsDoneWhenTheCatalogFails)
 {
     Adjusted library;
     const auto first = library.add("a.jpg"), second = library.add("b.jpg"), third = library.add("c.jpg");
@@ -94,7 +94,7 @@ TEST(FileAdjustments, tellWhatIsDoneWhenTheCatalogFails)
     EXPECT_EQ(library.exiftool.calls(), Texts{"-AllDates+=0:0:0 0:0:1 a.jpg"});
 }
 
-TEST(FileAdjustments, doNothingWithoutTheToolOrOnceStopped)
+TEST(DatesAndPlaces, doNothingWithoutTheToolOrOnceStopped)
 {
     Adjusted library;
     const auto photo = library.add("a.jpg");

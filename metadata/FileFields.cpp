@@ -1,4 +1,4 @@
-#include "metadata/MetadataFiles.h"
+#include "metadata/FileFields.h"
 
 #include "base/Json.h"
 #include "base/Text.h"

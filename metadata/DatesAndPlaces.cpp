@@ -1,11 +1,11 @@
-#include "metadata/FileAdjustments.h"
+#include "metadata/DatesAndPlaces.h"
 
 #include "base/PathFailure.h"
 #include "catalog/UserText.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
-#include "metadata/MetadataFiles.h"
+#include "metadata/FileFields.h"
 #include "platform/ApertureBundles.h"
 
 namespace korvo {
