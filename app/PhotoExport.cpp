@@ -1,8 +1,7 @@
 #include "app/PhotoExport.h"
 
 #include "base/Uuid.h"
-#include "metadata/MetadataError.h"
-#include "metadata/containers/Containers.h"
+#include "metadata/DescriptiveReader.h"
 #include "platform/ApertureBundles.h"
 #include "platform/FileSync.h"
 #include "platform/PosixFile.h"
@@ -77,25 +76,6 @@ private:
     fs::path path_;
 };
 
-bool hasExif(const fs::path& file)
-try {
-    FileWindow window(file);
-    const auto blocks = findMetadata(window);
-    return blocks && (blocks->exif || blocks->exifDirectory || blocks->gpsDirectory || blocks->furtherExif);
-} catch (const MetadataError&) { // then there is none to be kept
-    return false;
-}
-
-/// What no longer holds of the picture as it is written: its turn, its size, its colours, its thumbnail.
-ExifToolArguments copyArguments(const ExportJob& job, const EncodedPhoto& photo, const fs::path& file)
-{
-    auto arguments = copyCameraExifArguments(fs::absolute(job.render.file), file, Position::keep);
-    arguments.insert(arguments.end() - 1,
-        {"-IFD1:all=", "-Orientation#=1", "-ColorSpace#=1", "-ExifImageWidth=" + std::to_string(photo.width),
-            "-ExifImageHeight=" + std::to_string(photo.height)});
-    return arguments;
-}
-
 } // namespace
 
 ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const ExportJob& job,
@@ -110,7 +90,9 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
     file.write(Bytes(photo.bytes));
     if (hasExif(job.render.file))
         try {
-            tool.run(copyArguments(job, photo, file.path()), stop);
+            tool.run(
+                exportedExifArguments(fs::absolute(job.render.file), file.path(), photo.width, photo.height),
+                stop);
         } catch (const ExifToolError& error) { // the picture itself is whole
             result.exifFailure = error.what();
         }

@@ -4,6 +4,7 @@
 #include "metadata/ExifTagReader.h"
 #include "metadata/ForeignText.h"
 #include "metadata/Iptc.h"
+#include "metadata/MetadataError.h"
 #include "metadata/Xmp.h"
 #include "metadata/containers/Containers.h"
 
@@ -58,6 +59,15 @@ DescriptiveFields descriptiveFields(FileWindow& file, const MetadataBlocks& bloc
 DescriptiveFields readDescriptive(const std::filesystem::path& file)
 {
     return readFileMetadata(file).descriptive;
+}
+
+bool hasExif(const std::filesystem::path& path)
+try {
+    FileWindow file(path);
+    const auto blocks = findMetadata(file);
+    return blocks && (blocks->exif || blocks->exifDirectory || blocks->gpsDirectory || blocks->furtherExif);
+} catch (const MetadataError&) { // then there is none to be kept
+    return false;
 }
 
 bool hasDamagedXmp(const std::filesystem::path& path)

@@ -23,6 +23,9 @@ DescriptiveFields readDescriptive(const std::filesystem::path& file);
 /// likewise.
 FileMetadata readFileMetadata(const std::filesystem::path& file);
 
+/// Whether the file holds EXIF that can be found.
+bool hasExif(const std::filesystem::path& file);
+
 /// Whether the file's XMP is damaged, so that whoever writes it anew drops what stands behind the damage.
 /// Throws MetadataError likewise.
 bool hasDamagedXmp(const std::filesystem::path& file);

@@ -133,12 +133,13 @@ ExifToolArguments stripGPSArguments(const std::filesystem::path& file)
     return changeOf(file, {"-GPS:all="});
 }
 
-ExifToolArguments copyCameraExifArguments(
-    const std::filesystem::path& source, const std::filesystem::path& destination, Position position)
+ExifToolArguments exportedExifArguments(
+    const std::filesystem::path& source, const std::filesystem::path& picture, int width, int height)
 {
-    if (position == Position::strip)
-        return changeOf(destination, {"-TagsFromFile", sourceArgument(source), "-EXIF:all", "-GPS:all="});
-    return changeOf(destination, {"-TagsFromFile", sourceArgument(source), "-EXIF:all"});
+    return changeOf(picture,
+        {"-TagsFromFile", sourceArgument(source), "-EXIF:all", "-IFD1:all=", "-Orientation#=1",
+            "-ColorSpace#=1", "-ExifImageWidth=" + std::to_string(width),
+            "-ExifImageHeight=" + std::to_string(height)});
 }
 
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments)

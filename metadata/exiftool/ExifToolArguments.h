@@ -14,8 +14,6 @@ namespace korvo {
 /// What exiftool is called with, without the program itself.
 using ExifToolArguments = std::vector<std::string>;
 
-enum class Position { keep, strip };
-
 /// Asks for the descriptive fields of files, as JSON.
 ExifToolArguments readArguments(std::span<const std::filesystem::path> files);
 /// Makes a file hold exactly these fields; an empty one deletes its tags.
@@ -24,8 +22,10 @@ ExifToolArguments writeArguments(const PhotoMetadata& metadata, const std::files
 ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::path& file);
 ExifToolArguments writeGPSArguments(const Coordinate& position, const std::filesystem::path& file);
 ExifToolArguments stripGPSArguments(const std::filesystem::path& file);
-ExifToolArguments copyCameraExifArguments(
-    const std::filesystem::path& source, const std::filesystem::path& destination, Position position);
+/// Copies a photo's EXIF into a picture that was made of it, but for what no longer holds: the turn, the
+/// size, the colours and the thumbnail.
+ExifToolArguments exportedExifArguments(
+    const std::filesystem::path& source, const std::filesystem::path& picture, int width, int height);
 
 /// The arguments as lines for the tool's option -@. Nothing when a file's name cannot be given that way.
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments);
