@@ -3,7 +3,7 @@
 #include "imports/ImportCopy.h"
 #include "imports/ImportFolder.h"
 #include "imports/ImportNames.h"
-#include "imports/ImportRun.h"
+#include "imports/ImportOutcome.h"
 
 #include <cstdint>
 #include <map>

@@ -1,22 +1,12 @@
 #pragma once
 
-#include "base/PathFailure.h"
-#include "imports/ImportPlan.h"
+#include "imports/ImportOutcome.h"
 
 #include <cstddef>
 #include <functional>
 #include <stop_token>
-#include <vector>
 
 namespace korvo {
-
-/// What became of the picked files.
-struct ImportResult : AddedRows {
-    std::size_t known = 0; // referenced files that the library has already
-    std::vector<PathFailure> failures;
-    bool cancelled = false;
-    std::string broken; // why the run ended before all was tried; else empty
-};
 
 /// Called with the number, from 1, of the file that is about to be copied; on any thread, one call at a time.
 using ImportProgress = std::function<void(std::size_t index)>;

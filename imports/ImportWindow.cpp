@@ -6,28 +6,6 @@
 
 namespace korvo {
 
-std::string nameOf(const Source& source)
-{
-    switch (source.kind) {
-    case Source::Kind::volume:
-        return source.volume.name;
-    case Source::Kind::camera:
-        return "Camera";
-    case Source::Kind::chosen:
-        break;
-    }
-    if (source.chosen.size() != 1)
-        return counted(source.chosen.size(), "place");
-    const auto path = source.chosen.front().lexically_normal();
-    return (path.has_filename() ? path : path.parent_path()).filename().string();
-}
-
-bool mustCopy(const Source& source)
-{
-    return source.kind == Source::Kind::camera
-        || (source.kind == Source::Kind::volume && source.volume.isCard);
-}
-
 std::optional<std::string_view> paneText(ListingState state, const ImportListing& listing)
 {
     if (state == ListingState::nothingChosen)

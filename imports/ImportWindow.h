@@ -1,35 +1,16 @@
 #pragma once
 
 #include "imports/ImportPlan.h"
-#include "imports/VolumeWatcher.h"
 
 #include <array>
 #include <cstddef>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace korvo {
 
-/// What the import window shows and says.
-
-/// What the user chose to import from.
-struct Source {
-    enum class Kind { volume, camera, chosen };
-
-    Kind kind = Kind::chosen;
-    Volume volume; // of the kind volume
-    std::string port; // of the kind camera: where it is connected
-    std::vector<std::filesystem::path> chosen; // files and folders
-};
-
-/// The source's name in the progress: the volume's, "Camera", or the chosen folder's or file's.
-std::string nameOf(const Source& source);
-
-/// Whether the files of a source must be copied: a card goes back into the camera.
-bool mustCopy(const Source& source);
+// What the import window shows and says.
 
 namespace importWindow {
 

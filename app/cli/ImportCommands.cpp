@@ -1,6 +1,8 @@
-#include "app/PhotoImport.h"
+#include "app/ImportPhotos.h"
 #include "app/cli/Commands.h"
 #include "app/cli/Progress.h"
+#include "imports/ImportOptions.h"
+#include "imports/ImportWindow.h"
 #include "platform/linux/LinuxVolumes.h"
 
 #include <fmt/format.h>
@@ -46,12 +48,12 @@ void addImportArguments(CLI::App& sub, ImportArguments& import)
 constexpr std::string_view cameraWord = "camera";
 
 /// "camera" for the one that is connected, "camera:PORT" for one of several, else files and folders.
-Source sourceOf(const std::vector<std::string>& names)
+ImportSource sourceOf(const std::vector<std::string>& names)
 {
     if (names.size() == 1 && names.front() == cameraWord)
-        return {.kind = Source::Kind::camera};
+        return {.kind = ImportSource::Kind::camera};
     if (names.size() == 1 && names.front().starts_with("camera:"))
-        return {.kind = Source::Kind::camera, .port = names.front().substr(cameraWord.size() + 1)};
+        return {.kind = ImportSource::Kind::camera, .port = names.front().substr(cameraWord.size() + 1)};
     LinuxVolumes volumes;
     return sourceOf({names.begin(), names.end()}, knownVolumes(volumes));
 }

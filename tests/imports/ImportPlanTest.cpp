@@ -1,5 +1,6 @@
 #include "catalog/ImportMemory.h"
 #include "imports/FolderFiles.h"
+#include "imports/ImportSource.h"
 #include "imports/ImportWindow.h"
 #include "tests/support/TestLibrary.h"
 
@@ -103,10 +104,11 @@ TEST(ImportWindow, saysWhatHappens)
 {
     EXPECT_EQ(statusText(1), "Copying 1 file…");
     EXPECT_EQ(statusText(2), "Copying 2 files…");
-    const Source card{.kind = Source::Kind::volume, .volume = {"/media/EOS", "EOS_DIGITAL", true}};
+    const ImportSource card{
+        .kind = ImportSource::Kind::volume, .volume = {"/media/EOS", "EOS_DIGITAL", true}};
     EXPECT_EQ(progressText(5, 300, nameOf(card)), "Copying 5 of 300 from EOS_DIGITAL");
-    EXPECT_EQ(nameOf({.kind = Source::Kind::camera}), "Camera");
-    EXPECT_EQ(nameOf({.kind = Source::Kind::chosen, .chosen = {"/a/Trip/"}}), "Trip");
+    EXPECT_EQ(nameOf({.kind = ImportSource::Kind::camera}), "Camera");
+    EXPECT_EQ(nameOf({.kind = ImportSource::Kind::chosen, .chosen = {"/a/Trip/"}}), "Trip");
     EXPECT_EQ(ejectText("EOS", std::nullopt), "EOS ejected.");
     EXPECT_EQ(ejectText("EOS", "it is busy"), "Couldn't eject EOS: it is busy");
     EXPECT_TRUE(mustCopy(card));

@@ -1,4 +1,7 @@
 #include "imports/ImportSource.h"
+#include "imports/ImportOptions.h"
+#include "imports/ImportOutcome.h"
+#include "imports/ImportWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +12,8 @@ namespace {
 using Files = ImportOptions::Files;
 using Project = ImportOptions::Project;
 
-const Source card{.kind = Source::Kind::volume, .volume = {"/media/card", "EOS_DIGITAL", true}};
-const Source drive{.kind = Source::Kind::volume, .volume = {"/media/drive", "Disk", false}};
+const ImportSource card{.kind = ImportSource::Kind::volume, .volume = {"/media/card", "EOS_DIGITAL", true}};
+const ImportSource drive{.kind = ImportSource::Kind::volume, .volume = {"/media/drive", "Disk", false}};
 
 ImportListing listing()
 {
@@ -23,7 +26,7 @@ ImportListing listing()
 TEST(ImportSource, whatTheUserChoseBecomesAPlan)
 {
     struct Case {
-        Source source;
+        ImportSource source;
         ImportOptions options;
         std::optional<std::filesystem::path> copyTo, card;
     };

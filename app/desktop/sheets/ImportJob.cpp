@@ -1,5 +1,7 @@
 #include "app/desktop/sheets/ImportJob.h"
 
+#include "imports/ImportWindow.h"
+
 namespace korvo {
 
 std::shared_ptr<Job> startImport(

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/PhotoImport.h"
+#include "app/ImportPhotos.h"
 #include "app/desktop/Desktop.h"
 
 namespace korvo {

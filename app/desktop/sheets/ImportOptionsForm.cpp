@@ -7,6 +7,7 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/window/MainWindow.h"
 #include "base/Json.h"
+#include "imports/ImportWindow.h"
 #include "imports/NamingPreset.h"
 
 #include <QCheckBox>
@@ -195,10 +196,10 @@ void ImportOptionsForm::addTexts()
     keywords_ = addLine(qt(importWindow::keywords), qt(importWindow::keywordsHint));
 }
 
-void ImportOptionsForm::setSource(const Source& source)
+void ImportOptionsForm::setSource(const ImportSource& source)
 {
     mustCopy_ = mustCopy(source);
-    canEject_ = source.kind == Source::Kind::volume;
+    canEject_ = source.kind == ImportSource::Kind::volume;
     refresh();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/desktop/Desktop.h"
-#include "imports/ImportSource.h"
+#include "imports/ImportOptions.h"
 #include "imports/Naming.h"
 
 #include <QWidget>
@@ -30,7 +30,7 @@ public:
     /// and whether duplicates are taken. Throws std::system_error.
     void keep() const;
     /// Offers what fits the source, and an example of a name with one of its files.
-    void setSource(const Source& source);
+    void setSource(const ImportSource& source);
     void setExample(const Candidate* candidate, std::size_t total);
 
     std::function<void()> duplicatesChanged;

@@ -8,6 +8,7 @@
 #include "app/desktop/sheets/SourceList.h"
 #include "base/Text.h"
 #include "catalog/UserText.h"
+#include "imports/ImportWindow.h"
 
 #include <QFileDialog>
 #include <QProgressBar>
@@ -41,7 +42,7 @@ private:
     QLayout* makeBottom();
     void chooseFolder();
     void chooseFiles();
-    void list(const Source& source);
+    void list(const ImportSource& source);
     void forgetSource();
     CandidateList::PictureOf pictures();
     std::shared_ptr<FileSource> stopListing();
@@ -57,7 +58,7 @@ private:
 
     MainWindow& window_;
     Desktop& desktop_;
-    Source source_;
+    ImportSource source_;
     ListingState state_ = ListingState::nothingChosen;
     Listed listed_;
     std::unique_ptr<SourcePreviews> previews_; // of a camera
@@ -112,7 +113,7 @@ QWidget* ImportSheet::makeSources()
     auto* const layout = new QVBoxLayout(column);
     layout->setContentsMargins(6, 8, 6, 8);
     sources_ = new SourceList(desktop_);
-    sources_->chosen = [this](const Source& source) { list(source); };
+    sources_->chosen = [this](const ImportSource& source) { list(source); };
     sources_->gone = [this] { forgetSource(); };
     layout->addWidget(sources_, 1);
     const auto add = [&](const QString& text, void (ImportSheet::*act)()) {
@@ -217,7 +218,7 @@ void ImportSheet::chooseFiles()
         sources_->add(paths);
 }
 
-void ImportSheet::list(const Source& source)
+void ImportSheet::list(const ImportSource& source)
 {
     auto earlier = stopListing();
     source_ = source;
@@ -279,7 +280,7 @@ void ImportSheet::listed(Listed found)
 /// A camera's are fetched from it; other files are pictures themselves.
 CandidateList::PictureOf ImportSheet::pictures()
 {
-    if (source_.kind != Source::Kind::camera || !listed_.files)
+    if (source_.kind != ImportSource::Kind::camera || !listed_.files)
         return [](const SourceFile& file) { return file.path; };
     previews_ = std::make_unique<SourcePreviews>(
         desktop_.mainThread(), listed_.files, [this] { candidates_->refresh(); });

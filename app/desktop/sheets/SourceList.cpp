@@ -2,6 +2,7 @@
 
 #include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
+#include "imports/ImportWindow.h"
 
 #include <QResizeEvent>
 #include <QStyle>
@@ -14,7 +15,7 @@ constexpr int betweenCameraLooks = 5000; // milliseconds
 constexpr int sourceRole = Qt::UserRole;
 
 /// Tells a source from all others.
-std::string keyOf(const Source& source)
+std::string keyOf(const ImportSource& source)
 {
     std::string key
         = std::to_string(static_cast<int>(source.kind)) + source.volume.url.native() + source.port;
@@ -23,11 +24,11 @@ std::string keyOf(const Source& source)
     return key;
 }
 
-QStyle::StandardPixmap iconOf(const Source& source)
+QStyle::StandardPixmap iconOf(const ImportSource& source)
 {
-    if (source.kind == Source::Kind::volume)
+    if (source.kind == ImportSource::Kind::volume)
         return source.volume.isCard ? QStyle::SP_DriveFDIcon : QStyle::SP_DriveHDIcon;
-    return source.kind == Source::Kind::camera ? QStyle::SP_ComputerIcon : QStyle::SP_DirIcon;
+    return source.kind == ImportSource::Kind::camera ? QStyle::SP_ComputerIcon : QStyle::SP_DirIcon;
 }
 
 } // namespace
@@ -120,20 +121,20 @@ void SourceList::camerasFound(std::vector<ConnectedCamera> cameras, std::string 
     fill();
 }
 
-std::vector<Source> SourceList::volumeSources() const
+std::vector<ImportSource> SourceList::volumeSources() const
 {
-    std::vector<Source> sources;
+    std::vector<ImportSource> sources;
     if (watcher_)
         for (const auto& volume : watcher_->volumes())
-            sources.push_back({.kind = Source::Kind::volume, .volume = volume});
+            sources.push_back({.kind = ImportSource::Kind::volume, .volume = volume});
     return sources;
 }
 
-std::vector<Source> SourceList::cameraSources() const
+std::vector<ImportSource> SourceList::cameraSources() const
 {
-    std::vector<Source> sources;
+    std::vector<ImportSource> sources;
     for (const auto& camera : cameras_)
-        sources.push_back({.kind = Source::Kind::camera, .port = camera.port});
+        sources.push_back({.kind = ImportSource::Kind::camera, .port = camera.port});
     return sources;
 }
 
@@ -146,7 +147,7 @@ void SourceList::fill()
     fillSection(1, cameraSources(), cameraFault_);
     fillSection(2, added_, {});
     expandAll();
-    const auto isCurrent = [this](const Source& source) { return keyOf(source) == current_; };
+    const auto isCurrent = [this](const ImportSource& source) { return keyOf(source) == current_; };
     if (current_ && std::none_of(listed_.begin(), listed_.end(), isCurrent)) {
         current_.reset();
         gone();
@@ -154,7 +155,7 @@ void SourceList::fill()
 }
 
 void SourceList::fillSection(
-    std::size_t section, const std::vector<Source>& sources, const std::string& fault)
+    std::size_t section, const std::vector<ImportSource>& sources, const std::string& fault)
 {
     const auto& [title, emptyText] = importWindow::sections[section];
     auto* const heading = new QTreeWidgetItem(this, {qt(title)});
@@ -173,7 +174,7 @@ void SourceList::fillSection(
     }
     for (std::size_t i = 0; i < sources.size(); ++i) {
         const auto& source = sources[i];
-        const auto name = source.kind == Source::Kind::camera ? cameras_[i].name : nameOf(source);
+        const auto name = source.kind == ImportSource::Kind::camera ? cameras_[i].name : nameOf(source);
         auto* const item = new QTreeWidgetItem(heading, {qt(name)});
         item->setIcon(0, style()->standardIcon(iconOf(source)));
         item->setData(0, sourceRole, static_cast<int>(listed_.size()));
@@ -200,7 +201,7 @@ void SourceList::choose(QTreeWidgetItem* item)
 void SourceList::add(const std::vector<std::filesystem::path>& paths)
 {
     const auto source = sourceOf(paths, watcher_ ? watcher_->volumes() : std::vector<Volume>());
-    std::erase_if(added_, [&](const Source& other) { return keyOf(other) == keyOf(source); });
+    std::erase_if(added_, [&](const ImportSource& other) { return keyOf(other) == keyOf(source); });
     added_.push_back(source);
     current_ = keyOf(source);
     fill();

@@ -16,7 +16,7 @@ public:
     explicit SourceList(Desktop& desktop);
     ~SourceList() override;
 
-    std::function<void(const Source&)> chosen;
+    std::function<void(const ImportSource&)> chosen;
     std::function<void()> gone; ///< what was chosen is no longer there
     /// Adds files and folders, and chooses them.
     void add(const std::vector<std::filesystem::path>& paths);
@@ -31,10 +31,10 @@ private:
     void lookForCameras();
     void camerasFound(std::vector<ConnectedCamera> cameras, std::string fault);
     void fill();
-    void fillSection(std::size_t section, const std::vector<Source>& sources, const std::string& fault);
+    void fillSection(std::size_t section, const std::vector<ImportSource>& sources, const std::string& fault);
     void choose(QTreeWidgetItem* item);
-    std::vector<Source> volumeSources() const;
-    std::vector<Source> cameraSources() const;
+    std::vector<ImportSource> volumeSources() const;
+    std::vector<ImportSource> cameraSources() const;
 
     Desktop& desktop_;
     VolumeWatcher* watcher_ = nullptr; // none when the system cannot be watched
@@ -42,8 +42,8 @@ private:
     std::vector<ConnectedCamera> cameras_;
     std::string cameraFault_;
     bool isLooking_ = false; // for cameras
-    std::vector<Source> added_;
-    std::vector<Source> listed_; // by the items' numbers
+    std::vector<ImportSource> added_;
+    std::vector<ImportSource> listed_; // by the items' numbers
     std::optional<std::string> current_; // what is chosen, by name and place
     QTimer cameraTimer_;
     Connection volumesChanged_;

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "imports/ImportSource.h"
+#include "imports/ImportOutcome.h"
+#include "imports/ImportRun.h"
 
 namespace korvo {
 
 /// A source that was opened, and what it holds.
 struct ListedSource {
-    Source source;
+    ImportSource source;
     std::shared_ptr<FileSource> files;
     ImportListing listing;
 };
@@ -14,7 +15,7 @@ struct ListedSource {
 /// Opens a source and lists it; what is picked is for the caller to say. A camera is opened when nobody uses
 /// the source that was listed before any more: it may be the same one, which only one can have. Throws as
 /// openSource() and listImportable().
-ListedSource listSource(const Source& source, Catalog& catalog, const std::stop_token& stop,
+ListedSource listSource(const ImportSource& source, Catalog& catalog, const std::stop_token& stop,
     std::shared_ptr<FileSource> before = {});
 
 /// What came of an import, as the window and the command line tell it.

@@ -1,4 +1,4 @@
-#include "app/PhotoImport.h"
+#include "app/ImportPhotos.h"
 
 #include "platform/linux/LinuxCameras.h"
 #include "platform/linux/LinuxVolumes.h"
@@ -11,7 +11,8 @@ namespace korvo {
 
 namespace {
 
-std::optional<Ejected> eject(const ImportResult& result, const Source& source, const std::stop_token& stop)
+std::optional<Ejected> eject(
+    const ImportResult& result, const ImportSource& source, const std::stop_token& stop)
 {
     struct Ejecting {
         std::mutex mutex;
@@ -36,10 +37,10 @@ std::optional<Ejected> eject(const ImportResult& result, const Source& source, c
 
 } // namespace
 
-ListedSource listSource(
-    const Source& source, Catalog& catalog, const std::stop_token& stop, std::shared_ptr<FileSource> before)
+ListedSource listSource(const ImportSource& source, Catalog& catalog, const std::stop_token& stop,
+    std::shared_ptr<FileSource> before)
 {
-    while (source.kind == Source::Kind::camera && before.use_count() > 1 && !stop.stop_requested())
+    while (source.kind == ImportSource::Kind::camera && before.use_count() > 1 && !stop.stop_requested())
         std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a picture is being fetched from it
     before.reset();
     LinuxCameras cameras;
