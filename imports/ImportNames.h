@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalog/ImportMemory.h"
-#include "imports/ImportPlan.h"
+#include "imports/ImportShots.h"
 #include "imports/Naming.h"
 
 #include <cstdint>

@@ -4,10 +4,8 @@
 #include "base/Text.h"
 #include "catalog/FileTypes.h"
 #include "catalog/ImportMemory.h"
-#include "imports/Naming.h"
 
 #include <algorithm>
-#include <map>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -25,13 +23,6 @@ bool isImportable(std::string_view filename)
     return isLibraryFile(filename) || isSidecar(filename);
 }
 
-/// The base name of the photo that a sidecar belongs to: both "IMG_1.xmp" and "IMG_1.CR3.xmp" are IMG_1's.
-std::string_view sidecarBase(std::string_view filename)
-{
-    const auto name = withoutExtension(filename);
-    return isLibraryFile(name) ? withoutExtension(name) : name;
-}
-
 std::unordered_set<std::string> knownKeys(Catalog& catalog)
 {
     std::unordered_set<std::string> keys;
@@ -40,54 +31,6 @@ std::unordered_set<std::string> knownKeys(Catalog& catalog)
     for (auto& key : ImportMemory(catalog).keys())
         keys.insert(std::move(key));
     return keys;
-}
-
-bool holdsSuffix(const Shot& shot, std::string_view suffix)
-{
-    return std::any_of(shot.files.begin(), shot.files.end(),
-        [&](const Shot::File& file) { return folded(file.suffix) == folded(suffix); });
-}
-
-/// Finds the shot of a folder and a base name.
-using ShotIndex = std::map<std::pair<std::string, std::string>, std::size_t>;
-
-std::string keyAmongTwins(const SourceFile& file, std::size_t twins)
-{
-    return duplicateKey(file) + (twins == 0 ? "" : "|" + std::to_string(twins));
-}
-
-void addPhoto(std::vector<Shot>& shots, ShotIndex& index, const Candidate& candidate)
-{
-    const SourceFile& file = candidate.file;
-    const auto filename = file.path.filename().string();
-    const std::string name(withoutExtension(filename));
-    Shot::File photo{file, filename.substr(name.size()), false, keyAmongTwins(file, candidate.twins)};
-    const auto [entry, isNew] = index.try_emplace({file.path.parent_path().native(), name}, shots.size());
-    // Names that differ in case alone cannot stand beside each other in every folder.
-    if (isNew || holdsSuffix(shots[entry->second], photo.suffix))
-        shots.push_back({name, {std::move(photo)}, {}});
-    else
-        shots[entry->second].files.push_back(std::move(photo));
-}
-
-void addKnown(std::vector<Shot>& shots, ShotIndex& index, const SourceFile& file)
-{
-    const auto filename = file.path.filename().string();
-    const std::string name(withoutExtension(filename));
-    const auto [entry, isNew] = index.try_emplace({file.path.parent_path().native(), name}, shots.size());
-    if (isNew)
-        shots.push_back({name, {}, {}});
-    shots[entry->second].known.push_back({file, filename.substr(name.size())});
-}
-
-void addSidecar(std::vector<Shot>& shots, const ShotIndex& index, const SourceFile& file)
-{
-    const auto filename = file.path.filename().string();
-    const std::string name(sidecarBase(filename));
-    const auto suffix = filename.substr(name.size());
-    const auto found = index.find({file.path.parent_path().native(), name});
-    if (found != index.end() && !holdsSuffix(shots[found->second], suffix))
-        shots[found->second].files.push_back({file, suffix, true});
 }
 
 } // namespace
@@ -101,6 +44,11 @@ std::string duplicateKey(std::string_view filename, std::uint64_t size)
 std::string duplicateKey(const SourceFile& file)
 {
     return duplicateKey(file.path.filename().native(), file.size);
+}
+
+std::string keyAmongTwins(const Candidate& candidate)
+{
+    return duplicateKey(candidate.file) + (candidate.twins == 0 ? "" : "|" + std::to_string(candidate.twins));
 }
 
 ImportListing listImportable(FileSource& source, Catalog& catalog, const std::stop_token& stop)
@@ -120,8 +68,7 @@ ImportListing listImportable(FileSource& source, Catalog& catalog, const std::st
     }
     const auto unfinished = ImportMemory(catalog).unfinished();
     for (Candidate& candidate : listing.candidates)
-        if (seen.at(duplicateKey(candidate.file)) > 1
-            && unfinished.left.contains(keyAmongTwins(candidate.file, candidate.twins)))
+        if (seen.at(duplicateKey(candidate.file)) > 1 && unfinished.left.contains(keyAmongTwins(candidate)))
             candidate.isDuplicate = false;
     return listing;
 }
@@ -142,20 +89,6 @@ ImportPlan planFor(const ImportListing& listing)
             plan.known.push_back(candidate.file);
     plan.sidecars = listing.sidecars;
     return plan;
-}
-
-std::vector<Shot> shots(const ImportPlan& plan)
-{
-    std::vector<Shot> result;
-    ShotIndex index;
-    for (const auto& candidate : plan.files)
-        addPhoto(result, index, candidate);
-    for (const auto& file : plan.known)
-        addKnown(result, index, file);
-    for (const auto& file : plan.sidecars)
-        addSidecar(result, index, file);
-    std::erase_if(result, [](const Shot& shot) { return shot.files.empty(); });
-    return result;
 }
 
 } // namespace korvo

@@ -42,6 +42,9 @@ void pick(std::vector<Candidate>& candidates, Duplicates duplicates);
 std::string duplicateKey(std::string_view filename, std::uint64_t size);
 std::string duplicateKey(const SourceFile& file);
 
+/// The same, and which of those before it in the listing have its key.
+std::string keyAmongTwins(const Candidate& candidate);
+
 /// What an import does, fixed when it starts.
 struct ImportPlan {
     std::vector<Candidate> files; // the picked candidates
@@ -59,24 +62,5 @@ struct ImportPlan {
 
 /// A plan for the picked candidates of a listing, all else as it is at first.
 ImportPlan planFor(const ImportListing& listing);
-
-/// The files of one shot, as a raw file with its JPEG and its ".xmp": they have one folder and one base name,
-/// and get one new name and one number.
-struct Shot {
-    struct File {
-        SourceFile file;
-        std::string suffix; // what follows the base name: ".CR3", ".xmp", ".CR3.xmp"
-        bool isSidecar = false;
-        std::string key; // of photos: tells them from all others of the import
-    };
-
-    std::string name; // the base name
-    std::vector<File> files; // photos first; sidecars alone when the library has the photos already
-    std::vector<File> known; // photos that the library has already
-    std::size_t number = 0; // in the import, from 1
-};
-
-/// The shots of a plan in the order of its files, and behind them those of which sidecars alone are left.
-std::vector<Shot> shots(const ImportPlan& plan);
 
 } // namespace korvo

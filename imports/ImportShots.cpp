@@ -1,14 +1,68 @@
 #include "imports/ImportShots.h"
 
+#include "base/FoldedText.h"
+#include "catalog/FileTypes.h"
 #include "imports/ImportNames.h"
+#include "imports/Naming.h"
 
 #include <algorithm>
+#include <map>
 
 namespace korvo {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+/// The base name of the photo that a sidecar belongs to: both "IMG_1.xmp" and "IMG_1.CR3.xmp" are IMG_1's.
+std::string_view sidecarBase(std::string_view filename)
+{
+    const auto name = withoutExtension(filename);
+    return isLibraryFile(name) ? withoutExtension(name) : name;
+}
+
+bool holdsSuffix(const Shot& shot, std::string_view suffix)
+{
+    return std::any_of(shot.files.begin(), shot.files.end(),
+        [&](const Shot::File& file) { return folded(file.suffix) == folded(suffix); });
+}
+
+/// Finds the shot of a folder and a base name.
+using ShotIndex = std::map<std::pair<std::string, std::string>, std::size_t>;
+
+void addPhoto(std::vector<Shot>& shots, ShotIndex& index, const Candidate& candidate)
+{
+    const SourceFile& file = candidate.file;
+    const auto filename = file.path.filename().string();
+    const std::string name(withoutExtension(filename));
+    Shot::File photo{file, filename.substr(name.size()), false, keyAmongTwins(candidate)};
+    const auto [entry, isNew] = index.try_emplace({file.path.parent_path().native(), name}, shots.size());
+    // Names that differ in case alone cannot stand beside each other in every folder.
+    if (isNew || holdsSuffix(shots[entry->second], photo.suffix))
+        shots.push_back({name, {std::move(photo)}, {}});
+    else
+        shots[entry->second].files.push_back(std::move(photo));
+}
+
+void addKnown(std::vector<Shot>& shots, ShotIndex& index, const SourceFile& file)
+{
+    const auto filename = file.path.filename().string();
+    const std::string name(withoutExtension(filename));
+    const auto [entry, isNew] = index.try_emplace({file.path.parent_path().native(), name}, shots.size());
+    if (isNew)
+        shots.push_back({name, {}, {}});
+    shots[entry->second].known.push_back({file, filename.substr(name.size())});
+}
+
+void addSidecar(std::vector<Shot>& shots, const ShotIndex& index, const SourceFile& file)
+{
+    const auto filename = file.path.filename().string();
+    const std::string name(sidecarBase(filename));
+    const auto suffix = filename.substr(name.size());
+    const auto found = index.find({file.path.parent_path().native(), name});
+    if (found != index.end() && !holdsSuffix(shots[found->second], suffix))
+        shots[found->second].files.push_back({file, suffix, true});
+}
 
 bool isSidecarsAlone(const Shot& shot)
 {
@@ -45,6 +99,20 @@ void note(Catalog& catalog, const std::vector<Shot>& shots, UnfinishedImport imp
 }
 
 } // namespace
+
+std::vector<Shot> shots(const ImportPlan& plan)
+{
+    std::vector<Shot> result;
+    ShotIndex index;
+    for (const auto& candidate : plan.files)
+        addPhoto(result, index, candidate);
+    for (const auto& file : plan.known)
+        addKnown(result, index, file);
+    for (const auto& file : plan.sidecars)
+        addSidecar(result, index, file);
+    std::erase_if(result, [](const Shot& shot) { return shot.files.empty(); });
+    return result;
+}
 
 std::vector<Shot> shotsToImport(Catalog& catalog, const ImportPlan& plan, const fs::path& destination)
 {

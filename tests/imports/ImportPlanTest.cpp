@@ -1,5 +1,6 @@
 #include "catalog/ImportMemory.h"
 #include "imports/FolderFiles.h"
+#include "imports/ImportShots.h"
 #include "imports/ImportSource.h"
 #include "imports/ImportWindow.h"
 #include "tests/support/TestLibrary.h"
