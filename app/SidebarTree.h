@@ -2,7 +2,7 @@
 
 #include "base/Enum.h"
 #include "catalog/LibrarySource.h"
-#include "catalog/store/LibraryStore.h"
+#include "catalog/Tree.h"
 
 namespace korvo {
 
@@ -46,8 +46,7 @@ std::optional<SidebarKey> parseLine(std::string_view text);
 bool canBeRenamed(SidebarNode::Kind kind);
 bool canBeDeleted(SidebarNode::Kind kind);
 bool takesPhotos(const SidebarKey& key);
-/// The project that new projects and albums made at a line belong in: the line's own, or an album's.
-std::optional<std::int64_t> projectAt(const LibraryTree& tree, const SidebarKey& key);
+
 /// Where a line is dropped: into another, or beside it.
 enum class DropAt { into, above, below };
 
@@ -56,18 +55,5 @@ bool canBeMoved(const SidebarKey& what, const SidebarKey& onto, DropAt at = Drop
 /// The lines that a project, an album or a keyword can be moved into, as they stand in the tree; the heading
 /// stands for the top.
 std::vector<SidebarNode> placesFor(const std::vector<SidebarNode>& tree, const SidebarKey& what);
-
-// What is done to a line, each one step of undo. All throw DatabaseError.
-void renameLine(LibraryStore& store, const SidebarKey& key, std::string_view name);
-/// Folders, albums, projects, smart albums and keywords; photos' files always stay.
-void deleteLine(LibraryStore& store, const SidebarKey& key);
-/// Puts photos where they were dropped: into an album, a project, under a keyword, or among the flagged.
-/// Returns a sentence that says so.
-std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<const PhotoID> ids);
-/// Puts a project or an album into a project, a keyword into a keyword, or each at the top when dropped on
-/// its heading; or a project or an album beside another one.
-void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto, DropAt at = DropAt::into);
-/// Puts a project or an album one place further up (-1) or down (1) among its siblings, if there is one.
-void stepLine(LibraryStore& store, const SidebarKey& what, int places);
 
 } // namespace korvo

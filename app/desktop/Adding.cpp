@@ -1,6 +1,7 @@
 #include "app/desktop/Adding.h"
 
 #include "app/AddFiles.h"
+#include "app/SidebarActions.h"
 #include "app/desktop/Desktop.h"
 #include "base/Text.h"
 

@@ -2,6 +2,10 @@
 
 #include "app/SidebarTree.h"
 
+#include <filesystem>
+#include <optional>
+#include <vector>
+
 namespace korvo {
 
 class Desktop;

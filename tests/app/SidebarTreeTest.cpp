@@ -1,4 +1,5 @@
 #include "app/SidebarTree.h"
+#include "app/SidebarActions.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/support/StoreActions.h"
 #include "tests/support/StoreOfPhotos.h"

@@ -1,3 +1,4 @@
+#include "app/SidebarActions.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sidebar/NodeMenu.h"

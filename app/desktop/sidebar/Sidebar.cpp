@@ -1,5 +1,6 @@
 #include "app/desktop/sidebar/Sidebar.h"
 
+#include "app/SidebarActions.h"
 #include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"

@@ -1,5 +1,6 @@
 // What is dragged from the sidebar, and dropped on its lines.
 
+#include "app/SidebarActions.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/photos/PhotoDrag.h"

@@ -1,4 +1,5 @@
 #include "app/desktop/sidebar/Sidebar.h"
+#include "app/SidebarActions.h"
 #include "app/SidebarTree.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/photos/PhotoDrag.h"
