@@ -15,6 +15,7 @@ struct ExportPlan {
     int size = 0; ///< the most pixels of the longer side; 0: as many as there are
     int quality = 90; ///< 1 to 100, of JPEG and WebP
     std::string pattern = "{name}"; ///< of the file names
+    Position position = Position::keep;
 };
 
 /// What became of the photos.

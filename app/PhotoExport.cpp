@@ -90,8 +90,8 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
     file.write(Bytes(photo.bytes));
     if (hasExif(job.render.file))
         try {
-            tool.run(
-                exportedExifArguments(fs::absolute(job.render.file), file.path(), photo.width, photo.height),
+            tool.run(exportedExifArguments(
+                         fs::absolute(job.render.file), file.path(), photo.width, photo.height, job.position),
                 stop);
         } catch (const ExifToolError& error) { // the picture itself is whole
             result.exifFailure = error.what();

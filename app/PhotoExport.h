@@ -2,6 +2,7 @@
 
 #include "app/PhotoRender.h"
 #include "metadata/exiftool/ExifTool.h"
+#include "metadata/exiftool/ExifToolArguments.h"
 
 namespace korvo {
 
@@ -10,6 +11,7 @@ struct ExportJob {
     RenderJob render;
     std::filesystem::path destination; ///< its ending names the format
     int quality = 90;
+    Position position = Position::keep;
 };
 
 /// What was written.

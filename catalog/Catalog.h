@@ -136,6 +136,8 @@ public:
     /// The added folder that a file lies in, the innermost if there are several.
     std::optional<std::int64_t> folderContaining(std::string_view path);
     void removeFolder(std::int64_t id);
+    /// A photo's file has another name, or lies elsewhere.
+    void fileRenamed(PhotoID id, const std::filesystem::path& path);
     std::int64_t createProject(
         std::string_view name, std::string_view kind, std::optional<std::int64_t> parent);
     /// The project of that name that has no parent, made when there is none.

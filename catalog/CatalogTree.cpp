@@ -60,6 +60,14 @@ void Catalog::removeFolder(std::int64_t id)
     transaction.commit();
 }
 
+void Catalog::fileRenamed(PhotoID id, const std::filesystem::path& path)
+{
+    requireAbsolute(path.native());
+    changeRow(database_, "photo", id,
+        "UPDATE photos SET path = ?1, filename = ?2 WHERE id = ?3 OR version_of = ?3", path.native(),
+        path.filename().native(), id);
+}
+
 std::int64_t Catalog::createProject(
     std::string_view name, std::string_view kind, std::optional<std::int64_t> parent)
 {

@@ -31,6 +31,9 @@ void addExportArguments(CLI::App& sub, ExportArguments& arguments)
         ->check(CLI::Range(1, 1'000'000));
     sub.add_option("--quality", plan.quality, "of JPEG and WebP, 1 to 100; 90 unless given")
         ->check(CLI::Range(1, 100));
+    sub.add_flag_callback(
+        "--without-position", [&plan] { plan.position = Position::strip; },
+        "leave out where the photos were taken");
     addPhotos(sub, arguments.photos);
 }
 

@@ -80,7 +80,9 @@ public:
     {
         for (const auto& [what, base] : {std::pair("A slider of an unedited photo", PhotoEdits()),
                  std::pair("A slider of a photo with all adjustments", sixSteps)}) {
-            setEdits(desktop_.store(), std::vector{*desktop_.browser().current()}, base);
+            desktop_.store().perform("Adjust", [&](Catalog& catalog) {
+                catalog.saveEdits(std::vector{*desktop_.browser().current()}, base);
+            });
             print(what, drag(partOf<QSlider>(window_, [](const auto& slider) {
                 return slider.accessibleName() == "Exposure";
             })));

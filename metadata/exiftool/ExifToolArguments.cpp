@@ -23,10 +23,10 @@ std::string fileArgument(const std::filesystem::path& file)
     return file.native().starts_with('-') ? "./" + file.native() : file.native();
 }
 
-ExifToolArguments changeOf(const std::filesystem::path& file, std::initializer_list<std::string> assignments)
+ExifToolArguments changeOf(const std::filesystem::path& file, const ExifToolArguments& assignments)
 {
     auto arguments = change();
-    arguments.insert(arguments.end(), assignments);
+    arguments.insert(arguments.end(), assignments.begin(), assignments.end());
     arguments.push_back(fileArgument(file));
     return arguments;
 }
@@ -133,13 +133,15 @@ ExifToolArguments stripGPSArguments(const std::filesystem::path& file)
     return changeOf(file, {"-GPS:all="});
 }
 
-ExifToolArguments exportedExifArguments(
-    const std::filesystem::path& source, const std::filesystem::path& picture, int width, int height)
+ExifToolArguments exportedExifArguments(const std::filesystem::path& source,
+    const std::filesystem::path& picture, int width, int height, Position position)
 {
-    return changeOf(picture,
-        {"-TagsFromFile", sourceArgument(source), "-EXIF:all", "-IFD1:all=", "-Orientation#=1",
-            "-ColorSpace#=1", "-ExifImageWidth=" + std::to_string(width),
-            "-ExifImageHeight=" + std::to_string(height)});
+    ExifToolArguments arguments{"-TagsFromFile", sourceArgument(source), "-EXIF:all",
+        "-IFD1:all=", "-Orientation#=1", "-ColorSpace#=1", "-ExifImageWidth=" + std::to_string(width),
+        "-ExifImageHeight=" + std::to_string(height)};
+    if (position == Position::strip)
+        arguments.push_back("-GPS:all=");
+    return changeOf(picture, arguments);
 }
 
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments)

@@ -22,10 +22,13 @@ ExifToolArguments writeArguments(const PhotoMetadata& metadata, const std::files
 ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::path& file);
 ExifToolArguments writeGPSArguments(const Coordinate& position, const std::filesystem::path& file);
 ExifToolArguments stripGPSArguments(const std::filesystem::path& file);
+/// Whether where a photo was taken goes along.
+enum class Position { keep, strip };
+
 /// Copies a photo's EXIF into a picture that was made of it, but for what no longer holds: the turn, the
 /// size, the colours and the thumbnail.
-ExifToolArguments exportedExifArguments(
-    const std::filesystem::path& source, const std::filesystem::path& picture, int width, int height);
+ExifToolArguments exportedExifArguments(const std::filesystem::path& source,
+    const std::filesystem::path& picture, int width, int height, Position position);
 
 /// The arguments as lines for the tool's option -@. Nothing when a file's name cannot be given that way.
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments);

@@ -1,4 +1,5 @@
 #include "app/ExportRun.h"
+#include "metadata/ExifReader.h"
 #include "platform/linux/images/SystemImageReader.h"
 #include "tests/support/TestLibrary.h"
 
@@ -38,6 +39,17 @@ struct ExportRun : ::testing::Test, TestLibrary {
 };
 
 } // namespace
+
+TEST_F(ExportRun, leavesOutWherePhotosWereTakenIfAsked)
+{
+    const auto photo
+        = file("a.jpg", readFile(std::filesystem::path(KORVO_TEST_DATA) / "metadata" / "camera.jpg"));
+    for (const auto position : {Position::keep, Position::strip}) {
+        const auto out = folder / (position == Position::keep ? "kept" : "stripped");
+        EXPECT_EQ(run({photo}, {.folder = out, .position = position}).written, 1U);
+        EXPECT_EQ(readGPS(out / "a.jpg").has_value(), position == Position::keep);
+    }
+}
 
 TEST_F(ExportRun, namesByThePatternReplacesNothingAndListsWhatFails)
 {

@@ -1,4 +1,5 @@
 #include "base/Json.h"
+#include "catalog/Versions.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
@@ -213,9 +214,10 @@ TEST(Catalog, twoMastersNeverShareAFileButVersionsDo)
     const auto b = library.photo("b.jpg");
     library.version(a);
     library.version(a, "Version 3");
-    EXPECT_THROW(
-        library.catalog->database().run("UPDATE photos SET path = ? WHERE id = ?", "/photos/a.jpg", b),
-        DatabaseError);
+    EXPECT_THROW(library.catalog->fileRenamed(b, "/photos/a.jpg"), DatabaseError);
+    library.catalog->fileRenamed(a, "/photos/sub/c.jpg");
+    for (const auto& photo : versionsOf(*library.catalog, a))
+        EXPECT_EQ(photo.path(), "/photos/sub/c.jpg");
 }
 
 TEST(Catalog, editsComeBackAndTheIdentityIsStoredAsNothing)

@@ -246,12 +246,14 @@ TEST(Catalog, refusesNamelessThingsRelativePathsAndWhatIsNotThere)
         [&] { catalog.changeSmartAlbum(smart, " ", "{}"); },
         [&] { createVersion(catalog, photo, " ", std::nullopt, 1); },
         [&] { catalog.addFolder("photos", 1); },
+        [&] { catalog.fileRenamed(photo, "b.jpg"); },
         [&] { catalog.addPhotos(std::vector<NewPhoto>{{.path = "b.jpg"}}); },
     };
     for (std::size_t i = 0; i < invalid.size(); ++i)
         EXPECT_THROW(invalid[i](), std::invalid_argument) << i;
     const std::vector<std::function<void()>> unknown = {
         [&] { folderMoved(catalog, 9, "/b"); },
+        [&] { catalog.fileRenamed(9, "/b.jpg"); },
         [&] { catalog.setMetadata(9, {}, WriteBack::done); },
         [&] { catalog.saveComposition(9, "{}"); },
         [&] { catalog.createKeyword("k", 9); },

@@ -307,8 +307,7 @@ TEST(LibraryStore, photosMayChangePlacesAndComeBackWhereAnotherGoes)
     const auto before = contentOf(t.store->catalog());
     t.store->perform("Swap", [](Catalog& catalog) {
         for (const auto& [id, name] : {std::pair{1, "tmp.jpg"}, {2, "a.jpg"}, {1, "b.jpg"}})
-            catalog.database().run("UPDATE photos SET path = ?, filename = ? WHERE id = ?",
-                std::string("/photos/") + name, name, id);
+            catalog.fileRenamed(id, std::string("/photos/") + name);
     });
     t.store->perform("Replace", [](Catalog& catalog) {
         catalog.deletePhotos(only(1));

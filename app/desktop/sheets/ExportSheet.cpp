@@ -10,6 +10,7 @@
 #include "imports/NamingPreset.h"
 #include "platform/AppFolders.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -32,8 +33,9 @@ struct ExportChoice {
     std::int64_t pixels = 2048;
     std::int64_t quality = 90;
     std::string pattern = "{name}";
+    bool withPosition = true;
 };
-KORVO_RECORD(ExportChoice, folder, format, size, pixels, quality, pattern)
+KORVO_RECORD(ExportChoice, folder, format, size, pixels, quality, pattern, withPosition)
 
 namespace {
 
@@ -88,7 +90,8 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     : QDialog(&window), desktop_(window.desktop()), photos_(std::move(photos)),
       folder_(new FolderField("Export to")), format_(new QComboBox), size_(new QComboBox),
       pattern_(new PatternField(desktop_.defaults())), pixels_(spinBox(16, 100000, " pixels")),
-      quality_(spinBox(1, 100, {})), example_(new QLabel)
+      quality_(spinBox(1, 100, {})), withPosition_(new QCheckBox("Keep where the photos were taken")),
+      example_(new QLabel)
 {
     setWindowTitle("Export " + qt(counted(photos_.size(), "Photo")));
     format_->addItems({"JPEG", "PNG", "WebP", "TIFF"}); // in the order of PictureFormat
@@ -108,6 +111,7 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     form->addRow("F&ormat", format_);
     form->addRow("&Quality", quality_);
     form->addRow("Size", row(size_, pixels_));
+    form->addRow(QString(), withPosition_);
     form->addRow("&Names", pattern_);
     form->addRow(QString(), tokens);
     form->addRow(QString(), example_);
@@ -136,12 +140,14 @@ void ExportSheet::load()
     pixels_->setValue(static_cast<int>(choice.pixels));
     quality_->setValue(static_cast<int>(choice.quality));
     pattern_->edit().setText(qt(choice.pattern));
+    withPosition_->setChecked(choice.withPosition);
 }
 
 void ExportSheet::save() const
 {
     const ExportChoice choice{utf8(folder_->edit().text()), chosenIn<PictureFormat>(*format_),
-        chosenIn<ExportSize>(*size_), pixels_->value(), quality_->value(), utf8(pattern_->edit().text())};
+        chosenIn<ExportSize>(*size_), pixels_->value(), quality_->value(), utf8(pattern_->edit().text()),
+        withPosition_->isChecked()};
     desktop_.defaults().set(choiceKey, toJson(choice));
 }
 
@@ -151,7 +157,8 @@ ExportPlan ExportSheet::plan() const
         .format = chosenIn<PictureFormat>(*format_),
         .size = chosenIn<ExportSize>(*size_) == ExportSize::limited ? pixels_->value() : 0,
         .quality = quality_->value(),
-        .pattern = utf8(pattern_->edit().text())};
+        .pattern = utf8(pattern_->edit().text()),
+        .position = withPosition_->isChecked() ? Position::keep : Position::strip};
 }
 
 void ExportSheet::refresh()

@@ -5,6 +5,7 @@
 
 #include <QDialog>
 
+class QCheckBox;
 class QComboBox;
 class QSpinBox;
 class QPushButton;
@@ -37,6 +38,7 @@ private:
     QComboBox *format_, *size_;
     PatternField* pattern_;
     QSpinBox *pixels_, *quality_;
+    QCheckBox* withPosition_;
     QLabel* example_;
     QPushButton* export_;
 };
