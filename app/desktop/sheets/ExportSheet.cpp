@@ -33,7 +33,7 @@ struct ExportChoice {
     std::int64_t pixels = 2048;
     std::int64_t quality = 90;
     std::string pattern = "{name}";
-    bool withPosition = true;
+    std::optional<bool> withPosition; // not in what was kept before there was the choice
 };
 KORVO_RECORD(ExportChoice, folder, format, size, pixels, quality, pattern, withPosition)
 
@@ -140,7 +140,7 @@ void ExportSheet::load()
     pixels_->setValue(static_cast<int>(choice.pixels));
     quality_->setValue(static_cast<int>(choice.quality));
     pattern_->edit().setText(qt(choice.pattern));
-    withPosition_->setChecked(choice.withPosition);
+    withPosition_->setChecked(choice.withPosition.value_or(true));
 }
 
 void ExportSheet::save() const

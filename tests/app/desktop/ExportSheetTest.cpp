@@ -42,11 +42,10 @@ TEST(ExportSheet, remembersWhatWasChosenAndReadsNoOtherVersions)
     for (const auto& [stored, expected] : {std::pair{R"("webp")", PictureFormat::webp},
              {"9", PictureFormat::jpeg}, {R"("heic")", PictureFormat::jpeg}}) {
         t.defaults.set("korvo_export",
-            R"({"folder":"/out","size":"limited","pixels":800,"quality":70,"pattern":"{name}","withPosition":false,"format":)"
+            R"({"folder":"/out","size":"limited","pixels":800,"quality":70,"pattern":"{name}","format":)"
                 + std::string(stored) + "}");
         const auto plan = ExportSheet(*t.window, {t.listed(1)}).plan();
         EXPECT_EQ(plan.format, expected) << stored;
-        EXPECT_EQ(plan.position, expected == PictureFormat::webp ? Position::strip : Position::keep);
         EXPECT_EQ(plan.size, expected == PictureFormat::webp ? 800 : 0);
     }
 }
