@@ -107,14 +107,21 @@ FilesWritten PositionChange::putBack(
         result.touched = {photo};
         result.done = 1;
     }
-    if (!result.failures.empty() || !result.fault.empty() || result.touched.empty())
+    if (!result.fault.empty() || result.touched.empty())
         return result;
-    if (before.wasRead)
-        setInCatalog(catalog, photo, before.inCatalog);
-    else
-        forgetPosition(catalog, photo); // what the file holds is read again
-    before_.erase(photo);
-    inFiles_.erase(photo);
+    try {
+        if (before.wasRead)
+            setInCatalog(catalog, photo, before.inCatalog);
+        else
+            forgetPosition(catalog, photo); // what the file holds is read again
+    } catch (const DatabaseError& error) { // the file is done
+        result.fault = textForUser(error);
+        return result;
+    }
+    if (result.failures.empty()) {
+        before_.erase(photo);
+        inFiles_.erase(photo);
+    }
     return result;
 }
 
@@ -134,7 +141,9 @@ FilesWritten PositionChange::run(UndoWay way, Catalog& catalog, const ExifTool& 
                 way == UndoWay::forth ? give(catalog, photos[i], tool, stop)
                                       : putBack(catalog, photos[i], tool, stop));
         }
-    } catch (const DatabaseError& error) { // what is done must be told
+    } catch (const std::runtime_error& error) { // of the catalog or the tool: what is done must be told
+        if (result.touched.empty())
+            throw;
         result.fault = textForUser(error);
     }
     result.stopped = stop.stop_requested();

@@ -307,6 +307,13 @@ TEST(MetadataWriteBack, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
     store.catalog().setUserPosition(1, 10, 20); // another program has written the file since
     library.writeBack->setPosition(library.ids, Coordinate{48, 11});
     ASSERT_TRUE(library.finish());
+    library.exiftool.failing = "1.jpg";
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(store.list().find(1)->latitude, 10) << "also where the file cannot be put back";
+    library.exiftool.failing.clear();
+    store.redo();
+    ASSERT_TRUE(library.finish());
     store.undo();
     ASSERT_TRUE(library.finish());
     const auto held = readGPS(file);
