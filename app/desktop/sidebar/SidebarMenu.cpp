@@ -1,6 +1,7 @@
 // The menu of a line, which acts on the line that was clicked, whichever is chosen.
 
 #include "app/SidebarActions.h"
+#include "app/desktop/Texts.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
