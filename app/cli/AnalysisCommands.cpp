@@ -1,7 +1,7 @@
-#include "app/AutoAdjust.h"
 #include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOrFile.h"
+#include "app/pictures/AutoAdjust.h"
 #include "edits/HistogramData.h"
 
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #include "aperture/PlistJson.h"
 #include "app/ImportAperture.h"
-#include "app/RenderMatch.h"
 #include "app/SystemTools.h"
 #include "app/cli/Commands.h"
+#include "app/pictures/RenderMatch.h"
 #include "platform/PosixFile.h"
 
 namespace korvo {

@@ -1,7 +1,7 @@
-#include "app/ExportRun.h"
 #include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "app/cli/Progress.h"
+#include "app/pictures/ExportRun.h"
 #include "base/Text.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
-#include "app/PhotoExport.h"
 #include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "app/cli/PhotoOrFile.h"
+#include "app/pictures/PhotoExport.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 #include "app/desktop/Adding.h"
 
 #include "app/AddFiles.h"
-#include "app/SidebarActions.h"
 #include "app/desktop/Desktop.h"
+#include "app/view/SidebarActions.h"
 #include "base/Text.h"
 
 namespace korvo {

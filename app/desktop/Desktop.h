@@ -1,12 +1,12 @@
 #pragma once
 
-#include "app/EditDraft.h"
-#include "app/LiveRenders.h"
 #include "app/Session.h"
 #include "app/SystemTools.h"
 #include "app/desktop/Jobs.h"
 #include "app/desktop/Pictures.h"
 #include "app/desktop/QtMainThread.h"
+#include "app/pictures/LiveRenders.h"
+#include "app/view/EditDraft.h"
 #include "faces/FaceModelStore.h"
 #include "imports/VolumeWatcher.h"
 #include "platform/linux/CurlDownloader.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Previews.h"
+#include "app/pictures/Previews.h"
 #include "base/MainThread.h"
 #include "catalog/PhotoItem.h"
 

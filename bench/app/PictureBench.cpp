@@ -1,8 +1,8 @@
 // Thumbnails and whole exports of 24-megapixel JPEGs: bench_pictures [FILE...], the photos given or one that
 // is made. Beside them, when they lie in the folder $YARDSTICKS: thumb_turbo LIST OUT WORKERS SIZE, and
 // vips_render IN OUT MODE.
-#include "app/PhotoRender.h"
-#include "app/Previews.h"
+#include "app/pictures/PhotoRender.h"
+#include "app/pictures/Previews.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadePhoto.h"
 #include "edits/BasicStage.h"

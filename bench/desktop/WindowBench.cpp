@@ -3,11 +3,11 @@
 // that are made. Each start is a process of its own, and its time counts from before that process.
 
 #include "app/Libraries.h"
-#include "app/SearchFilter.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/WindowMemory.h"
+#include "app/view/SearchFilter.h"
 #include "bench/desktop/WatchedApplication.h"
 #include "bench/desktop/WindowLibrary.h"
 #include "bench/support/Compare.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/EditDraft.h"
+#include "app/view/EditDraft.h"
 #include "base/MainThread.h"
 #include "edits/PanelSliders.h"
 

@@ -1,8 +1,8 @@
 // Photos that are dragged to another place of the album that is shown.
 
-#include "app/AlbumOrder.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/photos/PhotoDrag.h"
+#include "app/view/AlbumOrder.h"
 
 #include <QDropEvent>
 #include <QScrollBar>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Marking.h"
+#include "app/view/Marking.h"
 
 #include <QIcon>
 #include <QRect>

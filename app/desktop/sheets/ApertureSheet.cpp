@@ -1,9 +1,9 @@
 #include "app/ImportAperture.h"
-#include "app/RenderMatch.h"
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/window/NewWindow.h"
+#include "app/pictures/RenderMatch.h"
 #include "base/Text.h"
 #include "catalog/UserText.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/ExportRun.h"
 #include "app/desktop/window/MainWindow.h"
+#include "app/pictures/ExportRun.h"
 
 #include <QDialog>
 

@@ -1,4 +1,3 @@
-#include "app/SourcePreviews.h"
 #include "app/desktop/FailureList.h"
 #include "app/desktop/sheets/CandidateList.h"
 #include "app/desktop/sheets/ImportJob.h"
@@ -6,6 +5,7 @@
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sheets/SourceList.h"
+#include "app/pictures/SourcePreviews.h"
 #include "base/Text.h"
 #include "catalog/UserText.h"
 #include "imports/ImportWindow.h"

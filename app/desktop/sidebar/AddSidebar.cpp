@@ -1,4 +1,3 @@
-#include "app/SidebarActions.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sidebar/NodeMenu.h"
@@ -6,6 +5,7 @@
 #include "app/desktop/window/NewLines.h"
 #include "app/desktop/window/Parts.h"
 #include "app/desktop/window/Versions.h"
+#include "app/view/SidebarActions.h"
 
 #include <QLineEdit>
 #include <QMenu>

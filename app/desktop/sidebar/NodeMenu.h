@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SidebarTree.h"
+#include "app/view/SidebarTree.h"
 
 #include <functional>
 

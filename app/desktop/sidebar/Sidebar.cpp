@@ -1,9 +1,9 @@
 #include "app/desktop/sidebar/Sidebar.h"
 
-#include "app/SidebarActions.h"
 #include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
+#include "app/view/SidebarActions.h"
 #include "base/Text.h"
 
 #include <QHeaderView>

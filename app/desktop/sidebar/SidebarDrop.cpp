@@ -1,10 +1,10 @@
 // What is dragged from the sidebar, and dropped on its lines.
 
-#include "app/SidebarActions.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/photos/PhotoDrag.h"
 #include "app/desktop/sidebar/Sidebar.h"
+#include "app/view/SidebarActions.h"
 
 #include <QDrag>
 #include <QDropEvent>

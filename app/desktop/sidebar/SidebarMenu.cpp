@@ -1,11 +1,11 @@
 // The menu of a line, which acts on the line that was clicked, whichever is chosen.
 
-#include "app/SidebarActions.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/window/NewLines.h"
+#include "app/view/SidebarActions.h"
 #include "catalog/MovedFolder.h"
 
 #include <QContextMenuEvent>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/ViewerWishes.h"
 #include "app/desktop/Desktop.h"
+#include "app/view/ViewerWishes.h"
 
 #include <QImage>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/ViewZoom.h"
 #include "app/desktop/viewer/PhotoFeed.h"
+#include "app/view/ViewZoom.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "app/desktop/viewer/SurveyPage.h"
 
-#include "app/Survey.h"
+#include "app/view/Survey.h"
 
 #include <QApplication>
 

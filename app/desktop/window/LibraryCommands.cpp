@@ -1,8 +1,5 @@
 // Libraries, folders, albums, stacks, versions, and taking photos out.
 
-#include "app/AlbumOrder.h"
-#include "app/Marking.h"
-#include "app/Stacking.h"
 #include "app/desktop/Adding.h"
 #include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
@@ -11,6 +8,9 @@
 #include "app/desktop/window/NewWindow.h"
 #include "app/desktop/window/Parts.h"
 #include "app/desktop/window/Versions.h"
+#include "app/view/AlbumOrder.h"
+#include "app/view/Marking.h"
+#include "app/view/Stacking.h"
 #include "base/Text.h"
 #include "catalog/store/GroupActions.h"
 #include "catalog/store/LibraryActions.h"

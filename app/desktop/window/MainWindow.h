@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/SidebarTree.h"
 #include "app/desktop/window/Notices.h"
+#include "app/view/SidebarTree.h"
 
 #include <QMainWindow>
 #include <QTimer>

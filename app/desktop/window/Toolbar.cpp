@@ -1,4 +1,3 @@
-#include "app/SearchFilter.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/grid/GridView.h"
@@ -6,6 +5,7 @@
 #include "app/desktop/photos/Marks.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/Parts.h"
+#include "app/view/SearchFilter.h"
 
 #include <QComboBox>
 #include <QLineEdit>

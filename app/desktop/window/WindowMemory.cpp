@@ -1,9 +1,9 @@
 #include "app/desktop/window/WindowMemory.h"
 
-#include "app/ViewMemory.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/window/MainWindow.h"
+#include "app/view/ViewMemory.h"
 
 #include <QCryptographicHash>
 #include <QScreen>

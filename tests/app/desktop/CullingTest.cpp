@@ -1,4 +1,4 @@
-#include "app/Marking.h"
+#include "app/view/Marking.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 

@@ -1,0 +1,116 @@
+#include "app/pictures/PhotoExport.h"
+
+#include "base/Uuid.h"
+#include "metadata/DescriptiveReader.h"
+#include "platform/ApertureBundles.h"
+#include "platform/FileSync.h"
+#include "platform/PosixFile.h"
+
+#include <chrono>
+#include <fcntl.h>
+
+namespace korvo {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+PictureFormat formatOf(const fs::path& file)
+{
+    if (const auto format = pictureFormat(file))
+        return *format;
+    throw std::invalid_argument(file.string() + ": the name must end in .jpg, .png, .webp or .tif");
+}
+
+/// Where a file is to stand: its folder without links, its name as it was given.
+fs::path placeOf(const fs::path& destination)
+{
+    const auto absolute = fs::absolute(destination);
+    return fs::weakly_canonical(absolute.parent_path()) / absolute.filename();
+}
+
+/// Refuses to write over a photo, by whatever name it is called.
+void checkIsNoOriginal(
+    const ExportJob& job, const fs::path& place, const std::function<bool(const fs::path&)>& isOriginal)
+{
+    const auto refuse
+        = [&](const char* why) { throw std::runtime_error(job.destination.string() + ": " + why); };
+    std::error_code absent; // a file that is not there is not the photo's
+    if (fs::equivalent(place, job.render.file, absent) || isOriginal(place)
+        || isOriginal(fs::absolute(job.destination).lexically_normal()))
+        refuse("is an original photo, which is never written over");
+    if (fs::is_symlink(place, absent))
+        refuse("is a link, which may lead to an original photo; name the file that it leads to");
+    if (ApertureBundles().hold(place))
+        refuse("lies in an Aperture library, which is never changed");
+}
+
+constexpr std::string_view unfinishedStart = ".korvo-export-";
+
+/// A file on its way, beside its place; removed unless it got there.
+class UnfinishedFile {
+public:
+    explicit UnfinishedFile(const fs::path& place)
+        : path_(place.parent_path()
+            / (std::string(unfinishedStart) + Uuid::random().text() + place.extension().string()))
+    { }
+    ~UnfinishedFile()
+    {
+        std::error_code ignored; // it has been moved, or there is nothing more to be done about it
+        fs::remove(path_, ignored);
+    }
+    UnfinishedFile(const UnfinishedFile&) = delete;
+    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+
+    const fs::path& path() const { return path_; }
+
+    void write(Bytes bytes) const
+    {
+        const auto file = openFile(path_, O_WRONLY | O_CREAT | O_TRUNC);
+        if (!file)
+            throwFileError("write", path_);
+        writeAll(file, path_, bytes);
+    }
+
+private:
+    fs::path path_;
+};
+
+} // namespace
+
+ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const ExportJob& job,
+    const std::function<bool(const fs::path&)>& isOriginal, const std::stop_token& stop)
+{
+    const auto format = formatOf(job.destination);
+    const auto place = placeOf(job.destination);
+    checkIsNoOriginal(job, place, isOriginal);
+    const auto photo = encodePhoto(reader, job.render, format, job.quality, stop);
+    ExportedPhoto result{photo.width, photo.height, photo.note, {}};
+    const UnfinishedFile file(place);
+    file.write(Bytes(photo.bytes));
+    if (hasExif(job.render.file))
+        try {
+            tool.run(exportedExifArguments(
+                         fs::absolute(job.render.file), file.path(), photo.width, photo.height, job.position),
+                stop);
+        } catch (const ExifToolError& error) { // the picture itself is whole
+            result.exifFailure = error.what();
+        }
+    moveIntoPlace(file.path(), place);
+    return result;
+}
+
+void removeUnfinishedExports(const fs::path& folder)
+{
+    constexpr std::chrono::days longest(1); // that writing one picture may take
+    const auto now = fs::file_time_type::clock::now();
+    std::error_code unknown; // what cannot be listed, dated or removed stays as it is
+    for (const auto& entry : fs::directory_iterator(folder, unknown))
+        if (entry.path().filename().native().starts_with(unfinishedStart)) {
+            const auto written = entry.last_write_time(unknown);
+            if (!unknown && now - written > longest)
+                fs::remove(entry.path(), unknown);
+        }
+}
+
+} // namespace korvo

@@ -1,0 +1,100 @@
+#include "app/view/EditDraft.h"
+#include "base/JsonError.h"
+#include "catalog/store/LibraryActions.h"
+#include "tests/support/ManualMainThread.h"
+#include "tests/support/StoreActions.h"
+#include "tests/support/TestLibrary.h"
+
+#include <gtest/gtest.h>
+
+namespace korvo {
+
+namespace {
+
+struct DraftTest : ::testing::Test, TestLibrary {
+    DraftTest()
+    {
+        for (const auto* const name : {"a.jpg", "b.jpg", "c.jpg"})
+            photo(name);
+        store = std::make_unique<LibraryStore>(main, std::move(catalog));
+        browser = std::make_unique<Browser>(*store);
+        draft = std::make_unique<EditDraft>(*store, *browser);
+    }
+
+    static EditDraft::Change exposure(double value)
+    {
+        return [value](PhotoEdits& edits) { edits.exposure = value; };
+    }
+    double shown(PhotoID id) const { return draft->editsOf(*store->list().find(id)).exposure; }
+    double stored(PhotoID id) const { return store->list().find(id)->edits().exposure; }
+
+    ManualMainThread main;
+    std::unique_ptr<LibraryStore> store;
+    std::unique_ptr<Browser> browser;
+    std::unique_ptr<EditDraft> draft;
+};
+
+} // namespace
+
+TEST_F(DraftTest, aDragIsShownAtOnceAndStoredAsOneStepInEachPhotosOwnEdits)
+{
+    setEdits(*store, only(2), {.saturation = 0});
+    store->select({1, 2});
+    for (const double value : {0.1, 0.2, 0.3})
+        draft->show("Exposure", exposure(value));
+    EXPECT_EQ(shown(1), 0.3);
+    EXPECT_EQ(shown(3), 0);
+    EXPECT_EQ(stored(1), 0);
+    store->select({3}); // the drag belongs to the photos it began with
+    draft->keep();
+    EXPECT_EQ(stored(1), 0.3);
+    EXPECT_EQ(store->list().find(2)->edits(), (PhotoEdits{.exposure = 0.3, .saturation = 0}));
+    EXPECT_EQ(stored(3), 0);
+    EXPECT_EQ(store->undoTitle(), "Exposure");
+    store->undo();
+    EXPECT_EQ(shown(1), 0);
+    EXPECT_EQ(store->list().find(2)->edits(), (PhotoEdits{.saturation = 0}));
+}
+
+TEST_F(DraftTest, anotherControlIsAnotherStepAndADroppedDraftIsNone)
+{
+    store->select({1});
+    draft->show("Exposure", exposure(1));
+    draft->apply("Tint", [](PhotoEdits& edits) { edits.tint = 5; });
+    store->undo();
+    EXPECT_EQ(store->list().find(1)->edits(), (PhotoEdits{.exposure = 1}));
+    draft->show("Exposure", exposure(2));
+    draft->drop();
+    EXPECT_EQ(shown(1), 1);
+    draft->keep();
+    EXPECT_EQ(store->undoTitle(), "Exposure");
+    EXPECT_EQ(stored(1), 1);
+}
+
+TEST_F(DraftTest, whatCannotBeStoredNowStaysDraftedForItsPhotosAndWhatNeverCanGoes)
+{
+    Database other(store->catalog().libraryURL() / "catalog.sqlite");
+    auto writing = std::make_optional<Transaction>(other);
+    store->select({1});
+    draft->show("Exposure", exposure(1));
+    EXPECT_THROW(draft->keep(), DatabaseError);
+    EXPECT_EQ(shown(1), 1);
+    store->select({2});
+    EXPECT_THROW(draft->show("Exposure", exposure(2)), DatabaseError) << "the next drag is another step";
+    EXPECT_EQ(shown(1), 1);
+    writing.reset();
+    draft->apply("Exposure", exposure(2));
+    EXPECT_EQ(stored(1), 1);
+    EXPECT_EQ(stored(2), 2);
+
+    other.run("UPDATE photos SET edits = '{' WHERE id = 3");
+    store->reload();
+    store->select({3});
+    int told = 0;
+    const auto connection = draft->changed.connect([&] { ++told; });
+    EXPECT_THROW(draft->apply("Exposure", exposure(1)), JsonError);
+    EXPECT_FALSE(draft->isOpen());
+    EXPECT_EQ(told, 2) << "the views hear of the draft, and of its end";
+}
+
+} // namespace korvo
