@@ -1,9 +1,11 @@
 #include "app/cli/Commands.h"
+#include "base/PathFailure.h"
 #include "imports/Naming.h"
 #include "imports/NamingPreset.h"
 #include "platform/PosixFile.h"
 
 #include <fmt/format.h>
+#include <sstream>
 
 namespace korvo {
 
@@ -50,12 +52,27 @@ ExitCode expandPattern(Context& context, const ExpandArguments& arguments)
     return context.finish(items.size());
 }
 
-void setPresets(Context& context, const std::string& file)
+/// The presets of a JSON list, or of objects a line, as `naming list --json` writes them.
+std::vector<WrittenPreset> writtenPresets(const std::string& text)
 {
+    const auto begin = text.find_first_not_of(" \t\r\n");
+    if (begin == text.npos || text[begin] == '[')
+        return fromJson<std::vector<WrittenPreset>>(text);
+    std::vector<WrittenPreset> presets;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        presets.push_back(fromJson<WrittenPreset>(line));
+    return presets;
+}
+
+void setPresets(Context& context, const std::string& file)
+try {
     std::vector<NamingPreset> presets;
-    for (auto& written : fromJson<std::vector<WrittenPreset>>(readWholeFile(file)))
+    for (auto& written : writtenPresets(readWholeFile(file)))
         presets.push_back({written.id ? *written.id : Uuid::random(), written.name, written.pattern});
     NamingPreset::save(presets, context.defaults());
+} catch (const JsonError& error) {
+    throw std::runtime_error(sentenceOf({file, error.what()}));
 }
 
 } // namespace

@@ -44,7 +44,7 @@ public:
         const auto done = exportPhoto(tools_.reader, tools_.exifTool, job, isOriginal, stop_);
         ++result.written;
         if (!done.note.empty())
-            result.failures.push_back(sentence(photo, done.note));
+            result.failures.push_back(sentence(photo, "exported, but " + done.note));
         if (done.exifFailure)
             result.failures.push_back(
                 sentence(photo, "exported, but the camera's EXIF could not be kept: " + *done.exifFailure));

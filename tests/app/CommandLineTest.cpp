@@ -274,7 +274,13 @@ TEST_F(CommandLine, namesPhotosByPatternsAndKeepsPresets)
     const auto file = folder.write("presets.json", R"([{"name":"Mine","pattern":"m"}])");
     EXPECT_EQ(run("naming set " + file.string()).exitCode, 0);
     EXPECT_EQ(run("naming list").out, "Mine            m\n");
+    const auto listed = folder.write("listed.json", json("naming list"));
+    run("naming restore");
+    EXPECT_EQ(run("naming set " + listed.string()).exitCode, 0);
+    EXPECT_EQ(run("naming list").out, "Mine            m\n");
     EXPECT_EQ(run("naming set /nowhere").exitCode, 1);
+    EXPECT_NE(
+        run("naming set " + folder.write("bad.json", "no").string()).err.find("bad.json"), std::string::npos);
     run("naming restore");
     EXPECT_NE(run("naming list").out.find("Original Name   {name}\n"), std::string::npos);
 }
