@@ -16,6 +16,9 @@ bool moveToFreeName(const std::filesystem::path& from, const std::filesystem::pa
 /// Makes a folder and those above it, each safe from a power cut. Throws std::system_error.
 void makeFolders(const std::filesystem::path& folder);
 
+/// Waits until what was written to a file is safe on the disk. Throws std::system_error.
+void syncFile(const std::filesystem::path& file);
+
 /// Waits until the names in a folder are safe on the disk, where folders cannot be waited for until its whole
 /// file system is. Throws std::system_error.
 void syncFolder(const std::filesystem::path& folder);

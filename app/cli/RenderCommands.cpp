@@ -44,9 +44,11 @@ ExitCode renderToFile(Context& context, const RenderArguments& arguments)
     const auto isOriginal
         = [&](const std::filesystem::path& file) { return library && library->isOriginal(file); };
     removeUnfinishedExports(std::filesystem::absolute(arguments.out).parent_path());
+    const auto position = photo.photo ? exportedPosition(existingPhoto(context, *photo.photo), Position::keep)
+                                      : ExportedPosition();
     const auto result = exportPhoto(tools.reader, tools.exifTool,
-        {{photo.file, photo.edits, arguments.size}, arguments.out, arguments.quality}, isOriginal,
-        context.stop());
+        {{photo.file, photo.edits, arguments.size}, arguments.out, arguments.quality, position, {}},
+        isOriginal, context.stop());
     const auto note = result.note.empty() ? std::nullopt : std::optional(result.note);
     context.print(RenderedFile{arguments.out, result.width, result.height, note},
         fmt::format("{}  {} × {}", arguments.out, result.width, result.height));

@@ -39,7 +39,8 @@ public:
     void write(const PhotoItem& photo, std::size_t index, std::size_t total)
     try {
         const RenderJob render{photo.path(), photo.edits(), plan_.size};
-        const ExportJob job{render, freePlace(photo, plan_, index, total), plan_.quality, plan_.position};
+        const auto place = [&] { return freePlace(photo, plan_, index, total); };
+        const ExportJob job{render, place(), plan_.quality, exportedPosition(photo, plan_.position), place};
         const auto isOriginal = [&](const fs::path& file) { return tools_.catalog.isOriginal(file); };
         const auto done = exportPhoto(tools_.reader, tools_.exifTool, job, isOriginal, stop_);
         ++result.written;

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "app/pictures/PhotoRender.h"
+#include "catalog/PhotoItem.h"
 #include "metadata/exiftool/ExifTool.h"
 #include "metadata/exiftool/ExifToolArguments.h"
+
+#include <functional>
 
 namespace korvo {
 
@@ -11,8 +14,14 @@ struct ExportJob {
     RenderJob render;
     std::filesystem::path destination; ///< its ending names the format
     int quality = 90;
-    Position position = Position::keep;
+    ExportedPosition position;
+    /// Names another destination in the same folder when something took that one meanwhile; without this,
+    /// what is there is replaced.
+    std::function<std::filesystem::path()> otherwise;
 };
+
+/// Where an exported photo was taken: what the catalog says, once it knows what the file does.
+ExportedPosition exportedPosition(const PhotoItem& photo, Position wish);
 
 /// What was written.
 struct ExportedPhoto {
@@ -23,7 +32,7 @@ struct ExportedPhoto {
 };
 
 /// Renders a photo into a file: with an sRGB profile, and with the EXIF that its camera wrote. The file
-/// appears whole or not at all, in the place of one that is there. Throws ImageError, std::invalid_argument
+/// appears whole or not at all. Throws ImageError, std::invalid_argument
 /// for an ending of no format that we write, and std::runtime_error where the destination is an original: the
 /// photo's own file, one that `isOriginal` says is one, anything in an Aperture library, and, since it may
 /// lead to one, any link.

@@ -119,13 +119,21 @@ ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::pat
             ofDay % 3600 / 60, ofDay % 60)});
 }
 
-ExifToolArguments writeGPSArguments(const Coordinate& position, const std::filesystem::path& file)
+namespace {
+
+ExifToolArguments positionAssignments(const Coordinate& position)
 {
-    return changeOf(file,
-        {fmt::format("-GPSLatitude={}", std::abs(position.latitude)),
+    return {fmt::format("-GPSLatitude={}", std::abs(position.latitude)),
             std::string("-GPSLatitudeRef=") + (position.latitude >= 0 ? "N" : "S"),
             fmt::format("-GPSLongitude={}", std::abs(position.longitude)),
-            std::string("-GPSLongitudeRef=") + (position.longitude >= 0 ? "E" : "W")});
+            std::string("-GPSLongitudeRef=") + (position.longitude >= 0 ? "E" : "W")};
+}
+
+} // namespace
+
+ExifToolArguments writeGPSArguments(const Coordinate& position, const std::filesystem::path& file)
+{
+    return changeOf(file, positionAssignments(position));
 }
 
 ExifToolArguments stripGPSArguments(const std::filesystem::path& file)
@@ -134,13 +142,15 @@ ExifToolArguments stripGPSArguments(const std::filesystem::path& file)
 }
 
 ExifToolArguments exportedExifArguments(const std::filesystem::path& source,
-    const std::filesystem::path& picture, int width, int height, Position position)
+    const std::filesystem::path& picture, int width, int height, const ExportedPosition& position)
 {
     ExifToolArguments arguments{"-TagsFromFile", sourceArgument(source), "-EXIF:all",
         "-IFD1:all=", "-Orientation#=1", "-ColorSpace#=1", "-ExifImageWidth=" + std::to_string(width),
         "-ExifImageHeight=" + std::to_string(height)};
-    if (position == Position::strip)
+    if (position.ofFile == Position::strip)
         arguments.push_back("-GPS:all=");
+    if (position.own)
+        std::ranges::copy(positionAssignments(*position.own), std::back_inserter(arguments));
     return changeOf(picture, arguments);
 }
 

@@ -24,11 +24,16 @@ ExifToolArguments writeGPSArguments(const Coordinate& position, const std::files
 ExifToolArguments stripGPSArguments(const std::filesystem::path& file);
 /// Whether where a photo was taken goes along.
 enum class Position { keep, strip };
+/// Which position a picture that was made of a photo holds: the file's, and instead of that another one.
+struct ExportedPosition {
+    Position ofFile = Position::keep;
+    std::optional<Coordinate> own;
+};
 
 /// Copies a photo's EXIF into a picture that was made of it, but for what no longer holds: the turn, the
 /// size, the colours and the thumbnail.
 ExifToolArguments exportedExifArguments(const std::filesystem::path& source,
-    const std::filesystem::path& picture, int width, int height, Position position);
+    const std::filesystem::path& picture, int width, int height, const ExportedPosition& position);
 
 /// The arguments as lines for the tool's option -@. Nothing when a file's name cannot be given that way.
 std::optional<std::string> argumentLines(const ExifToolArguments& arguments);

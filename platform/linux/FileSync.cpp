@@ -18,17 +18,17 @@ PosixFile opened(const std::filesystem::path& path, int flags)
     return file;
 }
 
-void sync(const std::filesystem::path& path, int flags)
-{
-    if (::fsync(opened(path, flags).descriptor()) != 0)
-        throwFileError("write", path);
-}
-
 } // namespace
+
+void syncFile(const std::filesystem::path& file)
+{
+    if (::fsync(opened(file, O_RDONLY).descriptor()) != 0)
+        throwFileError("write", file);
+}
 
 void moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to)
 {
-    sync(from, O_RDONLY);
+    syncFile(from);
     if (::rename(from.c_str(), to.c_str()) != 0)
         throwFileError("write", to);
     syncFolder(to.parent_path());

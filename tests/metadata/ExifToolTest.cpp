@@ -53,7 +53,7 @@ TEST(ExifToolArguments, areThoseThatTheToolIsKnownToTake)
             "-GPSLongitude=2.5", "-GPSLongitudeRef=W", "/a.jpg"}));
     EXPECT_EQ(
         stripGPSArguments("/a.jpg"), (Arguments{"-overwrite_original", "-q", "-m", "-GPS:all=", "/a.jpg"}));
-    EXPECT_EQ(exportedExifArguments("/a.cr2", "/b.jpg", 30, 20, Position::strip),
+    EXPECT_EQ(exportedExifArguments("/a.cr2", "/b.jpg", 30, 20, {Position::strip, {}}),
         (Arguments{"-overwrite_original", "-q", "-m", "-TagsFromFile", "/a.cr2", "-EXIF:all",
             "-IFD1:all=", "-Orientation#=1", "-ColorSpace#=1", "-ExifImageWidth=30", "-ExifImageHeight=20",
             "-GPS:all=", "/b.jpg"}));
@@ -153,7 +153,7 @@ TEST(ExifTool, copiesFromFilesWhoseNamesLookLikePatterns)
     const auto data = std::filesystem::path(KORVO_TEST_DATA) / "metadata";
     const auto source = folder.write("50%done/%f.%e%%d%.jpg", readFile(data / "camera.jpg"));
     const auto copy = folder.write("copy.jpg", readFile(data / "plain.jpg"));
-    real.tool.run(exportedExifArguments(source, copy, 4, 3, Position::keep), {});
+    real.tool.run(exportedExifArguments(source, copy, 4, 3, {}), {});
     EXPECT_EQ(readExif(copy)->camera, readExif(source)->camera);
 }
 

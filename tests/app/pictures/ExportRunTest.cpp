@@ -1,15 +1,35 @@
 #include "app/pictures/ExportRun.h"
 #include "metadata/ExifReader.h"
 #include "platform/linux/images/SystemImageReader.h"
+#include "tests/support/FakeProcessLauncher.h"
 #include "tests/support/TestLibrary.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <thread>
 
 namespace korvo {
 
 namespace {
+
+/// While it reads, somebody else takes a name.
+class CompetingReader : public ImageReader {
+public:
+    CompetingReader(ImageReader& reader, std::filesystem::path name) : reader_(reader), name_(std::move(name))
+    { }
+
+    DecodedImage read(
+        const std::filesystem::path& file, const ImageRequest& request, const std::stop_token& stop) override
+    {
+        std::ofstream(name_) << "another's";
+        return reader_.read(file, request, stop);
+    }
+
+private:
+    ImageReader& reader_;
+    std::filesystem::path name_;
+};
 
 struct ExportRun : ::testing::Test, TestLibrary {
     PhotoItem file(const std::string& name, const std::string& contents)
@@ -25,10 +45,16 @@ struct ExportRun : ::testing::Test, TestLibrary {
         return readFile(std::filesystem::path(KORVO_TEST_DATA) / "images" / "turned6.jpg");
     }
 
+    static std::string cameraPicture()
+    {
+        return readFile(std::filesystem::path(KORVO_TEST_DATA) / "metadata" / "camera.jpg");
+    }
+
     std::unique_ptr<ProcessLauncher> launcher = systemProcessLauncher();
     ExifTool tool{*launcher, {}};
     SystemImageReader reader{*launcher, KORVO_DECODER};
     std::vector<std::size_t> progress;
+    std::stop_source cancel;
 
     ExportResult run(
         const std::vector<PhotoItem>& photos, const ExportPlan& plan, const std::stop_token& stop = {})
@@ -42,13 +68,26 @@ struct ExportRun : ::testing::Test, TestLibrary {
 
 TEST_F(ExportRun, leavesOutWherePhotosWereTakenIfAsked)
 {
-    const auto photo
-        = file("a.jpg", readFile(std::filesystem::path(KORVO_TEST_DATA) / "metadata" / "camera.jpg"));
+    const auto photo = file("a.jpg", cameraPicture());
     for (const auto position : {Position::keep, Position::strip}) {
         const auto out = folder / (position == Position::keep ? "kept" : "stripped");
         EXPECT_EQ(run({photo}, {.folder = out, .position = position}).written, 1U);
         EXPECT_EQ(readGPS(out / "a.jpg").has_value(), position == Position::keep);
     }
+}
+
+TEST_F(ExportRun, saysWhereAPhotoWasTakenAsTheLibraryDoes)
+{
+    auto photo = file("a.jpg", cameraPicture());
+    auto bare = file("b.jpg", picture());
+    photo.gpsRead = true; // and cleared, in the library alone
+    bare.latitude = -33.86;
+    bare.longitude = -70.5;
+    EXPECT_EQ(run({photo, bare}, {.folder = folder / "out"}).written, 2U);
+    EXPECT_FALSE(readGPS(folder / "out/a.jpg"));
+    const auto given = readGPS(folder / "out/b.jpg");
+    ASSERT_TRUE(given);
+    EXPECT_TRUE(isSamePlace(*given, {-33.86, -70.5})) << given->latitude << ' ' << given->longitude;
 }
 
 TEST_F(ExportRun, namesByThePatternReplacesNothingAndListsWhatFails)
@@ -77,6 +116,18 @@ TEST_F(ExportRun, namesByThePatternReplacesNothingAndListsWhatFails)
     EXPECT_TRUE(std::filesystem::exists(out / "x a-3.png"));
 }
 
+TEST_F(ExportRun, leavesWhatAnotherRunWroteMeanwhile)
+{
+    const auto photo
+        = file("a.png", readFile(std::filesystem::path(KORVO_TEST_DATA) / "images" / "base.png"));
+    CompetingReader competing(reader, folder / "out/a.jpg");
+    const auto result = runExport(
+        {*catalog, competing, tool}, std::vector{photo}, {.folder = folder / "out"}, {}, [](std::size_t) {});
+    EXPECT_EQ(result.written, 1U);
+    EXPECT_EQ(readFile(folder / "out/a.jpg"), "another's");
+    EXPECT_TRUE(std::filesystem::exists(folder / "out/a-2.jpg"));
+}
+
 TEST_F(ExportRun, removesWhatAKilledExportLeftInTheFolder)
 {
     const auto left = folder.write("out/.korvo-export-1.jpg", "half"),
@@ -103,6 +154,22 @@ TEST_F(ExportRun, stopsWhenAsked)
     EXPECT_TRUE(result.cancelled);
     EXPECT_EQ(result.written, 0U);
     EXPECT_TRUE(result.failures.empty());
+}
+
+TEST_F(ExportRun, keepsNothingOfAPhotoThatACancelCutOff)
+{
+    FakeProcessLauncher cancelling;
+    cancelling.answer = [&](const auto&, const auto&) -> ProcessOutput {
+        cancel.request_stop();
+        throw ProcessError(ProcessError::Case::stopped, "The program was stopped.");
+    };
+    const ExifTool cut(cancelling, {.bundled = "/bin/true", .installed = {}, .searchPath = ""});
+    const auto photo = file("a.jpg", cameraPicture());
+    const auto result = runExport({*catalog, reader, cut}, std::vector{photo}, {.folder = folder / "out"},
+        cancel.get_token(), [](std::size_t) {});
+    EXPECT_EQ(result.written, 0U);
+    EXPECT_TRUE(result.failures.empty());
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "out"));
 }
 
 } // namespace korvo

@@ -25,7 +25,7 @@ protected:
         const fs::path& from, const fs::path& to, const PhotoEdits& edits = {}, int size = 0)
     {
         return exportPhoto(
-            reader, tool, {{from, edits, size}, to, 95}, [](const fs::path&) { return false; }, {});
+            reader, tool, {{from, edits, size}, to, 95, {}, {}}, [](const fs::path&) { return false; }, {});
     }
 
     Bitmap bitmap(const fs::path& file) { return std::get<Bitmap>(reader.read(file, {}, {}).pixels); }
@@ -161,8 +161,8 @@ TEST_F(PhotoExport, neverWritesOverAnOriginal)
     for (const auto* const name : {"a.png", "./a.png", "link.png", "twin.png", "held.png", "another link.png",
              "dangling.png", "Old.aplibrary/Masters/new.jpg", "Old.migratedaplibrary/new.jpg",
              "Renamed/new.jpg", "led/new.jpg"})
-        EXPECT_THROW(
-            exportPhoto(reader, tool, {{source, {}, 0}, folder / name}, isOriginal, {}), std::runtime_error)
+        EXPECT_THROW(exportPhoto(reader, tool, {{source, {}, 0}, folder / name, 90, {}, {}}, isOriginal, {}),
+            std::runtime_error)
             << name;
     EXPECT_EQ(readFile(source), readFile(picture("base.png")));
     EXPECT_EQ(readFile(held), "target");
