@@ -135,6 +135,7 @@ public:
     AddedRow addFolder(std::string_view path, UnixTime addedAt);
     /// The added folder that a file lies in, the innermost if there are several.
     std::optional<std::int64_t> folderContaining(std::string_view path);
+    std::int64_t photosInFolder(std::int64_t id);
     void removeFolder(std::int64_t id);
     /// A photo's file has another name, or lies elsewhere.
     void fileRenamed(PhotoID id, const std::filesystem::path& path);

@@ -50,6 +50,11 @@ std::optional<std::int64_t> Catalog::folderContaining(std::string_view path)
     return statement.step() ? std::optional(statement.integer(0)) : std::nullopt;
 }
 
+std::int64_t Catalog::photosInFolder(std::int64_t id)
+{
+    return database_.scalar("SELECT COUNT(*) FROM photos WHERE folder_id = ? AND version_of IS NULL", id);
+}
+
 void Catalog::removeFolder(std::int64_t id)
 {
     Transaction transaction(database_);

@@ -1,5 +1,6 @@
 #include "app/desktop/adjust/AdjustPanel.h"
 
+#include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "base/Text.h"
 
@@ -33,7 +34,7 @@ QPushButton* commandButton(Commands& commands, Command command, const QString& t
 
 AdjustPanel::AdjustPanel(MainWindow& window)
     : desktop_(window.desktop()), feed_(desktop_, histogramViewer, PhotoFeed::Neighbours::none),
-      histogram_(new HistogramView), hint_(new QLabel), controls_(new QWidget)
+      histogram_(new HistogramView), hint_(plainLabel()), controls_(new QWidget)
 {
     auto* const layout = new QVBoxLayout(this);
     layout->addWidget(histogram_);

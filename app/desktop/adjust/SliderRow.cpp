@@ -1,6 +1,7 @@
 #include "app/desktop/adjust/SliderRow.h"
 
 #include "app/desktop/Desktop.h"
+#include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 
 #include <QEvent>
@@ -23,7 +24,7 @@ constexpr int stepsOfAPage = 10;
 } // namespace
 
 SliderRow::SliderRow(Desktop& desktop, const PanelSlider& slider)
-    : desktop_(desktop), slider_(slider), name_(new QLabel(qt(slider.label))),
+    : desktop_(desktop), slider_(slider), name_(plainLabel(qt(slider.label))),
       bar_(new QSlider(Qt::Horizontal)), field_(new QDoubleSpinBox)
 {
     auto* const layout = new QHBoxLayout(this);

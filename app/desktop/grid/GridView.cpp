@@ -1,5 +1,6 @@
 #include "app/desktop/grid/GridView.h"
 
+#include "app/desktop/Labels.h"
 #include "app/desktop/SpokenRole.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
@@ -320,7 +321,7 @@ bool GridView::viewportEvent(QEvent* event)
     const auto* const help = static_cast<QHelpEvent*>(event);
     const auto index = indexAt(help->pos());
     const auto text = index ? warningText(desktop_, itemAt(*index), cellAt(*index).signs) : QString();
-    QToolTip::showText(help->globalPos(), text, viewport());
+    QToolTip::showText(help->globalPos(), plainToolTip(text), viewport());
     return true;
 }
 

@@ -23,7 +23,7 @@ constexpr int narrowest = 270; // for both buttons beside each other
 
 QLabel* factLabel(QVBoxLayout& layout, const char* name)
 {
-    auto* const label = new QLabel;
+    auto* const label = plainLabel();
     label->setObjectName(name);
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);

@@ -32,7 +32,7 @@ VersionList::VersionList(MainWindow& window)
 {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 6);
-    auto* const title = new QLabel("Versions");
+    auto* const title = plainLabel("Versions");
     dimmed(title);
     layout->addWidget(title);
     layout->addWidget(rows_);

@@ -28,10 +28,11 @@ void paintLabel(QPainter& painter, const QRectF& box, PhotoLabel label)
     painter.setBrush(labelColor(label));
     painter.drawRoundedRect(box, 3, 3);
     auto font = painter.font();
-    font.setPixelSize(std::max(1, static_cast<int>(box.height() * 0.75)));
+    const QString letters = label == PhotoLabel::gray ? "Gy" : qt(name(label)).left(1); // green has the G
+    font.setPixelSize(std::max(1, static_cast<int>(box.height() * (letters.size() > 1 ? 0.6 : 0.75))));
     painter.setFont(font);
     painter.setPen(Qt::black);
-    painter.drawText(box, Qt::AlignCenter, qt(name(label)).left(1));
+    painter.drawText(box, Qt::AlignCenter, letters);
     painter.restore();
 }
 

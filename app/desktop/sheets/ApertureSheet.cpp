@@ -1,4 +1,5 @@
 #include "app/ImportAperture.h"
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
@@ -61,7 +62,7 @@ ApertureSheet::ApertureSheet(MainWindow& window)
     : QDialog(&window), desktop_(window.desktop()), bundle_(new FolderField(tr("Aperture Library"))),
       beside_(new QRadioButton), here_(new QRadioButton(tr("Into this library"))), volumesBox_(new QWidget),
       volumes_(new QFormLayout(volumesBox_)), match_(new QCheckBox(tr("Match Aperture's renders"))),
-      status_(new QLabel), progress_(new QProgressBar), stop_(new QPushButton(tr("Stop")))
+      status_(plainLabel()), progress_(new QProgressBar), stop_(new QPushButton(tr("Stop")))
 {
     setWindowTitle(tr("Import Aperture Library"));
     auto* const layout = new QVBoxLayout(this);
@@ -86,7 +87,7 @@ QLayout* ApertureSheet::makeForm()
         "Photos, versions, projects, albums, stacks, keywords and adjustments are taken over. The Aperture "
         "library itself is only read; its originals stay where they are.")));
     form->addSpacing(8);
-    form->addWidget(new QLabel(tr("Aperture library")));
+    form->addWidget(plainLabel(tr("Aperture library")));
     form->addWidget(bundle_);
     form->addSpacing(8);
     beside_->setChecked(true);

@@ -1,3 +1,4 @@
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/sheets/StackPreview.h"
@@ -44,8 +45,8 @@ private:
 };
 
 AutoStackSheet::AutoStackSheet(MainWindow& window)
-    : QDialog(&window), desktop_(window.desktop()), slider_(new QSlider(Qt::Horizontal)), result_(new QLabel),
-      preview_(new StackPreview(desktop_)), buttons_(new QDialogButtonBox)
+    : QDialog(&window), desktop_(window.desktop()), slider_(new QSlider(Qt::Horizontal)),
+      result_(plainLabel()), preview_(new StackPreview(desktop_)), buttons_(new QDialogButtonBox)
 {
     setWindowTitle(qt(autoStackSheet::title));
     setWindowModality(Qt::WindowModal);
@@ -76,13 +77,13 @@ QLayout* AutoStackSheet::makeSlider()
     slider_->setAccessibleName(qt(autoStackSheet::interval));
     connect(slider_, &QSlider::valueChanged, this, [this] { plan(); });
     auto* const row = new QHBoxLayout;
-    auto* const label = new QLabel(qt(autoStackSheet::interval));
+    auto* const label = plainLabel(qt(autoStackSheet::interval));
     label->setBuddy(slider_);
     row->addWidget(label);
     row->addSpacing(12);
-    row->addWidget(new QLabel(qt(autoStackSheet::shortest)));
+    row->addWidget(plainLabel(qt(autoStackSheet::shortest)));
     row->addWidget(slider_, 1);
-    row->addWidget(new QLabel(qt(autoStackSheet::longest)));
+    row->addWidget(plainLabel(qt(autoStackSheet::longest)));
     return row;
 }
 

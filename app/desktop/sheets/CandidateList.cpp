@@ -1,5 +1,6 @@
 #include "app/desktop/sheets/CandidateList.h"
 
+#include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "imports/ImportWindow.h"
@@ -71,8 +72,10 @@ public:
     QVariant data(const QModelIndex& index, int role) const override
     {
         const auto& candidate = view_.candidate(index);
-        if (role == Qt::ToolTipRole || role == Qt::AccessibleTextRole)
-            return qt(summary(candidate)) + "\n" + qt(rowText(candidate));
+        if (role == Qt::ToolTipRole || role == Qt::AccessibleTextRole) {
+            const QString text = qt(summary(candidate)) + "\n" + qt(rowText(candidate));
+            return role == Qt::ToolTipRole ? plainToolTip(text) : text;
+        }
         if (role == Qt::CheckStateRole)
             return candidate.picked ? Qt::Checked : Qt::Unchecked;
         return {};
@@ -104,7 +107,7 @@ public:
         const auto& candidate = view_.candidate(index);
         const auto place = thumbnailPlace(option.rect);
         if (option.state & QStyle::State_Selected)
-            painter->fillRect(option.rect.adjusted(2, 2, -2, -2), option.palette.color(QPalette::Midlight));
+            painter->fillRect(option.rect.adjusted(2, 2, -2, -2), theme::selectedCell);
         if (!candidate.picked)
             painter->setOpacity(0.45);
         paintPicture(*painter, place, candidate, option.palette);

@@ -1,5 +1,6 @@
 #include "app/desktop/sheets/ExportSheet.h"
 
+#include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/PatternField.h"
@@ -91,12 +92,12 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
       folder_(new FolderField("Export to")), format_(new QComboBox), size_(new QComboBox),
       pattern_(new PatternField(desktop_.defaults())), pixels_(spinBox(16, 100000, " pixels")),
       quality_(spinBox(1, 100, {})), withPosition_(new QCheckBox("Keep where the photos were taken")),
-      example_(new QLabel)
+      example_(plainLabel())
 {
     setWindowTitle("Export " + qt(counted(photos_.size(), "Photo")));
     format_->addItems({"JPEG", "PNG", "WebP", "TIFF"}); // in the order of PictureFormat
     size_->addItems({"All pixels", "Longer side at most"}); // in that of ExportSize
-    auto* const tokens = new QLabel(qt(namingPresetEditor::help));
+    auto* const tokens = plainLabel(qt(namingPresetEditor::help));
     for (auto* const label : {tokens, example_}) {
         label->setWordWrap(true);
         label->setForegroundRole(QPalette::PlaceholderText);

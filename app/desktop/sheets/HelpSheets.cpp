@@ -1,3 +1,4 @@
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 
@@ -48,7 +49,7 @@ QWidget* keyRow(const CommandInfo& info)
     layout->setContentsMargins(0, 0, 0, 0);
     auto* const keys = dimLabel(keysOf(info));
     keys->setAlignment(Qt::AlignRight | Qt::AlignTop);
-    auto* const text = new QLabel(textOf(info));
+    auto* const text = plainLabel(textOf(info));
     text->setWordWrap(true);
     layout->addWidget(text, 3);
     layout->addWidget(keys, 2);

@@ -1,4 +1,5 @@
 #include "app/desktop/FailureList.h"
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/CandidateList.h"
 #include "app/desktop/sheets/ImportJob.h"
 #include "app/desktop/sheets/ImportOptionsForm.h"
@@ -133,7 +134,7 @@ QWidget* ImportSheet::makeCandidates()
     auto* const layout = new QVBoxLayout(column);
     layout->setContentsMargins(6, 8, 6, 0);
     auto* const line = new QHBoxLayout;
-    picked_ = new QLabel;
+    picked_ = plainLabel();
     pickAll_ = new QPushButton(qt(importWindow::pickAll));
     pickNone_ = new QPushButton(qt(importWindow::pickNone));
     connect(pickAll_, &QPushButton::clicked, this, [this] { pickAll(true); });
@@ -144,7 +145,7 @@ QWidget* ImportSheet::makeCandidates()
         line->addWidget(button);
     }
     layout->addLayout(line);
-    message_ = new QLabel;
+    message_ = plainLabel();
     message_->setAlignment(Qt::AlignCenter);
     message_->setWordWrap(true);
     candidates_ = new CandidateList(desktop_.pictures());
@@ -174,7 +175,7 @@ QWidget* ImportSheet::makeOptions()
 
 QLayout* ImportSheet::makeBottom()
 {
-    status_ = new QLabel;
+    status_ = plainLabel();
     progress_ = new QProgressBar;
     progress_->setMaximumWidth(200);
     progress_->setTextVisible(false);

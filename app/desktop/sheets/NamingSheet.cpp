@@ -1,3 +1,4 @@
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "imports/Naming.h"
@@ -43,7 +44,7 @@ private:
     QListWidget* list_ = new QListWidget;
     QLineEdit* name_ = new QLineEdit;
     QLineEdit* pattern_ = new QLineEdit;
-    QLabel* example_ = new QLabel;
+    QLabel* example_ = plainLabel();
     QToolButton* remove_ = nullptr;
     QPushButton* undo_ = nullptr;
     std::vector<std::vector<NamingPreset>> before_; // presets were taken away, until others are edited
@@ -98,7 +99,6 @@ QLayout* NamingSheet::makeFields()
     form->addRow(qt(namingPresetEditor::pattern), pattern_);
     form->addRow(QString(), makeTokens());
     example_->setWordWrap(true);
-    example_->setTextFormat(Qt::PlainText);
     form->addRow(QString(), example_);
     form->addRow(QString(), dimLabel(qt(namingPresetEditor::help)));
     for (auto* const field : {name_, pattern_}) {

@@ -1,4 +1,5 @@
 #include "app/desktop/Ask.h"
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "catalog/NearPlace.h"
@@ -32,7 +33,7 @@ private:
     Desktop& desktop_;
     std::vector<PhotoID> photos_;
     QLineEdit* position_ = new QLineEdit;
-    QLabel* found_ = new QLabel;
+    QLabel* found_ = plainLabel();
     QPushButton* set_ = nullptr;
 };
 

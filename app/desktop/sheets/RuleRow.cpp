@@ -29,7 +29,7 @@ QLineEdit* lineEdit(const std::string& text, std::string_view hint, std::string_
 
 RuleRow::RuleRow(SmartAlbumRule rule, QWidget* parent)
     : QWidget(parent), rule_(std::move(rule)), field_(new QComboBox), op_(new QComboBox),
-      controls_(new QHBoxLayout), fault_(warning(new QLabel))
+      controls_(new QHBoxLayout), fault_(warning(plainLabel()))
 {
     field_->setAccessibleName(qt(smartAlbumEditor::field));
     op_->setAccessibleName(qt(smartAlbumEditor::op));
@@ -135,7 +135,7 @@ void RuleRow::addPlace()
     layout->setContentsMargins(0, 0, 0, 0);
     auto* const kilometres = lineEdit(radius, fieldOf(rule_).hint, "Radius");
     auto* const place = lineEdit(placeText, smartAlbumEditor::placeHint, "Place");
-    auto* const found = new QLabel;
+    auto* const found = plainLabel();
     const auto show = [found](const QString& text) {
         const bool is = isPlace(utf8(text));
         const auto line = is ? smartAlbumEditor::placeFound : smartAlbumEditor::placeNotFound;
@@ -148,7 +148,7 @@ void RuleRow::addPlace()
     for (auto* const edit : {kilometres, place})
         connect(edit, &QLineEdit::textChanged, this, typed);
     layout->addWidget(kilometres, 1);
-    layout->addWidget(new QLabel(qt(smartAlbumEditor::kilometresOf)));
+    layout->addWidget(plainLabel(qt(smartAlbumEditor::kilometresOf)));
     layout->addWidget(place, 2);
     layout->addWidget(found);
     value_->setFocusProxy(kilometres);

@@ -1,3 +1,4 @@
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 
@@ -81,7 +82,7 @@ void SettingsSheet::addMetadata()
     layout_->addWidget(autosave_);
     autosaveHelp_ = addLine({});
     addLine(qt(autosaveTexts(Autosave::on).note));
-    toolMissing_ = warning(new QLabel(qt(exiftoolRequired)));
+    toolMissing_ = warning(plainLabel(qt(exiftoolRequired)));
     layout_->addWidget(toolMissing_);
     connect(autosave_, &QCheckBox::clicked, this, [this](bool on) {
         attemptIn(*this,
@@ -104,7 +105,7 @@ void SettingsSheet::addFaces()
     layout_->addWidget(headingLabel(tr("Face Recognition")));
     addLine(tr("Faces are told apart by a model that is downloaded once. Photos never leave this computer."));
     auto* const row = new QHBoxLayout;
-    modelState_ = new QLabel;
+    modelState_ = plainLabel();
     modelState_->setWordWrap(true);
     row->addWidget(modelState_, 1);
     const auto add = [&](const QString& text, void (ModelStore::*act)()) {
@@ -145,7 +146,7 @@ void SettingsSheet::addLibrary()
     const auto folder = qt(desktop_.store().catalog().libraryURL().native());
     layout_->addWidget(headingLabel(tr("Library")));
     auto* const row = new QHBoxLayout;
-    auto* const path = new QLabel(folder);
+    auto* const path = plainLabel(folder);
     path->setWordWrap(true);
     path->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* const open = new QPushButton(tr("Show in Folder"));

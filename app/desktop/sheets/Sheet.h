@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/desktop/Ask.h"
 #include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/MainWindow.h"
@@ -7,7 +8,6 @@
 #include "catalog/UserText.h"
 
 #include <QDialog>
-#include <QMessageBox>
 #include <QPointer>
 #include <QVBoxLayout>
 
@@ -37,10 +37,7 @@ void attemptIn(QDialog& sheet, Action action)
     try {
         action();
     } catch (const std::exception& error) {
-        QMessageBox box(QMessageBox::Warning, sheet.windowTitle(), qt(asSentence(textForUser(error))),
-            QMessageBox::Ok, &sheet);
-        box.setTextFormat(Qt::PlainText); // names of files may hold anything
-        box.exec();
+        warn(qt(asSentence(textForUser(error))), &sheet);
     }
 }
 

@@ -1,3 +1,4 @@
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "base/Dates.h"
@@ -37,7 +38,7 @@ private:
     std::optional<UnixTime> first_; // the date of the first photo
     std::array<QSpinBox*, timeUnits.size()> fields_{};
     QComboBox* way_ = new QComboBox;
-    QLabel* example_ = new QLabel;
+    QLabel* example_ = plainLabel();
     QPushButton* shift_ = nullptr;
 };
 

@@ -1,3 +1,4 @@
+#include "app/desktop/Labels.h"
 #include "app/desktop/sheets/RuleRow.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
@@ -59,7 +60,7 @@ private:
 SmartAlbumSheet::SmartAlbumSheet(MainWindow& window, std::optional<std::int64_t> id)
     : QDialog(&window), desktop_(window.desktop()), id_(id),
       counter_(desktop_.mainThread(), desktop_.store()), layout_(new QVBoxLayout(this)), name_(new QLineEdit),
-      match_(new QComboBox), area_(new QScrollArea), count_(new QLabel)
+      match_(new QComboBox), area_(new QScrollArea), count_(plainLabel())
 {
     setWindowTitle(qt(id ? smartAlbumEditor::editTitle : smartAlbumEditor::newTitle));
     setWindowModality(Qt::WindowModal);
@@ -83,10 +84,9 @@ void SmartAlbumSheet::readRules(const SmartAlbumRow& album)
         stored_ = smartAlbumRules(album.rules);
     } catch (const JsonError& error) {
         readable_ = false;
-        auto* const reason = new QLabel(qt(unreadableRulesText(error.what())));
+        auto* const reason = plainLabel(qt(unreadableRulesText(error.what())));
         reason->setWordWrap(true);
         auto* const stored = dimLabel(qt(album.rules));
-        stored->setTextFormat(Qt::PlainText);
         stored->setTextInteractionFlags(Qt::TextSelectableByMouse);
         layout_->addWidget(reason);
         layout_->addWidget(stored);
@@ -133,9 +133,9 @@ QLayout* SmartAlbumSheet::makeMatchLine()
     match_->setAccessibleName(qt(smartAlbumEditor::match));
     connect(match_, &QComboBox::activated, this, [this] { recount(); });
     auto* const line = new QHBoxLayout;
-    line->addWidget(new QLabel(qt(smartAlbumEditor::match)));
+    line->addWidget(plainLabel(qt(smartAlbumEditor::match)));
     line->addWidget(match_);
-    line->addWidget(new QLabel(qt(smartAlbumEditor::ofTheRules)), 1);
+    line->addWidget(plainLabel(qt(smartAlbumEditor::ofTheRules)), 1);
     return line;
 }
 

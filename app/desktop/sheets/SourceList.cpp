@@ -178,8 +178,9 @@ void SourceList::fillSection(
         auto* const item = new QTreeWidgetItem(heading, {qt(name)});
         item->setIcon(0, style()->standardIcon(iconOf(source)));
         item->setData(0, sourceRole, static_cast<int>(listed_.size()));
-        item->setToolTip(
-            0, qt(source.chosen.empty() ? source.volume.url.native() : source.chosen.front().native()));
+        item->setToolTip(0,
+            plainToolTip(
+                qt(source.chosen.empty() ? source.volume.url.native() : source.chosen.front().native())));
         listed_.push_back(source);
         if (keyOf(source) == current_)
             setCurrentItem(item);

@@ -1,6 +1,7 @@
 #include "app/desktop/sidebar/Sidebar.h"
 
 #include "app/desktop/Ask.h"
+#include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/view/SidebarActions.h"
@@ -23,16 +24,13 @@ bool isKeyword(const QTreeWidgetItem* item)
     return item && keyOf(*item).kind == Kind::keyword;
 }
 
-/// Of what holds more than itself.
-bool isDeletionWished(QWidget& window, Kind kind, const QString& name)
+/// Photos leave the library only when it was said how many.
+bool isRemovalWished(QWidget& window, const QString& folder, std::int64_t photos)
 {
-    if (kind == Kind::folder)
-        return ask(window, "Remove the folder “" + name + "” and its photos from the library?",
-            "The files stay where they are.", "Remove");
-    if (kind == Kind::project)
-        return ask(window, "Delete the project “" + name + "” with what lies in it?",
-            "Its photos stay in the library.", "Delete");
-    return true;
+    return ask(window,
+        "Remove the folder “" + folder + "” and its " + qt(counted(static_cast<std::size_t>(photos), "photo"))
+            + " from the library?",
+        "The files stay where they are.", "Remove");
 }
 
 } // namespace
@@ -138,7 +136,7 @@ void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
     item.setData(0, sidebarRole::id, static_cast<qlonglong>(node.id));
     const QString name = qt(repairedUtf8(node.name));
     item.setText(0, name);
-    item.setToolTip(0, node.hint.empty() ? name : qt(repairedUtf8(node.hint)));
+    item.setToolTip(0, plainToolTip(node.hint.empty() ? name : qt(repairedUtf8(node.hint))));
     const QString count = node.count ? QLocale().toString(static_cast<qlonglong>(*node.count)) : QString();
     item.setText(1, count);
     item.setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
@@ -323,9 +321,10 @@ void Sidebar::remove(const QTreeWidgetItem& item)
     const QString name = item.text(0);
     if (!canBeDeleted(key.kind) || !window_.commands().settle()) // as before every command
         return;
-    if (!isDeletionWished(window_, key.kind, name))
-        return;
     desktop_.attempt([&] {
+        if (key.kind == Kind::folder
+            && !isRemovalWished(window_, name, desktop_.store().catalog().photosInFolder(key.id)))
+            return;
         const auto source = sourceOf(key);
         const bool shown = source && *source == desktop_.store().source();
         deleteLine(desktop_.store(), key);

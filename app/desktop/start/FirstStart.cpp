@@ -1,6 +1,7 @@
 #include "app/desktop/start/FirstStart.h"
 
 #include "app/Libraries.h"
+#include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 #include "platform/AppFolders.h"
 
@@ -28,6 +29,7 @@ std::optional<FirstStart> askAtFirstStart()
     box.setInformativeText(
         "Choose a folder. Its photos stay where they are; what you do with them is kept in the library "
         + qt(library.string()) + ".");
+    showPlain(box);
     const QAbstractButton* const photos = box.addButton("Choose Folder of Photos…", QMessageBox::AcceptRole);
     const QAbstractButton* const other = box.addButton("Open a Library…", QMessageBox::ActionRole);
     box.addButton("Quit", QMessageBox::RejectRole);
@@ -40,9 +42,8 @@ std::optional<FirstStart> askAtFirstStart()
             if (const auto folder = askFolder("Open Library"); holdsCatalog(folder))
                 return FirstStart{folder, {}};
             else if (!folder.empty())
-                QMessageBox::warning(nullptr, "Korvo",
-                    "There is no library in " + qt(folder.string())
-                        + ", or it cannot be read. Choose the folder that holds its catalog.sqlite.");
+                warn("There is no library in " + qt(folder.string())
+                    + ", or it cannot be read. Choose the folder that holds its catalog.sqlite.");
         } else {
             return std::nullopt;
         }
@@ -53,9 +54,9 @@ std::optional<FirstStart> askForMissing(const std::filesystem::path& library)
 {
     QMessageBox box(
         QMessageBox::NoIcon, "Korvo", "The library " + qt(library.filename().string()) + " is not there.");
-    box.setTextFormat(Qt::PlainText);
     box.setInformativeText("It was last opened at " + qt(library.string())
         + ". If that is on a disk that is not connected, connect it and try again.");
+    showPlain(box);
     const QAbstractButton* const again = box.addButton("Try Again", QMessageBox::AcceptRole);
     const QAbstractButton* const other = box.addButton("Another Library…", QMessageBox::ActionRole);
     box.addButton("Quit", QMessageBox::RejectRole);

@@ -1,11 +1,13 @@
 #include "app/Libraries.h"
 #include "app/desktop/Adding.h"
+#include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/start/Application.h"
 #include "app/desktop/start/FirstStart.h"
 #include "app/desktop/start/Instance.h"
 #include "app/desktop/start/Screenshot.h"
+#include "app/desktop/start/Termination.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/WindowMemory.h"
 #include "catalog/UserText.h"
@@ -16,7 +18,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFile>
-#include <QMessageBox>
 
 #include <algorithm>
 #include <cstdio>
@@ -181,6 +182,7 @@ int run(Application& application, const Options& options)
             if (state != Qt::ApplicationActive)
                 rememberWindow(window);
         });
+    onTermination(window, [&] { window.quitUnasked(); });
     addToLibrary(desktop, start->add);
     const int status = show(application, desktop);
     instance.reset(); // another start must not wait for this end
@@ -208,7 +210,7 @@ int main(int argc, char** argv)
     } catch (const std::exception& error) {
         std::fprintf(stderr, "korvo-desktop: %s\n", textForUser(error).c_str());
         if (QGuiApplication::platformName() != "offscreen")
-            QMessageBox::critical(nullptr, "Korvo", qt(textForUser(error)));
+            warn(qt(textForUser(error)));
         return dynamic_cast<const std::invalid_argument*>(&error) ? 2 : 1;
     }
 }

@@ -1,5 +1,6 @@
 #include "app/desktop/viewer/Filmstrip.h"
 
+#include "app/desktop/Labels.h"
 #include "app/desktop/Theme.h"
 #include "app/desktop/photos/PhotoDrag.h"
 #include "app/desktop/window/MarkCommands.h"
@@ -248,7 +249,7 @@ bool Filmstrip::viewportEvent(QEvent* event)
     const auto* const help = static_cast<QHelpEvent*>(event);
     const auto index = indexAt(help->pos());
     const auto text = index ? warningText(desktop_, itemAt(*index), signsAt(*index)) : QString();
-    QToolTip::showText(help->globalPos(), text, viewport());
+    QToolTip::showText(help->globalPos(), plainToolTip(text), viewport());
     return true;
 }
 

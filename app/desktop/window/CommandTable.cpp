@@ -76,7 +76,8 @@ constexpr CommandInfo table[] = {
     {C::reject, M::photo, nullptr, "Reject", "X", N::photos, window, advances},
     {C::clearMarks, M::photo, nullptr, "Neither Picked nor Rejected", "U", N::photos, window, advances},
     // Shift and this key are "?" on many keyboards, which shows the list of keys.
-    {C::toggleFlag, M::photo, nullptr, "Flag or Remove Flag", "/", N::photos},
+    {C::toggleFlag, M::photo, nullptr, "Flag or Remove Flag", "/", N::photos, window,
+        MarksPhotos::advancesUnderCapsLock},
     line(M::photo),
     {C::rotateLeft, M::photo, nullptr, "Rotate Left", "Ctrl+[", N::photos},
     {C::rotateRight, M::photo, nullptr, "Rotate Right", "Ctrl+]", N::photos},

@@ -93,7 +93,10 @@ void Commands::handle(Command command, Handler handler, Condition possible)
 
 void Commands::run(Command command, const Handler& handler)
 {
-    advance_ = std::exchange(shiftOrCapsLock_, false) && infoOf(command).marks == MarksPhotos::advances;
+    const auto marks = infoOf(command).marks;
+    const bool shift = std::exchange(shift_, false);
+    const bool capsLock = std::exchange(capsLock_, false);
+    advance_ = (marks != MarksPhotos::no && capsLock) || (marks == MarksPhotos::advances && shift);
     if (command == Command::undo && takeBackWhatIsOpen())
         return refresh();
     if (actsOnPhotos(command) ? !settleForPhotos()
@@ -248,10 +251,10 @@ bool Commands::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::ShortcutOverride) {
         constexpr quint32 capsLock = 2;
         const auto* const key = static_cast<QKeyEvent*>(event);
-        shiftOrCapsLock_
-            = key->modifiers().testFlag(Qt::ShiftModifier) || (key->nativeModifiers() & capsLock) != 0;
+        shift_ = key->modifiers().testFlag(Qt::ShiftModifier);
+        capsLock_ = (key->nativeModifiers() & capsLock) != 0;
     } else if (event->type() == QEvent::MouseButtonPress) {
-        shiftOrCapsLock_ = false; // what a menu is asked for by the mouse marks without moving on
+        shift_ = capsLock_ = false; // what a menu is asked for by the mouse marks without moving on
     }
     return QObject::eventFilter(watched, event);
 }

@@ -69,7 +69,8 @@ enum class CommandKeysIn {
     centre, ///< only while the grid, the viewer or the like has the focus, so that other controls keep theirs
 };
 
-enum class MarksPhotos { no, advances };
+/// Whether Shift with the key, or Caps Lock, marks and goes on to the next photo.
+enum class MarksPhotos { no, advances, advancesUnderCapsLock };
 
 struct CommandInfo {
     Command id;
@@ -151,7 +152,8 @@ private:
     std::array<Condition, static_cast<std::size_t>(Command::count)> conditions_;
     Typing typing_;
     bool advance_ = false;
-    bool shiftOrCapsLock_ = false; // at the last key
+    bool shift_ = false; // at the last key
+    bool capsLock_ = false;
     Connection storeChanged_;
     Connection browserChanged_;
     Connection draftChanged_;

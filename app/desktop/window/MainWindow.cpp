@@ -178,6 +178,13 @@ void MainWindow::closeEvent(QCloseEvent* event)
     QApplication::quit(); // also while a full-screen photo or a sheet is open
 }
 
+void MainWindow::quitUnasked()
+{
+    commands_.settle();
+    rememberWindow(*this);
+    QApplication::exit();
+}
+
 void MainWindow::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);

@@ -55,6 +55,10 @@ public:
     /// field comes next, which would take the next key for a text.
     void setShown(QWidget& part, bool isShown);
 
+    /// Ends the program without a question, as when the system goes down: what is being typed is stored, the
+    /// window is remembered, and jobs stop.
+    void quitUnasked();
+
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;

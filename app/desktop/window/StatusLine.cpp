@@ -75,7 +75,7 @@ Widget* StatusLine::add(Widget* widget, const char* accessibleName)
 }
 
 StatusLine::StatusLine(MainWindow& window)
-    : QObject(&window), window_(window), desktop_(window.desktop()), counts_(new QLabel),
+    : QObject(&window), window_(window), desktop_(window.desktop()), counts_(plainLabel()),
       unwritten_(add(new QToolButton, "Not yet written to files")),
       stop_(add(new QToolButton, "Stop writing into files")), job_(add(new ElidedLabel, "Running job")),
       progress_(add(new QProgressBar, "Progress")), cancel_(add(new QToolButton, "Cancel the job")),

@@ -58,6 +58,20 @@ TEST(Culling, shiftGoesOnToTheNextPhotoBothInTheGridAndInTheViewer)
     EXPECT_EQ(t.store().selection(), IDs{4}) << "behind the last of several";
 }
 
+TEST(Culling, underCapsLockAllMarkingKeysGoOn)
+{
+    TestWindow t(3);
+    t.store().select({1});
+    for (const auto& [key, text] : {std::pair{Qt::Key_P, "P"}, {Qt::Key_Slash, "/"}}) {
+        constexpr quint32 capsLock = 2;
+        QKeyEvent heard(QEvent::ShortcutOverride, key, Qt::NoModifier, 0, 0, capsLock, text);
+        QApplication::sendEvent(QApplication::focusWidget(), &heard);
+        t.window->commands().run(key == Qt::Key_P ? Command::pick : Command::toggleFlag);
+    }
+    EXPECT_EQ(t.store().selection(), IDs{3});
+    EXPECT_TRUE(t.listed(1).flagged && t.listed(2).flagged && !t.listed(3).flagged);
+}
+
 TEST(Culling, aPhotoThatTheFilterHidesMakesRoomForTheNextAndUndoBringsItBackSelected)
 {
     TestWindow t(3);

@@ -1,15 +1,17 @@
 #include "app/desktop/info/DescriptiveForm.h"
 #include "base/Json.h"
 #include "catalog/store/LibraryActions.h"
-#include "tests/app/desktop/TestWindow.h"
+#include "tests/app/desktop/PhotoWindow.h"
 #include "tests/support/StoreActions.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTextDocument>
 #include <QTimer>
 
 namespace korvo {
@@ -47,6 +49,28 @@ void settle()
 }
 
 } // namespace
+
+TEST(Info, takesNoTextOfAFileForHtml)
+{
+    PhotoWindow t;
+    const auto id = t.add("IMG_<b>1</b>.png");
+    t.store().catalog().storeCameraData(id, {.camera = "Canon <img src=\"file:///dev/zero\"> R5"});
+    t.store().reload();
+    t.store().select({id});
+    int dangerous = 0;
+    const auto isShown = [&] {
+        dangerous = 0;
+        for (const auto* const label : t.window->findChildren<QLabel*>())
+            if (Qt::mightBeRichText(label->text())) {
+                ++dangerous;
+                EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
+            }
+        return dangerous >= 2; // its name and its camera
+    };
+    EXPECT_TRUE(QTest::qWaitFor(isShown, wait)) << dangerous;
+    for (auto* const label : t.window->findChildren<QLabel*>())
+        EXPECT_FALSE(label->toolTip().contains("<img")) << label->toolTip().toStdString();
+}
 
 TEST(Info, writesOnlyTheTouchedFieldOfManyAndAsOneStep)
 {

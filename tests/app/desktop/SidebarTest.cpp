@@ -179,6 +179,30 @@ TEST(Sidebar, deleteMeansItsLineAndNeverPhotos)
     EXPECT_EQ(store.tree().albums.size(), 1U);
 }
 
+TEST(Sidebar, asksForPhotosThatLeaveTheLibraryAndTellsHowMany)
+{
+    TestWindow t(3);
+    auto& store = t.store();
+    const auto folder = store.catalog().addFolder("/photos", 0).id;
+    for (const auto* const name : {"/photos/x.jpg", "/photos/y.jpg"}) {
+        const NewPhoto photo{.folderID = folder, .path = name};
+        store.catalog().addPhotos(std::span(&photo, 1));
+    }
+    createProject(store, "project", "project", {});
+    store.reload();
+    QTest::qWait(20);
+    auto& sidebar = *sidebarOf(*t.window);
+    const auto refusedDeletionOf = [&](const char* line) {
+        sidebar.setCurrentItem(sidebar.findItems(line, Qt::MatchExactly | Qt::MatchRecursive).at(0));
+        sidebar.setFocus();
+        return t.refused([&] { t.press(Qt::Key_Delete); });
+    };
+    EXPECT_EQ(refusedDeletionOf("project"), "") << "which undo brings back";
+    EXPECT_TRUE(store.tree().projects.empty());
+    QTest::qWait(20);
+    EXPECT_TRUE(refusedDeletionOf("photos").startsWith("Remove the folder “photos” and its 2 photos"));
+}
+
 TEST(Sidebar, keepsWhichLinesAreOpen)
 {
     TestWindow t(0);

@@ -39,6 +39,10 @@ struct TestWindow : TestLibrary {
     /// What is asked while a command runs, title and details; nothing if it asks nothing. The answer is no.
     QString refused(Command command)
     {
+        return refused([&] { window->commands().run(command); });
+    }
+    static QString refused(const std::function<void()>& action)
+    {
         QString asked;
         QTimer::singleShot(0, [&] {
             if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
@@ -46,7 +50,7 @@ struct TestWindow : TestLibrary {
                 box->reject();
             }
         });
-        window->commands().run(command);
+        action();
         return asked;
     }
     /// A button of the status line, or of another place.
