@@ -12,6 +12,11 @@ struct Coordinate {
 };
 KORVO_RECORD(Coordinate, latitude, longitude)
 
+/// The parts of a file that hold where and when it was taken, or are to.
+struct FileParts {
+    bool exif = true, xmp = false, film = false;
+};
+
 /// Whether two positions are one as far as the ways to write them down tell: ten metres.
 inline bool isSamePlace(const Coordinate& one, const Coordinate& other)
 {

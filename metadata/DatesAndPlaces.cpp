@@ -6,6 +6,7 @@
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
 #include "metadata/FileFields.h"
+#include "metadata/PositionInFile.h"
 #include "platform/ApertureBundles.h"
 
 namespace korvo {
@@ -15,15 +16,16 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Changes one file and keeps its new date and size, unless somebody else had changed it before.
-void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& run,
-    const ChangeArguments& arguments, const std::stop_token& stop)
+void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& run, const FileChange& change,
+    const std::stop_token& stop)
 {
     const bool known = isAsKnown(record, fileState(record.path));
-    changeFile(run, record.path, arguments, stop);
-    if (!known)
-        return;
-    const auto state = fileState(record.path);
-    catalog.fileChanged(record.id, state.date, state.size);
+    changeFile(run, record.path, change.arguments, stop);
+    if (known) {
+        const auto state = fileState(record.path);
+        catalog.fileChanged(record.id, state.date, state.size);
+    }
+    change.check(record.path);
 }
 
 /// Changes photo by photo, the catalog first, so that whatever ends this leaves one photo at most of which
@@ -31,7 +33,7 @@ void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& ru
 /// of its own.
 FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
     const std::function<void(const FileRecord&)>& adjustCatalog, const ExifTool& tool,
-    const ChangeArguments& arguments, const std::stop_token& stop, const FileProgress& progress)
+    const FileChange& change, const std::stop_token& stop, const FileProgress& progress)
 {
     (void)tool.path(); // before anything is done
     FilesWritten result;
@@ -50,7 +52,7 @@ FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
             adjustCatalog(*record);
             result.touched.push_back(record->id);
             if (!aperture.hold(record->path))
-                changeOne(catalog, *record, run, arguments, stop);
+                changeOne(catalog, *record, run, change, stop);
             ++result.done;
         } catch (const ExifToolError& error) {
             fail(error.what());
@@ -82,9 +84,10 @@ FilesWritten shiftDates(Catalog& catalog, std::span<const PhotoID> photos, doubl
         catalog.shiftCaptureDate(record.id, seconds);
         transaction.commit();
     };
-    return adjust(
-        catalog, photos, inCatalog, tool,
-        [&](const fs::path& file) { return shiftDatesArguments(seconds, file); }, stop, progress);
+    return adjust(catalog, photos, inCatalog, tool, {[&](const fs::path& file) {
+        return shiftDatesArguments(seconds, file, fileParts(file).value_or(FileParts()));
+    }},
+        stop, progress);
 }
 
 FilesWritten setLocation(Catalog& catalog, std::span<const PhotoID> photos,
@@ -95,9 +98,8 @@ FilesWritten setLocation(Catalog& catalog, std::span<const PhotoID> photos,
         catalog.setUserPosition(record.id, position ? std::optional(position->latitude) : std::nullopt,
             position ? std::optional(position->longitude) : std::nullopt);
     };
-    const auto inFile = [&](const fs::path& file) {
-        return position ? writeGPSArguments(*position, file) : stripGPSArguments(file);
-    };
+    const FileChange inFile{[&](const fs::path& file) { return positionArguments(file, position); },
+        [&](const fs::path& file) { checkPosition(file, position); }};
     return adjust(catalog, photos, inCatalog, tool, inFile, stop, progress);
 }
 

@@ -13,4 +13,7 @@ std::optional<PhotoExifInfo> readExif(const std::filesystem::path& file);
 /// Where a file says it was taken; nothing when it cannot be read or does not say.
 std::optional<Coordinate> readGPS(const std::filesystem::path& file);
 
+/// Where a file keeps its position and its date; nothing when it cannot be read.
+std::optional<FileParts> fileParts(const std::filesystem::path& file);
+
 } // namespace korvo

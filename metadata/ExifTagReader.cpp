@@ -1,6 +1,7 @@
 #include "metadata/ExifTagReader.h"
 
 #include "metadata/ExifBlock.h"
+#include "metadata/Xmp.h"
 
 #include <algorithm>
 #include <array>
@@ -188,6 +189,9 @@ ExifTags readExifTags(FileWindow& file, const MetadataBlocks& blocks)
         readPosition(reading, *block, block->firstDirectory());
     if (blocks.furtherExif)
         readWhole(reading, file, *blocks.furtherExif);
+    for (const auto& packet : {blocks.xmp, blocks.extendedXmp})
+        if (const auto bytes = packet && !reading.tags.coordinate ? file.view(*packet) : std::nullopt)
+            reading.tags.coordinate = readXmpPosition(*bytes);
     return reading.tags;
 }
 

@@ -36,6 +36,12 @@ bool isAsKnown(const FileRecord& record, const FileState& state);
 /// The call of the tool that changes a file.
 using ChangeArguments = std::function<ExifToolArguments(const std::filesystem::path&)>;
 
+/// What is done to a file, and what finds that the tool has not done it by throwing ExifToolError.
+struct FileChange {
+    ChangeArguments arguments;
+    std::function<void(const std::filesystem::path&)> check = [](const std::filesystem::path&) {};
+};
+
 /// Changes a file, or what a link leads to. What an interrupted call left beside the file is cleared away
 /// first if it keeps the tool from working. Throws ExifToolError; the file is then as it was.
 void changeFile(const RunExifTool& run, const std::filesystem::path& file, const ChangeArguments& arguments,

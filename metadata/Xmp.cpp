@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <pugixml.hpp>
 #include <string_view>
 #include <vector>
@@ -14,7 +16,7 @@ namespace korvo {
 
 namespace {
 
-enum class Namespace { other, rdf, dublinCore, iptcCore };
+enum class Namespace { other, rdf, dublinCore, iptcCore, exif };
 
 struct Name {
     Namespace space = Namespace::other;
@@ -31,6 +33,8 @@ Namespace namespaceOf(std::string_view uri)
         return Namespace::dublinCore;
     if (uri == "http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/")
         return Namespace::iptcCore;
+    if (uri == "http://ns.adobe.com/exif/1.0/")
+        return Namespace::exif;
     return Namespace::other;
 }
 
@@ -111,11 +115,10 @@ std::string chosenText(std::vector<ListEntry>& entries)
 
 class XmpReader {
 public:
-    DescriptiveFields read(const pugi::xml_document& document)
-    {
-        visit(document, 0);
-        return std::move(fields_);
-    }
+    explicit XmpReader(const pugi::xml_document& document) { visit(document, 0); }
+
+    DescriptiveFields fields;
+    std::string latitude, longitude;
 
 private:
     // How deep the descriptions may lie: document, x:xmpmeta, rdf:RDF, rdf:Description, and one for good
@@ -149,17 +152,21 @@ private:
 
     static bool isWanted(const Name& name)
     {
-        return name.space == Namespace::dublinCore || name.space == Namespace::iptcCore;
+        return name.space != Namespace::other && name.space != Namespace::rdf;
     }
 
     void takeProperty(const Name& name, std::vector<ListEntry> entries)
     {
-        if (name == Name{Namespace::dublinCore, "subject"} && fields_.keywords.empty())
-            fields_.keywords = keywordsOf(std::move(entries));
+        if (name == Name{Namespace::dublinCore, "subject"} && fields.keywords.empty())
+            fields.keywords = keywordsOf(std::move(entries));
         for (const auto& [property, field] : textProperties)
             if (name == property)
                 if (auto text = chosenText(entries); !text.empty())
-                    fields_.*field = std::move(text);
+                    fields.*field = std::move(text);
+        if (name == Name{Namespace::exif, "GPSLatitude"})
+            latitude = chosenText(entries);
+        if (name == Name{Namespace::exif, "GPSLongitude"})
+            longitude = chosenText(entries);
     }
 
     static std::vector<std::string> keywordsOf(std::vector<ListEntry> entries)
@@ -209,17 +216,55 @@ private:
     };
 
     Prefixes prefixes_;
-    DescriptiveFields fields_;
 };
+
+XmpReader reading(Bytes packet)
+{
+    pugi::xml_document document;
+    // A damaged packet leaves in the document what was read of it until then.
+    (void)document.load_buffer(packet.data(), packet.size());
+    return XmpReader(document);
+}
+
+/// The degrees of "33,51.6S" or "33,51,36S": south and west are below 0.
+std::optional<double> degreesOf(std::string_view text, std::string_view letters)
+{
+    const auto letter = text.empty() ? letters.npos : letters.find(text.back());
+    if (letter == letters.npos)
+        return std::nullopt;
+    double sum = 0, unit = 1;
+    for (const auto part : split(text.substr(0, text.size() - 1), ',')) {
+        double value = 0;
+        const auto [end, error] = std::from_chars(part.data(), part.data() + part.size(), value);
+        if (error != std::errc() || end != part.data() + part.size() || !(value >= 0))
+            return std::nullopt;
+        sum += value / unit;
+        unit *= 60;
+    }
+    return letter == 0 ? sum : -sum;
+}
 
 } // namespace
 
 DescriptiveFields readXmp(Bytes packet)
 {
-    pugi::xml_document document;
-    // A damaged packet leaves in the document what was read of it until then.
-    (void)document.load_buffer(packet.data(), packet.size());
-    return XmpReader().read(document);
+    return reading(packet).fields;
+}
+
+bool mentionsPosition(Bytes packet)
+{
+    return packet.text().find("GPSL") != std::string_view::npos;
+}
+
+std::optional<Coordinate> readXmpPosition(Bytes packet)
+{
+    if (!mentionsPosition(packet)) // nearly none do
+        return std::nullopt;
+    const auto read = reading(packet);
+    const auto latitude = degreesOf(read.latitude, "NS"), longitude = degreesOf(read.longitude, "EW");
+    if (!latitude || !longitude || std::abs(*latitude) > 90 || std::abs(*longitude) > 180)
+        return std::nullopt;
+    return Coordinate{*latitude, *longitude};
 }
 
 bool isDamagedXmp(Bytes packet)

@@ -171,7 +171,7 @@ private:
     }
 
     FileWindow& file_;
-    MetadataBlocks blocks_;
+    MetadataBlocks blocks_{.parts = {.exif = false, .xmp = true}};
     std::uint64_t directories_ = 0;
     double focalUnits_ = 0;
 };

@@ -90,7 +90,7 @@ private:
 
     FileWindow& file_;
     ByteRange rest_;
-    MetadataBlocks blocks_;
+    MetadataBlocks blocks_{.parts = {.exif = false, .xmp = true}};
 };
 
 } // namespace

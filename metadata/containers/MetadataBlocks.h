@@ -22,6 +22,7 @@ struct MetadataBlocks {
     std::optional<ByteRange> iptc; ///< IIM data sets
     ExifTags own; ///< what is said outside any EXIF block
     PixelSize size;
+    FileParts parts; ///< that exiftool writes into in files of this kind
 };
 
 } // namespace korvo

@@ -138,6 +138,7 @@ private:
 
     void takeCanonBoxes(ByteRange area)
     {
+        blocks_.parts = {.exif = true, .xmp = true};
         IsoBoxes boxes(file_, area);
         while (const auto box = boxes.next()) {
             if (box->type == "CMT1")
@@ -152,7 +153,7 @@ private:
     }
 
     FileWindow& file_;
-    MetadataBlocks blocks_;
+    MetadataBlocks blocks_{.parts = {.exif = false, .film = true}};
     std::int64_t created_ = 0;
 };
 

@@ -23,10 +23,15 @@ std::string fileArgument(const std::filesystem::path& file)
     return file.native().starts_with('-') ? "./" + file.native() : file.native();
 }
 
+void append(ExifToolArguments& all, const ExifToolArguments& more)
+{
+    all.insert(all.end(), more.begin(), more.end());
+}
+
 ExifToolArguments changeOf(const std::filesystem::path& file, const ExifToolArguments& assignments)
 {
     auto arguments = change();
-    arguments.insert(arguments.end(), assignments.begin(), assignments.end());
+    append(arguments, assignments);
     arguments.push_back(fileArgument(file));
     return arguments;
 }
@@ -110,35 +115,70 @@ ExifToolArguments writeArguments(const PhotoMetadata& metadata, const std::files
             "-IFD0:Copyright=" + copyright});
 }
 
-ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::path& file)
+ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::path& file, FileParts parts)
 {
     const auto whole = std::llround(std::abs(seconds));
     const auto ofDay = whole % 86400;
-    return changeOf(file,
-        {fmt::format("-AllDates{}=0:0:{} {}:{}:{}", seconds < 0 ? '-' : '+', whole / 86400, ofDay / 3600,
-            ofDay % 3600 / 60, ofDay % 60)});
+    const auto shift = fmt::format("{}=0:0:{} {}:{}:{}", seconds < 0 ? '-' : '+', whole / 86400, ofDay / 3600,
+        ofDay % 3600 / 60, ofDay % 60);
+    ExifToolArguments assignments{"-AllDates" + shift};
+    if (parts.film) // phones say it here as well, with its zone, and players believe this
+        assignments.push_back("-Keys:CreationDate" + shift);
+    return changeOf(file, assignments);
 }
 
 namespace {
 
-ExifToolArguments positionAssignments(const Coordinate& position)
+/// Only EXIF has letters of their own for north and south, east and west.
+ExifToolArguments exifAssignments(const Coordinate& position)
 {
     return {fmt::format("-GPSLatitude={}", std::abs(position.latitude)),
-            std::string("-GPSLatitudeRef=") + (position.latitude >= 0 ? "N" : "S"),
-            fmt::format("-GPSLongitude={}", std::abs(position.longitude)),
-            std::string("-GPSLongitudeRef=") + (position.longitude >= 0 ? "E" : "W")};
+        std::string("-GPSLatitudeRef=") + (position.latitude >= 0 ? "N" : "S"),
+        fmt::format("-GPSLongitude={}", std::abs(position.longitude)),
+        std::string("-GPSLongitudeRef=") + (position.longitude >= 0 ? "E" : "W")};
+}
+
+ExifToolArguments xmpAssignments(const Coordinate& position)
+{
+    return {fmt::format("-XMP-exif:GPSLatitude={}{}", std::abs(position.latitude),
+                position.latitude >= 0 ? "N" : "S"),
+        fmt::format("-XMP-exif:GPSLongitude={}{}", std::abs(position.longitude),
+            position.longitude >= 0 ? "E" : "W")};
+}
+
+/// The places that phones write and players read; a third one would contradict them.
+ExifToolArguments filmAssignments(const std::string& position)
+{
+    return {"-ItemList:GPSCoordinates=", "-UserData:LocationInformation=",
+        "-UserData:GPSCoordinates=" + position, "-Keys:GPSCoordinates=" + position};
 }
 
 } // namespace
 
-ExifToolArguments writeGPSArguments(const Coordinate& position, const std::filesystem::path& file)
+ExifToolArguments writeGPSArguments(
+    const Coordinate& position, const std::filesystem::path& file, FileParts parts)
 {
-    return changeOf(file, positionAssignments(position));
+    ExifToolArguments assignments;
+    if (parts.exif)
+        append(assignments, exifAssignments(position));
+    if (parts.xmp)
+        append(assignments, xmpAssignments(position));
+    if (parts.film) // a small number with an exponent would be written as it stands
+        append(assignments,
+            filmAssignments(fmt::format("{:.6f}, {:.6f}", position.latitude, position.longitude)));
+    return changeOf(file, assignments);
 }
 
-ExifToolArguments stripGPSArguments(const std::filesystem::path& file)
+ExifToolArguments stripGPSArguments(const std::filesystem::path& file, FileParts parts)
 {
-    return changeOf(file, {"-GPS:all="});
+    ExifToolArguments assignments;
+    if (parts.exif)
+        assignments.push_back("-GPS:all=");
+    if (parts.xmp)
+        assignments.push_back("-XMP-exif:GPS*=");
+    if (parts.film)
+        append(assignments, filmAssignments(""));
+    return changeOf(file, assignments);
 }
 
 ExifToolArguments exportedExifArguments(const std::filesystem::path& source,
@@ -150,7 +190,7 @@ ExifToolArguments exportedExifArguments(const std::filesystem::path& source,
     if (position.ofFile == Position::strip)
         arguments.push_back("-GPS:all=");
     if (position.own)
-        std::ranges::copy(positionAssignments(*position.own), std::back_inserter(arguments));
+        append(arguments, exifAssignments(*position.own));
     return changeOf(picture, arguments);
 }
 

@@ -19,9 +19,11 @@ ExifToolArguments readArguments(std::span<const std::filesystem::path> files);
 /// Makes a file hold exactly these fields; an empty one deletes its tags.
 ExifToolArguments writeArguments(const PhotoMetadata& metadata, const std::filesystem::path& file);
 /// Moves a file's dates by `seconds`, rounded to whole ones.
-ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::path& file);
-ExifToolArguments writeGPSArguments(const Coordinate& position, const std::filesystem::path& file);
-ExifToolArguments stripGPSArguments(const std::filesystem::path& file);
+ExifToolArguments shiftDatesArguments(double seconds, const std::filesystem::path& file, FileParts parts);
+/// Gives a file a position, or takes it away, in those of its parts that hold one, or are to.
+ExifToolArguments writeGPSArguments(
+    const Coordinate& position, const std::filesystem::path& file, FileParts parts);
+ExifToolArguments stripGPSArguments(const std::filesystem::path& file, FileParts parts);
 /// Whether where a photo was taken goes along.
 enum class Position { keep, strip };
 /// Which position a picture that was made of a photo holds: the file's, and instead of that another one.

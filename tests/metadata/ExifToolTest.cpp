@@ -46,13 +46,13 @@ TEST(ExifToolArguments, areThoseThatTheToolIsKnownToTake)
             "-IFD0:Artist=C", "-XMP-dc:Rights=R", "-IPTC:CopyrightNotice=R", "-IFD0:Copyright=R", "/a.jpg"}));
     for (const auto& [seconds, text] : {std::pair(93784.0, "-AllDates+=0:0:1 2:3:4"),
              {-90.0, "-AllDates-=0:0:0 0:1:30"}, {0.4, "-AllDates+=0:0:0 0:0:0"}})
-        EXPECT_EQ(shiftDatesArguments(seconds, "/a.jpg"),
+        EXPECT_EQ(shiftDatesArguments(seconds, "/a.jpg", {}),
             (Arguments{"-overwrite_original", "-q", "-m", text, "/a.jpg"}));
-    EXPECT_EQ(writeGPSArguments({48.8584, -2.5}, "/a.jpg"),
+    EXPECT_EQ(writeGPSArguments({48.8584, -2.5}, "/a.jpg", {}),
         (Arguments{"-overwrite_original", "-q", "-m", "-GPSLatitude=48.8584", "-GPSLatitudeRef=N",
             "-GPSLongitude=2.5", "-GPSLongitudeRef=W", "/a.jpg"}));
-    EXPECT_EQ(
-        stripGPSArguments("/a.jpg"), (Arguments{"-overwrite_original", "-q", "-m", "-GPS:all=", "/a.jpg"}));
+    EXPECT_EQ(stripGPSArguments("/a.jpg", {}),
+        (Arguments{"-overwrite_original", "-q", "-m", "-GPS:all=", "/a.jpg"}));
     EXPECT_EQ(exportedExifArguments("/a.cr2", "/b.jpg", 30, 20, {Position::strip, {}}),
         (Arguments{"-overwrite_original", "-q", "-m", "-TagsFromFile", "/a.cr2", "-EXIF:all",
             "-IFD1:all=", "-Orientation#=1", "-ColorSpace#=1", "-ExifImageWidth=30", "-ExifImageHeight=20",
@@ -140,7 +140,8 @@ TEST(ExifTool, keepsEveryCharacterInEitherWayOfCalling)
         EXPECT_EQ(bytes[0], bytes[1]) << "both ways give the same file";
         ++written;
     }
-    EXPECT_NE(failureOf([&] { kept.run(stripGPSArguments(folder / "gone.jpg"), {}); }).find("File not found"),
+    EXPECT_NE(
+        failureOf([&] { kept.run(stripGPSArguments(folder / "gone.jpg", {}), {}); }).find("File not found"),
         std::string::npos);
 }
 

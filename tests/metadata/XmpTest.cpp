@@ -32,6 +32,30 @@ std::string inAlternatives(std::string_view items)
 
 } // namespace
 
+TEST(Xmp, readsAPosition)
+{
+    const std::string exif = "xmlns:exif='http://ns.adobe.com/exif/1.0/'";
+    const auto at = [&](std::string_view latitude, std::string_view longitude) {
+        return fmt::format("{} exif:GPSLatitude='{}' exif:GPSLongitude='{}'", exif, latitude, longitude);
+    };
+    for (const auto& [attributes, properties, expected] :
+        {
+            std::tuple(at("33,51.6S", "70,30.0W"), "", std::optional(Coordinate{-33.86, -70.5})),
+            {at("33,51,36N", "70,30,0E"), "", Coordinate{33.86, 70.5}},
+            {exif, "<exif:GPSLongitude>70,30.0W</exif:GPSLongitude><exif:GPSLatitude>0,0N</exif:GPSLatitude>",
+                Coordinate{0, -70.5}},
+            {at("33,51.6", "70,30.0W"), "", {}},
+            {at("91,0N", "70,30.0W"), "", {}},
+            {at("33,x0N", "70,30.0W"), "", {}},
+            {at("", "70,30.0W"), "", {}},
+            {"xmlns:exif='http://example.org/' exif:GPSLatitude='1,0N' exif:GPSLongitude='1,0E'", "", {}},
+        }) {
+        const auto position = readXmpPosition(Bytes(std::string_view(packet(attributes, properties))));
+        EXPECT_EQ(position.has_value(), expected.has_value()) << attributes;
+        EXPECT_TRUE(!expected || !position || isSamePlace(*position, *expected)) << attributes;
+    }
+}
+
 TEST(Xmp, readsATitleInEveryWayItMayBeWritten)
 {
     struct Case {

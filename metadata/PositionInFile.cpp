@@ -1,0 +1,26 @@
+#include "metadata/PositionInFile.h"
+
+#include "metadata/ExifReader.h"
+#include "metadata/exiftool/ExifToolError.h"
+
+namespace korvo {
+
+ExifToolArguments positionArguments(
+    const std::filesystem::path& file, const std::optional<Coordinate>& position)
+{
+    const auto parts = fileParts(file).value_or(FileParts());
+    return position ? writeGPSArguments(*position, file, parts) : stripGPSArguments(file, parts);
+}
+
+void checkPosition(const std::filesystem::path& file, const std::optional<Coordinate>& position)
+{
+    if (!fileParts(file))
+        return;
+    const auto held = readGPS(file);
+    if (held.has_value() != position.has_value() || (held && !isSamePlace(*held, *position)))
+        throw ExifToolError::failed(position
+                ? "the position could not be written into the file; only the library has it"
+                : "the position could not be taken out of the file; only the library has none");
+}
+
+} // namespace korvo
