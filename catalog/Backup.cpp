@@ -22,12 +22,12 @@ bool isBackupName(const std::string& name)
 void copyDatabase(Database& source, const std::filesystem::path& file)
 {
     sqlite3* opened = nullptr;
-    // Without locks: the file is ours already, and on a network's file system the two would be in each
-    // other's way.
-    const int code = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, "unix-none");
+    const int code = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
     const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> target(opened, sqlite3_close);
     if (code != SQLITE_OK)
         throw DatabaseError::open(opened ? sqlite3_errmsg(opened) : "unknown");
+    // A copy that is broken off is thrown away; its journal would stay for ever.
+    sqlite3_exec(opened, "PRAGMA journal_mode=OFF", nullptr, nullptr, nullptr);
     const ConnectionLock lock(source.handle());
     sqlite3_backup* const backup = sqlite3_backup_init(opened, "main", source.handle(), "main");
     const int stepped = backup ? sqlite3_backup_step(backup, -1) : SQLITE_ERROR;
@@ -55,7 +55,7 @@ try {
     const auto file = folder / (std::string(backupStart) + localDay(now) + ".sqlite");
     if (std::filesystem::exists(file))
         return;
-    PartFile::removeLeftOvers(folder, backupStart);
+    PartFile::removeLeftOvers(folder / backupStart);
     try {
         const WithoutWaiting impatient(database); // a reader in another process must not hold up the opening
         database.exec("PRAGMA wal_checkpoint(TRUNCATE)");

@@ -42,7 +42,7 @@ ModelStore::ModelStore(
       state_(found())
 {
     for (const auto& file : fetch_.models.files)
-        PartFile::removeLeftOver(placeOf(file));
+        PartFile::removeLeftOvers(placeOf(file));
 }
 
 ModelStore::State ModelStore::found() const

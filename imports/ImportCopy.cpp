@@ -63,7 +63,7 @@ bool verify(const FileCopy& copy, const std::stop_token& stop)
 
 void removeHalfWritten(const fs::path& folder)
 {
-    PartFile::removeLeftOvers(folder, hiddenStart);
+    PartFile::removeLeftOvers(folder / hiddenStart);
 }
 
 } // namespace korvo

@@ -36,8 +36,7 @@ bool finish(FileCopy& copy, const std::optional<std::filesystem::file_time_type>
 /// copies at once.
 bool verify(const FileCopy& copy, const std::stop_token& stop);
 
-/// Removes the copies that a killed import left half-written in a folder. Throws
-/// std::filesystem::filesystem_error.
+/// Removes the copies that a killed import left half-written in a folder.
 void removeHalfWritten(const std::filesystem::path& folder);
 
 } // namespace korvo

@@ -4,10 +4,6 @@
 
 namespace korvo {
 
-/// Makes `from`, a finished file on the same file system, the file `to`, replacing what is there: after a
-/// crash or a power cut either the old file stands or the whole new one. Throws std::system_error.
-void moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to);
-
 /// Renames `from` to a name of the same file system that nothing has; false when something has. File systems
 /// that cannot rename so (NFS, some of FUSE) are asked first, which another program may spoil in that very
 /// moment. What is renamed is safe from a power cut after syncFolder(). Throws std::system_error.

@@ -1,11 +1,11 @@
 #include "platform/PartFile.h"
 
+#include "base/Uuid.h"
 #include "platform/FileSync.h"
 
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -25,12 +25,18 @@ fs::path partOf(fs::path target)
 
 enum class Lock { ours, others, none };
 
-/// On a file system without locks nobody can tell who writes a file.
+/// Locks a byte far behind the end. On a file server a lock may keep every other handle, also of ours, from
+/// what it covers, and others do read and write the file while we hold it.
 Lock lock(const PosixFile& file)
 {
-    if (flock(file.descriptor(), LOCK_EX | LOCK_NB) == 0)
+    struct flock farByte { };
+    farByte.l_type = F_WRLCK;
+    farByte.l_whence = SEEK_SET;
+    farByte.l_start = off_t(1) << 61;
+    farByte.l_len = 1;
+    if (fcntl(file.descriptor(), F_OFD_SETLK, &farByte) == 0)
         return Lock::ours;
-    return errno == EWOULDBLOCK ? Lock::others : Lock::none;
+    return errno == EAGAIN || errno == EACCES ? Lock::others : Lock::none;
 }
 
 /// Whether nobody has written the file for a day.
@@ -52,21 +58,38 @@ std::optional<PartFile> PartFile::begin(const fs::path& target)
     const auto path = partOf(target);
     for (;;) {
         auto file = openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW);
-        if (!file)
-            throwFileError("write", path);
-        if (lock(file) == Lock::others)
+        if (!file) // what another user left, a folder, a link
+            return ofOwnName(target);
+        const auto held = lock(file);
+        if (held == Lock::others)
             return std::nullopt;
         if (!isNamed(file, path))
             continue; // installed or removed by its owner just before we had the lock
+        if (held == Lock::none) {
+            unlink(path.c_str()); // where there are no locks nobody writes under this name
+            return ofOwnName(target);
+        }
         if (ftruncate(file.descriptor(), 0) != 0)
             throwFileError("write", path);
         return PartFile(target, path, std::move(file));
     }
 }
 
-void PartFile::removeLeftOver(const fs::path& target)
+PartFile PartFile::ofOwnName(const fs::path& target)
 {
-    const auto path = partOf(target);
+    auto name = target;
+    const auto path = partOf(name += "." + Uuid::random().text());
+    auto file = openFile(path, O_RDWR | O_CREAT | O_EXCL);
+    if (!file)
+        throwFileError("write", partOf(target));
+    (void)lock(file); // tells who removes left-overs that this is none, where there are locks
+    return {target, path, std::move(file)};
+}
+
+namespace {
+
+void removeLeftOver(const fs::path& path)
+{
     const auto file = openFile(path, O_RDWR | O_NOFOLLOW);
     if (!file)
         return;
@@ -77,13 +100,15 @@ void PartFile::removeLeftOver(const fs::path& target)
         unlink(path.c_str());
 }
 
-void PartFile::removeLeftOvers(const fs::path& folder, std::string_view start)
+} // namespace
+
+void PartFile::removeLeftOvers(const fs::path& start)
 {
-    for (const auto& entry : fs::directory_iterator(folder)) {
-        const auto& path = entry.path();
-        if (path.filename().native().starts_with(start) && path.extension() == partEnding)
-            removeLeftOver(path.parent_path() / path.stem());
-    }
+    std::error_code unreadable;
+    fs::directory_iterator entry(start.parent_path(), unreadable);
+    for (; !unreadable && entry != fs::directory_iterator(); entry.increment(unreadable))
+        if (entry->path().native().starts_with(start.native()) && entry->path().extension() == partEnding)
+            removeLeftOver(entry->path());
 }
 
 PartFile::~PartFile()
@@ -119,10 +144,13 @@ bool PartFile::moveTo(const fs::path& freeName)
     return true;
 }
 
-void PartFile::install()
+void PartFile::moveOver(const fs::path& target)
 {
-    moveIntoPlace(path_, target_);
-    file_ = {};
+    syncFile(path_); // by its name, under which a tool may have put a file of its own
+    if (rename(path_.c_str(), target.c_str()) != 0)
+        throwFileError("write", target);
+    file_ = {}; // from here on the name may be another's
+    syncFolder(target.parent_path());
 }
 
 namespace {

@@ -14,15 +14,14 @@ namespace korvo {
 /// which the one that a killed process left behind can be told from the one that a living process is writing.
 class PartFile {
 public:
-    /// Begins an empty part file in a folder that is there; nothing when another process is writing it.
-    /// Throws std::system_error.
+    /// Begins an empty part file in a folder that is there; nothing when another process is writing it. Where
+    /// that cannot be told, or the name is not ours to use, it gets a name that nobody else has. Throws
+    /// std::system_error.
     static std::optional<PartFile> begin(const std::filesystem::path& target);
 
-    /// Removes the part file of `target` if no process is writing it.
-    static void removeLeftOver(const std::filesystem::path& target);
-
-    /// The same for all in a folder whose names begin so. Throws std::filesystem::filesystem_error.
-    static void removeLeftOvers(const std::filesystem::path& folder, std::string_view start);
+    /// Removes the part files that no process is writing, of all targets whose paths begin so. What cannot be
+    /// removed stays.
+    static void removeLeftOvers(const std::filesystem::path& start);
 
     PartFile(PartFile&&) noexcept = default;
     PartFile& operator=(PartFile&& other) noexcept;
@@ -39,8 +38,12 @@ public:
     void sync() const;
 
     /// Moves the file, safe on the disk, to the target in one step, replacing a file that is there. Throws
-    /// std::system_error; then the target is as it was.
-    void install();
+    /// std::system_error; then the target is as it was, unless all that failed was waiting until its new name
+    /// is safe from a power cut.
+    void install() { moveOver(target_); }
+
+    /// The same with another target of the same file system.
+    void moveOver(const std::filesystem::path& target);
 
     /// Moves the file, as it is, to a name beside it that nothing has; false, and it stays, when something
     /// has. Throws std::system_error.
@@ -48,6 +51,7 @@ public:
 
 private:
     PartFile(std::filesystem::path target, std::filesystem::path path, PosixFile file);
+    static PartFile ofOwnName(const std::filesystem::path& target);
 
     std::filesystem::path target_;
     std::filesystem::path path_;

@@ -5,10 +5,9 @@
 #include "metadata/ExifReader.h"
 #include "platform/ApertureBundles.h"
 #include "platform/FileSync.h"
-#include "platform/PosixFile.h"
+#include "platform/PartFile.h"
 
 #include <chrono>
-#include <fcntl.h>
 
 namespace korvo {
 
@@ -50,41 +49,20 @@ fs::path checkedPlace(const fs::path& photo, const fs::path& destination, const 
 
 constexpr std::string_view unfinishedStart = ".korvo-export-";
 
-/// A file on its way, beside its place; removed unless it got there.
-class UnfinishedFile {
-public:
-    explicit UnfinishedFile(const fs::path& place)
-        : path_(place.parent_path()
-            / (std::string(unfinishedStart) + Uuid::random().text() + place.extension().string()))
-    { }
-    ~UnfinishedFile()
-    {
-        std::error_code ignored; // it has been moved, or there is nothing more to be done about it
-        fs::remove(path_, ignored);
-    }
-    UnfinishedFile(const UnfinishedFile&) = delete;
-    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+/// Begins a hidden file beside the place where it is to stand.
+PartFile beginBeside(const fs::path& place)
+{
+    auto part = PartFile::begin(place.parent_path()
+        / (std::string(unfinishedStart) + Uuid::random().text() + place.extension().string()));
+    return std::move(part.value()); // nobody else writes a name made up just now
+}
 
-    const fs::path& path() const { return path_; }
-
-    void write(Bytes bytes) const
-    {
-        const auto file = openFile(path_, O_WRONLY | O_CREAT | O_TRUNC);
-        if (!file)
-            throwFileError("write", path_);
-        writeAll(file, path_, bytes);
-    }
-
-private:
-    fs::path path_;
-};
-
-void put(const UnfinishedFile& file, fs::path place, const ExportJob& job, const IsOriginal& isOriginal)
+void put(PartFile& file, fs::path place, const ExportJob& job, const IsOriginal& isOriginal)
 {
     if (!job.otherwise)
-        return moveIntoPlace(file.path(), place);
+        return file.moveOver(place);
     syncFile(file.path());
-    while (!moveToFreeName(file.path(), place))
+    while (!file.moveTo(place))
         place = checkedPlace(job.render.file, job.otherwise(), isOriginal);
     syncFolder(place.parent_path());
 }
@@ -113,7 +91,7 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
     const auto place = checkedPlace(job.render.file, job.destination, isOriginal);
     const auto photo = encodePhoto(reader, job.render, format, job.quality, stop);
     ExportedPhoto result{photo.width, photo.height, photo.note, {}};
-    const UnfinishedFile file(place);
+    auto file = beginBeside(place);
     file.write(Bytes(photo.bytes));
     if (job.position.own || hasExif(job.render.file))
         try {
@@ -131,6 +109,8 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
 
 void removeUnfinishedExports(const fs::path& folder)
 {
+    // Their age tells, no lock: the tool that copies the EXIF puts a file of its own in place of the locked
+    // one, and leaves another when it is killed.
     constexpr std::chrono::days longest(1); // that writing one picture may take
     const auto now = fs::file_time_type::clock::now();
     std::error_code unknown; // what cannot be listed, dated or removed stays as it is

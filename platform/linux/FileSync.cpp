@@ -26,14 +26,6 @@ void syncFile(const std::filesystem::path& file)
         throwFileError("write", file);
 }
 
-void moveIntoPlace(const std::filesystem::path& from, const std::filesystem::path& to)
-{
-    syncFile(from);
-    if (::rename(from.c_str(), to.c_str()) != 0)
-        throwFileError("write", to);
-    syncFolder(to.parent_path());
-}
-
 bool moveToFreeName(const std::filesystem::path& from, const std::filesystem::path& to)
 {
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)

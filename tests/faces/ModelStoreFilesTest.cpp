@@ -68,9 +68,6 @@ TEST(ModelStore, saysWhatTheFileSystemRefuses)
     const Obstacle cases[] = {
         {"a file where the folder belongs", [](const auto& root) { root.write("models", ""); },
             "make the folder “{}/models”", std::errc::not_a_directory},
-        {"a folder where the part file belongs",
-            [](const auto& root) { std::filesystem::create_directories(root / "models/test.onnx.part"); },
-            "write “{}/models/test.onnx.part”", std::errc::is_a_directory},
         {"a folder where the model belongs",
             [](const auto& root) { std::filesystem::create_directories(root / "models/test.onnx"); },
             "write “{}/models/test.onnx”", std::errc::is_a_directory},

@@ -97,7 +97,7 @@ TEST(PartFile, isOneProcessesAndGoesUnlessItIsInstalled)
         auto part = PartFile::begin(target).value();
         part.write(Bytes("unfinished"));
         EXPECT_FALSE(PartFile::begin(target)) << "another writes it";
-        PartFile::removeLeftOver(target);
+        PartFile::removeLeftOvers(target);
         EXPECT_EQ(readFile(part.path()), "unfinished") << "nor is it a left-over";
     }
     EXPECT_EQ(namesIn(folder.path()), Names{"model"});
@@ -112,18 +112,26 @@ TEST(PartFile, isOneProcessesAndGoesUnlessItIsInstalled)
     EXPECT_EQ(readFile(target), "new contents");
 
     folder.write("model.part", "left again");
-    PartFile::removeLeftOver(target);
+    PartFile::removeLeftOvers(target);
     EXPECT_EQ(namesIn(folder.path()), Names{"model"});
 }
 
-TEST(PartFile, followsNoLinkAndTakesNoNameThatIsTaken)
+TEST(PartFile, goesAroundWhatIsInItsWayAndTakesNoNameThatIsTaken)
 {
     const TemporaryFolder folder;
     const auto photo = folder.write("photo.jpg", "original");
     fs::create_symlink(photo, folder / "trap.part");
-    EXPECT_THROW(PartFile::begin(folder / "trap"), std::system_error);
-    EXPECT_EQ(readFile(photo), "original");
     EXPECT_THROW(sha256OnDisk(folder / "trap.part", {}), std::system_error);
+    folder.write("full.part/x", "what is no file");
+    for (const auto* const name : {"trap", "full"}) {
+        auto around = PartFile::begin(folder / name).value();
+        PartFile::removeLeftOvers(folder / name);
+        around.write(Bytes("whole"));
+        around.install();
+        EXPECT_EQ(readFile(folder / name), "whole");
+    }
+    EXPECT_EQ(readFile(photo), "original");
+    EXPECT_EQ(namesIn(folder.path()), (Names{"full", "full.part", "photo.jpg", "trap", "trap.part"}));
 
     auto part = PartFile::begin(folder / "copy").value();
     part.write(Bytes("abc"));
