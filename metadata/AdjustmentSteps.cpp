@@ -1,33 +1,78 @@
 #include "metadata/AdjustmentSteps.h"
 
 #include "catalog/UnreadPhotos.h"
-#include "catalog/UserText.h"
-#include "catalog/sql/DatabaseError.h"
+#include "metadata/DatesAndPlaces.h"
 #include "metadata/ExifReader.h"
+#include "metadata/FileWorkTexts.h"
 
-#include <algorithm>
-#include <iterator>
+#include <map>
 #include <ranges>
-#include <tuple>
+#include <set>
 
 namespace korvo {
 
 namespace {
 
-/// Shifts dates in the catalog alone.
-void shiftInCatalog(
-    Catalog& catalog, const std::vector<PhotoID>& photos, double seconds, FilesWritten& result)
+// Each run of a step goes on any thread, one at a time, and throws as adjustPhotos() does.
+
+/// A shift of capture dates. It moves twice nothing that a failure, a stop or an unreachable file has left
+/// where it was.
+class DateShift {
+public:
+    DateShift(std::vector<PhotoID> photos, double seconds) : photos_(std::move(photos)), seconds_(seconds) { }
+
+    FilesWritten run(UndoWay way, Catalog& catalog, const ExifTool& tool, const std::stop_token& stop,
+        const FileProgress& progress);
+
+private:
+    std::vector<PhotoID> photos_;
+    double seconds_;
+    std::set<PhotoID> inCatalog_, inFiles_; // what is shifted
+};
+
+/// A position given to photos, or taken from them. Taking that back gives each photo the one that it had, and
+/// each file that was written what it held then.
+class PositionChange {
+public:
+    PositionChange(std::vector<PhotoID> photos, std::optional<Coordinate> position)
+        : photos_(std::move(photos)), position_(position)
+    { }
+
+    FilesWritten run(UndoWay way, Catalog& catalog, const ExifTool& tool, const std::stop_token& stop,
+        const FileProgress& progress);
+
+private:
+    struct Before {
+        std::optional<Coordinate> inCatalog, inFile;
+        bool wasRead = false;
+    };
+    FilesWritten give(
+        Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
+    FilesWritten putBack(
+        Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
+
+    std::vector<PhotoID> photos_;
+    std::optional<Coordinate> position_;
+    std::map<PhotoID, Before> before_; // of those that are changed
+    std::set<PhotoID> inFiles_; // those of them whose files are
+};
+
+/// The photos whose files have been done, as far as they were to be.
+std::set<PhotoID> withoutFailure(const FilesWritten& result)
 {
-    try {
-        Transaction transaction(catalog.database());
-        for (const PhotoID photo : photos)
-            catalog.shiftCaptureDate(photo, seconds);
-        transaction.commit();
-        result.touched.insert(result.touched.end(), photos.begin(), photos.end());
-        result.done += photos.size();
-    } catch (const DatabaseError& error) { // what is done in files must be told
-        result.fault = textForUser(error);
-    }
+    std::set photos(result.touched.begin(), result.touched.end());
+    for (const auto& failure : result.failures)
+        photos.erase(failure.id);
+    return photos;
+}
+
+void note(std::set<PhotoID>& shifted, UndoWay way, const auto& photos)
+{
+    for (const PhotoID photo : photos)
+        if (way == UndoWay::forth)
+            shifted.insert(photo);
+        else
+            shifted.erase(photo);
 }
 
 std::optional<Coordinate> positionInCatalog(Catalog& catalog, PhotoID photo)
@@ -38,116 +83,123 @@ std::optional<Coordinate> positionInCatalog(Catalog& catalog, PhotoID photo)
     return Coordinate{*items.front().latitude, *items.front().longitude};
 }
 
-void setInCatalog(Catalog& catalog, PhotoID photo, const std::optional<Coordinate>& position)
-{
-    catalog.setUserPosition(photo, position ? std::optional(position->latitude) : std::nullopt,
-        position ? std::optional(position->longitude) : std::nullopt);
-}
-
-void append(FilesWritten& all, FilesWritten more)
-{
-    all.done += more.done;
-    all.failures.insert(all.failures.end(), more.failures.begin(), more.failures.end());
-    all.touched.insert(all.touched.end(), more.touched.begin(), more.touched.end());
-    all.fault = std::move(more.fault);
-}
-
-/// For one of several photos, whose progress is told by who goes through them.
-void untold(std::size_t, std::size_t) { }
-
-} // namespace
-
 FilesWritten DateShift::run(UndoWay way, Catalog& catalog, const ExifTool& tool, const std::stop_token& stop,
     const FileProgress& progress)
 {
-    const bool isForth = way == UndoWay::forth;
-    std::vector<PhotoID> inBoth, inCatalogAlone;
-    for (const PhotoID photo : catalog.mastersOf(photos_))
-        if (inCatalog_.contains(photo) != isForth)
-            (inFiles_.contains(photo) != isForth ? inBoth : inCatalogAlone).push_back(photo);
-    const double seconds = isForth ? seconds_ : -seconds_;
-    auto result = shiftDates(catalog, inBoth, seconds, tool, stop, progress);
-    auto written = std::set(result.touched.begin(), result.touched.end());
-    for (const auto& failure : result.failures)
-        written.erase(failure.id);
-    if (!result.stopped && result.fault.empty())
-        shiftInCatalog(catalog, inCatalogAlone, seconds, result);
-    const auto note = [&](std::set<PhotoID>& shifted, const auto& photos) {
-        for (const PhotoID photo : photos)
-            isForth ? std::ignore = shifted.insert(photo) : std::ignore = shifted.extract(photo);
+    const auto isDue = [way](const std::set<PhotoID>& shifted, PhotoID photo) {
+        return shifted.contains(photo) == (way == UndoWay::back);
     };
-    note(inCatalog_, result.touched);
-    note(inFiles_, written);
-    return result;
-}
-
-FilesWritten PositionChange::give(
-    Catalog& catalog, PhotoID photo, const ExifTool& tool, const std::stop_token& stop)
-{
-    const auto record = catalog.fileRecord(photo);
-    const Before before{positionInCatalog(catalog, photo), record ? readGPS(record->path) : std::nullopt,
-        catalog.isPositionRead(photo)};
-    auto result = setLocation(catalog, std::span(&photo, 1), position_, tool, stop, untold);
-    if (!result.touched.empty()) {
-        before_.try_emplace(photo, before);
-        if (result.failures.empty())
-            inFiles_.insert(photo);
-    }
-    return result;
-}
-
-FilesWritten PositionChange::putBack(
-    Catalog& catalog, PhotoID photo, const ExifTool& tool, const std::stop_token& stop)
-{
-    const auto before = before_.at(photo);
-    FilesWritten result;
-    if (inFiles_.contains(photo))
-        result = setLocation(catalog, std::span(&photo, 1), before.inFile, tool, stop, untold);
-    else {
-        result.touched = {photo};
-        result.done = 1;
-    }
-    if (!result.fault.empty() || result.touched.empty())
-        return result;
-    try {
-        if (before.wasRead)
-            setInCatalog(catalog, photo, before.inCatalog);
-        else
-            forgetPosition(catalog, photo); // what the file holds is read again
-    } catch (const DatabaseError& error) { // the file is done
-        result.fault = textForUser(error);
-        return result;
-    }
-    if (result.failures.empty()) {
-        before_.erase(photo);
-        inFiles_.erase(photo);
-    }
+    auto photos = catalog.mastersOf(photos_);
+    std::erase_if(photos, [&](PhotoID photo) { return !isDue(inCatalog_, photo); });
+    const auto shift = dateShiftBy(catalog, way == UndoWay::forth ? seconds_ : -seconds_);
+    const auto inFile = [&](const FileRecord& record) {
+        return isDue(inFiles_, record.id) ? shift.inFile(record) : FileChange();
+    };
+    auto result = adjustPhotos(catalog, photos, {shift.inCatalog, inFile}, tool, stop, progress);
+    note(inCatalog_, way, result.touched);
+    note(inFiles_, way, withoutFailure(result));
     return result;
 }
 
 FilesWritten PositionChange::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
     const std::stop_token& stop, const FileProgress& progress)
 {
-    std::vector<PhotoID> photos;
-    if (way == UndoWay::forth)
-        photos = catalog.mastersOf(photos_);
-    else
-        std::ranges::copy(std::views::keys(before_), std::back_inserter(photos));
-    FilesWritten result;
-    try {
-        for (std::size_t i = 0; i < photos.size() && !stop.stop_requested() && result.fault.empty(); ++i) {
-            progress(i + 1, photos.size());
-            append(result,
-                way == UndoWay::forth ? give(catalog, photos[i], tool, stop)
-                                      : putBack(catalog, photos[i], tool, stop));
-        }
-    } catch (const std::runtime_error& error) { // of the catalog or the tool: what is done must be told
-        if (result.touched.empty())
-            throw;
-        result.fault = textForUser(error);
-    }
-    result.stopped = stop.stop_requested();
+    return way == UndoWay::forth ? give(catalog, tool, stop, progress)
+                                 : putBack(catalog, tool, stop, progress);
+}
+
+FilesWritten PositionChange::give(
+    Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
+{
+    const auto change = positionChangeTo(catalog, position_);
+    const auto inCatalog = [&](const FileRecord& record) {
+        const Before before{
+            positionInCatalog(catalog, record.id), readGPS(record.path), catalog.isPositionRead(record.id)};
+        change.inCatalog(record);
+        before_.try_emplace(record.id, before);
+    };
+    auto result = adjustPhotos(catalog, photos_, {inCatalog, change.inFile}, tool, stop, progress);
+    inFiles_.merge(withoutFailure(result));
     return result;
+}
+
+FilesWritten PositionChange::putBack(
+    Catalog& catalog, const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
+{
+    const auto inCatalog = [&](const FileRecord& record) {
+        const auto& before = before_.at(record.id);
+        if (!before.wasRead && !inFiles_.contains(record.id))
+            return forgetPosition(catalog, record.id); // what the file still holds is read later
+        positionChangeTo(catalog, before.wasRead ? before.inCatalog : before.inFile).inCatalog(record);
+    };
+    const auto inFile = [&](const FileRecord& record) {
+        return inFiles_.contains(record.id)
+            ? positionChangeTo(catalog, before_.at(record.id).inFile).inFile(record)
+            : FileChange();
+    };
+    const auto keys = std::views::keys(before_);
+    const std::vector<PhotoID> photos(keys.begin(), keys.end());
+    auto result = adjustPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
+    for (const PhotoID photo : withoutFailure(result)) {
+        before_.erase(photo);
+        inFiles_.erase(photo);
+    }
+    return result;
+}
+
+/// An adjustment as the user sees it.
+struct Adjustment {
+    std::string title; // in the Edit menu
+    std::string verb; // of doing it
+    std::function<std::string(const FilesWritten&)> summary; // the same
+    std::function<FilesWritten(
+        UndoWay, Catalog&, const ExifTool&, const std::stop_token&, const FileProgress&)>
+        run;
+};
+
+FileJob jobOf(const Adjustment& adjustment, UndoWay way)
+{
+    FileJob job{adjustment.verb, adjustment.summary,
+        [run = adjustment.run, way](auto&&... arguments) { return run(way, arguments...); }};
+    job.adjusting = adjustment.title;
+    if (way == UndoWay::back) {
+        job.verb = "Taking back";
+        job.summary = [title = adjustment.title](
+                          const FilesWritten& result) { return takenBackSummary(result, title); };
+    }
+    return job;
+}
+
+void beginStep(FileWork& work, LibraryStore& store, const Adjustment& adjustment)
+{
+    auto job = jobOf(adjustment, UndoWay::forth);
+    job.ended = [&work, &store, adjustment, since = store.newestStep()](const FilesWritten& result) {
+        if (!result.touched.empty())
+            store.adopt(
+                adjustment.title, [&work, adjustment](UndoWay way) { work.begin(jobOf(adjustment, way)); },
+                since);
+    };
+    work.begin(std::move(job));
+}
+
+} // namespace
+
+void shiftDates(FileWork& work, LibraryStore& store, std::span<const PhotoID> photos, double seconds)
+{
+    const auto step = std::make_shared<DateShift>(std::vector(photos.begin(), photos.end()), seconds);
+    beginStep(work, store, {"Shift Capture Dates", "Shifting", shiftSummary, [step](auto&&... arguments) {
+                                return step->run(arguments...);
+                            }});
+}
+
+void setPosition(FileWork& work, LibraryStore& store, std::span<const PhotoID> photos,
+    const std::optional<Coordinate>& position)
+{
+    const auto step = std::make_shared<PositionChange>(std::vector(photos.begin(), photos.end()), position);
+    beginStep(work, store,
+        {position ? "Set Position" : "Clear Position", position ? "Locating" : "Clearing",
+            [position](const FilesWritten& result) { return positionSummary(result, position); },
+            [step](auto&&... arguments) { return step->run(arguments...); }});
 }
 
 } // namespace korvo

@@ -28,53 +28,80 @@ void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& ru
     change.check(record.path);
 }
 
-/// Changes photo by photo, the catalog first, so that whatever ends this leaves one photo at most of which
-/// catalog and file differ. What is done twice to a file would be wrong here, so that each call is a process
-/// of its own.
-FilesWritten adjust(Catalog& catalog, std::span<const PhotoID> photos,
-    const std::function<void(const FileRecord&)>& adjustCatalog, const ExifTool& tool,
-    const FileChange& change, const std::stop_token& stop, const FileProgress& progress)
-{
-    (void)tool.path(); // before anything is done
-    FilesWritten result;
-    ApertureBundles aperture;
-    const RunExifTool run = [&](const ExifToolArguments& call) { return tool.run(call, stop); };
-    const auto ids = catalog.mastersOf(photos);
-    for (std::size_t i = 0; i < ids.size() && !stop.stop_requested(); ++i) {
-        progress(i + 1, ids.size());
-        const auto record = catalog.fileRecord(ids[i]);
-        if (!record)
-            continue;
+/// The steps of one adjustment. What is done twice to a file would be wrong here, so that each call of the
+/// tool is a process of its own.
+class Adjusting {
+public:
+    Adjusting(Catalog& catalog, const PhotoAdjustment& adjustment, const ExifTool& tool,
+        const std::stop_token& stop)
+        : catalog_(catalog), adjustment_(adjustment), stop_(stop),
+          run_([&tool, &stop](const ExifToolArguments& call) { return tool.run(call, stop); })
+    {
+        (void)tool.path(); // before anything is done
+    }
+
+    FilesWritten run(std::span<const PhotoID> ids, const FileProgress& progress)
+    {
+        for (std::size_t i = 0; i < ids.size() && !stop_.stop_requested() && result_.fault.empty(); ++i) {
+            progress(i + 1, ids.size());
+            attempt(ids[i]);
+        }
+        result_.stopped = stop_.stop_requested();
+        return std::move(result_);
+    }
+
+private:
+    void attempt(PhotoID id)
+    {
+        fs::path file;
+        const auto sentence = [&](const std::string& reason) {
+            return file.empty() ? reason : sentenceOf({file, reason});
+        };
         const auto fail = [&](const std::string& reason) {
-            result.failures.push_back({record->id, sentenceOf({record->path, reason})});
+            result_.failures.push_back({id, sentence(reason)});
         };
         try {
-            adjustCatalog(*record);
-            result.touched.push_back(record->id);
-            if (!aperture.hold(record->path))
-                changeOne(catalog, *record, run, change, stop);
-            ++result.done;
+            const auto record = catalog_.fileRecord(id);
+            if (!record) // it was removed meanwhile
+                return;
+            file = record->path;
+            adjust(*record);
         } catch (const ExifToolError& error) {
             fail(error.what());
         } catch (const DatabaseError& error) { // what is done must be told: doing it again would be wrong
-            result.fault = sentenceOf({record->path, textForUser(error)});
-            break;
+            result_.fault = sentence(textForUser(error));
         } catch (const NotFoundError&) {
-            // It was removed meanwhile.
+            // The same.
         } catch (const fs::filesystem_error& error) {
             fail(error.code().message());
         }
     }
-    result.stopped = stop.stop_requested();
-    return result;
-}
+
+    /// The catalog first, so that whatever ends this leaves one photo at most of which catalog and file
+    /// differ.
+    void adjust(const FileRecord& record)
+    {
+        adjustment_.inCatalog(record);
+        result_.touched.push_back(record.id);
+        const auto change = adjustment_.inFile(record);
+        if (change.arguments && !aperture_.hold(record.path))
+            changeOne(catalog_, record, run_, change, stop_);
+        ++result_.done;
+    }
+
+    Catalog& catalog_;
+    const PhotoAdjustment& adjustment_;
+    const std::stop_token& stop_;
+    RunExifTool run_;
+    ApertureBundles aperture_;
+    FilesWritten result_;
+};
 
 } // namespace
 
-FilesWritten shiftDates(Catalog& catalog, std::span<const PhotoID> photos, double seconds,
-    const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress)
+PhotoAdjustment dateShiftBy(Catalog& catalog, double seconds)
 {
-    const auto inCatalog = [&](const FileRecord& record) {
+    const auto inCatalog = [&catalog, seconds](const FileRecord& record) {
         std::optional<CameraData> unread;
         if (!catalog.isCaptureDateRead(record.id))
             unread = cameraData(readExif(record.path).value_or(PhotoExifInfo()));
@@ -84,23 +111,29 @@ FilesWritten shiftDates(Catalog& catalog, std::span<const PhotoID> photos, doubl
         catalog.shiftCaptureDate(record.id, seconds);
         transaction.commit();
     };
-    return adjust(catalog, photos, inCatalog, tool, {[&](const fs::path& file) {
+    const FileChange change{[seconds](const fs::path& file) {
         return shiftDatesArguments(seconds, file, fileParts(file).value_or(FileParts()));
-    }},
-        stop, progress);
+    }};
+    return {inCatalog, [change](const FileRecord&) { return change; }};
 }
 
-FilesWritten setLocation(Catalog& catalog, std::span<const PhotoID> photos,
-    const std::optional<Coordinate>& position, const ExifTool& tool, const std::stop_token& stop,
-    const FileProgress& progress)
+PhotoAdjustment positionChangeTo(Catalog& catalog, const std::optional<Coordinate>& position)
 {
-    const auto inCatalog = [&](const FileRecord& record) {
+    const auto inCatalog = [&catalog, position](const FileRecord& record) {
         catalog.setUserPosition(record.id, position ? std::optional(position->latitude) : std::nullopt,
             position ? std::optional(position->longitude) : std::nullopt);
     };
-    const FileChange inFile{[&](const fs::path& file) { return positionArguments(file, position); },
-        [&](const fs::path& file) { checkPosition(file, position); }};
-    return adjust(catalog, photos, inCatalog, tool, inFile, stop, progress);
+    const FileChange change{[position](const fs::path& file) { return positionArguments(file, position); },
+        [position](const fs::path& file) { checkPosition(file, position); }};
+    return {inCatalog, [change](const FileRecord&) { return change; }};
+}
+
+FilesWritten adjustPhotos(Catalog& catalog, std::span<const PhotoID> photos,
+    const PhotoAdjustment& adjustment, const ExifTool& tool, const std::stop_token& stop,
+    const FileProgress& progress)
+{
+    const auto ids = catalog.mastersOf(photos);
+    return Adjusting(catalog, adjustment, tool, stop).run(ids, progress);
 }
 
 } // namespace korvo

@@ -1,21 +1,31 @@
 #pragma once
 
 #include "metadata/Coordinate.h"
+#include "metadata/FileFields.h"
 #include "metadata/MetadataSave.h"
 
 namespace korvo {
 
-/// Moves the capture dates of photos by some seconds, photo by photo in the catalog and then in the file,
-/// where it may fail. Dates that were not read yet are read first. A stop leaves the remaining photos as they
-/// are; a file whose change it cuts off counts as failed. The originals inside an Aperture library keep their
-/// dates. A fault of the catalog ends it and is told with what was done. Throws
-/// ExifToolError::Case::notFound, with nothing done, and DatabaseError when nothing could be begun.
-FilesWritten shiftDates(Catalog& catalog, std::span<const PhotoID> photos, double seconds,
-    const ExifTool& tool, const std::stop_token& stop, const FileProgress& progress);
+/// What is done to photos, each by itself.
+struct PhotoAdjustment {
+    std::function<void(const FileRecord&)> inCatalog; // may throw DatabaseError
+    /// Gives no arguments where the file is to stay as it is.
+    std::function<FileChange(const FileRecord&)> inFile;
+};
 
-/// Gives photos a position, or takes it from them, in the same manner.
-FilesWritten setLocation(Catalog& catalog, std::span<const PhotoID> photos,
-    const std::optional<Coordinate>& position, const ExifTool& tool, const std::stop_token& stop,
+/// Moves capture dates by some seconds. Those that were not read yet are read first.
+PhotoAdjustment dateShiftBy(Catalog& catalog, double seconds);
+
+/// Gives photos a position, or takes it from them.
+PhotoAdjustment positionChangeTo(Catalog& catalog, const std::optional<Coordinate>& position);
+
+/// Adjusts photos, versions with their masters, photo by photo in the catalog and then in the file, where it
+/// may fail. A stop leaves the remaining photos as they are; a file whose change it cuts off counts as
+/// failed. The originals inside an Aperture library stay as they are. A fault of the catalog ends it and is
+/// told with what was done. Throws ExifToolError::Case::notFound, with nothing done, and DatabaseError when
+/// nothing could be begun.
+FilesWritten adjustPhotos(Catalog& catalog, std::span<const PhotoID> photos,
+    const PhotoAdjustment& adjustment, const ExifTool& tool, const std::stop_token& stop,
     const FileProgress& progress);
 
 } // namespace korvo

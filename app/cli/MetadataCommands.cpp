@@ -5,6 +5,7 @@
 #include "metadata/Backfill.h"
 #include "metadata/DatesAndPlaces.h"
 #include "metadata/DescriptiveReader.h"
+#include "metadata/FileWorkTexts.h"
 #include "metadata/MetadataSave.h"
 #include "metadata/MetadataWriteBack.h"
 
@@ -126,7 +127,8 @@ ExitCode shiftPhotoDates(Context& context, const ShiftArguments& arguments)
     const auto ids = context.photos(arguments.photos);
     const auto result
         = withProgress(context, "Shifting", [&](const ExifTool& tool, const FileProgress& progress) {
-              return shiftDates(context.library(), ids, arguments.seconds, tool, context.stop(), progress);
+              return adjustPhotos(context.library(), ids, dateShiftBy(context.library(), arguments.seconds),
+                  tool, context.stop(), progress);
           });
     return report(context, result, "shifted", shiftSummary(result));
 }
@@ -164,7 +166,8 @@ ExitCode locate(Context& context, LocateArguments arguments)
     const auto ids = context.photos(arguments.photos);
     const auto result
         = withProgress(context, "Locating", [&](const ExifTool& tool, const FileProgress& progress) {
-              return setLocation(context.library(), ids, position, tool, context.stop(), progress);
+              return adjustPhotos(context.library(), ids, positionChangeTo(context.library(), position), tool,
+                  context.stop(), progress);
           });
     return report(context, result, "located", positionSummary(result, position));
 }
@@ -184,7 +187,7 @@ ExitCode revertFields(Context& context, const PhotoArguments& photos)
     const auto ids = context.photos(photos);
     auto& catalog = context.library();
     if (allInApertureLibraries(catalog, ids))
-        throw RevertRefused(RevertRefused::Case::apertureOriginals);
+        throw RevertRefused();
     const auto result
         = withProgress(context, "Reverting", [&](const ExifTool& tool, const FileProgress& progress) {
               return revertMetadata(catalog, ids, tool, context.stop(), progress);

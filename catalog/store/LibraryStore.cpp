@@ -183,18 +183,18 @@ std::optional<std::string> LibraryStore::redoTitle() const
     return step ? std::optional(step->title) : std::nullopt;
 }
 
-void LibraryStore::attempt(Way way, const std::function<void()>& step)
+void LibraryStore::attempt(UndoWay way, const std::function<void()>& step)
 {
     try {
         step();
     } catch (const DatabaseError& error) {
         if (error.mayPass())
             throw;
-        const auto title = (way == Way::back ? history_.toUndo() : history_.toRedo())->title;
-        way == Way::back ? history_.forgetUndo()
-                         : history_.forgetRedo(); // those behind it can still be taken
+        const auto title = (way == UndoWay::back ? history_.toUndo() : history_.toRedo())->title;
+        way == UndoWay::back ? history_.forgetUndo()
+                             : history_.forgetRedo(); // those behind it can still be taken
         if (error.primaryCode() == SQLITE_CONSTRAINT)
-            throw DatabaseError::outdated(title, way == Way::back ? "undone" : "done again", error);
+            throw DatabaseError::outdated(title, way == UndoWay::back ? "undone" : "done again", error);
         throw;
     }
 }
@@ -206,11 +206,11 @@ std::size_t LibraryStore::undo()
     if (step && step->added.areThere())
         return takeOut(step->added);
     if (step && step->retrace) {
-        step->retrace(Way::back);
+        step->retrace(UndoWay::back);
         history_.undone();
         changed.emit({});
     } else if (step)
-        retrace(step->changes.inverted(), Way::back);
+        takeStep(step->changes.inverted(), UndoWay::back);
     return 0;
 }
 
@@ -219,18 +219,18 @@ void LibraryStore::redo()
     main_.assertCurrent();
     const UndoStep* const step = history_.toRedo();
     if (step && step->retrace) {
-        step->retrace(Way::forth);
+        step->retrace(UndoWay::forth);
         history_.redone();
         changed.emit({});
     } else if (step)
-        retrace(step->changes, Way::forth);
+        takeStep(step->changes, UndoWay::forth);
 }
 
 std::size_t LibraryStore::takeOut(const AddedRows& added)
 {
     Recorded taken;
     Changeset redo;
-    attempt(Way::back, [&] {
+    attempt(UndoWay::back, [&] {
         Transaction transaction(catalog_->database(), writePatience);
         taken = recorded([&](Catalog& catalog) { catalog.takeOut(added); });
         redo = taken.changes.inverted();
@@ -242,13 +242,13 @@ std::size_t LibraryStore::takeOut(const AddedRows& added)
     return photos;
 }
 
-void LibraryStore::retrace(const Changeset& changes, Way way)
+void LibraryStore::takeStep(const Changeset& changes, UndoWay way)
 {
     const auto touched = changedRows(catalog_->database(), changes);
     ChangedRows rows;
     attempt(way, [&] { rows = replay(changes, touched); });
-    way == Way::back ? history_.undone() : history_.redone();
-    const bool bringsBack = way == Way::back && !touched.inserted.empty();
+    way == UndoWay::back ? history_.undone() : history_.redone();
+    const bool bringsBack = way == UndoWay::back && !touched.inserted.empty();
     publish(std::move(rows), bringsBack ? touched.inserted : touched.updated);
 }
 

@@ -163,13 +163,12 @@ private:
     };
     /// Makes a change in a transaction of its own and returns what it did.
     Recorded recorded(const std::function<void(Catalog&)>& change);
-    using Way = UndoWay;
     /// Takes the step that is next on this way; forgets it when it can never be taken.
-    void attempt(Way way, const std::function<void()>& step);
+    void attempt(UndoWay way, const std::function<void()>& step);
     /// Takes back that these were added; returns how many photos left the library.
     std::size_t takeOut(const AddedRows& added);
     /// Makes the changes of the step that is next on this way.
-    void retrace(const Changeset& changes, Way way);
+    void takeStep(const Changeset& changes, UndoWay way);
     /// Makes the changes, which touch these rows, again, and returns what really happened.
     ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.

@@ -28,12 +28,13 @@ struct Adjusted : TestLibrary {
 
     FilesWritten shift(std::vector<PhotoID> photos, double seconds, const std::stop_token& stop = {})
     {
-        return shiftDates(*catalog, photos, seconds, exiftool.tool, stop, nowhere);
+        return adjustPhotos(*catalog, photos, dateShiftBy(*catalog, seconds), exiftool.tool, stop, nowhere);
     }
 
     FilesWritten locate(std::vector<PhotoID> photos, const std::optional<Coordinate>& position)
     {
-        return setLocation(*catalog, photos, position, exiftool.tool, {}, nowhere);
+        return adjustPhotos(
+            *catalog, photos, positionChangeTo(*catalog, position), exiftool.tool, {}, nowhere);
     }
 
     FakeExifTool exiftool;
@@ -65,7 +66,10 @@ TEST(DatesAndPlaces, shiftTheDateThatAFilmIsKnownBy)
     Adjusted library;
     const FakeTool real(FakeTool::Real{});
     const auto film = library.add("a.mov", "phone.mov");
-    EXPECT_EQ(shiftDates(*library.catalog, only(film), 90, real.tool, {}, nowhere).done, 1U);
+    EXPECT_EQ(
+        adjustPhotos(*library.catalog, only(film), dateShiftBy(*library.catalog, 90), real.tool, {}, nowhere)
+            .done,
+        1U);
     const auto inFile = readExif(library.folder / "a.mov").value_or(PhotoExifInfo());
     EXPECT_EQ(library.item(film).captureDate, inFile.captureTimestamp);
     EXPECT_NE(readExif(fixture("phone.mov"))->captureTimestamp, inFile.captureTimestamp);
@@ -88,7 +92,8 @@ TEST(DatesAndPlaces, setAndTakePositionsInFilesOfEveryKind)
                       files.front().string()},
         {});
     const auto locate = [&](const std::optional<Coordinate>& position) {
-        const auto result = setLocation(*library.catalog, photos, position, real.tool, {}, nowhere);
+        const auto result = adjustPhotos(
+            *library.catalog, photos, positionChangeTo(*library.catalog, position), real.tool, {}, nowhere);
         EXPECT_EQ(result.done, photos.size());
         for (const auto& failure : result.failures)
             ADD_FAILURE() << failure.message;
@@ -160,9 +165,9 @@ TEST(DatesAndPlaces, doNothingWithoutTheToolOrOnceStopped)
     const auto photo = library.add("a.jpg");
     FakeProcessLauncher launcher;
     const ExifTool missing(launcher, {.bundled = "/nowhere", .installed = {}, .searchPath = ""});
-    EXPECT_THROW(shiftDates(*library.catalog, only(photo), 1, missing, {}, nowhere), ExifToolError);
     EXPECT_THROW(
-        setLocation(*library.catalog, only(photo), std::nullopt, missing, {}, nowhere), ExifToolError);
+        adjustPhotos(*library.catalog, only(photo), dateShiftBy(*library.catalog, 1), missing, {}, nowhere),
+        ExifToolError);
     std::stop_source stop;
     stop.request_stop();
     EXPECT_TRUE(library.shift({photo}, 1, stop.get_token()).stopped);

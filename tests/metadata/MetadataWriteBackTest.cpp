@@ -1,6 +1,7 @@
 #include "metadata/MetadataWriteBack.h"
 
 #include "catalog/store/LibraryActions.h"
+#include "metadata/AdjustmentSteps.h"
 #include "metadata/ExifReader.h"
 #include "platform/FileDefaults.h"
 #include "tests/metadata/FakeExifTool.h"
@@ -136,7 +137,7 @@ TEST(MetadataWriteBack, savesLaterWhatChangesDuringASave)
     try {
         library.writeBack->revertMetadataToAsFound(library.ids);
         ADD_FAILURE();
-    } catch (const RevertRefused& refused) {
+    } catch (const FilesBusy& refused) {
         EXPECT_STREQ(refused.what(), "A save or generation is running — try again when it finishes.");
     }
     library.title(1, "newer");
@@ -231,8 +232,8 @@ TEST(MetadataWriteBack, shiftsDatesAsAStepThatTakesThemBackWhereTheyWereMoved)
     store.reload();
     const auto before = dates();
     library.exiftool.failing = "2.jpg";
-    library.writeBack->shiftDates(library.ids, 60);
-    EXPECT_THROW(library.writeBack->shiftDates(library.ids, 60), RevertRefused);
+    shiftDates(*library.writeBack, store, library.ids, 60);
+    EXPECT_THROW(shiftDates(*library.writeBack, store, library.ids, 60), FilesBusy);
     setRating(store, only(1), 5);
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(library.writeBack->statusMessage(), "Moved 2, failed 1 — see marked photos.");
@@ -262,12 +263,14 @@ TEST(MetadataWriteBack, takesPositionsBackToWhatEachPhotoHad)
     OpenLibrary library(2);
     auto& store = *library.store;
     store.catalog().setUserPosition(1, 10, 20);
-    library.writeBack->setPosition(library.ids, Coordinate{48, 11});
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(store.list().find(2)->latitude, 48);
     store.undo();
     ASSERT_TRUE(library.finish());
-    EXPECT_EQ(library.writeBack->statusMessage(), "Took back “Set Position” for 2 photos.");
+    EXPECT_EQ(library.said,
+        (Texts{"Locating 1 of 2…", "Locating 2 of 2…", "Located 2 photos.", "Taking back 1 of 2…",
+            "Taking back 2 of 2…", "Took back “Set Position” for 2 photos."}));
     EXPECT_EQ(store.list().find(1)->latitude, 10);
     EXPECT_FALSE(store.list().find(2)->latitude);
     EXPECT_EQ(library.exiftool.calls(),
@@ -285,7 +288,7 @@ TEST(MetadataWriteBack, takesNoPositionFromAFileThatItNeverWrote)
     OpenLibrary library(2);
     auto& store = *library.store;
     library.exiftool.failing = "2.jpg";
-    library.writeBack->setPosition(library.ids, Coordinate{48, 11});
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
     ASSERT_TRUE(library.finish());
     library.exiftool.failing.clear();
     const auto made = library.exiftool.calls().size();
@@ -310,7 +313,7 @@ TEST(MetadataWriteBack, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
                       "-XMP-exif:GPSLongitude=70.5W", file.string()},
         {});
     store.catalog().setUserPosition(1, 10, 20); // another program has written the file since
-    library.writeBack->setPosition(library.ids, Coordinate{48, 11});
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(readGPS(file), (Coordinate{48, 11}));
     std::filesystem::rename(file, away);
@@ -325,6 +328,30 @@ TEST(MetadataWriteBack, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
     const auto back = readGPS(file);
     EXPECT_TRUE(back && isSamePlace(*back, held));
     EXPECT_EQ(store.list().find(1)->latitude, 10);
+}
+
+TEST(MetadataWriteBack, keepsWhatAPhotoHadUntilItIsBackWhateverEndsTheWayBack)
+{
+    OpenLibrary library(2);
+    auto& store = *library.store;
+    store.catalog().setUserPosition(1, 10, 20);
+    store.catalog().setUserPosition(2, 30, 40);
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    store.catalog().database().exec("CREATE TRIGGER full BEFORE UPDATE ON photos WHEN NEW.id = 2 "
+                                    "BEGIN SELECT RAISE(ABORT, 'disk full'); END");
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_TRUE(library.writeBack->hasFailed());
+    EXPECT_EQ(store.list().find(1)->latitude, 10) << "and it is shown";
+    EXPECT_EQ(store.list().find(2)->latitude, 48);
+    store.catalog().database().exec("DROP TRIGGER full");
+    store.redo();
+    ASSERT_TRUE(library.finish());
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(store.list().find(1)->latitude, 10);
+    EXPECT_EQ(store.list().find(2)->latitude, 30);
 }
 
 } // namespace korvo

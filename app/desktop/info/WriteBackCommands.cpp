@@ -3,6 +3,7 @@
 #include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/MainWindow.h"
+#include "metadata/FileWorkTexts.h"
 
 namespace korvo {
 

@@ -4,6 +4,7 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "catalog/NearPlace.h"
 #include "catalog/store/SmartAlbumEditor.h"
+#include "metadata/AdjustmentSteps.h"
 #include "metadata/InfoTexts.h"
 
 #include <QDialogButtonBox>
@@ -80,7 +81,8 @@ void PositionSheet::refresh()
 void PositionSheet::accept()
 {
     attemptIn(*this, [this] {
-        desktop_.session().writeBack().setPosition(photos_, positionIn(utf8(position_->text())));
+        setPosition(
+            desktop_.session().writeBack(), desktop_.store(), photos_, positionIn(utf8(position_->text())));
         QDialog::accept();
     });
 }
@@ -105,7 +107,7 @@ void clearPosition(MainWindow& window)
             "They leave the files, too, with altitude, direction and time. Undo brings back latitude and "
             "longitude alone.",
             "Clear"))
-        desktop.session().writeBack().setPosition(photos, std::nullopt);
+        setPosition(desktop.session().writeBack(), desktop.store(), photos, std::nullopt);
 }
 
 } // namespace korvo

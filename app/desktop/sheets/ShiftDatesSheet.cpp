@@ -2,6 +2,7 @@
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "base/Dates.h"
+#include "metadata/AdjustmentSteps.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -102,7 +103,7 @@ void ShiftDatesSheet::refresh()
 void ShiftDatesSheet::accept()
 {
     attemptIn(*this, [this] {
-        desktop_.session().writeBack().shiftDates(photos_, shift());
+        shiftDates(desktop_.session().writeBack(), desktop_.store(), photos_, shift());
         QDialog::accept();
     });
 }
