@@ -132,6 +132,15 @@ void addVersionCommands(const Commands& version)
             sub.add_option("--name", arguments.name, "its name; \"Version 2\" and so on without one");
         },
         createVersion);
+    version.add<VersionArguments>(
+        "rename", "give a version another name",
+        [](CLI::App& sub, VersionArguments& arguments) {
+            addPhotoID(sub, arguments.photo);
+            sub.add_option("NAME", arguments.name, "the name")->required();
+        },
+        [](Context& context, const VersionArguments& renamed) {
+            renameVersion(context.library(), renamed.photo, *renamed.name);
+        });
     version.add<PhotoID>("list", "the versions of a photo, oldest first", addPhotoID, listVersions);
 }
 

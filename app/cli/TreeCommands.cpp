@@ -1,12 +1,15 @@
 #include "app/cli/Commands.h"
 #include "base/Text.h"
+#include "catalog/LibraryReading.h"
 #include "catalog/MovedFolder.h"
 #include "catalog/RenameKeyword.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 #include <stdexcept>
+#include <unordered_set>
 
 namespace korvo {
 
@@ -106,10 +109,52 @@ void addIDAndName(CLI::App& sub, TreeArguments& arguments)
     addName(sub, arguments);
 }
 
-void addMove(CLI::App& sub, TreeArguments& arguments)
+struct MoveArguments : TreeArguments {
+    std::optional<std::int64_t> before;
+};
+
+void addMove(CLI::App& sub, MoveArguments& arguments)
 {
     addID(sub, arguments);
-    sub.add_option("--parent", arguments.parent, "the project; without one it goes to the root");
+    auto* const parent
+        = sub.add_option("--parent", arguments.parent, "the project; without one it goes to the root");
+    sub.add_option("--before", arguments.before, "the id of what it is to stand beside, just before it")
+        ->excludes(parent);
+}
+
+/// The project of that id, below these.
+const ProjectNode* projectIn(const std::vector<ProjectNode>& nodes, std::int64_t id)
+{
+    for (const auto& node : nodes) {
+        const auto* const found = node.id == id ? &node : projectIn(node.children, id);
+        if (found)
+            return found;
+    }
+    return nullptr;
+}
+
+void moveProject(Context& context, const MoveArguments& moved)
+{
+    auto& catalog = context.library();
+    if (!moved.before)
+        return catalog.moveProject(moved.id, moved.parent);
+    const auto tree = treeIn(catalog.database(), {});
+    const auto* const beside = projectIn(tree.projects, *moved.before);
+    if (!beside)
+        throw NotFoundError("project", *moved.before);
+    catalog.placeProject(moved.id, beside->parentID, moved.before);
+}
+
+void moveAlbum(Context& context, const MoveArguments& moved)
+{
+    auto& catalog = context.library();
+    if (!moved.before)
+        return catalog.moveAlbum(moved.id, moved.parent);
+    const auto albums = treeIn(catalog.database(), {}).albums;
+    const auto beside = std::ranges::find(albums, *moved.before, &AlbumRow::id);
+    if (beside == albums.end())
+        throw NotFoundError("album", *moved.before);
+    catalog.placeAlbum(moved.id, beside->parentID, moved.before);
 }
 
 struct ProjectArguments : TreeArguments {
@@ -157,10 +202,8 @@ void addProjectCommands(const Commands& project)
         [](Context& context, const TreeArguments& renamed) {
             context.library().renameProject(renamed.id, renamed.name);
         });
-    project.add<TreeArguments>("move", "move a project into another, or out of all", addMove,
-        [](Context& context, const TreeArguments& moved) {
-            context.library().moveProject(moved.id, moved.parent);
-        });
+    project.add<MoveArguments>(
+        "move", "move a project into another, out of all, or before another", addMove, moveProject);
     project.add<TreeArguments>("delete", "delete a project and those in it; photos and albums stay", addID,
         [](Context& context, const TreeArguments& deleted) { context.library().deleteProject(deleted.id); });
     project.add<AssignArguments>("assign", "put photos into a project", addAssignArguments, assign);
@@ -193,6 +236,32 @@ void addAlbumAndPhotos(CLI::App& sub, TreeArguments& arguments)
     addPhotos(sub, arguments.photos);
 }
 
+void addOrder(CLI::App& sub, MoveArguments& arguments)
+{
+    addAlbumAndPhotos(sub, arguments);
+    sub.add_option("--before", arguments.before, "the photo before which they are to stand");
+}
+
+ExitCode orderInAlbum(Context& context, const MoveArguments& order)
+{
+    std::unordered_set<PhotoID> members;
+    for (const auto& item :
+        context.library().photos(context.existingSource("album:" + std::to_string(order.id))))
+        members.insert(item.id);
+    const auto isNoMember = [&](PhotoID photo) { return fmt::format("photo {} is not in the album", photo); };
+    if (order.before && !members.contains(*order.before))
+        throw std::invalid_argument(isNoMember(*order.before));
+    auto ids = context.photos(order.photos);
+    std::erase_if(ids, [&](PhotoID id) {
+        if (members.contains(id))
+            return false;
+        context.fail(isNoMember(id));
+        return true;
+    });
+    context.library().moveInAlbum(order.id, ids, order.before);
+    return context.finish(ids.size(), Ended::whole);
+}
+
 void addAlbumCommands(const Commands& album)
 {
     album.add<TreeArguments>(
@@ -205,10 +274,8 @@ void addAlbumCommands(const Commands& album)
         });
     album.add<TreeArguments>("delete", "delete an album; its photos stay", addID,
         [](Context& context, const TreeArguments& deleted) { context.library().deleteAlbum(deleted.id); });
-    album.add<TreeArguments>("move", "move an album into a project, or out of all", addMove,
-        [](Context& context, const TreeArguments& moved) {
-            context.library().moveAlbum(moved.id, moved.parent);
-        });
+    album.add<MoveArguments>(
+        "move", "move an album into a project, out of all, or before another", addMove, moveAlbum);
     album.add<TreeArguments>(
         "add", "add photos to an album", addAlbumAndPhotos, [](Context& context, const TreeArguments& added) {
             return changePhotos(
@@ -219,6 +286,8 @@ void addAlbumCommands(const Commands& album)
             return changePhotos(context, taken.photos,
                 [&](const auto& ids) { context.library().removeFromAlbum(taken.id, ids); });
         });
+    album.add<MoveArguments>("order", "put photos of an album in this order before another, or behind all",
+        addOrder, orderInAlbum);
 }
 
 void addKeywordCommands(const Commands& keyword)
@@ -230,6 +299,15 @@ void addKeywordCommands(const Commands& keyword)
     keyword.add<TreeArguments>("rename", "give a keyword another name, also in the photos that have it",
         addIDAndName, [](Context& context, const TreeArguments& renamed) {
             renameKeyword(context.library(), renamed.id, renamed.name);
+        });
+    keyword.add<TreeArguments>(
+        "move", "move a keyword below another, or to the top",
+        [](CLI::App& sub, TreeArguments& arguments) {
+            addID(sub, arguments);
+            sub.add_option("--parent", arguments.parent, "the keyword that is to hold it");
+        },
+        [](Context& context, const TreeArguments& moved) {
+            context.library().moveKeyword(moved.id, moved.parent);
         });
     keyword.add<TreeArguments>("delete", "delete a keyword and those below it; photos keep theirs", addID,
         [](Context& context, const TreeArguments& deleted) { context.library().deleteKeyword(deleted.id); });

@@ -36,6 +36,45 @@ TEST_F(GroupCommands, groupsPhotosIntoVersionsStacksAndSmartAlbums)
     EXPECT_EQ(run("list --source smart:1").exitCode, 1);
 }
 
+TEST_F(GroupCommands, arrangesByHand)
+{
+    run("album create A");
+    run("album add 1 1 2 3");
+    const auto order = [&](const std::string& source) {
+        std::string names;
+        const auto list = run("list --source " + source).out;
+        for (std::size_t at = 0; (at = list.find("photos/", at)) != list.npos; at += 7)
+            names += list[at + 7];
+        return names;
+    };
+    run("album order 1 3 1 --before 2");
+    EXPECT_EQ(order("album:1"), "cab");
+    run("album order 1 3");
+    EXPECT_EQ(order("album:1"), "abc");
+    run("album take 1 2");
+    EXPECT_EQ(run("album order 1 2 1").err, "photo 2 is not in the album\n1 failed\n");
+    EXPECT_EQ(run("album order 1 1 --before 2").exitCode, 2);
+    EXPECT_EQ(order("album:1"), "ca");
+
+    for (const auto* const make : {"project create P", "project create Q", "project create R --parent 1",
+             "album create B --parent 2", "keyword create K", "keyword create L", "version create 1"})
+        run(make);
+    run("project move 2 --before 3");
+    run("album move 1 --before 2");
+    run("keyword move 2 --parent 1");
+    EXPECT_EQ(run("project move 1 --before 9").err, "korvo: no project with the id 9\n");
+    EXPECT_EQ(run("album move 1 --before 2 --parent 1").exitCode, 2);
+    const auto tree = run("tree").out;
+    EXPECT_NE(tree.find("P (0 photos)\n  project:2  Q (0 photos)\n    album:1  A (2 photos)\n    album:2  B"),
+        std::string::npos)
+        << tree;
+    EXPECT_NE(tree.find("K\n  keyword 2  L"), std::string::npos) << tree;
+
+    EXPECT_EQ(run("version rename 4 Print").exitCode, 0);
+    EXPECT_NE(json("version list 1").find(R"("versionName":"Print")"), std::string::npos);
+    EXPECT_EQ(run("version rename 1 Master").exitCode, 1);
+}
+
 TEST_F(GroupCommands, stackAutoTellsTheStacksItMadeAndLooksWithoutALock)
 {
     const std::string planned = R"("pick":1,"members":[1,2,3]}]})"
