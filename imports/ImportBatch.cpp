@@ -86,7 +86,6 @@ void ImportBatch::keep()
 
 void ImportBatch::name(ImportedShot& shot)
 {
-    std::vector<UnnamedFile> unnamed;
     std::vector<ImportedFile*> files;
     NamingFacts facts{shot.shot->name, {}, clock_.now()};
     if (const auto modified = shot.shot->files.front().file.modified)
@@ -96,14 +95,12 @@ void ImportBatch::name(ImportedShot& shot)
             continue;
         if (facts.title.empty())
             facts.title = file.photo.metadata.title.string();
-        unnamed.push_back({file.file->suffix, duplicateKey(file.file->file), file.file->file.path,
-            file.copy->size, file.copy->digest, !file.file->isSidecar});
         files.push_back(&file);
     }
     if (files.empty())
         return;
     try {
-        const auto names = names_.claim(facts, *shot.shot, unnamed);
+        const auto names = names_.claim(facts, *shot.shot, files);
         for (std::size_t i = 0; i < files.size(); ++i) {
             files[i]->path = names[i].path;
             if (names[i].isThere)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "imports/ImportCopy.h"
 #include "imports/ImportFolder.h"
 #include "imports/ImportNames.h"
 #include "imports/ImportOutcome.h"
@@ -11,21 +10,6 @@
 #include <vector>
 
 namespace korvo {
-
-/// One file on its way.
-struct ImportedFile {
-    const Shot::File* file = nullptr;
-    std::optional<FileCopy> copy; // of files that are copied
-    NewPhoto photo; // unless it is a sidecar
-    std::string failure; // why; empty when nothing went wrong
-    std::filesystem::path path; // where it stands in the end; empty when it does not
-};
-
-/// The files of one shot.
-struct ImportedShot {
-    const Shot* shot = nullptr;
-    std::vector<ImportedFile> files;
-};
 
 /// Takes shots, copied and verified, gives them their names and stores them in the catalog, several at a
 /// time.

@@ -33,15 +33,14 @@ std::optional<std::string> knownBase(
     return std::nullopt;
 }
 
-std::vector<NamedFile> ImportNames::claim(
-    const NamingFacts& facts, const Shot& shot, std::span<const UnnamedFile> files)
+std::vector<NamedFile> ImportNames::claim(const NamingFacts& facts, const Shot& shot, Files files)
 {
     auto names = announced(files);
     if (!names)
         names = besideKnown(shot, files);
     std::size_t longestSuffix = 0;
-    for (const auto& file : files)
-        longestSuffix = std::max(longestSuffix, file.suffix.size());
+    for (const auto* const file : files)
+        longestSuffix = std::max(longestSuffix, file->file->suffix.size());
     const auto base = [&](const std::string& end) {
         const auto taken = longestSuffix + end.size();
         return baseName(
@@ -55,29 +54,29 @@ std::vector<NamedFile> ImportNames::claim(
     return *names;
 }
 
-ImportNames::Names ImportNames::announced(std::span<const UnnamedFile> files)
+ImportNames::Names ImportNames::announced(Files files)
 {
-    for (const auto& file : files)
-        for (const fs::path path : memory_.announcedPaths(file.key)) {
-            const auto base = baseIn(folder_, path, file.suffix);
-            if (base && holdsSame(path, file))
+    for (const auto* const file : files)
+        for (const fs::path path : memory_.announcedPaths(duplicateKey(file->file->file))) {
+            const auto base = baseIn(folder_, path, file->file->suffix);
+            if (base && holdsSame(path, *file))
                 if (auto names = tryBase(*base, files))
                     return names;
         }
     return std::nullopt;
 }
 
-ImportNames::Names ImportNames::besideKnown(const Shot& shot, std::span<const UnnamedFile> files)
+ImportNames::Names ImportNames::besideKnown(const Shot& shot, Files files)
 {
     const auto base = knownBase(catalog_, folder_, shot.known);
     return base ? tryBase(*base, files) : std::nullopt;
 }
 
-ImportNames::Names ImportNames::tryBase(const std::string& base, std::span<const UnnamedFile> files)
+ImportNames::Names ImportNames::tryBase(const std::string& base, Files files)
 {
     std::vector<NamedFile> names;
-    for (const auto& file : files) {
-        auto name = tryName(base + file.suffix, file);
+    for (const auto* const file : files) {
+        auto name = tryName(base + file->file->suffix, *file);
         if (!name)
             return std::nullopt;
         names.push_back(std::move(*name));
@@ -85,23 +84,24 @@ ImportNames::Names ImportNames::tryBase(const std::string& base, std::span<const
     return names;
 }
 
-std::optional<NamedFile> ImportNames::tryName(const std::string& name, const UnnamedFile& file)
+std::optional<NamedFile> ImportNames::tryName(const std::string& name, const ImportedFile& file)
 {
     const auto path = folder_ / name;
     // A photo whose file is missing keeps its path: another one there would get its title and its edits.
-    if (claimed_.contains(folded(name)) || (file.isPhoto && catalog_.masterAt(path.native())))
+    if (claimed_.contains(folded(name)) || (!file.file->isSidecar && catalog_.masterAt(path.native())))
         return std::nullopt;
     if (!fs::exists(fs::symlink_status(path)))
         return NamedFile{path};
     return holdsSame(path, file) ? std::optional(NamedFile{path, true}) : std::nullopt;
 }
 
-bool ImportNames::holdsSame(const fs::path& path, const UnnamedFile& file)
+bool ImportNames::holdsSame(const fs::path& path, const ImportedFile& file)
 {
     try {
         std::error_code elsewhere; // a camera's file has no path here
-        return fs::is_regular_file(fs::symlink_status(path)) && fs::file_size(path) == file.size
-            && !fs::equivalent(path, file.source, elsewhere) && sha256OnDisk(path, {}) == file.digest;
+        return fs::is_regular_file(fs::symlink_status(path)) && fs::file_size(path) == file.copy->size
+            && !fs::equivalent(path, file.file->file.path, elsewhere)
+            && sha256OnDisk(path, {}) == file.copy->digest;
     } catch (const std::system_error&) {
         return false; // what cannot be read is something else, and stays as it is
     }

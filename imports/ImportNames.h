@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalog/ImportMemory.h"
-#include "imports/ImportShots.h"
+#include "imports/ImportedShot.h"
 #include "imports/Naming.h"
 
 #include <cstdint>
@@ -14,16 +14,6 @@
 #include <vector>
 
 namespace korvo {
-
-/// A copied file that needs a name.
-struct UnnamedFile {
-    std::string suffix; // behind the base name
-    std::string key; // of what the source called it
-    std::filesystem::path source; // where it was copied from
-    std::uint64_t size = 0;
-    std::string digest; // SHA-256
-    bool isPhoto = true;
-};
 
 /// The name that a file gets.
 struct NamedFile {
@@ -40,26 +30,27 @@ std::optional<std::string> knownBase(
 /// it was killed is found again.
 class ImportNames {
 public:
+    using Files = std::span<ImportedFile* const>;
+
     /// `catalog` must outlive this. `total` is the number of shots.
     ImportNames(Catalog& catalog, std::filesystem::path folder, std::string pattern, std::size_t total)
         : catalog_(catalog), memory_(catalog), folder_(std::move(folder)), pattern_(std::move(pattern)),
           total_(total)
     { }
 
-    /// The names of the files of one shot, which have the base name in common, also with those of its photos
-    /// that were imported before. Throws DatabaseError, and std::system_error when the destination cannot be
-    /// looked into.
-    std::vector<NamedFile> claim(
-        const NamingFacts& facts, const Shot& shot, std::span<const UnnamedFile> files);
+    /// The names of copied files of one shot, which have the base name in common, also with those of its
+    /// photos that were imported before. Throws DatabaseError, and std::system_error when the destination
+    /// cannot be looked into.
+    std::vector<NamedFile> claim(const NamingFacts& facts, const Shot& shot, Files files);
 
 private:
     using Names = std::optional<std::vector<NamedFile>>;
 
-    Names announced(std::span<const UnnamedFile> files);
-    Names besideKnown(const Shot& shot, std::span<const UnnamedFile> files);
-    Names tryBase(const std::string& base, std::span<const UnnamedFile> files);
-    std::optional<NamedFile> tryName(const std::string& name, const UnnamedFile& file);
-    bool holdsSame(const std::filesystem::path& path, const UnnamedFile& file);
+    Names announced(Files files);
+    Names besideKnown(const Shot& shot, Files files);
+    Names tryBase(const std::string& base, Files files);
+    std::optional<NamedFile> tryName(const std::string& name, const ImportedFile& file);
+    bool holdsSame(const std::filesystem::path& path, const ImportedFile& file);
 
     Catalog& catalog_;
     ImportMemory memory_;
