@@ -133,17 +133,16 @@ void Catalog::fileChanged(PhotoID id, UnixTime fileDate, std::int64_t fileSize)
 std::vector<std::pair<PhotoID, std::string>> Catalog::photosToRead(std::int64_t limit, PhotoID after)
 {
     return idsAndPaths(*this,
-        "SELECT id, path FROM photos WHERE id > ? AND version_of IS NULL AND (exif_read = 0 OR capture_read "
-        "= 0) "
-        "ORDER BY id LIMIT ?",
+        R"(SELECT id, path FROM photos
+WHERE id > ? AND version_of IS NULL AND (exif_read = 0 OR capture_read = 0) ORDER BY id LIMIT ?)",
         after, limit);
 }
 
 std::vector<std::pair<PhotoID, std::string>> Catalog::photosToLocate(std::int64_t limit, PhotoID after)
 {
     return idsAndPaths(*this,
-        "SELECT id, path FROM photos WHERE id > ? AND version_of IS NULL AND gps_read = 0 ORDER BY id LIMIT "
-        "?",
+        R"(SELECT id, path FROM photos
+WHERE id > ? AND version_of IS NULL AND gps_read = 0 ORDER BY id LIMIT ?)",
         after, limit);
 }
 

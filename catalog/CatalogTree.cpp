@@ -44,8 +44,8 @@ AddedRow Catalog::addFolder(std::string_view path, UnixTime addedAt)
 
 std::optional<std::int64_t> Catalog::folderContaining(std::string_view path)
 {
-    auto statement = database_.kept("SELECT id FROM folders WHERE substr(?1, 1, length(path) + 1) = path || "
-                                    "'/' ORDER BY length(path) DESC LIMIT 1");
+    auto statement = database_.kept(R"(SELECT id FROM folders
+WHERE substr(?1, 1, length(path) + 1) = path || '/' ORDER BY length(path) DESC LIMIT 1)");
     statement.bind(path);
     return statement.step() ? std::optional(statement.integer(0)) : std::nullopt;
 }

@@ -39,9 +39,8 @@ std::vector<ProjectRow> projects(Database& database)
 std::vector<AlbumRow> albums(Database& database)
 {
     return rowsOf(database,
-        "SELECT a.id, a.name, a.parent_id, (SELECT COUNT(*) FROM album_items ai WHERE ai.album_id = a.id) AS "
-        "n "
-        "FROM albums a ORDER BY a.position, a.name COLLATE NOCASE",
+        R"(SELECT a.id, a.name, a.parent_id, (SELECT COUNT(*) FROM album_items ai WHERE ai.album_id = a.id)
+FROM albums a ORDER BY a.position, a.name COLLATE NOCASE)",
         [](const Statement& row) {
             return AlbumRow{row.integer(0), text(row, 1), row.optionalInteger(2), row.integer(3)};
         });

@@ -209,8 +209,8 @@ std::optional<KeptPreview> PreviewCache::find(const PreviewKey& key)
     use([&](Database& database) {
         if (used_.size() >= usesInOneWrite)
             flushUses(database);
-        auto statement = database.kept("SELECT data, used, file_state FROM previews JOIN images ON images.id "
-                                       "= previews.image WHERE key = ?");
+        auto statement = database.kept(R"(SELECT data, used, file_state
+FROM previews JOIN images ON images.id = previews.image WHERE key = ?)");
         statement.bind(std::span<const std::uint8_t>(key));
         if (!statement.step())
             return;
