@@ -17,7 +17,7 @@ struct SystemTools {
     static ExifToolPlaces exifToolPlaces()
     {
         const char* const path = std::getenv("PATH");
-        return {.bundled = resourceFolder() / "exiftool", .searchPath = path ? path : ""};
+        return {.bundled = shareFolder() / "korvo/exiftool", .searchPath = path ? path : ""};
     }
 };
 

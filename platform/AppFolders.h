@@ -16,7 +16,7 @@ std::filesystem::path userDefaultsFolder();
 /// The user's folder for pictures, under whatever name; it need not exist. Throws likewise.
 std::filesystem::path picturesFolder();
 
-/// Where the files lie that are installed with the program. It need not exist.
-std::filesystem::path resourceFolder();
+/// The "share" beside the folder of the program, for files that are installed with it. It need not exist.
+std::filesystem::path shareFolder();
 
 } // namespace korvo

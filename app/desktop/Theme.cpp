@@ -130,7 +130,7 @@ QScrollBar::add-page, QScrollBar::sub-page { background: none; }
 /// Not looked up in a theme, since not every desktop names one.
 QIcon installedIcon()
 {
-    const auto folder = resourceFolder().parent_path() / "icons/hicolor/scalable/apps";
+    const auto folder = shareFolder() / "icons/hicolor/scalable/apps";
     const QString file = QFile::decodeName((folder / "korvo.svg").c_str());
     return QFile::exists(file) ? QIcon(file) : QIcon(); // there is none where the program is not installed
 }

@@ -59,11 +59,11 @@ std::filesystem::path picturesFolder()
     return named ? fs::path(named) : homeFolder() / "Pictures";
 }
 
-std::filesystem::path resourceFolder()
+std::filesystem::path shareFolder()
 {
     std::error_code unknown; // without /proc there is no such folder
     const auto program = fs::read_symlink("/proc/self/exe", unknown);
-    return program.parent_path().parent_path() / "share/korvo";
+    return program.parent_path().parent_path() / "share";
 }
 
 } // namespace korvo
