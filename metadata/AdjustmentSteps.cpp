@@ -128,9 +128,10 @@ FilesWritten PositionChange::putBack(
 {
     const auto inCatalog = [&](const FileRecord& record) {
         const auto& before = before_.at(record.id);
-        if (!before.wasRead && !inFiles_.contains(record.id))
-            return forgetPosition(catalog, record.id); // what the file still holds is read later
-        positionChangeTo(catalog, before.wasRead ? before.inCatalog : before.inFile).inCatalog(record);
+        const auto own = before.wasRead || before.inCatalog ? before.inCatalog : before.inFile;
+        if (!before.wasRead && !own && !inFiles_.contains(record.id))
+            return forgetPosition(catalog, record.id); // the file may have been away, and is read later
+        positionChangeTo(catalog, own).inCatalog(record);
     };
     const auto inFile = [&](const FileRecord& record) {
         return inFiles_.contains(record.id)

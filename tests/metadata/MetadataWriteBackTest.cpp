@@ -301,6 +301,21 @@ TEST(MetadataWriteBack, takesNoPositionFromAFileThatItNeverWrote)
     EXPECT_FALSE(store.catalog().isPositionRead(2)) << "its own is still to be read";
 }
 
+TEST(MetadataWriteBack, givesAPhotoThatWasNeverReadThePositionOfItsFile)
+{
+    OpenLibrary library(1);
+    auto& store = *library.store;
+    const auto file = store.list().find(1)->path();
+    std::filesystem::copy_file(
+        fixture("camera.jpg"), file, std::filesystem::copy_options::overwrite_existing);
+    library.exiftool.failing = "1.jpg";
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(store.list().find(1)->latitude, readGPS(file)->latitude);
+}
+
 TEST(MetadataWriteBack, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
 {
     const FakeTool real(FakeTool::Real{});

@@ -104,8 +104,8 @@ void clearPosition(MainWindow& window)
     const auto title = photos.size() == 1 ? std::string("Clear the position of this photo?")
                                           : "Clear the positions of " + counted(photos.size(), "photo") + "?";
     if (ask(window, qt(title),
-            "They leave the files, too, with altitude, direction and time. Undo brings back latitude and "
-            "longitude alone.",
+            "They leave the files, too, but for Aperture's originals, with altitude, direction and time. "
+            "Undo brings back latitude and longitude alone.",
             "Clear"))
         setPosition(desktop.session().writeBack(), desktop.store(), photos, std::nullopt);
 }
