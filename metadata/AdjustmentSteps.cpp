@@ -13,7 +13,8 @@ namespace korvo {
 
 namespace {
 
-// Each run of a step goes on any thread, one at a time, and throws as adjustPhotos() does.
+// Each run of a step goes on any thread, one at a time, and throws as adjustPhotos() does. isLeft() says
+// between them whether something of it is still to be taken back.
 
 /// A shift of capture dates. It moves twice nothing that a failure, a stop or an unreachable file has left
 /// where it was.
@@ -23,6 +24,7 @@ public:
 
     FilesWritten run(UndoWay way, Catalog& catalog, const ExifTool& tool, const std::stop_token& stop,
         const FileProgress& progress);
+    bool isLeft() const { return !inCatalog_.empty() || !inFiles_.empty(); }
 
 private:
     std::vector<PhotoID> photos_;
@@ -40,6 +42,7 @@ public:
 
     FilesWritten run(UndoWay way, Catalog& catalog, const ExifTool& tool, const std::stop_token& stop,
         const FileProgress& progress);
+    bool isLeft() const { return !before_.empty(); }
 
 private:
     struct Before {
@@ -90,12 +93,20 @@ FilesWritten DateShift::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
         return shifted.contains(photo) == (way == UndoWay::back);
     };
     auto photos = catalog.mastersOf(photos_);
-    std::erase_if(photos, [&](PhotoID photo) { return !isDue(inCatalog_, photo); });
+    const std::set<PhotoID> there(photos.begin(), photos.end());
+    for (auto* const shifted : {&inCatalog_, &inFiles_})
+        std::erase_if(*shifted, [&](PhotoID photo) { return !there.contains(photo); });
+    std::erase_if(
+        photos, [&](PhotoID photo) { return !isDue(inCatalog_, photo) && !isDue(inFiles_, photo); });
     const auto shift = dateShiftBy(catalog, way == UndoWay::forth ? seconds_ : -seconds_);
+    const auto inCatalog = [&](const FileRecord& record) {
+        if (isDue(inCatalog_, record.id))
+            shift.inCatalog(record);
+    };
     const auto inFile = [&](const FileRecord& record) {
         return isDue(inFiles_, record.id) ? shift.inFile(record) : FileChange();
     };
-    auto result = adjustPhotos(catalog, photos, {shift.inCatalog, inFile}, tool, stop, progress);
+    auto result = adjustPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
     note(inCatalog_, way, result.touched);
     note(inFiles_, way, withoutFailure(result));
     return result;
@@ -139,7 +150,9 @@ FilesWritten PositionChange::putBack(
             : FileChange();
     };
     const auto keys = std::views::keys(before_);
-    const std::vector<PhotoID> photos(keys.begin(), keys.end());
+    const auto photos = catalog.mastersOf(std::vector<PhotoID>(keys.begin(), keys.end()));
+    const std::set<PhotoID> there(photos.begin(), photos.end());
+    std::erase_if(before_, [&](const auto& photo) { return !there.contains(photo.first); });
     auto result = adjustPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
     for (const PhotoID photo : withoutFailure(result)) {
         before_.erase(photo);
@@ -156,6 +169,7 @@ struct Adjustment {
     std::function<FilesWritten(
         UndoWay, Catalog&, const ExifTool&, const std::stop_token&, const FileProgress&)>
         run;
+    std::function<bool()> isLeft;
 };
 
 FileJob jobOf(const Adjustment& adjustment, UndoWay way)
@@ -171,14 +185,34 @@ FileJob jobOf(const Adjustment& adjustment, UndoWay way)
     return job;
 }
 
+/// Makes it a step of undo, behind what was done since that one. Where taking it back leaves photos or files
+/// as they are, they know of nothing else that could bring them back: it then is a step again, until two
+/// tries in a row were in vain and would only stand before older steps.
+void keepStep(FileWork& work, LibraryStore& store, const Adjustment& adjustment, std::uint64_t since,
+    int triesInVain = 0)
+{
+    store.adopt(
+        adjustment.title,
+        [&work, &store, adjustment, triesInVain](UndoWay way) {
+            auto job = jobOf(adjustment, way);
+            if (way == UndoWay::back)
+                job.ended = [&work, &store, adjustment, triesInVain, since = store.newestStep()](
+                                const FilesWritten& result) {
+                    const int inVain = withoutFailure(result).empty() ? triesInVain + 1 : 0;
+                    if (adjustment.isLeft() && inVain < 2)
+                        keepStep(work, store, adjustment, since, inVain);
+                };
+            work.begin(std::move(job));
+        },
+        since);
+}
+
 void beginStep(FileWork& work, LibraryStore& store, const Adjustment& adjustment)
 {
     auto job = jobOf(adjustment, UndoWay::forth);
     job.ended = [&work, &store, adjustment, since = store.newestStep()](const FilesWritten& result) {
         if (!result.touched.empty())
-            store.adopt(
-                adjustment.title, [&work, adjustment](UndoWay way) { work.begin(jobOf(adjustment, way)); },
-                since);
+            keepStep(work, store, adjustment, since);
     };
     work.begin(std::move(job));
 }
@@ -188,9 +222,10 @@ void beginStep(FileWork& work, LibraryStore& store, const Adjustment& adjustment
 void shiftDates(FileWork& work, LibraryStore& store, std::span<const PhotoID> photos, double seconds)
 {
     const auto step = std::make_shared<DateShift>(std::vector(photos.begin(), photos.end()), seconds);
-    beginStep(work, store, {"Shift Capture Dates", "Shifting", shiftSummary, [step](auto&&... arguments) {
-                                return step->run(arguments...);
-                            }});
+    beginStep(work, store,
+        {"Shift Capture Dates", "Shifting", shiftSummary,
+            [step](auto&&... arguments) { return step->run(arguments...); },
+            [step] { return step->isLeft(); }});
 }
 
 void setPosition(FileWork& work, LibraryStore& store, std::span<const PhotoID> photos,
@@ -200,7 +235,8 @@ void setPosition(FileWork& work, LibraryStore& store, std::span<const PhotoID> p
     beginStep(work, store,
         {position ? "Set Position" : "Clear Position", position ? "Locating" : "Clearing",
             [position](const FilesWritten& result) { return positionSummary(result, position); },
-            [step](auto&&... arguments) { return step->run(arguments...); }});
+            [step](auto&&... arguments) { return step->run(arguments...); },
+            [step] { return step->isLeft(); }});
 }
 
 } // namespace korvo

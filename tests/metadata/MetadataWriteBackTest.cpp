@@ -248,12 +248,17 @@ TEST(MetadataWriteBack, shiftsDatesAsAStepThatTakesThemBackWhereTheyWereMoved)
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(dates(), before);
     EXPECT_EQ(library.calls(), made + 2) << "the second file was never moved";
-    EXPECT_EQ(store.redoTitle(), "Shift Capture Dates");
+    EXPECT_EQ(store.undoTitle(), "Shift Capture Dates") << "for the third file still is";
     library.exiftool.failing.clear();
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(dates(), before);
+    EXPECT_EQ(library.exiftool.calls().back(), "-AllDates-=0:0:0 0:1:0 3.jpg");
+    EXPECT_EQ(library.calls(), made + 3);
+    EXPECT_EQ(store.undoTitle(), std::nullopt);
     store.redo();
     ASSERT_TRUE(library.finish());
-    EXPECT_EQ(library.exiftool.calls().back(), "-AllDates+=0:0:0 0:1:0 2.jpg") << "the third still is";
-    EXPECT_EQ(library.calls(), made + 4);
+    EXPECT_EQ(library.calls(), made + 6);
     for (std::size_t i = 0; i < before.size(); ++i)
         EXPECT_EQ(dates()[i], before[i] + 60);
 }
@@ -335,9 +340,9 @@ TEST(MetadataWriteBack, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
     store.undo();
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(store.list().find(1)->latitude, 10) << "also where the file cannot be put back";
+    setRating(store, only(1), 3);
+    store.undo();
     std::filesystem::rename(away, file);
-    store.redo();
-    ASSERT_TRUE(library.finish());
     store.undo();
     ASSERT_TRUE(library.finish());
     const auto back = readGPS(file);
@@ -361,12 +366,26 @@ TEST(MetadataWriteBack, keepsWhatAPhotoHadUntilItIsBackWhateverEndsTheWayBack)
     EXPECT_EQ(store.list().find(1)->latitude, 10) << "and it is shown";
     EXPECT_EQ(store.list().find(2)->latitude, 48);
     store.catalog().database().exec("DROP TRIGGER full");
-    store.redo();
-    ASSERT_TRUE(library.finish());
     store.undo();
     ASSERT_TRUE(library.finish());
     EXPECT_EQ(store.list().find(1)->latitude, 10);
     EXPECT_EQ(store.list().find(2)->latitude, 30);
+}
+
+TEST(MetadataWriteBack, triesTwiceInVainToTakeAStepBackBeforeItIsGivenUp)
+{
+    OpenLibrary library(1);
+    auto& store = *library.store;
+    setRating(store, only(1), 3);
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    library.exiftool.failing = "1.jpg";
+    for (const auto* const next : {"Set Position", "Set Rating"}) {
+        store.undo();
+        ASSERT_TRUE(library.finish());
+        EXPECT_EQ(store.undoTitle(), next);
+    }
+    EXPECT_EQ(store.redoTitle(), "Set Position");
 }
 
 } // namespace korvo
