@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <fcntl.h>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -141,6 +142,20 @@ TEST(PartFile, goesAroundWhatIsInItsWayAndTakesNoNameThatIsTaken)
     EXPECT_TRUE(part.moveTo(folder / "photo-2.jpg"));
     part = PartFile::begin(folder / "copy").value();
     EXPECT_EQ(readFile(folder / "photo-2.jpg"), "abc") << "it is no longer the part file's";
+}
+
+TEST(PartFile, locksNoByteOfItsContents)
+{
+    const TemporaryFolder folder;
+    const auto part = PartFile::begin(folder / "copy").value();
+    const auto reader = openFile(part.path(), O_RDWR);
+    struct flock contents { };
+    contents.l_type = F_WRLCK;
+    contents.l_whence = SEEK_SET;
+    contents.l_len = off_t(1) << 60;
+    EXPECT_EQ(fcntl(reader.descriptor(), F_OFD_SETLK, &contents), 0)
+        << "where locks keep others out, it could not be read again";
+    EXPECT_FALSE(PartFile::begin(folder / "copy"));
 }
 
 } // namespace korvo
