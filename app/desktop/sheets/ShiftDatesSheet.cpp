@@ -36,7 +36,8 @@ private:
 
     Desktop& desktop_;
     std::vector<PhotoID> photos_;
-    std::optional<UnixTime> first_; // the date of the first photo
+    CompactOptional<UnixTime> first_; // the date of the first photo
+    const char* whose_ = "First photo: ";
     std::array<QSpinBox*, timeUnits.size()> fields_{};
     QComboBox* way_ = new QComboBox;
     QLabel* example_ = plainLabel();
@@ -47,8 +48,11 @@ ShiftDatesSheet::ShiftDatesSheet(MainWindow& window, std::vector<PhotoID> photos
     : QDialog(&window), desktop_(window.desktop()), photos_(std::move(photos))
 {
     setWindowTitle("Shift Capture Dates");
-    if (const auto* const item = desktop_.store().list().find(photos_.front()))
-        first_ = item->captureDate ? *item->captureDate : item->fileDate.value_or(0);
+    if (const auto* const item = desktop_.store().list().find(photos_.front())) {
+        first_ = item->takenAt();
+        if (!item->captureDate) // there is none, or it was not read yet
+            whose_ = "First photo, by its file's date: ";
+    }
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     shift_
         = buttons->addButton("Shift " + qt(counted(photos_.size(), "Photo")), QDialogButtonBox::AcceptRole);
@@ -95,8 +99,7 @@ double ShiftDatesSheet::shift() const
 void ShiftDatesSheet::refresh()
 {
     if (first_)
-        example_->setText(
-            qt("First photo: " + localDateTime(*first_) + " → " + localDateTime(*first_ + shift())));
+        example_->setText(qt(whose_ + localDateTime(*first_) + " → " + localDateTime(*first_ + shift())));
     shift_->setEnabled(shift() != 0);
 }
 
