@@ -1,6 +1,7 @@
 #include "app/Libraries.h"
 
 #include "base/Text.h"
+#include "platform/AppFolders.h"
 
 #include <algorithm>
 #include <system_error>
@@ -14,20 +15,10 @@ constexpr auto recentKey = "korvo_recent_libraries";
 constexpr std::size_t recentKept = 10;
 constexpr char separator = '\0'; // the one byte that no path holds
 
-std::vector<std::filesystem::path> storedLibraries(const Defaults& defaults)
-{
-    const auto stored = defaults.get(recentKey).value_or("");
-    std::vector<std::filesystem::path> libraries;
-    for (const auto path : split(stored, separator))
-        if (!path.empty())
-            libraries.emplace_back(path);
-    return libraries;
-}
-
 /// Those that cannot be seen now stay in the list: their disk may be away for a day.
 void remember(const std::filesystem::path& folder, Defaults& defaults)
 {
-    auto recent = storedLibraries(defaults);
+    auto recent = rememberedLibraries(defaults);
     std::erase(recent, folder);
     recent.insert(recent.begin(), folder);
     recent.resize(std::min(recent.size(), recentKept));
@@ -59,11 +50,34 @@ std::optional<std::filesystem::path> missingLibrary(const Defaults& defaults)
     return isMissing ? std::optional<std::filesystem::path>(*stored) : std::nullopt;
 }
 
+std::vector<std::filesystem::path> rememberedLibraries(const Defaults& defaults)
+{
+    const auto stored = defaults.get(recentKey).value_or("");
+    std::vector<std::filesystem::path> libraries;
+    for (const auto path : split(stored, separator))
+        if (!path.empty())
+            libraries.emplace_back(path);
+    return libraries;
+}
+
 std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults)
 {
-    auto libraries = storedLibraries(defaults);
+    auto libraries = rememberedLibraries(defaults);
     std::erase_if(libraries, [](const auto& folder) { return !holdsCatalog(folder); });
     return libraries;
+}
+
+AwayTexts awayTexts(const std::filesystem::path& library)
+{
+    const auto name = library.has_filename() ? library.filename() : library.parent_path().filename();
+    return {"The library " + name.string() + " is not there.",
+        "It was last opened at " + library.string()
+            + ". If that is on a disk that is not connected, connect it and try again."};
+}
+
+std::filesystem::path usualLibrary()
+{
+    return picturesFolder() / "Korvo Library";
 }
 
 std::unique_ptr<Catalog> openLibrary(

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace korvo {
@@ -19,8 +20,21 @@ std::optional<std::filesystem::path> lastLibrary(const Defaults& defaults);
 /// The library opened last, if its catalog cannot be seen: its disk may be away.
 std::optional<std::filesystem::path> missingLibrary(const Defaults& defaults);
 
-/// The libraries opened lately, the last one first; those whose catalog is gone are left out.
+/// The libraries opened lately, the last one first, without a look whether they are there: that may wait for
+/// a disk.
+std::vector<std::filesystem::path> rememberedLibraries(const Defaults& defaults);
+
+/// The same, without those whose catalog is gone.
 std::vector<std::filesystem::path> recentLibraries(const Defaults& defaults);
+
+/// What to tell whoever wants a library that cannot be seen: that it is so, and what to do.
+struct AwayTexts {
+    std::string title, details;
+};
+AwayTexts awayTexts(const std::filesystem::path& library);
+
+/// Where the first library is made.
+std::filesystem::path usualLibrary();
 
 /// Opens a library and remembers it as the last one. Throws DatabaseError; a preference that cannot be stored
 /// does not keep a library from opening.

@@ -24,7 +24,7 @@ std::filesystem::path askFolder(const QString& title)
 
 std::optional<FirstStart> askAtFirstStart()
 {
-    const auto library = picturesFolder() / "Korvo Library";
+    const auto library = usualLibrary();
     QMessageBox box(QMessageBox::NoIcon, "Korvo", "Where are your photos?");
     box.setInformativeText(
         "Choose a folder. Its photos stay where they are; what you do with them is kept in the library "
@@ -52,10 +52,9 @@ std::optional<FirstStart> askAtFirstStart()
 
 std::optional<FirstStart> askForMissing(const std::filesystem::path& library)
 {
-    QMessageBox box(
-        QMessageBox::NoIcon, "Korvo", "The library " + qt(library.filename().string()) + " is not there.");
-    box.setInformativeText("It was last opened at " + qt(library.string())
-        + ". If that is on a disk that is not connected, connect it and try again.");
+    const auto texts = awayTexts(library);
+    QMessageBox box(QMessageBox::NoIcon, "Korvo", qt(texts.title));
+    box.setInformativeText(qt(texts.details));
     showPlain(box);
     const QAbstractButton* const again = box.addButton("Try Again", QMessageBox::AcceptRole);
     const QAbstractButton* const other = box.addButton("Another Library…", QMessageBox::ActionRole);
