@@ -58,13 +58,18 @@ Context::Context(GlobalOptions options, Defaults& defaults, const Clock& clock, 
     : options_(std::move(options)), defaults_(defaults), clock_(clock), stop_(std::move(stop))
 { }
 
-std::optional<std::filesystem::path> Context::chosenFolder() const
+std::optional<std::filesystem::path> Context::namedFolder() const
 {
     if (options_.library)
         return *options_.library;
-    if (const char* const named = std::getenv("KORVO_LIBRARY"); named && *named)
-        return named;
-    return lastLibrary(defaults_);
+    const char* const named = std::getenv("KORVO_LIBRARY");
+    return named && *named ? std::optional<std::filesystem::path>(named) : std::nullopt;
+}
+
+std::optional<std::filesystem::path> Context::chosenFolder() const
+{
+    const auto named = namedFolder();
+    return named ? named : lastLibrary(defaults_);
 }
 
 std::filesystem::path Context::libraryFolder() const
@@ -91,6 +96,14 @@ Catalog* Context::libraryIfAny()
 {
     const auto folder = chosenFolder();
     return folder && std::filesystem::exists(*folder / "catalog.sqlite") ? &library() : nullptr;
+}
+
+std::optional<std::filesystem::path> Context::awayLibrary() const
+{
+    const auto named = namedFolder();
+    if (!named)
+        return missingLibrary(defaults_);
+    return holdsCatalog(*named) ? std::nullopt : named;
 }
 
 std::optional<LibrarySource> Context::existingSource(const std::string& text)

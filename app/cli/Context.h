@@ -66,6 +66,8 @@ public:
     Catalog& library();
     /// The same, or null when there is none.
     Catalog* libraryIfAny();
+    /// Where the library would be that is named or was opened last, but cannot be seen: its disk may be away.
+    std::optional<std::filesystem::path> awayLibrary() const;
 
     /// The photos of the arguments, each once, in their order. Ids that the library does not hold are
     /// failures. Throws std::invalid_argument for what is no id and no source, and Interrupted.
@@ -96,6 +98,7 @@ public:
     bool hasFailures() const { return !failures_.empty(); }
 
 private:
+    std::optional<std::filesystem::path> namedFolder() const;
     std::optional<std::filesystem::path> chosenFolder() const;
 
     GlobalOptions options_;

@@ -36,6 +36,15 @@ struct RenderedFile {
 };
 KORVO_RECORD(RenderedFile, path, width, height, note)
 
+/// Without the library nobody knows which files are its originals.
+void refuseUnlessNew(const std::filesystem::path& out, const std::filesystem::path& library)
+{
+    std::error_code unreadable; // may be there, then
+    if (std::filesystem::symlink_status(out, unreadable).type() != std::filesystem::file_type::not_found)
+        throw std::runtime_error(out.string() + " is there already, and might be an original of the library "
+            + library.string() + ", which cannot be seen: connect its disk, or write to another name");
+}
+
 ExitCode renderToFile(Context& context, const RenderArguments& arguments)
 {
     const auto photo = photoOrFile(context, arguments.photo, arguments.edits);
@@ -43,6 +52,8 @@ ExitCode renderToFile(Context& context, const RenderArguments& arguments)
     Catalog* const library = context.libraryIfAny();
     const auto isOriginal
         = [&](const std::filesystem::path& file) { return library && library->isOriginal(file); };
+    if (const auto away = context.awayLibrary())
+        refuseUnlessNew(arguments.out, *away);
     removeUnfinishedExports(std::filesystem::absolute(arguments.out).parent_path());
     const auto position = photo.photo ? exportedPosition(existingPhoto(context, *photo.photo), Position::keep)
                                       : ExportedPosition();

@@ -297,7 +297,8 @@ TEST_F(CommandLine, rendersPhotosAndFilesIntoFiles)
     EXPECT_EQ(run("render " + source + " --out " + out + " --quality 101").exitCode, 2);
     const auto original = folder.write("photos/a.jpg", readFile(source));
     EXPECT_EQ(run("render 1 --out " + out + R"( --edits '{"exposure":1}')").exitCode, 1) << "no whole record";
-    EXPECT_EQ(run("--library /nowhere render " + source + " --out " + out).exitCode, 0) << "it needs none";
+    const auto fresh = (folder / "new.png").string();
+    EXPECT_EQ(run("--library /nowhere render " + source + " --out " + fresh).exitCode, 0) << "it needs none";
     EXPECT_EQ(run("render 1 --out " + out).out, out + "  48 × 32\n");
     EXPECT_EQ(readFile(original), readFile(source));
 }
@@ -320,6 +321,13 @@ TEST_F(CommandLine, rendersOverNoOriginalByWhateverName)
             EXPECT_NE(outcome.err.find("is an original photo"), std::string::npos) << outcome.err;
         }
     EXPECT_EQ(readFile(folder / "photos/b.jpg") + readFile(real), "xreal");
+    std::filesystem::rename(folder / "Library", folder / "unplugged");
+    for (const std::string& library : {std::string(), "--library " + (folder / "Library").string() + " "}) {
+        const auto outcome
+            = run(library + "render " + source + " --out " + (folder / "photos/b.jpg").string());
+        EXPECT_NE(outcome.err.find("connect its disk"), std::string::npos) << outcome.err;
+    }
+    EXPECT_EQ(readFile(folder / "photos/b.jpg"), "x");
 }
 
 TEST_F(CommandLine, exportsPhotosByAPatternIntoAFolder)
