@@ -2,6 +2,8 @@
 
 #include "catalog/ChangeRow.h"
 
+#include <algorithm>
+
 namespace korvo {
 
 namespace {
@@ -38,29 +40,33 @@ void requireRoom(Database& database, const Inside& inside, std::string_view plac
             + " is in the library already: remove what was added from the folder's new place first");
 }
 
-/// Whether one of the first hundred photos, or the only ones there are, is at its new place.
-bool holdsPhotos(Database& database, const std::string& before, const fs::path& place)
+/// The first hundred photos, by their paths in the folder.
+std::vector<fs::path> photosIn(Database& database, const std::string& folder)
 {
-    const Inside inside(before);
-    auto photos = database.kept("SELECT substr(path, length(?1) + 1) FROM photos "
-                                "WHERE version_of IS NULL AND path >= ?1 AND path < ?2 LIMIT 100");
-    photos.bind(inside.first, inside.end);
+    const Inside inside(folder);
+    auto statement = database.kept("SELECT substr(path, length(?1) + 1) FROM photos "
+                                   "WHERE version_of IS NULL AND path >= ?1 AND path < ?2 LIMIT 100");
+    statement.bind(inside.first, inside.end);
+    std::vector<fs::path> photos;
+    while (statement.step())
+        photos.emplace_back(statement.text(0));
+    return photos;
+}
+
+/// Whether one of them, or the only ones there are, is at its new place.
+bool holdsPhotos(const std::vector<fs::path>& photos, const fs::path& place)
+{
     std::error_code unreadable; // not found, then
-    bool any = false;
-    while (photos.step()) {
-        if (fs::exists(place / photos.text(0), unreadable))
-            return true;
-        any = true;
-    }
-    return !any;
+    return photos.empty() || std::any_of(photos.begin(), photos.end(), [&](const fs::path& photo) {
+        return fs::exists(place / photo, unreadable);
+    });
 }
 
 } // namespace
 
-void folderMoved(Catalog& catalog, std::int64_t id, std::string_view place)
+void folderMoved(Database& database, std::int64_t id, std::string_view place)
 {
     requireAbsolute(place);
-    auto& database = catalog.database();
     Transaction transaction(database);
     const auto before = pathOf(database, id);
     if (place == before)
@@ -74,17 +80,18 @@ void folderMoved(Catalog& catalog, std::int64_t id, std::string_view place)
     transaction.commit();
 }
 
-void locateFolder(Catalog& catalog, std::int64_t id, const fs::path& folder)
+FolderMove locateFolder(Database& database, std::int64_t id, const fs::path& folder)
 {
-    const auto before = pathOf(catalog.database(), id);
+    const auto before = pathOf(database, id);
     std::error_code error;
     const auto place = fs::canonical(folder, error);
     if (error || !fs::is_directory(place, error))
         throw std::runtime_error(
             folder.string() + " is no folder" + (error ? ": " + error.message() : std::string()));
-    if (!holdsPhotos(catalog.database(), before, place))
+    if (!holdsPhotos(photosIn(database, before), place))
         throw std::runtime_error("none of the photos of " + before + " is in " + place.string());
-    folderMoved(catalog, id, place.native());
+    folderMoved(database, id, place.native());
+    return {before, place.native()};
 }
 
 } // namespace korvo

@@ -226,7 +226,7 @@ void addFolderCommands(const Commands& folder)
         [](Context& context, const TreeArguments& removed) { context.library().removeFolder(removed.id); });
     folder.add<TreeArguments>("locate", "tell where a folder is now that was moved or renamed", addIDAndPlace,
         [](Context& context, const TreeArguments& located) {
-            locateFolder(context.library(), located.id, located.name);
+            locateFolder(context.library().database(), located.id, located.name);
         });
 }
 

@@ -26,7 +26,8 @@ QImage imageOf(const Bitmap& bitmap)
 QString missingText(const std::filesystem::path& file)
 {
     return "This is the last preview: the file is missing. Connect the disk that holds " + qt(file.native())
-        + ", or bring the file back there.";
+        + ", or bring the file back there. If its folder was moved or renamed, say where it is with “Locate "
+          "Folder…” in the folder's menu in the sidebar.";
 }
 
 /// Shrunk to the size, never enlarged.

@@ -252,7 +252,7 @@ TEST(Catalog, refusesNamelessThingsRelativePathsAndWhatIsNotThere)
     for (std::size_t i = 0; i < invalid.size(); ++i)
         EXPECT_THROW(invalid[i](), std::invalid_argument) << i;
     const std::vector<std::function<void()>> unknown = {
-        [&] { folderMoved(catalog, 9, "/b"); },
+        [&] { folderMoved(catalog.database(), 9, "/b"); },
         [&] { catalog.fileRenamed(9, "/b.jpg"); },
         [&] { catalog.setMetadata(9, {}, WriteBack::done); },
         [&] { catalog.saveComposition(9, "{}"); },
@@ -276,14 +276,14 @@ TEST(MovedFolder, takesOnlyWhatIsInsideItAndNothingOntoOthers)
         photos.push_back({.folderID = folder, .path = path});
     catalog.addPhotos(photos);
     const auto version = library.version(1);
-    folderMoved(catalog, folder, "/new");
+    folderMoved(catalog.database(), folder, "/new");
     const char* expected[] = {"/new/x.jpg", "/new/a/y.jpg", "/ab/z.jpg", "/a0.jpg", "/new/b.jpg"};
     for (PhotoID id = 1; id <= 5; ++id)
         EXPECT_EQ(library.item(id).path(), expected[id - 1]);
     EXPECT_EQ(library.item(version).path(), "/new/x.jpg");
     EXPECT_EQ(catalog.tree().folders, (std::vector<FolderRow>{{folder, "/new"}, {inner, "/new/a"}}));
     library.photo("y.jpg"); // in /photos
-    EXPECT_THROW(folderMoved(catalog, inner, "/photos"), std::invalid_argument);
+    EXPECT_THROW(folderMoved(catalog.database(), inner, "/photos"), std::invalid_argument);
     EXPECT_EQ(library.item(2).path(), "/new/a/y.jpg");
 }
 
@@ -297,9 +297,10 @@ TEST(MovedFolder, isFoundWhereItsPhotosAre)
     std::filesystem::rename(library.folder / "before", library.folder / "after");
     std::filesystem::create_directory(library.folder / "other");
     for (const char* wrong : {"other", "before", "after/a.jpg"})
-        EXPECT_THROW(locateFolder(*library.catalog, folder, library.folder / wrong), std::runtime_error)
+        EXPECT_THROW(
+            locateFolder(library.catalog->database(), folder, library.folder / wrong), std::runtime_error)
             << wrong;
-    locateFolder(*library.catalog, folder, library.folder / "other" / ".." / "after");
+    locateFolder(library.catalog->database(), folder, library.folder / "other" / ".." / "after");
     EXPECT_EQ(library.item(id).path(), library.folder / "after/a.jpg");
 }
 

@@ -2,11 +2,11 @@
 
 #include "app/desktop/Texts.h"
 #include "app/desktop/sheets/Sheets.h"
+#include "app/desktop/sidebar/Locating.h"
 #include "app/desktop/sidebar/NodeMenu.h"
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/window/NewLines.h"
 #include "app/view/SidebarActions.h"
-#include "catalog/MovedFolder.h"
 
 #include <QContextMenuEvent>
 #include <QFileDialog>
@@ -61,10 +61,7 @@ void Sidebar::locate(std::int64_t folder)
 {
     const QString place = QFileDialog::getExistingDirectory(&window_, "Locate Folder");
     if (!place.isEmpty())
-        desktop_.attempt([&] {
-            desktop_.store().perform(
-                "Locate Folder", [&](Catalog& catalog) { locateFolder(catalog, folder, pathOf(place)); });
-        });
+        locateInBackground(desktop_, folder, pathOf(place));
 }
 
 void Sidebar::contextMenuEvent(QContextMenuEvent* event)

@@ -70,6 +70,7 @@ void PhotoFeed::setFile(const std::filesystem::path& file)
 void PhotoFeed::begin()
 {
     clear();
+    path_ = item() ? item()->path() : std::filesystem::path();
     wish();
     if (shown_ == Shown::nothing && isAtHand()) // it follows at once; till then no empty view flickers up
         return;
@@ -179,6 +180,8 @@ void PhotoFeed::storeChanged(const LibraryChange& change)
         return setPhoto(std::nullopt);
     if (change.list)
         position_ = desktop_.store().list().shownPosition(*photo_).value_or(position_);
+    if (item()->path() != path_) // it was found where it was moved to
+        return begin();
     if (std::ranges::find(change.photos, *photo_) != change.photos.end() || change.list)
         editsChanged();
 }

@@ -78,6 +78,7 @@ private:
     Neighbours neighbours_;
     std::optional<PhotoID> photo_;
     std::optional<PhotoItem> file_; // in place of a photo
+    std::filesystem::path path_; // of what was begun
     std::size_t position_ = 0;
     std::ptrdiff_t direction_ = 1;
     int size_ = 0;

@@ -1,5 +1,7 @@
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/photos/FileThumbnails.h"
+#include "app/desktop/photos/PhotoDrag.h"
+#include "app/desktop/sidebar/Locating.h"
 #include "app/desktop/viewer/ComparePage.h"
 #include "app/desktop/viewer/Filmstrip.h"
 #include "app/desktop/viewer/MarksBar.h"
@@ -12,7 +14,9 @@
 
 #include <QContextMenuEvent>
 #include <QDialog>
+#include <QDrag>
 #include <QMenu>
+#include <QMimeData>
 #include <QPointer>
 #include <QWindow>
 
@@ -191,6 +195,58 @@ TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
     t.press(Qt::Key_3);
     EXPECT_EQ(t.listed(gone).rating, 3);
     EXPECT_EQ(t.view().accessibleName(), "gone.jpg, 3 stars, the file is missing or cannot be read");
+}
+
+TEST(Survey, whatIsDraggedOutOfItOutlivesItsPane)
+{
+    PhotoWindow t;
+    for (const char* name : {"a.png", "b.png", "c.png"})
+        t.add(name);
+    t.store().select({1, 2, 3});
+    t.desktop->browser().setMode(ViewMode::survey);
+    auto* const page = t.parts<SurveyPage>().front();
+    auto& view = page->panes().back()->view();
+    const QPoint from = view.rect().center();
+    QTest::mousePress(&view, Qt::LeftButton, {}, from);
+    const QPointF to = from + QPointF(50, 0);
+    QMouseEvent move(
+        QEvent::MouseMove, to, view.mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&view, &move); // without a display it is dropped at once
+    const auto* const drag = t.window->findChild<QDrag*>();
+    ASSERT_TRUE(drag);
+    EXPECT_EQ(draggedPhotos(*drag->mimeData()), std::vector<PhotoID>{3});
+    removePhotos(t.store(), only(3)); // as another process may, while it is dragged
+    EXPECT_EQ(page->panes().size(), 2U);
+    EXPECT_TRUE(t.window->findChild<QDrag*>()) << "or it would never end";
+}
+
+TEST(Viewer, aPhotoIsShownAgainOnceItsFolderIsLocated)
+{
+    PhotoWindow t;
+    const auto folder = t.store().catalog().addFolder((t.folder / "before").string(), 1).id;
+    t.add("before/a.png", 100);
+    t.store().select({1});
+    t.open(ViewMode::viewer);
+    ASSERT_EQ(t.grey(100), 100);
+    t.desktop->browser().setMode(ViewMode::grid);
+    std::filesystem::rename(t.folder / "before", t.folder / "after");
+    t.desktop->decoded().lookForChanges();
+    t.open(ViewMode::viewer);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !t.view().feed().fault().isEmpty(); }, wait));
+    const auto locate = [&](const char* name) {
+        locateInBackground(*t.desktop, folder, t.folder / name);
+        return QTest::qWaitFor([&] { return !t.desktop->isBusy(); }, wait);
+    };
+    ASSERT_TRUE(locate("Library"));
+    EXPECT_TRUE(t.visibleButton("Close")) << "none of the photos is there";
+    t.visibleButton("Close")->click();
+    EXPECT_FALSE(t.store().undoStep());
+    ASSERT_TRUE(locate("after"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().isEmpty(); }, wait));
+    t.visibleButton("Undo")->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return t.listed(1).path() == t.folder / "before/a.png"; }, wait));
+    t.window->commands().run(Command::redo);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return t.listed(1).path() == t.folder / "after/a.png"; }, wait));
 }
 
 TEST(Viewer, theFullScreenPhotoTellsOfErrorsAndOffersUndo)

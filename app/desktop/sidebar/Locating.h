@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+namespace korvo {
+
+class Desktop;
+
+/// Follows an added folder that was moved or renamed on disk to where the user says it is, as a job and as
+/// one step of undo.
+void locateInBackground(Desktop& desktop, std::int64_t folder, const std::filesystem::path& place);
+
+} // namespace korvo
