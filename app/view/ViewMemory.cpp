@@ -1,6 +1,7 @@
 #include "app/view/ViewMemory.h"
 
 #include "base/Json.h"
+#include "base/JsonKept.h"
 
 #include <algorithm>
 
@@ -52,11 +53,7 @@ std::string textOf(const ViewMemory& memory)
 ViewMemory viewMemoryOf(const std::string& text)
 {
     const ViewMemory nothing{.source = "all", .order = {}, .filter = "unratedOrBetter", .selection = {}};
-    try {
-        return text.empty() ? nothing : fromJson<ViewMemory>(text);
-    } catch (const JsonError&) { // it is only a convenience
-        return nothing;
-    }
+    return fromKeptJson(text, nothing);
 }
 
 } // namespace korvo

@@ -5,6 +5,7 @@
 #include "app/desktop/sheets/FolderField.h"
 #include "app/desktop/sheets/PatternField.h"
 #include "base/Json.h"
+#include "base/JsonKept.h"
 #include "base/Record.h"
 #include "base/Text.h"
 #include "imports/Naming.h"
@@ -34,7 +35,7 @@ struct ExportChoice {
     std::int64_t pixels = 2048;
     std::int64_t quality = 90;
     std::string pattern = "{name}";
-    std::optional<bool> withPosition; // not in what was kept before there was the choice
+    bool withPosition = true;
 };
 KORVO_RECORD(ExportChoice, folder, format, size, pixels, quality, pattern, withPosition)
 
@@ -128,20 +129,15 @@ ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
 
 void ExportSheet::load()
 {
-    ExportChoice choice;
-    choice.folder = (picturesFolder() / "Exported").string();
-    try {
-        if (const auto stored = desktop_.defaults().get(choiceKey))
-            choice = fromJson<ExportChoice>(*stored);
-    } catch (const JsonError&) { // a preference that cannot be read is none
-    }
+    const ExportChoice usual{.folder = (picturesFolder() / "Exported").string()};
+    const auto choice = fromKeptJson(desktop_.defaults().get(choiceKey).value_or(""), usual);
     folder_->edit().setText(qt(choice.folder));
     format_->setCurrentIndex(static_cast<int>(choice.format));
     size_->setCurrentIndex(static_cast<int>(choice.size));
     pixels_->setValue(static_cast<int>(choice.pixels));
     quality_->setValue(static_cast<int>(choice.quality));
     pattern_->edit().setText(qt(choice.pattern));
-    withPosition_->setChecked(choice.withPosition.value_or(true));
+    withPosition_->setChecked(choice.withPosition);
 }
 
 void ExportSheet::save() const

@@ -7,9 +7,11 @@
 #include "app/desktop/sheets/Sheets.h"
 #include "app/desktop/window/MainWindow.h"
 #include "base/Json.h"
+#include "base/JsonKept.h"
 #include "imports/ImportWindow.h"
 #include "imports/NamingPreset.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -48,12 +50,7 @@ std::string destinationAtFirst()
 
 ImportChoice lastChoice(const Defaults& defaults)
 {
-    ImportChoice choice;
-    try {
-        if (const auto stored = defaults.get(importChoiceKey))
-            choice = fromJson<ImportChoice>(*stored);
-    } catch (const JsonError&) { // a preference that cannot be read is none
-    }
+    auto choice = fromKeptJson(defaults.get(importChoiceKey).value_or(""), ImportChoice());
     if (choice.folder.empty())
         choice.folder = destinationAtFirst();
     return choice;
@@ -159,9 +156,10 @@ void ImportOptionsForm::addProjects()
     layout_->addWidget(newProject_);
     layout_->addWidget(chosenProject_);
     fillProjects();
-    connect(project_, &QComboBox::currentIndexChanged, this, [this] {
-        fillProjects(); // the window may have made some meanwhile
-        refresh();
+    connect(project_, &QComboBox::currentIndexChanged, this, [this] { refresh(); });
+    projectsChanged_ = window_.desktop().store().changed.connect([this](const LibraryChange& change) {
+        if (change.tree && !QApplication::activePopupWidget()) // lines stay while one is being chosen
+            fillProjects();
     });
 }
 

@@ -67,6 +67,7 @@ private:
     NamingFacts exampleFacts_;
     std::string exampleExtension_;
     std::size_t exampleTotal_ = 1;
+    Connection projectsChanged_;
 };
 
 } // namespace korvo

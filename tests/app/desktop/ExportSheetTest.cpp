@@ -36,7 +36,7 @@ TEST(ExportSheet, offersPresetsByTheirNames)
     EXPECT_EQ(sheet.plan().pattern, "{date}-{seq}");
 }
 
-TEST(ExportSheet, remembersWhatWasChosenAndReadsNoOtherVersions)
+TEST(ExportSheet, takesOfWhatOtherVersionsKeptWhatItKnows)
 {
     TestWindow t(1);
     for (const auto& [stored, expected] : {std::pair{R"("webp")", PictureFormat::webp},
@@ -46,7 +46,8 @@ TEST(ExportSheet, remembersWhatWasChosenAndReadsNoOtherVersions)
                 + std::string(stored) + "}");
         const auto plan = ExportSheet(*t.window, {t.listed(1)}).plan();
         EXPECT_EQ(plan.format, expected) << stored;
-        EXPECT_EQ(plan.size, expected == PictureFormat::webp ? 800 : 0);
+        EXPECT_EQ(plan.size, 800);
+        EXPECT_EQ(plan.position, Position::keep) << "not in what was kept before there was the choice";
     }
 }
 
