@@ -64,7 +64,12 @@ void addToLibrary(
                 desktop.session().photosAdded("Add", *done, since);
                 auto said = job.summary();
                 if (onto && !done->met.empty())
-                    desktop.attempt([&] { said += " " + dropPhotos(desktop.store(), *onto, done->met); });
+                    desktop.attempt([&] {
+                        said += " " + dropPhotos(desktop.store(), *onto, done->met);
+                        if (done->added > 0)
+                            said += std::string(" Undo leaves ") + (done->met.size() == 1 ? "it" : "them")
+                                + " in the library.";
+                    });
                 desktop.say(said, Offer::undo);
             });
         });

@@ -245,7 +245,7 @@ TEST(Sidebar, putsFilesWhereTheyAreDroppedThoseOfTheLibraryToo)
         QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
         QApplication::sendEvent(sidebar.viewport(), &move);
         EXPECT_TRUE(move.isAccepted());
-        EXPECT_EQ(QToolTip::text().contains("and to"), std::string_view(name) == "album");
+        EXPECT_EQ(QToolTip::text().contains("and to"), std::string_view(name) != "Videos");
         QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, {});
         QApplication::sendEvent(sidebar.viewport(), &event);
         EXPECT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }));
@@ -253,12 +253,17 @@ TEST(Sidebar, putsFilesWhereTheyAreDroppedThoseOfTheLibraryToo)
     drop("new/b.jpg", "Videos");
     EXPECT_EQ(said, "Added 1 photo.");
     drop("new", "album");
-    EXPECT_EQ(said, "Added 1 photo, 1 in the library already. Added 2 photos to “album”.");
+    EXPECT_EQ(said,
+        "Added 1 photo, 1 in the library already. Added 2 photos to “album”. Undo leaves them in the "
+        "library.");
     store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
     EXPECT_EQ(shownIDs(store.list()), (IDs{2, 1}));
     store.undo();
     EXPECT_TRUE(store.list().shown().empty());
     EXPECT_EQ(store.undoTitle(), "Add 1 Photo");
+    t.folder.write("c.jpg", "x");
+    drop("c.jpg", "Flagged");
+    EXPECT_TRUE(store.catalog().photo(3)->flagged) << "though the album is shown";
 }
 
 } // namespace korvo
