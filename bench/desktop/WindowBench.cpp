@@ -6,7 +6,6 @@
 #include "app/desktop/Theme.h"
 #include "app/desktop/grid/GridView.h"
 #include "app/desktop/window/MainWindow.h"
-#include "app/desktop/window/WindowMemory.h"
 #include "app/view/SearchFilter.h"
 #include "bench/desktop/WatchedApplication.h"
 #include "bench/desktop/WindowLibrary.h"
@@ -46,7 +45,7 @@ struct Window {
         : application(watched), defaults(library.parent_path() / "config"),
           desktop(main, openLibrary(library, clock, defaults), clock, defaults), window(desktop)
     {
-        restoreWindow(window);
+        window.memory().restore();
         window.setWindowState(Qt::WindowNoState); // it fills the small screen that there is without a display
         window.resize(windowSize);
         window.show();

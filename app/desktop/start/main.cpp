@@ -9,7 +9,6 @@
 #include "app/desktop/start/Screenshot.h"
 #include "app/desktop/start/Termination.h"
 #include "app/desktop/window/MainWindow.h"
-#include "app/desktop/window/WindowMemory.h"
 #include "catalog/UserText.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
@@ -113,7 +112,7 @@ std::optional<FirstStart> startWith(const Options& options, const Defaults& defa
         return start;
     }
     if (!options.add.empty())
-        return FirstStart{picturesFolder() / "Korvo Library", options.add};
+        return FirstStart{usualLibrary(), options.add};
     return askAtFirstStart();
 }
 
@@ -173,14 +172,14 @@ int run(Application& application, const Options& options)
         window.activateWindow();
         addToLibrary(desktop, std::move(add));
     };
-    restoreWindow(window);
+    window.memory().restore();
     window.show();
     // Not only at the end, which a crash or a power cut leaves out, and not while the user waits for
     // something.
     QObject::connect(
         &application, &QGuiApplication::applicationStateChanged, &window, [&](Qt::ApplicationState state) {
             if (state != Qt::ApplicationActive)
-                rememberWindow(window);
+                window.memory().rememberInBackground();
         });
     onTermination(window, [&] { window.quitUnasked(); });
     addToLibrary(desktop, start->add);

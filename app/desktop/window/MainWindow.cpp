@@ -5,7 +5,6 @@
 #include "app/desktop/photos/PhotoDrag.h"
 #include "app/desktop/window/Parts.h"
 #include "app/desktop/window/Quitting.h"
-#include "app/desktop/window/WindowMemory.h"
 
 #include <QApplication>
 #include <QDataStream>
@@ -173,7 +172,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     if ((!isKept && !isLossWished(*this)) || (!jobs.empty() && !isEndWished(*this, jobs))
         || (!adjusting.empty() && !isCutWished(*this, adjusting)))
         return event->ignore();
-    rememberWindow(*this);
+    memory_.remember();
     QMainWindow::closeEvent(event);
     QApplication::quit(); // also while a full-screen photo or a sheet is open
 }
@@ -181,7 +180,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 void MainWindow::quitUnasked()
 {
     commands_.settle();
-    rememberWindow(*this);
+    memory_.remember();
     QApplication::exit();
 }
 

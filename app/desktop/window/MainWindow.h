@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/desktop/window/Notices.h"
+#include "app/desktop/window/WindowMemory.h"
 #include "app/view/SidebarTree.h"
 
 #include <QMainWindow>
@@ -23,6 +24,7 @@ public:
     Desktop& desktop() { return desktop_; }
     Commands& commands() { return commands_; }
     Notices& notices() { return notices_; }
+    WindowMemory& memory() { return memory_; }
 
     // Places. Each takes ownership of the widget.
     void setSidebar(QWidget* widget);
@@ -90,6 +92,7 @@ private:
     bool filmstripWanted_ = true;
     Sides hiddenSides_; // to be shown again together
     std::array<QWidget*, 5> centres_{}; // by mode
+    WindowMemory memory_{*this};
     QTimer otherProcesses_; // when to look for what they have changed
     Connection browserChanged_;
 };

@@ -36,25 +36,49 @@ void showFirst(MainWindow& window)
         window.setWindowState(Qt::WindowMaximized);
 }
 
-} // namespace
+using Values = std::vector<std::pair<std::string, std::string>>;
 
-void rememberWindow(MainWindow& window)
+Values valuesOf(MainWindow& window)
 {
-    auto& desktop = window.desktop();
-    auto& defaults = desktop.defaults();
+    auto& store = window.desktop().store();
+    const auto& catalog = store.catalog();
+    return {{geometryKey, window.saveGeometry().toBase64().toStdString()},
+        {sidesKey, window.saveSides().toBase64().toStdString()},
+        {thumbSizeKey, std::to_string(gridOf(window)->thumbnailSize())},
+        {keyOfLibrary(sidebarKeys, catalog), sidebarOf(window)->openLines()},
+        {keyOfLibrary(viewKeys, catalog), textOf(viewMemory(store))}};
+}
+
+void write(Defaults& defaults, const Values& values)
+{
     try {
-        defaults.setIfOther(geometryKey, window.saveGeometry().toBase64().toStdString());
-        defaults.setIfOther(sidesKey, window.saveSides().toBase64().toStdString());
-        defaults.setIfOther(thumbSizeKey, std::to_string(gridOf(window)->thumbnailSize()));
-        const auto& catalog = desktop.store().catalog();
-        defaults.setIfOther(keyOfLibrary(sidebarKeys, catalog), sidebarOf(window)->openLines());
-        defaults.setIfOther(keyOfLibrary(viewKeys, catalog), textOf(viewMemory(desktop.store())));
+        for (const auto& [key, value] : values)
+            defaults.setIfOther(key, value);
     } catch (const std::exception&) { // only a convenience: no reason to keep a window from closing
     }
 }
 
-void restoreWindow(MainWindow& window)
+} // namespace
+
+void WindowMemory::remember()
 {
+    writing_.cancel(); // or what is older would come later
+    write(window_.desktop().defaults(), valuesOf(window_));
+}
+
+void WindowMemory::rememberInBackground()
+{
+    if (!writing_.isDone())
+        return;
+    auto& desktop = window_.desktop();
+    writing_ = runInBackground(desktop.mainThread(),
+        [&defaults = desktop.defaults(), values = valuesOf(window_)](
+            const Task::Context&) { write(defaults, values); });
+}
+
+void WindowMemory::restore()
+{
+    auto& window = window_;
     auto& desktop = window.desktop();
     const auto value = [&](const std::string& key) { return desktop.defaults().get(key).value_or(""); };
     const auto bytes

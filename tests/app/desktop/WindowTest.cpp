@@ -1,8 +1,8 @@
+#include "app/Libraries.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/start/Instance.h"
 #include "app/desktop/start/Screenshot.h"
-#include "app/desktop/window/WindowMemory.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
@@ -10,6 +10,7 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QRegularExpression>
 #include <QStatusBar>
@@ -80,7 +81,7 @@ TEST(Window, comesBackAsItWasLeft)
     t.window.reset();
     t.store().select({});
     MainWindow again(*t.desktop);
-    restoreWindow(again);
+    again.memory().restore();
     again.show();
     EXPECT_EQ(t.store().selection(), IDs{2});
     EXPECT_FALSE(again.commands().action(Command::sidebar)->isChecked());
@@ -143,6 +144,21 @@ TEST(Screenshot, itsViewsStandInTheManual)
     const auto plain = [](QString text) { return text.remove(QRegularExpression("[\\s\"]|\\.BR")); };
     EXPECT_TRUE(
         plain(QString::fromStdString(readFile(KORVO_DESKTOP_MANUAL))).contains(plain(qt(screenshotViews()))));
+}
+
+TEST(Window, openRecentNamesLibrariesWhoseDiskIsAwayAndSaysSoWhenOneIsChosen)
+{
+    TestWindow t(0);
+    openLibrary(t.folder / "Trip", t.clock, t.defaults);
+    std::filesystem::remove_all(t.folder / "Trip");
+    auto* const menu = t.window->commands().action(Command::openRecent)->menu();
+    Q_EMIT menu->aboutToShow();
+    ASSERT_EQ(menu->actions().size(), 1);
+    EXPECT_TRUE(menu->actions().at(0)->text().startsWith("Trip — "));
+    menu->actions().at(0)->trigger();
+    const auto said = "The library Trip is not there. It was last opened at " + (t.folder / "Trip").string()
+        + ". If that is on a disk that is not connected, connect it and try again.";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows(t, said.c_str()); }));
 }
 
 TEST(Instance, aSecondStartBringsTheFirstWindowForward)
