@@ -157,8 +157,9 @@ private:
     CandidateList& view_;
 };
 
-CandidateList::CandidateList(Pictures& pictures)
-    : thumbnails_(pictures, side, [this] { viewport()->update(); }), model_(new Model(*this))
+CandidateList::CandidateList(Pictures& pictures, std::function<void()> picked)
+    : thumbnails_(pictures, side, [this] { viewport()->update(); }), picked_(std::move(picked)),
+      model_(new Model(*this))
 {
     setModel(model_);
     setItemDelegate(new Delegate(*this));
@@ -195,7 +196,7 @@ void CandidateList::toggle(const QModelIndex& index)
         for (const auto& other : selectionModel()->selectedIndexes())
             candidate(other).picked = wanted;
     refresh();
-    picked();
+    picked_();
 }
 
 void CandidateList::keyPressEvent(QKeyEvent* event)

@@ -10,8 +10,8 @@ namespace korvo {
 /// The candidates of an import with their pictures; a click on the mark, or the space bar, picks and unpicks.
 class CandidateList : public QListView {
 public:
-    /// `pictures` must outlive it.
-    explicit CandidateList(Pictures& pictures);
+    /// `pictures` must outlive it. `picked` is told that the user has changed what is picked.
+    CandidateList(Pictures& pictures, std::function<void()> picked);
     ~CandidateList() override;
 
     /// Which file to show for a candidate's; nothing when there is none yet.
@@ -20,8 +20,6 @@ public:
     void show(ImportListing* listing, PictureOf pictureOf = {});
     /// Paints anew after others have picked.
     void refresh() { viewport()->update(); }
-
-    std::function<void()> picked; ///< the user has changed what is picked
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -35,6 +33,7 @@ private:
     void toggle(const QModelIndex& index);
 
     FileThumbnails thumbnails_;
+    std::function<void()> picked_;
     ImportListing* listing_ = nullptr;
     PictureOf pictureOf_;
     Model* model_;

@@ -71,7 +71,8 @@ Project projectOf(const QComboBox& box)
 
 } // namespace
 
-ImportOptionsForm::ImportOptionsForm(MainWindow& window) : window_(window), layout_(new QVBoxLayout(this))
+ImportOptionsForm::ImportOptionsForm(MainWindow& window, std::function<void()> duplicatesChanged)
+    : window_(window), layout_(new QVBoxLayout(this))
 {
     layout_->setContentsMargins(12, 12, 12, 12);
     layout_->setSpacing(4);
@@ -85,7 +86,7 @@ ImportOptionsForm::ImportOptionsForm(MainWindow& window) : window_(window), layo
     layout_->addSpacing(12);
     leaveOutDuplicates_ = new QCheckBox(qt(importWindow::leaveOutDuplicates));
     leaveOutDuplicates_->setChecked(true);
-    connect(leaveOutDuplicates_, &QCheckBox::toggled, this, [this] { duplicatesChanged(); });
+    connect(leaveOutDuplicates_, &QCheckBox::toggled, this, std::move(duplicatesChanged));
     eject_ = new QCheckBox(qt(importWindow::ejectAfterwards));
     layout_->addWidget(leaveOutDuplicates_);
     layout_->addWidget(eject_);

@@ -21,7 +21,8 @@ class PatternField;
 /// What is done with the picked photos: where they go, how they are named, what is written about them.
 class ImportOptionsForm : public QWidget {
 public:
-    explicit ImportOptionsForm(MainWindow& window);
+    /// `duplicatesChanged` is told that the user takes them now, or leaves them out.
+    ImportOptionsForm(MainWindow& window, std::function<void()> duplicatesChanged);
 
     /// Throws std::runtime_error when the project has no name, or none is chosen.
     ImportOptions options() const;
@@ -32,8 +33,6 @@ public:
     /// Offers what fits the source, and an example of a name with one of its files.
     void setSource(const ImportSource& source);
     void setExample(const Candidate* candidate, std::size_t total);
-
-    std::function<void()> duplicatesChanged;
 
 private:
     QLineEdit* addLine(const QString& title, const QString& hint = {});

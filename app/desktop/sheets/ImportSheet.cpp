@@ -1,6 +1,6 @@
 #include "app/desktop/FailureList.h"
 #include "app/desktop/Labels.h"
-#include "app/desktop/sheets/CandidateList.h"
+#include "app/desktop/sheets/CandidatePane.h"
 #include "app/desktop/sheets/ImportJob.h"
 #include "app/desktop/sheets/ImportOptionsForm.h"
 #include "app/desktop/sheets/Sheet.h"
@@ -16,7 +16,6 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSplitter>
-#include <QStackedWidget>
 #include <QVBoxLayout>
 
 namespace korvo {
@@ -38,7 +37,6 @@ private:
     };
 
     QWidget* makeSources();
-    QWidget* makeCandidates();
     QWidget* makeOptions();
     QLayout* makeBottom();
     void chooseFolder();
@@ -49,7 +47,6 @@ private:
     std::shared_ptr<FileSource> stopListing();
     void leave(std::shared_ptr<FileSource> files);
     void listed(Listed found);
-    void pickAll(bool picked);
     void showState();
     void showPicked();
     void start();
@@ -65,12 +62,7 @@ private:
     std::unique_ptr<SourcePreviews> previews_; // of a camera
     bool running_ = false;
     SourceList* sources_;
-    QStackedWidget* pane_;
-    QLabel* message_;
-    CandidateList* candidates_;
-    QLabel* picked_;
-    QPushButton* pickAll_;
-    QPushButton* pickNone_;
+    CandidatePane* candidates_;
     ImportOptionsForm* options_;
     QLabel* status_;
     QProgressBar* progress_;
@@ -88,7 +80,9 @@ ImportSheet::ImportSheet(MainWindow& window)
     setWindowTitle(tr("Import"));
     auto* const columns = new QSplitter;
     columns->addWidget(makeSources());
-    columns->addWidget(makeCandidates());
+    candidates_ = new CandidatePane(
+        desktop_.pictures(), [this] { return options_->duplicates(); }, [this] { showPicked(); });
+    columns->addWidget(candidates_);
     columns->addWidget(makeOptions());
     columns->setStretchFactor(1, 1);
     columns->setSizes({230, 700, 300});
@@ -113,9 +107,8 @@ QWidget* ImportSheet::makeSources()
     auto* const column = new QWidget;
     auto* const layout = new QVBoxLayout(column);
     layout->setContentsMargins(6, 8, 6, 8);
-    sources_ = new SourceList(desktop_);
-    sources_->chosen = [this](const ImportSource& source) { list(source); };
-    sources_->gone = [this] { forgetSource(); };
+    sources_ = new SourceList(
+        desktop_, {[this](const ImportSource& source) { list(source); }, [this] { forgetSource(); }});
     layout->addWidget(sources_, 1);
     const auto add = [&](const QString& text, void (ImportSheet::*act)()) {
         auto* const button = new QPushButton(text);
@@ -128,42 +121,9 @@ QWidget* ImportSheet::makeSources()
     return column;
 }
 
-QWidget* ImportSheet::makeCandidates()
-{
-    auto* const column = new QWidget;
-    auto* const layout = new QVBoxLayout(column);
-    layout->setContentsMargins(6, 8, 6, 0);
-    auto* const line = new QHBoxLayout;
-    picked_ = plainLabel();
-    pickAll_ = new QPushButton(qt(importWindow::pickAll));
-    pickNone_ = new QPushButton(qt(importWindow::pickNone));
-    connect(pickAll_, &QPushButton::clicked, this, [this] { pickAll(true); });
-    connect(pickNone_, &QPushButton::clicked, this, [this] { pickAll(false); });
-    line->addWidget(picked_, 1);
-    for (auto* const button : {pickAll_, pickNone_}) {
-        button->setAutoDefault(false);
-        line->addWidget(button);
-    }
-    layout->addLayout(line);
-    message_ = plainLabel();
-    message_->setAlignment(Qt::AlignCenter);
-    message_->setWordWrap(true);
-    candidates_ = new CandidateList(desktop_.pictures());
-    candidates_->picked = [this] { showPicked(); };
-    pane_ = new QStackedWidget;
-    pane_->addWidget(message_);
-    pane_->addWidget(candidates_);
-    layout->addWidget(pane_, 1);
-    return column;
-}
-
 QWidget* ImportSheet::makeOptions()
 {
-    options_ = new ImportOptionsForm(window_);
-    options_->duplicatesChanged = [this] {
-        pick(listed_.listing.candidates, options_->duplicates());
-        showPicked();
-    };
+    options_ = new ImportOptionsForm(window_, [this] { candidates_->pickAll(); });
     auto* const area = new QScrollArea;
     area->setWidget(options_);
     area->setWidgetResizable(true);
@@ -253,7 +213,7 @@ void ImportSheet::forgetSource()
 /// Returns what was listed till now. A listing that is under way hears of it later.
 std::shared_ptr<FileSource> ImportSheet::stopListing()
 {
-    candidates_->show(nullptr);
+    candidates_->clear();
     if (previews_)
         desktop_.leftTasks().take(std::exchange(previews_, nullptr)->end());
     desktop_.leftTasks().take(std::move(listing_));
@@ -271,8 +231,7 @@ void ImportSheet::listed(Listed found)
 {
     listed_ = std::move(found);
     state_ = ListingState::listed;
-    pick(listed_.listing.candidates, options_->duplicates());
-    candidates_->show(&listed_.listing, pictures());
+    candidates_->show(listed_.listing, pictures());
     if (const auto left = listed_.listing.failures.size(); left > 0 && status_->text().isEmpty())
         status_->setText(qt(counted(left, "place") + " could not be looked into"));
     showState();
@@ -288,21 +247,10 @@ CandidateList::PictureOf ImportSheet::pictures()
     return [this](const SourceFile& file) { return previews_->find(file); };
 }
 
-void ImportSheet::pickAll(bool picked)
-{
-    if (picked)
-        pick(listed_.listing.candidates, options_->duplicates());
-    else
-        for (auto& candidate : listed_.listing.candidates)
-            candidate.picked = false;
-    showPicked();
-}
-
 void ImportSheet::showState()
 {
     const auto text = paneText(state_, listed_.listing);
-    message_->setText(listed_.fault.empty() ? qt(text.value_or("")) : qt(listed_.fault));
-    pane_->setCurrentIndex(text ? 0 : 1);
+    candidates_->say(listed_.fault.empty() ? text : listed_.fault);
     showPicked();
 }
 
@@ -311,9 +259,6 @@ void ImportSheet::showPicked()
     const auto& listing = listed_.listing;
     const auto count = pickedCount(listing);
     const bool lists = !listing.candidates.empty();
-    picked_->setText(lists ? qt(pickedText(listing)) : QString());
-    pickAll_->setEnabled(lists);
-    pickNone_->setEnabled(lists);
     import_->setText(count > 0 ? tr("Import ") + qt(counted(count, "Photo")) : tr("Import"));
     import_->setEnabled(count > 0 && !running_);
     options_->setExample(lists ? &listing.candidates.front() : nullptr, count);

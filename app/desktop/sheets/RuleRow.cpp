@@ -27,9 +27,9 @@ QLineEdit* lineEdit(const std::string& text, std::string_view hint, std::string_
 
 } // namespace
 
-RuleRow::RuleRow(SmartAlbumRule rule, QWidget* parent)
-    : QWidget(parent), rule_(std::move(rule)), field_(new QComboBox), op_(new QComboBox),
-      controls_(new QHBoxLayout), fault_(warning(plainLabel()))
+RuleRow::RuleRow(SmartAlbumRule rule, Handlers handlers, QWidget* parent)
+    : QWidget(parent), rule_(std::move(rule)), handlers_(std::move(handlers)), field_(new QComboBox),
+      op_(new QComboBox), controls_(new QHBoxLayout), fault_(warning(plainLabel()))
 {
     field_->setAccessibleName(qt(smartAlbumEditor::field));
     op_->setAccessibleName(qt(smartAlbumEditor::op));
@@ -52,7 +52,7 @@ RuleRow::RuleRow(SmartAlbumRule rule, QWidget* parent)
     showFault();
     connect(field_, &QComboBox::activated, this, [this] { chooseField(); });
     connect(op_, &QComboBox::activated, this, [this] { chooseOperator(); });
-    connect(remove, &QToolButton::clicked, this, [this] { removed(); });
+    connect(remove, &QToolButton::clicked, this, [this] { handlers_.removed(this); });
 }
 
 void RuleRow::focusValue()
@@ -66,14 +66,14 @@ void RuleRow::chooseField()
     fillOperators();
     fillValue();
     showFault();
-    changed();
+    handlers_.changed();
 }
 
 void RuleRow::chooseOperator()
 {
     rule_.op = static_cast<SmartAlbumRule::Op>(op_->currentData().toInt());
     showFault();
-    changed();
+    handlers_.changed();
 }
 
 /// An operator that the field does not take is shown all the same, with the fault.
@@ -159,7 +159,7 @@ void RuleRow::setValue(std::string value)
 {
     rule_.value = std::move(value);
     showFault();
-    changed();
+    handlers_.changed();
 }
 
 /// A value that is still empty is shown by its hint alone.

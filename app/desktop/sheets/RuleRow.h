@@ -16,12 +16,14 @@ namespace korvo {
 /// A row of the smart album editor: a rule's field, operator and value, and what is wrong with it.
 class RuleRow : public QWidget {
 public:
-    RuleRow(SmartAlbumRule rule, QWidget* parent);
+    /// What follows when the user changes the rule, and asks for it to go.
+    struct Handlers {
+        std::function<void()> changed;
+        std::function<void(RuleRow*)> removed;
+    };
+    RuleRow(SmartAlbumRule rule, Handlers handlers, QWidget* parent);
 
     const SmartAlbumRule& rule() const { return rule_; }
-    std::function<void()> changed;
-    std::function<void()> removed;
-
     void focusValue();
 
 private:
@@ -36,6 +38,7 @@ private:
     void showFault();
 
     SmartAlbumRule rule_;
+    Handlers handlers_;
     QComboBox* field_;
     QComboBox* op_;
     QWidget* value_ = nullptr; // made anew for each field

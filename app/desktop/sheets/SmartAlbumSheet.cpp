@@ -156,9 +156,8 @@ void SmartAlbumSheet::makeButtons()
 
 RuleRow* SmartAlbumSheet::addRow(SmartAlbumRule rule)
 {
-    auto* const row = new RuleRow(std::move(rule), area_->widget());
-    row->changed = [this] { recount(); };
-    row->removed = [this, row] { removeRow(row); };
+    auto* const row = new RuleRow(std::move(rule),
+        {[this] { recount(); }, [this](RuleRow* gone) { removeRow(gone); }}, area_->widget());
     rowLayout_->insertWidget(rowLayout_->count() - 1, row);
     rows_.push_back(row);
     QTimer::singleShot(0, row, [this, row] { area_->ensureWidgetVisible(row); });

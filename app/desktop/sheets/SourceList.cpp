@@ -33,7 +33,8 @@ QStyle::StandardPixmap iconOf(const ImportSource& source)
 
 } // namespace
 
-SourceList::SourceList(Desktop& desktop) : desktop_(desktop)
+SourceList::SourceList(Desktop& desktop, Handlers handlers)
+    : desktop_(desktop), handlers_(std::move(handlers))
 {
     setHeaderHidden(true);
     setRootIsDecorated(false);
@@ -150,7 +151,7 @@ void SourceList::fill()
     const auto isCurrent = [this](const ImportSource& source) { return keyOf(source) == current_; };
     if (current_ && std::none_of(listed_.begin(), listed_.end(), isCurrent)) {
         current_.reset();
-        gone();
+        handlers_.gone();
     }
 }
 
@@ -196,7 +197,7 @@ void SourceList::choose(QTreeWidgetItem* item)
     if (keyOf(source) == current_)
         return;
     current_ = keyOf(source);
-    chosen(source);
+    handlers_.chosen(source);
 }
 
 void SourceList::add(const std::vector<std::filesystem::path>& paths)
@@ -206,7 +207,7 @@ void SourceList::add(const std::vector<std::filesystem::path>& paths)
     added_.push_back(source);
     current_ = keyOf(source);
     fill();
-    chosen(source);
+    handlers_.chosen(source);
 }
 
 } // namespace korvo

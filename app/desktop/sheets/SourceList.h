@@ -12,12 +12,15 @@ namespace korvo {
 /// The places that photos can be imported from, in the three sections, kept current while it is shown.
 class SourceList : public QTreeWidget {
 public:
+    /// What follows when one is chosen, and when what was chosen is no longer there.
+    struct Handlers {
+        std::function<void(const ImportSource&)> chosen;
+        std::function<void()> gone;
+    };
     /// `desktop` must outlive it.
-    explicit SourceList(Desktop& desktop);
+    SourceList(Desktop& desktop, Handlers handlers);
     ~SourceList() override;
 
-    std::function<void(const ImportSource&)> chosen;
-    std::function<void()> gone; ///< what was chosen is no longer there
     /// Adds files and folders, and chooses them.
     void add(const std::vector<std::filesystem::path>& paths);
 
@@ -37,6 +40,7 @@ private:
     std::vector<ImportSource> cameraSources() const;
 
     Desktop& desktop_;
+    Handlers handlers_;
     VolumeWatcher* watcher_ = nullptr; // none when the system cannot be watched
     std::string volumeFault_;
     std::vector<ConnectedCamera> cameras_;
