@@ -3,6 +3,7 @@
 #include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/Versions.h"
+#include "app/view/ShowVersions.h"
 #include "base/Text.h"
 
 #include <QLabel>
@@ -45,8 +46,12 @@ VersionList::VersionList(MainWindow& window)
     rows_->setAccessibleName("Versions");
     rows_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto& desktop = window_.desktop();
-    const auto open
-        = [&desktop](QListWidgetItem* row) { desktop.attempt([&] { openVersion(desktop, idOf(*row)); }); };
+    const auto open = [&desktop](QListWidgetItem* row) {
+        desktop.attempt([&] {
+            if (const auto said = openVersion(desktop.store(), desktop.browser(), idOf(*row)); !said.empty())
+                desktop.say(said);
+        });
+    };
     connect(rows_, &QListWidget::itemClicked, this, open);
     connect(rows_, &QListWidget::itemActivated, this, open);
     connect(rows_, &QListWidget::currentItemChanged, this, [this] { showButtons(); });

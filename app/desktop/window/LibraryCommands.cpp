@@ -7,9 +7,9 @@
 #include "app/desktop/window/NewLines.h"
 #include "app/desktop/window/NewWindow.h"
 #include "app/desktop/window/Parts.h"
-#include "app/desktop/window/Versions.h"
 #include "app/view/AlbumOrder.h"
 #include "app/view/Marking.h"
+#include "app/view/ShowVersions.h"
 #include "app/view/Stacking.h"
 #include "base/Text.h"
 #include "catalog/store/GroupActions.h"
@@ -128,7 +128,8 @@ void addStackCommands(MainWindow& window)
                     desktop.say(said);
             },
             isStacked);
-    commands.handle(Command::newVersion, [&] { newVersions(desktop); });
+    commands.handle(Command::newVersion,
+        [&] { desktop.say(makeVersions(store, browser, desktop.clock().now()), Offer::undo); });
     commands.handle(
         Command::showVersions, [&] { desktop.browser().showVersions(desktop.browser().targets().front()); });
 }
