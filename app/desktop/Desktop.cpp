@@ -18,9 +18,9 @@ Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clo
       session_(main, std::move(catalog), tools_.exifTool, defaults, patience),
       previewCache_(store().catalog().previewsFolder(),
           PreviewCache::usualBound(store().catalog().previewsFolder()), clock),
-      browser_(store()), pictures_(main, tools_.reader, previewCache_), decoded_(main, tools_.reader),
-      renders_(main), draft_(store(), browser_), faceModel_(main, downloader_, applicationDataFolder()),
-      jobs_(main)
+      browser_(store()), search_(store()), pictures_(main, tools_.reader, previewCache_),
+      decoded_(main, tools_.reader), renders_(main), draft_(store(), browser_),
+      faceModel_(main, downloader_, applicationDataFolder()), jobs_(main)
 { }
 
 VolumeWatcher& Desktop::volumes()

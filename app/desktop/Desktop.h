@@ -7,6 +7,7 @@
 #include "app/desktop/QtMainThread.h"
 #include "app/pictures/LiveRenders.h"
 #include "app/view/EditDraft.h"
+#include "app/view/Search.h"
 #include "faces/FaceModelStore.h"
 #include "imports/VolumeWatcher.h"
 #include "platform/linux/CurlDownloader.h"
@@ -41,6 +42,7 @@ public:
     LibraryStore& store() { return session_.store(); }
     /// Which photo is looked at, how, and which ones a command acts on.
     Browser& browser() { return browser_; }
+    Search& search() { return search_; }
     QtMainThread& mainThread() { return main_; }
     Pictures& pictures() { return pictures_; }
     /// What the viewer shows and will show next, before its edits, in memory.
@@ -97,6 +99,7 @@ private:
     Session session_;
     PreviewCache previewCache_;
     Browser browser_;
+    Search search_;
     Pictures pictures_;
     DecodedPhotos decoded_;
     LiveRenders renders_;

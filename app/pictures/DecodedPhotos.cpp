@@ -52,7 +52,10 @@ void DecodedPhotos::wish(int viewer, std::vector<DecodeWish> wishes)
 {
     main_.assertCurrent();
     ++lists_;
-    wishes_[viewer] = std::move(wishes);
+    if (wishes.empty()) // it may have gone
+        wishes_.erase(viewer);
+    else
+        wishes_[viewer] = std::move(wishes);
     std::erase_if(kept_, [](const auto& entry) { return !entry.second.photo->isThere(); });
     const std::scoped_lock lock(mutex_);
     waiting_.clear();

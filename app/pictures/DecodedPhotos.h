@@ -52,6 +52,8 @@ public:
 
     /// `viewer` tells apart who wishes: each has a list of its own, the first viewer's comes first.
     void wish(int viewer, std::vector<DecodeWish> wishes);
+    /// A number for one more viewer, behind all others.
+    int newViewer() { return viewers_++; }
     /// Decodes again what another program may have changed in its file meanwhile; till then the picture of
     /// before stays.
     void lookForChanges();
@@ -84,6 +86,7 @@ private:
     MainThread& main_;
     ImageReader& reader_;
     std::size_t mostBytes_;
+    int viewers_ = 0;
     std::map<int, std::vector<DecodeWish>> wishes_;
     std::map<DecodeWish, Kept> kept_; // main thread only
     std::uint64_t lists_ = 0;

@@ -3,9 +3,22 @@
 #include <QEvent>
 #include <QMetaEnum>
 
+#include <ctime>
 #include <utility>
 
 namespace korvo::bench {
+
+namespace {
+
+/// What this thread has had of the processor.
+double processorMilliseconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return 1e3 * static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+} // namespace
 
 double millisecondsSince(std::chrono::steady_clock::time_point begun)
 {
@@ -22,6 +35,7 @@ void WatchedApplication::await(std::function<bool(const QObject&)> isAwaited)
 bool WatchedApplication::notify(QObject* receiver, QEvent* event)
 {
     const auto begun = Clock::now();
+    const double worked = processorMilliseconds();
     const auto type = event->type();
     const std::string receiverClass = receiver->metaObject()->className(); // it may not outlive the event
     const bool paintsGrid = type == QEvent::Paint && receiver->parent()
@@ -38,7 +52,8 @@ bool WatchedApplication::notify(QObject* receiver, QEvent* event)
         shown_ = Clock::now();
     if (const double taken = millisecondsSince(begun); depth_ == 0 && taken > longest_.milliseconds) {
         const char* const name = QMetaEnum::fromType<QEvent::Type>().valueToKey(type);
-        longest_ = {taken, std::string(name ? name : "event") + " of " + receiverClass};
+        longest_ = {taken, processorMilliseconds() - worked,
+            std::string(name ? name : "event") + " of " + receiverClass};
     }
     return handled;
 }

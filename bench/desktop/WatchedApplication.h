@@ -21,6 +21,7 @@ public:
 
     struct Blocking {
         double milliseconds = 0;
+        double worked = 0; // of them, by this thread; the rest it waited for others, the machine's too
         std::string by; // the event and who got it
     };
     /// The longest that one event took since the last call.

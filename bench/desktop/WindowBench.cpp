@@ -62,7 +62,7 @@ struct Window {
     }
 
     LibraryStore& store() { return desktop.store(); }
-    QScrollBar& bar() { return *gridOf(window)->verticalScrollBar(); }
+    QScrollBar& bar() { return *window.grid().verticalScrollBar(); }
 
     WatchedApplication& application;
     const SystemClock clock;
@@ -86,7 +86,7 @@ void reportStart(Window& window, Clock::time_point begun)
             window.handleEvents();
             most = std::max(most, waiting());
         }
-        gridOf(window.window)->viewport()->repaint();
+        window.window.grid().viewport()->repaint();
         return millisecondsSince(begun);
     };
     const double listed = waitUntil([&] { return waiting() > 0; });
@@ -116,9 +116,9 @@ Scrolling anywhere()
 std::string reportEmptyCells(Window& window, const std::vector<std::size_t>& empty)
 {
     const auto begun = Clock::now();
-    while (gridOf(window.window)->emptyCells() > 0 && millisecondsSince(begun) < mostPatience)
+    while (window.window.grid().emptyCells() > 0 && millisecondsSince(begun) < mostPatience)
         QApplication::processEvents(QEventLoop::AllEvents, 5);
-    const auto left = gridOf(window.window)->emptyCells();
+    const auto left = window.window.grid().emptyCells();
     return fmt::format("{:.0f} % of frames with empty cells, {} at most; {}",
         100.0 * static_cast<double>(std::ranges::count_if(empty, [](auto cells) { return cells > 0; }))
             / steps,
@@ -144,14 +144,14 @@ void reportScrolling(Window& window, const char* how, Scrolling next)
             QThread::usleep(500);
             QApplication::processEvents();
         }
-        empty.push_back(gridOf(window.window)->emptyCells());
+        empty.push_back(window.window.grid().emptyCells());
     }
     std::ranges::sort(frames);
     const auto blocked = window.application.takeLongest();
     fmt::print("  scrolling {:<24} median {:5.1f} ms, 95 % {:5.1f} ms, longest {:5.1f} ms; longest event "
-               "{:.1f} ms ({}); {}\n",
-        how, frames[steps / 2], frames[steps * 95 / 100], frames.back(), blocked.milliseconds, blocked.by,
-        reportEmptyCells(window, empty));
+               "{:.1f} ms, {:.1f} ms of work ({}); {}\n",
+        how, frames[steps / 2], frames[steps * 95 / 100], frames.back(), blocked.milliseconds, blocked.worked,
+        blocked.by, reportEmptyCells(window, empty));
 }
 
 void reportAction(Window& window, const char* what, const std::function<void(LibraryStore&)>& action)

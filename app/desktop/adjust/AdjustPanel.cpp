@@ -15,7 +15,6 @@ namespace korvo {
 
 namespace {
 
-constexpr int histogramViewer = 5; // its number among the viewers
 constexpr int histogramSize = 640; // pixels of the longer side: more than three times what is counted
 
 QPushButton* commandButton(Commands& commands, Command command, const QString& text, const QString& tip)
@@ -33,8 +32,8 @@ QPushButton* commandButton(Commands& commands, Command command, const QString& t
 } // namespace
 
 AdjustPanel::AdjustPanel(MainWindow& window)
-    : desktop_(window.desktop()), feed_(desktop_, histogramViewer, PhotoFeed::Neighbours::none),
-      histogram_(new HistogramView), hint_(plainLabel()), controls_(new QWidget)
+    : desktop_(window.desktop()), feed_(desktop_, PhotoFeed::Neighbours::none), histogram_(new HistogramView),
+      hint_(plainLabel()), controls_(new QWidget)
 {
     auto* const layout = new QVBoxLayout(this);
     layout->addWidget(histogram_);

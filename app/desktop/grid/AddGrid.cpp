@@ -6,7 +6,7 @@ namespace korvo {
 void addGrid(MainWindow& window)
 {
     auto* const grid = new GridView(window);
-    window.setCentre(ViewMode::grid, grid);
+    window.setGrid(grid);
     auto& commands = window.commands();
     constexpr int step = 24;
     commands.handle(

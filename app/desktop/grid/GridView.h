@@ -121,10 +121,4 @@ private:
     Connection browserChanged_;
 };
 
-/// The window's grid.
-inline GridView* gridOf(const MainWindow& window)
-{
-    return static_cast<GridView*>(window.findChild<QAbstractScrollArea*>("grid"));
-}
-
 } // namespace korvo

@@ -53,13 +53,11 @@ void addSidebar(MainWindow& window)
     filter->setAccessibleName("Filter of the sources");
     filter->setClearButtonEnabled(true);
     auto* const sidebar = new Sidebar(window);
-    sidebar->keywordChosen = [&window](const std::string& keyword) { window.search(keyword); };
-    sidebar->keywordLeft = [&window](const std::string& keyword) { window.endSearch(keyword); };
     QObject::connect(
         filter, &QLineEdit::textChanged, sidebar, [sidebar](const QString& text) { sidebar->filter(text); });
     layout->addWidget(filter);
     layout->addWidget(sidebar);
-    window.setSidebar(place);
+    window.setSidebar(place, *sidebar);
     addAddTo(window);
     window.commands().handle(
         Command::newKeyword, [&window, sidebar] { newKeyword(window, sidebar->chosenKeyword()); });

@@ -196,9 +196,9 @@ void Sidebar::searchKeyword(const std::string& keyword)
 {
     const auto before = std::exchange(searched_, keyword);
     if (keyword.empty())
-        keywordLeft(before);
+        desktop_.search().end(before);
     else
-        keywordChosen(keyword);
+        desktop_.search().searchAll(keyword);
 }
 
 void Sidebar::filter(const QString& text)

@@ -36,9 +36,6 @@ public:
     std::string openLines() const;
     void restoreOpenLines(const std::string& text);
 
-    std::function<void(const std::string&)> keywordChosen; ///< a keyword was chosen, to be searched for
-    std::function<void(const std::string&)> keywordLeft; ///< it is to be searched for no longer
-
 protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -89,11 +86,5 @@ private:
     std::set<SidebarKey> openBeforeFilter_; // which opens what holds a line that it shows
     Connection storeChanged_;
 };
-
-/// The window's sidebar.
-inline Sidebar* sidebarOf(const MainWindow& window)
-{
-    return static_cast<Sidebar*>(window.findChild<QTreeWidget*>("sidebar"));
-}
 
 } // namespace korvo

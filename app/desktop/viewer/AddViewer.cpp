@@ -9,17 +9,14 @@ namespace korvo {
 
 namespace {
 
-// The numbers by which the viewers' wishes are told apart.
-constexpr int singleViewer = 0, fullScreenViewer = 1, compareViewer = 2, surveyViewer = 10;
-
 /// The pages of the modes that show photos, and the commands on what they show.
 class Viewer : public QObject {
 public:
     explicit Viewer(MainWindow& window)
         : QObject(&window), desktop_(window.desktop()), commands_(window.commands()),
-          single_(new SinglePage(window, ViewMode::viewer, singleViewer)),
-          compare_(new ComparePage(window, compareViewer)), survey_(new SurveyPage(window, surveyViewer)),
-          fullScreen_(new FullScreen(window, new SinglePage(window, ViewMode::fullScreen, fullScreenViewer)))
+          single_(new SinglePage(window, ViewMode::viewer)), compare_(new ComparePage(window)),
+          survey_(new SurveyPage(window)),
+          fullScreen_(new FullScreen(window, new SinglePage(window, ViewMode::fullScreen)))
     {
         window.setCentre(ViewMode::viewer, single_);
         window.setCentre(ViewMode::compare, compare_);

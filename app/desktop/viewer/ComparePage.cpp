@@ -4,10 +4,9 @@
 
 namespace korvo {
 
-ComparePage::ComparePage(MainWindow& window, int viewer)
-    : PhotoPage(window, ViewMode::compare),
-      left_(new PhotoPane(window, viewer + 1, PhotoFeed::Neighbours::none)),
-      right_(new PhotoPane(window, viewer, PhotoFeed::Neighbours::ahead))
+ComparePage::ComparePage(MainWindow& window)
+    : PhotoPage(window, ViewMode::compare), left_(new PhotoPane(window, PhotoFeed::Neighbours::none)),
+      right_(new PhotoPane(window, PhotoFeed::Neighbours::ahead))
 {
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

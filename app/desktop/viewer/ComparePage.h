@@ -10,7 +10,7 @@ namespace korvo {
 /// long as the left one has its menu.
 class ComparePage : public PhotoPage {
 public:
-    ComparePage(MainWindow& window, int viewer);
+    explicit ComparePage(MainWindow& window);
 
     PhotoPane* active() override { return steps_; }
     std::vector<PhotoPane*> panes() override { return {left_, right_}; }

@@ -18,8 +18,8 @@ QImage imageOf(const LivePicture& picture)
         const_cast<std::shared_ptr<const Bitmap>*>(owner)};
 }
 
-PhotoFeed::PhotoFeed(Desktop& desktop, int viewer, Neighbours neighbours)
-    : desktop_(desktop), viewer_(viewer), neighbours_(neighbours),
+PhotoFeed::PhotoFeed(Desktop& desktop, Neighbours neighbours)
+    : desktop_(desktop), viewer_(desktop.decoded().newViewer()), neighbours_(neighbours),
       arrived_(desktop.decoded().arrived.connect([this](const DecodeWish& wish) { arrived(wish); })),
       storeChanged_(
           desktop.store().changed.connect([this](const LibraryChange& change) { storeChanged(change); })),

@@ -26,8 +26,8 @@ public:
         HistogramData histogram;
     };
 
-    /// `desktop` must outlive it. `viewer` tells it apart from other feeds.
-    PhotoFeed(Desktop& desktop, int viewer, Neighbours neighbours);
+    /// `desktop` must outlive it. What earlier made feeds show is decoded first.
+    PhotoFeed(Desktop& desktop, Neighbours neighbours);
     ~PhotoFeed();
     PhotoFeed(const PhotoFeed&) = delete;
     PhotoFeed& operator=(const PhotoFeed&) = delete;

@@ -93,8 +93,8 @@ void PhotoPage::showMenu(PhotoPane& pane, QPoint at)
     window_.showPhotoMenu(at);
 }
 
-SinglePage::SinglePage(MainWindow& window, ViewMode mode, int viewer)
-    : PhotoPage(window, mode), pane_(new PhotoPane(window, viewer, PhotoFeed::Neighbours::ahead))
+SinglePage::SinglePage(MainWindow& window, ViewMode mode)
+    : PhotoPage(window, mode), pane_(new PhotoPane(window, PhotoFeed::Neighbours::ahead))
 {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

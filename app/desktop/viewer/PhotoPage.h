@@ -43,7 +43,7 @@ private:
 /// One photo, in the window or on the whole screen.
 class SinglePage : public PhotoPage {
 public:
-    SinglePage(MainWindow& window, ViewMode mode, int viewer);
+    SinglePage(MainWindow& window, ViewMode mode);
 
     PhotoPane* active() override { return pane_; }
     std::vector<PhotoPane*> panes() override { return {pane_}; }

@@ -15,9 +15,8 @@ QString percent(double scale)
 
 } // namespace
 
-PhotoPane::PhotoPane(MainWindow& window, int viewer, PhotoFeed::Neighbours neighbours)
-    : desktop_(window.desktop()), view_(new PhotoView(desktop_, viewer, neighbours)),
-      bar_(new MarksBar(window))
+PhotoPane::PhotoPane(MainWindow& window, PhotoFeed::Neighbours neighbours)
+    : desktop_(window.desktop()), view_(new PhotoView(desktop_, neighbours)), bar_(new MarksBar(window))
 {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

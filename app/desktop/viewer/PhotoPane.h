@@ -8,7 +8,7 @@ namespace korvo {
 /// A photo with its line of marks below it.
 class PhotoPane : public QWidget {
 public:
-    PhotoPane(MainWindow& window, int viewer, PhotoFeed::Neighbours neighbours);
+    PhotoPane(MainWindow& window, PhotoFeed::Neighbours neighbours);
 
     PhotoView& view() { return *view_; }
     const PhotoView& view() const { return *view_; }

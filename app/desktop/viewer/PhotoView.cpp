@@ -29,8 +29,8 @@ constexpr int placeholderGrowth = 16;
 
 } // namespace
 
-PhotoView::PhotoView(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours)
-    : desktop_(desktop), feed_(desktop, viewer, neighbours), backdrop_(theme::centre),
+PhotoView::PhotoView(Desktop& desktop, PhotoFeed::Neighbours neighbours)
+    : desktop_(desktop), feed_(desktop, neighbours), backdrop_(theme::centre),
       feedChanged_(feed_.changed.connect([this] { feedChanged(); }))
 {
     setSpokenRole(*this, QAccessible::Graphic);

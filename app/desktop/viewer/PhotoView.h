@@ -13,7 +13,7 @@ enum class Loupe { off, on };
 /// dragged about. Below it, what there is to say of the picture.
 class PhotoView : public QWidget {
 public:
-    PhotoView(Desktop& desktop, int viewer, PhotoFeed::Neighbours neighbours);
+    PhotoView(Desktop& desktop, PhotoFeed::Neighbours neighbours);
 
     PhotoFeed& feed() { return feed_; }
     const ViewZoom& zoom() const { return zoom_; }

@@ -8,7 +8,7 @@
 
 namespace korvo {
 
-SurveyPage::SurveyPage(MainWindow& window, int viewer) : PhotoPage(window, ViewMode::survey), viewer_(viewer)
+SurveyPage::SurveyPage(MainWindow& window) : PhotoPage(window, ViewMode::survey)
 {
     setFocusPolicy(Qt::StrongFocus);
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
@@ -36,8 +36,7 @@ std::vector<PhotoPane*> SurveyPage::panes()
 
 void SurveyPage::addPane()
 {
-    auto pane = std::make_unique<PhotoPane>(
-        window_, viewer_ + static_cast<int>(places_.size()), PhotoFeed::Neighbours::none);
+    auto pane = std::make_unique<PhotoPane>(window_, PhotoFeed::Neighbours::none);
     pane->setParent(this);
     pane->view().setClickZooms(false);
     auto clicked = pane->view().clicked.connect([this, shown = pane.get()] {

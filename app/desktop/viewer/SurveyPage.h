@@ -7,7 +7,7 @@ namespace korvo {
 /// The selected photos beside each other, as large as they can be.
 class SurveyPage : public PhotoPage {
 public:
-    SurveyPage(MainWindow& window, int viewer);
+    explicit SurveyPage(MainWindow& window);
 
     PhotoPane* active() override;
     std::vector<PhotoPane*> panes() override;
@@ -25,7 +25,6 @@ private:
     void arrange();
     void addPane();
 
-    int viewer_;
     std::vector<Place> places_;
     Connection storeChanged_;
 };

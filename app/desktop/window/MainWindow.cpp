@@ -2,6 +2,7 @@
 
 #include "app/desktop/Adding.h"
 #include "app/desktop/Texts.h"
+#include "app/desktop/grid/GridView.h"
 #include "app/desktop/photos/PhotoDrag.h"
 #include "app/desktop/window/Parts.h"
 #include "app/desktop/window/Quitting.h"
@@ -77,12 +78,19 @@ MainWindow::~MainWindow()
     delete takeCentralWidget(); // while what the parts refer to is still there
 }
 
-void MainWindow::setSidebar(QWidget* widget)
+void MainWindow::setSidebar(QWidget* widget, Sidebar& sidebar)
 {
     sidebar_ = widget;
+    lines_ = &sidebar;
     columns_->insertWidget(0, widget);
     columns_->setStretchFactor(0, 0);
     columns_->setStretchFactor(1, 1);
+}
+
+void MainWindow::setGrid(GridView* grid)
+{
+    grid_ = grid;
+    setCentre(ViewMode::grid, grid);
 }
 
 void MainWindow::setCentre(ViewMode mode, QWidget* widget)
@@ -102,19 +110,6 @@ void MainWindow::setFilmstrip(QWidget* widget)
 void MainWindow::addInspectorTab(const QString& title, QWidget* widget)
 {
     inspector_->addTab(widget, title);
-}
-
-void MainWindow::search(const std::string& words)
-{
-    if (desktop_.store().source())
-        desktop_.store().chooseSource(std::nullopt);
-    setSearchField(words);
-}
-
-void MainWindow::endSearch(const std::string& words)
-{
-    if (searchField() == words)
-        search({});
 }
 
 void MainWindow::addDropped(const QMimeData& dropped, const std::optional<SidebarNode>& onto)
@@ -161,7 +156,7 @@ void MainWindow::restoreSides(const QByteArray& bytes)
     middle_->restoreState(middle);
     showSides({sidebar, inspector});
     inspector_->setCurrentIndex(tab);
-    wantFilmstrip(filmstrip);
+    setFilmstripWanted(filmstrip);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -250,7 +245,7 @@ void MainWindow::makeCommands()
     commands_.handle(Command::hideSides, [this] { toggleSides(); });
     commands_.handle(Command::sidebar, [this] { toggle(Command::sidebar, sidebar_); });
     commands_.handle(Command::inspector, [this] { toggle(Command::inspector, inspector_); });
-    commands_.handle(Command::filmstrip, [this] { wantFilmstrip(!filmstripWanted_); });
+    commands_.handle(Command::filmstrip, [this] { setFilmstripWanted(!filmstripWanted_); });
     commands_.handle(
         Command::fullScreenWindow, [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
 }
@@ -260,13 +255,13 @@ void MainWindow::cycleModes()
 {
     auto& browser = desktop_.browser();
     if (browser.mode() == ViewMode::viewer && filmstripWanted_)
-        return wantFilmstrip(false);
+        return setFilmstripWanted(false);
     if (browser.mode() == ViewMode::grid)
-        wantFilmstrip(true);
+        setFilmstripWanted(true);
     browser.setMode(browser.mode() == ViewMode::grid ? ViewMode::viewer : ViewMode::grid);
 }
 
-void MainWindow::wantFilmstrip(bool wanted)
+void MainWindow::setFilmstripWanted(bool wanted)
 {
     filmstripWanted_ = wanted;
     commands_.setChecked(Command::filmstrip, wanted);

@@ -14,6 +14,9 @@ class QTabWidget;
 
 namespace korvo {
 
+class GridView;
+class Sidebar;
+
 /// The window of one library: a toolbar, the sidebar, the centre with the filmstrip below it, the inspector,
 /// the status line. Each part brings its widgets and commands by a function of Parts.h.
 class MainWindow : public QMainWindow {
@@ -27,7 +30,8 @@ public:
     WindowMemory& memory() { return memory_; }
 
     // Places. Each takes ownership of the widget.
-    void setSidebar(QWidget* widget);
+    void setSidebar(QWidget* widget, Sidebar& sidebar);
+    void setGrid(GridView* grid);
     /// What the centre shows in a mode; the same widget may serve several. The browser's mode chooses among
     /// them, and the one that is shown gets the focus.
     void setCentre(ViewMode mode, QWidget* widget);
@@ -39,17 +43,15 @@ public:
     QByteArray saveSides() const;
     void restoreSides(const QByteArray& bytes);
 
-    /// Searches all photos for these words, as if they were typed into the search field.
-    void search(const std::string& words);
-    /// Searches no longer, if these are still the words.
-    void endSearch(const std::string& words);
-    std::function<void(const std::string&)> setSearchField; ///< set by the toolbar
-    std::function<std::string()> searchField; ///< set by the toolbar
     /// Takes dropped files and folders into the library.
     void addDropped(const QMimeData& dropped, const std::optional<SidebarNode>& onto = std::nullopt);
 
     /// A menu at a place of the screen, for the photos that commands act on. Returns when it has gone.
     void showPhotoMenu(QPoint at);
+
+    // Parts that others ask for
+    GridView& grid() const { return *grid_; }
+    Sidebar& sidebar() const { return *lines_; }
 
     /// The widget the centre shows now, for the focus.
     QWidget* centre() const;
@@ -77,7 +79,7 @@ private:
     };
     void toggleSides();
     void showSides(Sides sides);
-    void wantFilmstrip(bool wanted);
+    void setFilmstripWanted(bool wanted);
     void toggle(Command command, QWidget* widget);
 
     Desktop& desktop_;
@@ -87,7 +89,9 @@ private:
     QSplitter* middle_;
     QStackedWidget* stack_;
     QTabWidget* inspector_;
-    QWidget* sidebar_ = nullptr;
+    QWidget* sidebar_ = nullptr; // with its filter
+    Sidebar* lines_ = nullptr;
+    GridView* grid_ = nullptr;
     QWidget* filmstrip_ = nullptr;
     bool filmstripWanted_ = true;
     Sides hiddenSides_; // to be shown again together

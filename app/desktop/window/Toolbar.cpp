@@ -5,7 +5,6 @@
 #include "app/desktop/photos/Marks.h"
 #include "app/desktop/window/MainWindow.h"
 #include "app/desktop/window/Parts.h"
-#include "app/view/SearchFilter.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -44,7 +43,8 @@ private:
     void addFilterAndSort();
     void addClear();
     void addSize();
-    void ask(SearchFilter filter);
+    Search& searching() const { return window_.desktop().search(); }
+    const SearchFilter& asked() const { return searching().asked(); }
     void showRejected(bool only);
     void clear();
     bool isAsked() const;
@@ -54,7 +54,6 @@ private:
     QToolButton* addButton(const QString& text, const QIcon& icon, const QString& help);
 
     MainWindow& window_;
-    SearchFilter asked_;
     QLineEdit* search_ = nullptr;
     std::vector<QToolButton*> stars_;
     QToolButton* flag_ = nullptr;
@@ -65,8 +64,7 @@ private:
     std::optional<GridFilter> beforeRejected_ = ListArrangement().filter; // to come back to
     QComboBox* sort_ = nullptr;
     QTimer typed_; // searching a large library waits for the end of a word
-    Connection storeChanged_;
-    Connection sizeChanged_;
+    Connection storeChanged_, searchChanged_, sizeChanged_;
 };
 
 Toolbar::Toolbar(MainWindow& window) : QToolBar("Toolbar"), window_(window)
@@ -85,6 +83,10 @@ Toolbar::Toolbar(MainWindow& window) : QToolBar("Toolbar"), window_(window)
     addSize();
     showAsked();
     showArrangement();
+    searchChanged_ = searching().changed.connect([this] {
+        showAsked();
+        window_.commands().refresh();
+    });
     storeChanged_ = window_.desktop().store().changed.connect([this](const LibraryChange& change) {
         if (change.list)
             showArrangement();
@@ -103,13 +105,11 @@ void Toolbar::addSearch()
     search_->setMaximumWidth(260);
     addWidget(search_);
     typed_.setSingleShot(true);
-    connect(search_, &QLineEdit::textChanged, this, [this] { typed_.start(150); });
-    connect(&typed_, &QTimer::timeout, this, [this] { ask(asked_); });
-    window_.searchField = [this] { return utf8(search_->text()); };
-    window_.setSearchField = [this](const std::string& words) {
-        search_->setText(qt(words));
-        ask(asked_);
-    };
+    connect(search_, &QLineEdit::textChanged, this, [this](const QString& words) {
+        searching().type(utf8(words));
+        typed_.start(150);
+    });
+    connect(&typed_, &QTimer::timeout, this, [this] { searching().ask(searching().asked()); });
     window_.commands().handle(Command::find, [this] {
         search_->setFocus();
         search_->selectAll();
@@ -137,9 +137,9 @@ void Toolbar::addStars()
         button->setFixedWidth(20);
         stars_.push_back(button);
         connect(button, &QToolButton::clicked, this, [this, stars] {
-            auto filter = asked_;
-            filter.leastStars = asked_.leastStars == stars ? 0 : stars;
-            ask(std::move(filter));
+            auto filter = asked();
+            filter.leastStars = asked().leastStars == stars ? 0 : stars;
+            searching().ask(std::move(filter));
         });
     }
 }
@@ -152,9 +152,9 @@ void Toolbar::addFlagAndReject()
     for (auto* const button : {flag_, reject_})
         button->setCheckable(true);
     connect(flag_, &QToolButton::clicked, this, [this](bool on) {
-        auto filter = asked_;
+        auto filter = asked();
         filter.flaggedOnly = on;
-        ask(std::move(filter));
+        searching().ask(std::move(filter));
     });
     connect(reject_, &QToolButton::clicked, this, [this](bool on) { showRejected(on); });
 }
@@ -181,12 +181,12 @@ void Toolbar::addLabels()
         action->setCheckable(true);
         action->setData(number);
         connect(action, &QAction::triggered, this, [this, label](bool on) {
-            auto filter = asked_;
+            auto filter = asked();
             if (on)
                 filter.labels.insert(label);
             else
                 filter.labels.erase(label);
-            ask(std::move(filter));
+            searching().ask(std::move(filter));
         });
     }
     labels_->setMenu(menu);
@@ -198,9 +198,9 @@ void Toolbar::addKind()
     kind_->setAccessibleName("Kind");
     kind_->addItems({"All Kinds", "Photos", "Videos"});
     connect(kind_, &QComboBox::activated, this, [this](int index) {
-        auto filter = asked_;
+        auto filter = asked();
         filter.kind = static_cast<SearchFilter::Kind>(index);
-        ask(std::move(filter));
+        searching().ask(std::move(filter));
     });
     addWidget(kind_);
 }
@@ -243,15 +243,14 @@ void Toolbar::addClear()
 /// Whether anything but the usual filter hides photos.
 bool Toolbar::isAsked() const
 {
-    return asked_ != SearchFilter() || window_.desktop().store().list().filter() != ListArrangement().filter;
+    return asked() != SearchFilter() || window_.desktop().store().list().filter() != ListArrangement().filter;
 }
 
 void Toolbar::clear()
 {
-    search_->clear();
     auto& store = window_.desktop().store();
     store.arrange(store.list().sortKey(), ListArrangement().filter);
-    ask({});
+    searching().ask({});
 }
 
 void Toolbar::arrange()
@@ -273,7 +272,7 @@ void Toolbar::showArrangement()
 
 void Toolbar::addSize()
 {
-    auto* const grid = gridOf(window_);
+    auto* const grid = &window_.grid();
     auto* const size = new QSlider(Qt::Horizontal);
     size->setAccessibleName("Thumbnail size");
     size->setToolTip("Size of the thumbnails (Ctrl and the wheel)");
@@ -288,27 +287,19 @@ void Toolbar::addSize()
     addWidget(size);
 }
 
-/// Asks for this, and for the words of the search field.
-void Toolbar::ask(SearchFilter filter)
-{
-    typed_.stop();
-    asked_ = std::move(filter);
-    asked_.words = utf8(search_->text());
-    showAsked();
-    window_.desktop().store().narrow(rulesOf(asked_));
-    window_.commands().refresh();
-}
-
 void Toolbar::showAsked()
 {
+    if (const auto words = qt(asked().words); words != search_->text())
+        search_->setText(words);
+    typed_.stop(); // they are asked for
     for (std::size_t i = 0; i < stars_.size(); ++i)
         stars_[i]->setIcon(icon(starGlyph({0, 0, 16, 16}),
-            static_cast<int>(i) < asked_.leastStars ? theme::star : QColor(0x70, 0x70, 0x70), {16, 16}));
-    flag_->setChecked(asked_.flaggedOnly);
+            static_cast<int>(i) < asked().leastStars ? theme::star : QColor(0x70, 0x70, 0x70), {16, 16}));
+    flag_->setChecked(asked().flaggedOnly);
     for (auto* const action : labels_->menu()->actions())
-        action->setChecked(asked_.labels.contains(static_cast<PhotoLabel>(action->data().toInt())));
-    labels_->setChecked(!asked_.labels.empty());
-    kind_->setCurrentIndex(static_cast<int>(asked_.kind));
+        action->setChecked(asked().labels.contains(static_cast<PhotoLabel>(action->data().toInt())));
+    labels_->setChecked(!asked().labels.empty());
+    kind_->setCurrentIndex(static_cast<int>(asked().kind));
 }
 
 } // namespace

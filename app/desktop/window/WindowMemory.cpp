@@ -44,8 +44,8 @@ Values valuesOf(MainWindow& window)
     const auto& catalog = store.catalog();
     return {{geometryKey, window.saveGeometry().toBase64().toStdString()},
         {sidesKey, window.saveSides().toBase64().toStdString()},
-        {thumbSizeKey, std::to_string(gridOf(window)->thumbnailSize())},
-        {keyOfLibrary(sidebarKeys, catalog), sidebarOf(window)->openLines()},
+        {thumbSizeKey, std::to_string(window.grid().thumbnailSize())},
+        {keyOfLibrary(sidebarKeys, catalog), window.sidebar().openLines()},
         {keyOfLibrary(viewKeys, catalog), textOf(viewMemory(store))}};
 }
 
@@ -89,9 +89,9 @@ void WindowMemory::restore()
     const auto text = value(thumbSizeKey);
     int size = 0;
     if (std::from_chars(text.data(), text.data() + text.size(), size).ec == std::errc())
-        gridOf(window)->setThumbnailSize(size);
+        window.grid().setThumbnailSize(size);
     const auto& catalog = desktop.store().catalog();
-    sidebarOf(window)->restoreOpenLines(value(keyOfLibrary(sidebarKeys, catalog)));
+    window.sidebar().restoreOpenLines(value(keyOfLibrary(sidebarKeys, catalog)));
     desktop.attempt(
         [&] { restoreView(desktop.store(), viewMemoryOf(value(keyOfLibrary(viewKeys, catalog)))); });
 }

@@ -64,7 +64,7 @@ TEST(GridView, keysMoveWithinAnAlbumAndAStack)
 TEST(GridView, aSweepBeyondTheEdgeScrollsAndKeepsWhatItPassed)
 {
     TestWindow window(26);
-    auto* const grid = gridOf(*window.window);
+    auto* const grid = &window.window->grid();
     auto* const bar = grid->verticalScrollBar();
     ASSERT_GT(bar->maximum(), 0);
     const QPoint from(2, 2), to(grid->viewport()->width() - 2, grid->viewport()->height() + 60);
@@ -84,7 +84,7 @@ TEST(GridView, aDropPutsPhotosWhereTheLineIsAndASweepEndsWithTheGrid)
     TestWindow t(4);
     const auto album = createAlbum(t.store(), "album", {});
     addToAlbum(t.store(), album, IDs{1, 2, 3, 4});
-    auto* const grid = gridOf(*t.window);
+    auto* const grid = &t.window->grid();
     const auto drop = [&](PhotoID photo, QPoint at) {
         const std::vector dragged{t.store().list().find(photo)};
         const std::unique_ptr<QMimeData> owned(dragData(dragged));

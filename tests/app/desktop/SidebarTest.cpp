@@ -28,7 +28,7 @@ TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
     auto& store = t.store();
     const SidebarKey zoo{SidebarNode::Kind::keyword, createKeyword(store, "zoo", {})};
     createKeyword(store, "bear", {});
-    auto& sidebar = *sidebarOf(*t.window);
+    auto& sidebar = t.window->sidebar();
     const auto line = [&](const char* name) {
         QTreeWidgetItem* item = nullptr;
         EXPECT_TRUE(QTest::qWaitFor([&] {
@@ -72,7 +72,7 @@ TEST(Sidebar, makesThingsWhereOneClicked)
     const auto clicked = createProject(store, "clicked", "project", {});
     createAlbum(store, "old", clicked);
     const auto keyword = createKeyword(store, "sea", {});
-    auto& sidebar = *sidebarOf(*t.window);
+    auto& sidebar = t.window->sidebar();
     store.chooseSource(LibrarySource{LibrarySource::Kind::project, shown, {}});
     QTest::qWait(20);
     sidebar.expandAll();
@@ -114,7 +114,7 @@ TEST(Sidebar, takesPhotosWhereTheyCanGo)
 {
     TestWindow t(2);
     const auto album = createAlbum(t.store(), "album", {});
-    auto& sidebar = *sidebarOf(*t.window);
+    auto& sidebar = t.window->sidebar();
     QTest::qWait(20);
     const std::vector dragged{t.store().list().find(2)};
     const std::unique_ptr<QMimeData> data(dragData(dragged));
@@ -139,7 +139,7 @@ TEST(Sidebar, opensAClosedLineThatPhotosRestOnAndLeavesAnOpenOneOpen)
 {
     TestWindow t(1);
     createAlbum(t.store(), "album", createProject(t.store(), "project", "project", {}));
-    auto& sidebar = *sidebarOf(*t.window);
+    auto& sidebar = t.window->sidebar();
     QTest::qWait(20);
     const std::unique_ptr<QMimeData> data(dragData(std::vector{t.store().list().find(1)}));
     auto* const line = sidebar.findItems("project", Qt::MatchExactly | Qt::MatchRecursive).at(0);
@@ -166,13 +166,13 @@ TEST(Sidebar, deleteMeansItsLineAndNeverPhotos)
     store.chooseSource(LibrarySource{LibrarySource::Kind::album, album, {}});
     QTest::qWait(20);
     store.select({1});
-    sidebarOf(*t.window)->setFocus();
+    t.window->sidebar().setFocus();
     t.press(Qt::Key_Delete, Qt::ControlModifier);
     EXPECT_EQ(store.list().shown().size(), 2U);
     t.press(Qt::Key_Delete);
     EXPECT_TRUE(store.tree().albums.empty());
     EXPECT_EQ(store.list().shown().size(), 2U) << "all photos";
-    sidebarOf(*t.window)->setFocus();
+    t.window->sidebar().setFocus();
     t.press(Qt::Key_Delete); // on "All Photos"
     EXPECT_EQ(store.undoTitle(), "Delete Album");
     t.visibleButton("Undo")->click();
@@ -191,7 +191,7 @@ TEST(Sidebar, asksForPhotosThatLeaveTheLibraryAndTellsHowMany)
     createProject(store, "project", "project", {});
     store.reload();
     QTest::qWait(20);
-    auto& sidebar = *sidebarOf(*t.window);
+    auto& sidebar = t.window->sidebar();
     const auto refusedDeletionOf = [&](const char* line) {
         sidebar.setCurrentItem(sidebar.findItems(line, Qt::MatchExactly | Qt::MatchRecursive).at(0));
         sidebar.setFocus();
@@ -208,7 +208,7 @@ TEST(Sidebar, keepsWhichLinesAreOpen)
     TestWindow t(0);
     const auto project = createProject(t.store(), "project", "project", {});
     createAlbum(t.store(), "album", project);
-    auto& sidebar = *sidebarOf(*t.window);
+    auto& sidebar = t.window->sidebar();
     QTest::qWait(20);
     auto* const line = sidebar.findItems("project", Qt::MatchExactly | Qt::MatchRecursive).at(0);
     auto* const heading = sidebar.topLevelItem(4);
@@ -231,7 +231,7 @@ TEST(Sidebar, putsFilesWhereTheyAreDroppedThoseOfTheLibraryToo)
     const auto album = createAlbum(store, "album", {});
     t.folder.write("new/a.jpg", "x");
     t.folder.write("new/b.jpg", "x");
-    auto& sidebar = *sidebarOf(*t.window);
+    auto& sidebar = t.window->sidebar();
     QTest::qWait(20);
     std::string said;
     const auto noticed = t.desktop->noticed.connect([&](const Notice& notice) { said = notice.text; });

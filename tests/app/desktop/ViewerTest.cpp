@@ -309,7 +309,7 @@ TEST(Viewer, marksCanBeClickedWhereverTheyAre)
         return std::pair(t.listed(1).rating, t.listed(1).flagged);
     };
     constexpr auto neither = std::pair(0, false);
-    auto* const grid = gridOf(*t.window);
+    auto* const grid = &t.window->grid();
     const CellGeometry geometry(grid->thumbnailSize(), grid->font());
     const GridLayout layout{grid->viewport()->width(), geometry.cell(), 2};
     EXPECT_EQ(

@@ -66,11 +66,11 @@ TEST(Window, comesBackAsItWasLeft)
     createAlbum(t.store(), "Best", trip.id);
     QTest::qWait(10);
     const auto lineOf = [](const MainWindow& window, const char* name) {
-        return sidebarOf(window)->findItems(name, Qt::MatchExactly | Qt::MatchRecursive).at(0);
+        return window.sidebar().findItems(name, Qt::MatchExactly | Qt::MatchRecursive).at(0);
     };
-    sidebarOf(*t.window)->filter("best");
+    t.window->sidebar().filter("best");
     EXPECT_TRUE(lineOf(*t.window, "Trip")->isExpanded()) << "what is found can be seen";
-    sidebarOf(*t.window)->filter("");
+    t.window->sidebar().filter("");
     EXPECT_FALSE(lineOf(*t.window, "Trip")->isExpanded());
     lineOf(*t.window, "Trip")->setExpanded(true);
     lineOf(*t.window, "Keywords")->setExpanded(false);
