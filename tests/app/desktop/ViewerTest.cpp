@@ -243,7 +243,7 @@ TEST(Viewer, aPhotoIsShownAgainOnceItsFolderIsLocated)
     EXPECT_FALSE(t.store().undoStep());
     ASSERT_TRUE(locate("after"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().isEmpty(); }, wait));
-    t.visibleButton("Undo")->click();
+    t.window->commands().run(Command::undo);
     EXPECT_TRUE(QTest::qWaitFor([&] { return t.listed(1).path() == t.folder / "before/a.png"; }, wait));
     t.window->commands().run(Command::redo);
     EXPECT_TRUE(QTest::qWaitFor([&] { return t.listed(1).path() == t.folder / "after/a.png"; }, wait));
