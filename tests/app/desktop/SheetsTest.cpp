@@ -3,6 +3,7 @@
 #include "base/Dates.h"
 #include "catalog/Stacks.h"
 #include "catalog/store/LibraryActions.h"
+#include "imports/ImportOptions.h"
 #include "imports/NamingPreset.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/platform/DiskService.h"
@@ -278,6 +279,19 @@ TEST(ApertureSheet, goesOnWhenItIsClosedAndComesBackWithWhatItRuns)
     EXPECT_NO_THROW(named<QPushButton>(sheet, "Open the New Library"));
     EXPECT_THROW(named<QPushButton>(sheet, "Stop"), std::out_of_range);
     EXPECT_TRUE(std::filesystem::exists(t.folder / "My Korvo/catalog.sqlite"));
+    sheet.close();
+}
+
+TEST(ImportSheet, listsTheProjectsThatThereAreWhileItIsOpen)
+{
+    TestWindow t(0);
+    QWidget& sheet = *showImportWindow(*t.window, {});
+    named<QComboBox>(sheet, "Project").setCurrentIndex(static_cast<int>(ImportOptions::Project::chosen));
+    const auto& projects = named<QComboBox>(sheet, "Selected project");
+    const auto trip = createProject(t.store(), "Trip", "project", {});
+    EXPECT_EQ(projects.itemText(0), "Trip");
+    deleteProject(t.store(), trip);
+    EXPECT_EQ(projects.count(), 0);
     sheet.close();
 }
 

@@ -74,6 +74,8 @@ TEST(Window, comesBackAsItWasLeft)
     EXPECT_FALSE(lineOf(*t.window, "Trip")->isExpanded());
     lineOf(*t.window, "Trip")->setExpanded(true);
     lineOf(*t.window, "Keywords")->setExpanded(false);
+    t.window->memory().rememberInBackground(); // another program comes to the front
+    EXPECT_TRUE(QTest::qWaitFor([&] { return t.defaults.get("korvo_window_geometry").has_value(); }));
     t.store().select({2});
     t.press(Qt::Key_F7);
     t.window->resize(900, 650);
