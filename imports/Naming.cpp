@@ -120,11 +120,17 @@ std::string baseName(const NamingFacts& facts, std::string_view pattern, NamingP
     return text;
 }
 
+NamingFacts listedFacts(const PhotoItem& photo)
+{
+    return {std::string(withoutExtension(photo.filename.view())), photo.metadata.title.string(),
+        photo.fileDate ? *photo.fileDate : SystemClock().now()};
+}
+
 std::string baseName(
     const PhotoItem& photo, std::string_view pattern, std::size_t index, std::size_t total, std::size_t room)
 {
-    const NamingFacts facts{std::string(withoutExtension(photo.filename.view())),
-        photo.metadata.title.string(), fileDateOrToday(photo.path())};
+    auto facts = listedFacts(photo);
+    facts.fileDate = fileDateOrToday(photo.path());
     return baseName(facts, pattern, {index, total}, room);
 }
 

@@ -32,6 +32,9 @@ inline constexpr std::size_t longestFileName = 255;
 std::string baseName(const NamingFacts& facts, std::string_view pattern, NamingPlace place,
     std::size_t room = longestFileName);
 
+/// What the library knows of a photo, without a look at its file.
+NamingFacts listedFacts(const PhotoItem& photo);
+
 /// The same for a photo of the library, with the date that its file has now, or today's when the file is
 /// gone.
 std::string baseName(const PhotoItem& photo, std::string_view pattern, std::size_t index, std::size_t total,

@@ -20,6 +20,13 @@ const std::string* FileWork::failureOf(PhotoID photo) const
     return status.kind == PhotoItem::Status::Kind::error ? &status.message : nullptr;
 }
 
+void FileWork::forgetFailures()
+{
+    main_.assertCurrent();
+    failures_.clear();
+    changed.emit();
+}
+
 void FileWork::requireIdle() const
 {
     if (saving_)

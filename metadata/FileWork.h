@@ -44,6 +44,8 @@ public:
     const std::string& statusMessage() const { return statusMessage_; }
     /// What went wrong with which photo in the last job.
     const std::vector<FileFailure>& failures() const { return failures_; }
+    /// They have been seen.
+    void forgetFailures();
     /// Why the photo's last job failed, until one does not; null when it did not.
     const std::string* failureOf(PhotoID photo) const;
     /// Whether it could not write all that it was to, or nothing.

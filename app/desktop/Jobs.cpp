@@ -34,6 +34,12 @@ void Job::cancel()
     stop_.request_stop();
 }
 
+std::size_t Job::failed() const
+{
+    const std::lock_guard lock(state_->mutex);
+    return state_->failures.size();
+}
+
 std::vector<std::string> Job::failures() const
 {
     const std::lock_guard lock(state_->mutex);
@@ -94,7 +100,7 @@ void Jobs::forget(std::span<const std::shared_ptr<Job>> seen)
 
 void Jobs::forgetEnded()
 {
-    std::erase_if(jobs_, [](const auto& job) { return !job->isRunning() && job->failures().empty(); });
+    std::erase_if(jobs_, [](const auto& job) { return !job->isRunning() && job->failed() == 0; });
     const auto hasEnded = [](const auto& job) { return !job->isRunning(); };
     for (auto many = std::ranges::count_if(jobs_, hasEnded); many > mostKept; --many)
         jobs_.erase(std::ranges::find_if(jobs_, hasEnded));

@@ -65,6 +65,7 @@ public:
     /// What it said at its end; empty while it runs.
     const std::string& summary() const { return summary_; }
     std::vector<std::string> failures() const;
+    std::size_t failed() const; ///< how many of them
 
 private:
     friend class Jobs;

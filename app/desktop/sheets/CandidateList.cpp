@@ -150,7 +150,8 @@ private:
             option.fontMetrics.elidedText(
                 qt(candidate.file.path.filename().native()), Qt::ElideMiddle, line.width()));
         line.translate(0, line.height());
-        painter.setPen(option.palette.color(QPalette::PlaceholderText));
+        if (!(option.state & QStyle::State_Selected)) // on whose ground it could not be read
+            painter.setPen(option.palette.color(QPalette::PlaceholderText));
         painter.drawText(line, Qt::AlignCenter, qt(rowText(candidate)));
     }
 

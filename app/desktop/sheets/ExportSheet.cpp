@@ -164,7 +164,7 @@ void ExportSheet::refresh()
     pixels_->setEnabled(chosenIn<ExportSize>(*size_) == ExportSize::limited);
     quality_->setEnabled(hasQuality(choice.format));
     example_->setText(qt(std::string(namingPresetEditor::example) + " "
-        + baseName(photos_.front(), choice.pattern, 1, photos_.size())
+        + baseName(listedFacts(photos_.front()), choice.pattern, {1, photos_.size()})
         + std::string(endingOf(choice.format))));
     export_->setEnabled(choice.folder.is_absolute());
 }

@@ -186,7 +186,8 @@ void NamingSheet::showExample()
     }
     const auto total = std::max<std::size_t>(1, photos.size());
     example_->setText(qt(namingPresetEditor::example) + " "
-        + qt(baseName(*item, current()->pattern, 1, total) + item->path().extension().native()));
+        + qt(baseName(listedFacts(*item), current()->pattern, {1, total})
+            + item->path().extension().native()));
 }
 
 void NamingSheet::edit()

@@ -24,6 +24,14 @@ public:
         window.setFilmstrip(new Filmstrip(window));
         commands_.handle(Command::actualSize, [this] { toggleZoom(); });
         const auto isLarge = [this] { return desktop_.browser().mode() != ViewMode::grid; };
+        for (const auto& [command, steps] : {std::pair{Command::zoomIn, 1}, {Command::zoomOut, -1}})
+            commands_.handle(
+                command,
+                [this, steps = steps] {
+                    if (auto* const pane = active())
+                        pane->view().zoomBy(steps);
+                },
+                isLarge);
         commands_.handle(
             Command::loupe, [this] { toggleLoupe(); }, isLarge);
         commands_.handle(

@@ -242,6 +242,13 @@ void Filmstrip::changeEvent(QEvent* event)
         measure();
 }
 
+bool Filmstrip::event(QEvent* event)
+{
+    if (event->type() == QEvent::ScreenChangeInternal) // its pixels may be finer
+        measure();
+    return QAbstractScrollArea::event(event);
+}
+
 bool Filmstrip::viewportEvent(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip)

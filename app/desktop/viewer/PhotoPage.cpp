@@ -47,8 +47,34 @@ void PhotoPage::dress(PhotoPane& pane)
     pane.view().setLoupe(loupe_);
 }
 
+bool PhotoPage::moveAbout(const QKeyEvent& event)
+{
+    auto* const pane = active();
+    if (!event.modifiers().testFlag(Qt::ShiftModifier) || !pane || pane->view().zoom().isFit())
+        return false;
+    constexpr double part = 0.25;
+    switch (event.key()) {
+    case Qt::Key_Right:
+        pane->view().panBy(-part, 0);
+        return true;
+    case Qt::Key_Left:
+        pane->view().panBy(part, 0);
+        return true;
+    case Qt::Key_Down:
+        pane->view().panBy(0, -part);
+        return true;
+    case Qt::Key_Up:
+        pane->view().panBy(0, part);
+        return true;
+    default:
+        return false;
+    }
+}
+
 void PhotoPage::keyPressEvent(QKeyEvent* event)
 {
+    if (moveAbout(*event))
+        return;
     switch (event->key()) {
     case Qt::Key_Right:
     case Qt::Key_Down:

@@ -139,6 +139,22 @@ void PhotoView::toggleZoom()
     zoomChanged();
 }
 
+void PhotoView::zoomBy(double steps, const QPointF& at)
+{
+    const double scale = std::min(zoom_.scale() * std::pow(zoomStep, steps), mostZoom);
+    if (scale <= zoom_.fitScale())
+        zoom_.showWhole();
+    else
+        zoom_.zoomTo(scale, devicePoint(at));
+    zoomChanged();
+}
+
+void PhotoView::panBy(double widths, double heights)
+{
+    zoom_.pan(devicePoint({widths * width(), heights * height()}));
+    zoomChanged();
+}
+
 void PhotoView::followZoom(const ViewZoom& zoom)
 {
     zoom_.follow(zoom);
@@ -342,12 +358,7 @@ void PhotoView::wheelEvent(QWheelEvent* event)
 {
     const double notches = event->angleDelta().y() / 120.0;
     if (event->modifiers().testFlag(Qt::ControlModifier)) {
-        const double scale = std::min(zoom_.scale() * std::pow(zoomStep, notches), mostZoom);
-        if (scale <= zoom_.fitScale())
-            zoom_.showWhole();
-        else
-            zoom_.zoomTo(scale, devicePoint(event->position()));
-        zoomChanged();
+        zoomBy(notches, event->position());
     } else if (!zoom_.isFit()) {
         const QPointF way = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) : event->pixelDelta();
         zoom_.pan(devicePoint(way));

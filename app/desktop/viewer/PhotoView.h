@@ -30,6 +30,12 @@ public:
     void showAsWideAs(const PhotoFeed& other);
     /// Between the whole photo and 100 %, at the pointer where it is over the photo.
     void toggleZoom();
+    /// Enlarges the photo by steps, or shrinks it until it is shown whole; about its middle, or about a
+    /// place.
+    void zoomBy(double steps) { zoomBy(steps, rect().center()); }
+    void zoomBy(double steps, const QPointF& at);
+    /// Moves the photo by a part of the view's size, while it is not shown whole.
+    void panBy(double widths, double heights);
     /// Takes the zoom of another view, whose photo may have another size.
     void followZoom(const ViewZoom& zoom);
     void setLook(Look look);

@@ -113,6 +113,8 @@ constexpr CommandInfo table[] = {
     {C::survey, M::view, nullptr, "Survey the Selected", "N", N::photos},
     line(M::view),
     {C::actualSize, M::view, nullptr, "100 %", "Z", N::shown},
+    {C::zoomIn, M::view, nullptr, "Zoom In", "+ =", N::shown},
+    {C::zoomOut, M::view, nullptr, "Zoom Out", "-", N::shown},
     {C::loupe, M::view, nullptr, "Loupe", "`", N::shown},
     {C::beforeAfter, M::view, nullptr, "Before and After", "\\ M", N::shown},
     line(M::view),

@@ -42,7 +42,7 @@ enum class Command {
     newVersion, showVersions, addTo, moveEarlier, moveLater, stack, unstack, toggleStack, setPick, earlierInStack, laterInStack, rotateLeft, rotateRight, autoAdjust, resetAdjustments,
     shiftDates, setPosition, clearPosition, showInFolder,
     // View
-    grid, viewer, space, cycle, compare, survey, actualSize, loupe, beforeAfter, nextPhoto, previousPhoto,
+    grid, viewer, space, cycle, compare, survey, actualSize, zoomIn, zoomOut, loupe, beforeAfter, nextPhoto, previousPhoto,
     fullScreenPhoto, fullScreenWindow, sidebar, inspector, filmstrip, hideSides, largerThumbnails, smallerThumbnails, escape,
     // Help
     keys, about,

@@ -47,6 +47,7 @@ private:
     void sayWhatWasWritten();
     void showJob();
     void cancelJob();
+    void showFailureCount();
     void showFailures();
     template <typename Widget>
     Widget* add(Widget* widget, const char* accessibleName);
@@ -99,7 +100,10 @@ StatusLine::StatusLine(MainWindow& window)
     connect(&jobTimer_, &QTimer::timeout, this, [this] { showJob(); });
     storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { showCounts(); });
     jobsChanged_ = desktop_.jobs().changed.connect([this] { showJob(); });
-    writeBackChanged_ = desktop_.session().writeBack().changed.connect([this] { showUnwritten(); });
+    writeBackChanged_ = desktop_.session().writeBack().changed.connect([this] {
+        showUnwritten();
+        showFailureCount();
+    });
     showCounts();
     showUnwritten();
 }
@@ -154,11 +158,7 @@ void StatusLine::showJob()
     const auto running = jobs.size();
     for (QWidget* const widget : std::initializer_list<QWidget*>{job_, progress_, cancel_})
         widget->setVisible(running > 0);
-    std::size_t failed = 0;
-    for (const auto& each : desktop_.jobs().all())
-        failed += each->failures().size();
-    failures_->setVisible(failed > 0);
-    failures_->setText(qt(counted(failed, "failure")));
+    showFailureCount();
     if (jobs.empty())
         return jobTimer_.stop();
     jobTimer_.start(jobShown);
@@ -195,6 +195,16 @@ void StatusLine::cancelJob()
     showJob();
 }
 
+/// Of all jobs, and of what was written into files last.
+void StatusLine::showFailureCount()
+{
+    std::size_t failed = desktop_.session().writeBack().failures().size();
+    for (const auto& job : desktop_.jobs().all())
+        failed += job->failed();
+    failures_->setVisible(failed > 0);
+    failures_->setText(qt(counted(failed, "failure")));
+}
+
 /// Once the list is closed, what it showed has been seen.
 void StatusLine::showFailures()
 {
@@ -203,8 +213,13 @@ void StatusLine::showFailures()
     for (const auto& job : jobs)
         for (auto& failure : job->failures())
             failures.push_back(std::move(failure));
-    connect(korvo::showFailures(window_, failures), &QDialog::finished, this,
-        [this, jobs] { desktop_.jobs().forget(jobs); });
+    auto& writeBack = desktop_.session().writeBack();
+    for (const auto& failure : writeBack.failures())
+        failures.push_back(failure.message);
+    connect(korvo::showFailures(window_, failures), &QDialog::finished, this, [this, jobs, &writeBack] {
+        desktop_.jobs().forget(jobs);
+        writeBack.forgetFailures();
+    });
 }
 
 } // namespace

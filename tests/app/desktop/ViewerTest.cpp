@@ -24,6 +24,30 @@
 
 namespace korvo {
 
+TEST(Viewer, keysZoomAndMoveAPhotoAbout)
+{
+    PhotoWindow t;
+    t.add("large.png", 100, 3000, 2000);
+    t.add("next.png");
+    t.store().select({1});
+    t.open(ViewMode::viewer);
+    ASSERT_TRUE(t.isDrawn());
+    const auto fit = t.view().zoom().scale();
+    t.press(Qt::Key_Plus);
+    EXPECT_GT(t.view().zoom().scale(), fit);
+    t.press(Qt::Key_Minus);
+    EXPECT_TRUE(t.view().zoom().isFit());
+    t.press(Qt::Key_Z);
+    const auto before = t.view().zoom().origin();
+    t.press(Qt::Key_Right, Qt::ShiftModifier);
+    t.press(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_LT(t.view().zoom().origin().x, before.x);
+    EXPECT_LT(t.view().zoom().origin().y, before.y);
+    EXPECT_EQ(t.desktop->browser().current(), 1);
+    t.press(Qt::Key_Right);
+    EXPECT_EQ(t.desktop->browser().current(), 2);
+}
+
 TEST(Viewer, showsThePhotoWholeAtAllItsPixelsAndAsItWas)
 {
     PhotoWindow t;
