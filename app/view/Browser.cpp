@@ -20,8 +20,7 @@ PhotoID shownAt(const PhotoList& list, std::size_t place)
 
 Browser::Browser(LibraryStore& store)
     : store_(store),
-      storeChanged_(store.changed.connect([this](const LibraryChange& change) { storeChanged(change); })),
-      stepEnded_(store.stepEnded.connect([this](const auto&) { leaveGoneSource(); }))
+      storeChanged_(store.changed.connect([this](const LibraryChange& change) { storeChanged(change); }))
 { }
 
 void Browser::setMode(ViewMode mode)
@@ -93,13 +92,14 @@ void Browser::leaveGoneSource()
     }
 }
 
-void Browser::undo()
+std::size_t Browser::undo()
 {
-    undoTogether();
+    const auto takenOut = undoTogether();
     leaveGoneSource();
+    return takenOut;
 }
 
-void Browser::undoTogether()
+std::size_t Browser::undoTogether()
 {
     if (mode_ != ViewMode::survey)
         return store_.undo();
@@ -108,11 +108,12 @@ void Browser::undoTogether()
     const auto connection = store_.changed.connect([&](const LibraryChange& change) {
         touched.insert(touched.end(), change.photos.begin(), change.photos.end());
     });
-    store_.undo();
+    const auto takenOut = store_.undo();
     const auto& cameBack = touched.empty() ? store_.selection() : touched;
     if (cameBack.size() <= mostSurveyed) // else there is no survey in it
         together.insert(together.end(), cameBack.begin(), cameBack.end());
     selectShown(std::move(together));
+    return takenOut;
 }
 
 void Browser::redo()

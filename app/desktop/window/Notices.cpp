@@ -89,7 +89,7 @@ void Notices::takeOffer()
         if (isRedo)
             desktop_.browser().redo();
         else
-            desktop_.browser().undo();
+            desktop_.undo();
     });
 }
 
