@@ -6,6 +6,7 @@
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"
 #include "metadata/FileFields.h"
+#include "metadata/MetadataError.h"
 #include "metadata/PositionInFile.h"
 #include "platform/ApertureBundles.h"
 
@@ -68,6 +69,8 @@ private:
             adjust(*record);
         } catch (const ExifToolError& error) {
             fail(error.what());
+        } catch (const MetadataError& error) {
+            fail(error.reason());
         } catch (const DatabaseError& error) { // what is done must be told: doing it again would be wrong
             result_.fault = sentence(textForUser(error));
         } catch (const NotFoundError&) {

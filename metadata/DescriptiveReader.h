@@ -29,5 +29,7 @@ bool hasExif(const std::filesystem::path& file);
 /// Whether the file's XMP is damaged, so that whoever writes it anew drops what stands behind the damage.
 /// Throws MetadataError likewise.
 bool hasDamagedXmp(const std::filesystem::path& file);
+/// Why such a file is not written.
+inline constexpr auto damagedXmp = "its XMP is damaged, and writing would lose what is left of it";
 
 } // namespace korvo

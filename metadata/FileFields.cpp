@@ -58,7 +58,7 @@ PhotoMetadata fieldsIn(const ExifToolRecord& record, const fs::path& file)
 FieldsInFile found(const ExifToolRecord& record, const fs::path& file)
 try {
     if (hasDamagedXmp(file))
-        return {std::nullopt, "its XMP is damaged, and writing would lose what is left of it"};
+        return {std::nullopt, damagedXmp};
     return {fieldsIn(record, file), ""};
 } catch (const MetadataError& error) {
     return {std::nullopt, error.reason()};

@@ -1,5 +1,6 @@
 #include "metadata/PositionInFile.h"
 
+#include "metadata/DescriptiveReader.h"
 #include "metadata/ExifReader.h"
 #include "metadata/exiftool/ExifToolError.h"
 
@@ -9,6 +10,8 @@ ExifToolArguments positionArguments(
     const std::filesystem::path& file, const std::optional<Coordinate>& position)
 {
     const auto parts = fileParts(file).value_or(FileParts());
+    if (position && parts.xmp && hasDamagedXmp(file))
+        throw ExifToolError::failed(damagedXmp);
     return position ? writeGPSArguments(*position, file, parts) : stripGPSArguments(file, parts);
 }
 

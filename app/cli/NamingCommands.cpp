@@ -60,7 +60,7 @@ std::vector<WrittenPreset> writtenPresets(const std::string& text)
         return fromJson<std::vector<WrittenPreset>>(text);
     std::vector<WrittenPreset> presets;
     std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);)
+    for (std::string line; std::getline(lines >> std::ws, line);)
         presets.push_back(fromJson<WrittenPreset>(line));
     return presets;
 }

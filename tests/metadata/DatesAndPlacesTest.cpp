@@ -61,6 +61,25 @@ TEST(DatesAndPlaces, shiftTheDatesOfPhotosOnceInCatalogAndFiles)
     EXPECT_EQ(library.item(photo).captureDate, *date + 90);
 }
 
+TEST(DatesAndPlaces, writeNoPositionIntoDamagedXmpWhichTheToolWouldMakeAnew)
+{
+    Adjusted library;
+    const FakeTool real(FakeTool::Real{});
+    const auto photo = library.add("a.jpg", "plain.jpg");
+    const auto file = library.folder / "a.jpg";
+    real.tool.run(
+        {"-q", "-overwrite_original", "-XMP-dc:Title=Kept", "-XMP-exif:GPSLatitude=10N", file.string()}, {});
+    auto half = readFile(file);
+    half.replace(half.find("</rdf:RDF>"), 10, "</rdf:XXX>");
+    library.folder.write("a.jpg", half);
+    const auto result = adjustPhotos(*library.catalog, only(photo),
+        positionChangeTo(*library.catalog, Coordinate{48, 11}), real.tool, {}, nowhere);
+    ASSERT_EQ(result.failures.size(), 1U);
+    EXPECT_NE(result.failures.front().message.find("its XMP is damaged"), std::string::npos);
+    EXPECT_EQ(readFile(file), half);
+    EXPECT_EQ(library.item(photo).latitude, 48);
+}
+
 TEST(DatesAndPlaces, shiftTheDateThatAFilmIsKnownBy)
 {
     Adjusted library;

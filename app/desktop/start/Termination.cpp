@@ -16,9 +16,13 @@ namespace {
 /// The end of a pipe that a signal writes to: hardly anything else may be done while one is handled.
 int signalled = -1;
 
+constexpr std::array endingSignals{SIGTERM, SIGINT};
+
 void tell(int /*signal*/)
 {
     const int before = errno;
+    for (const int next : endingSignals) // the second one is not waited for
+        std::signal(next, SIG_DFL);
     [[maybe_unused]] const auto written = write(signalled, "", 1);
     errno = before;
 }
@@ -40,8 +44,8 @@ void onTermination(QObject& context, std::function<void()> end)
     });
     struct sigaction action { };
     action.sa_handler = tell;
-    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGTERM, SIGINT})
+    action.sa_flags = SA_RESTART;
+    for (const int signal : endingSignals)
         sigaction(signal, &action, nullptr);
 }
 

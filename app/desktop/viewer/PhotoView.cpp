@@ -142,7 +142,7 @@ void PhotoView::toggleZoom()
 void PhotoView::zoomBy(double steps, const QPointF& at)
 {
     const double scale = std::min(zoom_.scale() * std::pow(zoomStep, steps), mostZoom);
-    if (scale <= zoom_.fitScale())
+    if (scale < zoom_.fitScale() * 1.001) // steps up and down again end beside it
         zoom_.showWhole();
     else
         zoom_.zoomTo(scale, devicePoint(at));
