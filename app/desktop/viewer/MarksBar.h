@@ -16,6 +16,7 @@ public:
     void setPhoto(std::optional<PhotoID> photo);
     void setTitle(const QString& title);
     void setNote(const QString& note);
+    const QString& note() const { return note_; }
 
     QSize sizeHint() const override;
 

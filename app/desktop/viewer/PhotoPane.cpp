@@ -29,7 +29,11 @@ PhotoPane::PhotoPane(MainWindow& window, PhotoFeed::Neighbours neighbours)
         describe();
     });
     zoomed_ = view_->zoomed.connect([this] { showNote(); });
-    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange&) { describe(); });
+    storeChanged_ = desktop_.store().changed.connect([this](const LibraryChange& change) {
+        describe();
+        if (change.list) // the photo may have another place in it
+            showNote();
+    });
     describe();
 }
 

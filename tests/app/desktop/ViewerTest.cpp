@@ -24,6 +24,23 @@
 
 namespace korvo {
 
+TEST(Viewer, tellsWhereThePhotoIsInTheListAlsoWhenThatChanges)
+{
+    PhotoWindow t;
+    for (const auto* const name : {"a.png", "b.png", "c.png"})
+        t.addFile(name);
+    t.store().select({1});
+    t.desktop->browser().setMode(ViewMode::viewer);
+    const auto isTold = [&](const char* place) {
+        const auto bars = t.parts<MarksBar>();
+        return std::ranges::any_of(
+            bars, [&](const MarksBar* bar) { return bar->isVisible() && bar->note().endsWith(place); });
+    };
+    EXPECT_TRUE(isTold("1 of 3"));
+    setRating(t.store(), std::vector<PhotoID>{3}, -1);
+    EXPECT_TRUE(isTold("1 of 2"));
+}
+
 TEST(Viewer, keysZoomAndMoveAPhotoAbout)
 {
     PhotoWindow t;
