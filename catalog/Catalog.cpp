@@ -56,4 +56,16 @@ Catalog::Catalog(const std::filesystem::path& folder, const Clock& clock)
     repairOldStacks(database_);
 }
 
+Catalog::Catalog(std::filesystem::path folder, Database database)
+    : folder_(std::move(folder)), database_(std::move(database))
+{ }
+
+Catalog Catalog::beside() const
+{
+    Catalog catalog(folder_, changingConnection());
+    catalog.database_.exec(
+        "PRAGMA cache_size = -65536"); // KiB: what changes many rows needs most pages twice
+    return catalog;
+}
+
 } // namespace korvo

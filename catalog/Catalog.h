@@ -47,6 +47,7 @@ public:
     Database changingConnection() const { return Database(folder_ / "catalog.sqlite"); }
     /// A further connection, for long reading beside everything else. Throws DatabaseError.
     Database lookingConnection() const { return Database::openForALook(folder_ / "catalog.sqlite"); }
+    Catalog beside() const; ///< the same library by a changingConnection() of its own
 
     // Photos (CatalogPhotos.cpp)
     AddedRow addPhoto(const NewPhoto& photo);
@@ -190,6 +191,7 @@ public:
     std::size_t countMatching(const SmartAlbumRules& rules, const std::stop_token& stop = {}) const;
 
 private:
+    Catalog(std::filesystem::path folder, Database database);
     std::filesystem::path folder_;
     Database database_;
 };

@@ -3,6 +3,8 @@
 #include "base/Text.h"
 #include "catalog/Catalog.h"
 
+#include <algorithm>
+
 namespace korvo {
 
 /// Runs a statement that is to change the row of an id. Throws NotFoundError when there is none.
@@ -21,10 +23,12 @@ void changeRow(
 template <typename Bind>
 void changeEach(Database& database, std::string_view sql, std::span<const PhotoID> ids, Bind bind)
 {
+    std::vector<PhotoID> inOrder(ids.begin(), ids.end()); // as the rows lie
+    std::sort(inOrder.begin(), inOrder.end());
     Transaction transaction(database);
     {
         auto statement = database.kept(sql);
-        for (const PhotoID id : ids) {
+        for (const PhotoID id : inOrder) {
             bind(statement, id);
             statement.run();
         }

@@ -20,7 +20,12 @@ Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clo
           PreviewCache::usualBound(store().catalog().previewsFolder()), clock),
       browser_(store()), search_(store()), pictures_(main, tools_.reader, previewCache_),
       decoded_(main, tools_.reader), renders_(main), draft_(store(), browser_),
-      faceModel_(main, downloader_, applicationDataFolder()), jobs_(main)
+      faceModel_(main, downloader_, applicationDataFolder()), jobs_(main),
+      storeChanged_(store().changed.connect([this](const LibraryChange& change) {
+          if (change.takenOut > 0)
+              sayTakenOut(change.takenOut);
+      })),
+      stepEnded_(store().stepEnded.connect([this](const auto& fault) { stepEnded(fault); }))
 { }
 
 VolumeWatcher& Desktop::volumes()
@@ -32,8 +37,8 @@ VolumeWatcher& Desktop::volumes()
 
 bool Desktop::isBusy()
 {
-    return store().isReading() || store().isOrdering() || store().isCounting() || pictures_.waiting() > 0
-        || decoded_.isBusy() || renders_.isBusy() || !jobs_.running().empty();
+    return store().isReading() || store().isOrdering() || store().isCounting() || store().longStep()
+        || pictures_.waiting() > 0 || decoded_.isBusy() || renders_.isBusy() || !jobs_.running().empty();
 }
 
 void Desktop::beginAttempt()
@@ -46,9 +51,14 @@ void Desktop::beginAttempt()
 
 void Desktop::endAttempt()
 {
+    if (--attempts_ == 0)
+        offerUndo();
+}
+
+void Desktop::offerUndo()
+{
     const auto photos = store().undoPhotos();
-    if (--attempts_ == 0 && !hasSpoken_ && store().undoStep() > newestBefore_
-        && photos > photosBeforeUndoIsOffered)
+    if (!hasSpoken_ && store().undoStep() > newestBefore_ && photos > photosBeforeUndoIsOffered)
         say(*store().undoTitle() + ": " + counted(photos, "photo") + ".", Offer::undo);
 }
 
@@ -65,13 +75,20 @@ void Desktop::say(std::string text, Offer offer)
         offer == Offer::undo && step > newestBefore_ ? step : std::nullopt});
 }
 
-void Desktop::undo()
+void Desktop::sayTakenOut(std::size_t photos)
 {
-    if (const auto photos = browser_.undo(); photos > 0)
-        notify({Notice::Kind::note,
-            "Took " + counted(photos, "photo") + " out of the library. "
-                + (photos == 1 ? "Its file stays." : "Their files stay."),
-            std::nullopt, store().redoStep()});
+    notify({Notice::Kind::note,
+        "Took " + counted(photos, "photo") + " out of the library. "
+            + (photos == 1 ? "Its file stays." : "Their files stay."),
+        std::nullopt, store().redoStep()});
+}
+
+void Desktop::stepEnded(const std::exception_ptr& fault)
+{
+    if (fault)
+        return attempt([&] { std::rethrow_exception(fault); });
+    hasSpoken_ = false;
+    offerUndo();
 }
 
 void Desktop::fail(const std::exception& error)

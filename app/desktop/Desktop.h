@@ -68,9 +68,6 @@ public:
     /// Shows a line that goes after five seconds, with a button that takes back what the attempt that says so
     /// did, if that is offered and anything was done.
     void say(std::string text, Offer offer = Offer::nothing);
-    /// Takes the last action back. When photos leave the library by that, says how many, and offers to bring
-    /// them back.
-    void undo();
     /// Shows what went wrong, as a sentence; it stays until it is clicked away.
     void fail(const std::exception& error);
     /// Does something that the user asked for, and shows what goes wrong with it. When it has changed many
@@ -90,6 +87,10 @@ public:
 private:
     void beginAttempt();
     void endAttempt();
+    void offerUndo();
+    /// Says how many photos undo took out of the library, and offers to bring them back.
+    void sayTakenOut(std::size_t photos);
+    void stepEnded(const std::exception_ptr& fault);
     void notify(const Notice& notice);
 
     QtMainThread& main_;
@@ -113,6 +114,7 @@ private:
     int attempts_ = 0; // one within the other
     std::uint64_t newestBefore_ = 0; // step of the store when the outermost of them began
     bool hasSpoken_ = false; // since then
+    Connection storeChanged_, stepEnded_;
 };
 
 } // namespace korvo

@@ -20,7 +20,8 @@ PhotoID shownAt(const PhotoList& list, std::size_t place)
 
 Browser::Browser(LibraryStore& store)
     : store_(store),
-      storeChanged_(store.changed.connect([this](const LibraryChange& change) { storeChanged(change); }))
+      storeChanged_(store.changed.connect([this](const LibraryChange& change) { storeChanged(change); })),
+      stepEnded_(store.stepEnded.connect([this](const auto&) { leaveGoneSource(); }))
 { }
 
 void Browser::setMode(ViewMode mode)
@@ -92,14 +93,13 @@ void Browser::leaveGoneSource()
     }
 }
 
-std::size_t Browser::undo()
+void Browser::undo()
 {
-    const auto takenOut = undoTogether();
+    undoTogether();
     leaveGoneSource();
-    return takenOut;
 }
 
-std::size_t Browser::undoTogether()
+void Browser::undoTogether()
 {
     if (mode_ != ViewMode::survey)
         return store_.undo();
@@ -108,12 +108,11 @@ std::size_t Browser::undoTogether()
     const auto connection = store_.changed.connect([&](const LibraryChange& change) {
         touched.insert(touched.end(), change.photos.begin(), change.photos.end());
     });
-    const auto takenOut = store_.undo();
+    store_.undo();
     const auto& cameBack = touched.empty() ? store_.selection() : touched;
     if (cameBack.size() <= mostSurveyed) // else there is no survey in it
         together.insert(together.end(), cameBack.begin(), cameBack.end());
     selectShown(std::move(together));
-    return takenOut;
 }
 
 void Browser::redo()

@@ -38,7 +38,7 @@ public:
 
     /// The store's undo, which selects what it touched. A survey keeps what it shows, and takes that along.
     /// A source that is gone by it is left for all photos.
-    std::size_t undo();
+    void undo();
     /// The store's redo. A survey keeps what it shows.
     void redo();
 
@@ -53,7 +53,7 @@ public:
 
 private:
     void leaveGoneSource();
-    std::size_t undoTogether();
+    void undoTogether();
     bool listsVersions() const;
     void selectShown(std::vector<PhotoID> ids);
     void storeChanged(const LibraryChange& change);
@@ -71,7 +71,7 @@ private:
     };
     Left leftForVersions_;
     std::size_t place_ = 0; // of the current photo among the shown ones, as it was last
-    Connection storeChanged_;
+    Connection storeChanged_, stepEnded_;
 };
 
 } // namespace korvo

@@ -95,17 +95,18 @@ void setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark)
         if (after.flagged != item->flagged)
             byFlag[after.flagged].push_back(item->id);
     }
-    store.perform(titleOf(mark, takenBack), [&](Catalog& catalog) {
+    const auto change = [byRating, byFlag](Catalog& catalog) {
         for (const auto& [rating, photos] : byRating)
             catalog.setRating(photos, rating);
         for (const auto& [flagged, photos] : byFlag)
             catalog.setFlagged(photos, flagged);
-    });
+    };
+    store.perform(titleOf(mark, takenBack), change, ids.size());
 }
 
 void flag(LibraryStore& store, std::span<const PhotoID> ids)
 {
-    store.perform("Flag", [&](Catalog& catalog) {
+    const auto change = [ids = std::vector(ids.begin(), ids.end())](Catalog& catalog) {
         std::map<int, std::vector<PhotoID>> rejected; // by the stars beneath
         for (const auto& item : catalog.photosByID(ids))
             if (item.isRejected())
@@ -113,7 +114,8 @@ void flag(LibraryStore& store, std::span<const PhotoID> ids)
         for (const auto& [rating, photos] : rejected)
             catalog.setRating(photos, rating);
         catalog.setFlagged(ids, true);
-    });
+    };
+    store.perform("Flag", change, ids.size());
 }
 
 void clickMark(LibraryStore& store, std::span<const PhotoID> ids, const MarkPart& part)

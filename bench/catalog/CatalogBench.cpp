@@ -1,9 +1,11 @@
-// bench_catalog [groups] [PHOTOS...]: loading libraries of so many photos (100000 and 1000000 without
+// bench_catalog [groups|steps] [PHOTOS...]: loading libraries of so many photos (100000 and 1000000 without
 // arguments), smart albums and stacking ("groups": these alone), inserting and rating, each beside what a
-// program would do that used SQLite directly, or beside the least that has to be done.
+// program would do that used SQLite directly, or beside the least that has to be done. "steps": how long
+// actions on 100000 photos hold the main thread.
 
 #include "bench/catalog/BareLoops.h"
 #include "bench/catalog/GroupBench.h"
+#include "bench/catalog/StepBench.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadeLibrary.h"
 #include "catalog/PhotoRows.h"
@@ -131,25 +133,29 @@ int main(int argc, char** argv)
 {
     using namespace korvo::bench;
     std::vector<std::size_t> sizes{100'000, 1'000'000};
-    const int firstSize = argc > 1 && std::string_view(argv[1]) == "groups" ? 2 : 1;
+    const std::string_view alone = argc > 1 && !std::isdigit(argv[1][0]) ? argv[1] : "";
+    const int firstSize = alone.empty() ? 1 : 2;
     if (argc > firstSize)
         sizes.clear();
     for (int i = firstSize; i < argc; ++i)
         sizes.push_back(std::strtoull(argv[i], nullptr, 10));
     const auto folder = fs::temp_directory_path() / "korvo-bench";
-    if (firstSize == 2) {
-        for (const auto size : sizes)
+    const std::string_view all;
+    for (const auto size : sizes)
+        if (alone == all)
+            compareMemory(libraryOf(folder, size), size);
+    for (const auto size : sizes)
+        if (alone == all)
+            compareLoading(libraryOf(folder, size), size);
+    for (const auto size : sizes)
+        if (alone == all || alone == "groups")
             compareGroups(libraryOf(folder, size));
-        fs::remove_all(folder);
-        return 0;
+    for (const auto size : sizes)
+        if (alone == "steps")
+            reportSteps(libraryOf(folder, size), 100'000);
+    if (alone == all) {
+        compareInserting(folder);
+        compareRating(libraryOf(folder, 100'000));
     }
-    for (const auto size : sizes)
-        compareMemory(libraryOf(folder, size), size);
-    for (const auto size : sizes)
-        compareLoading(libraryOf(folder, size), size);
-    for (const auto size : sizes)
-        compareGroups(libraryOf(folder, size));
-    compareInserting(folder);
-    compareRating(libraryOf(folder, 100'000));
     fs::remove_all(folder);
 }

@@ -148,8 +148,10 @@ Transaction::Transaction(Database& database, std::chrono::milliseconds patience)
 {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::milliseconds longestPause{20};
-    const auto end = Clock::now() + patience;
+    auto end = Clock::now() + patience;
     for (std::chrono::milliseconds pause{1}; !tryToBegin(); pause = std::min(2 * pause, longestPause)) {
+        if (patience >= Database::busyPatience && LongWrite::isAny())
+            end = Clock::now() + patience;
         if (Clock::now() >= end)
             throw DatabaseError::step(sqlite3_errstr(SQLITE_BUSY), "BEGIN IMMEDIATE", SQLITE_BUSY);
         std::this_thread::sleep_for(pause);
@@ -169,6 +171,12 @@ try {
     if (error.primaryCode() != SQLITE_BUSY)
         throw;
     return false;
+}
+
+std::atomic<int>& LongWrite::count()
+{
+    static std::atomic<int> running = 0;
+    return running;
 }
 
 Transaction::~Transaction()

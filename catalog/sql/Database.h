@@ -2,6 +2,7 @@
 
 #include "catalog/sql/Statement.h"
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -145,6 +146,21 @@ private:
     std::optional<ConnectionLock> lock_;
     bool nested_ = false;
     bool open_ = true;
+};
+
+/// Lives in a transaction that may take long. What this process writes itself is no reason to give up: a
+/// transaction of another of its connections that waits as long as busyPatience waits for the end of it.
+class LongWrite {
+public:
+    LongWrite() { ++count(); }
+    ~LongWrite() { --count(); }
+    LongWrite(const LongWrite&) = delete;
+    LongWrite& operator=(const LongWrite&) = delete;
+
+    static bool isAny() { return count() > 0; }
+
+private:
+    static std::atomic<int>& count();
 };
 
 /// Runs a kept statement as a Transaction of its own: by itself it would hold the connection while it waits

@@ -49,7 +49,7 @@ bool DatabaseError::mayPass() const
 std::string DatabaseError::textForUser() const
 {
     const auto* const trouble = troubleOf(*this);
-    if (!trouble)
+    if (!trouble || (which_ == Case::step && sql_.empty())) // the latter says all by itself
         return what();
     return (which_ == Case::open ? what() + std::string(".") : trouble->what) + " " + trouble->toDo;
 }
@@ -74,6 +74,12 @@ DatabaseError DatabaseError::outdated(
 {
     return {Case::step, failed.message(), failed.sql(), failed.code(),
         "\"" + title + "\" cannot be " + done + ": the library has changed since."};
+}
+
+DatabaseError DatabaseError::occupied(const std::string& title)
+{
+    return {Case::step, sqlite3_errstr(SQLITE_BUSY), {}, SQLITE_BUSY,
+        "“" + title + "” is not done yet. Try again when it is."};
 }
 
 } // namespace korvo

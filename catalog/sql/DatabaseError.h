@@ -19,6 +19,8 @@ public:
     /// What was to be done, "undone", cannot stand beside what is there now. `failed` is what showed it.
     static DatabaseError outdated(
         const std::string& title, const std::string& done, const DatabaseError& failed);
+    /// The library is being written by this program itself: "Set Rating" is not over.
+    static DatabaseError occupied(const std::string& title);
 
     Case which() const { return which_; }
     /// SQLite's result code; 0 when it was not SQLite that failed.

@@ -7,15 +7,28 @@
 
 namespace korvo {
 
+namespace {
+
+/// For changes that may run after the call.
+std::vector<PhotoID> owned(std::span<const PhotoID> ids)
+{
+    return {ids.begin(), ids.end()};
+}
+
+} // namespace
+
 void setRating(LibraryStore& store, std::span<const PhotoID> ids, int rating)
 {
     store.perform(
-        rating < 0 ? "Reject" : "Set Rating", [&](Catalog& catalog) { catalog.setRating(ids, rating); });
+        rating < 0 ? "Reject" : "Set Rating",
+        [ids = owned(ids), rating](Catalog& catalog) { catalog.setRating(ids, rating); }, ids.size());
 }
 
 void setLabel(LibraryStore& store, std::span<const PhotoID> ids, PhotoLabel label)
 {
-    store.perform("Set Label", [&](Catalog& catalog) { catalog.setLabel(ids, label); });
+    store.perform(
+        "Set Label", [ids = owned(ids), label](Catalog& catalog) { catalog.setLabel(ids, label); },
+        ids.size());
 }
 
 void setMetadataField(
@@ -24,13 +37,16 @@ void setMetadataField(
     const auto& [title, value, member, undoTitle] = metadataFields()[field];
     MetadataChange change;
     change.*member = text;
-    store.perform(std::string(undoTitle),
-        [&](Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); });
+    store.perform(
+        std::string(undoTitle),
+        [ids = owned(ids), change](
+            Catalog& catalog) { catalog.changeMetadata(ids, change, WriteBack::pending); },
+        ids.size());
 }
 
 void editKeywords(LibraryStore& store, std::span<const PhotoID> ids, const KeywordEdit& edit)
 {
-    store.perform(std::string(metadataFields()[keywordsField].undoTitle), [&](Catalog& catalog) {
+    const auto change = [ids = owned(ids), edit](Catalog& catalog) {
         // As they are stored: the list may wait for what background work has changed.
         std::unordered_map<SharedText, std::vector<PhotoID>> byKeywords;
         for (const auto& item : catalog.photosByID(ids))
@@ -38,36 +54,40 @@ void editKeywords(LibraryStore& store, std::span<const PhotoID> ids, const Keywo
         for (const auto& [keywords, photos] : byKeywords)
             catalog.changeMetadata(
                 photos, {.keywords = SharedText(edit.appliedTo(keywords))}, WriteBack::pending);
-    });
+    };
+    store.perform(std::string(metadataFields()[keywordsField].undoTitle), change, ids.size());
 }
 
 void changeEdits(LibraryStore& store, std::string title, std::span<const PhotoID> ids,
     const std::function<void(PhotoEdits&)>& change)
 {
-    store.perform(std::move(title), [&](Catalog& catalog) {
+    const auto changeAll = [ids = owned(ids), change](Catalog& catalog) {
         std::map<std::string, std::vector<PhotoID>, std::less<>> byEdits; // most photos have none
-        for (const PhotoID id : ids) {
-            const auto* const listed = store.list().find(id);
-            const auto item = listed ? std::nullopt : catalog.photo(id);
-            if (listed || item)
-                byEdits[(listed ? *listed : *item).editsJSON.string()].push_back(id);
-        }
+        for (const auto& item : catalog.photosByID(ids))
+            byEdits[item.editsJSON.string()].push_back(item.id);
         for (const auto& [json, photos] : byEdits) {
             auto edits = json.empty() ? PhotoEdits() : fromJson<PhotoEdits>(json);
             change(edits);
             catalog.saveEdits(photos, edits);
         }
-    });
+    };
+    store.perform(std::move(title), changeAll, ids.size());
 }
 
 void removePhotos(LibraryStore& store, std::span<const PhotoID> ids)
 {
-    store.perform("Remove from Library", [&](Catalog& catalog) { catalog.deletePhotos(ids); });
+    store.perform(
+        "Remove from Library", [ids = owned(ids)](Catalog& catalog) { catalog.deletePhotos(ids); },
+        ids.size());
 }
 
 void removeFolder(LibraryStore& store, std::int64_t id)
 {
-    store.perform("Remove Folder from Library", [&](Catalog& catalog) { catalog.removeFolder(id); });
+    const auto photos
+        = store.catalog().database().scalar("SELECT COUNT(*) FROM photos WHERE folder_id = ?", id);
+    store.perform(
+        "Remove Folder from Library", [id](Catalog& catalog) { catalog.removeFolder(id); },
+        static_cast<std::size_t>(photos));
 }
 
 std::int64_t createProject(
@@ -96,7 +116,9 @@ void deleteProject(LibraryStore& store, std::int64_t id)
 
 void assignToProject(LibraryStore& store, std::span<const PhotoID> ids, std::optional<std::int64_t> project)
 {
-    store.perform("Move to Project", [&](Catalog& catalog) { catalog.assignToProject(ids, project); });
+    store.perform(
+        "Move to Project",
+        [ids = owned(ids), project](Catalog& catalog) { catalog.assignToProject(ids, project); }, ids.size());
 }
 
 std::int64_t createAlbum(LibraryStore& store, std::string_view name,
@@ -128,7 +150,9 @@ void deleteAlbum(LibraryStore& store, std::int64_t id)
 
 void addToAlbum(LibraryStore& store, std::int64_t album, std::span<const PhotoID> photos)
 {
-    store.perform("Add to Album", [&](Catalog& catalog) { catalog.addToAlbum(album, photos); });
+    store.perform(
+        "Add to Album", [album, ids = owned(photos)](Catalog& catalog) { catalog.addToAlbum(album, ids); },
+        photos.size());
 }
 
 void moveInAlbum(
@@ -139,7 +163,10 @@ void moveInAlbum(
 
 void removeFromAlbum(LibraryStore& store, std::int64_t album, std::span<const PhotoID> photos)
 {
-    store.perform("Remove from Album", [&](Catalog& catalog) { catalog.removeFromAlbum(album, photos); });
+    store.perform(
+        "Remove from Album",
+        [album, ids = owned(photos)](Catalog& catalog) { catalog.removeFromAlbum(album, ids); },
+        photos.size());
 }
 
 std::int64_t createKeyword(LibraryStore& store, std::string_view name, std::optional<std::int64_t> parent)

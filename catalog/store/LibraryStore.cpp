@@ -1,9 +1,5 @@
 #include "catalog/store/LibraryStore.h"
 
-#include "base/Text.h"
-#include "catalog/MetadataBase.h"
-#include "catalog/Stacks.h"
-
 #include <algorithm>
 #include <array>
 
@@ -11,14 +7,10 @@ namespace korvo {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> metadataColumns
-    = {"alt_text", "title", "caption", "keywords", "creator", "copyright"};
-/// Those that the sidebar counts.
-constexpr std::array<std::string_view, 3> countedColumns = {"alt_text", "dirty", "project_id"};
-
-template <std::size_t N>
-bool touches(const ChangedRows& rows, const std::array<std::string_view, N>& columns)
+/// Whether photos got other values of what the sidebar counts.
+bool touchesCounts(const ChangedRows& rows)
 {
+    constexpr std::array<std::string_view, 3> columns = {"alt_text", "dirty", "project_id"};
     return std::any_of(columns.begin(), columns.end(),
         [&](std::string_view column) { return rows.photoColumns.contains(column); });
 }
@@ -110,171 +102,6 @@ void LibraryStore::chooseSource(std::optional<LibrarySource> source)
     changed.emit({.photos = {}, .list = true, .tree = tree, .selection = selected});
 }
 
-LibraryStore::Recorded LibraryStore::recorded(const std::function<void(Catalog&)>& change)
-{
-    Transaction transaction(catalog_->database(), writePatience);
-    const ChangeRecorder recorder(catalog_->database());
-    change(*catalog_);
-    Recorded done{recorder.changes(), {}};
-    done.rows = changedRows(catalog_->database(), done.changes);
-    transaction.commit();
-    return done;
-}
-
-void LibraryStore::perform(std::string title, const std::function<void(Catalog&)>& change)
-{
-    main_.assertCurrent();
-    auto [changes, rows] = recorded(change);
-    if (changes.empty())
-        return;
-    history_.add({.title = std::move(title),
-        .changes = std::move(changes),
-        .photos = rows.updated.size() + rows.inserted.size() + rows.deleted.size(),
-        .added = {}});
-    publish(std::move(rows));
-}
-
-void LibraryStore::adopt(std::string_view verb, AddedRows added, std::uint64_t since)
-{
-    main_.assertCurrent();
-    if (added.areThere())
-        history_.addBehind(since,
-            {.title = std::string(verb) + " " + counted(added.photos.size(), "Photo"),
-                .changes = {},
-                .added = std::move(added)});
-    reload();
-}
-
-void LibraryStore::adopt(std::string title, std::function<void(UndoWay)> retrace, std::uint64_t since)
-{
-    main_.assertCurrent();
-    history_.addBehind(
-        since, {.title = std::move(title), .changes = {}, .added = {}, .retrace = std::move(retrace)});
-    changed.emit({});
-}
-
-std::optional<std::uint64_t> LibraryStore::undoStep() const
-{
-    const UndoStep* const step = history_.toUndo();
-    return step ? std::optional(step->number) : std::nullopt;
-}
-
-std::optional<std::uint64_t> LibraryStore::redoStep() const
-{
-    const UndoStep* const step = history_.toRedo();
-    return step ? std::optional(step->number) : std::nullopt;
-}
-
-std::optional<std::string> LibraryStore::undoTitle() const
-{
-    const UndoStep* const step = history_.toUndo();
-    return step ? std::optional(step->title) : std::nullopt;
-}
-
-std::size_t LibraryStore::undoPhotos() const
-{
-    const UndoStep* const step = history_.toUndo();
-    return step ? step->photos : 0;
-}
-
-std::optional<std::string> LibraryStore::redoTitle() const
-{
-    const UndoStep* const step = history_.toRedo();
-    return step ? std::optional(step->title) : std::nullopt;
-}
-
-void LibraryStore::attempt(UndoWay way, const std::function<void()>& step)
-{
-    try {
-        step();
-    } catch (const DatabaseError& error) {
-        if (error.mayPass())
-            throw;
-        const auto title = (way == UndoWay::back ? history_.toUndo() : history_.toRedo())->title;
-        way == UndoWay::back ? history_.forgetUndo()
-                             : history_.forgetRedo(); // those behind it can still be taken
-        if (error.primaryCode() == SQLITE_CONSTRAINT)
-            throw DatabaseError::outdated(title, way == UndoWay::back ? "undone" : "done again", error);
-        throw;
-    }
-}
-
-std::size_t LibraryStore::undo()
-{
-    main_.assertCurrent();
-    const UndoStep* const step = history_.toUndo();
-    if (step && step->added.areThere())
-        return takeOut(step->added);
-    if (step && step->retrace) {
-        step->retrace(UndoWay::back);
-        history_.undone();
-        changed.emit({});
-    } else if (step)
-        takeStep(step->changes.inverted(), UndoWay::back);
-    return 0;
-}
-
-void LibraryStore::redo()
-{
-    main_.assertCurrent();
-    const UndoStep* const step = history_.toRedo();
-    if (step && step->retrace) {
-        step->retrace(UndoWay::forth);
-        history_.redone();
-        changed.emit({});
-    } else if (step)
-        takeStep(step->changes, UndoWay::forth);
-}
-
-std::size_t LibraryStore::takeOut(const AddedRows& added)
-{
-    Recorded taken;
-    Changeset redo;
-    attempt(UndoWay::back, [&] {
-        Transaction transaction(catalog_->database(), writePatience);
-        taken = recorded([&](Catalog& catalog) { catalog.takeOut(added); });
-        redo = taken.changes.inverted();
-        transaction.commit();
-    });
-    history_.undone(std::move(redo));
-    const auto photos = taken.rows.deleted.size();
-    publish(std::move(taken.rows));
-    return photos;
-}
-
-void LibraryStore::takeStep(const Changeset& changes, UndoWay way)
-{
-    const auto touched = changedRows(catalog_->database(), changes);
-    ChangedRows rows;
-    attempt(way, [&] { rows = replay(changes, touched); });
-    way == UndoWay::back ? history_.undone() : history_.redone();
-    const bool bringsBack = way == UndoWay::back && !touched.inserted.empty();
-    publish(std::move(rows), bringsBack ? touched.inserted : touched.updated);
-}
-
-ChangedRows LibraryStore::replay(const Changeset& changes, const ChangedRows& touched)
-{
-    Database& database = catalog_->database();
-    Transaction transaction(database, writePatience);
-    const ChangeRecorder recorder(database);
-    if (touches(touched, metadataColumns))
-        keepMetadataBase(database, touched.updated);
-    apply(database, changes);
-    // The file may have been written meanwhile; only a further write makes sure that it holds these values.
-    if (touches(touched, metadataColumns))
-        catalog_->markDirty(touched.updated);
-    // Others may have stacked the photos anew: their stacks lose them now.
-    if (touched.stacks)
-        repairStacks(database, changedRows(database, recorder.changes()).stackIDs);
-    auto rows = changedRows(database, recorder.changes());
-    transaction.commit();
-    // What others had brought to the same state already may still be shown in its old one.
-    rows.updated.insert(rows.updated.end(), touched.updated.begin(), touched.updated.end());
-    std::sort(rows.updated.begin(), rows.updated.end());
-    rows.updated.erase(std::unique(rows.updated.begin(), rows.updated.end()), rows.updated.end());
-    return rows;
-}
-
 void LibraryStore::photosChanged(std::span<const PhotoID> ids)
 {
     main_.assertCurrent();
@@ -309,14 +136,14 @@ void LibraryStore::reloadIfChangedElsewhere()
     }
 }
 
-void LibraryStore::publish(ChangedRows rows, std::span<const PhotoID> select)
+void LibraryStore::publish(ChangedRows rows, std::span<const PhotoID> select, std::size_t takenOut)
 {
     merge(rows, std::exchange(late_, {}));
     LibraryChange change;
+    change.takenOut = takenOut;
     change.photos = rows.updated;
-    change.metadata = touches(rows, metadataColumns);
-    change.tree
-        = rows.tree || !rows.inserted.empty() || !rows.deleted.empty() || touches(rows, countedColumns);
+    change.metadata = touchesMetadata(rows);
+    change.tree = rows.tree || !rows.inserted.empty() || !rows.deleted.empty() || touchesCounts(rows);
     if (change.tree)
         treeChanged();
     const auto first = firstSelectedPosition();

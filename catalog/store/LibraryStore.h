@@ -5,24 +5,16 @@
 #include "catalog/Catalog.h"
 #include "catalog/CommonMetadata.h"
 #include "catalog/MetadataChange.h"
+#include "catalog/store/LibraryChange.h"
 #include "catalog/store/ListReading.h"
 #include "catalog/store/PhotoCounter.h"
-#include "catalog/store/UndoHistory.h"
+#include "catalog/store/Steps.h"
 
 #include <chrono>
 #include <memory>
 #include <unordered_map>
 
 namespace korvo {
-
-/// What a change of the store's state touched.
-struct LibraryChange {
-    std::vector<PhotoID> photos; // with new values
-    bool list = false; // which photos are shown, or in which order
-    bool tree = false; // the sidebar: folders, projects, albums, counts
-    bool selection = false;
-    bool metadata = false; // the user changed descriptive fields
-};
 
 /// The open library as the views see it: the current source, its photos, the selection, and everything the
 /// user does to them. Each action is one transaction, one step of undo, and one published change; one that
@@ -40,6 +32,8 @@ public:
 
     Catalog& catalog() { return *catalog_; }
     Signal<const LibraryChange&> changed;
+    /// A step that was not waited for has ended; with what it failed of, if it did.
+    Signal<std::exception_ptr> stepEnded;
 
     // What is shown
     const PhotoList& list() const { return list_; }
@@ -78,8 +72,12 @@ public:
     void select(std::vector<PhotoID> ids);
 
     /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
-    /// likes.
-    void perform(std::string title, const std::function<void(Catalog&)>& change);
+    /// likes. One of many photos, as undo and redo of such, runs on another thread, and must own all that it
+    /// uses; it is not waited for longer than for a list. Until it has ended nothing else is done, and
+    /// throws.
+    void perform(std::string title, std::function<void(Catalog&)> change, std::size_t photos = 0);
+    /// The title of the step that is running so; null when none is.
+    const std::string* longStep() const { return longStep_ ? &longStep_->title : nullptr; }
 
     /// Reads the current source again after a job has added something, which becomes one action, "Import 24
     /// Photos": undo does Catalog::takeOut, the files stay, and redo brings everything back as it was then.
@@ -103,8 +101,7 @@ public:
     /// Takes the last action back, or does it again, and selects the photos it touched. Nothing happens when
     /// there is none; a step that can no longer be taken is forgotten, and DatabaseError thrown. Metadata
     /// that comes back waits to be written into the files again.
-    /// Undo returns how many photos it took out of the library with what had been added.
-    std::size_t undo();
+    void undo();
     void redo();
 
     /// Publishes changes that were made to these photos beside the store, by background work.
@@ -157,22 +154,20 @@ private:
     std::optional<std::size_t> firstSelectedPosition() const;
 
     void treeChanged();
-    struct Recorded {
-        Changeset changes;
-        ChangedRows rows;
-    };
-    /// Makes a change in a transaction of its own and returns what it did.
-    Recorded recorded(const std::function<void(Catalog&)>& change);
-    /// Takes the step that is next on this way; forgets it when it can never be taken.
-    void attempt(UndoWay way, const std::function<void()>& step);
-    /// Takes back that these were added; returns how many photos left the library.
-    std::size_t takeOut(const AddedRows& added);
-    /// Makes the changes of the step that is next on this way.
-    void takeStep(const Changeset& changes, UndoWay way);
-    /// Makes the changes, which touch these rows, again, and returns what really happened.
-    ChangedRows replay(const Changeset& changes, const ChangedRows& touched);
+
+    // Steps (LibraryStoreSteps.cpp)
+    enum class Where { here, beside };
+    /// Does something to the catalog, here or on another thread, and ends it here.
+    void make(std::string title, Where where, MakeStep making, EndStep ending);
+    void endLongStep();
+    void longStepArrived();
+    void requireNoLongStep();
+    /// What came of the step that is next on this way; forgets it when it can never be taken.
+    StepDone attempt(UndoWay way, const TakeStep& take);
+    void takeOut(const UndoStep& step);
+    void takeStep(const UndoStep& step, UndoWay way);
     /// Brings the list up to date with what changed, and publishes it. `select` names photos to select.
-    void publish(ChangedRows rows, std::span<const PhotoID> select = {});
+    void publish(ChangedRows rows, std::span<const PhotoID> select = {}, std::size_t takenOut = 0);
 
     MainThread& main_;
     std::unique_ptr<Catalog> catalog_;
@@ -191,7 +186,9 @@ private:
     PhotoCounter counter_;
     std::unique_ptr<ListReading> reading_;
     ChangedRows late_; // what background work changed while ordering_ looks at the list, which thus stands
-    std::unique_ptr<Background<PhotoList::Order>> ordering_; // of list_; last, so that it ends first
+    std::unique_ptr<Background<PhotoList::Order>> ordering_; // of list_; ends before it
+    std::vector<std::function<void()>> toAdopt_; // once the long step has ended
+    std::unique_ptr<LongStep> longStep_; // of history_; last, so that it ends first
 };
 
 } // namespace korvo

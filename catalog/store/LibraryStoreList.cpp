@@ -12,7 +12,7 @@ namespace {
 
 using Kind = LibrarySource::Kind;
 
-constexpr std::size_t fewPhotos = 20'000; // to be put in order, or freed, at once
+constexpr std::size_t fewPhotos = 20'000; // to be read, put in order, or freed, at once
 
 } // namespace
 
@@ -184,6 +184,8 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
 
 bool LibraryStore::updateList(const ChangedRows& rows)
 {
+    if (rows.updated.size() + rows.inserted.size() > fewPhotos) // reading all again keeps nobody waiting
+        return load(source_) == Shown::yes;
     if (reading_)
         merge(reading_->since, rows);
     if (mustReload(rows)) {

@@ -239,7 +239,7 @@ void MainWindow::makeCommands()
     commands_.handle(Command::escape, [this] { leaveFieldOrCentre(); });
     commands_.handle(Command::nextPhoto, [&browser] { browser.step(1); });
     commands_.handle(Command::previousPhoto, [&browser] { browser.step(-1); });
-    commands_.handle(Command::undo, [this] { desktop_.undo(); });
+    commands_.handle(Command::undo, [this] { desktop_.browser().undo(); });
     commands_.handle(Command::redo, [this] { desktop_.browser().redo(); });
     commands_.handle(Command::quit, [this] { close(); });
     commands_.handle(Command::hideSides, [this] { toggleSides(); });

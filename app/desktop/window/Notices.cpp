@@ -89,7 +89,7 @@ void Notices::takeOffer()
         if (isRedo)
             desktop_.browser().redo();
         else
-            desktop_.undo();
+            desktop_.browser().undo();
     });
 }
 

@@ -124,6 +124,8 @@ void StatusLine::showCounts()
     }
     if (selected > 0)
         text += ", " + number(selected) + " selected";
+    if (const auto* const step = desktop_.store().longStep())
+        text += " – " + qt(*step) + "…";
     counts_->setText(text);
 }
 

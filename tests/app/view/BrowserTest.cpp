@@ -187,4 +187,15 @@ TEST(Browser, leavesASourceThatUndoOrRedoTookAway)
     EXPECT_EQ(t.store->source(), std::nullopt);
 }
 
+TEST(Browser, leavesASourceThatGoesByAStepThatTakesLong)
+{
+    TestBrowser t(std::chrono::milliseconds(0));
+    const auto folder = t.store->catalog().addFolder("/photos", 1).id;
+    t.store->adopt("Add", {IDs(3000, 1), {folder}, {}}, t.store->newestStep());
+    t.store->chooseSource(LibrarySource{LibrarySource::Kind::folder, folder, {}});
+    t.browser->undo();
+    ASSERT_TRUE(t.main.runUntil([&] { return !t.store->longStep(); }));
+    EXPECT_EQ(t.store->source(), std::nullopt);
+}
+
 } // namespace korvo

@@ -1,0 +1,201 @@
+#include "base/Text.h"
+#include "catalog/store/LibraryStore.h"
+
+namespace korvo {
+
+namespace {
+
+// What takes about 100 ms.
+constexpr std::size_t mostPhotosAtOnce = 2'000;
+constexpr std::size_t mostBytesAtOnce = std::size_t{512} << 10; // of changes
+
+} // namespace
+
+void LibraryStore::make(std::string title, Where where, MakeStep making, EndStep ending)
+{
+    if (where == Where::here)
+        return ending([&] { return making(*catalog_, writePatience); });
+    longStep_ = std::make_unique<LongStep>(std::move(title),
+        Background<StepDone>(
+            main_,
+            [&catalog = *catalog_, making = std::move(making)](const std::stop_token&) {
+                auto own = catalog.beside();
+                return making(own, Database::busyPatience);
+            },
+            [this] { longStepArrived(); }),
+        std::move(ending));
+    if (longStep_->work.waitFor(patience_))
+        endLongStep();
+    else
+        changed.emit({});
+}
+
+void LibraryStore::endLongStep()
+{
+    const auto step = std::exchange(longStep_, nullptr);
+    step->ending([&] { return step->work.take(); });
+}
+
+void LibraryStore::longStepArrived()
+{
+    main_.assertCurrent();
+    std::exception_ptr fault;
+    try {
+        endLongStep();
+    } catch (...) { // whoever began it went on long ago
+        fault = std::current_exception();
+    }
+    changed.emit({});
+    stepEnded.emit(fault);
+    for (const auto& adopt : std::exchange(toAdopt_, {}))
+        adopt();
+}
+
+void LibraryStore::requireNoLongStep()
+{
+    main_.assertCurrent();
+    if (longStep_ && longStep_->work.waitFor(writePatience))
+        longStepArrived();
+    if (longStep_)
+        throw DatabaseError::occupied(longStep_->title);
+}
+
+void LibraryStore::perform(std::string title, std::function<void(Catalog&)> change, std::size_t photos)
+{
+    requireNoLongStep();
+    make(
+        title, photos > mostPhotosAtOnce ? Where::beside : Where::here,
+        [change = std::move(change)](
+            Catalog& catalog, auto patience) { return madeChange(catalog, patience, change); },
+        [this, title](const TakeStep& take) {
+            auto [changes, rows, toSelect] = take();
+            if (changes.empty())
+                return;
+            history_.add({.title = title,
+                .changes = std::move(changes),
+                .photos = rows.updated.size() + rows.inserted.size() + rows.deleted.size(),
+                .added = {}});
+            publish(std::move(rows));
+        });
+}
+
+void LibraryStore::adopt(std::string_view verb, AddedRows added, std::uint64_t since)
+{
+    main_.assertCurrent();
+    if (longStep_) // which is the newest, or the one that is taken next, to its end
+        return toAdopt_.push_back([=, this, verb = std::string(verb)] { adopt(verb, added, since); });
+    if (added.areThere())
+        history_.addBehind(since,
+            {.title = std::string(verb) + " " + counted(added.photos.size(), "Photo"),
+                .changes = {},
+                .added = std::move(added)});
+    reload();
+}
+
+void LibraryStore::adopt(std::string title, std::function<void(UndoWay)> retrace, std::uint64_t since)
+{
+    main_.assertCurrent();
+    if (longStep_)
+        return toAdopt_.push_back([=, this] { adopt(title, retrace, since); });
+    history_.addBehind(
+        since, {.title = std::move(title), .changes = {}, .added = {}, .retrace = std::move(retrace)});
+    changed.emit({});
+}
+
+std::optional<std::uint64_t> LibraryStore::undoStep() const
+{
+    const UndoStep* const step = history_.toUndo();
+    return step ? std::optional(step->number) : std::nullopt;
+}
+
+std::optional<std::uint64_t> LibraryStore::redoStep() const
+{
+    const UndoStep* const step = history_.toRedo();
+    return step ? std::optional(step->number) : std::nullopt;
+}
+
+std::optional<std::string> LibraryStore::undoTitle() const
+{
+    const UndoStep* const step = history_.toUndo();
+    return step ? std::optional(step->title) : std::nullopt;
+}
+
+std::size_t LibraryStore::undoPhotos() const
+{
+    const UndoStep* const step = history_.toUndo();
+    return step ? step->photos : 0;
+}
+
+std::optional<std::string> LibraryStore::redoTitle() const
+{
+    const UndoStep* const step = history_.toRedo();
+    return step ? std::optional(step->title) : std::nullopt;
+}
+
+StepDone LibraryStore::attempt(UndoWay way, const TakeStep& take)
+{
+    try {
+        return take();
+    } catch (const DatabaseError& error) {
+        if (error.mayPass())
+            throw;
+        const auto title = (way == UndoWay::back ? history_.toUndo() : history_.toRedo())->title;
+        way == UndoWay::back ? history_.forgetUndo()
+                             : history_.forgetRedo(); // those behind it can still be taken
+        if (error.primaryCode() == SQLITE_CONSTRAINT)
+            throw DatabaseError::outdated(title, way == UndoWay::back ? "undone" : "done again", error);
+        throw;
+    }
+}
+
+void LibraryStore::undo()
+{
+    requireNoLongStep();
+    const UndoStep* const step = history_.toUndo();
+    if (step && step->added.areThere())
+        takeOut(*step);
+    else if (step)
+        takeStep(*step, UndoWay::back);
+}
+
+void LibraryStore::redo()
+{
+    requireNoLongStep();
+    if (const UndoStep* const step = history_.toRedo())
+        takeStep(*step, UndoWay::forth);
+}
+
+/// The step stays in its place till it is taken: nothing comes into the history meanwhile.
+void LibraryStore::takeOut(const UndoStep& step)
+{
+    make(
+        "Undo " + step.title, step.added.photos.size() > mostPhotosAtOnce ? Where::beside : Where::here,
+        [&added = step.added](Catalog& catalog, auto patience) { return takenOut(catalog, patience, added); },
+        [this](const TakeStep& take) {
+            auto [redo, rows, toSelect] = attempt(UndoWay::back, take);
+            history_.undone(std::move(redo));
+            const auto photos = rows.deleted.size();
+            publish(std::move(rows), {}, photos);
+        });
+}
+
+void LibraryStore::takeStep(const UndoStep& step, UndoWay way)
+{
+    const auto end = [this, way] { way == UndoWay::back ? history_.undone() : history_.redone(); };
+    if (step.retrace) {
+        step.retrace(way);
+        end();
+        return changed.emit({});
+    }
+    make((way == UndoWay::back ? "Undo " : "Redo ") + step.title,
+        step.changes.bytes().size() > mostBytesAtOnce ? Where::beside : Where::here,
+        [&changes = step.changes, way](
+            Catalog& catalog, auto patience) { return retraced(catalog, patience, changes, way); },
+        [this, way, end](const TakeStep& take) {
+            auto [none, rows, toSelect] = attempt(way, take);
+            end();
+            publish(std::move(rows), toSelect);
+        });
+}
+
+} // namespace korvo

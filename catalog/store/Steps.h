@@ -1,0 +1,44 @@
+#pragma once
+
+#include "catalog/Catalog.h"
+#include "catalog/sql/Changeset.h"
+#include "catalog/store/Background.h"
+#include "catalog/store/UndoHistory.h"
+
+#include <chrono>
+
+namespace korvo {
+
+// What a step of undo does to the catalog: each is one transaction, on any thread, that waits so long for
+// other writers. Each throws DatabaseError, and what the change itself throws, with nothing done.
+
+struct StepDone {
+    Changeset changes; // as UndoHistory keeps them; empty for a step that is taken again
+    ChangedRows rows;
+    std::vector<PhotoID> toSelect = {};
+};
+
+/// Makes a change.
+StepDone madeChange(
+    Catalog& catalog, std::chrono::milliseconds patience, const std::function<void(Catalog&)>& change);
+/// Takes out of the library what was added. The changes bring it back.
+StepDone takenOut(Catalog& catalog, std::chrono::milliseconds patience, const AddedRows& added);
+/// Takes recorded changes back, or makes them again. Metadata that comes so waits to be written.
+StepDone retraced(
+    Catalog& catalog, std::chrono::milliseconds patience, const Changeset& changes, UndoWay way);
+
+using MakeStep = std::function<StepDone(Catalog&, std::chrono::milliseconds patience)>;
+using TakeStep = std::function<StepDone()>; // what was made; throws what making it threw
+using EndStep = std::function<void(const TakeStep&)>;
+
+/// A step that is made on another thread, and ended on the main thread.
+struct LongStep {
+    std::string title;
+    Background<StepDone> work;
+    EndStep ending;
+};
+
+/// Whether photos got other values of what stands in their files.
+bool touchesMetadata(const ChangedRows& rows);
+
+} // namespace korvo
