@@ -56,6 +56,7 @@ public:
     ApertureImporter::Summary run()
     {
         Transaction transaction(catalog_.database());
+        const LongWrite mayBe;
         if (hasImported(catalog_.database(), plan_.identity))
             throw ImportError::alreadyImported(plan_.bundle.filename().string());
         writeProjects();

@@ -62,7 +62,7 @@ Catalog::Catalog(std::filesystem::path folder, Database database)
 
 Catalog Catalog::beside() const
 {
-    Catalog catalog(folder_, changingConnection());
+    Catalog catalog(folder_, Database::openExisting(folder_ / "catalog.sqlite"));
     catalog.database_.exec(
         "PRAGMA cache_size = -65536"); // KiB: what changes many rows needs most pages twice
     return catalog;

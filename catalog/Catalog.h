@@ -42,12 +42,11 @@ public:
     std::filesystem::path previewsFolder() const { return folder_ / "Previews"; }
     std::filesystem::path backupsFolder() const { return folder_ / "Backups"; }
     Database& database() { return database_; }
-    /// A further connection, for a long change in the background: through database() everything else would
-    /// wait for it. Throws DatabaseError.
-    Database changingConnection() const { return Database(folder_ / "catalog.sqlite"); }
     /// A further connection, for long reading beside everything else. Throws DatabaseError.
     Database lookingConnection() const { return Database::openForALook(folder_ / "catalog.sqlite"); }
-    Catalog beside() const; ///< the same library by a changingConnection() of its own
+    /// The same library by a further connection, for a long change in the background: through database()
+    /// everything else would wait for it. Throws DatabaseError.
+    Catalog beside() const;
 
     // Photos (CatalogPhotos.cpp)
     AddedRow addPhoto(const NewPhoto& photo);

@@ -80,7 +80,7 @@ void folderMoved(Database& database, std::int64_t id, std::string_view place)
     transaction.commit();
 }
 
-FolderMove locateFolder(Database& database, std::int64_t id, const fs::path& folder)
+FolderMove findFolder(Database& database, std::int64_t id, const fs::path& folder)
 {
     const auto before = pathOf(database, id);
     std::error_code error;
@@ -90,8 +90,10 @@ FolderMove locateFolder(Database& database, std::int64_t id, const fs::path& fol
             folder.string() + " is no folder" + (error ? ": " + error.message() : std::string()));
     if (!holdsPhotos(photosIn(database, before), place))
         throw std::runtime_error("none of the photos of " + before + " is in " + place.string());
-    folderMoved(database, id, place.native());
-    return {before, place.native()};
+    const Inside inside(before);
+    const auto photos = database.scalar(
+        "SELECT COUNT(*) FROM photos WHERE path >= ? AND path < ?", inside.first, inside.end);
+    return {before, place.native(), static_cast<std::size_t>(photos)};
 }
 
 } // namespace korvo

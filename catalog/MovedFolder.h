@@ -13,10 +13,11 @@ void folderMoved(Database& database, std::int64_t id, std::string_view place);
 
 struct FolderMove {
     std::string from, to;
+    std::size_t photos; // whose paths change
 };
 
-/// The same for a folder that someone names. Throws also std::runtime_error when it is no folder, or none of
-/// the photos is found in it.
-FolderMove locateFolder(Database& database, std::int64_t id, const std::filesystem::path& folder);
+/// What it would be for a folder that someone names; looks at the disk and changes nothing. Throws
+/// NotFoundError, and std::runtime_error when it is no folder, or none of the photos is found in it.
+FolderMove findFolder(Database& database, std::int64_t id, const std::filesystem::path& folder);
 
 } // namespace korvo

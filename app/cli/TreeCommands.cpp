@@ -226,7 +226,8 @@ void addFolderCommands(const Commands& folder)
         [](Context& context, const TreeArguments& removed) { context.library().removeFolder(removed.id); });
     folder.add<TreeArguments>("locate", "tell where a folder is now that was moved or renamed", addIDAndPlace,
         [](Context& context, const TreeArguments& located) {
-            locateFolder(context.library().database(), located.id, located.name);
+            auto& database = context.library().database();
+            folderMoved(database, located.id, findFolder(database, located.id, located.name).to);
         });
 }
 

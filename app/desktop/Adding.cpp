@@ -36,6 +36,20 @@ std::string summaryOf(const AddResult& result)
     return text + (result.cancelled ? ", then stopped." : ".");
 }
 
+void ended(Desktop& desktop, const AddResult& done, std::uint64_t since,
+    const std::optional<SidebarNode>& onto, std::string said)
+{
+    desktop.session().photosAdded("Add", done, since);
+    if (onto && !done.met.empty())
+        desktop.attempt([&] {
+            said += " " + dropPhotos(desktop.store(), *onto, done.met);
+            if (done.added > 0)
+                said += std::string(" Undo leaves ") + (done.met.size() == 1 ? "it" : "them")
+                    + " in the library.";
+        });
+    desktop.say(std::move(said), Offer::undo);
+}
+
 } // namespace
 
 void addToLibrary(
@@ -60,17 +74,8 @@ void addToLibrary(
     const auto since = desktop.store().newestStep();
     desktop.jobs().start(
         "Adding", Stopping::keeps, std::move(work), [&desktop, done, since, onto](const Job& job) {
-            desktop.attempt([&] {
-                desktop.session().photosAdded("Add", *done, since);
-                auto said = job.summary();
-                if (onto && !done->met.empty())
-                    desktop.attempt([&] {
-                        said += " " + dropPhotos(desktop.store(), *onto, done->met);
-                        if (done->added > 0)
-                            said += std::string(" Undo leaves ") + (done->met.size() == 1 ? "it" : "them")
-                                + " in the library.";
-                    });
-                desktop.say(said, Offer::undo);
+            desktop.store().whenFree([&desktop, done, since, onto, summary = job.summary()] {
+                desktop.attempt([&] { ended(desktop, *done, since, onto, summary); });
             });
         });
 }

@@ -22,10 +22,13 @@ Desktop::Desktop(QtMainThread& main, std::unique_ptr<Catalog> catalog, const Clo
       decoded_(main, tools_.reader), renders_(main), draft_(store(), browser_),
       faceModel_(main, downloader_, applicationDataFolder()), jobs_(main),
       storeChanged_(store().changed.connect([this](const LibraryChange& change) {
+          if (store().longStep()) // nothing else comes into the history meanwhile
+              newestBeforeStep_ = store().newestStep();
           if (change.takenOut > 0)
               sayTakenOut(change.takenOut);
       })),
-      stepEnded_(store().stepEnded.connect([this](const auto& fault) { stepEnded(fault); }))
+      stepEnded_(store().stepEnded.connect([this](StepOutcome outcome) { stepEnded(outcome); })),
+      failed_(store().failed.connect([this](const std::exception& error) { fail(error); }))
 { }
 
 VolumeWatcher& Desktop::volumes()
@@ -47,19 +50,20 @@ void Desktop::beginAttempt()
         return;
     newestBefore_ = store().newestStep();
     hasSpoken_ = false;
+    stepBefore_ = store().longStep();
 }
 
 void Desktop::endAttempt()
 {
-    if (--attempts_ == 0)
-        offerUndo();
+    if (--attempts_ == 0 && !hasSpoken_)
+        offerUndo(newestBefore_);
 }
 
-void Desktop::offerUndo()
+void Desktop::offerUndo(std::uint64_t since)
 {
     const auto photos = store().undoPhotos();
-    if (!hasSpoken_ && store().undoStep() > newestBefore_ && photos > photosBeforeUndoIsOffered)
-        say(*store().undoTitle() + ": " + counted(photos, "photo") + ".", Offer::undo);
+    if (store().undoStep() > since && photos > photosBeforeUndoIsOffered)
+        sayDone(*store().undoTitle() + ": " + counted(photos, "photo") + ".", since);
 }
 
 void Desktop::notify(const Notice& notice)
@@ -70,9 +74,18 @@ void Desktop::notify(const Notice& notice)
 
 void Desktop::say(std::string text, Offer offer)
 {
+    if (offer == Offer::nothing)
+        notify({Notice::Kind::note, std::move(text)});
+    else if (store().longStep() != stepBefore_)
+        saidOfStep_ = std::move(text);
+    else
+        sayDone(std::move(text), newestBefore_);
+}
+
+void Desktop::sayDone(std::string text, std::uint64_t since)
+{
     const auto step = store().undoStep();
-    notify({Notice::Kind::note, std::move(text),
-        offer == Offer::undo && step > newestBefore_ ? step : std::nullopt});
+    notify({Notice::Kind::note, std::move(text), step > since ? step : std::nullopt});
 }
 
 void Desktop::sayTakenOut(std::size_t photos)
@@ -83,12 +96,15 @@ void Desktop::sayTakenOut(std::size_t photos)
         std::nullopt, store().redoStep()});
 }
 
-void Desktop::stepEnded(const std::exception_ptr& fault)
+void Desktop::stepEnded(StepOutcome outcome)
 {
-    if (fault)
-        return attempt([&] { std::rethrow_exception(fault); });
-    hasSpoken_ = false;
-    offerUndo();
+    const auto text = std::exchange(saidOfStep_, {});
+    if (outcome != StepOutcome::done)
+        return;
+    if (text)
+        sayDone(*text, newestBeforeStep_);
+    else
+        offerUndo(newestBeforeStep_);
 }
 
 void Desktop::fail(const std::exception& error)

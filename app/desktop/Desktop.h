@@ -66,7 +66,8 @@ public:
 
     Signal<const Notice&> noticed;
     /// Shows a line that goes after five seconds, with a button that takes back what the attempt that says so
-    /// did, if that is offered and anything was done.
+    /// did, if that is offered and anything was done. Of a step that has not ended it is said when it has,
+    /// and not at all when it failed.
     void say(std::string text, Offer offer = Offer::nothing);
     /// Shows what went wrong, as a sentence; it stays until it is clicked away.
     void fail(const std::exception& error);
@@ -87,10 +88,12 @@ public:
 private:
     void beginAttempt();
     void endAttempt();
-    void offerUndo();
+    /// What the user did since that step, with a way to take it back.
+    void sayDone(std::string text, std::uint64_t since);
+    void offerUndo(std::uint64_t since);
     /// Says how many photos undo took out of the library, and offers to bring them back.
     void sayTakenOut(std::size_t photos);
-    void stepEnded(const std::exception_ptr& fault);
+    void stepEnded(StepOutcome outcome);
     void notify(const Notice& notice);
 
     QtMainThread& main_;
@@ -114,7 +117,10 @@ private:
     int attempts_ = 0; // one within the other
     std::uint64_t newestBefore_ = 0; // step of the store when the outermost of them began
     bool hasSpoken_ = false; // since then
-    Connection storeChanged_, stepEnded_;
+    const std::string* stepBefore_ = nullptr; // the long one that ran then
+    std::uint64_t newestBeforeStep_ = 0; // when the one began that has not ended
+    std::optional<std::string> saidOfStep_; // once it has
+    Connection storeChanged_, stepEnded_, failed_;
 };
 
 } // namespace korvo

@@ -45,14 +45,15 @@ std::vector<AutoProposal> autoProposals(ImageReader& reader, std::span<const Pho
 
 void applyAuto(LibraryStore& store, std::span<const AutoProposal> proposals)
 {
-    store.perform("Auto Enhance", [&](Catalog& catalog) {
+    const auto change = [proposals = std::vector(proposals.begin(), proposals.end())](Catalog& catalog) {
         for (const auto& [id, values] : proposals)
             if (const auto photo = catalog.photo(id)) {
                 auto edits = photo->edits();
                 AutoEnhance::apply(values, AutoEnhance::Fields::panel, edits);
                 catalog.saveEdits(std::array{id}, edits);
             }
-    });
+    };
+    store.perform("Auto Enhance", change, proposals.size());
 }
 
 } // namespace korvo

@@ -21,7 +21,7 @@ PhotoID shownAt(const PhotoList& list, std::size_t place)
 Browser::Browser(LibraryStore& store)
     : store_(store),
       storeChanged_(store.changed.connect([this](const LibraryChange& change) { storeChanged(change); })),
-      stepEnded_(store.stepEnded.connect([this](const auto&) { leaveGoneSource(); }))
+      stepEnded_(store.stepEnded.connect([this](StepOutcome) { stepEnded(); }))
 { }
 
 void Browser::setMode(ViewMode mode)
@@ -93,6 +93,13 @@ void Browser::leaveGoneSource()
     }
 }
 
+void Browser::stepEnded()
+{
+    if (const auto together = std::exchange(together_, {}); together && mode_ == ViewMode::survey)
+        selectShown(*together);
+    leaveGoneSource();
+}
+
 void Browser::undo()
 {
     undoTogether();
@@ -109,6 +116,10 @@ void Browser::undoTogether()
         touched.insert(touched.end(), change.photos.begin(), change.photos.end());
     });
     store_.undo();
+    if (store_.longStep()) {
+        together_ = std::move(together); // what comes back of so many is no survey
+        return;
+    }
     const auto& cameBack = touched.empty() ? store_.selection() : touched;
     if (cameBack.size() <= mostSurveyed) // else there is no survey in it
         together.insert(together.end(), cameBack.begin(), cameBack.end());
@@ -119,7 +130,9 @@ void Browser::redo()
 {
     const auto together = store_.selection();
     store_.redo();
-    if (mode_ == ViewMode::survey)
+    if (mode_ == ViewMode::survey && store_.longStep())
+        together_ = together;
+    else if (mode_ == ViewMode::survey)
         selectShown(together);
     leaveGoneSource();
 }
@@ -192,6 +205,8 @@ void Browser::storeChanged(const LibraryChange& change)
 {
     if (!change.list && !change.selection)
         return;
+    if (change.selection && store_.longStep()) // the user has gone on
+        together_.reset();
     if (store_.isReading() && store_.list().shown().empty())
         return; // another source's photos are about to come
     const auto before = std::pair(current_, mode_);

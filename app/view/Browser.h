@@ -53,6 +53,7 @@ public:
 
 private:
     void leaveGoneSource();
+    void stepEnded();
     void undoTogether();
     bool listsVersions() const;
     void selectShown(std::vector<PhotoID> ids);
@@ -70,6 +71,7 @@ private:
         std::vector<PhotoID> selection;
     };
     Left leftForVersions_;
+    std::optional<std::vector<PhotoID>> together_; // to be surveyed when the step has ended, as before it
     std::size_t place_ = 0; // of the current photo among the shown ones, as it was last
     Connection storeChanged_, stepEnded_;
 };

@@ -6,6 +6,11 @@
 
 namespace korvo {
 
+EditDraft::EditDraft(LibraryStore& store, Browser& browser)
+    : store_(store), browser_(browser),
+      stepEnded_(store.stepEnded.connect([this](StepOutcome outcome) { stepEnded(outcome); }))
+{ }
+
 PhotoEdits EditDraft::editsOf(const PhotoItem& item) const
 {
     auto edits = item.readableEdits().value_or(PhotoEdits());
@@ -16,8 +21,8 @@ PhotoEdits EditDraft::editsOf(const PhotoItem& item) const
 
 void EditDraft::show(std::string title, Change change)
 {
-    if (change_ && (isOver_ || title != title_))
-        keep();
+    if (change_ && (state_ != State::open || title != title_))
+        store(); // which throws as long as it is being stored
     if (!change_)
         photos_ = browser_.targets();
     title_ = std::move(title);
@@ -27,29 +32,50 @@ void EditDraft::show(std::string title, Change change)
 
 void EditDraft::keep()
 {
+    if (isOpen())
+        store();
+}
+
+void EditDraft::store()
+{
     auto change = std::exchange(change_, {});
-    isOver_ = false;
-    if (!change)
-        return;
+    const auto before = std::exchange(state_, State::open);
     try {
         changeEdits(store_, title_, photos_, change);
     } catch (const DatabaseError& error) {
-        if ((isOver_ = error.mayPass()))
+        if (error.mayPass()) {
             change_ = std::move(change);
-        else
+            state_ = before == State::storing ? before : State::over;
+        } else
             changed.emit();
         throw;
     } catch (...) {
         changed.emit();
         throw;
     }
+    if (store_.longStep()) {
+        change_ = std::move(change);
+        state_ = State::storing;
+    }
+}
+
+void EditDraft::stepEnded(StepOutcome outcome)
+{
+    if (state_ != State::storing)
+        return;
+    state_ = outcome == StepOutcome::failedForNow ? State::over : State::open;
+    if (state_ == State::open)
+        change_ = {};
+    changed.emit();
 }
 
 void EditDraft::drop()
 {
-    isOver_ = false;
-    if (std::exchange(change_, {}))
-        changed.emit();
+    if (!isOpen()) // what is being stored is taken back by undo, after it
+        return;
+    state_ = State::open;
+    change_ = {};
+    changed.emit();
 }
 
 void EditDraft::apply(std::string title, Change change)

@@ -9,17 +9,18 @@ namespace korvo {
 /// so that many photos keep what else they have. Used on the main thread.
 class EditDraft {
 public:
+    /// Owns all that it uses: it may be called on another thread, after whoever made it has gone.
     using Change = std::function<void(PhotoEdits&)>;
 
     /// Both must outlive it.
-    EditDraft(LibraryStore& store, Browser& browser) : store_(store), browser_(browser) { }
+    EditDraft(LibraryStore& store, Browser& browser);
 
     /// What editsOf() says of some photo has changed, without anything being stored.
     Signal<> changed;
 
     /// The photo's edits as drafted, else as stored; none for stored edits that cannot be read.
     PhotoEdits editsOf(const PhotoItem& item) const;
-    bool isOpen() const { return bool(change_); }
+    bool isOpen() const { return change_ && state_ != State::storing; }
     /// What is drafted, "Change Exposure", while it is open.
     const std::string& title() const { return title_; }
 
@@ -27,19 +28,30 @@ public:
     /// on when it begins. A draft of another title is kept first.
     void show(std::string title, Change change);
     /// Stores what is drafted, if anything. Throws as the store does: what could not be written now (another
-    /// program writes, the disk is full) stays drafted for the next time, anything else is dropped.
+    /// program writes, the disk is full) stays drafted for the next time, anything else is dropped. What the
+    /// store does not wait for is shown till it is stored, and drafted again where that fails so.
     void keep();
     void drop();
     /// Shows and keeps in one.
     void apply(std::string title, Change change);
 
 private:
+    enum class State {
+        open,
+        over, ///< let go, but it could not be stored yet
+        storing, ///< by a step that has not ended
+    };
+
+    void store();
+    void stepEnded(StepOutcome outcome);
+
     LibraryStore& store_;
     Browser& browser_;
     std::string title_;
     std::vector<PhotoID> photos_;
     Change change_;
-    bool isOver_ = false; // let go, but it could not be stored yet
+    State state_ = State::open;
+    Connection stepEnded_;
 };
 
 } // namespace korvo

@@ -75,6 +75,24 @@ std::vector<const PhotoItem*> listedItems(const PhotoList& list, std::span<const
     return items;
 }
 
+/// What the photos are is read from the catalog: the list may wait for what was changed last.
+void giveMarks(Catalog& catalog, std::span<const PhotoID> ids, Mark mark, bool takenBack = false)
+{
+    std::map<int, std::vector<PhotoID>> byRating;
+    std::map<bool, std::vector<PhotoID>> byFlag;
+    for (const auto& item : catalog.photosByID(ids)) {
+        const auto after = marksAfter(item, mark, takenBack);
+        if (after.rating != item.rating && !(after.rating < 0 && item.isRejected()))
+            byRating[after.rating].push_back(item.id);
+        if (after.flagged != item.flagged)
+            byFlag[after.flagged].push_back(item.id);
+    }
+    for (const auto& [rating, photos] : byRating)
+        catalog.setRating(photos, rating);
+    for (const auto& [flagged, photos] : byFlag)
+        catalog.setFlagged(photos, flagged);
+}
+
 } // namespace
 
 int starsOf(const PhotoItem& item)
@@ -85,36 +103,18 @@ int starsOf(const PhotoItem& item)
 void setMark(LibraryStore& store, std::span<const PhotoID> ids, Mark mark)
 {
     const auto items = listedItems(store.list(), ids);
-    const bool takenBack = takesBack(items, mark);
-    std::map<int, std::vector<PhotoID>> byRating;
-    std::map<bool, std::vector<PhotoID>> byFlag;
-    for (const PhotoItem* const item : items) {
-        const auto after = marksAfter(*item, mark, takenBack);
-        if (after.rating != item->rating && !(after.rating < 0 && item->isRejected()))
-            byRating[after.rating].push_back(item->id);
-        if (after.flagged != item->flagged)
-            byFlag[after.flagged].push_back(item->id);
-    }
-    const auto change = [byRating, byFlag](Catalog& catalog) {
-        for (const auto& [rating, photos] : byRating)
-            catalog.setRating(photos, rating);
-        for (const auto& [flagged, photos] : byFlag)
-            catalog.setFlagged(photos, flagged);
-    };
+    if (items.empty())
+        return;
+    const bool takenBack = takesBack(items, mark); // as the user sees them
+    const auto change = [ids = std::vector(ids.begin(), ids.end()), mark, takenBack](
+                            Catalog& catalog) { giveMarks(catalog, ids, mark, takenBack); };
     store.perform(titleOf(mark, takenBack), change, ids.size());
 }
 
 void flag(LibraryStore& store, std::span<const PhotoID> ids)
 {
-    const auto change = [ids = std::vector(ids.begin(), ids.end())](Catalog& catalog) {
-        std::map<int, std::vector<PhotoID>> rejected; // by the stars beneath
-        for (const auto& item : catalog.photosByID(ids))
-            if (item.isRejected())
-                rejected[starsOf(item)].push_back(item.id);
-        for (const auto& [rating, photos] : rejected)
-            catalog.setRating(photos, rating);
-        catalog.setFlagged(ids, true);
-    };
+    const auto change = [ids = std::vector(ids.begin(), ids.end())](
+                            Catalog& catalog) { giveMarks(catalog, ids, Mark::pick); };
     store.perform("Flag", change, ids.size());
 }
 

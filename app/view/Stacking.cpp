@@ -58,11 +58,11 @@ void stackPhotos(LibraryStore& store, std::span<const PhotoID> ids, std::optiona
 
 void unstackPhotos(LibraryStore& store, std::span<const PhotoID> ids)
 {
-    const auto stacks = stacksOfListed(store, ids);
-    store.perform("Unstack", [&](Catalog& catalog) {
+    const auto change = [stacks = stacksOfListed(store, ids)](Catalog& catalog) {
         for (const auto stack : stacks)
             unstack(catalog, stack);
-    });
+    };
+    store.perform("Unstack", change, ids.size());
 }
 
 void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
@@ -72,10 +72,11 @@ void toggleStacks(LibraryStore& store, std::span<const PhotoID> ids)
         return;
     const bool isCollapsed = stackIn(store, *stacks.begin()).collapsed;
     const auto state = isCollapsed ? StackState::expanded : StackState::collapsed;
-    store.perform(isCollapsed ? "Expand Stack" : "Collapse Stack", [&](Catalog& catalog) {
+    const auto change = [stacks, state](Catalog& catalog) {
         for (const auto stack : stacks)
             setStackState(catalog, stack, state);
-    });
+    };
+    store.perform(isCollapsed ? "Expand Stack" : "Collapse Stack", change, ids.size());
 }
 
 void makePick(LibraryStore& store, PhotoID id)

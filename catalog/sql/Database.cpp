@@ -75,6 +75,13 @@ void Database::useWriteAheadLog()
     exec(sql);
 }
 
+Database Database::openExisting(const std::filesystem::path& file)
+{
+    Database database(std::filesystem::absolute(file).native(), SQLITE_OPEN_READWRITE);
+    database.exec("PRAGMA foreign_keys = ON");
+    return database;
+}
+
 Database Database::openReadOnly(const std::filesystem::path& file)
 {
     const auto uri = "file:" + uriPath(std::filesystem::absolute(file)) + "?mode=ro&immutable=1";

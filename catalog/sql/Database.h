@@ -27,6 +27,9 @@ public:
     /// waited for, 5 s at most, here and in every later call. Throws DatabaseError (open, step).
     explicit Database(const std::filesystem::path& file);
 
+    /// The same of a file that must be there already.
+    static Database openExisting(const std::filesystem::path& file);
+
     /// Opens a file strictly for reading and leaves no trace beside it, not even SQLite's own companions.
     /// Changes that others make meanwhile, and those in a write-ahead log, are not seen; nothing that the
     /// file's schema defines is run. Throws DatabaseError.

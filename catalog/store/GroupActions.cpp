@@ -53,7 +53,9 @@ void autoStack(LibraryStore& store, double interval)
 
 void autoStack(LibraryStore& store, const AutoStackPlan& plan)
 {
-    store.perform(std::string(autoStackSheet::title), [&](Catalog& catalog) { createStacks(catalog, plan); });
+    store.perform(
+        std::string(autoStackSheet::title), [plan](Catalog& catalog) { createStacks(catalog, plan); },
+        plan.photoCount());
 }
 
 std::int64_t createSmartAlbum(LibraryStore& store, std::string_view name, const SmartAlbumRules& rules)

@@ -111,7 +111,14 @@ void placeProject(LibraryStore& store, std::int64_t id, std::optional<std::int64
 
 void deleteProject(LibraryStore& store, std::int64_t id)
 {
-    store.perform("Delete Project", [&](Catalog& catalog) { catalog.deleteProject(id); });
+    const auto photos = store.catalog().database().scalar(
+        "WITH RECURSIVE inside(id) AS (VALUES(?) UNION "
+        "SELECT projects.id FROM projects JOIN inside ON parent_id = inside.id) "
+        "SELECT COUNT(*) FROM photos WHERE project_id IN inside",
+        id);
+    store.perform(
+        "Delete Project", [id](Catalog& catalog) { catalog.deleteProject(id); },
+        static_cast<std::size_t>(photos));
 }
 
 void assignToProject(LibraryStore& store, std::span<const PhotoID> ids, std::optional<std::int64_t> project)
@@ -158,7 +165,10 @@ void addToAlbum(LibraryStore& store, std::int64_t album, std::span<const PhotoID
 void moveInAlbum(
     LibraryStore& store, std::int64_t album, std::span<const PhotoID> photos, std::optional<PhotoID> before)
 {
-    store.perform("Move in Album", [&](Catalog& catalog) { catalog.moveInAlbum(album, photos, before); });
+    store.perform(
+        "Move in Album",
+        [album, ids = owned(photos), before](Catalog& catalog) { catalog.moveInAlbum(album, ids, before); },
+        photos.size());
 }
 
 void removeFromAlbum(LibraryStore& store, std::int64_t album, std::span<const PhotoID> photos)

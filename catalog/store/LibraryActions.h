@@ -16,7 +16,7 @@ void setMetadataField(
 /// Adds and takes away keywords; each photo keeps its others.
 void editKeywords(LibraryStore& store, std::span<const PhotoID> ids, const KeywordEdit& edit);
 /// Changes what each photo's own edits are, in one step of that title. Throws JsonError for a photo whose
-/// stored edits cannot be read, and then changes none.
+/// stored edits cannot be read, and then changes none. `change` owns all that it uses, as in perform.
 void changeEdits(LibraryStore& store, std::string title, std::span<const PhotoID> ids,
     const std::function<void(PhotoEdits&)>& change);
 void removePhotos(LibraryStore& store, std::span<const PhotoID> ids);

@@ -15,12 +15,6 @@ bool touchesCounts(const ChangedRows& rows)
         [&](std::string_view column) { return rows.photoColumns.contains(column); });
 }
 
-/// Each change another connection commits gives a new number.
-std::int64_t dataVersion(Catalog& catalog)
-{
-    return catalog.database().scalar("PRAGMA data_version");
-}
-
 } // namespace
 
 LibraryStore::LibraryStore(

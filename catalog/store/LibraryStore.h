@@ -11,6 +11,7 @@
 #include "catalog/store/Steps.h"
 
 #include <chrono>
+#include <deque>
 #include <memory>
 #include <unordered_map>
 
@@ -32,8 +33,10 @@ public:
 
     Catalog& catalog() { return *catalog_; }
     Signal<const LibraryChange&> changed;
-    /// A step that was not waited for has ended; with what it failed of, if it did.
-    Signal<std::exception_ptr> stepEnded;
+    /// A step that was not waited for has ended, and is published.
+    Signal<StepOutcome> stepEnded;
+    /// Something failed that nobody waits for any more.
+    Signal<const std::exception&> failed;
 
     // What is shown
     const PhotoList& list() const { return list_; }
@@ -71,13 +74,15 @@ public:
     /// While a source that was just chosen is read, they are selected when it is there.
     void select(std::vector<PhotoID> ids);
 
-    /// Makes any change of the catalog one undoable action. `change` may call the catalog as often as it
-    /// likes. One of many photos, as undo and redo of such, runs on another thread, and must own all that it
-    /// uses; it is not waited for longer than for a list. Until it has ended nothing else is done, and
-    /// throws.
+    /// Makes any change of the catalog one undoable action. That of many photos, as undo and redo of it, runs
+    /// on another thread, must own all that it uses, and is waited for no longer than a list is. Until
+    /// stepEnded nothing else is done, and throws.
     void perform(std::string title, std::function<void(Catalog&)> change, std::size_t photos = 0);
-    /// The title of the step that is running so; null when none is.
+    /// The title of the step that runs so, if any.
     const std::string* longStep() const { return longStep_ ? &longStep_->title : nullptr; }
+    /// Does it once no step is running: at once, or after stepEnded, in the order asked for.
+    void whenFree(std::function<void()> action);
+    void finishLongStep(); ///< returns once none is running
 
     /// Reads the current source again after a job has added something, which becomes one action, "Import 24
     /// Photos": undo does Catalog::takeOut, the files stay, and redo brings everything back as it was then.
@@ -106,8 +111,7 @@ public:
 
     /// Publishes changes that were made to these photos beside the store, by background work.
     void photosChanged(std::span<const PhotoID> ids);
-    /// Reads the current source again after photos were added, or when another process may have changed the
-    /// library.
+    /// Reads the current source again, as after photos were added.
     void reload();
     /// Reads the current source again if another process has changed the library since the last call.
     void reloadIfChangedElsewhere();
@@ -159,8 +163,9 @@ private:
     enum class Where { here, beside };
     /// Does something to the catalog, here or on another thread, and ends it here.
     void make(std::string title, Where where, MakeStep making, EndStep ending);
-    void endLongStep();
+    StepDone taken(LongStep& step);
     void longStepArrived();
+    void tellFault(const std::function<void()>& action);
     void requireNoLongStep();
     /// What came of the step that is next on this way; forgets it when it can never be taken.
     StepDone attempt(UndoWay way, const TakeStep& take);
@@ -187,7 +192,7 @@ private:
     std::unique_ptr<ListReading> reading_;
     ChangedRows late_; // what background work changed while ordering_ looks at the list, which thus stands
     std::unique_ptr<Background<PhotoList::Order>> ordering_; // of list_; ends before it
-    std::vector<std::function<void()>> toAdopt_; // once the long step has ended
+    std::deque<std::function<void()>> whenFree_; // once the long step has ended
     std::unique_ptr<LongStep> longStep_; // of history_; last, so that it ends first
 };
 

@@ -18,44 +18,72 @@ void LibraryStore::make(std::string title, Where where, MakeStep making, EndStep
     longStep_ = std::make_unique<LongStep>(std::move(title),
         Background<StepDone>(
             main_,
-            [&catalog = *catalog_, making = std::move(making)](const std::stop_token&) {
-                auto own = catalog.beside();
-                return making(own, Database::busyPatience);
-            },
+            [&catalog = *catalog_, making = std::move(making)](
+                const std::stop_token&) { return madeBeside(catalog, making); },
             [this] { longStepArrived(); }),
         std::move(ending));
-    if (longStep_->work.waitFor(patience_))
-        endLongStep();
-    else
-        changed.emit({});
-}
-
-void LibraryStore::endLongStep()
-{
+    if (!longStep_->work.waitFor(patience_))
+        return changed.emit({});
     const auto step = std::exchange(longStep_, nullptr);
-    step->ending([&] { return step->work.take(); });
+    step->ending([&] { return taken(*step); });
 }
 
+StepDone LibraryStore::taken(LongStep& step)
+try {
+    auto done = step.work.take();
+    step.outcome = StepOutcome::done;
+    if (done.seen && done.seen->before == dataVersion_)
+        dataVersion_ = done.seen->after;
+    return done;
+} catch (const DatabaseError& error) {
+    step.outcome = error.mayPass() ? StepOutcome::failedForNow : StepOutcome::failed;
+    throw;
+}
+
+/// Each part of it by itself: what fails keeps the others from nothing.
 void LibraryStore::longStepArrived()
 {
     main_.assertCurrent();
-    std::exception_ptr fault;
-    try {
-        endLongStep();
-    } catch (...) { // whoever began it went on long ago
-        fault = std::current_exception();
+    const auto step = std::exchange(longStep_, nullptr);
+    tellFault([&] { step->ending([&] { return taken(*step); }); });
+    tellFault([&] { changed.emit({}); });
+    tellFault([&] { stepEnded.emit(step->outcome); });
+    while (!longStep_ && !whenFree_.empty()) { // one of them may begin a long step again
+        const auto action = std::move(whenFree_.front());
+        whenFree_.pop_front();
+        tellFault(action);
     }
-    changed.emit({});
-    stepEnded.emit(fault);
-    for (const auto& adopt : std::exchange(toAdopt_, {}))
-        adopt();
+}
+
+void LibraryStore::tellFault(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const std::exception& error) {
+        failed.emit(error);
+    }
+}
+
+void LibraryStore::whenFree(std::function<void()> action)
+{
+    main_.assertCurrent();
+    if (longStep_)
+        whenFree_.push_back(std::move(action));
+    else
+        action();
+}
+
+void LibraryStore::finishLongStep()
+{
+    main_.assertCurrent();
+    while (longStep_)
+        if (longStep_->work.waitFor(untilItIsRead))
+            longStepArrived();
 }
 
 void LibraryStore::requireNoLongStep()
 {
     main_.assertCurrent();
-    if (longStep_ && longStep_->work.waitFor(writePatience))
-        longStepArrived();
     if (longStep_)
         throw DatabaseError::occupied(longStep_->title);
 }
@@ -68,7 +96,7 @@ void LibraryStore::perform(std::string title, std::function<void(Catalog&)> chan
         [change = std::move(change)](
             Catalog& catalog, auto patience) { return madeChange(catalog, patience, change); },
         [this, title](const TakeStep& take) {
-            auto [changes, rows, toSelect] = take();
+            auto [changes, rows, toSelect, seen] = take();
             if (changes.empty())
                 return;
             history_.add({.title = title,
@@ -81,25 +109,21 @@ void LibraryStore::perform(std::string title, std::function<void(Catalog&)> chan
 
 void LibraryStore::adopt(std::string_view verb, AddedRows added, std::uint64_t since)
 {
-    main_.assertCurrent();
-    if (longStep_) // which is the newest, or the one that is taken next, to its end
-        return toAdopt_.push_back([=, this, verb = std::string(verb)] { adopt(verb, added, since); });
-    if (added.areThere())
-        history_.addBehind(since,
-            {.title = std::string(verb) + " " + counted(added.photos.size(), "Photo"),
-                .changes = {},
-                .added = std::move(added)});
-    reload();
+    // A long step is the newest, or the one that is taken next, to its end.
+    whenFree([this, verb = std::string(verb), added = std::move(added), since] {
+        if (added.areThere())
+            history_.addBehind(since,
+                {.title = verb + " " + counted(added.photos.size(), "Photo"), .changes = {}, .added = added});
+        reload();
+    });
 }
 
 void LibraryStore::adopt(std::string title, std::function<void(UndoWay)> retrace, std::uint64_t since)
 {
-    main_.assertCurrent();
-    if (longStep_)
-        return toAdopt_.push_back([=, this] { adopt(title, retrace, since); });
-    history_.addBehind(
-        since, {.title = std::move(title), .changes = {}, .added = {}, .retrace = std::move(retrace)});
-    changed.emit({});
+    whenFree([this, title = std::move(title), retrace = std::move(retrace), since] {
+        history_.addBehind(since, {.title = title, .changes = {}, .added = {}, .retrace = retrace});
+        changed.emit({});
+    });
 }
 
 std::optional<std::uint64_t> LibraryStore::undoStep() const
@@ -172,10 +196,10 @@ void LibraryStore::takeOut(const UndoStep& step)
         "Undo " + step.title, step.added.photos.size() > mostPhotosAtOnce ? Where::beside : Where::here,
         [&added = step.added](Catalog& catalog, auto patience) { return takenOut(catalog, patience, added); },
         [this](const TakeStep& take) {
-            auto [redo, rows, toSelect] = attempt(UndoWay::back, take);
-            history_.undone(std::move(redo));
-            const auto photos = rows.deleted.size();
-            publish(std::move(rows), {}, photos);
+            auto done = attempt(UndoWay::back, take);
+            history_.undone(std::move(done.changes));
+            const auto photos = done.rows.deleted.size();
+            publish(std::move(done.rows), {}, photos);
         });
 }
 
@@ -191,10 +215,11 @@ void LibraryStore::takeStep(const UndoStep& step, UndoWay way)
         step.changes.bytes().size() > mostBytesAtOnce ? Where::beside : Where::here,
         [&changes = step.changes, way](
             Catalog& catalog, auto patience) { return retraced(catalog, patience, changes, way); },
-        [this, way, end](const TakeStep& take) {
-            auto [none, rows, toSelect] = attempt(way, take);
+        [this, way, end, source = source_, selected = wishedSelection()](const TakeStep& take) {
+            auto done = attempt(way, take);
             end();
-            publish(std::move(rows), toSelect);
+            const bool hasMovedOn = source != source_ || selected != wishedSelection();
+            publish(std::move(done.rows), hasMovedOn ? std::span<const PhotoID>() : done.toSelect);
         });
 }
 

@@ -16,6 +16,23 @@ bool touchesMetadata(const ChangedRows& rows)
         [&](std::string_view column) { return rows.photoColumns.contains(column); });
 }
 
+std::int64_t dataVersion(Catalog& catalog)
+{
+    return catalog.database().scalar("PRAGMA data_version");
+}
+
+StepDone madeBeside(Catalog& catalog, const MakeStep& making)
+{
+    auto own = catalog.beside();
+    const auto others = dataVersion(own);
+    const auto before = dataVersion(catalog);
+    auto done = making(own, Database::busyPatience);
+    const auto after = dataVersion(catalog);
+    if (dataVersion(own) == others)
+        done.seen = {before, after};
+    return done;
+}
+
 StepDone madeChange(
     Catalog& catalog, std::chrono::milliseconds patience, const std::function<void(Catalog&)>& change)
 {
@@ -23,7 +40,7 @@ StepDone madeChange(
     const LongWrite mayBe;
     const ChangeRecorder recorder(catalog.database());
     change(catalog);
-    StepDone done{recorder.changes(), {}};
+    StepDone done{.changes = recorder.changes(), .rows = {}};
     done.rows = changedRows(catalog.database(), done.changes);
     transaction.commit();
     return done;
@@ -72,7 +89,9 @@ StepDone retraced(Catalog& catalog, std::chrono::milliseconds patience, const Ch
     std::sort(rows.updated.begin(), rows.updated.end());
     rows.updated.erase(std::unique(rows.updated.begin(), rows.updated.end()), rows.updated.end());
     const bool bringsBack = way == UndoWay::back && !touched.inserted.empty();
-    return {{}, std::move(rows), std::move(bringsBack ? touched.inserted : touched.updated)};
+    return {.changes = {},
+        .rows = std::move(rows),
+        .toSelect = std::move(bringsBack ? touched.inserted : touched.updated)};
 }
 
 } // namespace korvo

@@ -16,6 +16,11 @@ struct StepDone {
     Changeset changes; // as UndoHistory keeps them; empty for a step that is taken again
     ChangedRows rows;
     std::vector<PhotoID> toSelect = {};
+    /// The store's dataVersion() around the step, where nobody else has written meanwhile.
+    struct Seen {
+        std::int64_t before, after;
+    };
+    std::optional<Seen> seen = {};
 };
 
 /// Makes a change.
@@ -27,15 +32,25 @@ StepDone takenOut(Catalog& catalog, std::chrono::milliseconds patience, const Ad
 StepDone retraced(
     Catalog& catalog, std::chrono::milliseconds patience, const Changeset& changes, UndoWay way);
 
+/// Each change that another connection commits gives a new number.
+std::int64_t dataVersion(Catalog& catalog);
+
 using MakeStep = std::function<StepDone(Catalog&, std::chrono::milliseconds patience)>;
 using TakeStep = std::function<StepDone()>; // what was made; throws what making it threw
 using EndStep = std::function<void(const TakeStep&)>;
+
+/// Makes it by a connection of its own, which waits for others as long as they need.
+StepDone madeBeside(Catalog& catalog, const MakeStep& making);
+
+/// How a step ended that was not waited for. One that failed for now may go well if it is tried again.
+enum class StepOutcome { done, failed, failedForNow };
 
 /// A step that is made on another thread, and ended on the main thread.
 struct LongStep {
     std::string title;
     Background<StepDone> work;
     EndStep ending;
+    StepOutcome outcome = StepOutcome::failed;
 };
 
 /// Whether photos got other values of what stands in their files.

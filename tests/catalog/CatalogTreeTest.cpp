@@ -298,9 +298,12 @@ TEST(MovedFolder, isFoundWhereItsPhotosAre)
     std::filesystem::create_directory(library.folder / "other");
     for (const char* wrong : {"other", "before", "after/a.jpg"})
         EXPECT_THROW(
-            locateFolder(library.catalog->database(), folder, library.folder / wrong), std::runtime_error)
+            findFolder(library.catalog->database(), folder, library.folder / wrong), std::runtime_error)
             << wrong;
-    locateFolder(library.catalog->database(), folder, library.folder / "other" / ".." / "after");
+    const auto found
+        = findFolder(library.catalog->database(), folder, library.folder / "other" / ".." / "after");
+    EXPECT_EQ(found.photos, 1U);
+    folderMoved(library.catalog->database(), folder, found.to);
     EXPECT_EQ(library.item(id).path(), library.folder / "after/a.jpg");
 }
 

@@ -23,24 +23,21 @@ struct LongSteps : ::testing::Test {
             ids.push_back(added.id);
         store
             = std::make_unique<LibraryStore>(main, std::move(library.catalog), std::chrono::milliseconds(0));
-        ended = store->stepEnded.connect([this](const std::exception_ptr& fault) {
-            try {
-                if (fault)
-                    std::rethrow_exception(fault);
-                faults.push_back("");
-            } catch (const std::exception& error) {
-                faults.push_back(textForUser(error));
-            }
+        failed = store->failed.connect(
+            [this](const std::exception& error) { told.push_back(textForUser(error)); });
+        ended = store->stepEnded.connect([this](StepOutcome outcome) {
+            if (outcome == StepOutcome::done)
+                told.push_back("done");
         });
         changed
             = store->changed.connect([this](const LibraryChange& change) { takenOut += change.takenOut; });
     }
 
-    /// Lets all come to its end; returns what was told of the steps that ended.
+    /// Lets all come to its end; returns what was told meanwhile.
     std::vector<std::string> outcome()
     {
         EXPECT_TRUE(main.runUntil([&] { return !store->longStep() && !store->isReading(); }));
-        return std::exchange(faults, {});
+        return std::exchange(told, {});
     }
     /// While it lives, no step comes further than to its beginning.
     struct Keeping {
@@ -55,12 +52,18 @@ struct LongSteps : ::testing::Test {
     std::vector<PhotoID> ids;
     ManualMainThread main;
     std::unique_ptr<LibraryStore> store;
-    std::vector<std::string> faults;
+    std::vector<std::string> told;
     std::size_t takenOut = 0;
-    Connection ended, changed;
+    Connection failed, ended, changed;
 };
 
 using Texts = std::vector<std::string>;
+
+std::size_t ratedIn(Catalog& catalog, int rating)
+{
+    return static_cast<std::size_t>(
+        catalog.database().scalar("SELECT COUNT(*) FROM photos WHERE rating = ?", rating));
+}
 
 } // namespace
 
@@ -82,7 +85,7 @@ TEST_F(LongSteps, goOnBesideTheWindowAndNothingComesBetween)
             EXPECT_EQ(textForUser(error), "“Set Rating” is not done yet. Try again when it is.");
         }
     }
-    EXPECT_EQ(outcome(), Texts{""});
+    EXPECT_EQ(outcome(), Texts{"done"});
     EXPECT_EQ(store->list().find(ids[0])->rating, 4);
     EXPECT_EQ(store->undoPhotos(), ids.size());
 
@@ -94,7 +97,7 @@ TEST_F(LongSteps, goOnBesideTheWindowAndNothingComesBetween)
         store->adopt("Add", {{ids[0], ids[1]}, {}, {}}, store->newestStep()); // a job that ends
         EXPECT_EQ(store->undoTitle(), "Set Rating");
     }
-    EXPECT_EQ(outcome(), Texts{""});
+    EXPECT_EQ(outcome(), Texts{"done"});
     EXPECT_EQ(contentOf(store->catalog()), before);
     EXPECT_EQ(store->selection().size(), ids.size()) << "what came back is selected";
     EXPECT_EQ(store->list().find(ids[0])->rating, 0);
@@ -155,7 +158,84 @@ TEST_F(LongSteps, endBeforeTheLibraryIsClosed)
     setRating(*store, ids, 4);
     store = nullptr;
     Catalog again(library.folder / "Library", library.clock);
-    EXPECT_EQ(again.database().scalar("SELECT COUNT(*) FROM photos WHERE rating = 4"), std::ssize(ids));
+    EXPECT_EQ(ratedIn(again, 4), ids.size());
+}
+
+TEST_F(LongSteps, areFollowedByAllThatWaitsForThemInItsOrder)
+{
+    outcome();
+    std::string order;
+    const auto listening = store->stepEnded.connect([&](StepOutcome) {
+        order += "1";
+        throw std::runtime_error("a listener fails");
+    });
+    store->whenFree([&] { order += "0"; });
+    setRating(*store, ids, 4);
+    store->whenFree([] { throw std::runtime_error("what waits fails"); });
+    store->whenFree([&] {
+        order += "2";
+        setRating(*store, ids, 2);
+    });
+    store->whenFree([&] { order += "3"; });
+    EXPECT_EQ(order, "0");
+    store->finishLongStep();
+    EXPECT_EQ(order, "01213") << "what waits begins a step, which the next waits for";
+    EXPECT_EQ(told, (Texts{"done", "a listener fails", "what waits fails", "done", "a listener fails"}));
+    EXPECT_EQ(ratedIn(store->catalog(), 2), ids.size());
+}
+
+TEST_F(LongSteps, leaveTheSelectionToWhoeverHasGoneOn)
+{
+    outcome();
+    setRating(*store, ids, 4);
+    outcome();
+    store->select({ids[0]});
+    {
+        const Keeping writing(*this);
+        store->undo();
+        store->select({ids[1]});
+    }
+    outcome();
+    EXPECT_EQ(store->selection(), std::vector{ids[1]});
+    store->redo();
+    outcome();
+    EXPECT_EQ(store->selection().size(), ids.size());
+}
+
+TEST_F(LongSteps, areNotTakenForChangesOfOthers)
+{
+    const auto isReadAgain = [&] {
+        outcome();
+        store->reloadIfChangedElsewhere();
+        return store->isReading();
+    };
+    isReadAgain();
+    setRating(*store, ids, 4);
+    EXPECT_FALSE(isReadAgain());
+    {
+        Keeping others(*this);
+        setRating(*store, ids, 3);
+        others.database.run("UPDATE photos SET rating = 1 WHERE id = ?", ids[0]);
+        others.writing.commit();
+    }
+    EXPECT_TRUE(isReadAgain());
+}
+
+TEST_F(LongSteps, makeNoCatalogWhereTheOpenOneWasMovedAway)
+{
+    outcome();
+    const auto catalog = store->catalog().libraryURL() / "catalog.sqlite";
+    const auto moved = store->catalog().libraryURL() / "moved.sqlite";
+    std::filesystem::rename(catalog, moved);
+    auto ending = StepOutcome::done;
+    const auto listening = store->stepEnded.connect([&](StepOutcome outcome) { ending = outcome; });
+    setRating(*store, ids, 4);
+    outcome();
+    EXPECT_EQ(ending, StepOutcome::failedForNow);
+    EXPECT_FALSE(std::filesystem::exists(catalog));
+    std::filesystem::rename(moved, catalog);
+    setRating(*store, ids, 4);
+    EXPECT_EQ(outcome(), Texts{"done"});
 }
 
 } // namespace korvo

@@ -48,7 +48,7 @@ private:
         const auto* const item = desktop_.browser().currentItem();
         if (!item)
             return;
-        copied_ = item->edits();
+        copied_ = desktop_.store().catalog().photo(item->id).value_or(*item).edits(); // as it is stored
         window_.commands().refresh();
         desktop_.say("Copied the adjustments of " + item->filename.string() + ".");
     }
@@ -81,9 +81,11 @@ private:
         desktop_.jobs().start("Auto Enhance", Stopping::drops, work, [this, proposals](const Job& job) {
             if (job.isCancelled())
                 return desktop_.say("Auto was stopped. Nothing was changed.");
-            desktop_.attempt([&] {
-                applyAuto(desktop_.store(), *proposals);
-                desktop_.say(job.summary(), proposals->empty() ? Offer::nothing : Offer::undo);
+            desktop_.store().whenFree([&desktop = desktop_, proposals, summary = job.summary()] {
+                desktop.attempt([&] {
+                    applyAuto(desktop.store(), *proposals);
+                    desktop.say(summary, proposals->empty() ? Offer::nothing : Offer::undo);
+                });
             });
         });
     }

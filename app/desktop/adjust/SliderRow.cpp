@@ -89,8 +89,8 @@ void SliderRow::show(const PhotoEdits& edits)
 void SliderRow::moved(int step)
 {
     desktop_.attempt([&] {
-        desktop_.draft().show(
-            title(), [this, value = valueOf(step)](PhotoEdits& edits) { slider_.setValue(edits, value); });
+        desktop_.draft().show(title(),
+            [&slider = slider_, value = valueOf(step)](PhotoEdits& edits) { slider.setValue(edits, value); });
     });
     letGo_.reset();
     if (!bar_->isSliderDown())
@@ -101,7 +101,8 @@ void SliderRow::moved(int step)
 void SliderRow::typed(double value)
 {
     desktop_.attempt([&] {
-        desktop_.draft().apply(title(), [this, value](PhotoEdits& edits) { slider_.setValue(edits, value); });
+        desktop_.draft().apply(
+            title(), [&slider = slider_, value](PhotoEdits& edits) { slider.setValue(edits, value); });
     });
 }
 
@@ -109,8 +110,8 @@ void SliderRow::reset()
 {
     desktop_.attempt([&] {
         desktop_.draft().drop();
-        desktop_.draft().apply(
-            "Reset " + std::string(slider_.label), [this](PhotoEdits& edits) { slider_.reset(edits); });
+        desktop_.draft().apply("Reset " + std::string(slider_.label),
+            [&slider = slider_](PhotoEdits& edits) { slider.reset(edits); });
     });
 }
 

@@ -8,6 +8,7 @@
 #include "catalog/store/LibraryActions.h"
 
 #include <QLabel>
+#include <QPointer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -24,6 +25,11 @@ bool hasSeveralLines(std::size_t place)
     return value == &PhotoMetadata::caption || value == &PhotoMetadata::altText;
 }
 
+void tellLost(Desktop& desktop, const QString& text)
+{
+    desktop.fail(std::runtime_error("This was typed and could not be kept: " + utf8(text)));
+}
+
 } // namespace
 
 DescriptiveForm::DescriptiveForm(Desktop& desktop, QWidget* parent)
@@ -36,6 +42,7 @@ DescriptiveForm::DescriptiveForm(Desktop& desktop, QWidget* parent)
         add(place);
     layout->addWidget(altHint_);
     fields_[altTextField]->goOn = [this] { nextWithoutAltText(); };
+    stepEnded_ = desktop.store().stepEnded.connect([this](StepOutcome outcome) { stepEnded(outcome); });
 }
 
 void DescriptiveForm::add(std::size_t place)
@@ -62,7 +69,7 @@ void DescriptiveForm::setPhotos(std::vector<PhotoID> photos)
     for (auto* const field : fields_) {
         field->commit();
         if (field->isTouched())
-            desktop_.fail(std::runtime_error("This was typed and could not be kept: " + utf8(field->text())));
+            tellLost(desktop_, field->text());
         field->reset();
     }
     photos_ = std::move(photos);
@@ -125,19 +132,56 @@ void DescriptiveForm::workOffAltTexts(std::optional<std::size_t> left)
             qt("Enter writes it and goes to the next photo; " + counted(*left, "photo") + " left"));
 }
 
+DescriptiveForm::Typed DescriptiveForm::typed(std::size_t place, const QString& text) const
+{
+    auto& store = desktop_.store();
+    if (place == keywordsField && photos_.size() > 1)
+        return {photos_, place, text, [&store, photos = photos_, edit = keywordEdit(keywords_, utf8(text))] {
+                    editKeywords(store, photos, edit);
+                }};
+    const auto stored = place == keywordsField ? tidyKeywordText(utf8(text)) : utf8(text);
+    return {photos_, place, text,
+        [&store, photos = photos_, place, stored] { setMetadataField(store, photos, place, stored); }};
+}
+
 bool DescriptiveForm::changeField(std::size_t place, const QString& text)
+{
+    const auto change = typed(place, text);
+    if (!desktop_.store().longStep())
+        return keep(change);
+    // The user goes on to other photos, and the text waits for its turn.
+    desktop_.store().whenFree([form = QPointer(this), change] {
+        if (form && !form->keep(change))
+            form->giveBack(change);
+    });
+    return true;
+}
+
+bool DescriptiveForm::keep(const Typed& change)
 {
     bool kept = false;
     desktop_.attempt([&] {
-        if (place != keywordsField)
-            setMetadataField(desktop_.store(), photos_, place, utf8(text));
-        else if (photos_.size() == 1)
-            setMetadataField(desktop_.store(), photos_, place, tidyKeywordText(utf8(text)));
-        else
-            editKeywords(desktop_.store(), photos_, keywordEdit(keywords_, utf8(text)));
+        change.store();
         kept = true;
+        if (desktop_.store().longStep())
+            storing_ = change;
     });
     return kept;
+}
+
+void DescriptiveForm::giveBack(const Typed& change)
+{
+    if (change.photos == photos_ && !fields_[change.place]->isTouched())
+        fields_[change.place]->retype(change.text);
+    else
+        tellLost(desktop_, change.text);
+}
+
+void DescriptiveForm::stepEnded(StepOutcome outcome)
+{
+    const auto change = std::exchange(storing_, {});
+    if (change && outcome != StepOutcome::done)
+        giveBack(*change);
 }
 
 /// The photos that were given a text leave the list, and the store has selected the next by then. One that

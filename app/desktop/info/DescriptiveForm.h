@@ -38,7 +38,19 @@ public:
 
 private:
     void add(std::size_t place);
+    struct Typed {
+        std::vector<PhotoID> photos;
+        std::size_t place;
+        QString text;
+        std::function<void()> store;
+    };
+
+    Typed typed(std::size_t place, const QString& text) const;
     bool changeField(std::size_t place, const QString& text);
+    bool keep(const Typed& change);
+    /// Shows again what could not be stored, or tells of it.
+    void giveBack(const Typed& change);
+    void stepEnded(StepOutcome outcome);
     void nextWithoutAltText();
 
     Desktop& desktop_;
@@ -47,6 +59,8 @@ private:
     std::array<FieldEdit*, 6> fields_{};
     SharedText keywords_; // those in common, as shown
     QLabel* altHint_;
+    std::optional<Typed> storing_; // by a step that has not ended
+    Connection stepEnded_;
 };
 
 } // namespace korvo

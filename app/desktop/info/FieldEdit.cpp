@@ -52,6 +52,12 @@ void FieldEdit::takeBack()
     showing_ = false;
 }
 
+void FieldEdit::retype(const QString& text)
+{
+    setPlainText(text);
+    touched_ = true;
+}
+
 void FieldEdit::textEdited()
 {
     touched_ |= !showing_;

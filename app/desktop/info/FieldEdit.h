@@ -20,6 +20,8 @@ public:
     void reset() { touched_ = false; }
     /// The same, and shows again what was there before.
     void takeBack();
+    /// Shows a text of the user's again that could not be kept after all.
+    void retype(const QString& text);
     QString text() const { return toPlainText(); }
     /// Whether the user has changed the text since it was shown.
     bool isTouched() const { return touched_; }

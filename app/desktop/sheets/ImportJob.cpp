@@ -26,9 +26,11 @@ std::shared_ptr<Job> startImport(
     const auto since = desktop.store().newestStep();
     return desktop.jobs().start("Importing from " + nameOf(from.source), Stopping::keeps, work,
         [added, since, &desktop, ended = std::move(watcher.ended)](const Job& job) {
-            desktop.attempt([&] {
-                desktop.session().photosAdded("Import", std::move(*added), since);
-                desktop.say(job.summary(), Offer::undo);
+            desktop.store().whenFree([&desktop, added, since, summary = job.summary()] {
+                desktop.attempt([&] {
+                    desktop.session().photosAdded("Import", *added, since);
+                    desktop.say(summary, Offer::undo);
+                });
             });
             ended(job);
         });

@@ -184,6 +184,7 @@ int run(Application& application, const Options& options)
     onTermination(window, [&] { window.quitUnasked(); });
     addToLibrary(desktop, start->add);
     const int status = show(application, desktop);
+    desktop.store().finishLongStep(); // which is to end well, however long it takes
     instance.reset(); // another start must not wait for this end
     endSoon();
     return status;

@@ -100,8 +100,8 @@ void Commands::run(Command command, const Handler& handler)
     if (command == Command::undo && takeBackWhatIsOpen())
         return refresh();
     if (actsOnPhotos(command) ? !settleForPhotos()
-                              : !settle() && command != Command::quit && command != Command::escape)
-        return; // quitting asks, and Esc only leaves the field
+                              : command != Command::quit && !settle() && command != Command::escape)
+        return; // quitting does so itself, and Esc only leaves the field
     if (handler)
         desktop_.attempt(handler);
     advance_ = false;

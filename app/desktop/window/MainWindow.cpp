@@ -62,6 +62,10 @@ MainWindow::MainWindow(Desktop& desktop)
     commands_.fillMenus(*menuBar());
     commands_.addCentre(*middle_);
     browserChanged_ = desktop_.browser().changed.connect([this] { showMode(); });
+    stepEnded_ = desktop_.store().stepEnded.connect([this](StepOutcome outcome) {
+        if (std::exchange(closesAfterStep_, false) && outcome == StepOutcome::done)
+            QTimer::singleShot(0, this, &QWidget::close); // after what else waits for the end of the step
+    });
     connect(&otherProcesses_, &QTimer::timeout, this,
         [this] { desktop_.attempt([this] { desktop_.store().reloadIfChangedElsewhere(); }); });
     otherProcesses_.start(lookForOthers);
@@ -161,7 +165,12 @@ void MainWindow::restoreSides(const QByteArray& bytes)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    const bool isKept = commands_.settle() && !desktop_.draft().isOpen();
+    auto& store = desktop_.store();
+    const bool isKept = store.longStep() || (commands_.settle() && !desktop_.draft().isOpen());
+    if (const auto* const step = store.longStep()) {
+        closeAfter(*step);
+        return event->ignore();
+    }
     const auto jobs = desktop_.jobs().running();
     const auto adjusting = desktop_.session().writeBack().adjusting();
     if ((!isKept && !isLossWished(*this)) || (!jobs.empty() && !isEndWished(*this, jobs))
@@ -172,9 +181,17 @@ void MainWindow::closeEvent(QCloseEvent* event)
     QApplication::quit(); // also while a full-screen photo or a sheet is open
 }
 
+void MainWindow::closeAfter(const std::string& step)
+{
+    if (!std::exchange(closesAfterStep_, true))
+        desktop_.say("The window closes when “" + step + "” is done.");
+}
+
 void MainWindow::quitUnasked()
 {
+    desktop_.store().finishLongStep(); // nothing that is typed can be stored before
     commands_.settle();
+    desktop_.store().finishLongStep();
     memory_.remember();
     QApplication::exit();
 }

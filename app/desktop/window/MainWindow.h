@@ -71,6 +71,8 @@ protected:
 
 private:
     void makeCommands();
+    /// Closes the window when the step that is running has gone well.
+    void closeAfter(const std::string& step);
     void showMode();
     void leaveFieldOrCentre();
     void cycleModes();
@@ -98,7 +100,8 @@ private:
     std::array<QWidget*, 5> centres_{}; // by mode
     WindowMemory memory_{*this};
     QTimer otherProcesses_; // when to look for what they have changed
-    Connection browserChanged_;
+    bool closesAfterStep_ = false;
+    Connection browserChanged_, stepEnded_;
 };
 
 } // namespace korvo

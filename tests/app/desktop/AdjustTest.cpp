@@ -85,4 +85,36 @@ TEST(Adjust, autoLooksAtThePhotosInTheBackground)
     EXPECT_EQ(t.store().undoTitle(), "Auto Enhance");
 }
 
+TEST(Adjust, autoEnhanceWaitsForAStepThatTakesLong)
+{
+    PhotoWindow t(std::chrono::milliseconds(0));
+    const auto dark = t.add("a.png", 40);
+    t.settleStore();
+    t.store().select({dark});
+    t.window->commands().run(Command::autoAdjust);
+    const auto mayEnd = t.beginStep();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }, wait));
+    EXPECT_FALSE(t.listed(dark).hasEdits());
+    *mayEnd = true;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return t.listed(dark).hasEdits(); }, wait));
+    EXPECT_EQ(t.store().undoTitle(), "Auto Enhance");
+    EXPECT_TRUE(t.visibleButton("Undo"));
+}
+
+TEST(Adjust, aSlidersChangeOfVeryManyPhotosOutlivesTheWindow)
+{
+    PhotoWindow t(std::chrono::milliseconds(0));
+    const auto ids = t.selectMany();
+    Database other(t.catalogFile());
+    auto writing = std::make_optional<Transaction>(other);
+    t.slider("Exposure").setValue(100);
+    t.window->commands().settle();
+    ASSERT_TRUE(t.store().longStep());
+    t.window = nullptr;
+    writing.reset();
+    t.store().finishLongStep();
+    for (const auto id : {ids.front(), ids.back()})
+        EXPECT_EQ(t.store().catalog().photo(id)->edits(), (PhotoEdits{.exposure = 1}));
+}
+
 } // namespace korvo

@@ -192,6 +192,65 @@ TEST(Info, quittingAsksForATextThatCannotBeStored)
     EXPECT_EQ(field(t, "Title").toPlainText(), "First");
 }
 
+TEST(Info, quittingWaitsForAStepThatTakesLongAndKeepsWhatWasTypedMeanwhile)
+{
+    const auto quit = [](TestWindow& t) { t.window->commands().run(Command::quit); };
+    const auto endSession = [](TestWindow& t) { t.window->quitUnasked(); };
+    for (const auto& end : {std::function<void(TestWindow&)>(quit), {endSession}}) {
+        TestWindow t(1, std::chrono::milliseconds(0));
+        t.settleStore();
+        t.store().select({1});
+        settle();
+        const auto mayEnd = t.beginStep();
+        type(t, "Title", "First");
+        std::thread ending([mayEnd] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            *mayEnd = true;
+        });
+        QTimer::singleShot(0, t.window.get(), [&] { end(t); });
+        QApplication::exec();
+        ending.join();
+        EXPECT_FALSE(t.visibleButton("Close")) << "nothing has failed";
+        EXPECT_EQ(t.store().catalog().photo(1)->metadata.title, "First");
+        EXPECT_EQ(t.store().catalog().photo(1)->label, PhotoLabel::red);
+    }
+}
+
+TEST(Info, aTextThatIsTypedDuringAStepThatTakesLongIsStoredAfterIt)
+{
+    TestWindow t(2, std::chrono::milliseconds(0));
+    t.settleStore();
+    t.store().select({1});
+    settle();
+    const auto mayEnd = t.beginStep();
+    type(t, "Title", "First");
+    t.store().select({2});
+    settle();
+    *mayEnd = true;
+    t.settleStore();
+    EXPECT_EQ(t.listed(1).metadata.title, "First");
+    EXPECT_EQ(t.listed(2).metadata.title, "");
+    EXPECT_FALSE(t.visibleButton("Close"));
+}
+
+TEST(Info, aTextForVeryManyPhotosComesBackWhenItCouldNotBeStored)
+{
+    TestWindow t(0, std::chrono::milliseconds(0));
+    const auto ids = t.selectMany();
+    settle();
+    t.hideCatalog();
+    type(t, "Title", "First");
+    t.press(Qt::Key_Tab);
+    ASSERT_TRUE(t.store().longStep());
+    t.settleStore();
+    settle();
+    t.bringCatalogBack();
+    EXPECT_EQ(field(t, "Title").toPlainText(), "First");
+    t.window->commands().run(Command::sidebar);
+    t.settleStore();
+    EXPECT_EQ(t.store().catalog().photo(ids.back())->metadata.title, "First");
+}
+
 TEST(Info, aCommandIsForThePhotoThatWasTypedForOrForNone)
 {
     TestWindow t(3);

@@ -13,7 +13,9 @@ inline constexpr int wait = 10'000; // ms
 
 /// A window over photos of one grey each.
 struct PhotoWindow : TestWindow {
-    PhotoWindow() : TestWindow(0) { }
+    explicit PhotoWindow(std::chrono::milliseconds patience = LibraryStore::untilItIsRead)
+        : TestWindow(0, patience)
+    { }
 
     PhotoID add(const std::string& name, int grey = 100, int width = 600, int height = 400)
     {

@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 namespace korvo {
 
 /// The window over a library of photos a.jpg, b.jpg… whose files are not there, shown without a display.
@@ -34,6 +37,43 @@ struct TestWindow : TestLibrary {
     {
         QWidget* const focus = QApplication::focusWidget();
         QTest::keyClick(focus ? focus : window.get(), key, modifiers);
+    }
+
+    /// Adds very many photos without files, and selects them.
+    std::vector<PhotoID> selectMany()
+    {
+        std::vector<NewPhoto> photos;
+        for (int i = 0; i < 2500; ++i)
+            photos.push_back({.path = "/many/" + std::to_string(i) + ".jpg"});
+        std::vector<PhotoID> ids;
+        for (const auto& added : store().catalog().addPhotos(photos))
+            ids.push_back(added.id);
+        store().reload();
+        settleStore();
+        store().select(ids);
+        return ids;
+    }
+    void settleStore()
+    {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !store().longStep() && !store().isReading(); }, 10'000));
+    }
+    /// Makes steps of very many photos fail, in a way that may pass.
+    void hideCatalog() { std::filesystem::rename(catalogFile(), catalogFile().string() + ".hidden"); }
+    void bringCatalogBack() { std::filesystem::rename(catalogFile().string() + ".hidden", catalogFile()); }
+    std::filesystem::path catalogFile() { return store().catalog().libraryURL() / "catalog.sqlite"; }
+
+    /// Begins a step of very many photos that does not end before that is set.
+    std::shared_ptr<std::atomic<bool>> beginStep()
+    {
+        auto mayEnd = std::make_shared<std::atomic<bool>>(false);
+        const auto change = [mayEnd](Catalog& changed) {
+            while (!*mayEnd)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            changed.setLabel(only(1), PhotoLabel::red);
+        };
+        store().perform("Long Step", change, 5000);
+        EXPECT_TRUE(store().longStep());
+        return mayEnd;
     }
 
     /// What is asked while a command runs, title and details; nothing if it asks nothing. The answer is no.

@@ -271,4 +271,29 @@ TEST(MainWindow, livesBeforeItsPhotosAreThere)
     EXPECT_EQ(window.listed(window.desktop->browser().current().value()).rating, 3);
 }
 
+TEST(Desktop, saysWhatWasDoneOnceItIsDone)
+{
+    TestWindow t(0, std::chrono::milliseconds(0));
+    t.selectMany();
+    std::vector<std::string> said;
+    const auto listening = t.desktop->noticed.connect([&](const Notice& notice) {
+        said.push_back(notice.text.substr(0, 14) + (notice.undoes ? "!" : ""));
+    });
+    t.hideCatalog();
+    t.window->commands().run(Command::remove);
+    t.settleStore();
+    ASSERT_EQ(said.size(), 1U);
+    EXPECT_EQ(said[0], "Couldn't open ") << "nothing was rejected";
+    said.clear();
+    t.bringCatalogBack();
+    {
+        Database other(t.catalogFile());
+        const Transaction writing(other);
+        t.window->commands().run(Command::remove);
+        EXPECT_EQ(said, std::vector<std::string>());
+    }
+    t.settleStore();
+    EXPECT_EQ(said, std::vector<std::string>{"Rejected 2500 !"});
+}
+
 } // namespace korvo

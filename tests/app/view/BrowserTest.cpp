@@ -187,6 +187,35 @@ TEST(Browser, leavesASourceThatUndoOrRedoTookAway)
     EXPECT_EQ(t.store->source(), std::nullopt);
 }
 
+TEST(Browser, aSurveyKeepsItsPhotosThroughUndoAndRedoThatTakeLong)
+{
+    TestBrowser t(std::chrono::milliseconds(0));
+    std::vector<NewPhoto> photos;
+    for (int i = 0; i < 2500; ++i)
+        photos.push_back({.path = "/more/" + std::to_string(i) + ".jpg"});
+    IDs ids;
+    for (const auto& added : t.store->catalog().addPhotos(photos))
+        ids.push_back(added.id);
+    const auto end
+        = [&] { return t.main.runUntil([&] { return !t.store->longStep() && !t.store->isReading(); }); };
+    t.store->reload();
+    ASSERT_TRUE(end());
+    setMetadataField(*t.store, ids, 0, std::string(500, 'x'));
+    ASSERT_TRUE(end());
+    t.store->select({3, 4});
+    t.browser->setMode(ViewMode::survey);
+    for (const auto take : {&Browser::undo, &Browser::redo}) {
+        ((*t.browser).*take)();
+        ASSERT_TRUE(t.store->longStep());
+        ASSERT_TRUE(end());
+        EXPECT_EQ(t.store->selection(), (IDs{3, 4}));
+    }
+    t.browser->undo();
+    t.store->select({5});
+    ASSERT_TRUE(end());
+    EXPECT_EQ(t.store->selection(), IDs{5});
+}
+
 TEST(Browser, leavesASourceThatGoesByAStepThatTakesLong)
 {
     TestBrowser t(std::chrono::milliseconds(0));

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace korvo {
 
 namespace {
@@ -95,6 +97,47 @@ TEST_F(DraftTest, whatCannotBeStoredNowStaysDraftedForItsPhotosAndWhatNeverCanGo
     EXPECT_THROW(draft->apply("Exposure", exposure(1)), JsonError);
     EXPECT_FALSE(draft->isOpen());
     EXPECT_EQ(told, 2) << "the views hear of the draft, and of its end";
+}
+
+TEST(EditDraft, ofVeryManyPhotosStaysTillItIsStored)
+{
+    TestLibrary library;
+    std::vector<NewPhoto> photos;
+    for (int i = 0; i < 2500; ++i)
+        photos.push_back({.path = "/photos/" + std::to_string(i) + ".jpg"});
+    library.catalog->addPhotos(photos);
+    ManualMainThread main;
+    LibraryStore store(main, std::move(library.catalog), std::chrono::milliseconds(0));
+    Browser browser(store);
+    EditDraft draft(store, browser);
+    const auto end
+        = [&] { EXPECT_TRUE(main.runUntil([&] { return !store.longStep() && !store.isReading(); })); };
+    const auto shown = [&] { return draft.editsOf(*store.list().find(1)).exposure; };
+    end();
+    std::vector<PhotoID> ids(photos.size());
+    std::iota(ids.begin(), ids.end(), 1);
+    store.select(ids);
+
+    const auto catalog = store.catalog().libraryURL() / "catalog.sqlite";
+    const auto moved = store.catalog().libraryURL() / "moved.sqlite";
+    std::filesystem::rename(catalog, moved); // so that the step fails, but may go well later
+    draft.apply("Exposure", [](PhotoEdits& edits) { edits.exposure = 1; });
+    ASSERT_TRUE(store.longStep());
+    EXPECT_FALSE(draft.isOpen());
+    draft.drop();
+    EXPECT_THROW(draft.show("Tint", [](PhotoEdits& edits) { edits.tint = 5; }), DatabaseError);
+    EXPECT_EQ(shown(), 1);
+    end();
+    std::filesystem::rename(moved, catalog);
+    EXPECT_TRUE(draft.isOpen());
+    EXPECT_EQ(shown(), 1);
+    EXPECT_FALSE(store.undoTitle());
+    draft.keep();
+    EXPECT_EQ(shown(), 1);
+    end();
+    EXPECT_FALSE(draft.isOpen());
+    EXPECT_EQ(store.list().find(1)->edits(), (PhotoEdits{.exposure = 1}));
+    EXPECT_EQ(store.undoTitle(), "Exposure");
 }
 
 } // namespace korvo

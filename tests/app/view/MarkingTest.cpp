@@ -134,4 +134,24 @@ TEST(Marking, deleteTakesOutOfAnAlbumAndElsewhereRejects)
     EXPECT_EQ(t.marks(1), "x") << "the second time rejects no less";
 }
 
+TEST(Marking, goesByWhatIsStoredWhileTheListIsBehind)
+{
+    TestMarking t;
+    std::vector<NewPhoto> photos;
+    for (int i = 0; i < 20'500; ++i)
+        photos.push_back({.path = "/more/" + std::to_string(i) + ".jpg"});
+    auto& catalog = t.store->catalog();
+    catalog.addPhotos(photos);
+    LibraryStore store(t.main, std::make_unique<Catalog>(catalog.beside()), std::chrono::milliseconds(0));
+    ASSERT_TRUE(t.main.runUntil([&] { return !store.isReading(); }));
+    std::vector<PhotoID> ids;
+    for (const auto& item : store.list().items())
+        ids.push_back(item.id);
+    setRating(store, ids, 5);
+    ASSERT_TRUE(t.main.runUntil([&] { return !store.longStep(); }));
+    ASSERT_EQ(store.list().find(1)->rating, 0) << "it is still being read";
+    setMark(store, only(1), Mark::reject);
+    EXPECT_EQ(catalog.photo(1)->rating, rejectedWith(5));
+}
+
 } // namespace korvo
