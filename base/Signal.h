@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -19,7 +20,7 @@ private:
 
 /// A list of observers, called in the order they were connected. Used on one thread. Observers may connect,
 /// disconnect and emit from inside a call; those connected during an emission are called from the next one
-/// on.
+/// on. What one of them throws keeps no other from hearing: it is thrown on in the end, the first of several.
 template <typename... Args>
 class Signal {
 public:
@@ -34,9 +35,17 @@ public:
     {
         std::erase_if(slots_, [](const auto& slot) { return slot.expired(); });
         const auto current = slots_;
+        std::exception_ptr fault;
         for (const auto& slot : current)
-            if (const auto observer = slot.lock())
-                (*observer)(args...);
+            try {
+                if (const auto observer = slot.lock())
+                    (*observer)(args...);
+            } catch (...) {
+                if (!fault)
+                    fault = std::current_exception();
+            }
+        if (fault)
+            std::rethrow_exception(fault);
     }
 
 private:

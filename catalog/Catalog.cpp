@@ -5,6 +5,7 @@
 #include "catalog/MovedLibrary.h"
 #include "catalog/Stacks.h"
 
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -62,6 +63,10 @@ Catalog::Catalog(std::filesystem::path folder, Database database)
 
 Catalog Catalog::beside() const
 {
+    int hasMoved = 0; // then another library may stand in its place
+    sqlite3_file_control(database_.handle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
+    if (hasMoved != 0)
+        throw DatabaseError::open(sqlite3_errstr(SQLITE_CANTOPEN), SQLITE_CANTOPEN);
     Catalog catalog(folder_, Database::openExisting(folder_ / "catalog.sqlite"));
     catalog.database_.exec(
         "PRAGMA cache_size = -65536"); // KiB: what changes many rows needs most pages twice

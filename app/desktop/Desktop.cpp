@@ -98,6 +98,7 @@ void Desktop::sayTakenOut(std::size_t photos)
 
 void Desktop::stepEnded(StepOutcome outcome)
 {
+    stepBefore_ = nullptr; // an attempt that asks the user goes on meanwhile
     const auto text = std::exchange(saidOfStep_, {});
     if (outcome != StepOutcome::done)
         return;
@@ -109,7 +110,9 @@ void Desktop::stepEnded(StepOutcome outcome)
 
 void Desktop::fail(const std::exception& error)
 {
-    notify({Notice::Kind::error, asSentence(textForUser(error))});
+    const auto* const fault = dynamic_cast<const DatabaseError*>(&error);
+    const bool passes = fault && fault->which() == DatabaseError::Case::occupied;
+    notify({passes ? Notice::Kind::note : Notice::Kind::error, asSentence(textForUser(error))});
 }
 
 } // namespace korvo

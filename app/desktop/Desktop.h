@@ -69,7 +69,8 @@ public:
     /// did, if that is offered and anything was done. Of a step that has not ended it is said when it has,
     /// and not at all when it failed.
     void say(std::string text, Offer offer = Offer::nothing);
-    /// Shows what went wrong, as a sentence; it stays until it is clicked away.
+    /// Shows what went wrong, as a sentence; it stays until it is clicked away, but for what only had to
+    /// wait.
     void fail(const std::exception& error);
     /// Does something that the user asked for, and shows what goes wrong with it. When it has changed many
     /// photos without a word, says so, and offers to take it back.

@@ -22,7 +22,9 @@ PhotoEdits EditDraft::editsOf(const PhotoItem& item) const
 void EditDraft::show(std::string title, Change change)
 {
     if (change_ && (state_ != State::open || title != title_))
-        store(); // which throws as long as it is being stored
+        store();
+    if (change_ && state_ != State::open) // it waits, or is being stored
+        throw DatabaseError::occupied(title_);
     if (!change_)
         photos_ = browser_.targets();
     title_ = std::move(title);
@@ -38,44 +40,59 @@ void EditDraft::keep()
 
 void EditDraft::store()
 {
-    auto change = std::exchange(change_, {});
-    const auto before = std::exchange(state_, State::open);
+    if (!store_.isFree())
+        return waitForStep();
+    state_ = State::storing; // shown all the while
     try {
-        changeEdits(store_, title_, photos_, change);
+        changeEdits(store_, title_, photos_, change_);
     } catch (const DatabaseError& error) {
-        if (error.mayPass()) {
-            change_ = std::move(change);
-            state_ = before == State::storing ? before : State::over;
-        } else
-            changed.emit();
+        if (error.mayPass())
+            state_ = State::over;
+        else
+            end();
         throw;
     } catch (...) {
-        changed.emit();
+        end();
         throw;
     }
-    if (store_.longStep()) {
-        change_ = std::move(change);
-        state_ = State::storing;
+    if (!store_.longStep()) {
+        change_ = {};
+        state_ = State::open;
     }
+}
+
+void EditDraft::end()
+{
+    change_ = {};
+    state_ = State::open;
+    changed.emit();
+}
+
+void EditDraft::waitForStep()
+{
+    if (state_ == State::storing)
+        return;
+    state_ = State::over;
+    store_.whenFree([this] {
+        if (state_ == State::over)
+            store();
+    });
 }
 
 void EditDraft::stepEnded(StepOutcome outcome)
 {
     if (state_ != State::storing)
         return;
-    state_ = outcome == StepOutcome::failedForNow ? State::over : State::open;
-    if (state_ == State::open)
-        change_ = {};
-    changed.emit();
+    if (outcome == StepOutcome::failedForNow)
+        state_ = State::over;
+    else
+        end();
 }
 
 void EditDraft::drop()
 {
-    if (!isOpen()) // what is being stored is taken back by undo, after it
-        return;
-    state_ = State::open;
-    change_ = {};
-    changed.emit();
+    if (isOpen()) // what is being stored is taken back by undo, after it
+        end();
 }
 
 void EditDraft::apply(std::string title, Change change)

@@ -29,7 +29,8 @@ public:
     void show(std::string title, Change change);
     /// Stores what is drafted, if anything. Throws as the store does: what could not be written now (another
     /// program writes, the disk is full) stays drafted for the next time, anything else is dropped. What the
-    /// store does not wait for is shown till it is stored, and drafted again where that fails so.
+    /// store does not wait for is shown till it is stored, and drafted again where that fails so. While
+    /// another step runs it waits for the end of that.
     void keep();
     void drop();
     /// Shows and keeps in one.
@@ -43,6 +44,8 @@ private:
     };
 
     void store();
+    void end();
+    void waitForStep();
     void stepEnded(StepOutcome outcome);
 
     LibraryStore& store_;

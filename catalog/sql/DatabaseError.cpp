@@ -49,7 +49,7 @@ bool DatabaseError::mayPass() const
 std::string DatabaseError::textForUser() const
 {
     const auto* const trouble = troubleOf(*this);
-    if (!trouble || (which_ == Case::step && sql_.empty())) // the latter says all by itself
+    if (!trouble || (which_ != Case::open && sql_.empty())) // the latter says all by itself
         return what();
     return (which_ == Case::open ? what() + std::string(".") : trouble->what) + " " + trouble->toDo;
 }
@@ -78,7 +78,7 @@ DatabaseError DatabaseError::outdated(
 
 DatabaseError DatabaseError::occupied(const std::string& title)
 {
-    return {Case::step, sqlite3_errstr(SQLITE_BUSY), {}, SQLITE_BUSY,
+    return {Case::occupied, sqlite3_errstr(SQLITE_BUSY), {}, SQLITE_BUSY,
         "“" + title + "” is not done yet. Try again when it is."};
 }
 

@@ -8,7 +8,7 @@ namespace korvo {
 /// A failure of the catalog's database. what() is the text for the user.
 class DatabaseError : public std::runtime_error {
 public:
-    enum class Case { open, prepare, step };
+    enum class Case { open, prepare, step, occupied };
 
     /// The library could not be opened.
     static DatabaseError open(const std::string& message, int code = 0);

@@ -80,7 +80,9 @@ public:
     void perform(std::string title, std::function<void(Catalog&)> change, std::size_t photos = 0);
     /// The title of the step that runs so, if any.
     const std::string* longStep() const { return longStep_ ? &longStep_->title : nullptr; }
-    /// Does it once no step is running: at once, or after stepEnded, in the order asked for.
+    /// Whether a step may begin: none is running, and the last has been told of.
+    bool isFree() const { return !longStep_ && !endedStep_; }
+    /// Does it once it is free: at once, or after stepEnded, in the order asked for.
     void whenFree(std::function<void()> action);
     void finishLongStep(); ///< returns once none is running
 
@@ -193,6 +195,7 @@ private:
     ChangedRows late_; // what background work changed while ordering_ looks at the list, which thus stands
     std::unique_ptr<Background<PhotoList::Order>> ordering_; // of list_; ends before it
     std::deque<std::function<void()>> whenFree_; // once the long step has ended
+    std::unique_ptr<LongStep> endedStep_; // till all have heard of it
     std::unique_ptr<LongStep> longStep_; // of history_; last, so that it ends first
 };
 

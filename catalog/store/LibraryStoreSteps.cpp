@@ -44,11 +44,12 @@ try {
 void LibraryStore::longStepArrived()
 {
     main_.assertCurrent();
-    const auto step = std::exchange(longStep_, nullptr);
-    tellFault([&] { step->ending([&] { return taken(*step); }); });
+    endedStep_ = std::exchange(longStep_, nullptr);
+    tellFault([&] { endedStep_->ending([&] { return taken(*endedStep_); }); });
     tellFault([&] { changed.emit({}); });
-    tellFault([&] { stepEnded.emit(step->outcome); });
-    while (!longStep_ && !whenFree_.empty()) { // one of them may begin a long step again
+    tellFault([&] { stepEnded.emit(endedStep_->outcome); });
+    endedStep_ = nullptr;
+    while (isFree() && !whenFree_.empty()) { // one of them may begin a long step again
         const auto action = std::move(whenFree_.front());
         whenFree_.pop_front();
         tellFault(action);
@@ -67,10 +68,10 @@ void LibraryStore::tellFault(const std::function<void()>& action)
 void LibraryStore::whenFree(std::function<void()> action)
 {
     main_.assertCurrent();
-    if (longStep_)
-        whenFree_.push_back(std::move(action));
-    else
+    if (isFree())
         action();
+    else
+        whenFree_.push_back(std::move(action));
 }
 
 void LibraryStore::finishLongStep()
@@ -84,8 +85,8 @@ void LibraryStore::finishLongStep()
 void LibraryStore::requireNoLongStep()
 {
     main_.assertCurrent();
-    if (longStep_)
-        throw DatabaseError::occupied(longStep_->title);
+    if (const auto& step = longStep_ ? longStep_ : endedStep_)
+        throw DatabaseError::occupied(step->title);
 }
 
 void LibraryStore::perform(std::string title, std::function<void(Catalog&)> change, std::size_t photos)

@@ -49,6 +49,7 @@ StepDone madeChange(
 StepDone takenOut(Catalog& catalog, std::chrono::milliseconds patience, const AddedRows& added)
 {
     Transaction transaction(catalog.database(), patience);
+    const LongWrite mayBe;
     auto done = madeChange(catalog, patience, [&](Catalog&) { catalog.takeOut(added); });
     done.changes = done.changes.inverted();
     transaction.commit();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace korvo {
 
 TEST(Signal, callsObserversInOrderUntilTheyDisconnect)
@@ -34,6 +36,17 @@ TEST(Signal, observersMayConnectAndDisconnectFromInsideACall)
     EXPECT_EQ(droppedCalls, 0);
     signal.emit();
     EXPECT_EQ(late, 0) << "the second call replaced the observer before it was reached";
+}
+
+TEST(Signal, whatOneObserverThrowsKeepsNoOtherFromHearing)
+{
+    Signal<> signal;
+    int heard = 0;
+    const auto failing = signal.connect([] { throw std::runtime_error("first"); });
+    const auto alsoFailing = signal.connect([] { throw std::logic_error("second"); });
+    const auto hearing = signal.connect([&] { ++heard; });
+    EXPECT_THROW(signal.emit(), std::runtime_error);
+    EXPECT_EQ(heard, 1);
 }
 
 TEST(Signal, aConnectionMayOutliveItsSignal)

@@ -165,6 +165,11 @@ TEST_F(LongSteps, areFollowedByAllThatWaitsForThemInItsOrder)
 {
     outcome();
     std::string order;
+    const auto early = store->changed.connect([&](const LibraryChange& change) {
+        if (!change.photos.empty()) {
+            EXPECT_THROW(setRating(*store, ids, 1), DatabaseError) << "not all have heard of the end";
+        }
+    });
     const auto listening = store->stepEnded.connect([&](StepOutcome) {
         order += "1";
         throw std::runtime_error("a listener fails");

@@ -29,20 +29,11 @@ public:
         commands.handle(Command::resetAdjustments, [this] {
             change("Reset Adjustments", [](PhotoEdits& edits) { edits = withoutAdjustments(edits); });
         });
-        commands.handle(Command::exportPhotos, [this] { showExportSheet(window_, targets()); });
+        commands.handle(
+            Command::exportPhotos, [this] { showExportSheet(window_, desktop_.browser().targets()); });
     }
 
 private:
-    /// The photos that the command acts on, as they are.
-    std::vector<PhotoItem> targets() const
-    {
-        std::vector<PhotoItem> photos;
-        for (const PhotoID id : desktop_.browser().targets())
-            if (const auto* const item = desktop_.store().list().find(id))
-                photos.push_back(*item);
-        return photos;
-    }
-
     void copy()
     {
         const auto* const item = desktop_.browser().currentItem();
@@ -71,8 +62,16 @@ private:
 
     void enhance()
     {
+        desktop_.store().whenFree([this, ids = desktop_.browser().targets()] { propose(ids); });
+    }
+
+    void propose(const std::vector<PhotoID>& ids)
+    {
         auto proposals = std::make_shared<std::vector<AutoProposal>>();
-        const auto work = [proposals, photos = targets(), &reader = desktop_.imageReader()](JobContext& job) {
+        const auto work = [proposals, ids, &catalog = desktop_.store().catalog(),
+                              &reader = desktop_.imageReader()](JobContext& job) {
+            const auto photos
+                = catalog.beside().photosByID(ids); // as they are stored: the list may be behind
             *proposals = autoProposals(
                 reader, photos, job.stop(), [&](std::size_t done) { job.progress(done, photos.size()); },
                 [&](std::string sentence) { job.fail(std::move(sentence)); });

@@ -114,13 +114,23 @@ void DescriptiveForm::show(const CommonMetadata& common)
     isRead_ = true;
     for (std::size_t place = 0; place < fields_.size(); ++place) {
         fields_[place]->setReadOnly(false);
-        const auto& text = common.text(place);
+        const auto text = shownText(common, place);
         const bool mixed = place == keywordsField ? common.keywordsDiffer() : !text && !photos_.empty();
         fields_[place]->show(text ? qt(*text) : QString(), mixed ? qt(mixedText) : QString());
         fields_[place]->setToolTip(mixed && place == keywordsField ? qt(mixedKeywordsText) : QString());
     }
     if (!fields_[keywordsField]->isTouched()) // else the user edits those of before
-        keywords_ = common.text(keywordsField).value_or(SharedText());
+        keywords_ = shownText(common, keywordsField).value_or(SharedText());
+}
+
+std::optional<SharedText> DescriptiveForm::shownText(const CommonMetadata& common, std::size_t place) const
+{
+    const auto isThis = [&](const Typed& typed) { return typed.place == place && typed.photos == photos_; };
+    if (const auto last = std::find_if(waiting_.rbegin(), waiting_.rend(), isThis); last != waiting_.rend())
+        return SharedText(utf8(last->text));
+    if (storing_ && isThis(*storing_))
+        return SharedText(utf8(storing_->text));
+    return common.text(place);
 }
 
 void DescriptiveForm::workOffAltTexts(std::optional<std::size_t> left)
@@ -147,14 +157,23 @@ DescriptiveForm::Typed DescriptiveForm::typed(std::size_t place, const QString& 
 bool DescriptiveForm::changeField(std::size_t place, const QString& text)
 {
     const auto change = typed(place, text);
-    if (!desktop_.store().longStep())
+    if (desktop_.store().isFree())
         return keep(change);
     // The user goes on to other photos, and the text waits for its turn.
-    desktop_.store().whenFree([form = QPointer(this), change] {
-        if (form && !form->keep(change))
-            form->giveBack(change);
+    waiting_.push_back(change);
+    desktop_.store().whenFree([form = QPointer(this)] {
+        if (form)
+            form->keepWaiting();
     });
     return true;
+}
+
+void DescriptiveForm::keepWaiting()
+{
+    const auto change = waiting_.front();
+    waiting_.pop_front();
+    if (!keep(change))
+        giveBack(change);
 }
 
 bool DescriptiveForm::keep(const Typed& change)

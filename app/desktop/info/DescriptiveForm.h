@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <array>
+#include <deque>
 #include <vector>
 
 class QLabel;
@@ -48,6 +49,9 @@ private:
     Typed typed(std::size_t place, const QString& text) const;
     bool changeField(std::size_t place, const QString& text);
     bool keep(const Typed& change);
+    void keepWaiting(); ///< the first that waits
+    /// What was typed for these photos and is about to be stored, else what is.
+    std::optional<SharedText> shownText(const CommonMetadata& common, std::size_t place) const;
     /// Shows again what could not be stored, or tells of it.
     void giveBack(const Typed& change);
     void stepEnded(StepOutcome outcome);
@@ -59,6 +63,7 @@ private:
     std::array<FieldEdit*, 6> fields_{};
     SharedText keywords_; // those in common, as shown
     QLabel* altHint_;
+    std::deque<Typed> waiting_; // for the end of a step
     std::optional<Typed> storing_; // by a step that has not ended
     Connection stepEnded_;
 };

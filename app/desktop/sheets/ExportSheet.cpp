@@ -67,9 +67,10 @@ Choice chosenIn(const QComboBox& menu)
 }
 
 std::string exported(
-    const ExportTools& tools, const std::vector<PhotoItem>& photos, const ExportPlan& plan, JobContext& job)
+    const ExportTools& tools, const std::vector<PhotoID>& ids, const ExportPlan& plan, JobContext& job)
 {
-    job.progress(0, photos.size());
+    job.progress(0, ids.size());
+    const auto photos = tools.catalog.beside().photosByID(ids); // as they are stored: the list may be behind
     const auto result = runExport(
         tools, photos, plan, job.stop(), [&](std::size_t done) { job.progress(done, photos.size()); });
     for (const auto& failure : result.failures)
@@ -79,7 +80,7 @@ std::string exported(
 
 } // namespace
 
-void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
+void showExportSheet(MainWindow& window, std::vector<PhotoID> photos)
 {
     if (photos.empty())
         return;
@@ -88,8 +89,9 @@ void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
     sheet->open();
 }
 
-ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoItem> photos)
+ExportSheet::ExportSheet(MainWindow& window, std::vector<PhotoID> photos)
     : QDialog(&window), desktop_(window.desktop()), photos_(std::move(photos)),
+      first_(desktop_.store().catalog().photo(photos_.front()).value_or(PhotoItem())),
       folder_(new FolderField("Export to")), format_(new QComboBox), size_(new QComboBox),
       pattern_(new PatternField(desktop_.defaults())), pixels_(spinBox(16, 100000, " pixels")),
       quality_(spinBox(1, 100, {})), withPosition_(new QCheckBox("Keep where the photos were taken")),
@@ -164,7 +166,7 @@ void ExportSheet::refresh()
     pixels_->setEnabled(chosenIn<ExportSize>(*size_) == ExportSize::limited);
     quality_->setEnabled(hasQuality(choice.format));
     example_->setText(qt(std::string(namingPresetEditor::example) + " "
-        + baseName(listedFacts(photos_.front()), choice.pattern, {1, photos_.size()})
+        + baseName(listedFacts(first_), choice.pattern, {1, photos_.size()})
         + std::string(endingOf(choice.format))));
     export_->setEnabled(choice.folder.is_absolute());
 }
@@ -176,8 +178,10 @@ void ExportSheet::accept()
         = [photos = photos_, choice = plan(),
               tools = ExportTools{desktop_.store().catalog(), desktop_.imageReader(), desktop_.exifTool()}](
               JobContext& job) { return exported(tools, photos, choice, job); };
-    desktop_.jobs().start("Export", Stopping::keeps, work,
-        [&desktop = desktop_](const Job& job) { desktop.say(job.summary()); });
+    desktop_.store().whenFree([&desktop = desktop_, work] {
+        desktop.jobs().start(
+            "Export", Stopping::keeps, work, [&desktop](const Job& job) { desktop.say(job.summary()); });
+    });
     QDialog::accept();
 }
 

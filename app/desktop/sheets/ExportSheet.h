@@ -17,12 +17,12 @@ class FolderField;
 class PatternField;
 
 /// Asks how photos are to be exported, and starts it as a job.
-void showExportSheet(MainWindow& window, std::vector<PhotoItem> photos);
+void showExportSheet(MainWindow& window, std::vector<PhotoID> photos);
 
 /// The sheet itself. What was chosen comes back the next time.
 class ExportSheet : public QDialog {
 public:
-    ExportSheet(MainWindow& window, std::vector<PhotoItem> photos);
+    ExportSheet(MainWindow& window, std::vector<PhotoID> photos);
 
     ExportPlan plan() const;
 
@@ -33,7 +33,8 @@ private:
     void accept() override;
 
     Desktop& desktop_;
-    std::vector<PhotoItem> photos_;
+    std::vector<PhotoID> photos_;
+    PhotoItem first_;
     FolderField* folder_;
     QComboBox *format_, *size_;
     PatternField* pattern_;

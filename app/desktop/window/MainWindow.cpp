@@ -189,6 +189,8 @@ void MainWindow::closeAfter(const std::string& step)
 
 void MainWindow::quitUnasked()
 {
+    for (const auto& job : desktop_.jobs().running())
+        job->cancel(); // the step may wait for one
     desktop_.store().finishLongStep(); // nothing that is typed can be stored before
     commands_.settle();
     desktop_.store().finishLongStep();

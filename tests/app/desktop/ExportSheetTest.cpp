@@ -12,7 +12,7 @@ TEST(ExportSheet, exportsAsAJobWithTheFailuresListed)
     PhotoWindow t;
     const auto photo = t.add("a.png", 100, 300, 200);
     const auto missing = t.addFile("missing.jpg");
-    ExportSheet sheet(*t.window, {t.listed(photo), t.listed(missing)});
+    ExportSheet sheet(*t.window, {photo, missing});
     sheet.findChild<QLineEdit*>()->setText(QString::fromStdString((t.folder / "out").string()));
     static_cast<QDialog&>(sheet).accept();
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.desktop->jobs().running().empty(); }, wait));
@@ -22,11 +22,28 @@ TEST(ExportSheet, exportsAsAJobWithTheFailuresListed)
     EXPECT_TRUE(QString::fromStdString(job.summary()).startsWith("Exported 1 photo "));
 }
 
+TEST(ExportSheet, exportsPhotosAsAStepThatRunsLeavesThem)
+{
+    PhotoWindow t(std::chrono::milliseconds(0));
+    const auto photo = t.add("a.png", 100, 300, 200);
+    t.settleStore();
+    const auto mayEnd
+        = t.beginStep([&](Catalog& catalog) { catalog.saveEdits(only(photo), {.rotation = 1}); });
+    ExportSheet sheet(*t.window, only(photo));
+    sheet.findChild<QLineEdit*>()->setText(QString::fromStdString((t.folder / "out").string()));
+    static_cast<QDialog&>(sheet).accept();
+    EXPECT_TRUE(t.desktop->jobs().running().empty()) << "it waits for the step";
+    *mayEnd = true;
+    const auto file = t.folder / "out" / "a.jpg";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(file); }, wait));
+    EXPECT_EQ(t.desktop->imageReader().read(file, {}, {}).fullWidth, 200);
+}
+
 TEST(ExportSheet, offersPresetsByTheirNames)
 {
     TestWindow t(1);
     NamingPreset::save({NamingPreset::make("By Day & Number", "{date}-{seq}")}, t.defaults);
-    ExportSheet sheet(*t.window, {t.listed(1)});
+    ExportSheet sheet(*t.window, only(1));
     auto* const menu = sheet.findChild<QMenu*>();
     ASSERT_TRUE(menu);
     Q_EMIT menu->aboutToShow();
@@ -44,7 +61,7 @@ TEST(ExportSheet, takesOfWhatOtherVersionsKeptWhatItKnows)
         t.defaults.set("korvo_export",
             R"({"folder":"/out","size":"limited","pixels":800,"quality":70,"pattern":"{name}","format":)"
                 + std::string(stored) + "}");
-        const auto plan = ExportSheet(*t.window, {t.listed(1)}).plan();
+        const auto plan = ExportSheet(*t.window, only(1)).plan();
         EXPECT_EQ(plan.format, expected) << stored;
         EXPECT_EQ(plan.size, 800);
         EXPECT_EQ(plan.position, Position::keep) << "not in what was kept before there was the choice";

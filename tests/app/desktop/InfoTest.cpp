@@ -226,6 +226,10 @@ TEST(Info, aTextThatIsTypedDuringAStepThatTakesLongIsStoredAfterIt)
     type(t, "Title", "First");
     t.store().select({2});
     settle();
+    EXPECT_EQ(field(t, "Title").toPlainText(), "");
+    t.store().select({1});
+    settle();
+    EXPECT_EQ(field(t, "Title").toPlainText(), "First") << "it is not lost";
     *mayEnd = true;
     t.settleStore();
     EXPECT_EQ(t.listed(1).metadata.title, "First");

@@ -63,15 +63,16 @@ struct TestWindow : TestLibrary {
     std::filesystem::path catalogFile() { return store().catalog().libraryURL() / "catalog.sqlite"; }
 
     /// Begins a step of very many photos that does not end before that is set.
-    std::shared_ptr<std::atomic<bool>> beginStep()
+    std::shared_ptr<std::atomic<bool>> beginStep(const std::function<void(Catalog&)>& change
+        = [](Catalog& catalog) { catalog.setLabel(only(1), PhotoLabel::red); })
     {
         auto mayEnd = std::make_shared<std::atomic<bool>>(false);
-        const auto change = [mayEnd](Catalog& changed) {
+        const auto waiting = [mayEnd, change](Catalog& catalog) {
             while (!*mayEnd)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            changed.setLabel(only(1), PhotoLabel::red);
+            change(catalog);
         };
-        store().perform("Long Step", change, 5000);
+        store().perform("Long Step", waiting, 5000);
         EXPECT_TRUE(store().longStep());
         return mayEnd;
     }

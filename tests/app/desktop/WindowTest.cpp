@@ -294,6 +294,16 @@ TEST(Desktop, saysWhatWasDoneOnceItIsDone)
     }
     t.settleStore();
     EXPECT_EQ(said, std::vector<std::string>{"Rejected 2500 !"});
+
+    said.clear();
+    const auto mayEnd = t.beginStep();
+    t.desktop->attempt([&] { // as while the user is asked something
+        *mayEnd = true;
+        t.settleStore();
+        setRating(t.store(), only(1), 1);
+        t.desktop->say("Rated.", Offer::undo);
+    });
+    EXPECT_EQ(said, std::vector<std::string>{"Rated.!"});
 }
 
 } // namespace korvo

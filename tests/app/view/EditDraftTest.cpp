@@ -138,6 +138,20 @@ TEST(EditDraft, ofVeryManyPhotosStaysTillItIsStored)
     EXPECT_FALSE(draft.isOpen());
     EXPECT_EQ(store.list().find(1)->edits(), (PhotoEdits{.exposure = 1}));
     EXPECT_EQ(store.undoTitle(), "Exposure");
+
+    draft.show("Exposure", [](PhotoEdits& edits) { edits.exposure = 2; });
+    EXPECT_THROW(draft.show("Tint", [](PhotoEdits& edits) { edits.tint = 5; }), DatabaseError)
+        << "keeping the first has begun a step";
+    end();
+    EXPECT_EQ(store.list().find(1)->edits(), (PhotoEdits{.exposure = 2}));
+
+    setRating(store, ids, 3);
+    ASSERT_TRUE(store.longStep());
+    draft.apply("Exposure", [](PhotoEdits& edits) { edits.exposure = 3; });
+    EXPECT_EQ(shown(), 3);
+    EXPECT_EQ(store.catalog().photo(1)->edits(), (PhotoEdits{.exposure = 2}));
+    end();
+    EXPECT_EQ(store.catalog().photo(1)->edits(), (PhotoEdits{.exposure = 3})) << "it waited for the step";
 }
 
 } // namespace korvo
