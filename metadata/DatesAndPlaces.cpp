@@ -69,6 +69,8 @@ private:
             adjust(*record);
         } catch (const ExifToolError& error) {
             fail(error.what());
+            if (error.which() == ExifToolError::Case::notFound) // it vanished, for all others, too
+                result_.fault = textForUser(error);
         } catch (const MetadataError& error) {
             fail(error.reason());
         } catch (const DatabaseError& error) { // what is done must be told: doing it again would be wrong

@@ -21,9 +21,9 @@ PhotoAdjustment positionChangeTo(Catalog& catalog, const std::optional<Coordinat
 
 /// Adjusts photos, versions with their masters, photo by photo in the catalog and then in the file, where it
 /// may fail. A stop leaves the remaining photos as they are; a file whose change it cuts off counts as
-/// failed. The originals inside an Aperture library stay as they are. A fault of the catalog ends it and is
-/// told with what was done. Throws ExifToolError::Case::notFound, with nothing done, and DatabaseError when
-/// nothing could be begun.
+/// failed. The originals inside an Aperture library stay as they are. A fault of the catalog, or a tool that
+/// vanishes, ends it and is told with what was done. Throws ExifToolError::Case::notFound, with nothing done,
+/// and DatabaseError when nothing could be begun.
 FilesWritten adjustPhotos(Catalog& catalog, std::span<const PhotoID> photos,
     const PhotoAdjustment& adjustment, const ExifTool& tool, const std::stop_token& stop,
     const FileProgress& progress);

@@ -7,6 +7,18 @@
 
 namespace korvo {
 
+namespace {
+
+bool isMissing(const ExifTool& tool)
+try {
+    (void)tool.path();
+    return false;
+} catch (const ExifToolError&) {
+    return true;
+}
+
+} // namespace
+
 FilesBusy::FilesBusy() : std::runtime_error("A save or generation is running — try again when it finishes.")
 { }
 
@@ -44,8 +56,8 @@ void FileWork::begin(FileJob job)
     task_ = runInBackground(main_,
         [this, &catalog = store_.catalog(), stop = stop_, work = std::move(job)](
             const Task::Context& context) {
-            const auto deliver = [&](FilesWritten result, std::string message, bool missing) {
-                context.deliver([=, this] {
+            const auto deliver = [&](FilesWritten result, std::string message) {
+                context.deliver([=, this, missing = isMissing(tool_)] {
                     exiftoolMissing_ = missing;
                     finish(result, message);
                 });
@@ -60,12 +72,11 @@ void FileWork::begin(FileJob job)
                 };
                 auto result = work.run(catalog, tool_, stop.get_token(), progress);
                 const auto message = result.fault.empty() ? work.summary(result) : result.fault;
-                deliver(std::move(result), message, false);
+                deliver(std::move(result), message);
             } catch (const ExifToolError& error) {
-                deliver({.fault = textForUser(error)}, textForUser(error),
-                    error.which() == ExifToolError::Case::notFound);
+                deliver({.fault = textForUser(error)}, textForUser(error));
             } catch (const std::exception& error) { // of the catalog: what was not written waits on
-                deliver({.fault = textForUser(error)}, textForUser(error), false);
+                deliver({.fault = textForUser(error)}, textForUser(error));
             }
         });
     changed.emit();

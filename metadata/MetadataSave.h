@@ -22,7 +22,7 @@ struct FilesWritten {
     std::vector<FileFailure> failures;
     std::vector<PhotoID> touched; // photos whose rows may have changed
     bool stopped = false;
-    std::string fault; // of the catalog, which ended it early; empty otherwise
+    std::string fault; // of the catalog, or that the tool is gone, which ended it early; empty otherwise
 };
 
 /// Called before each file with its number, from 1, and how many there are.

@@ -178,6 +178,19 @@ TEST(DatesAndPlaces, tellWhatIsDoneWhenTheCatalogFails)
     EXPECT_EQ(library.exiftool.calls(), Texts{"-AllDates+=0:0:0 0:0:1 a.jpg"});
 }
 
+TEST(DatesAndPlaces, leaveTheOtherPhotosAloneWhenTheToolVanishes)
+{
+    Adjusted library;
+    const FakeTool once("rm \"$0\"");
+    const std::vector photos{library.add("a.jpg"), library.add("b.jpg"), library.add("c.jpg")};
+    const auto result
+        = adjustPhotos(*library.catalog, photos, dateShiftBy(*library.catalog, 1), once.tool, {}, nowhere);
+    EXPECT_EQ(result.done, 1U);
+    EXPECT_EQ(result.failures.size(), 1U);
+    EXPECT_TRUE(result.fault.starts_with("exiftool not found."));
+    EXPECT_FALSE(library.item(photos.back()).captureDate);
+}
+
 TEST(DatesAndPlaces, doNothingWithoutTheToolOrOnceStopped)
 {
     Adjusted library;
