@@ -5,6 +5,8 @@
 #include "metadata/ExifReader.h"
 #include "metadata/FileWorkTexts.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <ranges>
 #include <set>
@@ -170,6 +172,7 @@ struct Adjustment {
         UndoWay, Catalog&, const ExifTool&, const std::stop_token&, const FileProgress&)>
         run;
     std::function<bool()> isLeft;
+    std::vector<PhotoID> failed = {}; // of the last run, when that left the step where it was
 };
 
 FileJob jobOf(const Adjustment& adjustment, UndoWay way)
@@ -185,34 +188,37 @@ FileJob jobOf(const Adjustment& adjustment, UndoWay way)
     return job;
 }
 
-/// Makes it a step of undo, behind what was done since that one. Where taking it back leaves photos or files
-/// as they are, they know of nothing else that could bring them back: it then is a step again, until two
-/// tries in a row were in vain and would only stand before older steps.
-void keepStep(FileWork& work, LibraryStore& store, const Adjustment& adjustment, std::uint64_t since,
-    int triesInVain = 0)
+/// Which way the step has gone. It is done while something of it is left, which nothing else knows how to
+/// take back. But where the tool could work and the very same photos failed twice, their files may be gone
+/// for good, and the step must not stand before older ones for ever.
+UndoWay wayGone(Adjustment& adjustment, UndoWay way, const FilesWritten& result)
 {
-    store.adopt(
-        adjustment.title,
-        [&work, &store, adjustment, triesInVain](UndoWay way) {
-            auto job = jobOf(adjustment, way);
-            if (way == UndoWay::back)
-                job.ended = [&work, &store, adjustment, triesInVain, since = store.newestStep()](
-                                const FilesWritten& result) {
-                    const int inVain = withoutFailure(result).empty() ? triesInVain + 1 : 0;
-                    if (adjustment.isLeft() && inVain < 2)
-                        keepStep(work, store, adjustment, since, inVain);
-                };
-            work.begin(std::move(job));
-        },
-        since);
+    const auto before = std::exchange(adjustment.failed, {});
+    std::vector<PhotoID> failed;
+    std::ranges::transform(result.failures, std::back_inserter(failed), &FileFailure::id);
+    const bool isWhole = result.fault.empty() && !result.stopped;
+    if (isWhole && (failed.empty() || failed == before))
+        return way;
+    const auto gone = adjustment.isLeft() ? UndoWay::forth : UndoWay::back;
+    if (isWhole && gone != way)
+        adjustment.failed = std::move(failed);
+    return gone;
 }
 
-void beginStep(FileWork& work, LibraryStore& store, const Adjustment& adjustment)
+void beginStep(FileWork& work, LibraryStore& store, Adjustment made)
 {
-    auto job = jobOf(adjustment, UndoWay::forth);
-    job.ended = [&work, &store, adjustment, since = store.newestStep()](const FilesWritten& result) {
+    const auto adjustment = std::make_shared<Adjustment>(std::move(made));
+    const auto retrace = [&work, adjustment](UndoWay way, const auto& ended) {
+        auto job = jobOf(*adjustment, way);
+        job.ended = [adjustment, way, ended](
+                        const FilesWritten& result) { ended(wayGone(*adjustment, way, result)); };
+        work.begin(std::move(job));
+    };
+    auto job = jobOf(*adjustment, UndoWay::forth);
+    job.ended = [&store, title = adjustment->title, retrace, since = store.newestStep()](
+                    const FilesWritten& result) {
         if (!result.touched.empty())
-            keepStep(work, store, adjustment, since);
+            store.adopt(title, retrace, since);
     };
     work.begin(std::move(job));
 }

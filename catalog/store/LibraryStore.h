@@ -90,9 +90,9 @@ public:
     /// Photos": undo does Catalog::takeOut, the files stay, and redo brings everything back as it was then.
     /// What was done since the job began, when newestStep() was `since`, is undone before it.
     void adopt(std::string_view verb, AddedRows added, std::uint64_t since);
-    /// The same of a job that has changed photos and their files: undo and redo call `retrace`, which begins
-    /// what they ask for, and by throwing leaves the step as it is.
-    void adopt(std::string title, std::function<void(UndoWay)> retrace, std::uint64_t since);
+    /// The same of a job that has changed photos and their files: undo and redo call `retrace`, and throw
+    /// until what it began has ended.
+    void adopt(std::string title, Retrace retrace, std::uint64_t since);
 
     /// A number for the action that would be undone, which no other gets.
     std::optional<std::uint64_t> undoStep() const;

@@ -9,6 +9,12 @@ namespace {
 constexpr std::size_t mostPhotosAtOnce = 2'000;
 constexpr std::size_t mostBytesAtOnce = std::size_t{512} << 10; // of changes
 
+void requireNoRetrace(const UndoHistory& history)
+{
+    if (const UndoStep* const step = history.retracing())
+        throw DatabaseError::occupied(step->title);
+}
+
 } // namespace
 
 void LibraryStore::make(std::string title, Where where, MakeStep making, EndStep ending)
@@ -119,7 +125,7 @@ void LibraryStore::adopt(std::string_view verb, AddedRows added, std::uint64_t s
     });
 }
 
-void LibraryStore::adopt(std::string title, std::function<void(UndoWay)> retrace, std::uint64_t since)
+void LibraryStore::adopt(std::string title, Retrace retrace, std::uint64_t since)
 {
     whenFree([this, title = std::move(title), retrace = std::move(retrace), since] {
         history_.addBehind(since, {.title = title, .changes = {}, .added = {}, .retrace = retrace});
@@ -176,6 +182,7 @@ StepDone LibraryStore::attempt(UndoWay way, const TakeStep& take)
 void LibraryStore::undo()
 {
     requireNoLongStep();
+    requireNoRetrace(history_);
     const UndoStep* const step = history_.toUndo();
     if (step && step->added.areThere())
         takeOut(*step);
@@ -186,6 +193,7 @@ void LibraryStore::undo()
 void LibraryStore::redo()
 {
     requireNoLongStep();
+    requireNoRetrace(history_);
     if (const UndoStep* const step = history_.toRedo())
         takeStep(*step, UndoWay::forth);
 }
@@ -206,19 +214,21 @@ void LibraryStore::takeOut(const UndoStep& step)
 
 void LibraryStore::takeStep(const UndoStep& step, UndoWay way)
 {
-    const auto end = [this, way] { way == UndoWay::back ? history_.undone() : history_.redone(); };
     if (step.retrace) {
-        step.retrace(way);
-        end();
+        step.retrace(way, [this](UndoWay gone) {
+            history_.endRetrace(gone);
+            changed.emit({});
+        });
+        history_.beginRetrace(way);
         return changed.emit({});
     }
     make((way == UndoWay::back ? "Undo " : "Redo ") + step.title,
         step.changes.bytes().size() > mostBytesAtOnce ? Where::beside : Where::here,
         [&changes = step.changes, way](
             Catalog& catalog, auto patience) { return retraced(catalog, patience, changes, way); },
-        [this, way, end, source = source_, selected = wishedSelection()](const TakeStep& take) {
+        [this, way, source = source_, selected = wishedSelection()](const TakeStep& take) {
             auto done = attempt(way, take);
-            end();
+            way == UndoWay::back ? history_.undone() : history_.redone();
             const bool hasMovedOn = source != source_ || selected != wishedSelection();
             publish(std::move(done.rows), hasMovedOn ? std::span<const PhotoID>() : done.toSelect);
         });

@@ -3,14 +3,21 @@
 #include "catalog/CatalogRecords.h"
 #include "catalog/sql/Changeset.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace korvo {
 
 enum class UndoWay { back, forth };
+
+/// Begins work in the background that takes a step back, or does it again; it may refuse by throwing. When
+/// that has ended, later and on the main thread, it tells which way the step has gone: forth also where
+/// something of it could not be taken back.
+using Retrace = std::function<void(UndoWay, std::function<void(UndoWay gone)> ended)>;
 
 /// One user action, whatever the number of photos it changed.
 struct UndoStep {
@@ -18,8 +25,7 @@ struct UndoStep {
     Changeset changes;
     std::size_t photos = 0; // that it changed, made or removed, but for those added
     AddedRows added; // which undo takes out of the library, whatever became of them since
-    /// Begins what takes it back or does it again, where files have part in it; it may refuse by throwing.
-    std::function<void(UndoWay)> retrace = {};
+    Retrace retrace = {}; // where files have part in it
     std::uint64_t number = 0; // given by the history, never twice
 };
 
@@ -74,6 +80,31 @@ public:
         ++done_;
     }
 
+    /// Its retrace has begun. Till that ends it counts as done, whatever comes after it, and nothing else is
+    /// undone or redone.
+    void beginRetrace(UndoWay way)
+    {
+        if (way == UndoWay::forth)
+            redone();
+        retracing_ = steps_[done_ - 1].number;
+    }
+    /// Null when there is none.
+    const UndoStep* retracing() const
+    {
+        const auto found = std::ranges::find(steps_, retracing_, &UndoStep::number);
+        return found == steps_.end() ? nullptr : &*found;
+    }
+    void endRetrace(UndoWay gone)
+    {
+        const auto number = std::exchange(retracing_, 0);
+        if (gone == UndoWay::forth)
+            return;
+        if (toUndo() && toUndo()->number == number)
+            undone();
+        else // what is undone before others is not done again
+            done_ -= std::erase_if(steps_, [&](const UndoStep& step) { return step.number == number; });
+    }
+
 private:
     void put(UndoStep step, std::size_t place)
     {
@@ -99,6 +130,7 @@ private:
     std::deque<UndoStep> steps_;
     std::size_t done_ = 0;
     std::uint64_t newest_ = 0;
+    std::uint64_t retracing_ = 0; // the number of the step; none has 0
 };
 
 } // namespace korvo
