@@ -131,8 +131,15 @@ FilesWritten PositionChange::give(
         change.inCatalog(record);
         before_.try_emplace(record.id, before);
     };
-    auto result = adjustPhotos(catalog, photos_, {inCatalog, change.inFile}, tool, stop, progress);
-    inFiles_.merge(withoutFailure(result));
+    const auto inFile = [&](const FileRecord& record) {
+        auto written = change.inFile(record);
+        written.check = [this, id = record.id, check = written.check](const auto& file) {
+            inFiles_.insert(id); // whatever it finds
+            check(file);
+        };
+        return written;
+    };
+    auto result = adjustPhotos(catalog, photos_, {inCatalog, inFile}, tool, stop, progress);
     return result;
 }
 

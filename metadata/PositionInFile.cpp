@@ -22,8 +22,8 @@ void checkPosition(const std::filesystem::path& file, const std::optional<Coordi
     const auto held = readGPS(file);
     if (held.has_value() != position.has_value() || (held && !isSamePlace(*held, *position)))
         throw ExifToolError::failed(position
-                ? "the position could not be written into the file; only the library has it"
-                : "the position could not be taken out of the file; only the library has none");
+                ? "does not hold the position after writing it; the library does"
+                : "still holds a position after taking it out; the library does not");
 }
 
 } // namespace korvo

@@ -235,4 +235,24 @@ TEST(AdjustmentSteps, putsAStepInItsPlaceWhateverIsDoneWhileItIsTakenBackOrDoneA
     }
 }
 
+TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughItIsNotWhatItShouldBe)
+{
+    const auto copy = [](const char* name) {
+        return "#!/bin/sh\nfor file; do :; done\ncp '" + fixture(name).string() + "' \"$file\"";
+    };
+    const FakeTool tool(copy("camera.jpg"));
+    OpenLibrary library(1, "photos", &tool.tool);
+    auto& store = *library.store;
+    const auto file = store.list().find(1)->path();
+    std::filesystem::copy_file(fixture("plain.jpg"), file, std::filesystem::copy_options::overwrite_existing);
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    EXPECT_NE(library.writeBack->failureOf(1), nullptr);
+    tool.folder.write("exiftool", copy("plain.jpg"));
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_FALSE(readGPS(file));
+    EXPECT_FALSE(store.undoTitle());
+}
+
 } // namespace korvo
