@@ -16,7 +16,8 @@ namespace korvo {
 namespace {
 
 // Each run of a step goes on any thread, one at a time, and throws as adjustPhotos() does. isLeft() says
-// between them whether something of it is still to be taken back.
+// between them whether something of it is still to be taken back. Doing it again is doing what was taken
+// back: what a stop had spared stays so.
 
 /// A shift of capture dates. It moves twice nothing that a failure, a stop or an unreachable file has left
 /// where it was.
@@ -111,6 +112,10 @@ FilesWritten DateShift::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
     auto result = adjustPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
     note(inCatalog_, way, result.touched);
     note(inFiles_, way, withoutFailure(result));
+    if (way == UndoWay::forth && isLeft()) {
+        photos_.clear();
+        std::ranges::set_union(inCatalog_, inFiles_, std::back_inserter(photos_));
+    }
     return result;
 }
 
@@ -140,6 +145,8 @@ FilesWritten PositionChange::give(
         return written;
     };
     auto result = adjustPhotos(catalog, photos_, {inCatalog, inFile}, tool, stop, progress);
+    if (const auto given = std::views::keys(before_); isLeft())
+        photos_.assign(given.begin(), given.end());
     return result;
 }
 

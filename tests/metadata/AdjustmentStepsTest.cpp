@@ -235,6 +235,24 @@ TEST(AdjustmentSteps, putsAStepInItsPlaceWhateverIsDoneWhileItIsTakenBackOrDoneA
     }
 }
 
+TEST(AdjustmentSteps, doesAgainOnlyWhatWasTakenBack)
+{
+    OpenLibrary library(2);
+    auto& store = *library.store;
+    library.exiftool.hold();
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.main.runUntil([&] { return !library.said.empty(); }));
+    library.writeBack->stopSaving();
+    ASSERT_TRUE(library.finish());
+    library.exiftool.letGo();
+    for (const auto& retrace : {&LibraryStore::undo, &LibraryStore::redo}) {
+        (store.*retrace)();
+        ASSERT_TRUE(library.finish());
+    }
+    EXPECT_EQ(store.list().find(1)->latitude, 48);
+    EXPECT_FALSE(store.list().find(2)->latitude) << "which the stop had spared";
+}
+
 TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughItIsNotWhatItShouldBe)
 {
     const auto copy = [](const char* name) {
