@@ -2,6 +2,7 @@
 #include "app/desktop/Labels.h"
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
+#include "catalog/FileTypes.h"
 #include "catalog/NearPlace.h"
 #include "catalog/store/SmartAlbumEditor.h"
 #include "metadata/AdjustmentSteps.h"
@@ -10,6 +11,8 @@
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace korvo {
 
@@ -20,6 +23,12 @@ std::optional<Coordinate> positionIn(const std::string& text)
 {
     const auto place = parseNearPlace(nearValue({"0", text}));
     return place ? std::optional(Coordinate{place->latitude, place->longitude}) : std::nullopt;
+}
+
+bool isFilm(const LibraryStore& store, PhotoID photo)
+{
+    const auto* const item = store.list().find(photo);
+    return item && isVideo(item->filename.view());
 }
 
 /// Asks where photos were taken.
@@ -53,6 +62,9 @@ PositionSheet::PositionSheet(MainWindow& window, std::vector<PhotoID> photos)
     connect(position_, &QLineEdit::textChanged, this, [this] { refresh(); });
     auto* const layout = new QVBoxLayout(this);
     layout->addWidget(dimLabel("Latitude and longitude, in the library and in the files"));
+    if (std::ranges::any_of(photos_, [&](PhotoID photo) { return isFilm(desktop_.store(), photo); }))
+        layout->addWidget(
+            dimLabel("Films lose the name and altitude of their old place, which undo does not bring back"));
     layout->addWidget(position_);
     layout->addWidget(found_);
     layout->addStretch(1);
@@ -104,8 +116,8 @@ void clearPosition(MainWindow& window)
     const auto title = photos.size() == 1 ? std::string("Clear the position of this photo?")
                                           : "Clear the positions of " + counted(photos.size(), "photo") + "?";
     if (ask(window, qt(title),
-            "They leave the files, too, but for Aperture's originals, with altitude, direction and time. "
-            "Undo brings back latitude and longitude alone.",
+            "They leave the files, too, but for Aperture's originals, with altitude, direction and time, and "
+            "in films the name of the place. Undo brings back latitude and longitude alone.",
             "Clear"))
         setPosition(desktop.session().writeBack(), desktop.store(), photos, std::nullopt);
 }
