@@ -94,9 +94,8 @@ public:
     /// until what it began has ended.
     void adopt(std::string title, Retrace retrace, std::uint64_t since);
 
-    /// A number for the action that would be undone, which no other gets.
+    /// Numbers for the actions that would be undone and redone, which no others get.
     std::optional<std::uint64_t> undoStep() const;
-    /// The same of the action that would be redone.
     std::optional<std::uint64_t> redoStep() const;
     /// That of the action that came last; 0 before the first.
     std::uint64_t newestStep() const { return history_.newest(); }
@@ -113,8 +112,7 @@ public:
 
     /// Publishes changes that were made to these photos beside the store, by background work.
     void photosChanged(std::span<const PhotoID> ids);
-    /// Reads the current source again, as after photos were added.
-    void reload();
+    void reload(); ///< reads the current source again, as after photos were added
     /// Reads the current source again if another process has changed the library since the last call.
     void reloadIfChangedElsewhere();
 
@@ -127,8 +125,7 @@ private:
     Shown load(std::optional<LibrarySource> source);
     /// Ends a reading that nobody waits for any more.
     void giveUp(std::unique_ptr<ListReading> reading);
-    /// What was waited for is there.
-    void listArrived();
+    void listArrived(); ///< the one that was waited for
     /// `since` may be missing in what was read.
     void show(ListOfSource read, const ChangedRows& since);
     void replaceList(PhotoList list);
