@@ -113,12 +113,12 @@ void LibraryStore::photosChanged(std::span<const PhotoID> ids)
 void LibraryStore::reload()
 {
     main_.assertCurrent();
-    const auto first = firstSelectedPosition();
+    const auto next = placeAfterSelection();
     if (reading_)
         reading_->isOutdated = true;
     const bool shown = !reading_ && load(source_) == Shown::yes;
     treeChanged();
-    const bool selected = shown && repairSelection(first);
+    const bool selected = shown && repairSelection(next);
     changed.emit({.photos = {}, .list = shown, .tree = true, .selection = selected});
 }
 
@@ -140,7 +140,7 @@ void LibraryStore::publish(ChangedRows rows, std::span<const PhotoID> select, st
     change.tree = rows.tree || !rows.inserted.empty() || !rows.deleted.empty() || touchesCounts(rows);
     if (change.tree)
         treeChanged();
-    const auto first = firstSelectedPosition();
+    const auto next = placeAfterSelection();
     const bool wasReading = isReading();
     if (!follow([&] { change.list = updateList(rows); }))
         change.list = true; // it may be half done
@@ -151,7 +151,7 @@ void LibraryStore::publish(ChangedRows rows, std::span<const PhotoID> select, st
     if (!select.empty() && (reading_ || ordering_))
         toSelect_ = selection_;
     if (change.list || !select.empty())
-        repairSelection(first);
+        repairSelection(next);
     change.selection = selection_ != before;
     changed.emit(change);
 }

@@ -150,11 +150,9 @@ private:
     std::optional<std::vector<PhotoItem>> listedOf(std::span<const PhotoID> ids);
 
     // The selection (LibraryStoreSelection.cpp)
-    /// Selects what was to be once the list is there. Drops from the selection what is no longer shown,
-    /// taking the pick for what a collapsed stack hides; when nothing is left of it, the photo that took the
-    /// place of the first one is selected. Returns whether the selection changed.
-    bool repairSelection(std::optional<std::size_t> firstPosition);
-    std::optional<std::size_t> firstSelectedPosition() const;
+    /// Brings it in line with the list; returns whether it has changed.
+    bool repairSelection(std::optional<std::size_t> placeAfter);
+    std::optional<std::size_t> placeAfterSelection() const;
 
     void treeChanged();
 

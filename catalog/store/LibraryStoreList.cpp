@@ -76,7 +76,7 @@ void LibraryStore::discard(PhotoList list)
 void LibraryStore::listArrived()
 {
     main_.assertCurrent();
-    const auto first = firstSelectedPosition();
+    const auto next = placeAfterSelection();
     const auto reading = std::move(reading_);
     try {
         show(reading->take(), reading->since);
@@ -84,7 +84,7 @@ void LibraryStore::listArrived()
         sourceFault_ = textForUser(error);
         dataVersion_ = -1;
     }
-    const bool selected = repairSelection(first);
+    const bool selected = repairSelection(next);
     changed.emit({.photos = {}, .list = true, .tree = counter_.isDue(), .selection = selected});
     if (reading->isOutdated && !reading_)
         reload();
@@ -109,12 +109,12 @@ void LibraryStore::arrange(ListArrangement as)
     list_.wish(std::move(as));
     if (reading_)
         reading_->arrange(list_.arrangement());
-    const auto first = firstSelectedPosition();
+    const auto next = placeAfterSelection();
     follow([&] { updateRows(late); });
     const auto shown = order(patience_);
     if (shown == Shown::later && late.updated.empty())
         return;
-    const bool selected = repairSelection(first);
+    const bool selected = repairSelection(next);
     changed.emit({.photos = late.updated, .list = true, .selection = selected});
 }
 
@@ -142,11 +142,11 @@ LibraryStore::Shown LibraryStore::order(std::chrono::milliseconds patience)
 void LibraryStore::orderArrived()
 {
     main_.assertCurrent();
-    const auto first = firstSelectedPosition();
+    const auto next = placeAfterSelection();
     list_.show(std::exchange(ordering_, nullptr)->take());
     const auto late = std::exchange(late_, {});
     follow([&] { updateRows(late); });
-    const bool selected = repairSelection(first);
+    const bool selected = repairSelection(next);
     changed.emit({.photos = late.updated, .list = true, .selection = selected});
 }
 

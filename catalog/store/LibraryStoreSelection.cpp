@@ -29,12 +29,20 @@ void LibraryStore::select(std::vector<PhotoID> ids)
     }
 }
 
-std::optional<std::size_t> LibraryStore::firstSelectedPosition() const
+/// Where the photo behind the last of the selected will stand once these have left the list. Of very many the
+/// beginning stands for all: this is asked with every change.
+std::optional<std::size_t> LibraryStore::placeAfterSelection() const
 {
-    return selection_.empty() ? std::nullopt : list_.shownPosition(selection_.front());
+    constexpr std::size_t most = 5'000; // a few milliseconds in a list of a million
+    const auto ids = std::span(selection_).first(std::min(selection_.size(), most));
+    const auto last = list_.lastShownPosition(ids);
+    return last ? std::optional(*last - std::min(*last, ids.size() - 1)) : std::nullopt;
 }
 
-bool LibraryStore::repairSelection(std::optional<std::size_t> firstPosition)
+/// Selects what was to be once the list is there. Drops from the selection what is no longer shown, taking
+/// the pick for what a collapsed stack hides; when nothing is left of it, the photo at that place is
+/// selected, else the last one.
+bool LibraryStore::repairSelection(std::optional<std::size_t> placeAfter)
 {
     const auto before = selection_;
     if (!reading_ && !toSelect_.empty())
@@ -45,8 +53,8 @@ bool LibraryStore::repairSelection(std::optional<std::size_t> firstPosition)
             kept.push_back(*shownID);
     selection_ = onceEach(std::move(kept));
     const auto& shown = list_.shown();
-    if (selection_.empty() && firstPosition && !shown.empty())
-        selection_ = {list_.items()[shown[std::min(*firstPosition, shown.size() - 1)]].id};
+    if (selection_.empty() && placeAfter && !shown.empty())
+        selection_ = {list_.items()[shown[std::min(*placeAfter, shown.size() - 1)]].id};
     return selection_ != before;
 }
 

@@ -33,6 +33,17 @@ std::optional<std::size_t> PhotoList::shownPosition(PhotoID id) const
     return found == shown_.end() ? std::nullopt : std::optional<std::size_t>(found - shown_.begin());
 }
 
+std::optional<std::size_t> PhotoList::lastShownPosition(std::span<const PhotoID> ids) const
+{
+    std::vector<bool> isAskedFor(items_.size());
+    for (const PhotoID id : ids)
+        if (const auto at = position(id))
+            isAskedFor[*at] = true;
+    const auto isOne = [&](std::uint32_t at) { return isAskedFor[at]; };
+    const auto last = std::find_if(shown_.rbegin(), shown_.rend(), isOne);
+    return last == shown_.rend() ? std::nullopt : std::optional<std::size_t>(shown_.rend() - last - 1);
+}
+
 void PhotoList::index(const std::stop_token& stop)
 {
     std::vector<std::pair<PhotoID, std::uint32_t>> ids; // sorted without a look at the items

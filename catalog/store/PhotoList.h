@@ -6,6 +6,7 @@
 #include "catalog/StackPlaces.h"
 
 #include <optional>
+#include <span>
 #include <stop_token>
 #include <unordered_set>
 #include <utility>
@@ -40,6 +41,8 @@ public:
     const PhotoItem* find(PhotoID id) const;
     /// Where the photo stands among the shown ones.
     std::optional<std::size_t> shownPosition(PhotoID id) const;
+    /// The same of that of several which stands last.
+    std::optional<std::size_t> lastShownPosition(std::span<const PhotoID> ids) const;
 
     /// The photo that the grid shows for this one: itself, or the pick of its collapsed stack; nothing when
     /// it is not in the list or the filter hides it.

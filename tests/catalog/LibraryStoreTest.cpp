@@ -168,6 +168,18 @@ TEST(LibraryStore, whatVanishesLeavesTheSelectionToItsNeighbourAndUndoBringsItBa
     EXPECT_EQ(t.shown().size(), 4U);
 }
 
+TEST(LibraryStore, whereSeveralVanishTheOneBehindTheLastOfThemIsNext)
+{
+    using IDs = std::vector<PhotoID>;
+    for (const auto& [gone, next] :
+        {std::pair(IDs{1, 2}, 3), {IDs{4, 2}, 5}, {IDs{1, 5}, 6}, {IDs{5, 6}, 4}}) {
+        TestStore t(6);
+        t.store->select(gone);
+        setRating(*t.store, gone, rejectedRating);
+        EXPECT_EQ(t.store->selection(), only(next)) << gone.front();
+    }
+}
+
 TEST(LibraryStore, metadataThatComesBackWaitsToBeWrittenAgain)
 {
     TestStore t(1);
