@@ -35,8 +35,13 @@ ComparePage::ComparePage(MainWindow& window)
 
 void ComparePage::follow(bool isOn)
 {
-    if (!std::exchange(wasOn_, isOn) && isOn)
+    const bool wasOn = std::exchange(wasOn_, isOn);
+    if (!wasOn && isOn)
         begin();
+    else if (wasOn && !isOn)
+        end();
+    if (isOn && beside_ != desktop_.browser().current())
+        beside_.reset(); // the user has gone on
     if (isOn && stays_->photo() && stays_->photo() == desktop_.browser().current())
         passOverStaying();
     showsReference_ = showsReference_ && isOn;
@@ -64,6 +69,17 @@ void ComparePage::begin()
     browser.step(1);
     if (browser.current() == current)
         browser.step(-1);
+    beside_ = browser.current();
+}
+
+/// Back in the grid, the photo that was compared is where it was left, unless the user has gone on from the
+/// one that came in beside it.
+void ComparePage::end()
+{
+    auto& browser = desktop_.browser();
+    const auto beside = std::exchange(beside_, {});
+    if (beside && beside == browser.current() && browser.mode() == ViewMode::grid && stays_->photo())
+        browser.setCurrent(*stays_->photo());
 }
 
 void ComparePage::showReference()

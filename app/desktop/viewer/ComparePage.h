@@ -20,6 +20,7 @@ private:
     void showMenu(PhotoPane& pane, QPoint at) override;
     void swapRoles();
     void begin();
+    void end();
     void showReference();
     void passOverStaying();
     void listChanged();
@@ -28,6 +29,7 @@ private:
     PhotoPane *stays_ = left_, *steps_ = right_;
     bool wasOn_ = false;
     bool showsReference_ = false; // on the left
+    std::optional<PhotoID> beside_; // the current photo as it came in by itself, and was not left since
     Connection storeChanged_;
     Connection drawn_;
     std::array<Connection, 4> followed_; // the views follow each other

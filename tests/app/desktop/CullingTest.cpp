@@ -219,4 +219,32 @@ TEST(Culling, saysWhereItIsInWords)
     EXPECT_EQ(lines, 1);
 }
 
+TEST(Compare, goesOnBehindThePhotoThatAMarkTookAway)
+{
+    for (const auto keys : {Qt::NoModifier, Qt::ShiftModifier}) {
+        TestWindow t(4);
+        t.store().select({2, 3});
+        t.desktop->browser().setCurrent(3);
+        t.press(Qt::Key_C); // 3 on the left, 2 beside it
+        ASSERT_EQ(t.desktop->browser().current(), 2);
+        t.press(Qt::Key_X, keys);
+        EXPECT_EQ(t.desktop->browser().current(), 4) << "with " << int(keys);
+    }
+}
+
+TEST(Compare, leftAtOnceComesBackToThePhotoItWasBegunWith)
+{
+    TestWindow t(4);
+    t.store().select({2});
+    for (const auto& [steps, then] : {std::pair(0, 2), {1, 4}}) {
+        t.press(Qt::Key_C);
+        ASSERT_EQ(t.desktop->browser().current(), 3);
+        for (int i = 0; i < steps; ++i)
+            t.press(Qt::Key_Right);
+        t.press(Qt::Key_Escape);
+        EXPECT_EQ(t.desktop->browser().mode(), ViewMode::grid);
+        EXPECT_EQ(t.store().selection(), only(then));
+    }
+}
+
 } // namespace korvo

@@ -156,19 +156,6 @@ TEST(Viewer, theLoupeIsOverTheSamePlaceOfBothPhotosAndGoesWithThem)
     EXPECT_FALSE(left.loupePoint());
 }
 
-TEST(Viewer, compareGoesOnBehindThePhotoThatAMarkTookAway)
-{
-    for (const auto keys : {Qt::NoModifier, Qt::ShiftModifier}) {
-        TestWindow t(4);
-        t.store().select({2, 3});
-        t.desktop->browser().setCurrent(3);
-        t.press(Qt::Key_C); // 3 on the left, 2 beside it
-        ASSERT_EQ(t.desktop->browser().current(), 2);
-        t.press(Qt::Key_X, keys);
-        EXPECT_EQ(t.desktop->browser().current(), 4) << "with " << int(keys);
-    }
-}
-
 TEST(Viewer, keysGoOnInASurveyWhoseClickedPhotoLeft)
 {
     PhotoWindow t;
