@@ -277,17 +277,24 @@ std::vector<PhotoID> writableMasters(Catalog& catalog, std::span<const PhotoID> 
 
 } // namespace
 
-bool allInApertureLibraries(Catalog& catalog, std::span<const PhotoID> photos)
+RevertRefused::RevertRefused()
+    : std::runtime_error(
+        "These are in an Aperture library. Korvo never writes into those originals, so there's "
+        "nothing to revert in the files.")
+{ }
+
+void requireRevertible(Catalog& catalog, std::span<const PhotoID> photos)
 {
     ApertureBundles aperture;
     bool any = false;
     for (const PhotoID id : photos)
         if (const auto record = catalog.fileRecord(catalog.masterOf(id))) {
             if (!aperture.hold(record->path))
-                return false;
+                return;
             any = true;
         }
-    return any;
+    if (any)
+        throw RevertRefused();
 }
 
 FilesWritten saveMetadata(

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,13 @@ FilesWritten saveMetadata(
 FilesWritten revertMetadata(Catalog& catalog, std::span<const PhotoID> photos, const ExifTool& tool,
     const std::stop_token& stop, const FileProgress& progress);
 
-/// Whether the photos that the catalog holds, one at least, all lie in Aperture libraries.
-bool allInApertureLibraries(Catalog& catalog, std::span<const PhotoID> photos);
+/// Why a revert is not begun: all that is to be reverted lies in Aperture libraries; what() is for the user.
+class RevertRefused : public std::runtime_error {
+public:
+    RevertRefused();
+};
+
+/// Throws RevertRefused; to be asked before the user is. May take long of many photos.
+void requireRevertible(Catalog& catalog, std::span<const PhotoID> photos);
 
 } // namespace korvo

@@ -14,12 +14,6 @@ constexpr auto autosaveDelay = 2500ms;
 
 } // namespace
 
-RevertRefused::RevertRefused()
-    : std::runtime_error(
-        "These are in an Aperture library. Korvo never writes into those originals, so there's "
-        "nothing to revert in the files.")
-{ }
-
 AutosaveTexts autosaveTexts(MetadataWriteBack::Autosave autosave)
 {
     return {"Write metadata into files automatically",
@@ -95,22 +89,12 @@ void MetadataWriteBack::saveMetadataToFiles()
         begin({"Saving", saveSummary, saveMetadata});
 }
 
-void MetadataWriteBack::requireRevertible(std::span<const PhotoID> photos) const
+void MetadataWriteBack::revertMetadataToAsFound(std::vector<PhotoID> photos)
 {
-    requireIdle();
-    if (allInApertureLibraries(store_.catalog(), photos))
-        throw RevertRefused();
-}
-
-void MetadataWriteBack::revertMetadataToAsFound(std::span<const PhotoID> photos)
-{
-    main_.assertCurrent();
     if (photos.empty())
         return;
-    requireRevertible(photos);
     begin({"Reverting", revertSummary,
-        [ids = std::vector(photos.begin(), photos.end())](Catalog& catalog, const ExifTool& tool,
-            const std::stop_token& stop,
+        [ids = std::move(photos)](Catalog& catalog, const ExifTool& tool, const std::stop_token& stop,
             const FileProgress& progress) { return revertMetadata(catalog, ids, tool, stop, progress); }});
 }
 

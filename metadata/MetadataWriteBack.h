@@ -5,12 +5,6 @@
 
 namespace korvo {
 
-/// Why a revert is not begun: all that is to be reverted lies in Aperture libraries; what() is for the user.
-class RevertRefused : public std::runtime_error {
-public:
-    RevertRefused();
-};
-
 /// Keeps files in step with the metadata of the open library: saving on command or by itself, and going back
 /// to what the files held.
 class MetadataWriteBack : public FileWork {
@@ -30,11 +24,8 @@ public:
     void saveMetadataToFiles();
     /// Saves a moment after the last call.
     void scheduleAutosave();
-    /// Throws FilesBusy or RevertRefused when a revert of these photos would not be begun: to be asked before
-    /// the user is.
-    void requireRevertible(std::span<const PhotoID> photos) const;
-    /// Throws likewise.
-    void revertMetadataToAsFound(std::span<const PhotoID> photos);
+    /// Throws FilesBusy.
+    void revertMetadataToAsFound(std::vector<PhotoID> photos);
 
 private:
     void libraryChanged(const LibraryChange& change);

@@ -186,8 +186,7 @@ ExitCode revertFields(Context& context, const PhotoArguments& photos)
 {
     const auto ids = context.photos(photos);
     auto& catalog = context.library();
-    if (allInApertureLibraries(catalog, ids))
-        throw RevertRefused();
+    requireRevertible(catalog, ids);
     const auto result
         = withProgress(context, "Reverting", [&](const ExifTool& tool, const FileProgress& progress) {
               return revertMetadata(catalog, ids, tool, context.stop(), progress);

@@ -306,4 +306,29 @@ TEST(Desktop, saysWhatWasDoneOnceItIsDone)
     EXPECT_EQ(said, std::vector<std::string>{"Rated.!"});
 }
 
+TEST(Revert, asksBeforeItBeginsButNotForWhatIsNeverWritten)
+{
+    TestWindow t(1);
+    const NewPhoto aperture{.path = "/photos/A.aplibrary/Masters/b.jpg"};
+    const auto inAperture = t.store().catalog().addPhotos(std::span(&aperture, 1)).front().id;
+    t.store().reload();
+    QString asked;
+    QTimer answering;
+    QObject::connect(&answering, &QTimer::timeout, [&] {
+        if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            asked = box->informativeText();
+            box->reject();
+        }
+    });
+    answering.start(1);
+    t.store().select({1, inAperture});
+    t.window->commands().run(Command::revertMetadata);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return asked.contains("on 2 photos"); })) << asked.toStdString();
+    asked.clear();
+    t.store().select({inAperture});
+    t.window->commands().run(Command::revertMetadata);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return t.visibleButton("Close"); })) << "it is refused";
+    EXPECT_EQ(asked, "");
+}
+
 } // namespace korvo
