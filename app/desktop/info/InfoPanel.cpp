@@ -1,6 +1,5 @@
 #include "app/desktop/info/InfoPanel.h"
 
-#include "app/desktop/FailureList.h"
 #include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/MainWindow.h"
@@ -114,12 +113,6 @@ QWidget* InfoPanel::makeWriteBackRow(MainWindow& window)
     save_->setToolTip("Writes what waits, of these and of all other photos, into their files");
     revert_ = add("Revert…", [&window] { window.commands().run(Command::revertMetadata); });
     stop_ = add("Stop", [&writeBack] { writeBack.stopSaving(); });
-    failures_ = add("Failures…", [this, &writeBack] {
-        std::vector<std::string> texts;
-        for (const auto& failure : writeBack.failures())
-            texts.push_back(failure.message);
-        showFailures(*this, texts);
-    });
     buttons->addStretch(1);
     layout->addLayout(buttons);
     return row;
@@ -271,12 +264,10 @@ void InfoPanel::showWriteBack()
     const auto& writeBack = desktop_.session().writeBack();
     const bool waits = reading_.waiting > 0 && !writeBack.isSaving();
     const bool reverts = (reading_.waiting > 0 || (hasBackup_ && onlyPhoto())) && !writeBack.isSaving();
-    const bool failed = !writeBack.failures().empty() && !writeBack.isSaving();
     window_.setShown(*save_, waits);
     window_.setShown(*revert_, reverts);
     window_.setShown(*stop_, writeBack.isSaving());
-    window_.setShown(*failures_, failed);
-    window_.setShown(*writeBackRow_, reverts || failed || writeBack.isSaving());
+    window_.setShown(*writeBackRow_, reverts || writeBack.isSaving());
     setOrHide(*status_, qt(writeBack.statusMessage()));
 }
 

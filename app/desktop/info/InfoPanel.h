@@ -67,7 +67,6 @@ private:
     QPushButton* save_;
     QPushButton* revert_;
     QPushButton* stop_;
-    QPushButton* failures_;
     QLabel* camera_;
     QLabel* exposure_;
     QLabel* date_;
