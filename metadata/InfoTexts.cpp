@@ -79,8 +79,6 @@ FileFacts fileFacts(const std::filesystem::path& file)
 
 std::string fileLine(const FileFacts& facts)
 {
-    if (facts.isMissing)
-        return "missing";
     return joined({facts.pixelSize.value_or(""), facts.size ? sizeText(*facts.size) : ""});
 }
 

@@ -34,7 +34,7 @@ struct FileFacts {
 
 /// Looks at the file; may take its time.
 FileFacts fileFacts(const std::filesystem::path& file);
-/// "6000 × 4000 · 12.3 MB"; "missing" for a file that is not there.
+/// "6000 × 4000 · 12.3 MB" of a file that is there.
 std::string fileLine(const FileFacts& facts);
 
 } // namespace korvo

@@ -23,13 +23,6 @@ QImage imageOf(const Bitmap& bitmap)
     return view.convertToFormat(QImage::Format_RGB32);
 }
 
-QString missingText(const std::filesystem::path& file)
-{
-    return "This is the last preview: the file is missing. Connect the disk that holds " + qt(file.native())
-        + ", or bring the file back there. If its folder was moved or renamed, say where it is with “Locate "
-          "Folder…” in the folder's menu in the sidebar.";
-}
-
 /// Shrunk to the size, never enlarged.
 QImage fitted(QImage image, int size)
 {
@@ -112,7 +105,7 @@ void Pictures::work(const std::stop_token& stop)
             fault = qt(error.what());
             image = lastPicture(*order);
             if (!image.isNull())
-                fault = missingText(order->request.file);
+                fault = "This is the last preview. " + qt(missingFileText(order->request.file.native()));
         }
         main_.post([this, order, image, fault] {
             if (const auto done = std::exchange(order->done, nullptr)) {

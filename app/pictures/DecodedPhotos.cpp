@@ -1,5 +1,7 @@
 #include "app/pictures/DecodedPhotos.h"
 
+#include "app/pictures/Previews.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -17,6 +19,13 @@ std::size_t bytesOf(const Bitmap& image)
 std::size_t bytesOf(const LinearImage& image)
 {
     return sizeof(float) * (3 * image.pixels() + image.alpha.size());
+}
+
+std::string faultOf(const std::filesystem::path& file, const std::exception& error)
+{
+    std::error_code unknown; // then the error says more
+    const bool isMissing = !std::filesystem::exists(file, unknown) && !unknown;
+    return isMissing ? missingFileText(file.native()) : error.what();
 }
 
 bool contains(const std::vector<DecodeWish>& wishes, const DecodeWish& wish)
@@ -149,7 +158,7 @@ void DecodedPhotos::work(const std::stop_token& stop)
                 .size = underWay->wish.size, .kind = PixelKind::asStored, .source = underWay->wish.source};
             photo.image = reader_.read(underWay->wish.file, request, underWay->stop.get_token());
         } catch (const std::exception& error) { // shown in the picture's place
-            photo.fault = error.what();
+            photo.fault = faultOf(underWay->wish.file, error);
         }
         auto shared = std::make_shared<DecodedPhoto>(std::move(photo));
         main_.post([this, alive = alive_, underWay, shared] {

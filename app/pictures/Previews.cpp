@@ -24,6 +24,13 @@ std::vector<int> bySuitability(int size)
 
 } // namespace
 
+std::string missingFileText(const std::string& file)
+{
+    return "The file is missing. Connect the disk that holds " + file
+        + ", or bring the file back there. If its folder was moved or renamed, say where it is with “Locate "
+          "Folder…” in the folder's menu in the sidebar.";
+}
+
 Bitmap Previews::preview(const RenderJob& job, const std::stop_token& stop)
 {
     const auto key = keyOf(job);

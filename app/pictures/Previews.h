@@ -5,6 +5,9 @@
 
 namespace korvo {
 
+/// Says that a photo's file is missing, and what to do; `file` is its path, or a word for it.
+std::string missingFileText(const std::string& file);
+
 /// Photos at the sizes of the grid and the viewer: from the cache, or rendered and kept there.
 class Previews {
 public:

@@ -3,6 +3,7 @@
 #include "app/desktop/Labels.h"
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/MainWindow.h"
+#include "app/pictures/Previews.h"
 #include "base/Text.h"
 #include "catalog/Versions.h"
 
@@ -253,7 +254,7 @@ void InfoPanel::show(const Looked& looked)
 
 void InfoPanel::showFile(const FileFacts& facts)
 {
-    setOrHide(*file_, qt((facts.isMissing ? "⚠ " : "") + fileLine(facts)));
+    setOrHide(*file_, qt(facts.isMissing ? "⚠ " + missingFileText("it") : fileLine(facts)));
     file_->setPalette({});
     if (facts.isMissing)
         warning(file_);

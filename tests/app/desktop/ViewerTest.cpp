@@ -225,6 +225,7 @@ TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
     EXPECT_EQ(t.view().accessibleName(), "gone.jpg, 3 stars, the file is missing or cannot be read");
 }
 
+    EXPECT_TRUE(t.view().feed().fault().contains("Locate Folder…")) << t.view().feed().fault().toStdString();
 TEST(Survey, whatIsDraggedOutOfItOutlivesItsPane)
 {
     PhotoWindow t;

@@ -14,7 +14,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Grey pictures, of which "slow" ones wait until they are stopped, and "bad" ones fail.
+constexpr auto bad = "/dev/null"; // which is there
+
+/// Grey pictures, of which "slow" ones wait until they are stopped, and bad ones fail.
 class FakeReader : public ImageReader {
 public:
     DecodedImage read(
@@ -24,7 +26,7 @@ public:
         if (file == "slow")
             while (!stop.stop_requested())
                 std::this_thread::sleep_for(1ms);
-        if (file == "slow" || file == "bad")
+        if (file == "slow" || file == bad)
             throw std::runtime_error("cannot read " + file.string());
         Bitmap image(request.size, request.size);
         std::fill(image.bytes.begin(), image.bytes.end(), std::uint8_t(100));
@@ -51,17 +53,17 @@ protected:
 
 TEST_F(DecodedPhotosTest, decodesWhatIsWishedAndStopsWhatIsNot)
 {
-    photos.wish(0, {wish("slow"), wish("a"), wish("bad")});
-    ASSERT_TRUE(main.runUntil([&] { return isThere("a") && isThere("bad"); }));
+    photos.wish(0, {wish("slow"), wish("a"), wish(bad)});
+    ASSERT_TRUE(main.runUntil([&] { return isThere("a") && isThere(bad); }));
     EXPECT_TRUE(photos.find(wish("a"))->isThere());
-    EXPECT_EQ(photos.find(wish("bad"))->fault, "cannot read bad");
+    EXPECT_EQ(photos.find(wish(bad))->fault, "cannot read /dev/null");
     photos.wish(0, {wish("b"), wish("c"), wish("a")}); // only possible when the slow one has been stopped
     ASSERT_TRUE(main.runUntil([&] { return isThere("b") && isThere("c"); }));
     EXPECT_FALSE(isThere("slow"));
     EXPECT_EQ(reader.reads, 5) << "a was decoded again";
 
-    photos.wish(0, {wish("bad")});
-    ASSERT_TRUE(main.runUntil([&] { return isThere("bad"); })) << "a fault is final";
+    photos.wish(0, {wish(bad)});
+    ASSERT_TRUE(main.runUntil([&] { return isThere(bad); })) << "a fault is final";
     EXPECT_EQ(reader.reads, 6);
 }
 
