@@ -158,10 +158,22 @@ void ImportOptionsForm::addProjects()
     layout_->addWidget(chosenProject_);
     fillProjects();
     connect(project_, &QComboBox::currentIndexChanged, this, [this] { refresh(); });
+    fillingSoon_.setSingleShot(true);
+    connect(&fillingSoon_, &QTimer::timeout, this, [this] { projectsChanged(); });
     projectsChanged_ = window_.desktop().store().changed.connect([this](const LibraryChange& change) {
-        if (change.tree && !QApplication::activePopupWidget()) // lines stay while one is being chosen
-            fillProjects();
+        if (change.tree)
+            projectsChanged();
     });
+}
+
+/// Lines stay while one is being chosen.
+void ImportOptionsForm::projectsChanged()
+{
+    constexpr std::chrono::milliseconds untilItMayBeChosen(200);
+    if (QApplication::activePopupWidget())
+        fillingSoon_.start(untilItMayBeChosen);
+    else
+        fillProjects();
 }
 
 /// The project that the window shows is chosen at first, else none.

@@ -4,6 +4,7 @@
 #include "imports/ImportOptions.h"
 #include "imports/Naming.h"
 
+#include <QTimer>
 #include <QWidget>
 
 class QCheckBox;
@@ -41,6 +42,7 @@ private:
     void addProjects();
     void addTexts();
     void load();
+    void projectsChanged();
     void fillProjects();
     void refresh();
     void showExample();
@@ -66,6 +68,7 @@ private:
     NamingFacts exampleFacts_;
     std::string exampleExtension_;
     std::size_t exampleTotal_ = 1;
+    QTimer fillingSoon_;
     Connection projectsChanged_;
 };
 
