@@ -7,6 +7,11 @@
 
 namespace korvo {
 
+FileDefaults::FileDefaults(std::filesystem::path folder) : folder_(std::move(folder))
+{
+    PartFile::removeLeftOvers(folder_ / "");
+}
+
 std::optional<std::string> FileDefaults::get(std::string_view key) const
 try {
     return readWholeFile(folder_ / key);

@@ -10,7 +10,8 @@ namespace korvo {
 /// without undoing each other.
 class FileDefaults : public Defaults {
 public:
-    explicit FileDefaults(std::filesystem::path folder) : folder_(std::move(folder)) { }
+    /// Takes away what killed programs left behind there.
+    explicit FileDefaults(std::filesystem::path folder);
 
     std::optional<std::string> get(std::string_view key) const override;
     void set(std::string_view key, std::string_view value) override;

@@ -43,10 +43,12 @@ TEST(AppFolders, findTheHomeWithoutTheEnvironment)
     EXPECT_TRUE(applicationDataFolder().is_absolute());
 }
 
-TEST(FileDefaults, whatCannotBeReadIsNoValue)
+TEST(FileDefaults, whatCannotBeReadIsNoValueAndWhatAKilledProgramLeftGoes)
 {
     const TemporaryFolder folder;
+    const auto left = folder.write("korvo_a.c0ffee.part", "half");
     FileDefaults defaults(folder.path());
+    EXPECT_FALSE(std::filesystem::exists(left));
     defaults.set("korvo_a", "x");
     std::filesystem::create_directory(folder / "korvo_b");
     EXPECT_EQ(defaults.get("korvo_a"), "x");
