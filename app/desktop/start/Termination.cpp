@@ -16,7 +16,7 @@ namespace {
 /// The end of a pipe that a signal writes to: hardly anything else may be done while one is handled.
 int signalled = -1;
 
-constexpr std::array endingSignals{SIGTERM, SIGINT};
+constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
 
 void tell(int /*signal*/)
 {
@@ -45,8 +45,10 @@ void onTermination(QObject& context, std::function<void()> end)
     struct sigaction action { };
     action.sa_handler = tell;
     action.sa_flags = SA_RESTART;
+    struct sigaction before { };
     for (const int signal : endingSignals)
-        sigaction(signal, &action, nullptr);
+        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) // nohup stays that
+            sigaction(signal, &action, nullptr);
 }
 
 } // namespace korvo

@@ -3,6 +3,7 @@
 #include "app/desktop/sidebar/Sidebar.h"
 #include "app/desktop/start/Instance.h"
 #include "app/desktop/start/Screenshot.h"
+#include "app/desktop/start/Termination.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
@@ -14,6 +15,8 @@
 #include <QMimeData>
 #include <QRegularExpression>
 #include <QStatusBar>
+
+#include <csignal>
 
 namespace korvo {
 
@@ -329,6 +332,15 @@ TEST(Revert, asksBeforeItBeginsButNotForWhatIsNeverWritten)
     t.window->commands().run(Command::revertMetadata);
     EXPECT_TRUE(QTest::qWaitFor([&] { return t.visibleButton("Close"); })) << "it is refused";
     EXPECT_EQ(asked, "");
+}
+
+TEST(Termination, isToldOfATerminalThatCloses)
+{
+    bool isToEnd = false;
+    QObject context;
+    onTermination(context, [&] { isToEnd = true; });
+    ASSERT_EQ(raise(SIGHUP), 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isToEnd; }));
 }
 
 } // namespace korvo
