@@ -27,6 +27,8 @@ std::string showAmongVersions(const LibraryStore& store, Browser& browser, Photo
 std::string makeVersions(LibraryStore& store, Browser& browser, double now)
 {
     const auto made = createVersions(store, browser.targets(), now);
+    if (made.empty())
+        return "No version was made.";
     if (made.size() != 1 && !listsVersions(store))
         return "Made " + counted(made.size(), "version") + ". The Info tab of each photo lists them.";
     const auto item = store.catalog().photo(made.front());
