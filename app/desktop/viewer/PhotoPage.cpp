@@ -39,6 +39,9 @@ void PhotoPage::setLoupe(Loupe loupe)
     loupe_ = loupe;
     for (auto* const pane : panes())
         pane->view().setLoupe(loupe);
+    const auto hasIt = [](PhotoPane* pane) { return pane->view().loupePoint().has_value(); };
+    if (loupe == Loupe::on && active() && std::ranges::none_of(panes(), hasIt)) // no mouse is over a photo
+        active()->view().moveLoupe(0, 0);
 }
 
 void PhotoPage::dress(PhotoPane& pane)
@@ -50,22 +53,25 @@ void PhotoPage::dress(PhotoPane& pane)
 bool PhotoPage::moveAbout(const QKeyEvent& event)
 {
     auto* const pane = active();
-    if (!event.modifiers().testFlag(Qt::ShiftModifier) || !pane || pane->view().zoom().isFit())
+    const bool isWhole = !pane || pane->view().zoom().isFit();
+    if (!event.modifiers().testFlag(Qt::ShiftModifier) || !pane || (isWhole && loupe_ == Loupe::off))
         return false;
-    constexpr double part = 0.25;
+    const auto go = [&](int right, int down) {
+        if (isWhole)
+            pane->view().moveLoupe(0.05 * right, 0.05 * down);
+        else
+            pane->view().panBy(-0.25 * right, -0.25 * down);
+        return true;
+    };
     switch (event.key()) {
     case Qt::Key_Right:
-        pane->view().panBy(-part, 0);
-        return true;
+        return go(1, 0);
     case Qt::Key_Left:
-        pane->view().panBy(part, 0);
-        return true;
+        return go(-1, 0);
     case Qt::Key_Down:
-        pane->view().panBy(0, -part);
-        return true;
+        return go(0, 1);
     case Qt::Key_Up:
-        pane->view().panBy(0, part);
-        return true;
+        return go(0, -1);
     default:
         return false;
     }

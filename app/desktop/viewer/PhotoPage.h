@@ -23,7 +23,8 @@ protected:
     virtual void follow(bool isOn) = 0;
     virtual void step(std::ptrdiff_t places) { desktop_.browser().step(places); }
     void keyPressEvent(QKeyEvent* event) override;
-    /// Shows what lies that way of a photo that is not shown whole; returns whether the key means that.
+    /// Shows what lies that way of a photo that is not shown whole, or moves the loupe over one that is;
+    /// returns whether the key means that.
     bool moveAbout(const QKeyEvent& event);
     void wheelEvent(QWheelEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;

@@ -20,6 +20,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr QPointF nowhere(-1, -1);
 constexpr double mostZoom = 8;
 constexpr double zoomStep = 1.25;
 constexpr int loupeWidth = 320; // in points
@@ -92,9 +93,18 @@ void PhotoView::setLoupe(Loupe loupe)
     point(mapFromGlobal(QCursor::pos()));
 }
 
+void PhotoView::moveLoupe(double widths, double heights)
+{
+    const QPointF from = loupePoint().value_or(QRectF(rect()).center());
+    point({std::clamp(from.x() + widths * width(), 0.0, width() - 1.0),
+        std::clamp(from.y() + heights * height(), 0.0, height() - 1.0)});
+}
+
 void PhotoView::followLoupe(std::optional<QPointF> place)
 {
     followed_ = place;
+    if (place)
+        pointer_ = nowhere;
     update();
 }
 
@@ -351,7 +361,7 @@ void PhotoView::mouseReleaseEvent(QMouseEvent* event)
 
 void PhotoView::leaveEvent(QEvent*)
 {
-    point({-1, -1});
+    point(nowhere);
 }
 
 void PhotoView::wheelEvent(QWheelEvent* event)

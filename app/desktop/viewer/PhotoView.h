@@ -40,6 +40,8 @@ public:
     void followZoom(const ViewZoom& zoom);
     void setLook(Look look);
     void setLoupe(Loupe loupe);
+    /// Moves the loupe by a part of the view's size, from the middle where it is over no place.
+    void moveLoupe(double widths, double heights);
     /// Shows the loupe over the same place as another view does, while the pointer is not in this one.
     void followLoupe(std::optional<QPointF> place);
     /// Where the loupe's middle is; nothing while there is none.

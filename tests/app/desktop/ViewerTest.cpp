@@ -139,6 +139,11 @@ TEST(Viewer, theLoupeIsOverTheSamePlaceOfBothPhotosAndGoesWithThem)
         ASSERT_TRUE(QTest::qWaitFor([&] { return !view->feed().screen().full.isEmpty(); }, wait));
     t.press(Qt::Key_QuoteLeft);
     EXPECT_TRUE(loupe.isChecked());
+    const auto beside = left.loupePoint(), here = right.loupePoint();
+    ASSERT_TRUE(here && beside) << "without a mouse, in the middle";
+    t.press(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_GT(right.loupePoint()->x(), here->x());
+    EXPECT_GT(left.loupePoint()->x(), beside->x());
     const QPointF middle = left.rect().center() + QPointF(0.5, 0.5);
     for (const QPointF off : {QPointF(), QPointF(60, 40)}) {
         const QPointF at = middle + off;
@@ -220,12 +225,12 @@ TEST(Viewer, aFileThatCannotBeShownSaysWhyAndStaysRatable)
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().contains("broken.jpg"); }, wait));
     t.press(Qt::Key_Right);
     ASSERT_TRUE(QTest::qWaitFor([&] { return t.view().feed().fault().contains("gone.jpg"); }, wait));
+    EXPECT_TRUE(t.view().feed().fault().contains("Locate Folder…")) << t.view().feed().fault().toStdString();
     t.press(Qt::Key_3);
     EXPECT_EQ(t.listed(gone).rating, 3);
     EXPECT_EQ(t.view().accessibleName(), "gone.jpg, 3 stars, the file is missing or cannot be read");
 }
 
-    EXPECT_TRUE(t.view().feed().fault().contains("Locate Folder…")) << t.view().feed().fault().toStdString();
 TEST(Survey, whatIsDraggedOutOfItOutlivesItsPane)
 {
     PhotoWindow t;
