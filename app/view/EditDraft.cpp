@@ -21,10 +21,11 @@ PhotoEdits EditDraft::editsOf(const PhotoItem& item) const
 
 void EditDraft::show(std::string title, Change change)
 {
-    if (change_ && (state_ != State::open || title != title_))
+    requireFree();
+    if (change_ && (state_ != State::open || title != title_)) {
         store();
-    if (change_ && state_ != State::open) // it waits, or is being stored
-        throw DatabaseError::occupied(title_);
+        requireFree(); // of the step that this has begun
+    }
     if (!change_)
         photos_ = browser_.targets();
     title_ = std::move(title);
@@ -40,8 +41,6 @@ void EditDraft::keep()
 
 void EditDraft::store()
 {
-    if (!store_.isFree())
-        return waitForStep();
     state_ = State::storing; // shown all the while
     try {
         changeEdits(store_, title_, photos_, change_);
@@ -68,25 +67,22 @@ void EditDraft::end()
     changed.emit();
 }
 
-void EditDraft::waitForStep()
+void EditDraft::requireFree()
 {
-    if (state_ == State::storing)
+    if (store_.isFree())
         return;
-    state_ = State::over;
-    store_.whenFree([this] {
-        if (state_ == State::over)
-            store();
-    });
+    changed.emit(); // the control goes back
+    store_.requireFree();
 }
 
 void EditDraft::stepEnded(StepOutcome outcome)
 {
     if (state_ != State::storing)
         return;
-    if (outcome == StepOutcome::failedForNow)
-        state_ = State::over;
-    else
-        end();
+    if (outcome != StepOutcome::failedForNow)
+        return end();
+    state_ = State::over;
+    changed.emit();
 }
 
 void EditDraft::drop()

@@ -25,12 +25,12 @@ public:
     const std::string& title() const { return title_; }
 
     /// Shows the change, in place of the one drafted before under that title, on the photos that commands act
-    /// on when it begins. A draft of another title is kept first.
+    /// on when it begins. A draft of another title is kept first. Throws while a step runs, which is no time
+    /// to begin another.
     void show(std::string title, Change change);
     /// Stores what is drafted, if anything. Throws as the store does: what could not be written now (another
     /// program writes, the disk is full) stays drafted for the next time, anything else is dropped. What the
-    /// store does not wait for is shown till it is stored, and drafted again where that fails so. While
-    /// another step runs it waits for the end of that.
+    /// store does not wait for is shown till it is stored, and drafted again where that fails so.
     void keep();
     void drop();
     /// Shows and keeps in one.
@@ -45,7 +45,7 @@ private:
 
     void store();
     void end();
-    void waitForStep();
+    void requireFree();
     void stepEnded(StepOutcome outcome);
 
     LibraryStore& store_;

@@ -41,8 +41,12 @@ public:
         left.take(std::move(task_));
         freeElsewhere(*main_, left, std::move(result_));
     }
-    /// The result, once. Throws what kept it from being worked out.
-    Result take() { return result_.get(); }
+    /// The result, once it is there, and no more than once. Throws what kept it from being worked out.
+    Result take()
+    {
+        task_.cancel(); // all but over; its thread would else free the exception that is looked at here
+        return result_.get();
+    }
 
 private:
     MainThread* main_;

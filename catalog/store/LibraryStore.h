@@ -82,6 +82,7 @@ public:
     const std::string* longStep() const { return longStep_ ? &longStep_->title : nullptr; }
     /// Whether a step may begin: none is running, and the last has been told of.
     bool isFree() const { return !longStep_ && !endedStep_; }
+    void requireFree() const; ///< throws DatabaseError::Case::occupied unless it is
     /// Does it once it is free: at once, or after stepEnded, in the order asked for.
     void whenFree(std::function<void()> action);
     void finishLongStep(); ///< returns once none is running
@@ -163,7 +164,6 @@ private:
     StepDone taken(LongStep& step);
     void longStepArrived();
     void tellFault(const std::function<void()>& action);
-    void requireNoLongStep();
     /// What came of the step that is next on this way; forgets it when it can never be taken.
     StepDone attempt(UndoWay way, const TakeStep& take);
     void takeOut(const UndoStep& step);

@@ -74,7 +74,7 @@ void LibraryStore::tellFault(const std::function<void()>& action)
 void LibraryStore::whenFree(std::function<void()> action)
 {
     main_.assertCurrent();
-    if (isFree())
+    if (isFree() && whenFree_.empty())
         action();
     else
         whenFree_.push_back(std::move(action));
@@ -88,7 +88,7 @@ void LibraryStore::finishLongStep()
             longStepArrived();
 }
 
-void LibraryStore::requireNoLongStep()
+void LibraryStore::requireFree() const
 {
     main_.assertCurrent();
     if (const auto& step = longStep_ ? longStep_ : endedStep_)
@@ -97,7 +97,7 @@ void LibraryStore::requireNoLongStep()
 
 void LibraryStore::perform(std::string title, std::function<void(Catalog&)> change, std::size_t photos)
 {
-    requireNoLongStep();
+    requireFree();
     make(
         title, photos > mostPhotosAtOnce ? Where::beside : Where::here,
         [change = std::move(change)](
@@ -181,7 +181,7 @@ StepDone LibraryStore::attempt(UndoWay way, const TakeStep& take)
 
 void LibraryStore::undo()
 {
-    requireNoLongStep();
+    requireFree();
     requireNoRetrace(history_);
     const UndoStep* const step = history_.toUndo();
     if (step && step->added.areThere())
@@ -192,7 +192,7 @@ void LibraryStore::undo()
 
 void LibraryStore::redo()
 {
-    requireNoLongStep();
+    requireFree();
     requireNoRetrace(history_);
     if (const UndoStep* const step = history_.toRedo())
         takeStep(*step, UndoWay::forth);

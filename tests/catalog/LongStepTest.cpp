@@ -39,6 +39,19 @@ struct LongSteps : ::testing::Test {
         EXPECT_TRUE(main.runUntil([&] { return !store->longStep() && !store->isReading(); }));
         return std::exchange(told, {});
     }
+    /// How a rating of all ends, at once or later.
+    StepOutcome rated()
+    {
+        auto ending = StepOutcome::done;
+        const auto listening = store->stepEnded.connect([&](StepOutcome outcome) { ending = outcome; });
+        try {
+            setRating(*store, ids, 4);
+        } catch (const DatabaseError& error) {
+            return error.mayPass() ? StepOutcome::failedForNow : StepOutcome::failed;
+        }
+        outcome();
+        return ending;
+    }
     /// While it lives, no step comes further than to its beginning.
     struct Keeping {
         explicit Keeping(LongSteps& test)
@@ -232,15 +245,21 @@ TEST_F(LongSteps, makeNoCatalogWhereTheOpenOneWasMovedAway)
     const auto catalog = store->catalog().libraryURL() / "catalog.sqlite";
     const auto moved = store->catalog().libraryURL() / "moved.sqlite";
     std::filesystem::rename(catalog, moved);
-    auto ending = StepOutcome::done;
-    const auto listening = store->stepEnded.connect([&](StepOutcome outcome) { ending = outcome; });
-    setRating(*store, ids, 4);
-    outcome();
-    EXPECT_EQ(ending, StepOutcome::failedForNow);
+    EXPECT_EQ(rated(), StepOutcome::failedForNow);
     EXPECT_FALSE(std::filesystem::exists(catalog));
     std::filesystem::rename(moved, catalog);
-    setRating(*store, ids, 4);
-    EXPECT_EQ(outcome(), Texts{"done"});
+    EXPECT_EQ(rated(), StepOutcome::done);
+}
+
+TEST_F(LongSteps, changeNoOtherLibraryThatStandsInThePlaceOfTheOpenOne)
+{
+    outcome();
+    const auto place = store->catalog().libraryURL();
+    std::filesystem::rename(place, library.folder / "Renamed");
+    std::filesystem::copy(library.folder / "Renamed", place, std::filesystem::copy_options::recursive);
+    EXPECT_EQ(rated(), StepOutcome::failedForNow);
+    Catalog other(place, library.clock);
+    EXPECT_EQ(ratedIn(other, 4), 0U);
 }
 
 } // namespace korvo

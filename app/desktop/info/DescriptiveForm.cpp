@@ -112,6 +112,7 @@ void DescriptiveForm::waitForTexts()
 void DescriptiveForm::show(const CommonMetadata& common)
 {
     isRead_ = true;
+    common_ = common;
     for (std::size_t place = 0; place < fields_.size(); ++place) {
         fields_[place]->setReadOnly(false);
         const auto text = shownText(common, place);
@@ -157,7 +158,7 @@ DescriptiveForm::Typed DescriptiveForm::typed(std::size_t place, const QString& 
 bool DescriptiveForm::changeField(std::size_t place, const QString& text)
 {
     const auto change = typed(place, text);
-    if (desktop_.store().isFree())
+    if (desktop_.store().isFree() && waiting_.empty())
         return keep(change);
     // The user goes on to other photos, and the text waits for its turn.
     waiting_.push_back(change);
@@ -190,10 +191,10 @@ bool DescriptiveForm::keep(const Typed& change)
 
 void DescriptiveForm::giveBack(const Typed& change)
 {
-    if (change.photos == photos_ && !fields_[change.place]->isTouched())
-        fields_[change.place]->retype(change.text);
-    else
-        tellLost(desktop_, change.text);
+    if (change.photos != photos_ || !isRead_ || fields_[change.place]->isTouched())
+        return tellLost(desktop_, change.text);
+    show(common_); // what it takes the place of
+    fields_[change.place]->retype(change.text);
 }
 
 void DescriptiveForm::stepEnded(StepOutcome outcome)

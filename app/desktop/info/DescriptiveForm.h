@@ -61,6 +61,7 @@ private:
     std::vector<PhotoID> photos_;
     bool isRead_ = true; // the fields show those photos' texts
     std::array<FieldEdit*, 6> fields_{};
+    CommonMetadata common_; // as it is stored
     SharedText keywords_; // those in common, as shown
     QLabel* altHint_;
     std::deque<Typed> waiting_; // for the end of a step

@@ -64,13 +64,13 @@ struct TestWindow : TestLibrary {
 
     /// Begins a step of very many photos that does not end before that is set.
     std::shared_ptr<std::atomic<bool>> beginStep(const std::function<void(Catalog&)>& change
-        = [](Catalog& catalog) { catalog.setLabel(only(1), PhotoLabel::red); })
+        = [](Catalog& changed) { changed.setLabel(only(1), PhotoLabel::red); })
     {
         auto mayEnd = std::make_shared<std::atomic<bool>>(false);
-        const auto waiting = [mayEnd, change](Catalog& catalog) {
+        const auto waiting = [mayEnd, change](Catalog& changed) {
             while (!*mayEnd)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            change(catalog);
+            change(changed);
         };
         store().perform("Long Step", waiting, 5000);
         EXPECT_TRUE(store().longStep());
