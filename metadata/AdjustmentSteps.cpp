@@ -145,6 +145,7 @@ FilesWritten PositionChange::give(
         return written;
     };
     auto result = adjustPhotos(catalog, photos_, {inCatalog, inFile}, tool, stop, progress);
+    inFiles_.merge(withoutFailure(result)); // also where the catalog failed before the check
     if (const auto given = std::views::keys(before_); isLeft())
         photos_.assign(given.begin(), given.end());
     return result;

@@ -71,14 +71,18 @@ FileFacts fileFacts(const std::filesystem::path& file)
 {
     std::error_code error;
     const auto size = std::filesystem::file_size(file, error);
-    if (error)
+    if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory)
         return {.isMissing = true};
+    if (error)
+        return {.fault = "The file cannot be looked at: " + error.message()};
     const auto info = readExif(file);
     return {.size = size, .pixelSize = info ? info->pixelSize : std::nullopt};
 }
 
 std::string fileLine(const FileFacts& facts)
 {
+    if (!facts.fault.empty())
+        return facts.fault;
     return joined({facts.pixelSize.value_or(""), facts.size ? sizeText(*facts.size) : ""});
 }
 

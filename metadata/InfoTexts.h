@@ -28,13 +28,14 @@ std::string unwrittenText(std::size_t waiting, std::size_t photos);
 /// What only the file itself says.
 struct FileFacts {
     bool isMissing = false;
+    std::string fault = {}; // why one that may be there cannot be looked at
     std::optional<std::uint64_t> size; // bytes
     std::optional<std::string> pixelSize; // "6000 × 4000"
 };
 
 /// Looks at the file; may take its time.
 FileFacts fileFacts(const std::filesystem::path& file);
-/// "6000 × 4000 · 12.3 MB" of a file that is there.
+/// "6000 × 4000 · 12.3 MB" of a file that is there, or its fault.
 std::string fileLine(const FileFacts& facts);
 
 } // namespace korvo

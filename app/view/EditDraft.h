@@ -21,6 +21,8 @@ public:
     /// The photo's edits as drafted, else as stored; none for stored edits that cannot be read.
     PhotoEdits editsOf(const PhotoItem& item) const;
     bool isOpen() const { return change_ && state_ != State::storing; }
+    /// Whether its control has not been let go.
+    bool isMoved() const { return change_ && state_ == State::open; }
     /// What is drafted, "Change Exposure", while it is open.
     const std::string& title() const { return title_; }
 

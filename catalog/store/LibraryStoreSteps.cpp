@@ -74,7 +74,7 @@ void LibraryStore::tellFault(const std::function<void()>& action)
 void LibraryStore::whenFree(std::function<void()> action)
 {
     main_.assertCurrent();
-    if (isFree() && whenFree_.empty())
+    if (isFree())
         action();
     else
         whenFree_.push_back(std::move(action));

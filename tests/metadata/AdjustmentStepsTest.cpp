@@ -169,6 +169,22 @@ TEST(AdjustmentSteps, keepsWhatAPhotoHadUntilItIsBackWhateverEndsTheWayBack)
     EXPECT_EQ(store.list().find(2)->latitude, 30);
 }
 
+TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughTheCatalogCouldNotNoteIt)
+{
+    OpenLibrary library(1);
+    auto& store = *library.store;
+    store.catalog().database().exec("CREATE TRIGGER full BEFORE UPDATE OF mtime ON photos "
+                                    "BEGIN SELECT RAISE(ABORT, 'disk full'); END");
+    setPosition(*library.writeBack, store, library.ids, Coordinate{48, 11});
+    ASSERT_TRUE(library.finish());
+    EXPECT_TRUE(library.writeBack->hasFailed());
+    store.catalog().database().exec("DROP TRIGGER full");
+    const auto made = library.calls();
+    store.undo();
+    ASSERT_TRUE(library.finish());
+    EXPECT_EQ(library.calls(), made + 1) << "the file was written";
+}
+
 TEST(AdjustmentSteps, keepsAStepInItsPlaceUntilItIsTakenBackOrTheSamePhotosFailAgain)
 {
     const FakeTool tool("exit 0");

@@ -35,6 +35,9 @@ TEST(InfoTexts, aFileThatIsGoneIsMissing)
 {
     const TemporaryFolder folder;
     EXPECT_TRUE(fileFacts(folder / "gone.jpg").isMissing);
+    std::filesystem::create_symlink("loop.jpg", folder / "loop.jpg");
+    EXPECT_FALSE(fileFacts(folder / "loop.jpg").isMissing);
+    EXPECT_NE(fileLine(fileFacts(folder / "loop.jpg")), "");
     folder.write("there.jpg", std::string(1234, 'x'));
     EXPECT_EQ(fileLine(fileFacts(folder / "there.jpg")), "1.2 kB");
 }

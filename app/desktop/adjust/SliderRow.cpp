@@ -109,7 +109,7 @@ void SliderRow::typed(double value)
 void SliderRow::reset()
 {
     desktop_.attempt([&] {
-        if (desktop_.draft().title() == title())
+        if (desktop_.draft().isMoved() && desktop_.draft().title() == title())
             desktop_.draft().drop();
         desktop_.draft().apply("Reset " + std::string(slider_.label),
             [&slider = slider_](PhotoEdits& edits) { slider.reset(edits); });

@@ -191,7 +191,9 @@ bool DescriptiveForm::keep(const Typed& change)
 
 void DescriptiveForm::giveBack(const Typed& change)
 {
-    if (change.photos != photos_ || !isRead_ || fields_[change.place]->isTouched())
+    const bool hasSuccessor = std::ranges::any_of(waiting_,
+        [&](const Typed& later) { return later.place == change.place && later.photos == change.photos; });
+    if (hasSuccessor || change.photos != photos_ || !isRead_ || fields_[change.place]->isTouched())
         return tellLost(desktop_, change.text);
     show(common_); // what it takes the place of
     fields_[change.place]->retype(change.text);

@@ -254,9 +254,11 @@ void InfoPanel::show(const Looked& looked)
 
 void InfoPanel::showFile(const FileFacts& facts)
 {
-    setOrHide(*file_, qt(facts.isMissing ? "⚠ " + missingFileText("it") : fileLine(facts)));
+    const bool isReadable = !facts.isMissing && facts.fault.empty();
+    const auto text = facts.isMissing ? missingFileText("it") : fileLine(facts);
+    setOrHide(*file_, qt((isReadable ? "" : "⚠ ") + text));
     file_->setPalette({});
-    if (facts.isMissing)
+    if (!isReadable)
         warning(file_);
 }
 

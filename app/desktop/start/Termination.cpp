@@ -21,8 +21,10 @@ constexpr std::array endingSignals{SIGTERM, SIGINT, SIGHUP};
 void tell(int /*signal*/)
 {
     const int before = errno;
+    struct sigaction now { };
     for (const int next : endingSignals) // the second one is not waited for
-        std::signal(next, SIG_DFL);
+        if (sigaction(next, nullptr, &now) == 0 && now.sa_handler == tell)
+            std::signal(next, SIG_DFL);
     [[maybe_unused]] const auto written = write(signalled, "", 1);
     errno = before;
 }

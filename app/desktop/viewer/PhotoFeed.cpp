@@ -193,7 +193,7 @@ void PhotoFeed::editsChanged()
     if (!item() || (edits() == drawn_ && isComplete))
         return;
     dropFull();
-    if (desktop_.draft().isOpen()) // all pixels follow once the slider is let go
+    if (desktop_.draft().isMoved()) // all pixels follow once the slider is let go
         return renderScreen();
     if (!fault_.isEmpty()) { // of a missing photo, the stand-in is all there is
         drawn_ = edits();
@@ -232,7 +232,7 @@ void PhotoFeed::renderScreen()
 void PhotoFeed::renderFull()
 {
     const auto* const photo = item();
-    if (!photo || detail_ != ViewDetail::full || !full_.image.isNull() || desktop_.draft().isOpen())
+    if (!photo || detail_ != ViewDetail::full || !full_.image.isNull() || desktop_.draft().isMoved())
         return;
     const auto decoded = desktop_.decoded().find({photo->path(), 0, PictureSource::whole});
     if (decoded && decoded->isThere())

@@ -247,6 +247,8 @@ TEST(Info, keywordsThatWaitedInVainCanBeTakenAgain)
     std::optional<Transaction> writing;
     const auto inBetween = t.store().stepEnded.connect([&](StepOutcome) { writing.emplace(other); });
     const auto mayEnd = t.beginStep();
+    type(t, "Keywords", "shed");
+    t.window->commands().settle();
     type(t, "Keywords", "barn");
     t.store().select({1});
     settle();

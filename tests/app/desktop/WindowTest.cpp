@@ -336,6 +336,7 @@ TEST(Revert, asksBeforeItBeginsButNotForWhatIsNeverWritten)
 
 TEST(Termination, isToldOfATerminalThatCloses)
 {
+    std::signal(SIGHUP, SIG_DFL); // under nohup it is ignored, and stays so
     bool isToEnd = false;
     QObject context;
     onTermination(context, [&] { isToEnd = true; });
