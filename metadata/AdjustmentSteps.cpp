@@ -145,7 +145,8 @@ FilesWritten PositionChange::give(
         return written;
     };
     auto result = adjustPhotos(catalog, photos_, {inCatalog, inFile}, tool, stop, progress);
-    inFiles_.merge(withoutFailure(result)); // also where the catalog failed before the check
+    if (!result.fault.empty()) // the catalog's, behind a file that was written and before the check of it
+        inFiles_.merge(withoutFailure(result));
     if (const auto given = std::views::keys(before_); isLeft())
         photos_.assign(given.begin(), given.end());
     return result;

@@ -45,10 +45,12 @@ void EditDraft::store()
     try {
         changeEdits(store_, title_, photos_, change_);
     } catch (const DatabaseError& error) {
-        if (error.mayPass())
-            state_ = State::over;
-        else
+        if (!error.mayPass()) {
             end();
+            throw;
+        }
+        state_ = State::over;
+        changed.emit(); // the control has been let go
         throw;
     } catch (...) {
         end();

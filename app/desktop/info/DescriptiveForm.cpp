@@ -146,7 +146,8 @@ void DescriptiveForm::workOffAltTexts(std::optional<std::size_t> left)
 DescriptiveForm::Typed DescriptiveForm::typed(std::size_t place, const QString& text) const
 {
     auto& store = desktop_.store();
-    if (place == keywordsField && photos_.size() > 1)
+    // As a difference where what is stored may be another by then.
+    if (place == keywordsField && (photos_.size() > 1 || !store.isFree()))
         return {photos_, place, text, [&store, photos = photos_, edit = keywordEdit(keywords_, utf8(text))] {
                     editKeywords(store, photos, edit);
                 }};
@@ -158,6 +159,14 @@ DescriptiveForm::Typed DescriptiveForm::typed(std::size_t place, const QString& 
 bool DescriptiveForm::changeField(std::size_t place, const QString& text)
 {
     const auto change = typed(place, text);
+    const bool isKept = keepOrWait(change);
+    if (isKept && place == keywordsField) // what is typed next is a difference to these
+        keywords_ = SharedText(tidyKeywordText(utf8(text)));
+    return isKept;
+}
+
+bool DescriptiveForm::keepOrWait(const Typed& change)
+{
     if (desktop_.store().isFree() && waiting_.empty())
         return keep(change);
     // The user goes on to other photos, and the text waits for its turn.

@@ -48,6 +48,7 @@ private:
 
     Typed typed(std::size_t place, const QString& text) const;
     bool changeField(std::size_t place, const QString& text);
+    bool keepOrWait(const Typed& change);
     bool keep(const Typed& change);
     void keepWaiting(); ///< the first that waits
     /// What was typed for these photos and is about to be stored, else what is.

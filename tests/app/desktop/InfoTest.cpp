@@ -1,7 +1,7 @@
 #include "app/desktop/info/DescriptiveForm.h"
 #include "base/Json.h"
 #include "catalog/store/LibraryActions.h"
-#include "tests/app/desktop/PhotoWindow.h"
+#include "tests/app/desktop/InfoFields.h"
 #include "tests/support/StoreActions.h"
 
 #include <QAbstractItemView>
@@ -9,31 +9,12 @@
 #include <QDropEvent>
 #include <QLabel>
 #include <QMimeData>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextDocument>
-#include <QTimer>
 
 namespace korvo {
 
 namespace {
-
-/// The field of that title in the Info tab.
-QPlainTextEdit& field(TestWindow& t, const char* title)
-{
-    for (auto* const edit : t.window->findChildren<QPlainTextEdit*>())
-        if (edit->accessibleName() == title)
-            return *edit;
-    throw std::out_of_range(title);
-}
-
-void type(TestWindow& t, const char* title, const char* text)
-{
-    auto& edit = field(t, title);
-    edit.setFocus();
-    edit.selectAll();
-    QTest::keyClicks(&edit, text);
-}
 
 const QPushButton& button(TestWindow& t, const char* text)
 {
@@ -41,11 +22,6 @@ const QPushButton& button(TestWindow& t, const char* text)
         if (found->text() == text)
             return *found;
     throw std::out_of_range(text);
-}
-
-void settle()
-{
-    QTest::qWait(20);
 }
 
 } // namespace
@@ -190,92 +166,6 @@ TEST(Info, quittingAsksForATextThatCannotBeStored)
     EXPECT_EQ(t.refused(Command::quit), "What you changed last could not be stored.\nQuitting now loses it.");
     EXPECT_TRUE(t.window->isVisible());
     EXPECT_EQ(field(t, "Title").toPlainText(), "First");
-}
-
-TEST(Info, quittingWaitsForAStepThatTakesLongAndKeepsWhatWasTypedMeanwhile)
-{
-    const auto quit = [](TestWindow& t) { t.window->commands().run(Command::quit); };
-    const auto endSession = [](TestWindow& t) { t.window->quitUnasked(); };
-    for (const auto& end : {std::function<void(TestWindow&)>(quit), {endSession}}) {
-        TestWindow t(1, std::chrono::milliseconds(0));
-        t.settleStore();
-        t.store().select({1});
-        settle();
-        const auto mayEnd = t.beginStep();
-        type(t, "Title", "First");
-        std::thread ending([mayEnd] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            *mayEnd = true;
-        });
-        QTimer::singleShot(0, t.window.get(), [&] { end(t); });
-        QApplication::exec();
-        ending.join();
-        EXPECT_FALSE(t.visibleButton("Close")) << "nothing has failed";
-        EXPECT_EQ(t.store().catalog().photo(1)->metadata.title, "First");
-        EXPECT_EQ(t.store().catalog().photo(1)->label, PhotoLabel::red);
-    }
-}
-
-TEST(Info, aTextThatIsTypedDuringAStepThatTakesLongIsStoredAfterIt)
-{
-    TestWindow t(2, std::chrono::milliseconds(0));
-    t.settleStore();
-    t.store().select({1});
-    settle();
-    const auto mayEnd = t.beginStep();
-    type(t, "Title", "First");
-    t.store().select({2});
-    settle();
-    t.store().select({1});
-    settle();
-    EXPECT_EQ(field(t, "Title").toPlainText(), "First") << "it is not lost";
-    *mayEnd = true;
-    t.settleStore();
-    EXPECT_EQ(t.listed(1).metadata.title, "First");
-    EXPECT_EQ(t.listed(2).metadata.title, "");
-    EXPECT_FALSE(t.visibleButton("Close"));
-}
-
-TEST(Info, keywordsThatWaitedInVainCanBeTakenAgain)
-{
-    TestWindow t(2, std::chrono::milliseconds(0));
-    t.settleStore();
-    t.store().select({1, 2});
-    settle();
-    Database other(t.catalogFile());
-    std::optional<Transaction> writing;
-    const auto inBetween = t.store().stepEnded.connect([&](StepOutcome) { writing.emplace(other); });
-    const auto mayEnd = t.beginStep();
-    type(t, "Keywords", "shed");
-    t.window->commands().settle();
-    type(t, "Keywords", "barn");
-    t.store().select({1});
-    settle();
-    t.store().select({1, 2});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return field(t, "Keywords").toPlainText() == "barn"; }));
-    *mayEnd = true;
-    t.settleStore();
-    writing.reset();
-    EXPECT_EQ(field(t, "Keywords").toPlainText(), "barn");
-    t.window->commands().settle();
-    EXPECT_EQ(t.store().catalog().photo(2)->metadata.keywords, "barn");
-}
-
-TEST(Info, aTextForVeryManyPhotosComesBackWhenItCouldNotBeStored)
-{
-    TestWindow t(0, std::chrono::milliseconds(0));
-    const auto ids = t.selectMany();
-    settle();
-    t.hideCatalog();
-    type(t, "Title", "First");
-    t.press(Qt::Key_Tab);
-    t.settleStore();
-    settle();
-    t.bringCatalogBack();
-    EXPECT_EQ(field(t, "Title").toPlainText(), "First");
-    t.window->commands().run(Command::sidebar);
-    t.settleStore();
-    EXPECT_EQ(t.store().catalog().photo(ids.back())->metadata.title, "First");
 }
 
 TEST(Info, aCommandIsForThePhotoThatWasTypedForOrForNone)

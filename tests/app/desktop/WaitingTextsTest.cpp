@@ -1,0 +1,116 @@
+// Texts of the Info tab around steps of very many photos, which the window does not wait for.
+
+#include "tests/app/desktop/InfoFields.h"
+
+#include <QTimer>
+
+namespace korvo {
+
+TEST(WaitingTexts, quittingWaitsForAStepThatTakesLongAndKeepsWhatWasTypedMeanwhile)
+{
+    const auto quit = [](TestWindow& t) { t.window->commands().run(Command::quit); };
+    const auto endSession = [](TestWindow& t) { t.window->quitUnasked(); };
+    for (const auto& end : {std::function<void(TestWindow&)>(quit), {endSession}}) {
+        TestWindow t(1, std::chrono::milliseconds(0));
+        t.settleStore();
+        t.store().select({1});
+        settle();
+        const auto mayEnd = t.beginStep();
+        type(t, "Title", "First");
+        std::thread ending([mayEnd] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            *mayEnd = true;
+        });
+        QTimer::singleShot(0, t.window.get(), [&] { end(t); });
+        QApplication::exec();
+        ending.join();
+        EXPECT_FALSE(t.visibleButton("Close")) << "nothing has failed";
+        EXPECT_EQ(t.store().catalog().photo(1)->metadata.title, "First");
+        EXPECT_EQ(t.store().catalog().photo(1)->label, PhotoLabel::red);
+    }
+}
+
+TEST(WaitingTexts, aTextThatIsTypedDuringAStepThatTakesLongIsStoredAfterIt)
+{
+    TestWindow t(2, std::chrono::milliseconds(0));
+    t.settleStore();
+    t.store().select({1});
+    settle();
+    const auto mayEnd = t.beginStep();
+    type(t, "Title", "First");
+    t.store().select({2});
+    settle();
+    t.store().select({1});
+    settle();
+    EXPECT_EQ(field(t, "Title").toPlainText(), "First") << "it is not lost";
+    *mayEnd = true;
+    t.settleStore();
+    EXPECT_EQ(t.listed(1).metadata.title, "First");
+    EXPECT_EQ(t.listed(2).metadata.title, "");
+    EXPECT_FALSE(t.visibleButton("Close"));
+}
+
+TEST(WaitingTexts, keywordsThatWaitedInVainCanBeTakenAgain)
+{
+    TestWindow t(2, std::chrono::milliseconds(0));
+    t.settleStore();
+    t.store().select({1, 2});
+    settle();
+    Database other(t.catalogFile());
+    std::optional<Transaction> writing;
+    const auto inBetween = t.store().stepEnded.connect([&](StepOutcome) { writing.emplace(other); });
+    const auto mayEnd = t.beginStep();
+    type(t, "Keywords", "shed");
+    t.window->commands().settle();
+    type(t, "Keywords", "barn");
+    t.store().select({1});
+    settle();
+    t.store().select({1, 2});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return field(t, "Keywords").toPlainText() == "barn"; }));
+    *mayEnd = true;
+    t.settleStore();
+    writing.reset();
+    EXPECT_EQ(field(t, "Keywords").toPlainText(), "barn");
+    t.window->commands().settle();
+    EXPECT_EQ(t.store().catalog().photo(2)->metadata.keywords, "barn");
+}
+
+TEST(WaitingTexts, aTextForVeryManyPhotosComesBackWhenItCouldNotBeStored)
+{
+    TestWindow t(0, std::chrono::milliseconds(0));
+    const auto ids = t.selectMany();
+    settle();
+    t.hideCatalog();
+    type(t, "Title", "First");
+    t.press(Qt::Key_Tab);
+    t.settleStore();
+    settle();
+    t.bringCatalogBack();
+    EXPECT_EQ(field(t, "Title").toPlainText(), "First");
+    t.window->commands().run(Command::sidebar);
+    t.settleStore();
+    EXPECT_EQ(t.store().catalog().photo(ids.back())->metadata.title, "First");
+}
+
+TEST(WaitingTexts, addTheirKeywordsToWhatTheStepLeaves)
+{
+    for (const auto& photos : {std::vector<PhotoID>{1}, std::vector<PhotoID>{1, 2}}) {
+        TestWindow t(2, std::chrono::milliseconds(0));
+        t.settleStore();
+        t.store().select(photos);
+        settle();
+        const auto mayEnd = t.beginStep([&](Catalog& catalog) {
+            catalog.changeMetadata(photos, {.keywords = SharedText("trip")}, WriteBack::pending);
+        });
+        for (const char* const text : {"bran", "barn"}) { // corrected
+            type(t, "Keywords", text);
+            t.window->commands().settle();
+        }
+        *mayEnd = true;
+        t.settleStore();
+        for (const PhotoID photo : photos)
+            EXPECT_EQ(t.store().catalog().photo(photo)->metadata.keywords, "trip, barn");
+    }
+}
+
+} // namespace korvo
