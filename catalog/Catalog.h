@@ -183,6 +183,8 @@ public:
     // Smart albums (CatalogSmartAlbums.cpp)
     std::int64_t createSmartAlbum(std::string_view name, std::string_view rules);
     void changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules);
+    /// Before another, or as the last (CatalogOrder.cpp).
+    void placeSmartAlbum(std::int64_t id, std::optional<std::int64_t> before);
     void deleteSmartAlbum(std::int64_t id);
     SmartAlbumRow smartAlbum(std::int64_t id);
     /// How many masters the rules match, as far as it came at a stop request. On a connection of its own, so

@@ -155,6 +155,18 @@ void Catalog::placeAlbum(
     transaction.commit();
 }
 
+void Catalog::placeSmartAlbum(std::int64_t id, std::optional<std::int64_t> before)
+{
+    Transaction transaction(database_);
+    requireSource({LibrarySource::Kind::smartAlbum, id, {}});
+    const auto all
+        = inOrder(database_, "SELECT id, position FROM smart_albums ORDER BY position, name COLLATE NOCASE");
+    renumber(all, rearranged(all, std::span(&id, 1), before), [&](std::int64_t album, std::int64_t position) {
+        database_.run("UPDATE smart_albums SET position = ? WHERE id = ?", position, album);
+    });
+    transaction.commit();
+}
+
 void Catalog::moveKeyword(std::int64_t id, std::optional<std::int64_t> parent)
 {
     Transaction transaction(database_);

@@ -49,11 +49,23 @@ std::optional<Siblings> albumSiblings(const std::vector<AlbumRow>& albums, std::
     return siblings;
 }
 
-/// The projects or albums among which this one stands; none when it is gone, or is of another kind.
+std::optional<Siblings> smartAlbumSiblings(const std::vector<SmartAlbumRow>& albums, std::int64_t id)
+{
+    Siblings siblings;
+    for (const auto& row : albums)
+        siblings.ids.push_back(row.id);
+    const bool isThere = std::find(siblings.ids.begin(), siblings.ids.end(), id) != siblings.ids.end();
+    return isThere ? std::optional(siblings) : std::nullopt;
+}
+
+/// The projects, albums or smart albums among which this one stands; none when it is gone, or is of another
+/// kind.
 std::optional<Siblings> siblingsOf(const LibraryTree& tree, const SidebarKey& key)
 {
     if (key.kind == Kind::project)
         return projectSiblings(tree.projects, key.id);
+    if (key.kind == Kind::smartAlbum)
+        return smartAlbumSiblings(tree.smartAlbums, key.id);
     return key.kind == Kind::album ? albumSiblings(tree.albums, key.id) : std::nullopt;
 }
 
@@ -63,6 +75,8 @@ void place(LibraryStore& store, const SidebarKey& what, Parent parent, Parent be
         placeProject(store, what.id, parent, before);
     else if (what.kind == Kind::album)
         placeAlbum(store, what.id, parent, before);
+    else if (what.kind == Kind::smartAlbum)
+        placeSmartAlbum(store, what.id, before);
 }
 
 } // namespace

@@ -195,6 +195,11 @@ bool canBeRenamed(Kind kind)
     return kind == Kind::project || kind == Kind::album || kind == Kind::smartAlbum || kind == Kind::keyword;
 }
 
+bool isOrdered(Kind kind)
+{
+    return kind == Kind::project || kind == Kind::album || kind == Kind::smartAlbum;
+}
+
 bool canBeDeleted(Kind kind)
 {
     return canBeRenamed(kind) || kind == Kind::folder;
@@ -210,12 +215,12 @@ bool canBeMoved(const SidebarKey& what, const SidebarKey& onto, DropAt at)
 {
     if (what == onto)
         return false;
-    const bool isOrdered = what.kind == Kind::project || what.kind == Kind::album;
     if (at != DropAt::into)
-        return isOrdered && onto.kind == what.kind;
+        return isOrdered(what.kind) && onto.kind == what.kind;
     if (what.kind == Kind::keyword)
         return onto.kind == Kind::keyword || onto == SidebarKey{Kind::heading, Heading::keywords};
-    return isOrdered && (onto.kind == Kind::project || onto == SidebarKey{Kind::heading, Heading::projects});
+    return (what.kind == Kind::project || what.kind == Kind::album)
+        && (onto.kind == Kind::project || onto == SidebarKey{Kind::heading, Heading::projects});
 }
 
 std::vector<SidebarNode> placesFor(const std::vector<SidebarNode>& tree, const SidebarKey& what)

@@ -44,6 +44,7 @@ std::string lineText(const SidebarKey& key);
 std::optional<SidebarKey> parseLine(std::string_view text);
 
 bool canBeRenamed(SidebarNode::Kind kind);
+bool isOrdered(SidebarNode::Kind kind); ///< by hand, among its siblings
 bool canBeDeleted(SidebarNode::Kind kind);
 bool takesPhotos(const SidebarKey& key);
 

@@ -74,6 +74,11 @@ void changeSmartAlbum(
     });
 }
 
+void placeSmartAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> before)
+{
+    store.perform("Move Smart Album", [&](Catalog& catalog) { catalog.placeSmartAlbum(id, before); });
+}
+
 void deleteSmartAlbum(LibraryStore& store, std::int64_t id)
 {
     store.perform("Delete Smart Album", [&](Catalog& catalog) { catalog.deleteSmartAlbum(id); });

@@ -24,6 +24,7 @@ std::int64_t createSmartAlbum(LibraryStore& store, std::string_view name, const 
 /// Without rules those that are stored stay, even such as cannot be read.
 void changeSmartAlbum(
     LibraryStore& store, std::int64_t id, std::string_view name, const std::optional<SmartAlbumRules>& rules);
+void placeSmartAlbum(LibraryStore& store, std::int64_t id, std::optional<std::int64_t> before);
 void deleteSmartAlbum(LibraryStore& store, std::int64_t id);
 
 } // namespace korvo

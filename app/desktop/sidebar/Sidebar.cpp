@@ -153,7 +153,7 @@ void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
     }
     if (canBeRenamed(node.kind))
         flags |= Qt::ItemIsEditable;
-    if (node.kind == Kind::project || node.kind == Kind::album || node.kind == Kind::keyword)
+    if (isOrdered(node.kind) || node.kind == Kind::keyword)
         flags |= Qt::ItemIsDragEnabled;
     if (flags != item.flags()) // else a name that is being typed would be put back
         item.setFlags(flags);

@@ -30,7 +30,7 @@ void Sidebar::addPlaces(QMenu& menu, const SidebarKey& what)
     if (!places.empty())
         addNodes(
             *menu.addMenu("Move to"), places, [](const SidebarNode&) { return true; }, move);
-    if (what.kind != Kind::project && what.kind != Kind::album)
+    if (!isOrdered(what.kind))
         return;
     const auto step = [this, what](int lines) {
         return [this, what, lines] { desktop_.attempt([&] { stepLine(desktop_.store(), what, lines); }); };

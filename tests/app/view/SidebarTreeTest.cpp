@@ -83,6 +83,25 @@ TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
     store.undo();
     EXPECT_EQ(order(), "abcacb");
     EXPECT_FALSE(canBeMoved(projects[0], albums[0], DropAt::above));
+
+    std::vector<SidebarKey> smart;
+    for (const char* const name : {"a", "b", "c"})
+        smart.push_back({Kind::smartAlbum, store.catalog().createSmartAlbum(name, "{}")});
+    const auto smartOrder = [&] {
+        std::string names;
+        for (const auto& row : store.catalog().tree().smartAlbums)
+            names += row.name;
+        return names;
+    };
+    store.reload();
+    moveLine(store, smart[2], smart[0], DropAt::above);
+    EXPECT_EQ(smartOrder(), "cab");
+    stepLine(store, smart[0], 1);
+    EXPECT_EQ(smartOrder(), "cba");
+    store.undo();
+    EXPECT_EQ(smartOrder(), "cab");
+    EXPECT_TRUE(canBeMoved(smart[0], smart[1], DropAt::below));
+    EXPECT_FALSE(canBeMoved(smart[0], projects[0], DropAt::into));
     const SidebarKey animals{Kind::keyword, createKeyword(store, "animals", {})};
     const SidebarKey birds{Kind::keyword, createKeyword(store, "birds", {})};
     moveLine(store, birds, animals);
