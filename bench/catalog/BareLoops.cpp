@@ -95,8 +95,10 @@ void insertBare(const std::filesystem::path& file, const std::vector<NewPhoto>& 
     sqlite3_stmt* insert = nullptr;
     require(sqlite3_prepare_v2(db,
                 "INSERT OR IGNORE INTO photos (folder_id, path, filename, added_at, mtime, file_size, "
-                "alt_text, title, "
-                "caption, keywords, creator, copyright) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+                "alt_text, title, caption, keywords, creator, copyright, "
+                "camera, lens, iso, focal_length, aperture, shutter, capture_date, "
+                "exif_read, capture_read, gps_read) "
+                "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, 1, 1, 1)",
                 -1, &insert, nullptr),
         db);
     require(sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr), db);
@@ -111,6 +113,14 @@ void insertBare(const std::filesystem::path& file, const std::vector<NewPhoto>& 
         for (const auto* field : {&photo.metadata.altText, &photo.metadata.title, &photo.metadata.caption,
                  &photo.metadata.keywords, &photo.metadata.creator, &photo.metadata.copyright})
             bindText(insert, index++, field->view());
+        const auto& camera = photo.camera;
+        bindText(insert, 13, camera.camera);
+        bindText(insert, 14, camera.lens);
+        sqlite3_bind_int64(insert, 15, *camera.iso);
+        sqlite3_bind_double(insert, 16, *camera.focalLength);
+        sqlite3_bind_double(insert, 17, *camera.aperture);
+        sqlite3_bind_double(insert, 18, *camera.shutter);
+        sqlite3_bind_double(insert, 19, *camera.captureDate);
         require(sqlite3_step(insert), db);
         sqlite3_reset(insert);
     }

@@ -95,7 +95,15 @@ void compareInserting(const fs::path& folder)
             .fileDate = 1.2e9 + static_cast<double>(n),
             .fileSize = 5'000'000,
             .metadata = {"Photo of a temple gate", fmt::format("Temple gate {}", n),
-                "Shot for the autumn issue", "travel, night, people", "Ana Müller", "© 2022 Ana Müller"}});
+                "Shot for the autumn issue", "travel, night, people", "Ana Müller", "© 2022 Ana Müller"},
+            .camera = {.camera = "FUJIFILM X-T5",
+                .lens = "XF16-55mmF2.8 R LM WR",
+                .iso = 100 << n % 7,
+                .focalLength = 16.0 + static_cast<double>(n % 40),
+                .aperture = 2.8,
+                .shutter = 1.0 / 250,
+                .captureDate = 1.2e9 + static_cast<double>(n)},
+            .read = {.camera = true, .captureDate = true, .position = true}});
     const auto library = folder / "inserting";
     std::unique_ptr<Catalog> catalog;
     const auto empty = [&] {
