@@ -126,7 +126,7 @@ void DescriptiveForm::show(const CommonMetadata& common)
 
 std::optional<SharedText> DescriptiveForm::shownText(const CommonMetadata& common, std::size_t place) const
 {
-    const auto isThis = [&](const Typed& typed) { return typed.place == place && typed.photos == photos_; };
+    const auto isThis = [&](const Typed& typed) { return isOfField(typed, place, photos_); };
     if (const auto last = std::find_if(waiting_.rbegin(), waiting_.rend(), isThis); last != waiting_.rend())
         return SharedText(utf8(last->text));
     if (storing_ && isThis(*storing_))
@@ -143,23 +143,14 @@ void DescriptiveForm::workOffAltTexts(std::optional<std::size_t> left)
             qt("Enter writes it and goes to the next photo; " + counted(*left, "photo") + " left"));
 }
 
-DescriptiveForm::Typed DescriptiveForm::typed(std::size_t place, const QString& text) const
+bool DescriptiveForm::isOfField(const Typed& change, std::size_t place, const std::vector<PhotoID>& photos)
 {
-    auto& store = desktop_.store();
-    // As a difference where what is stored may be another by then.
-    if (place == keywordsField && (photos_.size() > 1 || !store.isFree()))
-        return {photos_, place, text, [&store, photos = photos_, edit = keywordEdit(keywords_, utf8(text))] {
-                    editKeywords(store, photos, edit);
-                }};
-    const auto stored = place == keywordsField ? tidyKeywordText(utf8(text)) : utf8(text);
-    return {photos_, place, text,
-        [&store, photos = photos_, place, stored] { setMetadataField(store, photos, place, stored); }};
+    return change.place == place && change.photos == photos;
 }
 
 bool DescriptiveForm::changeField(std::size_t place, const QString& text)
 {
-    const auto change = typed(place, text);
-    const bool isKept = keepOrWait(change);
+    const bool isKept = keepOrWait({photos_, place, text, keywords_});
     if (isKept && place == keywordsField) // what is typed next is a difference to these
         keywords_ = SharedText(tidyKeywordText(utf8(text)));
     return isKept;
@@ -190,7 +181,7 @@ bool DescriptiveForm::keep(const Typed& change)
 {
     bool kept = false;
     desktop_.attempt([&] {
-        change.store();
+        storeTyped(change);
         kept = true;
         if (desktop_.store().longStep())
             storing_ = change;
@@ -198,11 +189,32 @@ bool DescriptiveForm::keep(const Typed& change)
     return kept;
 }
 
+/// Keywords as a difference, unless they are stored as they were when it was typed over them: a step, or
+/// another process, may have given the photo others since.
+void DescriptiveForm::storeTyped(const Typed& change)
+{
+    auto& store = desktop_.store();
+    const auto text = utf8(change.text);
+    if (change.place != keywordsField)
+        return setMetadataField(store, change.photos, change.place, text);
+    const auto only = change.photos.size() == 1 ? store.catalog().photo(change.photos.front()) : std::nullopt;
+    if (only && only->metadata.keywords == change.keywords)
+        setMetadataField(store, change.photos, change.place, tidyKeywordText(text));
+    else
+        editKeywords(store, change.photos, keywordEdit(change.keywords, text));
+}
+
 void DescriptiveForm::giveBack(const Typed& change)
 {
-    const bool hasSuccessor = std::ranges::any_of(waiting_,
-        [&](const Typed& later) { return later.place == change.place && later.photos == change.photos; });
-    if (hasSuccessor || change.photos != photos_ || !isRead_ || fields_[change.place]->isTouched())
+    const auto later = std::ranges::find_if(
+        waiting_, [&](const Typed& typed) { return isOfField(typed, change.place, change.photos); });
+    if (later != waiting_.end()) { // it was typed over this one, and is stored with it
+        later->keywords = change.keywords;
+        return;
+    }
+    if (change.place == keywordsField && change.photos == photos_)
+        keywords_ = change.keywords; // so was what is being typed
+    if (change.photos != photos_ || !isRead_ || fields_[change.place]->isTouched())
         return tellLost(desktop_, change.text);
     show(common_); // what it takes the place of
     fields_[change.place]->retype(change.text);

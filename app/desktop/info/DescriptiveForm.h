@@ -43,14 +43,15 @@ private:
         std::vector<PhotoID> photos;
         std::size_t place;
         QString text;
-        std::function<void()> store;
+        SharedText keywords; // over which they were typed
     };
 
-    Typed typed(std::size_t place, const QString& text) const;
     bool changeField(std::size_t place, const QString& text);
     bool keepOrWait(const Typed& change);
     bool keep(const Typed& change);
     void keepWaiting(); ///< the first that waits
+    void storeTyped(const Typed& change);
+    static bool isOfField(const Typed& change, std::size_t place, const std::vector<PhotoID>& photos);
     /// What was typed for these photos and is about to be stored, else what is.
     std::optional<SharedText> shownText(const CommonMetadata& common, std::size_t place) const;
     /// Shows again what could not be stored, or tells of it.

@@ -40,6 +40,7 @@ TEST(WaitingTexts, aTextThatIsTypedDuringAStepThatTakesLongIsStoredAfterIt)
     type(t, "Title", "First");
     t.store().select({2});
     settle();
+    EXPECT_EQ(field(t, "Title").toPlainText(), "") << "it is the other photo's";
     t.store().select({1});
     settle();
     EXPECT_EQ(field(t, "Title").toPlainText(), "First") << "it is not lost";
@@ -111,6 +112,56 @@ TEST(WaitingTexts, addTheirKeywordsToWhatTheStepLeaves)
         for (const PhotoID photo : photos)
             EXPECT_EQ(t.store().catalog().photo(photo)->metadata.keywords, "trip, barn");
     }
+}
+
+TEST(WaitingTexts, addKeywordsThatAreBeingTypedAsTheStepEnds)
+{
+    TestWindow t(1, std::chrono::milliseconds(0));
+    t.settleStore();
+    t.store().select({1});
+    settle();
+    const auto keywords = [&] { return t.store().catalog().photo(1)->metadata.keywords; };
+    const auto mayEnd = t.beginStep([](Catalog& catalog) {
+        catalog.changeMetadata(only(1), {.keywords = SharedText("trip")}, WriteBack::pending);
+    });
+    type(t, "Keywords", "barn");
+    *mayEnd = true;
+    t.settleStore();
+    settle();
+    t.window->commands().settle();
+    EXPECT_EQ(keywords(), "trip, barn");
+    const auto mayEndAgain = t.beginStep();
+    settle();
+    type(t, "Keywords", "barn, trip");
+    t.window->commands().settle();
+    *mayEndAgain = true;
+    t.settleStore();
+    EXPECT_EQ(keywords(), "barn, trip") << "which the step left as they were";
+}
+
+TEST(WaitingTexts, areStoredWithTheKeywordsBeforeThemThatCouldNotBe)
+{
+    TestWindow t(1, std::chrono::milliseconds(0));
+    t.settleStore();
+    t.store().select({1});
+    settle();
+    Database other(t.catalogFile());
+    std::optional<Transaction> writing;
+    const auto inBetween = t.store().stepEnded.connect([&](StepOutcome) { writing.emplace(other); });
+    bool hasFailed = false;
+    const auto told = t.desktop->noticed.connect([&](const Notice& notice) {
+        hasFailed |= notice.kind == Notice::Kind::error;
+        writing.reset();
+    });
+    const auto mayEnd = t.beginStep();
+    for (const char* const text : {"shed", "shed, cow"}) {
+        type(t, "Keywords", text);
+        t.window->commands().settle();
+    }
+    *mayEnd = true;
+    t.settleStore();
+    EXPECT_TRUE(hasFailed) << "the first of them";
+    EXPECT_EQ(t.store().catalog().photo(1)->metadata.keywords, "shed, cow");
 }
 
 } // namespace korvo
