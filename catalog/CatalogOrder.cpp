@@ -1,4 +1,5 @@
-// What stands in an order that the user makes: photos in an album, projects and albums among their siblings.
+// What stands in an order that the user makes: photos in an album; projects, albums and smart albums among
+// their siblings.
 
 #include "catalog/ChangeRow.h"
 
@@ -50,8 +51,8 @@ IDs rearranged(
 }
 
 /// Calls `place` with the id and the new position of each that gets another. The positions that there are
-/// stay in use, so that few change: none before the first that stands elsewhere, and where nothing came or
-/// went none behind the last.
+/// stay in use, so that few change: none before the first that stands elsewhere or shares its position, and
+/// where nothing came or went none behind the last.
 template <typename Place>
 void renumber(const std::vector<Placed>& before, const IDs& now, Place place)
 {
@@ -59,7 +60,9 @@ void renumber(const std::vector<Placed>& before, const IDs& now, Place place)
     for (const auto [id, position] : before)
         positions.emplace(id, position);
     std::size_t at = 0;
-    while (at < now.size() && now[at] == before[at].id)
+    const auto hasItsOwn
+        = [&](std::size_t i) { return i == 0 || before[i].position > before[i - 1].position; };
+    while (at < now.size() && now[at] == before[at].id && hasItsOwn(at))
         ++at;
     std::int64_t last = at > 0 ? before[at - 1].position : 0;
     for (; at < now.size(); ++at) {
@@ -67,6 +70,14 @@ void renumber(const std::vector<Placed>& before, const IDs& now, Place place)
         if (positions.at(now[at]) != last)
             place(now[at], last);
     }
+}
+
+/// Puts one of these before another, or at the end, by a statement that sets the position of an id.
+void placeAmong(Database& database, const std::vector<Placed>& siblings, std::int64_t id,
+    std::optional<std::int64_t> before, std::string_view setPosition)
+{
+    renumber(siblings, rearranged(siblings, std::span(&id, 1), before),
+        [&](std::int64_t moved, std::int64_t position) { database.run(setPosition, position, moved); });
 }
 
 /// The ids with what comes late in them standing behind those that `behind` has it under.
@@ -134,10 +145,7 @@ void Catalog::placeProject(
     const auto siblings = inOrder(database_,
         "SELECT id, position FROM projects WHERE parent_id IS ? ORDER BY position, name COLLATE NOCASE",
         parent);
-    renumber(siblings, rearranged(siblings, std::span(&id, 1), before),
-        [&](std::int64_t project, std::int64_t position) {
-            database_.run("UPDATE projects SET position = ? WHERE id = ?", position, project);
-        });
+    placeAmong(database_, siblings, id, before, "UPDATE projects SET position = ? WHERE id = ?");
     transaction.commit();
 }
 
@@ -149,9 +157,7 @@ void Catalog::placeAlbum(
     // One sequence over all albums, in which those of a project keep their order.
     const auto all
         = inOrder(database_, "SELECT id, position FROM albums ORDER BY position, name COLLATE NOCASE");
-    renumber(all, rearranged(all, std::span(&id, 1), before), [&](std::int64_t album, std::int64_t position) {
-        database_.run("UPDATE albums SET position = ? WHERE id = ?", position, album);
-    });
+    placeAmong(database_, all, id, before, "UPDATE albums SET position = ? WHERE id = ?");
     transaction.commit();
 }
 
@@ -161,9 +167,7 @@ void Catalog::placeSmartAlbum(std::int64_t id, std::optional<std::int64_t> befor
     requireSource({LibrarySource::Kind::smartAlbum, id, {}});
     const auto all
         = inOrder(database_, "SELECT id, position FROM smart_albums ORDER BY position, name COLLATE NOCASE");
-    renumber(all, rearranged(all, std::span(&id, 1), before), [&](std::int64_t album, std::int64_t position) {
-        database_.run("UPDATE smart_albums SET position = ? WHERE id = ?", position, album);
-    });
+    placeAmong(database_, all, id, before, "UPDATE smart_albums SET position = ? WHERE id = ?");
     transaction.commit();
 }
 

@@ -24,7 +24,15 @@ std::size_t Catalog::countMatching(const SmartAlbumRules& rules, const std::stop
 std::int64_t Catalog::createSmartAlbum(std::string_view name, std::string_view rules)
 {
     requireName(name);
-    return database_.insert("INSERT INTO smart_albums (name, rules) VALUES (?, ?)", name, rules);
+    Transaction transaction(database_);
+    const auto id = database_.insert("INSERT INTO smart_albums (name, rules) VALUES (?, ?)", name, rules);
+    constexpr auto isArranged = "SELECT COUNT(*) FROM smart_albums WHERE position > 0"; // else by name
+    if (database_.scalar(isArranged) > 0)
+        database_.run(
+            "UPDATE smart_albums SET position = (SELECT MAX(position) + 1 FROM smart_albums) WHERE id = ?",
+            id);
+    transaction.commit();
+    return id;
 }
 
 void Catalog::changeSmartAlbum(std::int64_t id, std::string_view name, std::string_view rules)

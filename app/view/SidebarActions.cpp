@@ -20,53 +20,47 @@ struct Siblings {
     std::vector<std::int64_t> ids; // in their order
 };
 
-std::optional<Siblings> projectSiblings(const std::vector<ProjectNode>& nodes, std::int64_t id)
+struct Line {
+    std::int64_t id;
+    Parent parent;
+};
+
+void addProjects(std::vector<Line>& lines, const std::vector<ProjectNode>& nodes)
 {
-    Siblings siblings;
     for (const auto& node : nodes) {
-        if (node.id == id)
-            siblings.parent = node.parentID;
-        siblings.ids.push_back(node.id);
+        lines.push_back({node.id, node.parentID});
+        addProjects(lines, node.children);
     }
-    if (std::find(siblings.ids.begin(), siblings.ids.end(), id) != siblings.ids.end())
-        return siblings;
-    for (const auto& node : nodes)
-        if (auto below = projectSiblings(node.children, id))
-            return below;
-    return std::nullopt;
 }
 
-std::optional<Siblings> albumSiblings(const std::vector<AlbumRow>& albums, std::int64_t id)
+/// Those of the kinds that are arranged by hand; none of another.
+std::vector<Line> linesOf(const LibraryTree& tree, Kind kind)
 {
-    const auto own
-        = std::find_if(albums.begin(), albums.end(), [id](const auto& row) { return row.id == id; });
-    if (own == albums.end())
-        return std::nullopt;
-    Siblings siblings{own->parentID, {}};
-    for (const auto& row : albums)
-        if (row.parentID == own->parentID)
-            siblings.ids.push_back(row.id);
-    return siblings;
-}
-
-std::optional<Siblings> smartAlbumSiblings(const std::vector<SmartAlbumRow>& albums, std::int64_t id)
-{
-    Siblings siblings;
-    for (const auto& row : albums)
-        siblings.ids.push_back(row.id);
-    const bool isThere = std::find(siblings.ids.begin(), siblings.ids.end(), id) != siblings.ids.end();
-    return isThere ? std::optional(siblings) : std::nullopt;
+    std::vector<Line> lines;
+    if (kind == Kind::project)
+        addProjects(lines, tree.projects);
+    if (kind == Kind::album)
+        for (const auto& album : tree.albums)
+            lines.push_back({album.id, album.parentID});
+    if (kind == Kind::smartAlbum)
+        for (const auto& album : tree.smartAlbums)
+            lines.push_back({album.id, std::nullopt});
+    return lines;
 }
 
 /// The projects, albums or smart albums among which this one stands; none when it is gone, or is of another
 /// kind.
 std::optional<Siblings> siblingsOf(const LibraryTree& tree, const SidebarKey& key)
 {
-    if (key.kind == Kind::project)
-        return projectSiblings(tree.projects, key.id);
-    if (key.kind == Kind::smartAlbum)
-        return smartAlbumSiblings(tree.smartAlbums, key.id);
-    return key.kind == Kind::album ? albumSiblings(tree.albums, key.id) : std::nullopt;
+    const auto lines = linesOf(tree, key.kind);
+    const auto own = std::ranges::find(lines, key.id, &Line::id);
+    if (own == lines.end())
+        return std::nullopt;
+    Siblings siblings{own->parent, {}};
+    for (const auto& line : lines)
+        if (line.parent == own->parent)
+            siblings.ids.push_back(line.id);
+    return siblings;
 }
 
 void place(LibraryStore& store, const SidebarKey& what, Parent parent, Parent before)

@@ -16,9 +16,10 @@ void deleteLine(LibraryStore& store, const SidebarKey& key);
 /// Returns a sentence that says so.
 std::string dropPhotos(LibraryStore& store, const SidebarNode& onto, std::span<const PhotoID> ids);
 /// Puts a project or an album into a project, a keyword into a keyword, or each at the top when dropped on
-/// its heading; or a project or an album beside another one.
+/// its heading; or a project, an album or a smart album beside another one.
 void moveLine(LibraryStore& store, const SidebarKey& what, const SidebarKey& onto, DropAt at = DropAt::into);
-/// Puts a project or an album one place further up (-1) or down (1) among its siblings, if there is one.
+/// Puts a project, an album or a smart album one place further up (-1) or down (1) among its siblings, if
+/// there is one.
 void stepLine(LibraryStore& store, const SidebarKey& what, int places);
 
 } // namespace korvo

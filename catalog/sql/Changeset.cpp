@@ -26,6 +26,11 @@ Changeset takeOver(void* bytes, int size)
     return Changeset(std::vector<std::uint8_t>(first, first + size));
 }
 
+int placeOf(std::string_view column, const std::vector<std::string>& columns)
+{
+    return static_cast<int>(std::find(columns.begin(), columns.end(), column) - columns.begin());
+}
+
 void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std::string>& photoColumns)
 {
     using Operation = ChangeIterator::Operation;
@@ -33,9 +38,6 @@ void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std
     if (change.table() == "album_items") {
         rows.albums.insert(id); // the first part of its key
         rows.tree = true; // the album's count
-    } else if (change.table() == "smart_albums") {
-        rows.smartAlbums.insert(id);
-        rows.tree = true;
     } else if (change.table() != "photos") {
         rows.tree = rows.tree || change.table() != "stacks";
     } else if (change.operation() == Operation::update) {
@@ -46,6 +48,18 @@ void note(ChangedRows& rows, const ChangeIterator& change, const std::vector<std
     } else {
         (change.operation() == Operation::insert ? rows.inserted : rows.deleted).push_back(id);
     }
+}
+
+/// A smart album, unless it only stands elsewhere now.
+void noteSmartAlbum(ChangedRows& rows, const ChangeIterator& change, int positionColumn)
+{
+    if (change.table() != "smart_albums")
+        return;
+    bool isSame = change.operation() == ChangeIterator::Operation::update;
+    for (int column = 0; column < change.columnCount(); ++column)
+        isSame = isSame && (column == positionColumn || !change.after(column));
+    if (!isSame)
+        rows.smartAlbums.insert(sqlite3_value_int64(change.key(0)));
 }
 
 /// The stacks that a change names: the one that is changed, or those that a photo leaves and enters.
@@ -122,11 +136,12 @@ void merge(ChangedRows& rows, const ChangedRows& more)
 ChangedRows changedRows(Database& database, const Changeset& changes)
 {
     const auto columns = database.columnsOf("photos");
-    const auto stackColumn
-        = static_cast<int>(std::find(columns.begin(), columns.end(), "stack_id") - columns.begin());
+    const auto stackColumn = placeOf("stack_id", columns);
+    const auto positionColumn = placeOf("position", database.columnsOf("smart_albums"));
     ChangedRows rows;
     for (ChangeIterator change(changes); change.next();) {
         note(rows, change, columns);
+        noteSmartAlbum(rows, change, positionColumn);
         noteStacks(rows, change, stackColumn);
     }
     if (rows.photoColumns.contains("stack_position"))

@@ -36,7 +36,7 @@ struct ChangedRows {
     std::vector<std::int64_t> deleted;
     std::set<std::string, std::less<>> photoColumns; // whose values an update of `photos` changed
     std::set<std::int64_t> albums; // whose members changed
-    std::set<std::int64_t> smartAlbums; // that were made, changed or deleted
+    std::set<std::int64_t> smartAlbums; // that were made, deleted, or changed but for their place
     std::set<std::int64_t> stackIDs; // that were made, changed or deleted, or whose members changed
     bool stacks = false; // one of these
     bool tree = false; // a folder, project, album, keyword or person changed

@@ -273,6 +273,13 @@ TEST(LibraryStore, aSmartAlbumFollowsEveryChangeOfItsPhotosAndOfItsRules)
     setMetadata(store, only(2), {.title = SharedText("Bridge")});
     changeSmartAlbum(store, album, "bridges", SmartAlbumRules{{{Field::text, Op::contains, "bridge"}}, true});
     EXPECT_EQ(shown(), Names{"b.jpg"});
+    createSmartAlbum(store, "zoos", {});
+    {
+        const auto unread
+            = store.changed.connect([](const LibraryChange& change) { EXPECT_FALSE(change.list); });
+        placeSmartAlbum(store, album, std::nullopt);
+        EXPECT_EQ(store.tree().smartAlbums.back().id, album);
+    }
     MatchCounter counter(main, store);
     const auto counted = [&] { return main.runUntil([&] { return counter.result().has_value(); }); };
     counter.count(smartAlbumRules(threeStars));

@@ -1,5 +1,6 @@
 #include "app/view/SidebarTree.h"
 #include "app/view/SidebarActions.h"
+#include "catalog/store/GroupActions.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/support/StoreActions.h"
 #include "tests/support/StoreOfPhotos.h"
@@ -94,12 +95,16 @@ TEST(SidebarTree, putsLinesBesideOthersAndKeywordsIntoOthers)
         return names;
     };
     store.reload();
-    moveLine(store, smart[2], smart[0], DropAt::above);
-    EXPECT_EQ(smartOrder(), "cab");
-    stepLine(store, smart[0], 1);
-    EXPECT_EQ(smartOrder(), "cba");
+    stepLine(store, smart[2], -1);
+    EXPECT_EQ(smartOrder(), "acb");
+    createSmartAlbum(store, "n", {});
+    EXPECT_EQ(smartOrder(), "acbn") << "the last, once they are arranged";
+    renameLine(store, smart[0], "z");
+    EXPECT_EQ(smartOrder(), "zcbn");
+    moveLine(store, smart[1], smart[0], DropAt::above);
+    EXPECT_EQ(smartOrder(), "bzcn");
     store.undo();
-    EXPECT_EQ(smartOrder(), "cab");
+    EXPECT_EQ(smartOrder(), "zcbn");
     EXPECT_TRUE(canBeMoved(smart[0], smart[1], DropAt::below));
     EXPECT_FALSE(canBeMoved(smart[0], projects[0], DropAt::into));
     const SidebarKey animals{Kind::keyword, createKeyword(store, "animals", {})};
