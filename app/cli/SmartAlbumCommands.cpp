@@ -15,6 +15,7 @@ struct SmartAlbumArguments {
     std::int64_t id = 0;
     std::optional<std::string> name;
     std::optional<std::string> rules; // JSON
+    std::optional<std::int64_t> before;
 };
 
 void addSmartAlbumID(CLI::App& sub, SmartAlbumArguments& album)
@@ -70,6 +71,13 @@ void updateSmartAlbum(Context& context, const SmartAlbumArguments& album)
     transaction.commit();
 }
 
+void moveSmartAlbum(Context& context, const SmartAlbumArguments& album)
+{
+    if (album.before)
+        (void)context.library().smartAlbum(*album.before); // must be there
+    context.library().placeSmartAlbum(album.id, album.before);
+}
+
 struct MatchCount {
     std::size_t count;
 };
@@ -101,6 +109,13 @@ void addSmartAlbumCommands(const Commands& app)
             addRules(sub, album);
         },
         updateSmartAlbum);
+    smart.add<SmartAlbumArguments>(
+        "move", "move a smart album before another, or behind all",
+        [](CLI::App& sub, SmartAlbumArguments& album) {
+            addSmartAlbumID(sub, album);
+            sub.add_option("--before", album.before, "the smart album before which it is to stand");
+        },
+        moveSmartAlbum);
     smart.add<SmartAlbumArguments>("delete", "delete a smart album; its photos stay", addSmartAlbumID,
         [](Context& context, const SmartAlbumArguments& album) {
             context.library().deleteSmartAlbum(album.id);

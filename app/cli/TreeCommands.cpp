@@ -137,7 +137,7 @@ void moveProject(Context& context, const MoveArguments& moved)
 {
     auto& catalog = context.library();
     if (!moved.before)
-        return catalog.moveProject(moved.id, moved.parent);
+        return catalog.placeProject(moved.id, moved.parent, std::nullopt);
     const auto tree = treeIn(catalog.database(), {});
     const auto* const beside = projectIn(tree.projects, *moved.before);
     if (!beside)
@@ -149,7 +149,7 @@ void moveAlbum(Context& context, const MoveArguments& moved)
 {
     auto& catalog = context.library();
     if (!moved.before)
-        return catalog.moveAlbum(moved.id, moved.parent);
+        return catalog.placeAlbum(moved.id, moved.parent, std::nullopt);
     const auto albums = treeIn(catalog.database(), {}).albums;
     const auto beside = std::ranges::find(albums, *moved.before, &AlbumRow::id);
     if (beside == albums.end())

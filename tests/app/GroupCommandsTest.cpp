@@ -60,15 +60,25 @@ TEST_F(GroupCommands, arrangesByHand)
              "album create B --parent 2", "keyword create K", "keyword create L", "version create 1"})
         run(make);
     run("project move 2 --before 3");
+    run("project create A");
+    run("project move 4 --parent 1");
     run("album move 1 --before 2");
     run("keyword move 2 --parent 1");
     EXPECT_EQ(run("project move 1 --before 9").err, "korvo: no project with the id 9\n");
     EXPECT_EQ(run("album move 1 --before 2 --parent 1").exitCode, 2);
     const auto tree = run("tree").out;
-    EXPECT_NE(tree.find("P (0 photos)\n  project:2  Q (0 photos)\n    album:1  A (2 photos)\n    album:2  B"),
+    EXPECT_NE(tree.find("P (0 photos)\n  project:2  Q (0 photos)\n    album:1  A (2 photos)\n    album:2  B "
+                        "(0 photos)\n  project:3  R (0 photos)\n  project:4  A"),
         std::string::npos)
         << tree;
     EXPECT_NE(tree.find("K\n  keyword 2  L"), std::string::npos) << tree;
+
+    for (const auto* const name : {"S", "T", "U"})
+        run(std::string("smart create ") + name + " --rules '{}'");
+    run("smart move 3 --before 1");
+    run("smart move 1");
+    EXPECT_NE(run("tree").out.find("smart:3  U\nsmart:2  T\nsmart:1  S"), std::string::npos);
+    EXPECT_EQ(run("smart move 1 --before 9").err, "korvo: no smart album with the id 9\n");
 
     EXPECT_EQ(run("version rename 4 Print").exitCode, 0);
     EXPECT_NE(json("version list 1").find(R"("versionName":"Print")"), std::string::npos);
