@@ -72,13 +72,12 @@ std::set<PhotoID> withoutFailure(const FilesWritten& result)
     return photos;
 }
 
-void note(std::set<PhotoID>& shifted, UndoWay way, const auto& photos)
+void note(std::set<PhotoID>& shifted, UndoWay way, PhotoID photo)
 {
-    for (const PhotoID photo : photos)
-        if (way == UndoWay::forth)
-            shifted.insert(photo);
-        else
-            shifted.erase(photo);
+    if (way == UndoWay::forth)
+        shifted.insert(photo);
+    else
+        shifted.erase(photo);
 }
 
 std::optional<Coordinate> positionInCatalog(Catalog& catalog, PhotoID photo)
@@ -107,11 +106,13 @@ FilesWritten DateShift::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
             shift.inCatalog(record);
     };
     const auto inFile = [&](const FileRecord& record) {
-        return isDue(inFiles_, record.id) ? shift.inFile(record) : FileChange();
+        auto change = isDue(inFiles_, record.id) ? shift.inFile(record) : FileChange();
+        change.written = [this, way, id = record.id] { note(inFiles_, way, id); };
+        return change;
     };
     auto result = adjustPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
-    note(inCatalog_, way, result.touched);
-    note(inFiles_, way, withoutFailure(result));
+    for (const PhotoID photo : result.touched)
+        note(inCatalog_, way, photo);
     if (way == UndoWay::forth && isLeft()) {
         photos_.clear();
         std::ranges::set_union(inCatalog_, inFiles_, std::back_inserter(photos_));
@@ -138,15 +139,10 @@ FilesWritten PositionChange::give(
     };
     const auto inFile = [&](const FileRecord& record) {
         auto written = change.inFile(record);
-        written.check = [this, id = record.id, check = written.check](const auto& file) {
-            inFiles_.insert(id); // whatever it finds
-            check(file);
-        };
+        written.written = [this, id = record.id] { inFiles_.insert(id); };
         return written;
     };
     auto result = adjustPhotos(catalog, photos_, {inCatalog, inFile}, tool, stop, progress);
-    if (!result.fault.empty()) // the catalog's, behind a file that was written and before the check of it
-        inFiles_.merge(withoutFailure(result));
     if (const auto given = std::views::keys(before_); isLeft())
         photos_.assign(given.begin(), given.end());
     return result;

@@ -22,6 +22,7 @@ void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& ru
 {
     const bool known = isAsKnown(record, fileState(record.path));
     changeFile(run, record.path, change.arguments, stop);
+    change.written();
     if (known) {
         const auto state = fileState(record.path);
         catalog.fileChanged(record.id, state.date, state.size);

@@ -36,10 +36,12 @@ bool isAsKnown(const FileRecord& record, const FileState& state);
 /// The call of the tool that changes a file.
 using ChangeArguments = std::function<ExifToolArguments(const std::filesystem::path&)>;
 
-/// What is done to a file, and what finds that the tool has not done it by throwing ExifToolError.
+/// What is done to a file.
 struct FileChange {
     ChangeArguments arguments;
+    /// Finds that the tool has not done it by throwing ExifToolError.
     std::function<void(const std::filesystem::path&)> check = [](const std::filesystem::path&) {};
+    std::function<void()> written = [] {}; ///< called right behind the write, whatever is found then
 };
 
 /// Changes a file, or what a link leads to. What an interrupted call left beside the file is cleared away

@@ -185,6 +185,26 @@ TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughTheCatalogCouldNotNoteIt)
     EXPECT_EQ(library.calls(), made + 1) << "the file was written";
 }
 
+TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughTheFileWentAwayBehindIt)
+{
+    const auto position = [](auto&... work) { setPosition(work..., only(1), Coordinate{48, 11}); };
+    const auto dates = [](auto&... work) { shiftDates(work..., only(1), 60); };
+    using Adjust = std::function<void(FileWork&, LibraryStore&)>;
+    for (const auto& adjust : {Adjust(position), Adjust(dates)}) {
+        const FakeTool tool("for file; do :; done\nmv \"$file\" \"$file.away\"");
+        OpenLibrary library(1, "photos", &tool.tool);
+        const auto file = library.store->list().find(1)->path(), called = tool.folder / "called";
+        adjust(*library.writeBack, *library.store);
+        ASSERT_TRUE(library.finish());
+        EXPECT_NE(library.writeBack->failureOf(1), nullptr);
+        std::filesystem::rename(file.native() + ".away", file);
+        tool.folder.write("exiftool", "#!/bin/sh\n: > '" + called.native() + "'");
+        library.store->undo();
+        ASSERT_TRUE(library.finish());
+        EXPECT_TRUE(std::filesystem::exists(called));
+    }
+}
+
 TEST(AdjustmentSteps, keepsAStepInItsPlaceUntilItIsTakenBackOrTheSamePhotosFailAgain)
 {
     const FakeTool tool("exit 0");
