@@ -15,6 +15,11 @@ namespace {
 
 using Kind = LibrarySource::Kind;
 
+std::optional<std::int64_t> unlessNone(std::int64_t id)
+{
+    return id ? std::optional(id) : std::nullopt;
+}
+
 } // namespace
 
 void RandomActions::chooseSource()
@@ -119,7 +124,7 @@ void RandomActions::moveProject()
     const auto project = anyOf(model_.projects), to = upTo(2) ? anyOf(model_.projects) : 0;
     if (!project || model_.liesIn(to, project))
         return;
-    placeProject(*store_, project, to ? std::optional(to) : std::nullopt, std::nullopt);
+    placeProject(*store_, project, unlessNone(to), unlessNone(anyOf(model_.projects)));
     model_.projects[project].parent = to;
 }
 
@@ -185,9 +190,8 @@ std::vector<std::function<void()>> RandomActions::marks()
         },
         [&] {
             const auto project = anyOf(model_.projects);
-            change(&ModelPhoto::project, project, [&](auto ids) {
-                assignToProject(*store_, ids, project ? std::optional(project) : std::nullopt);
-            });
+            change(&ModelPhoto::project, project,
+                [&](auto ids) { assignToProject(*store_, ids, unlessNone(project)); });
         },
     };
 }
@@ -198,7 +202,7 @@ std::vector<std::function<void()>> RandomActions::groups()
     return {
         [&] {
             const auto project = anyOf(model_.projects);
-            model_.albums[createAlbum(*store_, "album", project ? std::optional(project) : std::nullopt)];
+            model_.albums[createAlbum(*store_, "album", unlessNone(project))];
         },
         [&] { model_.projects[createProject(*store_, "project", "project", std::nullopt)] = {"project"}; },
         [&] {
@@ -206,6 +210,15 @@ std::vector<std::function<void()>> RandomActions::groups()
                 renameProject(*store_, project, model_.projects[project].name = std::to_string(upTo(3)));
         },
         [&] { moveProject(); },
+        [&] {
+            if (const auto album = anyOf(model_.albums))
+                placeAlbum(
+                    *store_, album, unlessNone(anyOf(model_.projects)), unlessNone(anyOf(model_.albums)));
+        },
+        [&] {
+            if (const auto album = anyOf(model_.smartAlbums))
+                placeSmartAlbum(*store_, album, unlessNone(anyOf(model_.smartAlbums)));
+        },
         [&] {
             if (upTo(4) == 0)
                 gather();

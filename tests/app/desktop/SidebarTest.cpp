@@ -3,6 +3,7 @@
 #include "app/desktop/photos/PhotoDrag.h"
 #include "app/view/SidebarActions.h"
 #include "app/view/SidebarTree.h"
+#include "catalog/store/GroupActions.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/app/desktop/TestWindow.h"
 #include "tests/support/ListedPhotos.h"
@@ -21,6 +22,28 @@
 namespace korvo {
 
 using IDs = std::vector<PhotoID>;
+
+namespace {
+
+/// Chooses an entry of a line's menu, right after `before`.
+void chooseInMenu(
+    Sidebar& sidebar, const char* line, const QString& entry, const std::function<void()>& before = [] {})
+{
+    const auto* const item = sidebar.findItems(line, Qt::MatchExactly | Qt::MatchRecursive).at(0);
+    const QPoint at = sidebar.visualItemRect(item).center();
+    QTimer::singleShot(0, [&] {
+        before();
+        auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
+        for (auto* const action : menu.actions())
+            if (action->text() == entry)
+                action->trigger();
+        menu.close();
+    });
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, sidebar.viewport()->mapToGlobal(at));
+    QApplication::sendEvent(sidebar.viewport(), &event);
+}
+
+} // namespace
 
 TEST(Sidebar, keepsItsLineAndANameThatIsBeingTyped)
 {
@@ -77,22 +100,13 @@ TEST(Sidebar, makesThingsWhereOneClicked)
     QTest::qWait(20);
     sidebar.expandAll();
     const auto make = [&](const char* line, const QString& entry, const char* name) {
-        const auto* const item = sidebar.findItems(line, Qt::MatchExactly | Qt::MatchRecursive).at(0);
-        const QPoint at = sidebar.visualItemRect(item).center();
-        QTimer::singleShot(0, [&] {
-            QTimer::singleShot(0, [&] {
+        chooseInMenu(sidebar, line, entry, [&] {
+            QTimer::singleShot(0, [name] {
                 auto& dialog = dynamic_cast<QInputDialog&>(*QApplication::activeModalWidget());
                 dialog.setTextValue(name);
                 dialog.accept();
             });
-            auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
-            for (auto* const action : menu.actions())
-                if (action->text() == entry)
-                    action->trigger();
-            menu.close();
         });
-        QContextMenuEvent event(QContextMenuEvent::Mouse, at, sidebar.viewport()->mapToGlobal(at));
-        QApplication::sendEvent(sidebar.viewport(), &event);
     };
     make("clicked", "New Album…", "one");
     make("old", "New Album…", "two");
@@ -108,6 +122,30 @@ TEST(Sidebar, makesThingsWhereOneClicked)
     make("sea", "New Keyword…", "wave");
     EXPECT_EQ(store.tree().keywords.at(1).parentID, keyword);
     EXPECT_EQ(store.source()->id, shown) << "a right click chooses nothing";
+}
+
+TEST(Sidebar, arrangesItsLinesByKeysMenusAndDragging)
+{
+    TestWindow t(0);
+    auto& store = t.store();
+    for (const char* const name : {"p", "q"})
+        createProject(store, name, "project", {});
+    for (const char* const name : {"s", "t"})
+        createSmartAlbum(store, name, {});
+    auto& sidebar = t.window->sidebar();
+    QTest::qWait(20);
+    for (const auto& [heading, upper, lower] : {std::tuple(2, "p", "q"), {3, "s", "t"}}) {
+        const auto isFirst = [&, heading = heading](const char* name) {
+            return QTest::qWaitFor([&] { return sidebar.topLevelItem(heading)->child(0)->text(0) == name; });
+        };
+        auto* const line = sidebar.topLevelItem(heading)->child(0);
+        EXPECT_TRUE(line->flags() & Qt::ItemIsDragEnabled) << upper;
+        sidebar.setCurrentItem(line);
+        QTest::keyClick(&sidebar, Qt::Key_Down, Qt::AltModifier);
+        EXPECT_TRUE(isFirst(lower)) << upper;
+        chooseInMenu(sidebar, upper, "Move Up");
+        EXPECT_TRUE(isFirst(upper));
+    }
 }
 
 TEST(Sidebar, takesPhotosWhereTheyCanGo)
