@@ -50,6 +50,8 @@ MainWindow::MainWindow(Desktop& desktop)
     makeCommands();
     addMarking(*this);
     addLibraryCommands(*this);
+    addPhotoCommands(*this);
+    addStackCommands(*this);
     addOpenRecent(*this);
     addSidebar(*this);
     addGrid(*this);

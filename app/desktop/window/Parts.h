@@ -9,7 +9,9 @@ class MainWindow;
 
 void addGrid(MainWindow& window);
 void addMarking(MainWindow& window); ///< the keys that rate, flag, reject and label
-void addLibraryCommands(MainWindow& window); ///< libraries, folders, albums, stacks, removing
+void addLibraryCommands(MainWindow& window); ///< libraries, folders, projects, albums
+void addPhotoCommands(MainWindow& window); ///< choosing, ordering, removing
+void addStackCommands(MainWindow& window); ///< stacks and versions
 void addOpenRecent(MainWindow& window);
 void addToolbar(MainWindow& window);
 void addStatusLine(MainWindow& window);
