@@ -1,8 +1,8 @@
 #include "app/AddFiles.h"
 
+#include "base/UserError.h"
 #include "catalog/FolderScan.h"
 #include "catalog/UnreadPhotos.h"
-#include "catalog/UserText.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/MetadataError.h"
 

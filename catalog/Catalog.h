@@ -26,7 +26,7 @@ enum class WriteBack { done, pending };
 
 /// The open library: its folder, its database, and what is read and changed of its photos, of their files and
 /// of the sidebar's tree. What one feature adds to them stands beside it, as functions over a catalog in a
-/// header of their own (Stacks.h, Versions.h, ImportMemory.h…). Calls may come from any thread.
+/// header of their own (Stacks.h, Versions.h, UnreadPhotos.h…). Calls may come from any thread.
 /// Each throws DatabaseError, those that change one row of an id NotFoundError when there is none, and those
 /// that are given a name or a path std::invalid_argument for a blank name and a path that is not absolute.
 /// Changes of several statements happen as a whole or not at all.

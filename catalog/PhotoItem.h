@@ -78,7 +78,7 @@ struct PhotoItem {
     friend bool operator==(const PhotoItem&, const PhotoItem&) = default;
 };
 
-/// The rating that the reject command stores.
+/// The rating of a rejected photo without stars.
 inline constexpr int rejectedRating = -1;
 inline constexpr int highestRating = 5;
 

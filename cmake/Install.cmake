@@ -30,7 +30,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libimage-exiftool-perl, libqt6svg6") # what is not linked: the icon is an SVG
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "udisks2")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-wayland")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-wayland, jq")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Korvo keeps a catalog of photos and videos that stay in their folders. It
 rates, labels, files and describes them, adjusts them without touching the
 originals, and writes descriptive metadata into the files.")

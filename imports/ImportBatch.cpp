@@ -1,7 +1,7 @@
 #include "imports/ImportBatch.h"
 
+#include "base/UserError.h"
 #include "catalog/KeywordList.h"
-#include "catalog/UserText.h"
 #include "platform/FileSync.h"
 
 namespace korvo {

@@ -1,6 +1,5 @@
 #include "imports/ImportCopy.h"
 
-#include "base/Uuid.h"
 #include "platform/Sha256.h"
 
 #include <system_error>
@@ -13,18 +12,12 @@ namespace {
 
 constexpr std::string_view hiddenStart = ".korvo-import-";
 
-PartFile beginIn(const fs::path& folder)
-{
-    auto part = PartFile::begin(folder / (std::string(hiddenStart) + Uuid::random().text()));
-    return std::move(part.value()); // nobody else writes a name made up just now
-}
-
 } // namespace
 
 std::optional<FileCopy> copyInto(
     const fs::path& folder, FileSource& source, const SourceFile& file, const std::stop_token& stop)
 {
-    auto part = beginIn(folder);
+    auto part = PartFile::beginHidden(folder, hiddenStart);
     FileStream stream(part.file(), part.path());
     FileCopy copy{std::move(part), std::move(stream), 0, {}};
     Sha256 digest;

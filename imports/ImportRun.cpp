@@ -1,6 +1,6 @@
 #include "imports/ImportRun.h"
 
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "imports/ImportBatch.h"
 #include "imports/ImportShots.h"
 #include "imports/VolumeWatcher.h"

@@ -1,7 +1,7 @@
 #include "metadata/DatesAndPlaces.h"
 
 #include "base/PathFailure.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/ExifReader.h"

@@ -56,9 +56,11 @@ DescriptiveFields descriptiveFields(FileWindow& file, const MetadataBlocks& bloc
 
 } // namespace
 
-DescriptiveFields readDescriptive(const std::filesystem::path& file)
+DescriptiveFields readDescriptive(const std::filesystem::path& path)
 {
-    return readFileMetadata(file).descriptive;
+    FileWindow file(path);
+    const auto blocks = findMetadata(file);
+    return blocks ? descriptiveFields(file, *blocks, readExifTags(file, *blocks)) : DescriptiveFields();
 }
 
 bool hasExif(const std::filesystem::path& path)

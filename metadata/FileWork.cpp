@@ -1,6 +1,6 @@
 #include "metadata/FileWork.h"
 
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "catalog/sql/DatabaseError.h"
 
 #include <fmt/format.h>
@@ -73,9 +73,8 @@ void FileWork::begin(FileJob job)
                 auto result = work.run(catalog, tool_, stop.get_token(), progress);
                 const auto message = result.fault.empty() ? work.summary(result) : result.fault;
                 deliver(std::move(result), message);
-            } catch (const ExifToolError& error) {
-                deliver({.fault = textForUser(error)}, textForUser(error));
-            } catch (const std::exception& error) { // of the catalog: what was not written waits on
+            } catch (
+                const std::exception& error) { // of the tool or the catalog: what was not written waits on
                 deliver({.fault = textForUser(error)}, textForUser(error));
             }
         });

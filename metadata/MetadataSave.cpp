@@ -2,7 +2,7 @@
 
 #include "base/Json.h"
 #include "base/PathFailure.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "catalog/sql/DatabaseError.h"
 #include "metadata/CameraFacts.h"
 #include "metadata/DescriptiveReader.h"

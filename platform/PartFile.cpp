@@ -75,6 +75,12 @@ std::optional<PartFile> PartFile::begin(const fs::path& target)
     }
 }
 
+PartFile PartFile::beginHidden(const fs::path& folder, std::string_view start, std::string_view ending)
+{
+    auto part = begin(folder / (std::string(start) + Uuid::random().text()).append(ending));
+    return std::move(part.value());
+}
+
 PartFile PartFile::ofOwnName(const fs::path& target)
 {
     auto name = target;

@@ -19,6 +19,11 @@ public:
     /// std::system_error.
     static std::optional<PartFile> begin(const std::filesystem::path& target);
 
+    /// Begins one of a name made up just now, which nobody else writes: it begins with `start`, of a hidden
+    /// file, and ends with `ending`. To be moved to where it is to stand. Throws std::system_error.
+    static PartFile beginHidden(
+        const std::filesystem::path& folder, std::string_view start, std::string_view ending = {});
+
     /// Removes the part files that no process is writing, of all targets whose paths begin so. What cannot be
     /// removed stays.
     static void removeLeftOvers(const std::filesystem::path& start);

@@ -1,7 +1,7 @@
 #include "app/SystemTools.h"
 #include "app/cli/Commands.h"
 #include "base/Text.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "metadata/Backfill.h"
 #include "metadata/DatesAndPlaces.h"
 #include "metadata/DescriptiveReader.h"
@@ -20,19 +20,15 @@ namespace {
 
 using Work = std::function<FilesWritten(const ExifTool&, const FileProgress&)>;
 
-/// Runs work on files with a bar for its progress, and says how to come by the tool when it is missing.
+/// Runs work on files with a bar for its progress.
 FilesWritten withProgress(const Context& context, const char* verb, const Work& work)
 {
     const SystemTools tools;
     Progress progress(verb, context.progressMode());
-    try {
-        return work(tools.exifTool, [&](std::size_t number, std::size_t total) {
-            progress.setTotal(total);
-            progress.setDone(number);
-        });
-    } catch (const ExifToolError& error) {
-        throw std::runtime_error(textForUser(error));
-    }
+    return work(tools.exifTool, [&](std::size_t number, std::size_t total) {
+        progress.setTotal(total);
+        progress.setDone(number);
+    });
 }
 
 ExitCode report(Context& context, const FilesWritten& result, const char* key, const std::string& summary)

@@ -1,6 +1,6 @@
 #include "app/cli/CommandLine.h"
 #include "app/cli/Interrupt.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
 

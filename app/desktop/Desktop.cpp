@@ -1,7 +1,7 @@
 #include "app/desktop/Desktop.h"
 
 #include "base/Text.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "platform/AppFolders.h"
 
 namespace korvo {

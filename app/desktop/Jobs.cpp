@@ -1,6 +1,6 @@
 #include "app/desktop/Jobs.h"
 
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 
 #include <algorithm>
 

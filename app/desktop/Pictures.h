@@ -30,6 +30,11 @@ struct PictureRequest {
 /// is large enough.
 PictureRequest pictureOf(const PhotoItem& item, int size, PicturePriority priority);
 
+// Who loads pictures for the window: `Pictures` previews at a size, for all parts; `Thumbnails` the cells of
+// the grid and the filmstrip that were asked for last; `FileThumbnails` the files that a sheet's list paints;
+// `SourcePreviews` small pictures out of a camera; `DecodedPhotos` and `LiveRenders` whole photos, for the
+// viewer's `PhotoFeed`.
+
 /// Loads photos' pictures on threads of its own, from the cache of previews or rendered and kept there. Sizes
 /// are rounded up to a few steps for the cache, and what comes out has the size that was asked for. Used on
 /// the main thread.

@@ -1,6 +1,5 @@
 #include "app/pictures/PhotoExport.h"
 
-#include "base/Uuid.h"
 #include "metadata/DescriptiveReader.h"
 #include "metadata/ExifReader.h"
 #include "platform/ApertureBundles.h"
@@ -49,14 +48,6 @@ fs::path checkedPlace(const fs::path& photo, const fs::path& destination, const 
 
 constexpr std::string_view unfinishedStart = ".korvo-export-";
 
-/// Begins a hidden file beside the place where it is to stand.
-PartFile beginBeside(const fs::path& place)
-{
-    auto part = PartFile::begin(place.parent_path()
-        / (std::string(unfinishedStart) + Uuid::random().text() + place.extension().string()));
-    return std::move(part.value()); // nobody else writes a name made up just now
-}
-
 void put(PartFile& file, fs::path place, const ExportJob& job, const IsOriginal& isOriginal)
 {
     if (!job.otherwise)
@@ -91,7 +82,7 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
     const auto place = checkedPlace(job.render.file, job.destination, isOriginal);
     const auto photo = encodePhoto(reader, job.render, format, job.quality, stop);
     ExportedPhoto result{photo.width, photo.height, photo.note, {}};
-    auto file = beginBeside(place);
+    auto file = PartFile::beginHidden(place.parent_path(), unfinishedStart, place.extension().native());
     file.write(Bytes(photo.bytes));
     if (job.position.own || hasExif(job.render.file))
         try {
@@ -101,7 +92,7 @@ ExportedPhoto exportPhoto(ImageReader& reader, const ExifTool& tool, const Expor
         } catch (const ExifToolError& error) { // the picture itself is whole
             if (stop.stop_requested())
                 throw; // it is we who ended the tool
-            result.exifFailure = error.what();
+            result.exifFailure = error.textForUser();
         }
     put(file, place, job, isOriginal);
     return result;

@@ -37,15 +37,20 @@ double scaleOf(const DecodedImage& image)
     return image.fullWidth > 0 ? double(width) / image.fullWidth : 1;
 }
 
+Bitmap staged(const DecodedImage& image, const BasicPlan& plan)
+{
+    Bitmap result;
+    std::visit([&](const auto& pixels) { runBasicStage(plan, pixels, result); }, image.pixels);
+    return result;
+}
+
 /// The decoded image adjusted; its own memory goes before the rest needs more.
 Bitmap adjusted(DecodedImage image, const Work& work)
 {
     const auto plan = basicPlan(work.filters, scaleOf(image));
     if (auto* const bitmap = std::get_if<Bitmap>(&image.pixels); bitmap && plan.isIdentity())
         return std::move(*bitmap);
-    Bitmap result;
-    std::visit([&](const auto& pixels) { runBasicStage(plan, pixels, result); }, image.pixels);
-    return result;
+    return staged(image, plan);
 }
 
 Bitmap finished(DecodedImage image, const Work& work, int size)
@@ -76,10 +81,7 @@ RenderedPhoto renderPhoto(ImageReader& reader, const RenderJob& job, const std::
 Bitmap renderDecoded(const DecodedImage& image, const PhotoEdits& edits, int size)
 {
     const Work work({.edits = edits, .size = size});
-    const auto plan = basicPlan(work.filters, scaleOf(image));
-    Bitmap result;
-    std::visit([&](const auto& pixels) { runBasicStage(plan, pixels, result); }, image.pixels);
-    return shrunk(withGeometry(std::move(result), work.geometry), size);
+    return shrunk(withGeometry(staged(image, basicPlan(work.filters, scaleOf(image))), work.geometry), size);
 }
 
 EncodedPhoto encodePhoto(

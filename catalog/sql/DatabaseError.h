@@ -1,12 +1,11 @@
 #pragma once
 
-#include <stdexcept>
-#include <string>
+#include "base/UserError.h"
 
 namespace korvo {
 
 /// A failure of the catalog's database. what() is the text for the user.
-class DatabaseError : public std::runtime_error {
+class DatabaseError : public UserError {
 public:
     enum class Case { open, prepare, step, occupied };
 
@@ -30,8 +29,8 @@ public:
     /// Whether it lies in what is around the library and can be mended there: another writer, the disk. What
     /// failed may succeed later then.
     bool mayPass() const;
-    /// What went wrong and what to do about it, without SQL wherever SQLite says what is the matter.
-    std::string textForUser() const;
+    /// Without SQL wherever SQLite says what is the matter.
+    std::string textForUser() const override;
     /// SQLite's own message.
     const std::string& message() const { return message_; }
     /// The statement; empty for a failed open.
@@ -39,7 +38,7 @@ public:
 
 private:
     DatabaseError(Case which, std::string message, std::string sql, int code, const std::string& description)
-        : std::runtime_error(description), which_(which), code_(code), message_(std::move(message)),
+        : UserError(description), which_(which), code_(code), message_(std::move(message)),
           sql_(std::move(sql))
     { }
 

@@ -59,14 +59,6 @@ const PhotoItem::Status& LibraryStore::status(PhotoID id) const
     return found == statuses_.end() ? idle : found->second;
 }
 
-void LibraryStore::setStatus(std::span<const PhotoID> ids, const PhotoItem::Status& status)
-{
-    std::vector<std::pair<PhotoID, PhotoItem::Status>> statuses;
-    for (const PhotoID id : ids)
-        statuses.emplace_back(id, status);
-    setStatuses(statuses);
-}
-
 void LibraryStore::setStatuses(std::span<const std::pair<PhotoID, PhotoItem::Status>> statuses)
 {
     main_.assertCurrent();

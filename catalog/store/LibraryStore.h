@@ -60,9 +60,8 @@ public:
     bool isCounting() const { return counter_.isCounting() || (reading_ && counter_.isDue()); }
     /// How many versions a photo has, itself left out, as last counted with the tree.
     std::int64_t versionCount(PhotoID master) const;
-    /// What is being done with the photo, as setStatus has it.
+    /// What is being done with the photo, as setStatuses has it.
     const PhotoItem::Status& status(PhotoID id) const;
-    void setStatus(std::span<const PhotoID> ids, const PhotoItem::Status& status);
     /// All of them as one change; of two of one photo the later counts.
     void setStatuses(std::span<const std::pair<PhotoID, PhotoItem::Status>> statuses);
 

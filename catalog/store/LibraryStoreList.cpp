@@ -1,6 +1,6 @@
+#include "base/UserError.h"
 #include "catalog/SourceQuery.h"
 #include "catalog/Stacks.h"
-#include "catalog/UserText.h"
 #include "catalog/store/LibraryStore.h"
 
 #include <algorithm>

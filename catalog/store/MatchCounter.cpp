@@ -1,6 +1,6 @@
 #include "catalog/store/MatchCounter.h"
 
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 
 #include <chrono>
 

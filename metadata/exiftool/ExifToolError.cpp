@@ -13,11 +13,10 @@ ExifToolError ExifToolError::failed(const std::string& message)
     return {Case::failed, message.empty() ? "exiftool failed." : message};
 }
 
-std::string textForUser(const ExifToolError& error)
+std::string ExifToolError::textForUser() const
 {
-    const bool missing = error.which() == ExifToolError::Case::notFound;
-    return std::string(error.what())
-        + (missing ? " On Debian and Ubuntu: apt install libimage-exiftool-perl" : "");
+    const bool missing = which_ == Case::notFound;
+    return std::string(what()) + (missing ? " On Debian and Ubuntu: apt install libimage-exiftool-perl" : "");
 }
 
 } // namespace korvo

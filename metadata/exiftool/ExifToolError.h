@@ -1,12 +1,11 @@
 #pragma once
 
-#include <stdexcept>
-#include <string>
+#include "base/UserError.h"
 
 namespace korvo {
 
 /// What keeps exiftool from doing its work; what() is what the tool itself says, where it says anything.
-class ExifToolError : public std::runtime_error {
+class ExifToolError : public UserError {
 public:
     enum class Case { notFound, failed };
 
@@ -14,9 +13,11 @@ public:
     static ExifToolError failed(const std::string& message);
 
     Case which() const { return which_; }
+    /// For a missing tool also how to install it on this system.
+    std::string textForUser() const override;
 
 private:
-    ExifToolError(Case which, const std::string& text) : std::runtime_error(text), which_(which) { }
+    ExifToolError(Case which, const std::string& text) : UserError(text), which_(which) { }
 
     Case which_;
 };
@@ -24,8 +25,5 @@ private:
 /// What is shown in the settings while there is no exiftool.
 constexpr auto exiftoolRequired
     = "exiftool is required to read & write metadata. Install with:  brew install exiftool";
-
-/// The error's text, and for a missing tool how to install it on this system.
-std::string textForUser(const ExifToolError& error);
 
 } // namespace korvo

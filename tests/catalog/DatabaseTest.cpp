@@ -1,5 +1,5 @@
 #include "catalog/sql/Database.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

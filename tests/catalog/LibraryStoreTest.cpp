@@ -1,6 +1,6 @@
 #include "catalog/store/LibraryStore.h"
 #include "base/JsonError.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "catalog/Versions.h"
 #include "catalog/store/LibraryActions.h"
 #include "tests/support/ListedPhotos.h"

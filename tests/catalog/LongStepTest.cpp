@@ -1,6 +1,6 @@
 // Steps of very many photos, which the store does not wait for.
 
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "catalog/store/LibraryActions.h"
 #include "catalog/store/LibraryStore.h"
 #include "tests/support/ManualMainThread.h"

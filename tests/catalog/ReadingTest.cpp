@@ -367,9 +367,10 @@ TEST_F(StoreReading, whatIsBeingDoneWithAPhotoGoesOnWhileItIsReadAnew)
     std::vector<PhotoID> told;
     const auto connection
         = store->changed.connect([&](const LibraryChange& change) { told = change.photos; });
-    store->setStatus(std::vector{ids[1], ids[2]}, failed);
+    store->setStatuses(std::vector{std::pair(ids[1], failed), std::pair(ids[2], failed)});
     EXPECT_EQ(told, (std::vector{ids[1], ids[2]}));
-    store->setStatus(std::vector{ids[1], ids[3]}, {});
+    store->setStatuses(
+        std::vector{std::pair(ids[1], PhotoItem::Status()), std::pair(ids[3], PhotoItem::Status())});
     EXPECT_EQ(told, only(ids[1])) << "the other was idle before";
     store->reload();
     ASSERT_TRUE(isRead());

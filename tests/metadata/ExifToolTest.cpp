@@ -171,14 +171,17 @@ TEST(KeptExifTool, goesOnWithSingleProcessesOnceTheKeptOneDies)
 
 TEST(KeptExifTool, stopsAHangingTool)
 {
-    const FakeTool hanging("sleep 1000");
+    const TemporaryFolder folder;
+    const auto started = folder / "started";
+    const FakeTool hanging("touch '" + started.string() + "'; sleep 1000");
     KeptExifTool kept(hanging.tool);
     std::stop_source stop;
     const std::jthread stopper([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        while (!std::filesystem::exists(started))
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         stop.request_stop();
     });
-    EXPECT_NE(failureOf([&] { kept.run({"a"}, stop.get_token()); }), "none");
+    EXPECT_EQ(failureOf([&] { kept.run({"a"}, stop.get_token()); }), "The program was stopped.");
 }
 
 } // namespace korvo

@@ -6,7 +6,7 @@
 #include "app/desktop/window/NewWindow.h"
 #include "app/pictures/RenderMatch.h"
 #include "base/Text.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

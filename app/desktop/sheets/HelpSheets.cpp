@@ -116,7 +116,7 @@ private:
 
 constexpr auto aboutText
     = "<h2>Korvo %1</h2><p>Photo library and non-destructive editor. Originals stay "
-      "where they are, and as they are."
+      "where they are, and edits never touch them."
       "</p><p>The sources are under the MIT license; this program, with FFmpeg as Debian "
       "builds it, under the GNU "
       "General Public License 3.</p><p>Built with Qt %2, SQLite, libjpeg-turbo, libpng, "

@@ -8,7 +8,7 @@
 #include "app/desktop/sheets/SourceList.h"
 #include "app/pictures/SourcePreviews.h"
 #include "base/Text.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "imports/ImportWindow.h"
 
 #include <QFileDialog>

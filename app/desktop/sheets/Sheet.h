@@ -5,7 +5,7 @@
 #include "app/desktop/Texts.h"
 #include "app/desktop/window/MainWindow.h"
 #include "base/Text.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 
 #include <QDialog>
 #include <QPointer>

@@ -330,7 +330,10 @@ void Sidebar::remove(const QTreeWidgetItem& item)
         deleteLine(desktop_.store(), key);
         if (shown)
             desktop_.store().chooseSource(std::nullopt);
-        desktop_.say("Deleted “" + utf8(name) + "”.", Offer::undo);
+        desktop_.say(key.kind == Kind::folder
+                ? "Removed “" + utf8(name) + "” from the library. Its files stay."
+                : "Deleted “" + utf8(name) + "”.",
+            Offer::undo);
     });
 }
 

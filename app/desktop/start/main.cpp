@@ -9,7 +9,7 @@
 #include "app/desktop/start/Screenshot.h"
 #include "app/desktop/start/Termination.h"
 #include "app/desktop/window/MainWindow.h"
-#include "catalog/UserText.h"
+#include "base/UserError.h"
 #include "platform/AppFolders.h"
 #include "platform/FileDefaults.h"
 #include "platform/HeapArenas.h"

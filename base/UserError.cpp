@@ -1,6 +1,4 @@
-#include "catalog/UserText.h"
-
-#include "catalog/sql/DatabaseError.h"
+#include "base/UserError.h"
 
 #include <filesystem>
 
@@ -10,7 +8,7 @@ std::string textForUser(const std::exception& error)
 {
     if (const auto* const file = dynamic_cast<const std::filesystem::filesystem_error*>(&error))
         return file->path1().string() + ": " + file->code().message();
-    const auto* const failed = dynamic_cast<const DatabaseError*>(&error);
+    const auto* const failed = dynamic_cast<const UserError*>(&error);
     return failed ? failed->textForUser() : error.what();
 }
 
