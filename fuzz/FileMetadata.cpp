@@ -24,8 +24,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     const auto metadata = korvo::readFileMetadata(inputFile());
     const auto info = korvo::readExif(inputFile()).value_or(korvo::PhotoExifInfo());
-    if (info != metadata.exif)
-        std::abort(); // both must see the same
+    if (info != metadata.exif || korvo::readGPS(inputFile()) != metadata.exif.coordinate)
+        std::abort(); // all must see the same
+    (void)korvo::fileParts(inputFile());
     (void)korvo::hasDamagedXmp(inputFile());
     std::filesystem::remove(inputFile());
     return 0;
