@@ -9,6 +9,7 @@
 #include "metadata/MetadataError.h"
 #include "metadata/PositionInFile.h"
 #include "platform/ApertureBundles.h"
+#include "platform/FileSync.h"
 
 namespace korvo {
 
@@ -23,6 +24,9 @@ void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& ru
     const bool known = isAsKnown(record, fileState(record.path));
     changeFile(run, record.path, change.arguments, stop);
     change.written();
+    const auto file = fs::canonical(record.path); // which the tool has replaced
+    syncFile(file);
+    syncFolder(file.parent_path());
     if (known) {
         const auto state = fileState(record.path);
         catalog.fileChanged(record.id, state.date, state.size);
@@ -78,7 +82,7 @@ private:
             result_.fault = sentence(textForUser(error));
         } catch (const NotFoundError&) {
             // The same.
-        } catch (const fs::filesystem_error& error) {
+        } catch (const std::system_error& error) {
             fail(error.code().message());
         }
     }

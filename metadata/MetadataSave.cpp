@@ -10,6 +10,7 @@
 #include "metadata/MetadataError.h"
 #include "metadata/exiftool/KeptExifTool.h"
 #include "platform/ApertureBundles.h"
+#include "platform/FileSync.h"
 
 #include <fmt/format.h>
 
@@ -18,6 +19,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <set>
 #include <unordered_map>
 
 namespace korvo {
@@ -88,6 +90,12 @@ public:
     }
 
 private:
+    struct Written {
+        PhotoID id;
+        PhotoMetadata metadata;
+        FileState state;
+    };
+
     void announce()
     {
         if (!stop_.stop_requested())
@@ -137,7 +145,7 @@ private:
                 fail(*record, error.what() + whyNotWritable(record->path));
         } catch (const NotFoundError&) {
             // It was removed meanwhile.
-        } catch (const fs::filesystem_error& error) {
+        } catch (const std::system_error& error) {
             fail(*record, error.code().message());
         } catch (const MetadataError& error) {
             fail(*record, error.reason());
@@ -214,9 +222,26 @@ private:
             storeWritten();
     }
 
+    /// Whether a file that was written stays so when the power fails. What is wrong with it is told.
+    bool isSafe(const Written& written, std::set<fs::path>& safeFolders)
+    {
+        bool isSafe = false;
+        attempt(written.id, [&](const FileRecord& record) {
+            const auto file = fs::canonical(record.path); // which the tool has replaced
+            syncFile(file);
+            if (!safeFolders.contains(file.parent_path()))
+                syncFolder(file.parent_path());
+            safeFolders.insert(file.parent_path());
+            isSafe = true;
+        });
+        return isSafe;
+    }
+
     /// From here on the photos that were written wait no longer.
     void storeWritten()
     {
+        std::set<fs::path> safeFolders;
+        std::erase_if(written_, [&](const Written& written) { return !isSafe(written, safeFolders); });
         if (written_.empty())
             return;
         Transaction transaction(catalog_.database());
@@ -243,12 +268,6 @@ private:
         transaction.commit();
         ++result_.done;
     }
-
-    struct Written {
-        PhotoID id;
-        PhotoMetadata metadata;
-        FileState state;
-    };
 
     Catalog& catalog_;
     std::stop_token stop_;

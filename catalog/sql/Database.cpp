@@ -8,11 +8,6 @@ namespace korvo {
 
 namespace {
 
-std::string messageOf(sqlite3* handle)
-{
-    return handle ? sqlite3_errmsg(handle) : "unknown";
-}
-
 /// The path as it stands in a URI: all but plain characters are escaped, so that "?", "#", "%" and bytes that
 /// are not UTF-8 reach the file system as they are.
 std::string uriPath(const std::filesystem::path& path)
@@ -34,10 +29,9 @@ StatementHandle compile(sqlite3* connection, std::string_view sql)
 {
     const ConnectionLock lock(connection);
     sqlite3_stmt* compiled = nullptr;
-    const int code
-        = sqlite3_prepare_v2(connection, sql.data(), static_cast<int>(sql.size()), &compiled, nullptr);
-    if (code != SQLITE_OK)
-        throw DatabaseError::prepare(messageOf(connection), std::string(sql), code);
+    if (sqlite3_prepare_v2(connection, sql.data(), static_cast<int>(sql.size()), &compiled, nullptr)
+        != SQLITE_OK)
+        throwFailure(connection, sql, DatabaseError::Case::prepare);
     return StatementHandle(compiled);
 }
 
@@ -52,7 +46,7 @@ Database::Database(const std::string& name, int flags)
     const int code = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
     handle_.reset(opened);
     if (code != SQLITE_OK)
-        throw DatabaseError::open(messageOf(opened), code);
+        throw DatabaseError::open(opened ? sqlite3_errmsg(opened) : "unknown", code);
     sqlite3_busy_timeout(opened, static_cast<int>(busyPatience.count()));
 }
 
@@ -114,9 +108,8 @@ Database Database::openForALook(const std::filesystem::path& file)
 void Database::exec(const std::string& sql)
 {
     const ConnectionLock lock(handle());
-    const int code = sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr);
-    if (code != SQLITE_OK)
-        throw DatabaseError::step(messageOf(handle()), sql, code);
+    if (sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        throwFailure(handle(), sql);
 }
 
 Statement Database::prepare(std::string_view sql)

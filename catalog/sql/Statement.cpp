@@ -1,6 +1,44 @@
 #include "catalog/sql/Statement.h"
 
+#include <cerrno>
+
 namespace korvo {
+
+namespace {
+
+/// Whether the disk has failed to give what a file holds.
+bool isUnreadable(sqlite3_file* file)
+{
+    int reason = 0; // of the last call that failed
+    if (file && file->pMethods)
+        file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &reason);
+    return reason == EIO || reason == ENXIO;
+}
+
+/// SQLite calls a library damaged, too, that its disk does not give out.
+int codeOf(sqlite3* connection)
+{
+    const int code = sqlite3_errcode(connection);
+    if ((code & 0xff) == SQLITE_CORRUPT)
+        for (const int which : {SQLITE_FCNTL_FILE_POINTER, SQLITE_FCNTL_JOURNAL_POINTER}) {
+            sqlite3_file* file = nullptr;
+            sqlite3_file_control(connection, "main", which, static_cast<void*>(&file));
+            if (isUnreadable(file))
+                return SQLITE_IOERR_CORRUPTFS;
+        }
+    return code;
+}
+
+} // namespace
+
+void throwFailure(sqlite3* connection, std::string_view sql, DatabaseError::Case which)
+{
+    const int code = codeOf(connection);
+    const std::string message
+        = code == SQLITE_IOERR_CORRUPTFS ? sqlite3_errstr(code) : sqlite3_errmsg(connection);
+    throw which == DatabaseError::Case::prepare ? DatabaseError::prepare(message, std::string(sql), code)
+                                                : DatabaseError::step(message, std::string(sql), code);
+}
 
 Statement::Statement(sqlite3* connection, StatementHandle handle, StatementCache* cache)
     : lock_(connection), handle_(std::move(handle)), cache_(cache)
@@ -84,9 +122,7 @@ void Statement::check(int code) const
 
 void Statement::fail() const
 {
-    auto* const connection = sqlite3_db_handle(handle_.get());
-    throw DatabaseError::step(
-        sqlite3_errmsg(connection), sqlite3_sql(handle_.get()), sqlite3_errcode(connection));
+    throwFailure(sqlite3_db_handle(handle_.get()), sqlite3_sql(handle_.get()));
 }
 
 } // namespace korvo

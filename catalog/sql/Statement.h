@@ -41,6 +41,10 @@ private:
     sqlite3_mutex* mutex_;
 };
 
+/// Throws what made the last call on this connection fail. It must have been held since.
+[[noreturn]] void throwFailure(
+    sqlite3* connection, std::string_view sql, DatabaseError::Case which = DatabaseError::Case::step);
+
 struct FinalizeStatement {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };

@@ -74,6 +74,31 @@ TEST(Database, whatThePhotographerCanMendIsSaidWithoutSQL)
         "folder, then try again.");
 }
 
+TEST(Database, aDiskThatCannotBeReadIsNoDamageOfTheLibrary)
+{
+    const TemporaryFolder folder;
+    Database(folder / "a.sqlite").exec("CREATE TABLE t (x); INSERT INTO t VALUES (zeroblob(20000))");
+    Database db(folder / "a.sqlite");
+    db.exec("PRAGMA journal_mode = DELETE");
+    const auto readBy = [vfs = sqlite3_vfs_find(nullptr)](sqlite3_syscall_ptr call) {
+        for (const auto* const name : {"pread", "pread64"})
+            vfs->xSetSystemCall(vfs, name, call);
+    };
+    const auto failing = +[](int, void*, std::size_t, off_t) -> ssize_t {
+        errno = EIO;
+        return -1;
+    };
+    readBy(reinterpret_cast<sqlite3_syscall_ptr>(failing));
+    const auto away = errorOf([&] { db.scalar("SELECT sum(length(x)) FROM t WHERE x > 1"); });
+    readBy(nullptr); // the system's own
+    EXPECT_EQ(textForUser(away),
+        "The library's disk cannot be read or written. See that it is connected and sound, then try again.");
+    folder.write("a.sqlite", readFile(folder / "a.sqlite").substr(0, 4096) + std::string(30000, 'x'));
+    auto other = Database::openExisting(folder / "a.sqlite");
+    const auto damaged = errorOf([&] { other.scalar("SELECT sum(length(x)) FROM t WHERE x > 1"); });
+    EXPECT_EQ(textForUser(damaged).rfind("The library is damaged.", 0), 0U);
+}
+
 TEST(Transaction, leavesTheConnectionToOthersWhileItWaits)
 {
     const TemporaryFolder folder;
