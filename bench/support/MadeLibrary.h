@@ -2,9 +2,10 @@
 
 namespace korvo::bench {
 
-/// The rows of a library as one finds them: 60 % described, a fifth edited, half with a position. The places
-/// are for fmt: how many photos, the folder they lie in, and SQL for the folder inside of it and the file
-/// name of photo n.
+/// The rows of a library as one finds them: 60 % described, a fifth edited, half with a position in a square
+/// of one degree, one photo every 400.5 s from `firstCapture` on. The places are for fmt: how many photos,
+/// the folder they lie in, and SQL for the folder inside of it and the file name of photo n.
+inline constexpr double firstCapture = 1.2e9, captureDistance = 400.5;
 inline constexpr auto fillLibrary = R"(
 INSERT INTO folders (path, added_at) VALUES ('{1}', 1);
 WITH RECURSIVE i(n) AS (SELECT 0 UNION ALL SELECT n + 1 FROM i WHERE n + 1 < {0})
@@ -23,7 +24,7 @@ SELECT 1, '{1}/' || {2} || '/' || {3}, {3}, 1.7e9 + n * 0.37, 1.2e9 + n * 400.5,
   CASE n % 4 WHEN 0 THEN 'Canon EOS R5' WHEN 1 THEN 'NIKON Z 6_2' WHEN 2 THEN 'SONY ILCE-7M4' ELSE 'FUJIFILM X-T5' END,
   CASE n % 4 WHEN 0 THEN 'RF24-70mm F2.8 L IS USM' WHEN 1 THEN 'NIKKOR Z 24-70mm f/4 S' WHEN 2 THEN 'FE 24-105mm F4 G OSS' ELSE 'XF18-55mmF2.8-4 R LM OIS' END,
   100 << n % 6, 24 + n % 100, 2.8, 1.0 / (1 + n % 2000), 1, 1.2e9 + n * 400.5, 1,
-  CASE WHEN n % 2 THEN 35 + n * 1e-6 END, CASE WHEN n % 2 THEN 135 + n * 1e-6 END, 1,
+  CASE WHEN n % 2 THEN 35 + n * 7919 % 1009 / 1009.0 END, CASE WHEN n % 2 THEN 135 + n * 4243 % 997 / 997.0 END, 1,
   CASE WHEN n % 2 THEN 'Kyoto, Japan' ELSE '' END
 FROM i;)";
 
