@@ -68,7 +68,7 @@ struct Run {
 Run addAll(const fs::path& photos, const fs::path& library)
 {
     Run run;
-    std::vector<std::pair<std::size_t, double>> marks{{0, 0}}; // how many files after how many seconds
+    std::vector<std::pair<std::size_t, double>> marks; // how many files after how many seconds
     const auto begun = std::chrono::steady_clock::now();
     const auto elapsed
         = [&] { return std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count(); };
@@ -84,7 +84,8 @@ Run addAll(const fs::path& photos, const fs::path& library)
     const auto reached = [&](std::size_t count) {
         return *std::ranges::find_if(marks, [&](const auto& mark) { return mark.first >= count; });
     };
-    run.first = perFile(marks.front(), reached(std::min(ends, run.added)));
+    // From the first batch on: before it the catalog is made.
+    run.first = perFile(marks.front(), reached(std::min(marks.front().first + ends, run.added)));
     run.last = perFile(reached(run.added - std::min(ends, run.added)), marks.back());
     run.peakMemory = peakMemory();
     run.processor = processorSeconds();
@@ -104,9 +105,11 @@ Run inProcessOfItsOwn(const fs::path& photos)
     }
     close(pipeEnds[1]);
     Run run;
-    [[maybe_unused]] const auto got = read(pipeEnds[0], &run, sizeof run);
+    const auto got = read(pipeEnds[0], &run, sizeof run);
     close(pipeEnds[0]);
     wait(nullptr);
+    if (got != sizeof run || run.added == 0)
+        throw std::runtime_error("nothing was added");
     return run;
 }
 
@@ -122,10 +125,11 @@ int main(int argc, char** argv)
     const auto photos = argc > 1 ? fs::canonical(argv[1]) : makeCorpus(folder, 20'000);
     for (int round = 0; round < rounds; ++round) {
         const auto run = inProcessOfItsOwn(photos);
-        fmt::print("{} files in {:.2f} s ({:.2f} s of processor): {:.0f} files/s; the last 2000 took {:.2f} "
-                   "times as long as the first; "
-                   "{:.0f} MB at most\n",
-            run.added, run.seconds, run.processor, static_cast<double>(run.added) / run.seconds,
+        fmt::print(
+            "{} files in {:.2f} s ({:.2f} s of processor): {:.4f} ms a file; the last 2000 took {:.2f} "
+            "times as long as the first; "
+            "{:.0f} MB at most\n",
+            run.added, run.seconds, run.processor, 1e3 * run.seconds / static_cast<double>(run.added),
             run.last / run.first, run.peakMemory / (1 << 20));
     }
 }
