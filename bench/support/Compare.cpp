@@ -61,6 +61,8 @@ std::vector<double> compare(const std::string& title, const std::vector<Contende
     std::vector<std::vector<double>> processors(contenders.size());
     for (int round = 0; round < rounds; ++round)
         for (std::size_t i = 0; i < contenders.size(); ++i) {
+            if (round >= contenders[i].mostRounds)
+                continue;
             contenders[i].prepare();
             const double before = processorSeconds();
             seconds[i].push_back(secondsOf(contenders[i].run));

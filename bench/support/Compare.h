@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@ struct Contender {
     std::string name;
     std::function<void()> run;
     std::function<void()> prepare = [] {}; // before each run, not timed
+    int mostRounds = std::numeric_limits<int>::max(); // fewer for one that takes very long
 };
 
 /// What one contender took: medians, in seconds.
