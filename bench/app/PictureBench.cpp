@@ -1,8 +1,12 @@
-// Thumbnails and whole exports of 24-megapixel JPEGs: bench_pictures [FILE...], the photos given or one that
-// is made. Beside them, when they lie in the folder $YARDSTICKS: thumb_turbo LIST OUT WORKERS SIZE, and
-// vips_render IN OUT MODE.
+// Thumbnails and whole exports of 24-megapixel JPEGs beside plain ones, and beside bench_vips where it was
+// built.
+//
+//     bench_pictures [FILE...]                     the photos given, or one that is made
+//     bench_pictures thumbnails FOLDER FILE...     makes their thumbnails there, for whole programs to stand
+//     beside
 #include "app/pictures/PhotoRender.h"
 #include "app/pictures/Previews.h"
+#include "bench/app/PlainThumbnails.h"
 #include "bench/support/Compare.h"
 #include "bench/support/MadePhoto.h"
 #include "edits/BasicStage.h"
@@ -67,17 +71,10 @@ void makeThumbnails(
         threads.emplace_back(work);
 }
 
-std::string yardstick(const char* name)
-{
-    const char* const folder = std::getenv("YARDSTICKS");
-    const auto program = folder ? fs::path(folder) / name : fs::path();
-    return fs::exists(program) ? program.string() : std::string();
-}
-
 void run(const std::string& command)
 {
-    if (std::system((command + " > /dev/null").c_str()) != 0)
-        std::cerr << command << " failed\n";
+    if (std::system(command.c_str()) != 0)
+        throw std::runtime_error(command + " failed");
 }
 
 void compareThumbnails(
@@ -89,22 +86,15 @@ void compareThumbnails(
     for (std::size_t i = 0; i < photos.size(); ++i)
         previews.push_back(withPreview(photos[i], reader, folder / ("preview" + std::to_string(i) + ".jpg")));
     std::vector<fs::path> quickFiles;
-    std::ofstream list(folder / "list");
-    for (std::size_t i = 0; i < files.size(); ++i) {
+    for (std::size_t i = 0; i < files.size(); ++i)
         quickFiles.push_back(previews[i % previews.size()]);
-        list << files[i].string() << '\n';
-    }
-    list.close();
-    std::vector<bench::Contender> contenders{
-        {"korvo, embedded previews",
-            [&] { makeThumbnails(reader, quickFiles, PictureSource::quick, folder.path()); }},
-        {"korvo", [&] { makeThumbnails(reader, files, PictureSource::whole, folder.path()); }}};
-    if (const auto turbo = yardstick("thumb_turbo"); !turbo.empty())
-        contenders.push_back(
-            {"thumb_turbo", [&, turbo] {
-                 run(turbo + " " + (folder / "list").string() + " " + folder.path().string() + " 2 512");
-             }});
-    bench::compare(std::to_string(thumbnails) + " thumbnails of 512 pixels, two workers", contenders, 3);
+    bench::compare(std::to_string(thumbnails) + " thumbnails of 512 pixels, two workers",
+        {{"korvo, embedded previews",
+             [&] { makeThumbnails(reader, quickFiles, PictureSource::quick, folder.path()); }},
+            {"korvo", [&] { makeThumbnails(reader, files, PictureSource::whole, folder.path()); }},
+            {"plain loops",
+                [&] { bench::plainThumbnails(files, folder.path(), workers, Previews::thumbnailSize); }}},
+        3);
 }
 
 void compareExport(ImageReader& reader, const fs::path& photo, const TemporaryFolder& folder)
@@ -125,9 +115,9 @@ void compareExport(ImageReader& reader, const fs::path& photo, const TemporaryFo
         {"korvo", [&] {
              write(out, encodePhoto(reader, {photo, sixSteps}, PictureFormat::jpeg, 90, {}).bytes);
          }}};
-    if (const auto vips = yardstick("vips_render"); !vips.empty())
-        contenders.push_back(
-            {"vips_render", [&, vips] { run(vips + " " + photo.string() + " " + out.string() + " full"); }});
+    if (const auto vips = fs::read_symlink("/proc/self/exe").parent_path() / "bench_vips"; fs::exists(vips))
+        contenders.push_back({"libvips",
+            [&, vips] { run("'" + vips.string() + "' '" + photo.string() + "' '" + out.string() + "'"); }});
     contenders.push_back({"decode, render, encode, one after the other", alone});
     bench::compare("24 megapixels to JPEG q90 with all six steps", contenders);
 }
@@ -140,6 +130,10 @@ int main(int count, char** arguments)
     const auto launcher = systemProcessLauncher();
     SystemImageReader reader(*launcher, SystemImageReader::installedDecoder());
     std::vector<fs::path> photos(arguments + 1, arguments + count);
+    if (count > 3 && photos[0] == "thumbnails") {
+        makeThumbnails(reader, {photos.begin() + 2, photos.end()}, PictureSource::whole, photos[1]);
+        return 0;
+    }
     if (photos.empty())
         photos.push_back(bench::madePhoto(folder / "photo.jpg", width, height, 1));
     encodePhoto(reader, {photos[0], sixSteps}, PictureFormat::jpeg, 90, {});
