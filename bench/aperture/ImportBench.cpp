@@ -1,6 +1,6 @@
 // Importing a bundle of 20,000 masters with 25,000 versions: the time of each step, the writes beside a bare
-// loop of prepared inserts of the same rows, and the peak of memory; then bundles of many albums and
-// keywords, each twice the size of the one before: the time should double too.
+// loop of prepared inserts of the same rows, the whole of it, and the peak of memory; then bundles of many
+// albums and keywords, each twice the size of the one before: the time should double too.
 #include "aperture/ApertureImporter.h"
 #include "bench/support/Compare.h"
 #include "tests/support/ApertureBundle.h"
@@ -147,6 +147,16 @@ void measure(const fs::path& path, const fs::path& target)
     int round = 0;
     std::optional<Catalog> empty;
     const auto fresh = [&] { empty.emplace(target / fmt::format("{}", ++round), clock); };
+    bench::compare("The whole import",
+        {{"import",
+            [&] {
+                auto bundle = ApertureLibrary::open(path);
+                ApertureImporter importer(bundle, [](const auto&) {}, {});
+                const auto all = importer.plan({});
+                fresh();
+                importer.write(*all, *empty, clock);
+            }}},
+        3);
     bench::compare("Writing the rows",
         {{"ApertureImporter::write",
              [&] { ApertureImporter(*library, [](const auto&) {}, {}).write(*plan, *empty, clock); }, fresh},
@@ -178,6 +188,7 @@ void measureGroups(const fs::path& folder)
         ApertureImportPlan plan;
         const double planned = bench::secondsOf([&] { plan = importer.plan({}).value(); });
         const double written = bench::secondsOf([&] { importer.write(plan, catalog, clock); });
+        bench::keepResult(fmt::format("Groups of {}", size), {{"import", planned + written, 0}});
         fmt::print(
             "{} keywords, {} albums and projects, each in one list: reading {:.2f} s, writing {:.2f} s\n",
             20 * size, 5 * size, planned, written);

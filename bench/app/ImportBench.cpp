@@ -1,8 +1,8 @@
 // Importing a card beside copying it with cp and reading both sides once, as a careful person would: with
-// checksums, or just to see that they can be read. cp leaves much of the copy in memory, from where it is
-// read again; the import waits for the disk, reads from it, reads what the photos say, and keeps the catalog.
-// KORVO_BENCH_FILES files (200) of KORVO_BENCH_MB (6) are made in $TMPDIR, where there must be room for two
-// copies of them.
+// checksums, one after the other or at once, or just to see that they can be read. cp leaves much of the copy
+// in memory, from where it is read again; the import waits for the disk, reads from it, reads what the photos
+// say, and keeps the catalog. KORVO_BENCH_FILES files (200) of KORVO_BENCH_MB (6) are made in $TMPDIR, where
+// there must be room for two copies of them.
 #include "bench/support/Compare.h"
 #include "imports/FolderFiles.h"
 #include "imports/ImportRun.h"
@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <random>
+#include <thread>
 
 using namespace korvo;
 namespace fs = std::filesystem;
@@ -84,12 +85,18 @@ int main()
         readAll(card);
         readAll(copy);
     };
+    const auto copyAndReadAtOnce = [&] {
+        shell("cp -r '" + card.string() + "' '" + copy.string() + "'");
+        std::jthread other([&] { readAll(card); });
+        readAll(copy);
+    };
     const auto copyAndCat = [&] {
         shell("cp -r '" + card.string() + "' '" + copy.string() + "' && cat '" + card.string() + "'/* '"
             + copy.string() + "'/* >/dev/null");
     };
     bench::compare(fmt::format("{} files of {} MB", files, megabytes),
         {{"import", import, clear}, {"cp -r, and cat of both sides", copyAndCat, clear},
+            {"cp -r, and checksums of both sides at once", copyAndReadAtOnce, clear},
             {"cp -r, sync, and checksums of both sides", [&] { copyAndRead("sync"); }, clear},
             {"cp -r, and checksums of both sides", [&] { copyAndRead("true"); }, clear}},
         setting("KORVO_BENCH_ROUNDS", 3));

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <random>
+#include <stdexcept>
 
 namespace {
 
@@ -63,7 +64,7 @@ int main(int argc, char** arguments)
     std::mt19937_64 random(1);
     measure("found", count / 100, [&](std::int64_t) {
         if (!cache.find(keyOf(random() % static_cast<std::uint64_t>(count))))
-            fmt::print("  one is missing\n");
+            throw std::runtime_error("a preview is missing");
     });
     measure("not found", count / 100,
         [&](std::int64_t i) { cache.find(keyOf(static_cast<std::uint64_t>(count + i))); });

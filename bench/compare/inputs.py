@@ -1,13 +1,11 @@
 """What is measured on: made once, in the work folder, and used by all."""
 import pathlib
 import random
-import re
 import struct
 import subprocess
 import zlib
 
-TREE = pathlib.Path(__file__).resolve().parents[2]
-TEMPLATE = TREE / "tests/data/metadata/camera.jpg"
+TEMPLATE = pathlib.Path(__file__).resolve().parents[2] / "tests/data/metadata/camera.jpg"
 CAPTION = ("Temple gate 000000 in Kyoto, photographed on 15 January 2022. Shot for the autumn issue; cleared for "
            "print and web, no crop below the waterline.")
 
@@ -75,9 +73,3 @@ def large_photos(folder, korvo, count):
         if not photo.exists():
             rendered(photo, korvo, 6000, 4000, number)
     return photos
-
-
-def one(pattern, text):
-    """The number that the pattern finds last."""
-    found = re.findall(pattern, text)
-    return float(found[-1]) if found else None

@@ -7,7 +7,7 @@ import re
 import subprocess
 
 import goals
-from inputs import TREE
+from measuring import TREE
 
 PAGE = TREE / "docs/performance.md"
 FINDINGS = "## What was found\n"
@@ -69,6 +69,8 @@ def figure_row(row, comparisons, figures):
     if value is None:
         return None
     shown = time_text(value) if row.unit == "s" else f"{three(value)} {row.unit}"
+    if row.most is None:
+        return [row.what, shown, "", "", "", None]
     most = time_text(row.most) if row.unit == "s" else f"{row.most:,g} {row.unit}"
     return [row.what, shown, "", "", f"at most {most}", value <= row.most]
 
@@ -78,13 +80,13 @@ def line(cells):
     return "| " + " | ".join(cells) + {True: " | yes |", False: " | **no** |", None: " | |"}[met]
 
 
-def tables(stored, run):
+def tables(comparisons, figures, run):
     lines, missing = [], []
-    for section, rows in goals.rows(run.sizes, run.import_title).items():
+    for section, rows in goals.rows(run).items():
         lines += [f"| **{section}** | | | | | |"]
         for row in rows:
-            made = (ratio_row(row, stored["comparisons"]) if isinstance(row, goals.Ratio)
-                    else figure_row(row, stored["comparisons"], stored["figures"]))
+            made = (ratio_row(row, comparisons) if isinstance(row, goals.Ratio)
+                    else figure_row(row, comparisons, figures))
             if made:
                 lines.append(line(made))
             else:
@@ -92,16 +94,28 @@ def tables(stored, run):
     return lines, missing
 
 
-def growth(stored, run):
+def growth(comparisons, figures, run):
     head = [f"{size:,}" for size in run.sizes]
-    lines = ["| A photo's share | " + " | ".join(head) + " |", "|---" * (len(head) + 1) + "|"]
-    for what, (title, contender) in goals.GROWTH.items():
-        costs = [stored["comparisons"].get(title.format(size), {}).get(contender) for size in run.sizes]
-        cells = [three(1e6 * cost / size) if cost else "" for cost, size in zip(costs, run.sizes)]
-        lines.append(f"| {what} | " + " | ".join(cells) + " |")
-    memory = [stored["figures"].get(f"bytes of {size}") for size in run.sizes]
-    lines.append("| memory, bytes | " + " | ".join(three(value) if value else "" for value in memory) + " |")
-    return lines
+    lines, missing = ["| Photos | " + " | ".join(head) + " |", "|---" * (len(head) + 1) + "|"], []
+    for what, key in goals.GROWTH.items():
+        if isinstance(key, tuple):
+            costs = [comparisons.get(key[0].format(size), {}).get(key[1]) for size in run.sizes]
+            values = [cost and 1e6 * cost / size for cost, size in zip(costs, run.sizes)]
+        else:
+            values = [figures.get(key.format(size)) for size in run.sizes]
+        lines.append(f"| {what} | " + " | ".join("" if value is None else three(value) for value in values) + " |")
+        missing += [f"Growth: {what}"] if None in values else []
+    return lines, missing
+
+
+def when(steps):
+    """Whether all is of one run; else which steps are of which."""
+    runs = {}
+    for name, step in steps.items():
+        runs.setdefault(step["run"], []).append(name)
+    if len(runs) == 1:
+        return f"Measured in one run, begun {min(runs)}, ended {max(step['date'] for step in steps.values())}"
+    return "Measured in several runs, " + "; ".join(f"begun {of}: {', '.join(names)}" for of, names in runs.items())
 
 
 def findings():
@@ -110,19 +124,22 @@ def findings():
     return text[text.index(FINDINGS):] if FINDINGS in text else FINDINGS
 
 
-def write(stored, run):
-    lines, missing = tables(stored, run)
-    steps = stored["steps"].values()
-    loads = [step["load"] for step in steps]
+def write(steps, run):
+    comparisons, figures = ({key: value for step in steps.values() for key, value in step[kind].items()}
+                            for kind in ("comparisons", "figures"))
+    lines, missing = tables(comparisons, figures, run)
+    grown, ungrown = growth(comparisons, figures, run)
+    missing += ungrown
+    loads = [step["load"] for step in steps.values()]
     text = "\n".join([
         "# Performance", "",
-        "Made by `bench/compare/run`, which builds what it needs, makes its inputs and measures all of this in one run: "
-        "contenders take turns on the same files, from memory unless said otherwise, medians of their rounds. Ratios "
-        "travel from machine to machine, seconds do not.", "",
-        f"Measured {min(step['date'] for step in steps)} to {max(step['date'] for step in steps)} on {machine()}; "
-        f"{sum(step['seconds'] for step in steps) / 60:.0f} minutes; load before the steps {min(loads):.1f} to "
-        f"{max(loads):.1f}. Beside {peers()}.", "",
+        "Made by `bench/compare/run`, which builds what it needs, makes its inputs and measures: contenders take turns "
+        "on the same files, from memory unless said otherwise, medians of their rounds. Ratios travel from machine to "
+        "machine, seconds do not.", "",
+        f"{when(steps)}, on {machine()}; {sum(step['seconds'] for step in steps.values()) / 60:.0f} minutes; load "
+        f"before the steps {min(loads):.1f} to {max(loads):.1f}. Beside {peers()}.", "",
         "| What | Ours | Theirs | Ratio | Goal | Met |", "|---|---|---|---|---|---|", *lines, "",
+        *(f"- {note}" for note in goals.NOTES), "",
         *(["## Not measured", "", *(f"- {what}" for what in missing), ""] if missing else []),
-        "## Growth", "", *growth(stored, run), "", findings().rstrip(), ""])
+        "## Growth", "", *grown, "", findings().rstrip(), ""])
     return text, missing
