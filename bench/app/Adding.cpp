@@ -130,6 +130,6 @@ int main(int argc, char** argv)
             "times as long as the first; "
             "{:.0f} MB at most\n",
             run.added, run.seconds, run.processor, 1e3 * run.seconds / static_cast<double>(run.added),
-            run.last / run.first, run.peakMemory / (1 << 20));
+            run.last / run.first, run.peakMemory / 1e6);
     }
 }

@@ -15,11 +15,11 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <atomic>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -137,9 +137,7 @@ int main(int count, char** arguments)
     if (photos.empty())
         photos.push_back(bench::madePhoto(folder / "photo.jpg", width, height, 1));
     encodePhoto(reader, {photos[0], sixSteps}, PictureFormat::jpeg, 90, {});
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    std::cout << "peak memory of an export: " << usage.ru_maxrss / 1024 << " MB\n";
+    std::cout << "peak memory of an export: " << std::lround(bench::peakMemory() / 1e6) << " MB\n";
     compareExport(reader, photos[0], folder);
     compareThumbnails(reader, photos, folder);
 }

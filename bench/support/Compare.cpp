@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <stdexcept>
 
 namespace korvo::bench {
 
@@ -102,9 +103,13 @@ void keepResult(const std::string& title, const std::vector<Timing>& timings)
 
 double peakMemory()
 {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return 1024.0 * static_cast<double>(usage.ru_maxrss);
+    // Not rusage::ru_maxrss: it counts what the process was before it became this program, its parent's
+    // memory too.
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (double kilobytes = 0; word == "VmHWM:" && status >> kilobytes)
+            return 1024 * kilobytes;
+    throw std::runtime_error("the system does not tell the most memory");
 }
 
 double memoryTakenBy(const std::function<void()>& work)
