@@ -18,7 +18,7 @@ WHOLE_THUMBNAIL = "A thumbnail of 24 megapixels, whole programs"
 TAKEN_IN = "A file's metadata, whole programs"
 LISTED = "Listing all photos, whole programs"
 FACTS = "Camera facts of a file, whole programs"
-STARTS = ("without previews", "with previews", "first of the day")
+STARTS = ("start without previews", "start with previews", "first start of the day")
 
 
 def rows(run):
@@ -134,9 +134,9 @@ def rows(run):
                      (f"Groups of {size}", "import"), "s") for size in (500, 1000, 2000)),
         ],
         "The window, without a display": [
-            *(Figure(f"start {kind} to first thumbnail, {size:,} photos", f"first {kind} {size}", "ms", most)
+            *(Figure(f"{kind} to first thumbnail, {size:,} photos", f"first {kind} {size}", "ms", most)
               for size, most in zip(sizes[-2:], (1000, 4000)) for kind in STARTS),
-            *(Figure(f"start {kind} to first paint, {largest:,} photos", f"paint {kind} {largest}", "ms")
+            *(Figure(f"{kind} to first paint, {largest:,} photos", f"paint {kind} {largest}", "ms")
               for kind in STARTS),
             Figure(f"scrolling {largest:,} photos, 95 % of frames", f"frames {largest}", "ms", 16),
             Figure(f"scrolling {largest:,} photos, longest event of the main thread", f"event {largest}", "ms", 16),
@@ -158,7 +158,7 @@ GROWTH = {  # of (title, contender) a photo's share is shown, of figures the fig
     "one text rule, µs a photo": ("A text rule alone over {} photos", "matcher over the items"),
     "auto-stack, µs a photo": ("Auto-stacking {} photos, 401 s", "AutoStackPlan"),
     "memory of a list, bytes a photo": "bytes of {}",
-    **{f"window, start {kind} to first thumbnail, ms": f"first {kind} {{}}" for kind in STARTS},
+    **{f"window, {kind} to first thumbnail, ms": f"first {kind} {{}}" for kind in STARTS},
     "window, scrolling, 95 % of frames, ms": "frames {}",
     "window, scrolling, longest event, ms": "event {}",
     "window, most memory, MB": "window MB {}",
@@ -170,7 +170,7 @@ NOTES = (
     "is read again; with `sync` it waits as well. Ours takes its checksums on two threads. The goal is for 2,000 files, "
     "which need 24 GB: `--import-files 2000`.",
     "Of saving, a process for each file is measured in one round, since it takes a minute.",
-    "Starts are medians of three, from the page cache: *without previews* the first thumbnail is decoded from a photo of "
-    "24 megapixels, *first of the day* copies the catalog too. Frames, events and memory are the worst of ten ways to "
+    "Starts are medians of three, from the page cache: without previews the first thumbnail is decoded from a photo of "
+    "24 megapixels, the first start of the day copies the catalog too. Frames, events and memory are the worst of ten ways to "
     "scroll.",
 )

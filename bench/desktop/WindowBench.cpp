@@ -276,7 +276,7 @@ void report(const fs::path& folder, const std::vector<fs::path>& pictures, int p
         runInProcess("start without previews:", "--start", library);
         runInProcess("start with previews:", "--start", library);
         fs::remove_all(library / "Backups");
-        runInProcess("start first of the day:", "--start", library);
+        runInProcess("first start of the day:", "--start", library);
     }
     runInProcess("start, and work:", "--work", library);
     fs::remove_all(library.parent_path());
