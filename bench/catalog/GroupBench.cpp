@@ -40,7 +40,8 @@ std::string dayOfFirstQuarter(std::size_t photos)
     return fmt::format("{:%Y-%m-%d}", fmt::gmtime(static_cast<std::time_t>(time)));
 }
 
-/// The closest that SQL comes: a box for the circle, which holds a few more, and no case but that of A to Z.
+/// The closest that SQL comes: a box for the circle, which holds a quarter more, and no case but that of A to
+/// Z.
 constexpr auto closestQuery
     = "SELECT COUNT(*) FROM photos WHERE version_of IS NULL AND rating >= 3 "
       "AND COALESCE(capture_date, mtime) >= CAST(strftime('%s', '{}', 'utc') AS INTEGER) AND "

@@ -161,6 +161,8 @@ GROWTH = {  # of (title, contender) a photo's share is shown, of figures the fig
     **{f"window, {kind} to first thumbnail, ms": f"first {kind} {{}}" for kind in STARTS},
     "window, scrolling, 95 % of frames, ms": "frames {}",
     "window, scrolling, longest event, ms": "event {}",
+    "window, rating one photo until all is done, ms": "rate 1 photo {}",
+    "window, undoing a removal until all is done, ms": "undo {}",
     "window, most memory, MB": "window MB {}",
 }
 NOTES = (
@@ -171,6 +173,6 @@ NOTES = (
     "which need 24 GB: `--import-files 2000`.",
     "Of saving, a process for each file is measured in one round, since it takes a minute.",
     "Starts are medians of three, from the page cache: without previews the first thumbnail is decoded from a photo of "
-    "24 megapixels, the first start of the day copies the catalog too. Frames, events and memory are the worst of ten ways to "
-    "scroll.",
+    "24 megapixels, the first start of the day copies the catalog too. Frames and events are the worst of ten ways to "
+    "scroll, memory is the most until all actions that follow are done.",
 )
