@@ -41,8 +41,8 @@ def jumping_clock(work):
     photos = work.make_photos("photos", 3000)
     card = work.make_photos("card", 40, padding=100_000)
     copies = work.folder / "Imported"
-    steps = (("create", work.library), ("import", card, "--copy-to", copies), ("set", "--title", "Bridge", "--source", "all"),
-             ("save",), ("add", photos))
+    steps = (("create", work.library), ("import", card, "--copy-to", copies),
+             ("set", "--title", "Bridge", "--source", "all"), ("save",), ("add", photos))
     of_files = ("photos.mtime",)  # which exiftool writes, by its clock
     for step in steps:
         work.run(*step)

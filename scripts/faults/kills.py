@@ -170,7 +170,8 @@ def kill_aperture(work):
 
     def once():
         work.forget_library()
-        killed = work.kill(longest, *call, earliest=longest * random.choice((0, 0.6)))  # half of them while it writes
+        earliest = longest * random.choice((0, 0.6))  # half of them while it writes
+        killed = work.kill(longest, *call, earliest=earliest)
         done, log = 0, work.library / "catalog.sqlite-wal"
         was_writing = log.exists() and log.stat().st_size > 100_000
         if work.is_there():

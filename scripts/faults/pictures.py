@@ -45,9 +45,10 @@ def save_kinds(work):
             expect(before, f"{original.name} cannot be drawn")
             expect(before == rendered(work, photos / original.name), f"{original.name}: another picture")
             is_written = original.read_bytes() != (photos / original.name).read_bytes()
-            expect(is_written != (original.name in REFUSED), f"{original.name} was {'' if is_written else 'not '}written")
+            expect(is_written != (original.name in REFUSED), f"{original.name}: written or not, as was not expected")
             expect(is_written or original.name in told, f"{original.name} is not named: {told[-300:]}")
         work.expect_sound()
-        return True, f"{len(originals) - len(REFUSED)} written, {len(REFUSED)} refused and left as they were, the same pixels"
+        written = len(originals) - len(REFUSED)
+        return True, f"{written} written, {len(REFUSED)} refused and left as they were, the same pixels"
 
     yield once

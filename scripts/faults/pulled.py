@@ -8,7 +8,7 @@ from kills import Saving
 from workplace import expect, expect_told, hashes, state
 
 GONE = ("No such file", "error", "not be read", "cannot be reached")
-UNSOUND = ("rror", "ead-only", "cannot be read or written", "disk is connected")  # what a system answers for a disk that is gone
+UNSOUND = ("rror", "ead-only", "cannot be read or written", "disk is connected")  # of a disk whose plug is pulled
 
 
 @contextlib.contextmanager
@@ -142,7 +142,7 @@ def vanished_destination(work):
         ended, was_running = work.disturb_by(disk.pull, longest, *call)
         disk.put_in()
         work.expect_sound()
-        there = {name: digest for name, digest in hashes(disk.place).items() if not name.rsplit("/")[-1].startswith(".")}
+        there = {name: digest for name, digest in hashes(disk.place).items() if "/." not in f"/{name}"}
         stored = {path.removeprefix(f"{disk.place}/") for path in work.photos()}
         expect(stored <= there.keys(), f"photos without files: {sorted(stored - there.keys())[:3]}")
         expect(all(there[name] in wanted for name in stored), "a photo of half a file")

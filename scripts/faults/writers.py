@@ -45,7 +45,7 @@ def may_stand(one, other):
 
 @contextlib.contextmanager
 def two_writers(work):
-    """two raters of the same 40 photos, for 8 s and as long as two adds of 6,000, a save and an import beside them take"""
+    """two raters of the same 40 photos, for 8 s and longer while two adds of 6,000, a save and an import run beside"""
     photos = work.make_photos("photos", 12000)
     halves = [[photos / f"{number:03}" for number in numbers] for numbers in (range(12), range(12, 24))]
     originals = work.make_photos("originals", 40, padding=20_000)
