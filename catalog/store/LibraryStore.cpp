@@ -17,10 +17,10 @@ bool touchesCounts(const ChangedRows& rows)
 
 } // namespace
 
-LibraryStore::LibraryStore(
-    MainThread& main, std::unique_ptr<Catalog> catalog, std::chrono::milliseconds patience)
-    : main_(main), catalog_(std::move(catalog)), patience_(patience), dataVersion_(dataVersion(*catalog_)),
-      counter_(main, *catalog_, patience, [this] {
+LibraryStore::LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog,
+    std::chrono::milliseconds patience, const StoreBounds& bounds)
+    : main_(main), catalog_(std::move(catalog)), patience_(patience), bounds_(bounds),
+      dataVersion_(dataVersion(*catalog_)), counter_(main, *catalog_, patience, [this] {
           tree_.reset();
           changed.emit({.photos = {}, .tree = true});
       })

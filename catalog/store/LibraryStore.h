@@ -29,7 +29,7 @@ public:
     /// Reads the whole library. `main` must outlive the store. Lists are read in the background, and waited
     /// for as long as `patience` says; one that takes longer is shown when it is there.
     LibraryStore(MainThread& main, std::unique_ptr<Catalog> catalog,
-        std::chrono::milliseconds patience = untilItIsRead);
+        std::chrono::milliseconds patience = untilItIsRead, const StoreBounds& bounds = {});
 
     Catalog& catalog() { return *catalog_; }
     Signal<const LibraryChange&> changed;
@@ -173,6 +173,7 @@ private:
     MainThread& main_;
     std::unique_ptr<Catalog> catalog_;
     std::chrono::milliseconds patience_;
+    StoreBounds bounds_;
     std::optional<LibrarySource> source_;
     std::optional<std::string> sourceFault_;
     PhotoList list_;

@@ -12,8 +12,6 @@ namespace {
 
 using Kind = LibrarySource::Kind;
 
-constexpr std::size_t fewPhotos = 20'000; // to be read, put in order, or freed, at once
-
 } // namespace
 
 void LibraryStore::giveUp(std::unique_ptr<ListReading> reading)
@@ -69,7 +67,7 @@ void LibraryStore::replaceList(PhotoList list)
 
 void LibraryStore::discard(PhotoList list)
 {
-    if (list.items().size() > fewPhotos)
+    if (list.items().size() > bounds_.photosListed)
         freeElsewhere(main_, left_, std::move(list));
 }
 
@@ -126,7 +124,7 @@ ChangedRows LibraryStore::endOrdering()
 
 LibraryStore::Shown LibraryStore::order(std::chrono::milliseconds patience)
 {
-    if (list_.items().size() <= fewPhotos) {
+    if (list_.items().size() <= bounds_.photosListed) {
         list_.show(list_.ordered());
         return Shown::yes;
     }
@@ -184,7 +182,8 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
 
 bool LibraryStore::updateList(const ChangedRows& rows)
 {
-    if (rows.updated.size() + rows.inserted.size() > fewPhotos) // reading all again keeps nobody waiting
+    if (rows.updated.size() + rows.inserted.size()
+        > bounds_.photosListed) // reading all again keeps nobody waiting
         return load(source_) == Shown::yes;
     if (reading_)
         merge(reading_->since, rows);

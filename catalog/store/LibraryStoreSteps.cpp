@@ -5,10 +5,6 @@ namespace korvo {
 
 namespace {
 
-// What takes about 100 ms.
-constexpr std::size_t mostPhotosAtOnce = 2'000;
-constexpr std::size_t mostBytesAtOnce = std::size_t{512} << 10; // of changes
-
 void requireNoRetrace(const UndoHistory& history)
 {
     if (const UndoStep* const step = history.retracing())
@@ -99,7 +95,7 @@ void LibraryStore::perform(std::string title, std::function<void(Catalog&)> chan
 {
     requireFree();
     make(
-        title, photos > mostPhotosAtOnce ? Where::beside : Where::here,
+        title, photos > bounds_.photosAtOnce ? Where::beside : Where::here,
         [change = std::move(change)](
             Catalog& catalog, auto patience) { return madeChange(catalog, patience, change); },
         [this, title](const TakeStep& take) {
@@ -202,7 +198,7 @@ void LibraryStore::redo()
 void LibraryStore::takeOut(const UndoStep& step)
 {
     make(
-        "Undo " + step.title, step.added.photos.size() > mostPhotosAtOnce ? Where::beside : Where::here,
+        "Undo " + step.title, step.added.photos.size() > bounds_.photosAtOnce ? Where::beside : Where::here,
         [&added = step.added](Catalog& catalog, auto patience) { return takenOut(catalog, patience, added); },
         [this](const TakeStep& take) {
             auto done = attempt(UndoWay::back, take);
@@ -223,7 +219,7 @@ void LibraryStore::takeStep(const UndoStep& step, UndoWay way)
         return changed.emit({});
     }
     make((way == UndoWay::back ? "Undo " : "Redo ") + step.title,
-        step.changes.bytes().size() > mostBytesAtOnce ? Where::beside : Where::here,
+        step.changes.bytes().size() > bounds_.bytesAtOnce ? Where::beside : Where::here,
         [&changes = step.changes, way](
             Catalog& catalog, auto patience) { return retraced(catalog, patience, changes, way); },
         [this, way, source = source_, selected = wishedSelection()](const TakeStep& take) {

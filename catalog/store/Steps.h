@@ -35,6 +35,13 @@ StepDone retraced(
 /// Each change that another connection commits gives a new number.
 std::int64_t dataVersion(Catalog& catalog);
 
+/// From how much on things are done in the background.
+struct StoreBounds {
+    std::size_t photosAtOnce = 2'000; // of a step: about 100 ms
+    std::size_t bytesAtOnce = std::size_t{512} << 10; // of the changes of one that is taken again: the same
+    std::size_t photosListed = 20'000; // of a list that is read, put in order, or freed
+};
+
 using MakeStep = std::function<StepDone(Catalog&, std::chrono::milliseconds patience)>;
 using TakeStep = std::function<StepDone()>; // what was made; throws what making it threw
 using EndStep = std::function<void(const TakeStep&)>;

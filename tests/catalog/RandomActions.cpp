@@ -1,5 +1,6 @@
 #include "tests/catalog/RandomActions.h"
 
+#include "catalog/RenameKeyword.h"
 #include "catalog/Stacks.h"
 #include "catalog/Versions.h"
 #include "catalog/store/GroupActions.h"
@@ -7,6 +8,7 @@
 #include "tests/support/StoreActions.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 namespace korvo {
@@ -14,6 +16,11 @@ namespace korvo {
 namespace {
 
 using Kind = LibrarySource::Kind;
+
+SmartAlbumRules rated(int least)
+{
+    return {{{SmartAlbumRule::Field::rating, SmartAlbumRule::Op::atLeast, std::to_string(least)}}};
+}
 
 std::optional<std::int64_t> unlessNone(std::int64_t id)
 {
@@ -35,6 +42,17 @@ void RandomActions::chooseSource()
     if (!isOfOne || source->id)
         store_->chooseSource(source);
     store_->select(somePhotos());
+}
+
+void RandomActions::arrange()
+{
+    std::optional<SortKey> key;
+    if (upTo(2))
+        key = static_cast<SortKey>(upTo(5));
+    std::optional<GridFilter> filter;
+    if (upTo(2))
+        filter = static_cast<GridFilter>(upTo(3));
+    store_->arrange(key, filter);
 }
 
 std::vector<PhotoID> RandomActions::somePhotos()
@@ -149,11 +167,52 @@ void RandomActions::changeStack()
 void RandomActions::changeKeywords()
 {
     const auto keywords = store_->catalog().keywords();
-    if (keywords.empty() || upTo(3) > 0)
+    if (keywords.empty() || upTo(2) > 0) {
         createKeyword(*store_, "k",
             keywords.empty() ? std::nullopt : std::optional(keywords[upTo(keywords.size())].id));
-    else
-        deleteKeyword(*store_, keywords[upTo(keywords.size())].id);
+        return;
+    }
+    const auto& keyword = keywords[upTo(keywords.size())];
+    switch (upTo(3)) {
+    case 0:
+        return deleteKeyword(*store_, keyword.id);
+    case 1:
+        return moveKeyword(*store_, keyword.id, std::nullopt);
+    default:
+        store_->perform("Rename Keyword",
+            [&](Catalog& catalog) { renameKeyword(catalog, keyword.id, keyword.name + "k"); });
+        for (auto& [id, photo] : model_.photos)
+            if (const auto at = (", " + photo.keywords + ",").find(", " + keyword.name + ",");
+                at != std::string::npos)
+                photo.keywords.insert(at + keyword.name.size(), "k");
+    }
+}
+
+/// One of those that are plain, and lie in the photo's file.
+void RandomActions::changeText()
+{
+    constexpr std::array texts{std::pair(&MetadataChange::altText, &ModelPhoto::altText),
+        std::pair(&MetadataChange::title, &ModelPhoto::title),
+        std::pair(&MetadataChange::caption, &ModelPhoto::caption),
+        std::pair(&MetadataChange::creator, &ModelPhoto::creator),
+        std::pair(&MetadataChange::copyright, &ModelPhoto::copyright)};
+    const auto [field, inModel] = texts[upTo(texts.size())];
+    const auto text = upTo(4) ? std::to_string(upTo(4)) : "";
+    MetadataChange change;
+    change.*field = SharedText(text);
+    this->change(inModel, text, [&](auto ids) { setMetadata(*store_, ids, change); });
+}
+
+void RandomActions::moveInAlbum()
+{
+    changeAlbum([&](auto album, auto ids) {
+        const auto& members = model_.albums[album];
+        std::erase_if(ids, [&](PhotoID id) { return !members.contains(id); });
+        const auto before = upTo(2) ? anyOf(model_.photos) : 0;
+        if (!ids.empty())
+            korvo::moveInAlbum(
+                *store_, album, ids, members.contains(before) ? std::optional(before) : std::nullopt);
+    });
 }
 
 /// What a photo has by itself.
@@ -173,11 +232,7 @@ std::vector<std::function<void()>> RandomActions::marks()
             change(&ModelPhoto::label, label,
                 [&](auto ids) { setLabel(*store_, ids, static_cast<PhotoLabel>(label)); });
         },
-        [&] {
-            const auto title = std::to_string(upTo(4));
-            change(&ModelPhoto::title, title,
-                [&](auto ids) { setMetadata(*store_, ids, {.title = SharedText(title)}); });
-        },
+        [&] { changeText(); },
         [&] {
             const std::string keywords = upTo(2) ? "sea, night" : "";
             change(&ModelPhoto::keywords, keywords,
@@ -246,9 +301,7 @@ std::vector<std::function<void()>> RandomActions::groups()
         },
         [&] {
             const auto least = 1 + static_cast<int>(upTo(3));
-            model_.smartAlbums[createSmartAlbum(*store_, "smart",
-                {{{SmartAlbumRule::Field::rating, SmartAlbumRule::Op::atLeast, std::to_string(least)}}})]
-                = least;
+            model_.smartAlbums[createSmartAlbum(*store_, "smart", rated(least))] = least;
         },
         [&] {
             store_->perform("Version", [&](Catalog& catalog) {
@@ -277,10 +330,46 @@ std::vector<std::function<void()>> RandomActions::groups()
     };
 }
 
+/// How what the sidebar shows is called, kept and ordered.
+std::vector<std::function<void()>> RandomActions::sidebar()
+{
+    const auto oneOrNone = [this](const auto& map) {
+        const auto id = upTo(2) ? anyOf(map) : 0;
+        return id ? std::optional(id) : std::nullopt;
+    };
+    return {
+        [&] { moveInAlbum(); },
+        [&] { changeAlbum([&](auto album, const auto&) { renameAlbum(*store_, album, "x"); }); },
+        [&, oneOrNone] {
+            changeAlbum([&](auto album, const auto&) {
+                placeAlbum(*store_, album, oneOrNone(model_.projects), std::nullopt);
+            });
+        },
+        [&, oneOrNone] {
+            if (const auto album = anyOf(model_.smartAlbums))
+                placeSmartAlbum(*store_, album, oneOrNone(model_.smartAlbums));
+        },
+        [&] {
+            if (const auto album = anyOf(model_.smartAlbums)) {
+                const auto least = 1 + static_cast<int>(upTo(3));
+                changeSmartAlbum(*store_, album, "changed", rated(least));
+                model_.smartAlbums[album] = least;
+            }
+        },
+        [&] {
+            if (const auto album = anyOf(model_.smartAlbums); album && upTo(3) == 0) {
+                deleteSmartAlbum(*store_, album);
+                model_.smartAlbums.erase(album);
+            }
+        },
+    };
+}
+
 std::vector<std::function<void()>> RandomActions::all()
 {
     auto actions = marks();
     std::ranges::move(groups(), std::back_inserter(actions));
+    std::ranges::move(sidebar(), std::back_inserter(actions));
     return actions;
 }
 

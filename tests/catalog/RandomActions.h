@@ -19,6 +19,8 @@ public:
     /// Does any one of them.
     void act() { actions_[upTo(actions_.size())](); }
     void chooseSource();
+    /// Shows the list in another order, or other photos of it.
+    void arrange();
     /// Any number below `n`.
     std::size_t upTo(std::size_t n) { return random_() % n; }
 
@@ -43,8 +45,11 @@ private:
     void moveProject();
     void changeStack();
     void changeKeywords();
+    void changeText();
+    void moveInAlbum();
     std::vector<std::function<void()>> marks();
     std::vector<std::function<void()>> groups();
+    std::vector<std::function<void()>> sidebar();
     std::vector<std::function<void()>> all();
 
     std::mt19937 random_;

@@ -39,8 +39,10 @@ bool Model::lists(const LibrarySource& source, PhotoID id) const
         return smartAlbums.contains(source.id) && photo.rating >= smartAlbums.at(source.id);
     case Kind::folder:
         return hasFolder && id <= lastInFolder;
+    case Kind::noAltText:
+        return photo.altText.empty();
     default:
-        return true; // all are new, and without an ALT text
+        return true; // all are new
     }
 }
 
@@ -63,7 +65,8 @@ void Model::remove(PhotoID id)
 ModelPhoto modelOf(const PhotoItem& item)
 {
     return {item.rating, item.flagged, static_cast<int>(item.label), item.metadata.title.string(),
-        item.metadata.keywords.string(),
+        item.metadata.caption.string(), item.metadata.altText.string(), item.metadata.creator.string(),
+        item.metadata.copyright.string(), item.metadata.keywords.string(),
         item.editsJSON.empty() ? 0 : fromJson<PhotoEdits>(item.editsJSON.string()).exposure,
         item.projectID.value_or(0)};
 }

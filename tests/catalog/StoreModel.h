@@ -15,7 +15,7 @@ struct ModelPhoto {
     int rating = 0;
     bool flagged = false;
     int label = 0;
-    std::string title;
+    std::string title, caption, altText, creator, copyright;
     std::string keywords;
     double exposure = 0;
     std::int64_t project = 0; // 0: none
