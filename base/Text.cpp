@@ -59,9 +59,17 @@ std::string plural(std::size_t count, std::string_view noun)
     return std::string(noun) + (count == 1 ? "" : "s");
 }
 
+std::string grouped(std::size_t count)
+{
+    auto digits = std::to_string(count);
+    for (auto end = digits.size(); end > 3; end -= 3)
+        digits.insert(end - 3, ",");
+    return digits;
+}
+
 std::string counted(std::size_t count, std::string_view noun)
 {
-    return std::to_string(count) + " " + plural(count, noun);
+    return grouped(count) + " " + plural(count, noun);
 }
 
 std::string sizeText(std::uint64_t bytes)

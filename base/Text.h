@@ -11,7 +11,10 @@
 
 namespace korvo {
 
-/// `count` and the noun in the right number: "1 photo", "0 photos", "3 photos".
+/// A count as people read it: "999", "1,000".
+std::string grouped(std::size_t count);
+
+/// `count` and the noun in the right number: "1 photo", "0 photos", "3,000 photos".
 std::string counted(std::size_t count, std::string_view noun);
 
 /// `noun`, with an "s" unless `count` is 1.

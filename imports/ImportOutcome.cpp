@@ -27,8 +27,8 @@ ImportCounts countsOf(const ImportListing& listing, const ImportResult& result)
 
 std::string countsText(const ImportCounts& counts)
 {
-    return counted(counts.imported, "photo") + " imported, " + std::to_string(counts.duplicates)
-        + " already in the library, " + std::to_string(counts.failed) + " failed";
+    return counted(counts.imported, "photo") + " imported, " + grouped(counts.duplicates)
+        + " already in the library, " + grouped(counts.failed) + " failed";
 }
 
 std::vector<std::string> failuresOf(const ImportListing& listing, const ImportResult& result)

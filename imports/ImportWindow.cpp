@@ -36,10 +36,11 @@ std::string pickedText(const ImportListing& listing)
 {
     const auto known = std::count_if(listing.candidates.begin(), listing.candidates.end(),
         [](const Candidate& candidate) { return candidate.isDuplicate; });
-    auto text = std::to_string(pickedCount(listing)) + " of " + counted(listing.candidates.size(), "photo")
+    auto text = grouped(pickedCount(listing)) + " of " + counted(listing.candidates.size(), "photo")
         + " will be imported";
     if (known > 0)
-        text += ", " + std::to_string(known) + (known == 1 ? " is" : " are") + " already in the library";
+        text += ", " + grouped(static_cast<std::size_t>(known)) + (known == 1 ? " is" : " are")
+            + " already in the library";
     return text;
 }
 
@@ -50,8 +51,7 @@ std::string statusText(std::size_t files)
 
 std::string progressText(std::size_t index, std::size_t total, std::string_view sourceName)
 {
-    return "Copying " + std::to_string(index) + " of " + std::to_string(total) + " from "
-        + std::string(sourceName);
+    return "Copying " + grouped(index) + " of " + grouped(total) + " from " + std::string(sourceName);
 }
 
 std::string ejectText(std::string_view name, const std::optional<std::string>& failure)

@@ -1,5 +1,6 @@
 #include "metadata/FileWork.h"
 
+#include "base/Text.h"
 #include "base/UserError.h"
 #include "catalog/sql/DatabaseError.h"
 
@@ -67,7 +68,7 @@ void FileWork::begin(FileJob job)
             try {
                 const auto progress = [&](std::size_t number, std::size_t total) {
                     context.deliver([=, this, verb = work.verb] {
-                        say(fmt::format("{} {} of {}…", verb, number, total));
+                        say(fmt::format("{} {} of {}…", verb, grouped(number), grouped(total)));
                     });
                 };
                 auto result = work.run(catalog, tool_, stop.get_token(), progress);

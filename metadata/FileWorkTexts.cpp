@@ -10,7 +10,8 @@ namespace {
 
 std::string partly(const char* verb, const FilesWritten& result)
 {
-    return fmt::format("{} {}, failed {} — see marked photos.", verb, result.done, result.failures.size());
+    return fmt::format(
+        "{} {}, failed {} — see marked photos.", verb, grouped(result.done), grouped(result.failures.size()));
 }
 
 } // namespace

@@ -64,7 +64,8 @@ std::string unwrittenText(std::size_t waiting, std::size_t photos)
         return {};
     if (photos == 1)
         return "Not yet written into the file";
-    return fmt::format("{} of {} not yet written into their files", waiting, counted(photos, "photo"));
+    return fmt::format(
+        "{} of {} not yet written into their files", grouped(waiting), counted(photos, "photo"));
 }
 
 FileFacts fileFacts(const std::filesystem::path& file)

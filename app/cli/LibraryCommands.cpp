@@ -62,7 +62,8 @@ ExitCode addToLibrary(Context& context, const AddArguments& arguments)
     const auto failed = result.failures.size() + (result.broken.empty() ? 0 : 1);
     context.print(AddCounts{result.added, result.known, result.ignored, failed},
         fmt::format("{} added, {} known already, {} of other kinds passed over, {} failed",
-            counted(result.added, "photo"), result.known, counted(result.ignored, "file"), failed));
+            counted(result.added, "photo"), grouped(result.known), counted(result.ignored, "file"),
+            grouped(failed)));
     return context.finish(result.added + result.known, result.cancelled ? Ended::early : Ended::whole);
 }
 

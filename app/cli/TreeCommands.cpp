@@ -60,7 +60,7 @@ void printTree(Context& context)
     const auto total = [](std::int64_t count) { return static_cast<std::size_t>(count); };
     context.print(fmt::format("{}: {}, {} without ALT text, {} with unsaved metadata",
         context.library().libraryURL().string(), counted(total(tree.totals.photos), "photo"),
-        tree.totals.withoutAltText, tree.totals.dirty));
+        grouped(total(tree.totals.withoutAltText)), grouped(total(tree.totals.dirty))));
     for (const auto& folder : tree.folders)
         context.print(fmt::format("folder:{}  {}", folder.id, folder.path));
     printProjects(context, tree, tree.projects, 0);

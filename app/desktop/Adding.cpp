@@ -32,7 +32,7 @@ std::string summaryOf(const AddResult& result)
 {
     auto text = "Added " + counted(result.added, "photo");
     if (result.known > 0)
-        text += ", " + std::to_string(result.known) + " in the library already";
+        text += ", " + grouped(result.known) + " in the library already";
     return text + (result.cancelled ? ", then stopped." : ".");
 }
 

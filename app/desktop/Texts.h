@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QLocale>
+#include "base/Text.h"
+
 #include <QString>
 #include <QUrl>
 
@@ -16,10 +17,10 @@ inline QString qt(std::string_view text)
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// A count as people here write it: "1,000".
+/// A count as people read it: "1,000".
 inline QString number(std::size_t value)
 {
-    return QLocale().toString(static_cast<qulonglong>(value));
+    return qt(grouped(value));
 }
 
 /// Qt's text as UTF-8.

@@ -18,6 +18,8 @@ TEST(Text, sizesAndSentencesAreForPeople)
     EXPECT_EQ(sizeText(1234), "1.2 kB");
     EXPECT_EQ(sizeText(999'950), "1.0 MB");
     EXPECT_EQ(sizeText(24'316'000), "24.3 MB");
+    EXPECT_EQ(counted(999, "photo") + ", " + grouped(1000) + ", " + grouped(1'234'567),
+        "999 photos, 1,000, 1,234,567");
     EXPECT_EQ(asSentence("no album with the id 3"), "No album with the id 3.");
     EXPECT_EQ(asSentence("Choose another?"), "Choose another?");
 }

@@ -131,7 +131,7 @@ TEST_F(LongSteps, takeOutAndBringBackAllThatWasAdded)
     outcome();
     EXPECT_EQ(contentOf(store->catalog()), before);
     EXPECT_EQ(store->list().shown().size(), ids.size());
-    EXPECT_EQ(store->undoTitle(), "Add 20500 Photos");
+    EXPECT_EQ(store->undoTitle(), "Add 20,500 Photos");
 }
 
 TEST_F(LongSteps, thatFailAreToldAndLeaveAllAsItWas)

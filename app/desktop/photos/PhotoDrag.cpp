@@ -42,7 +42,7 @@ QPixmap dragPicture(const QWidget& widget, const QPixmap& picture, std::size_t c
         painter.drawPixmap(place, picture, QRectF(picture.rect()));
     }
     if (count > 1) {
-        const QString text = QString::number(count);
+        const QString text = number(count);
         const QRect plate(0, 0, painter.fontMetrics().horizontalAdvance(text) + 14, 22);
         painter.setPen(Qt::NoPen);
         painter.setBrush(theme::accentFill);

@@ -9,7 +9,6 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLocale>
 #include <QTreeWidgetItemIterator>
 
 namespace korvo {
@@ -137,7 +136,7 @@ void Sidebar::show(QTreeWidgetItem& item, const SidebarNode& node)
     const QString name = qt(repairedUtf8(node.name));
     item.setText(0, name);
     item.setToolTip(0, plainToolTip(node.hint.empty() ? name : qt(repairedUtf8(node.hint))));
-    const QString count = node.count ? QLocale().toString(static_cast<qlonglong>(*node.count)) : QString();
+    const QString count = node.count ? number(static_cast<std::size_t>(*node.count)) : QString();
     item.setText(1, count);
     item.setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
     item.setForeground(1, theme::mutedText);

@@ -1,5 +1,6 @@
 #include "app/desktop/viewer/PhotoPane.h"
 
+#include "app/desktop/Texts.h"
 #include "app/desktop/photos/PhotoSigns.h"
 
 #include <QVBoxLayout>
@@ -88,7 +89,7 @@ void PhotoPane::showNote()
     if (!view_->feed().screen().full.isEmpty())
         parts << percent(view_->zoom().scale());
     if (place)
-        parts << QString("%1 of %2").arg(*place + 1).arg(list.shown().size());
+        parts << number(*place + 1) + " of " + number(list.shown().size());
     bar_->setNote(parts.join("  ·  "));
 }
 

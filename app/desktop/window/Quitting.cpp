@@ -3,8 +3,6 @@
 #include "app/desktop/Ask.h"
 #include "app/desktop/Texts.h"
 
-#include <QLocale>
-
 namespace korvo {
 
 namespace {

@@ -114,7 +114,7 @@ void StatusLine::showCounts()
     const auto selected = desktop_.store().selection().size();
     const auto& list = desktop_.store().list();
     const bool isReading = desktop_.store().isReading() && list.items().empty();
-    QString text = isReading ? QString("Reading…") : number(shown) + " " + qt(plural(shown, "photo"));
+    QString text = isReading ? QString("Reading…") : qt(counted(shown, "photo"));
     if (const auto& source = desktop_.store().source();
         source && source->kind == LibrarySource::Kind::versions && !list.items().empty()) {
         const auto versions = list.items().size() - 1; // the first is the photo itself

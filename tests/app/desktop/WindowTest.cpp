@@ -296,7 +296,7 @@ TEST(Desktop, saysWhatWasDoneOnceItIsDone)
         EXPECT_EQ(said, std::vector<std::string>());
     }
     t.settleStore();
-    EXPECT_EQ(said, std::vector<std::string>{"Rejected 2500 !"});
+    EXPECT_EQ(said, std::vector<std::string>{"Rejected 2,500!"});
 
     said.clear();
     const auto mayEnd = t.beginStep();
