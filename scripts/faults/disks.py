@@ -43,14 +43,18 @@ class Card:
     def __init__(self, work, source):
         self.source, self.place = source, work.folder / "card"
         self.place.mkdir()
+        self.is_in = False
         work.mounted.append(self.place)
         self.put_in()
 
     def put_in(self):
-        subprocess.run(["mount", "--bind", self.source, self.place], check=True)
+        if not self.is_in:
+            subprocess.run(["mount", "--bind", self.source, self.place], check=True)
+        self.is_in = True
 
     def pull(self):
         subprocess.run(["umount", "-l", self.place], check=True)
+        self.is_in = False
 
 
 class Disk:

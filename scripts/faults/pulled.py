@@ -7,7 +7,7 @@ from disks import Card, Disk, FailingDisk
 from kills import Saving
 from workplace import expect, expect_told, hashes, state
 
-GONE = ("No such file", "error", "not be read", "cannot be reached")
+GONE = ("No such file", "error", "not be read", "cannot be reached", "Nothing importable")
 UNSOUND = ("rror", "ead-only", "cannot be read or written", "disk is connected")  # of a disk whose plug is pulled
 
 
@@ -20,6 +20,7 @@ def vanished_card(work):
     call = ("import", card.place, "--copy-to", copies, "--pattern", "trip-{seq}")
 
     def prepare():
+        card.put_in()
         work.create_anew()
         shutil.rmtree(copies, ignore_errors=True)
 
@@ -52,14 +53,16 @@ def vanished_photos(work):
 
     def once():
         work.create_anew()
+        photos.put_in()
         ended, was_running = work.disturb_by(photos.pull, longest, "add", photos.place)
         photos.put_in()
         work.expect_sound()
         stored = len(work.photos())
-        expect_told(ended, stored == 3000, GONE)
+        came_too_early = not any(json.loads(ended.out).values())  # a place without its disk is an empty folder
+        expect_told(ended, stored == 3000 or came_too_early, GONE)
         work.run("add", photos.place)
         work.expect_as(reference)
-        return was_running and stored < 3000, f"{stored} stored"
+        return was_running and stored < 3000 and not came_too_early, f"{stored} stored"
 
     yield once
 
