@@ -225,16 +225,16 @@ private:
     /// Whether a file that was written stays so when the power fails. What is wrong with it is told.
     bool isSafe(const Written& written, std::set<fs::path>& safeFolders)
     {
-        bool isSafe = false;
+        bool safe = false;
         attempt(written.id, [&](const FileRecord& record) {
             const auto file = fs::canonical(record.path); // which the tool has replaced
             syncFile(file);
             if (!safeFolders.contains(file.parent_path()))
                 syncFolder(file.parent_path());
             safeFolders.insert(file.parent_path());
-            isSafe = true;
+            safe = true;
         });
-        return isSafe;
+        return safe;
     }
 
     /// From here on the photos that were written wait no longer.

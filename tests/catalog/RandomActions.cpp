@@ -198,9 +198,9 @@ void RandomActions::changeText()
         std::pair(&MetadataChange::copyright, &ModelPhoto::copyright)};
     const auto [field, inModel] = texts[upTo(texts.size())];
     const auto text = upTo(4) ? std::to_string(upTo(4)) : "";
-    MetadataChange change;
-    change.*field = SharedText(text);
-    this->change(inModel, text, [&](auto ids) { setMetadata(*store_, ids, change); });
+    MetadataChange changed;
+    changed.*field = SharedText(text);
+    change(inModel, text, [&](auto ids) { setMetadata(*store_, ids, changed); });
 }
 
 void RandomActions::moveInAlbum()
