@@ -33,7 +33,8 @@ std::vector<std::string> translationNotes(const ApertureTranslator::Report& repo
     for (const auto& [what, counts] : {std::pair("not translated", &report.unsupported),
              std::pair("translated roughly", &report.approximated)})
         for (const auto& [operation, count] : *counts)
-            notes.push_back(std::string(what) + ": " + operation + " × " + std::to_string(count));
+            notes.push_back(
+                std::string(what) + ": " + operation + " × " + grouped(static_cast<std::size_t>(count)));
     return notes;
 }
 

@@ -222,26 +222,28 @@ private:
             storeWritten();
     }
 
-    /// Whether a file that was written stays so when the power fails. What is wrong with it is told.
-    bool isSafe(const Written& written, std::set<fs::path>& safeFolders)
+    /// Of the files that were written those that stay so when the power fails. What is wrong with the others
+    /// is told.
+    std::vector<Written> flushed()
     {
-        bool safe = false;
-        attempt(written.id, [&](const FileRecord& record) {
-            const auto file = fs::canonical(record.path); // which the tool has replaced
-            syncFile(file);
-            if (!safeFolders.contains(file.parent_path()))
-                syncFolder(file.parent_path());
-            safeFolders.insert(file.parent_path());
-            safe = true;
-        });
+        std::set<fs::path> folders;
+        std::vector<Written> safe;
+        for (const auto& written : written_)
+            attempt(written.id, [&](const FileRecord& record) {
+                const auto file = fs::canonical(record.path); // which the tool has replaced
+                syncFile(file);
+                if (!folders.contains(file.parent_path()))
+                    syncFolder(file.parent_path());
+                folders.insert(file.parent_path());
+                safe.push_back(written);
+            });
         return safe;
     }
 
     /// From here on the photos that were written wait no longer.
     void storeWritten()
     {
-        std::set<fs::path> safeFolders;
-        std::erase_if(written_, [&](const Written& written) { return !isSafe(written, safeFolders); });
+        written_ = flushed();
         if (written_.empty())
             return;
         Transaction transaction(catalog_.database());

@@ -157,14 +157,13 @@ void Context::printMade(std::int64_t id) const
 ExitCode Context::finish(std::size_t worked, Ended ended)
 {
     if (worked == 0 && !failures_.empty()) {
-        const auto others = failures_.size() == 1
-            ? std::string()
-            : " (and " + std::to_string(failures_.size() - 1) + " more)";
+        const auto others
+            = failures_.size() == 1 ? std::string() : " (and " + grouped(failures_.size() - 1) + " more)";
         printError("korvo: " + failures_.front() + others);
     } else if (!failures_.empty()) {
         for (const auto& failure : failures_)
             printError(failure);
-        printError(std::to_string(failures_.size()) + " failed");
+        printError(grouped(failures_.size()) + " failed");
     }
     if (ended == Ended::early)
         return ExitCode::interrupted;

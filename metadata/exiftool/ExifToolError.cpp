@@ -15,8 +15,7 @@ ExifToolError ExifToolError::failed(const std::string& message)
 
 std::string ExifToolError::textForUser() const
 {
-    const bool missing = which_ == Case::notFound;
-    return std::string(what()) + (missing ? " On Debian and Ubuntu: apt install libimage-exiftool-perl" : "");
+    return std::string(what()) + (which_ == Case::notFound ? exiftoolOnDebian : "");
 }
 
 } // namespace korvo

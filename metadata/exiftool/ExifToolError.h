@@ -22,6 +22,9 @@ private:
     Case which_;
 };
 
+/// How it is installed on this system, behind a text that says that it is missing.
+constexpr auto exiftoolOnDebian = " On Debian and Ubuntu: apt install libimage-exiftool-perl";
+
 /// What is shown in the settings while there is no exiftool.
 constexpr auto exiftoolRequired
     = "exiftool is required to read & write metadata. Install with:  brew install exiftool";

@@ -144,7 +144,8 @@ class Workplace:
             expect(found == wanted, "not what an undisturbed run leaves: " + contents.difference(found, wanted))
             for what in contents.spoiled(database) if self.spoils else ():
                 is_seen = contents.content(database, but) != wanted
-                (self.unseen if is_seen == (what in but) else self.seen).add(what)
+                if what not in but:
+                    (self.seen if is_seen else self.unseen).add(what)
 
     def photos(self):
         """The rows of all photos, by their paths."""

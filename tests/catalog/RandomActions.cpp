@@ -234,7 +234,7 @@ std::vector<std::function<void()>> RandomActions::marks()
         },
         [&] { changeText(); },
         [&] {
-            const std::string keywords = upTo(2) ? "sea, night" : "";
+            const std::string keywords = upTo(2) ? "sea, k" : "";
             change(&ModelPhoto::keywords, keywords,
                 [&](auto ids) { setMetadata(*store_, ids, {.keywords = SharedText(keywords)}); });
         },

@@ -145,6 +145,7 @@ TEST(MetadataWriteBack, keepsWhatWaitsWhenTheToolIsMissing)
     EXPECT_TRUE(library.writeBack->exiftoolMissing());
     EXPECT_EQ(library.writeBack->dirtyCount(), 1);
     EXPECT_TRUE(library.writeBack->statusMessage().starts_with("exiftool not found."));
+    EXPECT_TRUE(library.writeBack->statusMessage().ends_with(": apt install libimage-exiftool-perl"));
 }
 
 TEST(MetadataWriteBack, endsAHangingToolWhenItIsStopped)

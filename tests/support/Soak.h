@@ -8,8 +8,8 @@
 
 namespace korvo {
 
-/// Runs a test of random actions with a first seed, and, for as many minutes as $KORVO_SOAK_MINUTES says,
-/// with the seeds after it until one fails.
+/// Runs a test of random actions with a first seed, which is $KORVO_SOAK_SEED where that is set, and, for as
+/// many minutes as $KORVO_SOAK_MINUTES says, with the seeds after it until one fails.
 template <typename Test>
 void forSeeds(Test test)
 {
@@ -17,7 +17,9 @@ void forSeeds(Test test)
     const char* const minutes = std::getenv("KORVO_SOAK_MINUTES");
     const auto until
         = Time::now() + std::chrono::duration<double, std::ratio<60>>(minutes ? std::atof(minutes) : 0);
-    unsigned seed = 11;
+    const char* const given = std::getenv("KORVO_SOAK_SEED");
+    const unsigned start = given ? static_cast<unsigned>(std::atol(given)) : 11;
+    unsigned seed = start;
     for (bool first = true; first || Time::now() < until; first = false, ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         test(seed);
@@ -25,7 +27,7 @@ void forSeeds(Test test)
             return;
     }
     if (minutes)
-        std::printf("%u seeds\n", seed - 11);
+        std::printf("%u seeds\n", seed - start);
 }
 
 } // namespace korvo

@@ -97,6 +97,8 @@ void DescriptiveForm::takeBack()
     for (auto* const field : fields_)
         if (field->isTouched())
             field->takeBack();
+    if (isRead_) // what is typed next is typed over this
+        show(common_);
 }
 
 void DescriptiveForm::waitForTexts()
@@ -212,12 +214,15 @@ void DescriptiveForm::giveBack(const Typed& change)
         later->keywords = change.keywords;
         return;
     }
-    if (change.place == keywordsField && change.photos == photos_)
-        keywords_ = change.keywords; // so was what is being typed
-    if (change.photos != photos_ || !isRead_ || fields_[change.place]->isTouched())
-        return tellLost(desktop_, change.text);
-    show(common_); // what it takes the place of
-    fields_[change.place]->retype(change.text);
+    const bool isShown = change.photos == photos_;
+    if (isShown && isRead_ && !fields_[change.place]->isTouched()) {
+        show(common_); // what it takes the place of
+        fields_[change.place]->retype(change.text);
+    } else {
+        tellLost(desktop_, change.text);
+    }
+    if (isShown && change.place == keywordsField)
+        keywords_ = change.keywords; // over which it, or what is being typed by now, was typed
 }
 
 void DescriptiveForm::stepEnded(StepOutcome outcome)

@@ -82,7 +82,7 @@ void SettingsSheet::addMetadata()
     layout_->addWidget(autosave_);
     autosaveHelp_ = addLine({});
     addLine(qt(autosaveTexts(Autosave::on).note));
-    toolMissing_ = warning(plainLabel(qt(exiftoolRequired)));
+    toolMissing_ = warning(plainLabel(qt(exiftoolRequired) + "." + exiftoolOnDebian));
     layout_->addWidget(toolMissing_);
     connect(autosave_, &QCheckBox::clicked, this, [this](bool on) {
         attemptIn(*this,

@@ -124,7 +124,7 @@ TEST(Sidebar, makesThingsWhereOneClicked)
     EXPECT_EQ(store.source()->id, shown) << "a right click chooses nothing";
 }
 
-TEST(Sidebar, arrangesItsLinesByKeysMenusAndDragging)
+TEST(Sidebar, arrangesItsLinesByKeysAndMenus)
 {
     TestWindow t(0);
     auto& store = t.store();

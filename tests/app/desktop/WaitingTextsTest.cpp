@@ -139,6 +139,26 @@ TEST(WaitingTexts, addKeywordsThatAreBeingTypedAsTheStepEnds)
     EXPECT_EQ(keywords(), "barn, trip") << "which the step left as they were";
 }
 
+TEST(WaitingTexts, takeOutAKeywordThatStoodThereOnceTheTypingWasTakenBack)
+{
+    TestWindow t(1, std::chrono::milliseconds(0));
+    t.settleStore();
+    t.store().select({1});
+    settle();
+    const auto mayEnd = t.beginStep([](Catalog& catalog) {
+        catalog.changeMetadata(only(1), {.keywords = SharedText("trip")}, WriteBack::pending);
+    });
+    type(t, "Keywords", "barn");
+    *mayEnd = true;
+    t.settleStore();
+    settle();
+    t.window->commands().run(Command::undo);
+    EXPECT_EQ(field(t, "Keywords").toPlainText(), "trip");
+    type(t, "Keywords", "shed");
+    t.window->commands().settle();
+    EXPECT_EQ(t.store().catalog().photo(1)->metadata.keywords, "shed");
+}
+
 TEST(WaitingTexts, areStoredWithTheKeywordsBeforeThemThatCouldNotBe)
 {
     TestWindow t(1, std::chrono::milliseconds(0));
