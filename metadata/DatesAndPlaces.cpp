@@ -34,13 +34,13 @@ void changeOne(Catalog& catalog, const FileRecord& record, const RunExifTool& ru
     change.check(record.path);
 }
 
-/// The steps of one adjustment. What is done twice to a file would be wrong here, so that each call of the
+/// The steps of one correction. What is done twice to a file would be wrong here, so that each call of the
 /// tool is a process of its own.
-class Adjusting {
+class Correcting {
 public:
-    Adjusting(Catalog& catalog, const PhotoAdjustment& adjustment, const ExifTool& tool,
+    Correcting(Catalog& catalog, const PhotoCorrection& correction, const ExifTool& tool,
         const std::stop_token& stop)
-        : catalog_(catalog), adjustment_(adjustment), stop_(stop),
+        : catalog_(catalog), correction_(correction), stop_(stop),
           run_([&tool, &stop](const ExifToolArguments& call) { return tool.run(call, stop); })
     {
         (void)tool.path(); // before anything is done
@@ -71,7 +71,7 @@ private:
             if (!record) // it was removed meanwhile
                 return;
             file = record->path;
-            adjust(*record);
+            correct(*record);
         } catch (const ExifToolError& error) {
             fail(error.what());
             if (error.which() == ExifToolError::Case::notFound) // it vanished, for all others, too
@@ -89,18 +89,18 @@ private:
 
     /// The catalog first, so that whatever ends this leaves one photo at most of which catalog and file
     /// differ.
-    void adjust(const FileRecord& record)
+    void correct(const FileRecord& record)
     {
-        adjustment_.inCatalog(record);
+        correction_.inCatalog(record);
         result_.touched.push_back(record.id);
-        const auto change = adjustment_.inFile(record);
+        const auto change = correction_.inFile(record);
         if (change.arguments && !aperture_.hold(record.path))
             changeOne(catalog_, record, run_, change, stop_);
         ++result_.done;
     }
 
     Catalog& catalog_;
-    const PhotoAdjustment& adjustment_;
+    const PhotoCorrection& correction_;
     const std::stop_token& stop_;
     RunExifTool run_;
     ApertureBundles aperture_;
@@ -109,7 +109,7 @@ private:
 
 } // namespace
 
-PhotoAdjustment dateShiftBy(Catalog& catalog, double seconds)
+PhotoCorrection dateShiftBy(Catalog& catalog, double seconds)
 {
     const auto inCatalog = [&catalog, seconds](const FileRecord& record) {
         std::optional<CameraData> unread;
@@ -127,7 +127,7 @@ PhotoAdjustment dateShiftBy(Catalog& catalog, double seconds)
     return {inCatalog, [change](const FileRecord&) { return change; }};
 }
 
-PhotoAdjustment positionChangeTo(Catalog& catalog, const std::optional<Coordinate>& position)
+PhotoCorrection positionChangeTo(Catalog& catalog, const std::optional<Coordinate>& position)
 {
     const auto inCatalog = [&catalog, position](const FileRecord& record) {
         catalog.setUserPosition(record.id, position ? std::optional(position->latitude) : std::nullopt,
@@ -138,12 +138,12 @@ PhotoAdjustment positionChangeTo(Catalog& catalog, const std::optional<Coordinat
     return {inCatalog, [change](const FileRecord&) { return change; }};
 }
 
-FilesWritten adjustPhotos(Catalog& catalog, std::span<const PhotoID> photos,
-    const PhotoAdjustment& adjustment, const ExifTool& tool, const std::stop_token& stop,
+FilesWritten correctPhotos(Catalog& catalog, std::span<const PhotoID> photos,
+    const PhotoCorrection& correction, const ExifTool& tool, const std::stop_token& stop,
     const FileProgress& progress)
 {
     const auto ids = catalog.mastersOf(photos);
-    return Adjusting(catalog, adjustment, tool, stop).run(ids, progress);
+    return Correcting(catalog, correction, tool, stop).run(ids, progress);
 }
 
 } // namespace korvo

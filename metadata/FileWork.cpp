@@ -53,7 +53,7 @@ void FileWork::begin(FileJob job)
     saving_ = true;
     stop_ = {};
     ended_ = std::move(job.ended);
-    adjusting_ = std::move(job.adjusting);
+    correcting_ = std::move(job.correcting);
     task_ = runInBackground(main_,
         [this, &catalog = store_.catalog(), stop = stop_, work = std::move(job)](
             const Task::Context& context) {
@@ -91,7 +91,7 @@ void FileWork::say(std::string message)
 void FileWork::finish(const FilesWritten& result, std::string message)
 {
     saving_ = false;
-    adjusting_.clear();
+    correcting_.clear();
     statusMessage_ = std::move(message);
     failures_ = result.failures;
     hasFailed_ = !result.failures.empty() || !result.fault.empty();

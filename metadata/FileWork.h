@@ -23,7 +23,7 @@ struct FileJob {
     std::function<FilesWritten(Catalog&, const ExifTool&, const std::stop_token&, const FileProgress&)> run;
     /// Runs on the main thread, before the store hears of what has changed.
     std::function<void(const FilesWritten&)> ended = {};
-    std::string adjusting = {}; // see FileWork::adjusting()
+    std::string correcting = {}; // see FileWork::correcting()
 };
 
 /// Work on the files of the open library's photos, one job at a time, in the background. Used on the main
@@ -39,7 +39,7 @@ public:
     bool isSaving() const { return saving_; }
     /// The title of a running change of dates or positions, or of its undoing, which leaves off when it is
     /// ended; else empty. What is not saved or reverted yet waits on.
-    const std::string& adjusting() const { return adjusting_; }
+    const std::string& correcting() const { return correcting_; }
     /// What is being done, or what came of it.
     const std::string& statusMessage() const { return statusMessage_; }
     /// What went wrong with which photo in the last job.
@@ -67,7 +67,7 @@ private:
     LibraryStore& store_;
     const ExifTool& tool_;
     bool saving_ = false;
-    std::string adjusting_;
+    std::string correcting_;
     bool hasFailed_ = false;
     bool exiftoolMissing_ = false;
     std::string statusMessage_;

@@ -123,7 +123,7 @@ ExitCode shiftPhotoDates(Context& context, const ShiftArguments& arguments)
     const auto ids = context.photos(arguments.photos);
     const auto result
         = withProgress(context, "Shifting", [&](const ExifTool& tool, const FileProgress& progress) {
-              return adjustPhotos(context.library(), ids, dateShiftBy(context.library(), arguments.seconds),
+              return correctPhotos(context.library(), ids, dateShiftBy(context.library(), arguments.seconds),
                   tool, context.stop(), progress);
           });
     return report(context, result, "shifted", shiftSummary(result));
@@ -162,8 +162,8 @@ ExitCode locate(Context& context, LocateArguments arguments)
     const auto ids = context.photos(arguments.photos);
     const auto result
         = withProgress(context, "Locating", [&](const ExifTool& tool, const FileProgress& progress) {
-              return adjustPhotos(context.library(), ids, positionChangeTo(context.library(), position), tool,
-                  context.stop(), progress);
+              return correctPhotos(context.library(), ids, positionChangeTo(context.library(), position),
+                  tool, context.stop(), progress);
           });
     return report(context, result, "located", positionSummary(result, position));
 }

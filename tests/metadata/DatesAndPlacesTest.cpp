@@ -28,12 +28,12 @@ struct Adjusted : TestLibrary {
 
     FilesWritten shift(std::vector<PhotoID> photos, double seconds, const std::stop_token& stop = {})
     {
-        return adjustPhotos(*catalog, photos, dateShiftBy(*catalog, seconds), exiftool.tool, stop, nowhere);
+        return correctPhotos(*catalog, photos, dateShiftBy(*catalog, seconds), exiftool.tool, stop, nowhere);
     }
 
     FilesWritten locate(std::vector<PhotoID> photos, const std::optional<Coordinate>& position)
     {
-        return adjustPhotos(
+        return correctPhotos(
             *catalog, photos, positionChangeTo(*catalog, position), exiftool.tool, {}, nowhere);
     }
 
@@ -72,7 +72,7 @@ TEST(DatesAndPlaces, writeNoPositionIntoDamagedXmpWhichTheToolWouldMakeAnew)
     auto half = readFile(file);
     half.replace(half.find("</rdf:RDF>"), 10, "</rdf:XXX>");
     library.folder.write("a.jpg", half);
-    const auto result = adjustPhotos(*library.catalog, only(photo),
+    const auto result = correctPhotos(*library.catalog, only(photo),
         positionChangeTo(*library.catalog, Coordinate{48, 11}), real.tool, {}, nowhere);
     ASSERT_EQ(result.failures.size(), 1U);
     EXPECT_NE(result.failures.front().message.find("its XMP is damaged"), std::string::npos);
@@ -86,7 +86,7 @@ TEST(DatesAndPlaces, shiftTheDateThatAFilmIsKnownBy)
     const FakeTool real(FakeTool::Real{});
     const auto film = library.add("a.mov", "phone.mov");
     EXPECT_EQ(
-        adjustPhotos(*library.catalog, only(film), dateShiftBy(*library.catalog, 90), real.tool, {}, nowhere)
+        correctPhotos(*library.catalog, only(film), dateShiftBy(*library.catalog, 90), real.tool, {}, nowhere)
             .done,
         1U);
     const auto inFile = readExif(library.folder / "a.mov").value_or(PhotoExifInfo());
@@ -111,7 +111,7 @@ TEST(DatesAndPlaces, setAndTakePositionsInFilesOfEveryKind)
                       files.front().string()},
         {});
     const auto locate = [&](const std::optional<Coordinate>& position) {
-        const auto result = adjustPhotos(
+        const auto result = correctPhotos(
             *library.catalog, photos, positionChangeTo(*library.catalog, position), real.tool, {}, nowhere);
         EXPECT_EQ(result.done, photos.size());
         for (const auto& failure : result.failures)
@@ -184,7 +184,7 @@ TEST(DatesAndPlaces, leaveTheOtherPhotosAloneWhenTheToolVanishes)
     const FakeTool once("rm \"$0\"");
     const std::vector photos{library.add("a.jpg"), library.add("b.jpg"), library.add("c.jpg")};
     const auto result
-        = adjustPhotos(*library.catalog, photos, dateShiftBy(*library.catalog, 1), once.tool, {}, nowhere);
+        = correctPhotos(*library.catalog, photos, dateShiftBy(*library.catalog, 1), once.tool, {}, nowhere);
     EXPECT_EQ(result.done, 1U);
     EXPECT_EQ(result.failures.size(), 1U);
     EXPECT_TRUE(result.fault.starts_with("exiftool not found."));
@@ -198,7 +198,7 @@ TEST(DatesAndPlaces, doNothingWithoutTheToolOrOnceStopped)
     FakeProcessLauncher launcher;
     const ExifTool missing(launcher, {.bundled = "/nowhere", .installed = {}, .searchPath = ""});
     EXPECT_THROW(
-        adjustPhotos(*library.catalog, only(photo), dateShiftBy(*library.catalog, 1), missing, {}, nowhere),
+        correctPhotos(*library.catalog, only(photo), dateShiftBy(*library.catalog, 1), missing, {}, nowhere),
         ExifToolError);
     std::stop_source stop;
     stop.request_stop();

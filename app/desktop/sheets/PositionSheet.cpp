@@ -5,7 +5,7 @@
 #include "catalog/FileTypes.h"
 #include "catalog/NearPlace.h"
 #include "catalog/store/SmartAlbumEditor.h"
-#include "metadata/AdjustmentSteps.h"
+#include "metadata/DateAndPlaceSteps.h"
 #include "metadata/InfoTexts.h"
 
 #include <QDialogButtonBox>

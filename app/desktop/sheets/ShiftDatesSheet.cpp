@@ -2,7 +2,7 @@
 #include "app/desktop/sheets/Sheet.h"
 #include "app/desktop/sheets/Sheets.h"
 #include "base/Dates.h"
-#include "metadata/AdjustmentSteps.h"
+#include "metadata/DateAndPlaceSteps.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

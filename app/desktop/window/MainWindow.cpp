@@ -174,9 +174,9 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return event->ignore();
     }
     const auto jobs = desktop_.jobs().running();
-    const auto adjusting = desktop_.session().writeBack().adjusting();
+    const auto correcting = desktop_.session().writeBack().correcting();
     if ((!isKept && !isLossWished(*this)) || (!jobs.empty() && !isEndWished(*this, jobs))
-        || (!adjusting.empty() && !isCutWished(*this, adjusting)))
+        || (!correcting.empty() && !isCutWished(*this, correcting)))
         return event->ignore();
     memory_.remember();
     QMainWindow::closeEvent(event);

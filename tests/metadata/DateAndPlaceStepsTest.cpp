@@ -1,4 +1,4 @@
-#include "metadata/AdjustmentSteps.h"
+#include "metadata/DateAndPlaceSteps.h"
 
 #include "catalog/store/LibraryActions.h"
 #include "metadata/ExifReader.h"
@@ -14,7 +14,7 @@ using Texts = std::vector<std::string>;
 
 } // namespace
 
-TEST(AdjustmentSteps, shiftsDatesAsAStepThatTakesThemBackWhereTheyWereMoved)
+TEST(DateAndPlaceSteps, shiftsDatesAsAStepThatTakesThemBackWhereTheyWereMoved)
 {
     OpenLibrary library(3);
     auto& store = *library.store;
@@ -60,7 +60,7 @@ TEST(AdjustmentSteps, shiftsDatesAsAStepThatTakesThemBackWhereTheyWereMoved)
         EXPECT_EQ(dates()[i], before[i] + 60);
 }
 
-TEST(AdjustmentSteps, takesPositionsBackToWhatEachPhotoHad)
+TEST(DateAndPlaceSteps, takesPositionsBackToWhatEachPhotoHad)
 {
     OpenLibrary library(2);
     auto& store = *library.store;
@@ -85,7 +85,7 @@ TEST(AdjustmentSteps, takesPositionsBackToWhatEachPhotoHad)
     EXPECT_EQ(store.list().find(1)->longitude, 20);
 }
 
-TEST(AdjustmentSteps, takesNoPositionFromAFileThatItNeverWrote)
+TEST(DateAndPlaceSteps, takesNoPositionFromAFileThatItNeverWrote)
 {
     OpenLibrary library(2);
     auto& store = *library.store;
@@ -103,7 +103,7 @@ TEST(AdjustmentSteps, takesNoPositionFromAFileThatItNeverWrote)
     EXPECT_FALSE(store.catalog().isPositionRead(2)) << "its own is still to be read";
 }
 
-TEST(AdjustmentSteps, givesAPhotoThatWasNeverReadThePositionOfItsFile)
+TEST(DateAndPlaceSteps, givesAPhotoThatWasNeverReadThePositionOfItsFile)
 {
     OpenLibrary library(1);
     auto& store = *library.store;
@@ -118,7 +118,7 @@ TEST(AdjustmentSteps, givesAPhotoThatWasNeverReadThePositionOfItsFile)
     EXPECT_EQ(store.list().find(1)->latitude, readGPS(file)->latitude);
 }
 
-TEST(AdjustmentSteps, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
+TEST(DateAndPlaceSteps, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
 {
     const FakeTool real(FakeTool::Real{});
     OpenLibrary library(1, "photos", &real.tool);
@@ -147,7 +147,7 @@ TEST(AdjustmentSteps, givesAFileBackThePositionThatItHeldAndThePhotoItsOwn)
     EXPECT_EQ(store.list().find(1)->latitude, 10);
 }
 
-TEST(AdjustmentSteps, keepsWhatAPhotoHadUntilItIsBackWhateverEndsTheWayBack)
+TEST(DateAndPlaceSteps, keepsWhatAPhotoHadUntilItIsBackWhateverEndsTheWayBack)
 {
     OpenLibrary library(2);
     auto& store = *library.store;
@@ -169,7 +169,7 @@ TEST(AdjustmentSteps, keepsWhatAPhotoHadUntilItIsBackWhateverEndsTheWayBack)
     EXPECT_EQ(store.list().find(2)->latitude, 30);
 }
 
-TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughTheCatalogCouldNotNoteIt)
+TEST(DateAndPlaceSteps, takesBackWhatTheToolWroteThoughTheCatalogCouldNotNoteIt)
 {
     OpenLibrary library(1);
     auto& store = *library.store;
@@ -185,16 +185,16 @@ TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughTheCatalogCouldNotNoteIt)
     EXPECT_EQ(library.calls(), made + 1) << "the file was written";
 }
 
-TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughTheFileWentAwayBehindIt)
+TEST(DateAndPlaceSteps, takesBackWhatTheToolWroteThoughTheFileWentAwayBehindIt)
 {
     const auto position = [](auto&... work) { setPosition(work..., only(1), Coordinate{48, 11}); };
     const auto dates = [](auto&... work) { shiftDates(work..., only(1), 60); };
     using Adjust = std::function<void(FileWork&, LibraryStore&)>;
-    for (const auto& adjust : {Adjust(position), Adjust(dates)}) {
+    for (const auto& correct : {Adjust(position), Adjust(dates)}) {
         const FakeTool tool("for file; do :; done\nmv \"$file\" \"$file.away\"");
         OpenLibrary library(1, "photos", &tool.tool);
         const auto file = library.store->list().find(1)->path(), called = tool.folder / "called";
-        adjust(*library.writeBack, *library.store);
+        correct(*library.writeBack, *library.store);
         ASSERT_TRUE(library.finish());
         EXPECT_NE(library.writeBack->failureOf(1), nullptr);
         std::filesystem::rename(file.native() + ".away", file);
@@ -205,7 +205,7 @@ TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughTheFileWentAwayBehindIt)
     }
 }
 
-TEST(AdjustmentSteps, keepsAStepInItsPlaceUntilItIsTakenBackOrTheSamePhotosFailAgain)
+TEST(DateAndPlaceSteps, keepsAStepInItsPlaceUntilItIsTakenBackOrTheSamePhotosFailAgain)
 {
     const FakeTool tool("exit 0");
     const auto program = tool.folder / "exiftool", away = tool.folder / "away";
@@ -238,7 +238,7 @@ TEST(AdjustmentSteps, keepsAStepInItsPlaceUntilItIsTakenBackOrTheSamePhotosFailA
     EXPECT_EQ(store.redoTitle(), "Set Position");
 }
 
-TEST(AdjustmentSteps, putsAStepInItsPlaceWhateverIsDoneWhileItIsTakenBackOrDoneAgain)
+TEST(DateAndPlaceSteps, putsAStepInItsPlaceWhateverIsDoneWhileItIsTakenBackOrDoneAgain)
 {
     for (const std::string failing : {"", "1.jpg"}) {
         OpenLibrary library(1);
@@ -271,7 +271,7 @@ TEST(AdjustmentSteps, putsAStepInItsPlaceWhateverIsDoneWhileItIsTakenBackOrDoneA
     }
 }
 
-TEST(AdjustmentSteps, doesAgainOnlyWhatWasTakenBack)
+TEST(DateAndPlaceSteps, doesAgainOnlyWhatWasTakenBack)
 {
     OpenLibrary library(2);
     auto& store = *library.store;
@@ -289,7 +289,7 @@ TEST(AdjustmentSteps, doesAgainOnlyWhatWasTakenBack)
     EXPECT_FALSE(store.list().find(2)->latitude) << "which the stop had spared";
 }
 
-TEST(AdjustmentSteps, takesBackWhatTheToolWroteThoughItIsNotWhatItShouldBe)
+TEST(DateAndPlaceSteps, takesBackWhatTheToolWroteThoughItIsNotWhatItShouldBe)
 {
     const auto copy = [](const char* name) {
         return "#!/bin/sh\nfor file; do :; done\ncp '" + fixture(name).string() + "' \"$file\"";

@@ -1,4 +1,4 @@
-#include "metadata/AdjustmentSteps.h"
+#include "metadata/DateAndPlaceSteps.h"
 
 #include "catalog/UnreadPhotos.h"
 #include "metadata/DatesAndPlaces.h"
@@ -15,7 +15,7 @@ namespace korvo {
 
 namespace {
 
-// Each run of a step goes on any thread, one at a time, and throws as adjustPhotos() does. isLeft() says
+// Each run of a step goes on any thread, one at a time, and throws as correctPhotos() does. isLeft() says
 // between them whether something of it is still to be taken back. Doing it again is doing what was taken
 // back: what a stop had spared stays so.
 
@@ -110,7 +110,7 @@ FilesWritten DateShift::run(UndoWay way, Catalog& catalog, const ExifTool& tool,
         change.written = [this, way, id = record.id] { note(inFiles_, way, id); };
         return change;
     };
-    auto result = adjustPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
+    auto result = correctPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
     for (const PhotoID photo : result.touched)
         note(inCatalog_, way, photo);
     if (way == UndoWay::forth && isLeft()) {
@@ -142,7 +142,7 @@ FilesWritten PositionChange::give(
         written.written = [this, id = record.id] { inFiles_.insert(id); };
         return written;
     };
-    auto result = adjustPhotos(catalog, photos_, {inCatalog, inFile}, tool, stop, progress);
+    auto result = correctPhotos(catalog, photos_, {inCatalog, inFile}, tool, stop, progress);
     if (const auto given = std::views::keys(before_); isLeft())
         photos_.assign(given.begin(), given.end());
     return result;
@@ -167,7 +167,7 @@ FilesWritten PositionChange::putBack(
     const auto photos = catalog.mastersOf(std::vector<PhotoID>(keys.begin(), keys.end()));
     const std::set<PhotoID> there(photos.begin(), photos.end());
     std::erase_if(before_, [&](const auto& photo) { return !there.contains(photo.first); });
-    auto result = adjustPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
+    auto result = correctPhotos(catalog, photos, {inCatalog, inFile}, tool, stop, progress);
     for (const PhotoID photo : withoutFailure(result)) {
         before_.erase(photo);
         inFiles_.erase(photo);
@@ -175,8 +175,8 @@ FilesWritten PositionChange::putBack(
     return result;
 }
 
-/// An adjustment as the user sees it.
-struct Adjustment {
+/// A correction as the user sees it.
+struct Correction {
     std::string title; // in the Edit menu
     std::string verb; // of doing it
     std::function<std::string(const FilesWritten&)> summary; // the same
@@ -187,14 +187,14 @@ struct Adjustment {
     std::vector<PhotoID> failed = {}; // of the last run, when that left the step where it was
 };
 
-FileJob jobOf(const Adjustment& adjustment, UndoWay way)
+FileJob jobOf(const Correction& correction, UndoWay way)
 {
-    FileJob job{adjustment.verb, adjustment.summary,
-        [run = adjustment.run, way](auto&&... arguments) { return run(way, arguments...); }};
-    job.adjusting = adjustment.title;
+    FileJob job{correction.verb, correction.summary,
+        [run = correction.run, way](auto&&... arguments) { return run(way, arguments...); }};
+    job.correcting = correction.title;
     if (way == UndoWay::back) {
         job.verb = "Taking back";
-        job.summary = [title = adjustment.title](
+        job.summary = [title = correction.title](
                           const FilesWritten& result) { return takenBackSummary(result, title); };
     }
     return job;
@@ -203,31 +203,31 @@ FileJob jobOf(const Adjustment& adjustment, UndoWay way)
 /// Which way the step has gone. It is done while something of it is left, which nothing else knows how to
 /// take back. But where the tool could work and the very same photos failed twice, their files may be gone
 /// for good, and the step must not stand before older ones for ever.
-UndoWay wayGone(Adjustment& adjustment, UndoWay way, const FilesWritten& result)
+UndoWay wayGone(Correction& correction, UndoWay way, const FilesWritten& result)
 {
-    const auto before = std::exchange(adjustment.failed, {});
+    const auto before = std::exchange(correction.failed, {});
     std::vector<PhotoID> failed;
     std::ranges::transform(result.failures, std::back_inserter(failed), &FileFailure::id);
     const bool isWhole = result.fault.empty() && !result.stopped;
     if (isWhole && (failed.empty() || failed == before))
         return way;
-    const auto gone = adjustment.isLeft() ? UndoWay::forth : UndoWay::back;
+    const auto gone = correction.isLeft() ? UndoWay::forth : UndoWay::back;
     if (isWhole && gone != way)
-        adjustment.failed = std::move(failed);
+        correction.failed = std::move(failed);
     return gone;
 }
 
-void beginStep(FileWork& work, LibraryStore& store, Adjustment made)
+void beginStep(FileWork& work, LibraryStore& store, Correction made)
 {
-    const auto adjustment = std::make_shared<Adjustment>(std::move(made));
-    const auto retrace = [&work, adjustment](UndoWay way, const auto& ended) {
-        auto job = jobOf(*adjustment, way);
-        job.ended = [adjustment, way, ended](
-                        const FilesWritten& result) { ended(wayGone(*adjustment, way, result)); };
+    const auto correction = std::make_shared<Correction>(std::move(made));
+    const auto retrace = [&work, correction](UndoWay way, const auto& ended) {
+        auto job = jobOf(*correction, way);
+        job.ended = [correction, way, ended](
+                        const FilesWritten& result) { ended(wayGone(*correction, way, result)); };
         work.begin(std::move(job));
     };
-    auto job = jobOf(*adjustment, UndoWay::forth);
-    job.ended = [&store, title = adjustment->title, retrace, since = store.newestStep()](
+    auto job = jobOf(*correction, UndoWay::forth);
+    job.ended = [&store, title = correction->title, retrace, since = store.newestStep()](
                     const FilesWritten& result) {
         if (!result.touched.empty())
             store.adopt(title, retrace, since);

@@ -5,7 +5,7 @@
 
 namespace korvo {
 
-// Adjustments in the library and in the files, each as one step of undo. Undo and redo write files too, in
+// Corrections in the library and in the files, each as one step of undo. Undo and redo write files too, in
 // the background as these do. All throw FilesBusy while a job runs. `work` must outlive the store's undo.
 
 /// Moves capture dates by some seconds.
