@@ -11,9 +11,11 @@
 #include "metadata/exiftool/KeptExifTool.h"
 #include "platform/ApertureBundles.h"
 #include "platform/FileSync.h"
+#include "platform/PosixFile.h"
 
 #include <fmt/format.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -37,12 +39,20 @@ constexpr std::size_t mostSingleCalls = 3;
 /// more.
 constexpr std::chrono::milliseconds timeBetweenStores(250);
 
-/// What exiftool leaves out when it says that it cannot write a file beside this one.
+/// Whether the disk has the file's name but does not give out what it holds, as one that was pulled.
+bool isUnreadable(const fs::path& file)
+{
+    const auto opened = openFile(file, O_RDONLY | O_NONBLOCK);
+    char byte = 0;
+    return (!opened || ::read(opened.descriptor(), &byte, 1) < 0) && errno == EIO;
+}
+
+/// What exiftool leaves out when it says that it cannot open a file, or write one beside it.
 std::string whyNotWritable(const fs::path& file)
 {
     constexpr std::uintmax_t growth = 1 << 20; // more than what is written makes a file grow by
     const auto folder = file.parent_path();
-    if (::access(folder.c_str(), W_OK) != 0)
+    if (isUnreadable(file) || ::access(folder.c_str(), W_OK) != 0)
         return fmt::format(" ({})", std::generic_category().message(errno));
     std::error_code unknown;
     const auto needed = fs::file_size(file, unknown) + growth;
