@@ -18,8 +18,8 @@ void LibraryStore::giveUp(std::unique_ptr<ListReading> reading)
 {
     try {
         reading->leaveTo(left_);
-    } catch (
-        ...) { // no thread could be begun to end it; the list is read when others' changes are looked for
+    } catch (...) {
+        // No thread could be begun to end it; the list is read when others' changes are looked for.
         dataVersion_ = -1;
         throw;
     }
@@ -182,8 +182,8 @@ bool LibraryStore::mustReload(const ChangedRows& rows) const
 
 bool LibraryStore::updateList(const ChangedRows& rows)
 {
-    if (rows.updated.size() + rows.inserted.size()
-        > bounds_.photosListed) // reading all again keeps nobody waiting
+    // Reading all again keeps nobody waiting.
+    if (rows.updated.size() + rows.inserted.size() > bounds_.photosListed)
         return load(source_) == Shown::yes;
     if (reading_)
         merge(reading_->since, rows);
